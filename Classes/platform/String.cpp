@@ -1,0 +1,90 @@
+#include <velmocore/platform/String.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <ostream>
+
+#include "platform/Utf8.h"
+
+namespace velmo {
+namespace {
+
+constexpr std::size_t MaxUnits = (SIZE_MAX / 2 - 64) / sizeof(char16_t);
+
+}  // namespace
+
+String::String(std::u16string_view units) {
+    if (units.data() == nullptr) return;
+    StringBuilder builder(units.size());
+    builder.append(units);
+    *this = builder.finish();
+}
+
+String String::fromUTF8(std::string_view bytes) {
+    StringBuilder builder;
+    builder.commit(
+        detail::decodeUtf8(bytes, builder.prepare(bytes.size() + detail::Utf8Slack)));
+    return builder.finish();
+}
+
+const String& String::empty() noexcept {
+    // Counts an owner that never goes, so the count never falls to 0.
+    static Rep rep{2, 0};
+    static const String string(&rep);
+    return string;
+}
+
+std::string String::utf8() const { return velmo::utf8(view()); }
+
+String String::substring(Range range) const {
+    if (!rep_ || !range.isFound()) return {};
+    const std::size_t start = std::min<std::size_t>(range.location, length());
+    const std::size_t count = std::min<std::size_t>(range.length, length() - start);
+    if (count == length()) return *this;
+    return String(view().substr(start, count));
+}
+
+void String::destroy(Rep* rep) noexcept { std::free(rep); }
+
+std::ostream& operator<<(std::ostream& stream, const String& string) {
+    return stream << string.utf8();
+}
+
+std::string utf8(std::u16string_view units) {
+    std::string bytes(units.size() * 3, '\0');
+    bytes.resize(detail::encodeUtf8(units, bytes.data()));
+    return bytes;
+}
+
+StringBuilder::~StringBuilder() {
+    if (units_) std::free(reinterpret_cast<String::Rep*>(units_) - 1);
+}
+
+void StringBuilder::grow(std::size_t count) {
+    if (count > MaxUnits - length_) throw std::bad_alloc();
+    const std::size_t capacity =
+        std::max(length_ + count, std::min(capacity_ + capacity_ / 2, MaxUnits));
+    void* old = units_ ? reinterpret_cast<String::Rep*>(units_) - 1 : nullptr;
+    void* block = std::realloc(old, sizeof(String::Rep) + capacity * sizeof(char16_t));
+    if (!block) throw std::bad_alloc();
+    units_ = reinterpret_cast<char16_t*>(static_cast<String::Rep*>(block) + 1);
+    capacity_ = capacity;
+}
+
+String StringBuilder::finish() {
+    if (length_ == 0) return String::empty();
+    void* block = reinterpret_cast<String::Rep*>(units_) - 1;
+    // A block that is nearly full stays as it is; otherwise the rest goes back.
+    if (capacity_ - length_ > length_ / 16 + 16) {
+        void* shrunk =
+            std::realloc(block, sizeof(String::Rep) + length_ * sizeof(char16_t));
+        if (shrunk) block = shrunk;
+    }
+    auto* rep = new (block) String::Rep{1, length_};
+    units_ = nullptr;
+    length_ = capacity_ = 0;
+    return String(rep);
+}
+
+}  // namespace velmo

@@ -1,0 +1,54 @@
+// What the library needs of Unicode, asked of ICU: categories, one-to-one mappings,
+// normalisation and case of whole texts. No ICU type shows.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+
+namespace velmo::unicode {
+
+/// Unicode's general categories, as bits of a mask.
+enum Category : std::uint32_t {
+    Letter = 1u << 0,          // L
+    Mark = 1u << 1,            // M
+    Number = 1u << 2,          // N
+    DecimalDigit = 1u << 3,    // Nd
+    Lowercase = 1u << 4,       // Ll
+    UppercaseOrTitle = 1u << 5,  // Lu, Lt
+    SpaceSeparator = 1u << 6,  // Zs
+    LineOrParagraph = 1u << 7,  // Zl, Zp
+    Punctuation = 1u << 8,     // P
+    Symbol = 1u << 9,          // S
+    Control = 1u << 10,        // Cc, Cf
+    Unassigned = 1u << 11,     // Cn
+};
+
+/// The categories a unit belongs to, by the character of that number; a surrogate
+/// belongs to none.
+VELMO_API std::uint32_t categoriesOf(char16_t unit) noexcept;
+
+/// Lower or upper case of one unit, full mapping, no locale. The unit itself where
+/// the mapping is not exactly one unit.
+VELMO_API char16_t lowerCase(char16_t unit) noexcept;
+VELMO_API char16_t upperCase(char16_t unit) noexcept;
+
+/// The unit without diacritics: decomposed, its marks removed. The unit itself where
+/// not exactly one unit is left.
+VELMO_API char16_t withoutDiacritics(char16_t unit) noexcept;
+
+/// Normalisation forms, with the numbers that callers use for them.
+enum class Form { D = 0, KD = 1, C = 2, KC = 3 };
+VELMO_API std::u16string normalized(std::u16string_view text, Form form);
+
+/// Case of a whole text, no locale; the length may change.
+VELMO_API std::u16string lowerCase(std::u16string_view text);
+VELMO_API std::u16string upperCase(std::u16string_view text);
+
+/// Membership of the platform's white-space-and-newline set: Zs, Zl, Zp, U+0009 to
+/// U+000D and U+0085.
+VELMO_API bool isWhiteSpaceOrNewline(char16_t unit) noexcept;
+
+}  // namespace velmo::unicode

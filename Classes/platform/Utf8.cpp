@@ -1,0 +1,150 @@
+// Pages are mostly ASCII with islands of longer sequences. The decoder therefore has
+// two gears: sixteen bytes at a time while all are ASCII, and a scalar loop that stays
+// in charge from the first other byte on until sixteen bytes of ASCII are likely again.
+#include "platform/Utf8.h"
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace velmo::detail {
+namespace {
+
+using Byte = std::uint8_t;
+
+constexpr char16_t Replacement = 0xFFFD;
+
+bool isContinuation(Byte byte) { return (byte & 0xC0) == 0x80; }
+
+/// Widens ASCII from the read position on, sixteen bytes at a time while that many
+/// are left. Stops at the first other byte.
+inline void widenAscii(const Byte*& in, const Byte* end, char16_t*& out) {
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    while (end - in >= 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
+        const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(block));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(block, zero));
+        if (high) {
+            const int ascii = std::countr_zero(high);
+            in += ascii;
+            out += ascii;
+            return;
+        }
+        in += 16;
+        out += 16;
+    }
+#endif
+    while (in < end && *in < 0x80) *out++ = *in++;
+}
+
+/// Decodes the sequence that starts with a byte above 127.
+inline void decodeSequence(const Byte*& in, const Byte* end, char16_t*& out) {
+    const Byte lead = *in++;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        if (in < end && isContinuation(*in)) {
+            *out++ = static_cast<char16_t>(((lead & 0x1F) << 6) | (*in++ & 0x3F));
+            return;
+        }
+    } else if ((lead & 0xF0) == 0xE0) {
+        // The second byte's bounds keep out overlong forms and surrogates.
+        const Byte low = lead == 0xE0 ? 0xA0 : 0x80;
+        const Byte high = lead == 0xED ? 0x9F : 0xBF;
+        if (in < end && *in >= low && *in <= high) {
+            const Byte second = *in++;
+            if (in < end && isContinuation(*in)) {
+                *out++ = static_cast<char16_t>(((lead & 0x0F) << 12) | ((second & 0x3F) << 6) |
+                                               (*in++ & 0x3F));
+                return;
+            }
+        }
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        const Byte low = lead == 0xF0 ? 0x90 : 0x80;
+        const Byte high = lead == 0xF4 ? 0x8F : 0xBF;
+        if (in < end && *in >= low && *in <= high) {
+            const Byte second = *in++;
+            if (in < end && isContinuation(*in)) {
+                const Byte third = *in++;
+                if (in < end && isContinuation(*in)) {
+                    const std::uint32_t point =
+                        (std::uint32_t(lead & 0x07) << 18) | (std::uint32_t(second & 0x3F) << 12) |
+                        (std::uint32_t(third & 0x3F) << 6) | (*in++ & 0x3Fu);
+                    *out++ = static_cast<char16_t>(0xD7C0 + (point >> 10));
+                    *out++ = static_cast<char16_t>(0xDC00 + (point & 0x3FF));
+                    return;
+                }
+            }
+        }
+    }
+    *out++ = Replacement;
+}
+
+/// Whether the next eight bytes are all ASCII, so that the vector loop pays.
+inline bool asciiAhead(const Byte* in, const Byte* end) {
+    if (end - in < 8) return false;
+    std::uint64_t block;
+    std::memcpy(&block, in, 8);
+    return (block & 0x8080808080808080u) == 0;
+}
+
+}  // namespace
+
+std::size_t decodeUtf8(std::string_view bytes, char16_t* const out) noexcept {
+    const Byte* in = reinterpret_cast<const Byte*>(bytes.data());
+    const Byte* const end = in + bytes.size();
+    char16_t* write = out;
+    while (in < end) {
+        widenAscii(in, end, write);
+        while (in < end) {
+            if (*in >= 0x80) {
+                decodeSequence(in, end, write);
+            } else if (asciiAhead(in, end)) {
+                break;
+            } else {
+                *write++ = *in++;
+            }
+        }
+    }
+    return static_cast<std::size_t>(write - out);
+}
+
+std::size_t encodeUtf8(std::u16string_view units, char* const out) noexcept {
+    char* write = out;
+    const auto put = [&write](std::uint32_t byte) { *write++ = static_cast<char>(byte); };
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        std::uint32_t point = units[i];
+        if (point < 0x80) {
+            put(point);
+            continue;
+        }
+        if (point < 0x800) {
+            put(0xC0 | (point >> 6));
+            put(0x80 | (point & 0x3F));
+            continue;
+        }
+        if ((point & 0xF800) == 0xD800) {
+            const bool paired = point < 0xDC00 && i + 1 < units.size() &&
+                                (units[i + 1] & 0xFC00) == 0xDC00;
+            if (paired) {
+                point = 0x10000 + ((point & 0x3FF) << 10) + (units[++i] & 0x3FFu);
+                put(0xF0 | (point >> 18));
+                put(0x80 | ((point >> 12) & 0x3F));
+                put(0x80 | ((point >> 6) & 0x3F));
+                put(0x80 | (point & 0x3F));
+                continue;
+            }
+            point = Replacement;
+        }
+        put(0xE0 | (point >> 12));
+        put(0x80 | ((point >> 6) & 0x3F));
+        put(0x80 | (point & 0x3F));
+    }
+    return static_cast<std::size_t>(write - out);
+}
+
+}  // namespace velmo::detail

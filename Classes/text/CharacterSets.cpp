@@ -1,0 +1,76 @@
+#include <velmocore/text/CharacterSets.h>
+
+#include "platform/Unicode.h"
+
+namespace velmo {
+namespace {
+
+CharacterSetRep setOfCategories(std::uint32_t categories) {
+    CharacterSetRep set;
+    for (unsigned unit = 0; unit < 65536; ++unit)
+        if (unicode::categoriesOf(static_cast<char16_t>(unit)) & categories)
+            set.add(static_cast<char16_t>(unit));
+    return set;
+}
+
+CharacterSetRep makeSpaceSet() {
+    CharacterSetRep set = setOfCategories(unicode::SpaceSeparator);
+    set.add(u'\0');
+    set.add(u'\t');
+    return set;
+}
+
+CharacterSetRep makeWhiteSet() {
+    CharacterSetRep set;
+    for (unsigned unit = 0; unit < 65536; ++unit) {
+        const auto c = static_cast<char16_t>(unit);
+        if (unicode::isWhiteSpaceOrNewline(c) || isFeedUnit(c)) set.add(c);
+    }
+    set.add(u'\0');
+    return set;
+}
+
+}  // namespace
+
+const CharacterSetRep& emptyCharacterSetRep() {
+    static const CharacterSetRep set;
+    return set;
+}
+
+const CharacterSetRep& spaceCharacterSetRep() {
+    static const CharacterSetRep set = makeSpaceSet();
+    return set;
+}
+
+const CharacterSetRep& whiteCharacterSetRep() {
+    static const CharacterSetRep set = makeWhiteSet();
+    return set;
+}
+
+const CharacterSetRep& alphaCharacterSetRep() {
+    static const CharacterSetRep set = setOfCategories(unicode::Letter | unicode::Mark);
+    return set;
+}
+
+const CharacterSetRep& alphaNumCharacterSetRep() {
+    static const CharacterSetRep set =
+        setOfCategories(unicode::Letter | unicode::Mark | unicode::Number);
+    return set;
+}
+
+const CharacterSetRep& digitCharacterSetRep() {
+    static const CharacterSetRep set = setOfCategories(unicode::DecimalDigit);
+    return set;
+}
+
+const CharacterSetRep& lowerCharacterSetRep() {
+    static const CharacterSetRep set = setOfCategories(unicode::Lowercase);
+    return set;
+}
+
+const CharacterSetRep& upperCharacterSetRep() {
+    static const CharacterSetRep set = setOfCategories(unicode::UppercaseOrTitle);
+    return set;
+}
+
+}  // namespace velmo

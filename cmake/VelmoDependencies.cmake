@@ -1,0 +1,9 @@
+# Third-party libraries. All are private to the modules that link them: none
+# shows in a public header. The installed package finds them with this file too.
+include(CMakeFindDependencyMacro)
+find_dependency(ICU COMPONENTS uc)
+find_dependency(fmt)
+find_dependency(Boost 1.81 COMPONENTS url)
+find_dependency(PkgConfig)
+pkg_check_modules(plist REQUIRED IMPORTED_TARGET libplist-2.0)
+pkg_check_modules(deflate REQUIRED IMPORTED_TARGET libdeflate)

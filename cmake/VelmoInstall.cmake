@@ -1,0 +1,31 @@
+# Headers, libraries, the tool, find_package(velmocore COMPONENTS ...) and
+# pkg-config velmocore.
+include(CMakePackageConfigHelpers)
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/velmocore)
+
+list(TRANSFORM VELMO_MODULES PREPEND velmo- OUTPUT_VARIABLE module_targets)
+install(TARGETS ${module_targets} velmocore EXPORT velmocore)
+install(DIRECTORY include/velmocore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT velmocore NAMESPACE velmo:: DESTINATION ${package_dir}
+        FILE velmocoreTargets.cmake)
+
+configure_package_config_file(cmake/velmocoreConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/velmocoreConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/velmocoreConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/velmocoreConfig.cmake
+              ${PROJECT_BINARY_DIR}/velmocoreConfigVersion.cmake
+              cmake/VelmoDependencies.cmake
+        DESTINATION ${package_dir})
+
+# Linkers resolve static libraries from left to right: users come first.
+set(VELMO_PC_LIBS "")
+foreach(module IN LISTS VELMO_MODULES)
+  string(PREPEND VELMO_PC_LIBS "-lvelmocore-${module} ")
+endforeach()
+set(VELMO_PC_SUFFIX "")
+if(BUILD_SHARED_LIBS)
+  set(VELMO_PC_SUFFIX ".private")
+endif()
+configure_file(cmake/velmocore.pc.in ${PROJECT_BINARY_DIR}/velmocore.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/velmocore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,22 @@
+# Compiler settings of every target of the project.
+find_program(CCACHE ccache)
+if(CCACHE AND PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(velmo_options INTERFACE)
+target_compile_options(velmo_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # g++ 12 sees overlaps that cannot be in every inlined std::string append.
+  target_compile_options(velmo_options INTERFACE -Wno-restrict)
+endif()
+if(VELMO_WERROR)
+  target_compile_options(velmo_options INTERFACE -Werror)
+endif()
+if(VELMO_SANITIZE)
+  add_compile_options(-fsanitize=${VELMO_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VELMO_SANITIZE})
+endif()
+if(VELMO_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()

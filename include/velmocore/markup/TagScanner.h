@@ -1,0 +1,84 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/FunctionRef.h>
+#include <velmocore/platform/Range.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+/// What a call of a tag handler reports.
+enum class TagKind : std::uint8_t {
+    End = 0,          ///< the final call, behind the last unit
+    Element = 1,      ///< every tag; also closing tags, <?xml ...?> and <!DOCTYPE ...>
+    Comment = 2,      ///< <!- and <!--
+    Declaration = 3,  ///< <![, so CDATA sections and conditional declarations alike
+};
+
+/// One call of a tag handler. All locations and lengths count UTF-16 units of characters.
+struct Tag {
+    std::u16string_view characters;       ///< all units of the scanned text
+    std::uint64_t nameLocation = NotFound;  ///< NotFound where the tag has no name
+    std::uint64_t nameLength = 0;
+    std::uint64_t tagLocation = 0;   ///< of the opening <; the text's length on the final call
+    std::uint64_t tagLength = 0;     ///< with both angle brackets; see whole()
+    std::uint64_t textLocation = 0;  ///< one past the end of the tag before
+    TagKind kind = TagKind::End;
+
+    /// The name as it stands, without regard to case; a closing tag's is the same as
+    /// its opening one's. Empty where there is none.
+    std::u16string_view name() const {
+        return nameLength ? characters.substr(nameLocation, nameLength) : std::u16string_view();
+    }
+    /// The tag from < to >, cut at the end of the text: a script that is never closed
+    /// has a tagLength that reaches one unit too far.
+    std::u16string_view whole() const {
+        return characters.substr(std::min<std::uint64_t>(tagLocation, characters.size()), tagLength);
+    }
+    bool hasText() const { return tagLocation > textLocation; }
+    /// The text between the tag before and this one.
+    std::u16string_view text() const {
+        return hasText() ? characters.substr(textLocation, tagLocation - textLocation)
+                         : std::u16string_view();
+    }
+    /// Whether a / stands behind the <.
+    bool isClosing() const {
+        return tagLength > 1 && tagLocation + 1 < characters.size() && characters[tagLocation + 1] == u'/';
+    }
+};
+
+/// Called for each tag; true stops the scan at once.
+using TagHandler = FunctionRef<bool(const Tag&)>;
+
+/// Walks a page once and calls the handler for every tag, comment and declaration, with
+/// the text before it, and a last time at the end. Builds no tree and knows no errors:
+/// it only decides where a tag ends. A script or style element is one tag with its body.
+///
+/// False for an empty text, which makes no call; true in every other case, also if a
+/// handler stopped the scan. An exception out of the handler passes through.
+///
+///     std::size_t images = 0;
+///     GetTagsOfString(page, [&](const Tag& tag) {
+///         images += tag.name() == u"img";
+///         return false;
+///     });
+///
+/// Time is linear in the text. Any thread may scan; all state is on the stack.
+VELMO_API bool GetTagsOfString(std::u16string_view string, TagHandler handler);
+
+/// The same under a guard: an exception out of the handler is logged and the result is
+/// false. Running out of memory is logged too.
+VELMO_API bool parseXmlWithHandler(std::u16string_view string, TagHandler handler);
+
+/// The string with every unit below 32 but tab, LF and CR replaced by a blank; the
+/// string itself if there is none.
+VELMO_API String fixedXml(const String& string);
+
+/// The string itself: its units are always directly addressable.
+inline String optimizedXml(const String& string) { return string; }
+
+}  // namespace velmo

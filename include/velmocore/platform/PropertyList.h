@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <variant>
+#include <vector>
+
+#include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/Date.h>
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+struct PropertyList;
+using PropertyListArray = std::vector<PropertyList>;
+using PropertyListDictionary = std::map<String, PropertyList>;
+
+/// A value of a property list; std::monostate is absent.
+struct PropertyList {
+    std::variant<std::monostate, bool, std::int64_t, double, Date, String, Data,
+                 PropertyListArray, PropertyListDictionary>
+        value;
+};
+
+/// Whether the bytes can be read as a property list, binary or XML, and if so the same
+/// list as XML text in UTF-8; otherwise absent. Bytes that are damaged, or lists nested
+/// deeper than 256 levels, give absent.
+VELMO_API std::optional<Data> propertyListAsXML(Bytes bytes);
+
+}  // namespace velmo

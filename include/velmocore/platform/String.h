@@ -1,0 +1,194 @@
+#pragma once
+
+#include <compare>
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/Range.h>
+
+namespace velmo {
+
+/// An immutable text of UTF-16 units in one contiguous array.
+///
+/// A String is one pointer wide. Copies share the array and keep its identity, which
+/// isIdenticalTo() tells: an operation that has nothing to do gives back its receiver,
+/// not a copy. The units are any 16-bit values, lone surrogates included; a character
+/// outside the 16-bit plane is two units.
+///
+/// A default-made String is *absent*, which is not the same as *empty*: both have the
+/// length 0, but only isAbsent() tells them apart, and they do not compare equal.
+///
+/// Threads: Strings may be copied and read on any thread; the count of owners is atomic.
+///
+///     String page = String::fromUTF8(bytes);
+///     if (page == u"") return;
+///     std::u16string_view head = page.view().substr(0, 80);
+class VELMO_API String {
+public:
+    /// The absent string.
+    constexpr String() noexcept = default;
+
+    /// A copy of the units. A view whose data() is null makes the absent string; any
+    /// other view of length 0 the shared empty one.
+    String(std::u16string_view units);
+    String(const std::u16string& units) : String(std::u16string_view(units)) {}
+
+    /// A copy of a literal or of another null-terminated array; null is absent.
+    String(const char16_t* units) : String(units ? std::u16string_view(units) : std::u16string_view()) {}
+
+    String(const String& other) noexcept : rep_(other.rep_) { retain(); }
+    String(String&& other) noexcept : rep_(std::exchange(other.rep_, nullptr)) {}
+    String& operator=(String other) noexcept {
+        std::swap(rep_, other.rep_);
+        return *this;
+    }
+    ~String() { release(); }
+
+    /// Decodes UTF-8. Bytes that are not UTF-8 become U+FFFD, one for each maximal
+    /// part of a broken sequence; nothing fails.
+    static String fromUTF8(std::string_view bytes);
+
+    /// The shared constant empty string.
+    static const String& empty() noexcept;
+
+    /// Encodes as UTF-8. A lone surrogate, which UTF-8 cannot hold, becomes U+FFFD.
+    std::string utf8() const;
+
+    bool isAbsent() const noexcept { return rep_ == nullptr; }
+    /// True for the absent string too.
+    bool isEmpty() const noexcept { return length() == 0; }
+
+    /// Number of UTF-16 units; 0 if absent.
+    std::size_t length() const noexcept { return rep_ ? rep_->length : 0; }
+    /// The units, not terminated; null if absent.
+    const char16_t* characters() const noexcept { return rep_ ? rep_->units() : nullptr; }
+    std::u16string_view view() const noexcept { return {characters(), length()}; }
+    operator std::u16string_view() const noexcept { return view(); }
+
+    char16_t operator[](std::size_t index) const noexcept { return rep_->units()[index]; }
+    const char16_t* begin() const noexcept { return characters(); }
+    const char16_t* end() const noexcept { return characters() + length(); }
+
+    /// The units of a range, which is cut at the end of the string. The whole range
+    /// gives this very string; an empty one the constant empty string; none, or one of
+    /// the absent string, the absent string.
+    String substring(Range range) const;
+
+    /// Whether both are the same string and not only equal ones. Two absent strings
+    /// are identical.
+    bool isIdenticalTo(const String& other) const noexcept { return rep_ == other.rep_; }
+
+    std::size_t hash() const noexcept { return std::hash<std::u16string_view>()(view()); }
+
+    friend bool operator==(const String& a, const String& b) noexcept {
+        return a.rep_ == b.rep_ || (a.rep_ && b.rep_ && a.view() == b.view());
+    }
+    /// Order of the units; absent comes before everything else.
+    friend std::strong_ordering operator<=>(const String& a, const String& b) noexcept {
+        if (!a.rep_ || !b.rep_) return (a.rep_ != nullptr) <=> (b.rep_ != nullptr);
+        return a.view() <=> b.view();
+    }
+    /// An absent string equals no view.
+    template <class Units>
+        requires(std::convertible_to<const Units&, std::u16string_view> &&
+                 !std::derived_from<Units, String>)
+    friend bool operator==(const String& a, const Units& b) noexcept {
+        return a.rep_ && a.view() == std::u16string_view(b);
+    }
+
+private:
+    friend class StringBuilder;
+
+    /// Stands in front of the units, in the same allocation.
+    struct Rep {
+        std::size_t owners;  // changed atomically only
+        std::size_t length;
+
+        char16_t* units() noexcept { return reinterpret_cast<char16_t*>(this + 1); }
+    };
+
+    explicit String(Rep* rep) noexcept : rep_(rep) {}
+    void retain() const noexcept {
+        if (rep_) __atomic_fetch_add(&rep_->owners, 1, __ATOMIC_RELAXED);
+    }
+    void release() noexcept {
+        if (rep_ && __atomic_fetch_sub(&rep_->owners, 1, __ATOMIC_ACQ_REL) == 1) destroy(rep_);
+    }
+    static void destroy(Rep* rep) noexcept;
+
+    Rep* rep_ = nullptr;
+};
+
+/// Writes the string as UTF-8; an absent one writes nothing.
+VELMO_API std::ostream& operator<<(std::ostream& stream, const String& string);
+
+/// Encodes UTF-16 units as UTF-8; a lone surrogate becomes U+FFFD.
+VELMO_API std::string utf8(std::u16string_view units);
+
+/// Collects units in the very array of the string that finish() gives, so that a
+/// result is built without a second copy.
+///
+///     StringBuilder out(text.size());
+///     for (char16_t unit : text)
+///         if (unit != u'\t') out.append(unit);
+///     String result = out.finish();
+///
+/// Running out of memory is std::bad_alloc. Not to be shared between threads.
+class VELMO_API StringBuilder {
+public:
+    /// Makes room for that many units; more come as they are needed.
+    explicit StringBuilder(std::size_t capacity = 0) { if (capacity) grow(capacity); }
+    StringBuilder(const StringBuilder&) = delete;
+    StringBuilder& operator=(const StringBuilder&) = delete;
+    ~StringBuilder();
+
+    std::size_t length() const noexcept { return length_; }
+    bool isEmpty() const noexcept { return length_ == 0; }
+    char16_t* data() noexcept { return units_; }
+    std::u16string_view view() const noexcept { return {units_, length_}; }
+    char16_t back() const noexcept { return units_[length_ - 1]; }
+
+    /// Makes sure of room for count more units and gives the place to write them to;
+    /// commit() then takes over as many of them as were written.
+    char16_t* prepare(std::size_t count) {
+        if (capacity_ - length_ < count) grow(count);
+        return units_ + length_;
+    }
+    void commit(std::size_t count) noexcept { length_ += count; }
+
+    void append(char16_t unit) {
+        *prepare(1) = unit;
+        ++length_;
+    }
+    void append(std::u16string_view units) {
+        if (units.empty()) return;
+        std::char_traits<char16_t>::copy(prepare(units.size()), units.data(), units.size());
+        length_ += units.size();
+    }
+    /// Drops what is behind the given length.
+    void truncate(std::size_t length) noexcept { length_ = length; }
+
+    /// The string; the builder is empty again. Nothing written gives the constant
+    /// empty string.
+    String finish();
+
+private:
+    void grow(std::size_t count);
+
+    char16_t* units_ = nullptr;
+    std::size_t length_ = 0;
+    std::size_t capacity_ = 0;
+};
+
+}  // namespace velmo
+
+template <>
+struct std::hash<velmo::String> {
+    std::size_t operator()(const velmo::String& string) const noexcept { return string.hash(); }
+};
