@@ -12,18 +12,18 @@ namespace velmo::unicode {
 
 /// Unicode's general categories, as bits of a mask.
 enum Category : std::uint32_t {
-    Letter = 1u << 0,          // L
-    Mark = 1u << 1,            // M
-    Number = 1u << 2,          // N
-    DecimalDigit = 1u << 3,    // Nd
-    Lowercase = 1u << 4,       // Ll
+    Letter = 1u << 0,            // L
+    Mark = 1u << 1,              // M
+    Number = 1u << 2,            // N
+    DecimalDigit = 1u << 3,      // Nd
+    Lowercase = 1u << 4,         // Ll
     UppercaseOrTitle = 1u << 5,  // Lu, Lt
-    SpaceSeparator = 1u << 6,  // Zs
-    LineOrParagraph = 1u << 7,  // Zl, Zp
-    Punctuation = 1u << 8,     // P
-    Symbol = 1u << 9,          // S
-    Control = 1u << 10,        // Cc, Cf
-    Unassigned = 1u << 11,     // Cn
+    SpaceSeparator = 1u << 6,    // Zs
+    LineOrParagraph = 1u << 7,   // Zl, Zp
+    Punctuation = 1u << 8,       // P
+    Symbol = 1u << 9,            // S
+    Control = 1u << 10,          // Cc, Cf
+    Unassigned = 1u << 11,       // Cn
 };
 
 /// The categories a unit belongs to, by the character of that number; a surrogate
