@@ -65,13 +65,6 @@ bool isOneOf(std::u16string_view extension, Keywords keywords) {
     return false;
 }
 
-bool equalNoCase(std::u16string_view a, std::u16string_view b) {
-    if (a.size() != b.size()) return false;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        if (keyword::upper(a[i]) != keyword::upper(b[i])) return false;
-    return true;
-}
-
 /// What stands behind the last full stop of the last component; a name that begins with
 /// its only full stop has no extension.
 std::u16string_view extensionOf(std::u16string_view path) {
@@ -116,7 +109,7 @@ bool isHTMLExtension(std::u16string_view extension) {
 
 bool isXMLExtension(std::u16string_view extension) {
     for (const String& custom : CustomXMLFileTypes())
-        if (equalNoCase(extension, custom)) return true;
+        if (keyword::equalNoCase(extension, custom)) return true;
     return isOneOf(extension, XMLKeywords);
 }
 

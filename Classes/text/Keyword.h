@@ -27,6 +27,14 @@ inline bool equals(std::u16string_view units, std::string_view capitals) {
     return units.size() == capitals.size() && beginsWith(units, capitals);
 }
 
+/// The same for two texts, neither of which need be in capitals.
+inline bool equalNoCase(std::u16string_view a, std::u16string_view b) {
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (upper(a[i]) != upper(b[i])) return false;
+    return true;
+}
+
 /// Where the keyword first stands in the units, from a position on; npos if nowhere.
 inline std::size_t find(std::u16string_view units, std::string_view capitals,
                         std::size_t from = 0) {
