@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <velmocore/text/Trimming.h>
+#include <velmocore/text/CharacterSets.h>
 
 #include "url/Escapes.h"
 #include "url/Grammar.h"
@@ -99,6 +99,19 @@ private:
     std::size_t fragment_;
     std::size_t open_ = Units::npos, close_ = Units::npos;
 };
+
+/// Every run of white space as one blank.
+String stringByRemovingMultipleWhiteSpaces(const String& string) {
+    const CharacterSetRep& white = whiteCharacterSetRep();
+    StringBuilder out(string.length());
+    for (char16_t unit : string) {
+        if (!white.contains(unit))
+            out.append(unit);
+        else if (out.isEmpty() || out.back() != u' ')
+            out.append(u' ');
+    }
+    return string.isAbsent() ? string : out.finish();
+}
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <string>
 
 #include <velmocore/text/CharacterTests.h>
 #include <velmocore/text/Comparison.h>
@@ -118,8 +119,10 @@ bool isDownloadableURL(const URL& url) { return isScheme(url, Web | FTP); }
 
 bool isLoadableURL(const URL& url) {
     if (!url.isFileURL()) return isScheme(url, Web | FTP | Feed);
+    const std::string path = url.path().utf8();
     struct stat status;
-    return stat(url.path().utf8().c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    return path.find('\0') == path.npos && stat(path.c_str(), &status) == 0 &&
+           !S_ISDIR(status.st_mode);
 }
 
 bool isRemoteWebKitURL(const URL& url) {
