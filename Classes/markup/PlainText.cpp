@@ -8,7 +8,7 @@
 // its row names.
 #include <velmocore/markup/PlainText.h>
 
-#include <span>
+#include <array>
 #include <string>
 
 #include <velmocore/markup/Entities.h>
@@ -463,7 +463,7 @@ private:
 const Converter::TagRule* Converter::ruleOf(Units name) {
     using enum Break;
     using C = Converter;
-    // By length, so that a name is compared with few others.
+    // By length and first letter, so that a name is compared with few others.
     static constexpr TagRule Rules[] = {
         {"A", None, false, &C::link},
         {"P", Paragraph, false, nullptr},
@@ -501,25 +501,25 @@ const Converter::TagRule* Converter::ruleOf(Units name) {
         {"BLOCKQUOTE", Paragraph, false, nullptr},
     };
     constexpr std::size_t Longest = 10;
-    struct Starts {
-        std::uint8_t at[Longest + 2];
-    };
-    static constexpr Starts FirstOfLength = [] {
-        Starts starts{};
+    // Row of the first rule for each length and first letter; the next entry ends them.
+    static constexpr auto FirstRow = [] {
+        std::array<std::uint8_t, (Longest + 1) * 26 + 1> first{};
         std::size_t row = 0;
-        for (std::size_t length = 0; length <= Longest + 1; ++length) {
-            while (row < std::size(Rules) && Rules[row].name.size() < length) ++row;
-            starts.at[length] = static_cast<std::uint8_t>(row);
+        for (std::size_t slot = 0; slot < first.size(); ++slot) {
+            while (row < std::size(Rules) &&
+                   Rules[row].name.size() * 26 +
+                           static_cast<std::size_t>(Rules[row].name[0] - 'A') <
+                       slot)
+                ++row;
+            first[slot] = static_cast<std::uint8_t>(row);
         }
-        return starts;
+        return first;
     }();
-    if (name.size() > Longest) return nullptr;
-    const char16_t first = keyword::upper(name[0]);
-    for (std::size_t row = FirstOfLength.at[name.size()]; row < FirstOfLength.at[name.size() + 1];
-         ++row)
-        if (static_cast<char16_t>(Rules[row].name[0]) == first &&
-            keyword::equals(name, Rules[row].name))
-            return &Rules[row];
+    const unsigned letter = keyword::upper(name[0]) - u'A';
+    if (name.size() > Longest || letter >= 26) return nullptr;
+    const std::size_t slot = name.size() * 26 + letter;
+    for (std::size_t row = FirstRow[slot]; row < FirstRow[slot + 1]; ++row)
+        if (keyword::equals(name, Rules[row].name)) return &Rules[row];
     return nullptr;
 }
 
