@@ -18,8 +18,10 @@ inline void PrintTo(const String& string, std::ostream* out) {
     *out << (string.isAbsent() ? "absent" : "\"" + string.utf8() + "\"");
 }
 inline void PrintTo(const Range& range, std::ostream* out) {
-    if (range.isFound()) *out << '{' << range.location << ", " << range.length << '}';
-    else *out << "no range";
+    if (range.isFound())
+        *out << '{' << range.location << ", " << range.length << '}';
+    else
+        *out << "no range";
 }
 
 namespace test {

@@ -23,8 +23,7 @@ String::String(std::u16string_view units) {
 
 String String::fromUTF8(std::string_view bytes) {
     StringBuilder builder;
-    builder.commit(
-        detail::decodeUtf8(bytes, builder.prepare(bytes.size() + detail::Utf8Slack)));
+    builder.commit(detail::decodeUtf8(bytes, builder.prepare(bytes.size() + detail::Utf8Slack)));
     return builder.finish();
 }
 
@@ -77,8 +76,7 @@ String StringBuilder::finish() {
     void* block = reinterpret_cast<String::Rep*>(units_) - 1;
     // A block that is nearly full stays as it is; otherwise the rest goes back.
     if (capacity_ - length_ > length_ / 16 + 16) {
-        void* shrunk =
-            std::realloc(block, sizeof(String::Rep) + length_ * sizeof(char16_t));
+        void* shrunk = std::realloc(block, sizeof(String::Rep) + length_ * sizeof(char16_t));
         if (shrunk) block = shrunk;
     }
     auto* rep = new (block) String::Rep{1, length_};

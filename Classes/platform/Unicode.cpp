@@ -13,10 +13,14 @@ namespace {
 const UNormalizer2* normalizerOf(Form form) {
     UErrorCode status = U_ZERO_ERROR;
     switch (form) {
-        case Form::D: return unorm2_getNFDInstance(&status);
-        case Form::KD: return unorm2_getNFKDInstance(&status);
-        case Form::C: return unorm2_getNFCInstance(&status);
-        case Form::KC: return unorm2_getNFKCInstance(&status);
+        case Form::D:
+            return unorm2_getNFDInstance(&status);
+        case Form::KD:
+            return unorm2_getNFKDInstance(&status);
+        case Form::C:
+            return unorm2_getNFCInstance(&status);
+        case Form::KC:
+            return unorm2_getNFKCInstance(&status);
     }
     return nullptr;
 }
@@ -54,34 +58,47 @@ char16_t singleUnit(char16_t unit, Map map) noexcept {
 std::uint32_t categoriesOf(char16_t unit) noexcept {
     switch (u_charType(unit)) {
         case U_UPPERCASE_LETTER:
-        case U_TITLECASE_LETTER: return Letter | UppercaseOrTitle;
-        case U_LOWERCASE_LETTER: return Letter | Lowercase;
+        case U_TITLECASE_LETTER:
+            return Letter | UppercaseOrTitle;
+        case U_LOWERCASE_LETTER:
+            return Letter | Lowercase;
         case U_MODIFIER_LETTER:
-        case U_OTHER_LETTER: return Letter;
+        case U_OTHER_LETTER:
+            return Letter;
         case U_NON_SPACING_MARK:
         case U_ENCLOSING_MARK:
-        case U_COMBINING_SPACING_MARK: return Mark;
-        case U_DECIMAL_DIGIT_NUMBER: return Number | DecimalDigit;
+        case U_COMBINING_SPACING_MARK:
+            return Mark;
+        case U_DECIMAL_DIGIT_NUMBER:
+            return Number | DecimalDigit;
         case U_LETTER_NUMBER:
-        case U_OTHER_NUMBER: return Number;
-        case U_SPACE_SEPARATOR: return SpaceSeparator;
+        case U_OTHER_NUMBER:
+            return Number;
+        case U_SPACE_SEPARATOR:
+            return SpaceSeparator;
         case U_LINE_SEPARATOR:
-        case U_PARAGRAPH_SEPARATOR: return LineOrParagraph;
+        case U_PARAGRAPH_SEPARATOR:
+            return LineOrParagraph;
         case U_CONTROL_CHAR:
-        case U_FORMAT_CHAR: return Control;
+        case U_FORMAT_CHAR:
+            return Control;
         case U_DASH_PUNCTUATION:
         case U_START_PUNCTUATION:
         case U_END_PUNCTUATION:
         case U_CONNECTOR_PUNCTUATION:
         case U_OTHER_PUNCTUATION:
         case U_INITIAL_PUNCTUATION:
-        case U_FINAL_PUNCTUATION: return Punctuation;
+        case U_FINAL_PUNCTUATION:
+            return Punctuation;
         case U_MATH_SYMBOL:
         case U_CURRENCY_SYMBOL:
         case U_MODIFIER_SYMBOL:
-        case U_OTHER_SYMBOL: return Symbol;
-        case U_UNASSIGNED: return Unassigned;
-        default: return 0;  // surrogates and private use
+        case U_OTHER_SYMBOL:
+            return Symbol;
+        case U_UNASSIGNED:
+            return Unassigned;
+        default:
+            return 0;  // surrogates and private use
     }
 }
 
@@ -118,12 +135,20 @@ char16_t withoutDiacritics(char16_t unit) noexcept {
 }
 
 std::u16string normalized(std::u16string_view text, Form form) {
-    return filled(text.size() + text.size() / 8 + 8,
-                  [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
-                      return unorm2_normalize(normalizerOf(form), text.data(),
-                                              static_cast<std::int32_t>(text.size()), out,
-                                              capacity, status);
-                  });
+    return filled(text.size() + text.size() / 8 + 8, [&](char16_t* out, std::int32_t capacity,
+                                                         UErrorCode* status) {
+        return unorm2_normalize(normalizerOf(form), text.data(),
+                                static_cast<std::int32_t>(text.size()), out, capacity, status);
+    });
+}
+
+bool isNormalizedC(std::u16string_view text) noexcept {
+    if (text.size() > INT32_MAX) return false;
+    UErrorCode status = U_ZERO_ERROR;
+    const auto length = static_cast<std::int32_t>(text.size());
+    const UNormalizationCheckResult result =
+        unorm2_quickCheck(normalizerOf(Form::C), text.data(), length, &status);
+    return U_SUCCESS(status) && result == UNORM_YES;
 }
 
 std::u16string lowerCase(std::u16string_view text) {

@@ -12,18 +12,18 @@ namespace velmo::unicode {
 
 /// Unicode's general categories, as bits of a mask.
 enum Category : std::uint32_t {
-    Letter = 1u << 0,          // L
-    Mark = 1u << 1,            // M
-    Number = 1u << 2,          // N
-    DecimalDigit = 1u << 3,    // Nd
-    Lowercase = 1u << 4,       // Ll
+    Letter = 1u << 0,            // L
+    Mark = 1u << 1,              // M
+    Number = 1u << 2,            // N
+    DecimalDigit = 1u << 3,      // Nd
+    Lowercase = 1u << 4,         // Ll
     UppercaseOrTitle = 1u << 5,  // Lu, Lt
-    SpaceSeparator = 1u << 6,  // Zs
-    LineOrParagraph = 1u << 7,  // Zl, Zp
-    Punctuation = 1u << 8,     // P
-    Symbol = 1u << 9,          // S
-    Control = 1u << 10,        // Cc, Cf
-    Unassigned = 1u << 11,     // Cn
+    SpaceSeparator = 1u << 6,    // Zs
+    LineOrParagraph = 1u << 7,   // Zl, Zp
+    Punctuation = 1u << 8,       // P
+    Symbol = 1u << 9,            // S
+    Control = 1u << 10,          // Cc, Cf
+    Unassigned = 1u << 11,       // Cn
 };
 
 /// The categories a unit belongs to, by the character of that number; a surrogate
@@ -42,6 +42,10 @@ VELMO_API char16_t withoutDiacritics(char16_t unit) noexcept;
 /// Normalisation forms, with the numbers that callers use for them.
 enum class Form { D = 0, KD = 1, C = 2, KC = 3 };
 VELMO_API std::u16string normalized(std::u16string_view text, Form form);
+
+/// Whether the text is surely in form C. False may also mean that it would take
+/// normalising to know.
+VELMO_API bool isNormalizedC(std::u16string_view text) noexcept;
 
 /// Case of a whole text, no locale; the length may change.
 VELMO_API std::u16string lowerCase(std::u16string_view text);

@@ -128,8 +128,8 @@ std::size_t encodeUtf8(std::u16string_view units, char* const out) noexcept {
             continue;
         }
         if ((point & 0xF800) == 0xD800) {
-            const bool paired = point < 0xDC00 && i + 1 < units.size() &&
-                                (units[i + 1] & 0xFC00) == 0xDC00;
+            const bool paired =
+                point < 0xDC00 && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
             if (paired) {
                 point = 0x10000 + ((point & 0x3FF) << 10) + (units[++i] & 0x3FFu);
                 put(0xF0 | (point >> 18));

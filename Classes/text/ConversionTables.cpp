@@ -40,7 +40,8 @@ const ConversionTable& lowerCharsTable() {
 }
 
 const ConversionTable& upperCharsTable() {
-    static const ConversionTable& table = makeCategoryTable(unicode::Lowercase, &unicode::upperCase);
+    static const ConversionTable& table =
+        makeCategoryTable(unicode::Lowercase, &unicode::upperCase);
     return table;
 }
 

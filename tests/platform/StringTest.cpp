@@ -73,13 +73,20 @@ TEST(String, StreamsAsUtf8) {
 
 // Broken UTF-8: one U+FFFD for each maximal part of a sequence.
 TEST(String, BrokenUtf8BecomesReplacementCharacters) {
-    const struct { const char* bytes; const char16_t* units; } cases[] = {
+    const struct {
+        const char* bytes;
+        const char16_t* units;
+    } cases[] = {
         {"", u""},
-        {"a\x80" "b", u"a\uFFFDb"},
+        {"a\x80"
+         "b",
+         u"a\uFFFDb"},
         {"\xC0\xAF", u"\uFFFD\uFFFD"},
         {"\xE0\x9F\xBF", u"\uFFFD\uFFFD\uFFFD"},
         {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
-        {"\xF0\x90\x80" "x", u"\uFFFDx"},
+        {"\xF0\x90\x80"
+         "x",
+         u"\uFFFDx"},
         {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
         {"\xF5", u"\uFFFD"},
         {"\xE2\x82", u"\uFFFD"},
@@ -93,13 +100,24 @@ TEST(String, BrokenUtf8BecomesReplacementCharacters) {
 std::u16string decodeSlowly(const std::string& bytes) {
     std::u16string out;
     for (std::size_t i = 0; i < bytes.size();) {
-        const auto at = [&](std::size_t k) { return k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0u; };
+        const auto at = [&](std::size_t k) {
+            return k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0u;
+        };
         const unsigned lead = at(i);
-        std::size_t need = lead < 0x80 ? 0 : lead >= 0xC2 && lead <= 0xDF ? 1 : (lead & 0xF0) == 0xE0 ? 2
-                         : lead >= 0xF0 && lead <= 0xF4 ? 3 : 9;
+        std::size_t need = lead < 0x80                    ? 0
+                           : lead >= 0xC2 && lead <= 0xDF ? 1
+                           : (lead & 0xF0) == 0xE0        ? 2
+                           : lead >= 0xF0 && lead <= 0xF4 ? 3
+                                                          : 9;
         ++i;
-        if (need == 0) { out += static_cast<char16_t>(lead); continue; }
-        if (need == 9) { out += u'\uFFFD'; continue; }
+        if (need == 0) {
+            out += static_cast<char16_t>(lead);
+            continue;
+        }
+        if (need == 9) {
+            out += u'\uFFFD';
+            continue;
+        }
         char32_t point = lead & (0x3F >> need);
         bool whole = true;
         for (std::size_t k = 0; k < need; ++k, ++i) {
@@ -110,11 +128,16 @@ std::u16string decodeSlowly(const std::string& bytes) {
                 if (lead == 0xF0) low = 0x90;
                 if (lead == 0xF4) high = 0x8F;
             }
-            if (at(i) < low || at(i) > high) { whole = false; break; }
+            if (at(i) < low || at(i) > high) {
+                whole = false;
+                break;
+            }
             point = point << 6 | (at(i) & 0x3F);
         }
-        if (!whole) out += u'\uFFFD';
-        else if (point < 0x10000) out += static_cast<char16_t>(point);
+        if (!whole)
+            out += u'\uFFFD';
+        else if (point < 0x10000)
+            out += static_cast<char16_t>(point);
         else {
             out += static_cast<char16_t>(0xD7C0 + (point >> 10));
             out += static_cast<char16_t>(0xDC00 + (point & 0x3FF));
@@ -125,13 +148,16 @@ std::u16string decodeSlowly(const std::string& bytes) {
 
 TEST(String, Utf8AgreesWithTheSlowDecoder) {
     std::mt19937 random(1);
-    const std::string pieces[] = {"a", "plain ascii text ", "\xC3\xA4", "\xE3\x81\x82", "\xF0\x9F\x98\x80",
-                                  "\x80", "\xE0", "\xED\xA0", "\xF4\x90", "\xC1"};
+    const std::string pieces[] = {
+        "a",    "plain ascii text ", "\xC3\xA4", "\xE3\x81\x82", "\xF0\x9F\x98\x80", "\x80",
+        "\xE0", "\xED\xA0",          "\xF4\x90", "\xC1"};
     for (int round = 0; round < 20000; ++round) {
         std::string bytes;
         for (unsigned n = random() % 12; n > 0; --n) {
-            if (random() % 8 == 0) bytes += static_cast<char>(random());
-            else bytes += pieces[random() % std::size(pieces)];
+            if (random() % 8 == 0)
+                bytes += static_cast<char>(random());
+            else
+                bytes += pieces[random() % std::size(pieces)];
         }
         ASSERT_EQ(String::fromUTF8(bytes), decodeSlowly(bytes));
     }
@@ -141,12 +167,16 @@ TEST(String, Utf8RoundTripsAllPairedUnits) {
     std::u16string text;
     for (char32_t c = 0; c < 0x110000; c += c < 0x3000 ? 1 : 37) {
         if (c >= 0xD800 && c < 0xE000) continue;
-        if (c < 0x10000) text += static_cast<char16_t>(c);
-        else (text += static_cast<char16_t>(0xD7C0 + (c >> 10))) += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
+        if (c < 0x10000)
+            text += static_cast<char16_t>(c);
+        else
+            (text += static_cast<char16_t>(0xD7C0 + (c >> 10))) +=
+                static_cast<char16_t>(0xDC00 + (c & 0x3FF));
     }
     EXPECT_EQ(String::fromUTF8(utf8(text)), text);
     EXPECT_EQ(utf8(std::u16string{u'a', char16_t(0xD800), u'b', char16_t(0xDC00)}),
-              "a\xEF\xBF\xBD" "b\xEF\xBF\xBD");
+              "a\xEF\xBF\xBD"
+              "b\xEF\xBF\xBD");
 }
 
 TEST(StringBuilder, BuildsInPlace) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
@@ -47,12 +48,12 @@ VELMO_API String headerCharset(std::u16string_view contentType);
 /// The URL of a refresh value.
 VELMO_API String headerRefresh(std::u16string_view refresh);
 /// The leading integer of a refresh value, in seconds.
-VELMO_API long long refreshInterval(std::u16string_view refresh);
+VELMO_API std::int64_t refreshInterval(std::u16string_view refresh);
 
 /// Width and height of a tag, in pixels as a rule.
 struct TagSize {
-    long long width = 0;
-    long long height = 0;
+    std::int64_t width = 0;
+    std::int64_t height = 0;
     /// Whether a width above 0 was found.
     explicit operator bool() const { return width > 0; }
 };

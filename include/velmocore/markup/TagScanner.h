@@ -21,7 +21,7 @@ enum class TagKind : std::uint8_t {
 
 /// One call of a tag handler. All locations and lengths count UTF-16 units of characters.
 struct Tag {
-    std::u16string_view characters;       ///< all units of the scanned text
+    std::u16string_view characters;         ///< all units of the scanned text
     std::uint64_t nameLocation = NotFound;  ///< NotFound where the tag has no name
     std::uint64_t nameLength = 0;
     std::uint64_t tagLocation = 0;   ///< of the opening <; the text's length on the final call
@@ -37,7 +37,8 @@ struct Tag {
     /// The tag from < to >, cut at the end of the text: a script that is never closed
     /// has a tagLength that reaches one unit too far.
     std::u16string_view whole() const {
-        return characters.substr(std::min<std::uint64_t>(tagLocation, characters.size()), tagLength);
+        return characters.substr(std::min<std::uint64_t>(tagLocation, characters.size()),
+                                 tagLength);
     }
     bool hasText() const { return tagLocation > textLocation; }
     /// The text between the tag before and this one.
@@ -47,7 +48,8 @@ struct Tag {
     }
     /// Whether a / stands behind the <.
     bool isClosing() const {
-        return tagLength > 1 && tagLocation + 1 < characters.size() && characters[tagLocation + 1] == u'/';
+        return tagLength > 1 && tagLocation + 1 < characters.size() &&
+               characters[tagLocation + 1] == u'/';
     }
 };
 

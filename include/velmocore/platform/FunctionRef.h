@@ -22,9 +22,10 @@ public:
     constexpr FunctionRef(std::nullptr_t) noexcept {}
 
     template <class Callable>
-        requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef> &&
-                 std::is_invocable_r_v<Result, Callable&, Arguments...>)
-    constexpr FunctionRef(Callable&& callable) noexcept {
+    requires(
+        !std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef> &&
+        std::is_invocable_r_v<Result, Callable&,
+                              Arguments...>) constexpr FunctionRef(Callable&& callable) noexcept {
         using Target = std::remove_reference_t<Callable>;
         if constexpr (std::is_function_v<Target>) {
             target_.function = reinterpret_cast<void (*)()>(&callable);

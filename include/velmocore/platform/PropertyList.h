@@ -19,8 +19,8 @@ using PropertyListDictionary = std::map<String, PropertyList>;
 
 /// A value of a property list; std::monostate is absent.
 struct PropertyList {
-    std::variant<std::monostate, bool, std::int64_t, double, Date, String, Data,
-                 PropertyListArray, PropertyListDictionary>
+    std::variant<std::monostate, bool, std::int64_t, double, Date, String, Data, PropertyListArray,
+                 PropertyListDictionary>
         value;
 };
 

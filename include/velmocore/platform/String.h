@@ -40,7 +40,8 @@ public:
     String(const std::u16string& units) : String(std::u16string_view(units)) {}
 
     /// A copy of a literal or of another null-terminated array; null is absent.
-    String(const char16_t* units) : String(units ? std::u16string_view(units) : std::u16string_view()) {}
+    String(const char16_t* units)
+        : String(units ? std::u16string_view(units) : std::u16string_view()) {}
 
     String(const String& other) noexcept : rep_(other.rep_) { retain(); }
     String(String&& other) noexcept : rep_(std::exchange(other.rep_, nullptr)) {}
@@ -96,9 +97,9 @@ public:
     }
     /// An absent string equals no view.
     template <class Units>
-        requires(std::convertible_to<const Units&, std::u16string_view> &&
-                 !std::derived_from<Units, String>)
-    friend bool operator==(const String& a, const Units& b) noexcept {
+    requires(std::convertible_to<const Units&, std::u16string_view> &&
+             !std::derived_from<Units, String>) friend bool
+    operator==(const String& a, const Units& b) noexcept {
         return a.rep_ && a.view() == std::u16string_view(b);
     }
 
@@ -143,7 +144,9 @@ VELMO_API std::string utf8(std::u16string_view units);
 class VELMO_API StringBuilder {
 public:
     /// Makes room for that many units; more come as they are needed.
-    explicit StringBuilder(std::size_t capacity = 0) { if (capacity) grow(capacity); }
+    explicit StringBuilder(std::size_t capacity = 0) {
+        if (capacity) grow(capacity);
+    }
     StringBuilder(const StringBuilder&) = delete;
     StringBuilder& operator=(const StringBuilder&) = delete;
     ~StringBuilder();

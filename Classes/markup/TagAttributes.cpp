@@ -1,0 +1,287 @@
+// Two readers serve all operations. AttributeReader walks a tag or a style list, passes
+// over quoted values, and has its differences as settings. The header reader looks for
+// NAME=value in a line of text and has no idea of tags.
+#include <velmocore/markup/TagAttributes.h>
+
+#include <fmt/format.h>
+
+#include <velmocore/text/CharacterSets.h>
+#include <velmocore/text/ConversionTables.h>
+
+#include "text/Keyword.h"
+#include "text/LeadingInteger.h"
+#include "text/UnitScan.h"
+
+namespace velmo {
+namespace {
+
+using Units = std::u16string_view;
+
+struct AttributeRules {
+    std::size_t slack;  ///< units that must stand besides the name
+    char16_t assignment;
+    char16_t terminator;
+    bool underscoreBinds;      ///< whether a preceding _ makes the name part of a word
+    bool repeatedAssignments;  ///< whether further assignment units are skipped
+    bool contentMode = false;  ///< whether a quoted value may hold markup
+};
+
+constexpr AttributeRules TagRules{5, u'=', u'>', true, true};
+constexpr AttributeRules ContentRules{5, u'=', u'>', true, true, true};
+constexpr AttributeRules StringRules{5, u'=', u'>', false, false};
+constexpr AttributeRules StyleRules{1, u':', u';', false, false};
+
+/// A name given as 8-bit or as UTF-16 text.
+template <class Unit>
+using Name = std::basic_string_view<Unit>;
+
+bool isQuote(char16_t unit) { return unit == u'"' || unit == u'\''; }
+bool isWhite(char16_t unit) {
+    return unit < 128 ? unit == u' ' || (unit >= 9 && unit <= 13) || unit == 0 || unit == 3
+                      : whiteCharacterSetRep().contains(unit);
+}
+
+std::size_t skipWhite(Units text, std::size_t i) {
+    while (i < text.size() && isWhite(text[i])) ++i;
+    return i;
+}
+
+template <class Unit>
+class AttributeReader {
+public:
+    AttributeReader(Units tag, Name<Unit> name, const AttributeRules& rules)
+        : tag_(tag), name_(name), rules_(rules) {}
+
+    Range read() const {
+        if (name_.empty() || name_.size() + rules_.slack >= tag_.size()) return Range::none();
+        const char16_t first = keyword::upper(static_cast<char16_t>(name_[0]));
+        const std::size_t last = tag_.size() - 1 - name_.size();
+        for (std::size_t i = 0; i <= last; ++i) {
+            if (isQuote(tag_[i])) {
+                i = static_cast<std::size_t>(scan::find(tag_.data() + i + 1, end(), tag_[i]) -
+                                             tag_.data());
+            } else if (keyword::upper(tag_[i]) == first && isName(i)) {
+                const std::size_t assignment = skipWhite(tag_, i + name_.size());
+                if (assignment < tag_.size() && tag_[assignment] == rules_.assignment)
+                    return valueBehind(assignment);
+            }
+        }
+        return Range::none();
+    }
+
+private:
+    const char16_t* end() const { return tag_.data() + tag_.size(); }
+
+    bool isName(std::size_t i) const {
+        if (i > 0) {
+            const char16_t before = tag_[i - 1];
+            if (before == u'-' || (before == u'_' && rules_.underscoreBinds) ||
+                alphaNumCharacterSetRep().contains(before))
+                return false;
+        }
+        for (std::size_t k = 1; k < name_.size(); ++k)
+            if (keyword::upper(tag_[i + k]) != keyword::upper(static_cast<char16_t>(name_[k])))
+                return false;
+        return true;
+    }
+
+    Range valueBehind(std::size_t i) const {
+        ++i;
+        if (rules_.repeatedAssignments)
+            while (i < tag_.size() && tag_[i] == rules_.assignment) ++i;
+        i = skipWhite(tag_, i);
+        if (i == tag_.size()) return Range::none();
+        if (!isQuote(tag_[i])) return trimmed(i, endOfPlain(i));
+        return trimmed(i + 1, rules_.contentMode ? endOfContent(i) : endOfQuoted(i));
+    }
+
+    std::size_t endOfPlain(std::size_t i) const {
+        while (i < tag_.size() && tag_[i] != rules_.terminator && !isWhite(tag_[i])) ++i;
+        return i;
+    }
+
+    std::size_t endOfQuoted(std::size_t open) const {
+        std::size_t i = open + 1;
+        while (i < tag_.size() && tag_[i] != tag_[open] && tag_[i] != rules_.terminator) ++i;
+        return i;
+    }
+
+    /// A > inside the value closes a < of the value; a <meta inside means that the closing
+    /// quote was lost.
+    std::size_t endOfContent(std::size_t open) const {
+        const std::size_t start = open + 1;
+        std::size_t openTags = 0;
+        for (std::size_t i = start; i < tag_.size(); ++i) {
+            if (tag_[i] == tag_[open]) return openTags == 1 ? withoutTagStart(start, i) : i;
+            if (tag_[i] == u'>' && i > start) {
+                if (openTags == 0) return i;
+                --openTags;
+            } else if (tag_[i] == u'<') {
+                if (keyword::beginsWith(tag_.substr(i + 1), "META")) return i;
+                ++openTags;
+            }
+        }
+        return tag_.size();
+    }
+
+    /// Cuts a < or </ right before the closing quote.
+    std::size_t withoutTagStart(std::size_t start, std::size_t stop) const {
+        const Units value = tag_.substr(start, stop - start);
+        if (value.ends_with(u"</")) return stop - 2;
+        return value.ends_with(u'<') ? stop - 1 : stop;
+    }
+
+    Range trimmed(std::size_t start, std::size_t stop) const {
+        while (stop > start && isWhite(tag_[stop - 1])) --stop;
+        return stop > start ? Range{start, stop - start} : Range::none();
+    }
+
+    Units tag_;
+    Name<Unit> name_;
+    const AttributeRules& rules_;
+};
+
+template <class Unit>
+Range attributeRange(Units tag, Name<Unit> name, const AttributeRules& rules) {
+    return AttributeReader<Unit>(tag, name, rules).read();
+}
+
+String stringOf(Units text, Range range) {
+    return range.isFound() ? String(text.substr(range.location, range.length)) : String();
+}
+
+/// Reads NAME=value out of a header-like text. The name is in capitals and the text is
+/// folded; in tag mode blanks may stand around the value and either quote mark opens it.
+class HeaderReader {
+public:
+    HeaderReader(Units text, Units name, bool tagMode, HeaderFieldOptions options)
+        : text_(text), name_(name), tagMode_(tagMode), options_(options) {}
+
+    String read() const {
+        if (text_.size() <= name_.size()) return {};
+        for (std::size_t i = 0; i < text_.size() - name_.size(); ++i) {
+            if (!isName(i)) continue;
+            if (const String value = valueBehind(i + name_.size()); !value.isAbsent()) return value;
+        }
+        return {};
+    }
+
+private:
+    bool isName(std::size_t i) const {
+        for (std::size_t k = 0; k < name_.size(); ++k)
+            if (keyword::upper(text_[i + k]) != name_[k]) return false;
+        return true;
+    }
+
+    String valueBehind(std::size_t i) const {
+        i = skipWhite(text_, i);
+        if (i == text_.size() || text_[i] != u'=') return {};
+        ++i;
+        if (tagMode_) i = skipWhite(text_, i);
+        if (i == text_.size()) return {};
+        if (text_[i] == options_.quotation || (tagMode_ && isQuote(text_[i]))) {
+            const std::size_t stop = std::min(text_.find(text_[i], i + 1), text_.size());
+            return stop == i + 1 ? String() : String(text_.substr(i + 1, stop - i - 1));
+        }
+        std::size_t stop = i;
+        while (stop < text_.size() && !endsPlainValue(text_[stop])) ++stop;
+        return stop == i ? String::empty() : String(text_.substr(i, stop - i));
+    }
+
+    bool endsPlainValue(char16_t unit) const {
+        if (options_.separator && unit == options_.separator) return true;
+        return tagMode_ && (isQuote(unit) || unit == u'>' || isWhite(unit));
+    }
+
+    Units text_, name_;
+    bool tagMode_;
+    HeaderFieldOptions options_;
+};
+
+std::int64_t numberOf(Units text, Range range) {
+    return range.isFound() ? leadingInteger(text.substr(range.location, range.length)) : 0;
+}
+
+}  // namespace
+
+Range rangeOfAttributeOfTagCharacters(Units tag, std::string_view name) {
+    return attributeRange(tag, name, TagRules);
+}
+
+Range rangeOfContentAttributeOfTagCharacters(Units tag) {
+    return attributeRange(tag, std::string_view("CONTENT"), ContentRules);
+}
+
+String attributeOfTagCharacters(Units tag, std::string_view name) {
+    return stringOf(tag, rangeOfAttributeOfTagCharacters(tag, name));
+}
+
+String contentAttributeOfTagCharacters(Units tag) {
+    return stringOf(tag, rangeOfContentAttributeOfTagCharacters(tag));
+}
+
+String attributeOfTagWithName(Units tag, Units name) {
+    return stringOf(tag, attributeRange(tag, name, StringRules));
+}
+
+String attributeOfStyleWithName(Units style, Units name) {
+    return stringOf(style, attributeRange(style, name, StyleRules));
+}
+
+String headerFieldNamed(Units header, Units name, HeaderFieldOptions options) {
+    return name.empty() ? String() : HeaderReader(header, name, false, options).read();
+}
+
+String HTTPHeaderFieldNamed(Units header, Units name) {
+    return headerFieldNamed(header, name, {.quotation = u'"', .separator = u','});
+}
+
+String headerCharset(Units contentType) {
+    return HeaderReader(contentType, u"CHARSET", true, {}).read();
+}
+
+String headerRefresh(Units refresh) {
+    return HeaderReader(refresh, u"URL", true, {.separator = 0}).read();
+}
+
+std::int64_t refreshInterval(Units refresh) { return leadingInteger(refresh); }
+
+TagSize getTagWidthHeight(Units tag) {
+    if (tag.size() < 10) return {};
+    const auto attribute = [&](std::string_view name) {
+        return numberOf(tag, rangeOfAttributeOfTagCharacters(tag, name));
+    };
+    if (const std::int64_t width = attribute("WIDTH")) {
+        // "heigh" is common enough to be read as what it means.
+        const std::int64_t height = attribute("HEIGHT");
+        return {width, height ? height : attribute("HEIGH")};
+    }
+    const Range styleRange = rangeOfAttributeOfTagCharacters(tag, "STYLE");
+    if (!styleRange.isFound()) return {};
+    const Units style = tag.substr(styleRange.location, styleRange.length);
+    const auto property = [&](Units name) {
+        return numberOf(style, attributeRange(style, name, StyleRules));
+    };
+    const std::int64_t width = property(u"WIDTH");
+    if (width == 0) return {};
+    const std::int64_t height = property(u"HEIGHT");
+    return {width, height};
+}
+
+String backgroundStyleURLOfTagCharacters(Units tag) {
+    if (tag.size() < 3 || tag[1] == u'/') return {};
+    const String style = attributeOfTagCharacters(tag, "STYLE");
+    if (!keyword::contains(style, "BACKGROUND:") && !keyword::contains(style, "BACKGROUND-IMAGE:"))
+        return {};
+    if (!keyword::contains(style, "NO-REPEAT")) return {};
+    const std::size_t open = keyword::find(style, "URL(");
+    if (open == Units::npos) return {};
+    const std::size_t close = style.view().find(u')', open + 4);
+    if (close == Units::npos) return {};
+    Units url = style.view().substr(open + 4, close - open - 4);
+    while (url.size() > 1 && url.front() == u'\'' && url.back() == u'\'')
+        url = url.substr(1, url.size() - 2);
+    return url.empty() ? String() : String(url);
+}
+
+}  // namespace velmo

@@ -1,0 +1,307 @@
+// The scan knows three states besides text: in a tag, in a comment, in a declaration. In
+// each only a few units matter, so that the scan is a chain of searches for the next of
+// them and never looks at a unit twice, but for these two:
+//
+// - A quote mark opens a value only behind an =, and while it is open only its twin
+//   matters. At most one kind of quote is open at a time.
+// - The body of a script or style element is swallowed up to its closing text, which is
+//   searched ahead. A page may hold any number of opening tags without one, so each
+//   search remembers what it found: the whole scan stays linear in the page.
+#include <velmocore/markup/TagScanner.h>
+
+#include <cxxabi.h>
+#include <execinfo.h>
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <string>
+#include <typeinfo>
+
+#include <velmocore/platform/Log.h>
+#include <velmocore/text/CharacterSets.h>
+
+#include "text/Keyword.h"
+#include "text/UnitScan.h"
+
+namespace velmo {
+namespace {
+
+/// Searches one needle from positions that never go back, and remembers the last hit: as
+/// long as the next search begins in front of it, it is the answer again.
+template <class Find>
+class ForwardSearch {
+public:
+    explicit ForwardSearch(Find find) : find_(find) {}
+
+    /// The first hit at or behind the position; null if there is none.
+    const char16_t* from(const char16_t* position) {
+        if (!searched_ || (hit_ && hit_ < position)) {
+            hit_ = find_(position);
+            searched_ = true;
+        }
+        return hit_;
+    }
+
+private:
+    Find find_;
+    const char16_t* hit_ = nullptr;
+    bool searched_ = false;
+};
+
+/// The first place that begins with the ASCII text; null if there is none. The rest of a
+/// needle is compared in capitals.
+const char16_t* findText(const char16_t* from, const char16_t* to, std::string_view needle) {
+    const auto first = static_cast<char16_t>(needle.front());
+    while ((from = scan::find(from, to, first)) != to) {
+        if (keyword::beginsWith({from, to}, needle)) return from;
+        ++from;
+    }
+    return nullptr;
+}
+
+struct TextFinder {
+    const char16_t* end;
+    std::string_view needle;
+    const char16_t* operator()(const char16_t* from) const { return findText(from, end, needle); }
+};
+
+/// Finds where the body of a script or a style element ends.
+class RawElement {
+public:
+    RawElement(const char16_t* end, std::string_view name, std::string_view closing)
+        : name_(name),
+          closingLength_(closing.size()),
+          end_(end),
+          closing_({end, closing}),
+          comment_({end, "<!-"}),
+          commentEnd_({end, "-->"}),
+          closingBehindComment_({end, closing}) {}
+
+    bool isNamed(std::u16string_view name) const { return keyword::equals(name, name_); }
+
+    /// The place of the > that ends the element opened at a tag, end if there is a closing
+    /// text and no > behind it, and null if there is no closing text.
+    const char16_t* endOf(const char16_t* tag) {
+        const char16_t* closing = closing_.from(tag + 1);
+        if (!closing) return nullptr;
+        // A body wrapped in a comment may hold the closing text in a string.
+        const char16_t* comment = comment_.from(tag);
+        if (comment && comment + 3 <= closing)
+            if (const char16_t* commentEnd = commentEnd_.from(comment))
+                if (const char16_t* behind = closingBehindComment_.from(commentEnd))
+                    closing = behind;
+        return scan::find(closing + closingLength_, end_, u'>');
+    }
+
+private:
+    using Search = ForwardSearch<TextFinder>;
+
+    std::string_view name_;
+    std::size_t closingLength_;
+    const char16_t* end_;
+    Search closing_, comment_, commentEnd_, closingBehindComment_;
+};
+
+class Scanner {
+public:
+    Scanner(std::u16string_view text, TagHandler handler)
+        : handler_(handler),
+          begin_(text.data()),
+          end_(begin_ + text.size()),
+          script_(end_, "SCRIPT", "</SCRIPT"),
+          style_(end_, "STYLE", "</STYLE") {
+        tag_.characters = text;
+    }
+
+    void run() {
+        const char16_t* at = begin_;
+        while ((at = scan::find(at, end_, u'<')) != end_) {
+            start(at);
+            const char16_t* last = endOfTag(at);
+            if (last == end_ && !isRawElement_) {
+                reportUnterminated();
+                break;
+            }
+            if (report(last + 1)) return;
+            at = std::min(last + 1, end_);
+        }
+        finish();
+    }
+
+private:
+    /// Tells comments and declarations from tags.
+    void start(const char16_t* at) {
+        tag_.tagLocation = static_cast<std::uint64_t>(at - begin_);
+        tag_.kind = TagKind::Element;
+        tag_.nameLocation = NotFound;
+        tag_.nameLength = 0;
+        isRawElement_ = false;
+        if (end_ - at > 2 && at[1] == u'!') {
+            if (at[2] == u'[') tag_.kind = TagKind::Declaration;
+            if (at[2] == u'-') tag_.kind = TagKind::Comment;
+        }
+    }
+
+    /// The place of the > that ends the tag; end if nothing does.
+    const char16_t* endOfTag(const char16_t* at) {
+        switch (tag_.kind) {
+            case TagKind::Comment:
+                return endOfComment(at);
+            case TagKind::Declaration:
+                return endOfDeclaration(at);
+            default:
+                return endOfElement(at);
+        }
+    }
+
+    const char16_t* endOfComment(const char16_t* at) const {
+        const bool isShort = !(end_ - at > 3 && at[3] == u'-');
+        for (at += 3; (at = scan::find(at, end_, u'>')) != end_; ++at) {
+            if (isShort ? at[-1] == u'-'
+                        : (at[-1] == u'-' && at[-2] == u'-') ||
+                              (at[-1] == u'!' && at[-2] == u'-' && at[-3] == u'-'))
+                return at;
+        }
+        return end_;
+    }
+
+    const char16_t* endOfDeclaration(const char16_t* at) const {
+        for (at += 3; (at = scan::find(at, end_, u'>')) != end_; ++at) {
+            if (at[-1] == u']' || (at[-1] == u'-' && at[-2] == u'-' && at[-3] == u']')) return at;
+        }
+        return end_;
+    }
+
+    const char16_t* endOfElement(const char16_t* at) {
+        const char16_t* last = endOfOpenTag(at + 1);
+        if (last == end_) return end_;
+        findName(at + 1, last);
+        if (RawElement* raw = rawElement(at, last)) {
+            if (const char16_t* rawEnd = raw->endOf(at)) {
+                isRawElement_ = true;
+                return rawEnd;
+            }
+        }
+        return last;
+    }
+
+    const char16_t* endOfOpenTag(const char16_t* at) const {
+        for (;;) {
+            at = scan::findAnyOf<u'=', u'>'>(at, end_);
+            if (at == end_ || *at == u'>') return at;
+            at = scan::findAnyOf<u'"', u'\'', u'>'>(at + 1, end_);
+            if (at == end_ || *at == u'>') return at;
+            at = scan::find(at + 1, end_, *at);
+            if (at == end_) return at;
+            ++at;
+        }
+    }
+
+    void findName(const char16_t* at, const char16_t* last) {
+        while (at < last && !alpha_.contains(*at)) ++at;
+        if (at == last) return;
+        const char16_t* nameEnd = at + 1;
+        while (nameEnd < last && *nameEnd != u'/' && !white_.contains(*nameEnd)) ++nameEnd;
+        tag_.nameLocation = static_cast<std::uint64_t>(at - begin_);
+        tag_.nameLength = static_cast<std::uint64_t>(nameEnd - at);
+    }
+
+    /// The element whose body is to be swallowed, if this tag opens one.
+    RawElement* rawElement(const char16_t* at, const char16_t* last) {
+        RawElement* raw = tag_.nameLength == 6   ? &script_
+                          : tag_.nameLength == 5 ? &style_
+                                                 : nullptr;
+        if (!raw || at[1] == u'/' || last[-1] == u'/' || !raw->isNamed(tag_.name())) return nullptr;
+        return raw;
+    }
+
+    /// Calls the handler for a tag that ends before the position.
+    bool report(const char16_t* behind) {
+        tag_.tagLength = static_cast<std::uint64_t>(behind - begin_) - tag_.tagLocation;
+        if (handler_(tag_)) return true;
+        tag_.textLocation = tag_.tagLocation + tag_.tagLength;
+        return false;
+    }
+
+    /// A comment or declaration that the text ends in counts; a tag is mere text.
+    void reportUnterminated() {
+        if (tag_.kind == TagKind::Element) return;
+        tag_.tagLength = tag_.characters.size() - tag_.tagLocation;
+        handler_(tag_);
+        tag_.textLocation = tag_.characters.size();
+    }
+
+    void finish() {
+        tag_.nameLocation = NotFound;
+        tag_.nameLength = 0;
+        tag_.tagLocation = tag_.characters.size();
+        tag_.tagLength = 0;
+        tag_.kind = TagKind::End;
+        handler_(tag_);
+    }
+
+    TagHandler handler_;
+    const char16_t* begin_;
+    const char16_t* end_;
+    RawElement script_, style_;
+    bool isRawElement_ = false;
+    Tag tag_;
+    const CharacterSetRep& alpha_ = alphaCharacterSetRep();
+    const CharacterSetRep& white_ = whiteCharacterSetRep();
+};
+
+std::string demangled(const char* name) {
+    int status = 0;
+    const std::unique_ptr<char, decltype(&std::free)> text(
+        abi::__cxa_demangle(name, nullptr, nullptr, &status), &std::free);
+    return status == 0 && text ? text.get() : name;
+}
+
+std::string callStack() {
+    void* frames[32];
+    const int count = backtrace(frames, 32);
+    const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames, count),
+                                                             &std::free);
+    std::string text;
+    for (int i = 0; names && i < count; ++i) (text += i ? "\n" : "") += names.get()[i];
+    return text;
+}
+
+void logException(const std::string& name, const char* reason) {
+    log(fmt::format("{} ({}): {}\n{}\n{}", "parseXmlWithHandler:context:mutable:", "String", name,
+                    reason, callStack()));
+}
+
+}  // namespace
+
+bool GetTagsOfString(std::u16string_view string, TagHandler handler) {
+    if (string.empty()) return false;
+    Scanner(string, handler).run();
+    return true;
+}
+
+bool parseXmlWithHandler(std::u16string_view string, TagHandler handler) {
+    try {
+        return GetTagsOfString(string, handler);
+    } catch (const std::exception& exception) {
+        logException(demangled(typeid(exception).name()), exception.what());
+    } catch (...) {
+        logException("unknown", "");
+    }
+    return false;
+}
+
+String fixedXml(const String& string) {
+    const auto isBad = [](char16_t unit) {
+        return unit < 32 && unit != u'\t' && unit != u'\n' && unit != u'\r';
+    };
+    if (std::none_of(string.begin(), string.end(), isBad)) return string;
+    StringBuilder out(string.length());
+    out.append(string.view());
+    std::replace_if(out.data(), out.data() + out.length(), isBad, u' ');
+    return out.finish();
+}
+
+}  // namespace velmo

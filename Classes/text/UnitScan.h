@@ -1,0 +1,98 @@
+// Scanning kernels: long skips over units go through these few functions. Each is a plain
+// loop; where SSE2 is there, which is every 64-bit x86 machine, eight units are looked at
+// in one step. None reads outside [from, to).
+#pragma once
+
+#include <bit>
+#include <cstddef>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace velmo::scan {
+
+#if defined(__SSE2__)
+
+inline constexpr std::ptrdiff_t BlockUnits = 8;
+
+inline __m128i loadBlock(const char16_t* units) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
+}
+
+inline __m128i equalTo(__m128i block, char16_t unit) {
+    return _mm_cmpeq_epi16(block, _mm_set1_epi16(static_cast<short>(unit)));
+}
+
+/// Index of the first unit that a comparison marked; its mask must not be 0.
+inline int firstOf(int mask) { return std::countr_zero(static_cast<unsigned>(mask)) / 2; }
+
+/// The first position that Mark, on eight units, or Test, on one, finds; else to.
+template <class Mark, class Test>
+inline const char16_t* findWhere(const char16_t* from, const char16_t* to, Mark mark, Test test) {
+    while (to - from >= BlockUnits) {
+        if (const int mask = _mm_movemask_epi8(mark(loadBlock(from)))) return from + firstOf(mask);
+        from += BlockUnits;
+    }
+    while (from < to && !test(*from)) ++from;
+    return from;
+}
+
+#endif
+
+/// The first position that holds the unit; to if there is none.
+inline const char16_t* find(const char16_t* from, const char16_t* to, char16_t unit) {
+#if defined(__SSE2__)
+    return findWhere(
+        from, to, [unit](__m128i block) { return equalTo(block, unit); },
+        [unit](char16_t u) { return u == unit; });
+#else
+    while (from < to && *from != unit) ++from;
+    return from;
+#endif
+}
+
+/// The first position that holds one of the units; to if there is none.
+template <char16_t... Units>
+inline const char16_t* findAnyOf(const char16_t* from, const char16_t* to) {
+#if defined(__SSE2__)
+    return findWhere(
+        from, to,
+        [](__m128i block) {
+            __m128i mask = _mm_setzero_si128();
+            ((mask = _mm_or_si128(mask, equalTo(block, Units))), ...);
+            return mask;
+        },
+        [](char16_t u) { return ((u == Units) || ...); });
+#else
+    while (from < to && !((*from == Units) || ...)) ++from;
+    return from;
+#endif
+}
+
+/// The first position of a unit outside ASCII; to if there is none.
+inline const char16_t* findNonAscii(const char16_t* from, const char16_t* to) {
+#if defined(__SSE2__)
+    const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
+    const __m128i zero = _mm_setzero_si128();
+    return findWhere(
+        from, to,
+        [=](__m128i block) {
+            const __m128i ascii = _mm_cmpeq_epi16(_mm_and_si128(block, high), zero);
+            return _mm_xor_si128(ascii, _mm_set1_epi16(-1));
+        },
+        [](char16_t u) { return u > 127; });
+#else
+    while (from < to && *from <= 127) ++from;
+    return from;
+#endif
+}
+
+/// How many of the units are the given one.
+inline std::size_t count(const char16_t* from, const char16_t* to, char16_t unit) {
+    std::size_t n = 0;
+    for (; from < to; ++from) n += *from == unit;
+    return n;
+}
+
+}  // namespace velmo::scan

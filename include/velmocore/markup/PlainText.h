@@ -1,0 +1,40 @@
+#pragma once
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+/// How a page becomes plain text.
+struct PlainTextOptions {
+    bool entities = true;      ///< decode all entities in the text
+    bool stdEntities = true;   ///< decode &lt; &gt; &amp; &quot; and their like
+    bool nonUmlauted = false;  ///< take the diacritics away
+    bool reformat = false;     ///< join soft-wrapped lines of preformatted text
+    bool onlyBody = false;     ///< leave out what stands outside the body, if there is one
+    bool removeJunk = false;   ///< drop titles, hidden text and runs that no one would read
+    bool googleTags = false;   ///< honour the comments "googleoff:" and "googleon:"
+    bool imageAlts = true;     ///< take the "alt" or "title" of images along
+};
+
+// The text of a page, for indexing, word counts and previews. Tags become line breaks,
+// paragraph breaks (two LF), blanks or nothing; hidden elements, scripts, forms' contents
+// and the alternatives of frames are left out.
+//
+// A page without anything to convert comes back as it is, as does an empty or absent one.
+// Time is linear in the page; no operation fails. Any thread.
+//
+//     stringByConvertingHtml2PlainText(u"<p>a &amp; b</p><p>c");   // "a & b\n\nc"
+//     stringByConvertingHtml2PlainText(page, {.onlyBody = true, .removeJunk = true});
+
+/// @param didRemoveJunk  if given, tells whether junk was met and, with removeJunk, dropped
+VELMO_API String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options = {},
+                                                  bool* didRemoveJunk = nullptr);
+
+/// With reformat.
+VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
+
+/// The bare text of the body, each span behind a blank, without any structure.
+VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
+
+}  // namespace velmo
