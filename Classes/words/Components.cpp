@@ -17,16 +17,16 @@ template <class Component>
 void scanComponents(std::u16string_view text, const CharacterSetRep* separators,
                     Component component) {
     std::size_t start = 0;
-    detail::forEachRun(
-        text, separators ? *separators : defaultComponentSeparators(), [&](const Run& run) {
-            if (run.isSeparators) {
-                component(start, run.start, run.end);
-                start = run.end;
-            } else if (run.end == text.size()) {
-                component(run.start, run.end, run.end);
-            }
-            return true;
-        });
+    detail::forEachRun(text, separators ? *separators : defaultComponentSeparators(),
+                       [&](const Run& run) {
+                           if (run.isSeparators) {
+                               component(start, run.start, run.end);
+                               start = run.end;
+                           } else if (run.end == text.size()) {
+                               component(run.start, run.end, run.end);
+                           }
+                           return true;
+                       });
 }
 
 template <class Handler>

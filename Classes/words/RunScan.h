@@ -90,8 +90,7 @@ void forEachRunWithBrackets(std::u16string_view text, const CharacterSetRep& set
             start = i;
             separators = !separators;
         }
-        if (!separators && text[i] == u'[')
-            i = std::min(text.find(u']', i + 1), text.size()) - 1;
+        if (!separators && text[i] == u'[') i = std::min(text.find(u']', i + 1), text.size()) - 1;
     }
     run(Run{start, text.size(), separators});
 }

@@ -89,7 +89,8 @@ void initSeparatorsAndTables() {
     defaultSentenceSeparators();
     for (const CharacterSetRep& (*set)() :
          {emptyCharacterSetRep, spaceCharacterSetRep, whiteCharacterSetRep, alphaCharacterSetRep,
-          alphaNumCharacterSetRep, digitCharacterSetRep, lowerCharacterSetRep, upperCharacterSetRep})
+          alphaNumCharacterSetRep, digitCharacterSetRep, lowerCharacterSetRep,
+          upperCharacterSetRep})
         set();
     for (const ConversionTable& (*table)() : {lowerCharsTable, upperCharsTable, umlautsCharsTable,
                                               lowerUmlautsCharsTable, upperUmlautsCharsTable})

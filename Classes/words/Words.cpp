@@ -24,7 +24,8 @@ void scanRuns(std::u16string_view text, const WordOptions& options, Handler hand
     };
     if (options.wildcard)
         detail::forEachRunWithBrackets(text, setOrDefault(options.separators), goOn);
-    else detail::forEachRun(text, setOrDefault(options.separators), goOn);
+    else
+        detail::forEachRun(text, setOrDefault(options.separators), goOn);
 }
 
 /// Calls entry(run) for each word that is long enough and, if asked for, for each run of
@@ -39,8 +40,10 @@ void scanWords(std::u16string_view text, const WordOptions& options, Entry entry
 
 template <class Entry>
 void scanWords(std::u16string_view text, const WordOptions& options, Entry entry) {
-    if (options.withSeparators) scanWords<true>(text, options, entry);
-    else scanWords<false>(text, options, entry);
+    if (options.withSeparators)
+        scanWords<true>(text, options, entry);
+    else
+        scanWords<false>(text, options, entry);
 }
 
 template <class Handler>

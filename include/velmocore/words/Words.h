@@ -25,8 +25,8 @@ namespace velmo {
 /// How a text is cut into words.
 struct WordOptions {
     const CharacterSetRep* separators = nullptr;  ///< null is defaultWordSeparators()
-    bool withSeparators = false;  ///< each run of separators is an entry of its own
-    std::uint64_t minLen = 1;     ///< shorter words are dropped; 0 means 1
+    bool withSeparators = false;                  ///< each run of separators is an entry of its own
+    std::uint64_t minLen = 1;                     ///< shorter words are dropped; 0 means 1
     /// A [ that is no separator takes all up to the next ] into its word, so that a
     /// wildcard's set of characters is not cut.
     bool wildcard = false;
