@@ -1,4 +1,4 @@
-// Search for a pattern of units. Candidates are found eight starts at a time by two units of
+// Search for a pattern of units. Candidates are found many starts at a time by two units of
 // the pattern, its anchors, and then compared whole.
 #pragma once
 
@@ -22,15 +22,20 @@ struct Anchor {
 
 /// The first start from the given one up to (and without) the end of the starts, at which
 /// both anchors stand; the end if there is none. The text must reach behind every anchor of
-/// every start. Only the first variants are looked at unless cases is true.
+/// every start. The fewer variants the anchors have, the faster the search.
 VELMO_API std::size_t nextCandidate(const char16_t* text, std::size_t start, std::size_t starts,
-                                    const Anchor& first, const Anchor& second, bool cases) noexcept;
+                                    const Anchor& first, const Anchor& second) noexcept;
+
+/// The anchor of a unit that is compared as it is.
+inline Anchor exactAnchor(std::size_t offset, char16_t unit) noexcept {
+    return {offset, {unit, unit, unit}};
+}
 
 /// The anchor of an ASCII unit that is compared without regard to case. Three non-ASCII
 /// letters have an ASCII letter as their other case: U+0131, U+017F and U+212A.
 inline Anchor caseAnchor(std::size_t offset, char16_t unit) noexcept {
     const auto lower = static_cast<char16_t>(unit | 0x20);
-    if (lower < u'a' || lower > u'z') return {offset, {unit, unit, unit}};
+    if (lower < u'a' || lower > u'z') return exactAnchor(offset, unit);
     const char16_t other = lower == u'i'   ? u'\u0131'
                            : lower == u's' ? u'\u017F'
                            : lower == u'k' ? u'\u212A'
@@ -48,7 +53,7 @@ std::uint64_t firstOccurrence(const char16_t* text, std::size_t starts,
     };
     const auto search = [&](const Anchor& first, const Anchor& second) -> std::uint64_t {
         for (std::size_t start = 0;; ++start) {
-            start = nextCandidate(text, start, starts, first, second, Fold::changesCase);
+            start = nextCandidate(text, start, starts, first, second);
             if (start == starts) return NotFound;
             if (matches(start)) return start;
         }
@@ -68,8 +73,8 @@ std::uint64_t firstOccurrence(const char16_t* text, std::size_t starts,
             if (matches(start)) return start;
         return NotFound;
     } else {
-        return search({0, {widened(pattern.front())}},
-                      {pattern.size() - 1, {widened(pattern.back())}});
+        return search(exactAnchor(0, widened(pattern.front())),
+                      exactAnchor(pattern.size() - 1, widened(pattern.back())));
     }
 }
 
