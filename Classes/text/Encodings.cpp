@@ -1,0 +1,129 @@
+#include <velmocore/text/Encodings.h>
+
+#include <algorithm>
+#include <atomic>
+
+#include "platform/Converter.h"
+#include "platform/Utf8.h"
+
+namespace velmo {
+namespace {
+
+struct EncodingPair {
+    StringEncoding string;
+    TextEncoding text;
+};
+
+/// The string encodings with numbers of their own; all others are told by their top bit.
+constexpr EncodingPair Pairs[] = {
+    {ASCIIStringEncoding, ASCIITextEncoding},
+    {JapaneseEUCStringEncoding, 2336},
+    {UTF8StringEncoding, UTF8TextEncoding},
+    {ISOLatin1StringEncoding, ISOLatin1TextEncoding},
+    {ShiftJISStringEncoding, ShiftJISTextEncoding},
+    {ISOLatin2StringEncoding, 514},
+    {UTF16StringEncoding, UTF16TextEncoding},
+    {WindowsCP1251StringEncoding, 1282},
+    {WindowsCP1252StringEncoding, 1280},
+    {WindowsCP1253StringEncoding, 1283},
+    {WindowsCP1254StringEncoding, 1284},
+    {WindowsCP1250StringEncoding, 1281},
+    {ISO2022JPStringEncoding, 2080},
+    {MacOSRomanStringEncoding, 0},
+    {KamenickyStringEncoding, KamenickyTextEncoding},
+    {KOI8CS2StringEncoding, KOI8CS2TextEncoding},
+};
+
+constexpr std::uint32_t OtherBit = 0x80000000;
+
+std::atomic<StringEncoding> processEncoding = UTF8StringEncoding;
+
+bool startsWithPair(std::u16string_view units) {
+    return units.size() > 1 && (units[0] & 0xFC00) == 0xD800 && (units[1] & 0xFC00) == 0xDC00;
+}
+
+/// How many units of at most that many can be cut off without cutting a surrogate pair.
+std::size_t wholePairs(std::u16string_view units, std::size_t most) {
+    if (most >= units.size()) return units.size();
+    return most && (units[most - 1] & 0xFC00) == 0xD800 ? most - 1 : most;
+}
+
+}  // namespace
+
+StringEncoding stringEncodingOf(TextEncoding encoding) noexcept {
+    if (encoding == UnknownTextEncoding) return UnknownStringEncoding;
+    const auto pair = std::ranges::find(Pairs, encoding, &EncodingPair::text);
+    return pair != std::end(Pairs) ? pair->string : StringEncoding{encoding | OtherBit};
+}
+
+TextEncoding textEncodingOf(StringEncoding encoding) noexcept {
+    const auto pair = std::ranges::find(Pairs, encoding, &EncodingPair::string);
+    if (pair != std::end(Pairs)) return pair->text;
+    const bool other = encoding < UnknownStringEncoding && (encoding & OtherBit);
+    return other ? static_cast<TextEncoding>(encoding & ~OtherBit) : UnknownTextEncoding;
+}
+
+bool isEncodingAvailable(TextEncoding encoding) noexcept { return detail::hasConverter(encoding); }
+
+std::string_view ianaName(StringEncoding encoding) noexcept {
+    return detail::converterName(textEncodingOf(encoding));
+}
+
+StringEncoding defaultEncoding() noexcept {
+    return processEncoding.load(std::memory_order_relaxed);
+}
+
+void setDefaultEncoding(StringEncoding encoding) noexcept {
+    processEncoding.store(encoding, std::memory_order_relaxed);
+}
+
+std::optional<Data> dataUsingEncoding(const String& string, StringEncoding encoding, bool lossy) {
+    if (string.isAbsent()) return std::nullopt;
+    return detail::encode(textEncodingOf(encoding), string, lossy);
+}
+
+int convertUTF8ToUnicode(Bytes source, std::span<char16_t> destination, std::size_t* outCount) {
+    const detail::Decoding result = detail::decode(UTF8TextEncoding, source, destination);
+    if (outCount) *outCount = result.written;
+    return result.complete ? 0 : ConverterOutputBufferFull;
+}
+
+int convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> destination,
+                         std::size_t* outCount) {
+    // As many units go at once as surely fit, at three bytes each; near the end of the room
+    // it is one character after the other.
+    std::size_t written = 0;
+    int status = 0;
+    while (!source.empty()) {
+        const std::size_t room = destination.size() - written;
+        std::size_t count = wholePairs(source, room / 3);
+        if (count) {
+            written += detail::encodeUtf8(source.substr(0, count),
+                                          reinterpret_cast<char*>(destination.data() + written));
+        } else {
+            char bytes[4];
+            count = startsWithPair(source) ? 2 : 1;
+            const std::size_t length = detail::encodeUtf8(source.substr(0, count), bytes);
+            if (length > room) {
+                status = ConverterOutputBufferFull;
+                break;
+            }
+            std::copy_n(bytes, length, destination.data() + written);
+            written += length;
+        }
+        source.remove_prefix(count);
+    }
+    if (outCount) *outCount = written;
+    return status;
+}
+
+int convertEncodingToUnicode(Bytes source, TextEncoding encoding, std::span<char16_t> destination,
+                             std::size_t& outCount) {
+    outCount = 0;
+    if (!isEncodingAvailable(encoding)) return ConverterUnsupportedEncoding;
+    const detail::Decoding result = detail::decode(encoding, source, destination);
+    outCount = result.written;
+    return result.complete ? 1 : 0;
+}
+
+}  // namespace velmo

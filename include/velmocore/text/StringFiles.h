@@ -1,0 +1,65 @@
+#pragma once
+
+#include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/text/Encodings.h>
+
+namespace velmo {
+
+// Strings from bytes. Bytes that the encoding does not allow, a null pointer and an encoding
+// that is not available give an absent string; no bytes give the empty one. ASCII alone
+// never fails: a byte above 127 becomes U+FFFD. A byte-order mark at the start is not part of
+// the text.
+//
+//     stringWithCString("caf\xE9", ISOLatin1StringEncoding);
+
+VELMO_API String stringWithData(Bytes data, StringEncoding encoding);
+/// The bytes need no terminator; null is absent.
+VELMO_API String stringWithBytes(const void* bytes, std::size_t length, StringEncoding encoding);
+VELMO_API String stringWithCString(const char* cString, std::size_t length,
+                                   StringEncoding encoding);
+VELMO_API String stringWithNullTerminatedCString(const char* cString, StringEncoding encoding);
+
+// Strings and files. Paths are those of the file system. No operation tells why it failed:
+// reading gives an absent string, writing false.
+
+/// Whether an encoding asks for detection: 0, and 4294967280 and above.
+constexpr bool isUnknownEncoding(StringEncoding encoding) {
+    return encoding == 0 || encoding >= KamenickyStringEncoding;
+}
+
+/// Reads a file in an encoding, without any fallback. An unknown encoding is detected: by a
+/// byte-order mark, else UTF-8 if the bytes are; and if they are not, the file is read as
+/// ASCII.
+/// @param usedEncoding  if given, the encoding that the file was read in
+VELMO_API String stringWithContentsOfFile(const String& path, StringEncoding encoding,
+                                          StringEncoding* usedEncoding = nullptr);
+
+/// Writes a string to a file. Atomically: it goes to a file beside it first, which then takes
+/// its place. False if the string is absent, has a character that the encoding does not have,
+/// or cannot be written; the file is then as it was.
+VELMO_API bool writeToFile(const String& string, const String& path, bool atomically,
+                           StringEncoding encoding);
+
+// The same in an encoding that is chosen, which is told before anything is written.
+
+/// In defaultEncoding().
+VELMO_API bool writeToFileUsingDefaultEncoding(const String& string, const String& path,
+                                               bool atomically,
+                                               StringEncoding* usedEncoding = nullptr);
+/// In UTF-16, the form that strings have.
+VELMO_API bool writeToFileUsingFastestEncoding(const String& string, const String& path,
+                                               bool atomically,
+                                               StringEncoding* usedEncoding = nullptr);
+/// In the first of ASCII, Latin 1 that has all of its characters; else in the shorter of UTF-8
+/// and UTF-16.
+VELMO_API bool writeToFileUsingSmallestEncoding(const String& string, const String& path,
+                                                bool atomically,
+                                                StringEncoding* usedEncoding = nullptr);
+
+/// The encodings that these two choose.
+VELMO_API StringEncoding fastestEncoding(std::u16string_view string) noexcept;
+VELMO_API StringEncoding smallestEncoding(std::u16string_view string) noexcept;
+
+}  // namespace velmo
