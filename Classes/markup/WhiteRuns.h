@@ -16,18 +16,12 @@ inline bool isWhiteUnit(char16_t unit, const CharacterSetRep& white) {
 
 #if defined(__SSE2__)
 
-/// Marks the units of [low, high].
-inline __m128i inRange(__m128i block, char16_t low, char16_t high) {
-    const __m128i offset = _mm_sub_epi16(block, _mm_set1_epi16(static_cast<short>(low)));
-    const __m128i beyond = _mm_subs_epu16(offset, _mm_set1_epi16(static_cast<short>(high - low)));
-    return _mm_cmpeq_epi16(beyond, _mm_setzero_si128());
-}
-
 /// Marks the units of the three stretches of the plane that hold no white unit and nearly
 /// all of what is written: ASCII, the alphabets of Europe and the Near East, and East Asia.
 inline __m128i inPlainStretch(__m128i block) {
-    return _mm_or_si128(inRange(block, 0x21, 0x7F),
-                        _mm_or_si128(inRange(block, 0xA1, 0x167F), inRange(block, 0x3001, 0xFEFE)));
+    return _mm_or_si128(
+        scan::inRange(block, 0x21, 0x7F),
+        _mm_or_si128(scan::inRange(block, 0xA1, 0x167F), scan::inRange(block, 0x3001, 0xFEFE)));
 }
 
 #endif

@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <bit>
 
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
+#include "text/UnitScan.h"
 
 namespace velmo::detail {
 namespace {
@@ -28,7 +26,7 @@ std::size_t nextScalar(const char16_t* text, std::size_t start, std::size_t star
     return starts;
 }
 
-#if defined(__x86_64__)
+#if defined(__SSE2__)
 
 template <int Variants>
 struct Needle8 {
@@ -97,16 +95,11 @@ __attribute__((target("avx2"))) std::size_t nextAvx2(const char16_t* text, std::
     return nextSse2<Variants>(text, start, starts, first, second);
 }
 
-bool hasAvx2() noexcept {
-    static const bool has = __builtin_cpu_supports("avx2");
-    return has;
-}
-
 template <int Variants>
 std::size_t next(const char16_t* text, std::size_t start, std::size_t starts, const Anchor& first,
                  const Anchor& second) noexcept {
-    return hasAvx2() ? nextAvx2<Variants>(text, start, starts, first, second)
-                     : nextSse2<Variants>(text, start, starts, first, second);
+    return scan::hasAvx2() ? nextAvx2<Variants>(text, start, starts, first, second)
+                           : nextSse2<Variants>(text, start, starts, first, second);
 }
 
 #else

@@ -1,0 +1,106 @@
+#include <velmocore/markup/JSONEscapes.h>
+
+#include "markup/RewriteRuns.h"
+#include "text/UnitScan.h"
+
+namespace velmo {
+namespace {
+
+unsigned hexDigit(char16_t unit) {
+    if (unit >= u'0' && unit <= u'9') return unit - u'0';
+    if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;
+    if (unit >= u'A' && unit <= u'F') return unit - u'A' + 10;
+    return 0;
+}
+
+/// Reads up to so many digits; those that the end cuts off are 0.
+char16_t readHex(const char16_t*& at, const char16_t* end, int digits) {
+    unsigned value = 0;
+    for (int i = 0; i < digits; ++i) value = value << 4 | (at < end ? hexDigit(*at++) : 0);
+    return static_cast<char16_t>(value);
+}
+
+/// Decodes the escape at a backslash.
+const char16_t* decodeEscape(const char16_t* at, const char16_t* end, StringBuilder& out,
+                             bool isJavaScript) {
+    if (at + 1 == end) {
+        out.append(*at);
+        return end;
+    }
+    char16_t unit = at[1];
+    at += 2;
+    switch (unit) {
+        case u'b':
+            unit = 8;
+            break;
+        case u'f':
+            unit = 12;
+            break;
+        case u'n':
+            unit = 10;
+            break;
+        case u'r':
+            unit = 13;
+            break;
+        case u't':
+            unit = 9;
+            break;
+        case u'u':
+            unit = readHex(at, end, 4);
+            break;
+        case u'v':
+            if (isJavaScript) unit = 11;
+            break;
+        case u'x':
+            if (isJavaScript) unit = readHex(at, end, 2);
+            break;
+        case u'O':  // the letter; \0 is a plain 0
+            if (isJavaScript) unit = 0;
+            break;
+        default:
+            break;
+    }
+    out.append(unit);
+    return at;
+}
+
+char16_t escapeLetter(char16_t unit) {
+    switch (unit) {
+        case 8:
+            return u'b';
+        case 9:
+            return u't';
+        case 10:
+            return u'n';
+        case 12:
+            return u'f';
+        case 13:
+            return u'r';
+        default:
+            return unit;
+    }
+}
+
+}  // namespace
+
+String stringByConvertingJSONToCharacters(const String& string, bool isJavaScript) {
+    return rewriteRuns(string, &scan::findAnyOf<u'\\'>,
+                       [=](const char16_t* at, const char16_t* end, StringBuilder& out) {
+                           return decodeEscape(at, end, out, isJavaScript);
+                       });
+}
+
+String stringByConvertingJavaScriptToCharacters(const String& string) {
+    return stringByConvertingJSONToCharacters(string, true);
+}
+
+String stringByConvertingCharactersToJSON(const String& string) {
+    return rewriteRuns(string, &scan::findAnyOf<8, 9, 10, 12, 13, u'"', u'/', u'\\'>,
+                       [](const char16_t* at, const char16_t*, StringBuilder& out) {
+                           out.append(u'\\');
+                           out.append(escapeLetter(*at));
+                           return at + 1;
+                       });
+}
+
+}  // namespace velmo

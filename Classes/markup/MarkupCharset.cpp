@@ -1,0 +1,74 @@
+#include <velmocore/markup/MarkupCharset.h>
+
+#include <velmocore/markup/Charsets.h>
+#include <velmocore/markup/Entities.h>
+#include <velmocore/markup/TagAttributes.h>
+#include <velmocore/markup/TagScanner.h>
+
+#include "text/Keyword.h"
+
+namespace velmo {
+namespace {
+
+struct NamedCharset {
+    String name = String::empty();
+    Range tag = Range::none();
+};
+
+/// What a meta tag names; absent if nothing. An empty name is a name.
+String charsetOfMetaTag(std::u16string_view tag) {
+    String name = headerCharset(contentAttributeOfTagCharacters(tag));
+    if (name.isAbsent()) name = attributeOfTagCharacters(tag, "CHARSET");
+    return stringByConvertingEntitiesToCharacters(name);
+}
+
+/// The charset that the page names, and where.
+NamedCharset findCharset(std::u16string_view page) {
+    NamedCharset found;
+    GetTagsOfString(page, [&found](const Tag& tag) {
+        const std::u16string_view name = tag.name();
+        String charset;
+        if (name.size() == 4) {
+            if (keyword::equals(name, "BODY")) return true;
+            if (!keyword::equals(name, "META") || tag.isClosing()) return false;
+            charset = charsetOfMetaTag(tag.whole());
+        } else if (keyword::equals(name, "XML") && tag.whole()[1] == u'?') {
+            charset = attributeOfTagCharacters(tag.whole(), "ENCODING");
+        }
+        if (charset.isAbsent()) return false;
+        found = {charset, {tag.tagLocation, tag.tagLength}};
+        return true;
+    });
+    return found;
+}
+
+}  // namespace
+
+String markupCharset(std::u16string_view page) { return findCharset(page).name; }
+
+Range markupCharsetRange(std::u16string_view page) { return findCharset(page).tag; }
+
+StringEncoding markupEncoding(std::u16string_view page) {
+    return charset2NSStringEncoding(markupCharset(page));
+}
+
+StringEncoding headerEncoding(std::u16string_view contentType) {
+    return charset2NSStringEncoding(headerCharset(contentType));
+}
+
+StringEncoding defaultURLEncoding(std::u16string_view page) {
+    return markupEncoding(page) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
+                                                           : UTF8StringEncoding;
+}
+
+std::optional<Data> markupData(const String& page, StringEncoding* usedEncoding) {
+    StringEncoding encoding = page.isEmpty() ? ASCIIStringEncoding : markupEncoding(page);
+    const bool isKnown = encoding != UnknownStringEncoding;
+    if (!isKnown) encoding = ASCIIStringEncoding;
+    if (usedEncoding) *usedEncoding = encoding;
+    if (page.isEmpty()) return Data();
+    return dataUsingEncoding(isKnown ? page : stringByConvertingCharactersToEntities(page),
+                             encoding);
+}
+
+}  // namespace velmo

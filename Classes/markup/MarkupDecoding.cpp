@@ -1,0 +1,188 @@
+#include <velmocore/markup/MarkupDecoding.h>
+
+#include <velmocore/markup/Charsets.h>
+#include <velmocore/markup/FileTypes.h>
+#include <velmocore/markup/MarkupCharset.h>
+#include <velmocore/markup/TagAttributes.h>
+#include <velmocore/platform/PropertyList.h>
+
+#include "platform/Converter.h"
+#include "platform/Files.h"
+#include "text/UnitScan.h"
+
+namespace velmo {
+namespace {
+
+using detail::Decode;
+
+constexpr StringEncoding otherEncoding(TextEncoding encoding) { return 0x80000000 | encoding; }
+
+constexpr StringEncoding Big5 = otherEncoding(Big5TextEncoding);
+constexpr StringEncoding Big5HKSCS = otherEncoding(Big5HKSCSTextEncoding);
+constexpr StringEncoding EUCCN = otherEncoding(EUCCNTextEncoding);
+
+/// What a page in Shift JIS may be besides, in the order in which it is tried.
+constexpr TextEncoding japaneseEncodings[] = {2561, 1576, 1,    1056, 1568, 1569, 1570,
+                                              1571, 1572, 2336, 2080, 2082, 2081, 2083};
+/// The same for a page in EUC-CN.
+constexpr TextEncoding chineseEncodings[] = {2353, 1584, 2565, 1585, 2563, 2566, 2569};
+
+/// A reading of the bytes in one encoding.
+struct Trial {
+    String text;  ///< absent if it gave no units
+    StringEncoding encoding = UnknownStringEncoding;
+
+    bool failed() const { return text.isAbsent(); }
+    std::size_t errors() const {
+        return scan::count(text.begin(), text.end(), detail::ReplacementUnit);
+    }
+};
+
+Trial tryEncoding(Bytes data, StringEncoding encoding, Decode how = Decode::Lenient) {
+    return {detail::decodedString(textEncodingOf(encoding), data, how), encoding};
+}
+
+Trial tryOneOf(Bytes data, std::span<const TextEncoding> encodings) {
+    for (TextEncoding encoding : encodings) {
+        Trial trial = tryEncoding(data, stringEncodingOf(encoding));
+        if (!trial.failed()) return trial;
+    }
+    return {};
+}
+
+/// The encoding that a page says it has by its byte-order mark; else the given one.
+StringEncoding markedEncoding(Bytes data, StringEncoding otherwise) {
+    if (data.size() < 3) return otherwise;
+    if (data[0] == 0xFF && data[1] == 0xFE) return UTF16LittleEndianStringEncoding;
+    if (data[0] == 0xFE && data[1] == 0xFF) return UTF16BigEndianStringEncoding;
+    return otherwise;
+}
+
+/// Whether UTF-8 was right although the page names a single-byte encoding: read as such, UTF-8
+/// makes a longer text.
+bool isUTF8AfterAll(const Trial& first, const Trial& second) {
+    const bool isSingleByte = second.encoding == WindowsCP1251StringEncoding ||
+                              second.encoding == ISOLatin1StringEncoding;
+    return isSingleByte && second.text.length() > first.text.length() && first.errors() == 0 &&
+           second.errors() == 0;
+}
+
+/// The order of trials for a page whose charset is named by its header, if at all.
+class PageTrials {
+public:
+    PageTrials(Bytes data, std::u16string_view encodingName, StringEncoding defaultEncoding)
+        : data_(data), default_(defaultEncoding), encoding_(markedEncoding(data, defaultEncoding)) {
+        if (encodingName.empty()) return;
+        const StringEncoding named = NSEncodingFromName(encodingName);
+        if (named == 0 || named == UnknownStringEncoding) return;
+        encoding_ = named;
+        isNamed_ = true;
+    }
+
+    MarkupDecoding run() {
+        first_ = tryEncoding(data_, encoding_);
+        String charset = String::empty();
+        StringEncoding declared = 0;
+        if (!first_.failed()) {
+            charset = markupCharset(first_.text);
+            declared = charset2NSStringEncoding(charset);
+        }
+        Trial best = choose(declared);
+        return {std::move(best.text), best.encoding, std::move(charset)};
+    }
+
+private:
+    Trial choose(StringEncoding declared) {
+        if (declared == encoding_ || declared == UnknownStringEncoding ||
+            declared == ASCIIStringEncoding)
+            return first_;
+        const bool isTrustedUTF8 = isNamed_ && encoding_ == UTF8StringEncoding;
+        if (declared == WindowsCP1251StringEncoding && !isTrustedUTF8) {
+            // Without a header's backing, such a page is often Windows-1250 in fact.
+            first_ = {};
+            encoding_ = WindowsCP1250StringEncoding;
+        } else if (declared == Big5) {
+            first_ = {};
+            encoding_ = Big5HKSCS;
+        }
+        Trial second = tryEncoding(data_, declared);
+        if (second.failed()) return lastResort(declared);
+        if (!isNamed_ || first_.failed()) return second;
+        if (isTrustedUTF8 && isUTF8AfterAll(first_, second)) return first_;
+        return second.errors() > first_.errors() ? first_ : second;
+    }
+
+    Trial lastResort(StringEncoding declared) const {
+        Trial result = first_;
+        if (declared == ShiftJISStringEncoding) result = tryOneOf(data_, japaneseEncodings);
+        if (declared == EUCCN) result = tryOneOf(data_, chineseEncodings);
+        if (result.failed() && encoding_ != declared)
+            result = tryEncoding(data_, encoding_, Decode::Strict);
+        if (result.failed() && encoding_ != default_ && declared != default_)
+            result = tryEncoding(data_, default_, Decode::Strict);
+        return result;
+    }
+
+    Bytes data_;
+    StringEncoding default_;
+    StringEncoding encoding_;  ///< of the first trial, and of the last but one resort
+    bool isNamed_ = false;
+    Trial first_;
+};
+
+/// The order of trials for a page from a file.
+Trial chooseForFile(Bytes data, StringEncoding defaultEncoding) {
+    if (data.empty()) return {String::empty(), defaultEncoding};
+    Trial first = tryEncoding(data, defaultEncoding);
+    if (first.failed()) return first;
+    const StringEncoding declared = markupEncoding(first.text);
+    if (declared == defaultEncoding || declared == UnknownStringEncoding ||
+        declared == ASCIIStringEncoding)
+        return first;
+    Trial second = tryEncoding(data, declared);
+    if (second.failed()) {
+        // The encoding that is told is not that of the text, which is kept as it was.
+        if (declared != UTF8StringEncoding) return {first.text, declared};
+        Trial roman = tryEncoding(data, MacOSRomanStringEncoding, Decode::Strict);
+        return roman.failed() ? Trial{first.text, MacOSRomanStringEncoding} : roman;
+    }
+    if (second.errors() > first.errors()) return first;
+    if (defaultEncoding == UTF8StringEncoding && isUTF8AfterAll(first, second)) return first;
+    return second;
+}
+
+/// The XML form of a property list in its text; absent if the bytes are none.
+String propertyListText(const String& path, Bytes data) {
+    const bool isBinary = data.size() >= 6 && charsOf(data).starts_with("bplist");
+    if (!isBinary && !isPropertyListFile(path)) return {};
+    const std::optional<Data> xml = propertyListAsXML(data);
+    return xml ? String::fromUTF8(charsOf(*xml)) : String();
+}
+
+}  // namespace
+
+MarkupDecoding decodeMarkup(Bytes data, const MarkupDecodingOptions& options) {
+    if (data.empty()) return {String::empty(), options.defaultEncoding};
+    const String charset = headerCharset(options.contentType);
+    const std::u16string_view name = charset.isEmpty() ? options.encodingName : charset.view();
+    return PageTrials(data, name, options.defaultEncoding).run();
+}
+
+String stringWithMarkupData(Bytes data, const MarkupDecodingOptions& options) {
+    return decodeMarkup(data, options).text;
+}
+
+String stringWithMarkupContentsOfFile(const String& path, StringEncoding defaultEncoding,
+                                      StringEncoding* usedEncoding) {
+    if (usedEncoding) *usedEncoding = UnknownStringEncoding;
+    if (path.isAbsent()) return {};
+    const std::optional<Data> data = detail::readFile(path.utf8());
+    if (!data) return {};
+    const String list = propertyListText(path, *data);
+    if (!list.isAbsent()) return list;
+    Trial best = chooseForFile(*data, defaultEncoding);
+    if (usedEncoding) *usedEncoding = best.encoding;
+    return best.text;
+}
+
+}  // namespace velmo

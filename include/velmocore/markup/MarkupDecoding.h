@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string_view>
+
+#include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/text/Encodings.h>
+
+namespace velmo {
+
+// The bytes of a page to its text. The charset may be stated in a header, in the page, in
+// both or in neither, and often wrongly: trials in a fixed order, in which the number of
+// units U+FFFD decides between two readings, find the encoding. Nothing fails for bad bytes;
+// the text has at most as many units as there are bytes, or 32. Any thread.
+//
+//     const String page = stringWithMarkupData(bytes, {.contentType = u"text/html;
+//     charset=utf-8"});
+
+/// What is known of a page besides its bytes.
+struct MarkupDecodingOptions {
+    /// The value of the Content-Type header. Its charset counts as the encoding's name.
+    std::u16string_view contentType = {};
+    /// The charset that a header names; used if the content type has none.
+    std::u16string_view encodingName = {};
+    /// The encoding of pages that name none.
+    StringEncoding defaultEncoding = velmo::defaultEncoding();
+};
+
+/// A page that was decoded.
+struct MarkupDecoding {
+    /// Empty for no bytes, absent if no trial gave a text.
+    String text;
+    /// The encoding of the reading that won.
+    StringEncoding encoding = UnknownStringEncoding;
+    /// The charset that the page names, as its first reading has it; empty if none.
+    String declared = String::empty();
+};
+
+VELMO_API MarkupDecoding decodeMarkup(Bytes data, const MarkupDecodingOptions& options = {});
+
+/// The text only.
+VELMO_API String stringWithMarkupData(Bytes data, const MarkupDecodingOptions& options = {});
+
+/// Reads and decodes a file, for which the charset that the page names goes for more than it
+/// does for a page from the web. A property list, binary or by its name, is given in its XML
+/// form; the encoding is then unknown. Absent for a file that cannot be read or gives no text.
+/// @param usedEncoding  if given, the encoding that the page was taken to have
+VELMO_API String stringWithMarkupContentsOfFile(const String& path, StringEncoding defaultEncoding,
+                                                StringEncoding* usedEncoding = nullptr);
+
+}  // namespace velmo
