@@ -31,7 +31,7 @@ Corpus makeCorpus() {
     const std::vector<std::string> pages = readPages();
     while (corpus.pageBytes < Size) {
         for (const std::string& page : pages) {
-            const String units = stringWithMarkupData(bytesOf(page), StringEncoding::UTF8);
+            const String units = stringWithMarkupData(bytesOf(page));
             const String text = stringByConvertingHtml2PlainText(units);
             corpus.pages.push_back(page);
             corpus.utf8.push_back(units.utf8());

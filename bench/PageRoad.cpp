@@ -44,7 +44,7 @@ BENCHMARK(utf8Icu)->Name("utf8-to-string/icu")->Unit(benchmark::kMillisecond);
 
 void linksVelmo(benchmark::State& state) {
     eachPage(state, corpus().pages, corpus().pageBytes, [](const std::string& page) {
-        const String units = stringWithMarkupData(bytesOf(page), StringEncoding::UTF8);
+        const String units = stringWithMarkupData(bytesOf(page));
         benchmark::DoNotOptimize(htmlLinks(units));
     });
 }
@@ -52,7 +52,7 @@ BENCHMARK(linksVelmo)->Name("links/velmo")->Unit(benchmark::kMillisecond);
 
 void textVelmo(benchmark::State& state) {
     eachPage(state, corpus().pages, corpus().pageBytes, [](const std::string& page) {
-        const String units = stringWithMarkupData(bytesOf(page), StringEncoding::UTF8);
+        const String units = stringWithMarkupData(bytesOf(page));
         benchmark::DoNotOptimize(stringByConvertingHtml2PlainText(units));
     });
 }

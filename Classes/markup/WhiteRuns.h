@@ -2,6 +2,8 @@
 // plain-text conversion.
 #pragma once
 
+#include <algorithm>
+
 #include <velmocore/text/CharacterSets.h>
 
 #include "text/UnitScan.h"
@@ -30,24 +32,25 @@ inline __m128i inPlainStretch(__m128i block) {
 /// written.
 inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
                                      const CharacterSetRep& white) {
+    // What was copied unit for unit since here stands in the output as it does in the text.
+    [[maybe_unused]] const char16_t* verbatim = from;
     while (from < to) {
 #if defined(__SSE2__)
         // Eight units are copied as they are if each is plain, or a blank in front of a
-        // plain unit. The look at the unit behind keeps a ninth in reach.
-        while (to - from > scan::BlockUnits) {
-            const __m128i block = scan::loadBlock(from);
-            const __m128i single = _mm_and_si128(scan::equalTo(block, u' '),
-                                                 inPlainStretch(scan::loadBlock(from + 1)));
+        // plain unit. The unit behind the last is taken for white.
+        while (to - from >= scan::BlockUnits || to - verbatim >= scan::BlockUnits) {
+            // The last block may begin in what is copied already.
+            const std::ptrdiff_t back = std::max<std::ptrdiff_t>(scan::BlockUnits - (to - from), 0);
+            const __m128i block = scan::loadBlock(from - back);
+            const __m128i single =
+                _mm_and_si128(scan::equalTo(block, u' '), inPlainStretch(_mm_srli_si128(block, 2)));
             const int plain = _mm_movemask_epi8(_mm_or_si128(single, inPlainStretch(block)));
-            if (plain == 0xFFFF) {
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(out), block);
-                from += scan::BlockUnits;
-                out += scan::BlockUnits;
-                continue;
-            }
-            const int copied = scan::firstOf(~plain & 0xFFFF);
-            for (int i = 0; i < copied; ++i) *out++ = *from++;
-            break;
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out - back), block);
+            const std::ptrdiff_t copied = scan::firstOf(~plain) - back;
+            if (copied <= 0) break;
+            from += copied;
+            out += copied;
+            if (from == to) return out;
         }
 #endif
         if (!isWhiteUnit(*from, white)) {
@@ -57,6 +60,7 @@ inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, c
         *out++ = u' ';
         do ++from;
         while (from < to && isWhiteUnit(*from, white));
+        verbatim = from;
     }
     return out;
 }

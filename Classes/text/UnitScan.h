@@ -37,6 +37,9 @@ inline __m128i inRange(__m128i block, char16_t low, char16_t high) {
     return _mm_cmpeq_epi16(beyond, _mm_setzero_si128());
 }
 
+/// Marks the units outside ASCII.
+inline __m128i aboveAscii(__m128i block) { return inRange(block, 0x80, 0xFFFF); }
+
 /// Index of the first unit that a comparison marked; 8 or more if the low 16 bits of its
 /// mask are 0.
 inline int firstOf(int mask) { return std::countr_zero(static_cast<unsigned>(mask)) / 2; }
@@ -87,14 +90,8 @@ inline const char16_t* findAnyOf(const char16_t* from, const char16_t* to) {
 /// The first position of a unit outside ASCII; to if there is none.
 inline const char16_t* findNonAscii(const char16_t* from, const char16_t* to) {
 #if defined(__SSE2__)
-    const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
-    const __m128i zero = _mm_setzero_si128();
     return findWhere(
-        from, to,
-        [=](__m128i block) {
-            const __m128i ascii = _mm_cmpeq_epi16(_mm_and_si128(block, high), zero);
-            return _mm_xor_si128(ascii, _mm_set1_epi16(-1));
-        },
+        from, to, [](__m128i block) { return aboveAscii(block); },
         [](char16_t u) { return u > 127; });
 #else
     while (from < to && *from <= 127) ++from;
