@@ -4,14 +4,14 @@
 #include <optional>
 #include <string>
 
+#include <velmocore/text/StringFiles.h>
+
 #include "platform/Utf8.h"
 
 namespace velmo::escapes {
 namespace {
 
 using Units = std::u16string_view;
-
-constexpr std::uint64_t Ascii = 1, Utf8 = 4, Latin1 = 5;
 
 bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
 
@@ -26,46 +26,49 @@ bool hasLoneSurrogate(Units units) {
 }
 
 /// The bytes of units; none if the encoding cannot hold them.
-std::optional<std::string> encoded(Units units, std::uint64_t encoding) {
-    if (encoding == Utf8) {
-        if (hasLoneSurrogate(units)) return std::nullopt;
-        return utf8(units);
-    }
-    const char16_t highest = encoding == Latin1 ? 255 : encoding == Ascii ? 127 : 0;
-    if (std::any_of(units.begin(), units.end(), [=](char16_t unit) { return unit > highest; }))
-        return std::nullopt;
-    return std::string(units.begin(), units.end());
+std::optional<Data> encoded(Units units, StringEncoding encoding) {
+    if (encoding != UTF8StringEncoding) return dataUsingEncoding(units, encoding);
+    if (hasLoneSurrogate(units)) return std::nullopt;
+    Data bytes(units.size() * 3);
+    bytes.resize(detail::encodeUtf8(units, reinterpret_cast<char*>(bytes.data())));
+    return bytes;
+}
+
+/// Whether the text has broken bytes replaced: more U+FFFD than stood in the bytes.
+bool hasReplacements(const String& text, std::string_view utf8) {
+    constexpr std::string_view Replacement = "\xEF\xBF\xBD";
+    std::ptrdiff_t expected = 0;
+    for (std::size_t i = utf8.find(Replacement); i != utf8.npos; i = utf8.find(Replacement, i + 3))
+        ++expected;
+    return std::count(text.begin(), text.end(), u'\uFFFD') != expected;
 }
 
 /// The text of bytes; absent if they are nothing in the encoding.
-String stringOf(std::string_view bytes, std::uint64_t encoding) {
-    if (encoding == Utf8) {
-        constexpr std::string_view Replacement = "\xEF\xBF\xBD";
+String stringOf(std::string_view bytes, StringEncoding encoding) {
+    if (encoding == UTF8StringEncoding) {
         const String text = String::fromUTF8(bytes);
-        std::size_t expected = 0;
-        for (std::size_t i = bytes.find(Replacement); i != bytes.npos;
-             i = bytes.find(Replacement, i + 3))
-            ++expected;
-        const auto broken = std::count(text.begin(), text.end(), u'\uFFFD');
-        return static_cast<std::size_t>(broken) == expected ? text : String();
+        return hasReplacements(text, bytes) ? String() : text;
     }
-    std::u16string units;
-    for (char byte : bytes) units += static_cast<unsigned char>(byte);
-    const bool fits = encoding == Latin1 ||
-                      (encoding == Ascii && std::none_of(units.begin(), units.end(),
-                                                         [](char16_t u) { return u > 127; }));
-    return fits ? String(units) : String();
+    const String text = stringWithData(bytesOf(bytes), encoding);
+    const bool failed =
+        encoding == ASCIIStringEncoding && text.view().find(u'\uFFFD') != Units::npos;
+    return failed ? String() : text;
+}
+
+/// Whether ASCII is what it is in the encoding: not so in UTF-16 and UTF-32.
+bool holdsAscii(StringEncoding encoding) {
+    const TextEncoding text = textEncodingOf(encoding);
+    return text == UTF8TextEncoding || (text & 0xFFFF) != UTF16TextEncoding;
 }
 
 }  // namespace
 
-bool appendBytes(StringBuilder& out, Units units, std::uint64_t encoding) {
+bool appendBytes(StringBuilder& out, Units units, StringEncoding encoding) {
     constexpr char16_t Digits[] = u"0123456789ABCDEF";
-    const std::optional<std::string> bytes = encoded(units, encoding);
+    const std::optional<Data> bytes = encoded(units, encoding);
     if (!bytes) return false;
     char16_t* write = out.prepare(bytes->size() * 3);
-    for (char byte : *bytes) {
-        const auto value = static_cast<unsigned char>(byte);
+    for (std::uint8_t value : *bytes) {
         *write++ = u'%';
         *write++ = Digits[value >> 4];
         *write++ = Digits[value & 15];
@@ -74,25 +77,29 @@ bool appendBytes(StringBuilder& out, Units units, std::uint64_t encoding) {
     return true;
 }
 
-String decoded(const String& text, std::uint64_t encoding) {
+String decoded(const String& text, StringEncoding encoding) {
     const Units units = text;
     std::size_t i = 0;
     while (i < units.size() && escapeAt(units, i) < 0) ++i;
     if (i == units.size()) return text;
+    // ASCII between escapes may be the second byte of a character: it is decoded along.
+    const bool takesAscii = holdsAscii(encoding);
+    const auto byteAt = [=](std::size_t at) {
+        const int value = escapeAt(units, at);
+        return value < 0 && takesAscii && units[at] < 128 ? units[at] : value;
+    };
     StringBuilder out(units.size());
     std::string bytes;
     for (i = 0; i < units.size();) {
-        // ASCII between escapes may be the second byte of a character: it is decoded along.
         bytes.clear();
-        for (; i < units.size() && units[i] < 128; ++i) {
-            const int value = escapeAt(units, i);
-            bytes += static_cast<char>(value < 0 ? units[i] : value);
-            if (value >= 0) i += 2;
+        for (int byte; i < units.size() && (byte = byteAt(i)) >= 0;) {
+            i += escapeAt(units, i) < 0 ? 1 : 3;
+            bytes += static_cast<char>(byte);
         }
         const String run = stringOf(bytes, encoding);
         if (run.isAbsent()) return {};
         out.append(run);
-        while (i < units.size() && units[i] >= 128) out.append(units[i++]);
+        while (i < units.size() && byteAt(i) < 0) out.append(units[i++]);
     }
     return out.finish();
 }

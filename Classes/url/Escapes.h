@@ -1,10 +1,10 @@
 // The units of a text as percent escapes of their bytes in an encoding.
 #pragma once
 
-#include <cstdint>
 #include <string_view>
 
 #include <velmocore/platform/String.h>
+#include <velmocore/text/Encodings.h>
 
 #include "url/Grammar.h"
 
@@ -12,12 +12,12 @@ namespace velmo::escapes {
 
 /// Appends the bytes of units as escapes, with capital digits. False if the encoding
 /// cannot hold them.
-bool appendBytes(StringBuilder& out, std::u16string_view units, std::uint64_t encoding);
+bool appendBytes(StringBuilder& out, std::u16string_view units, StringEncoding encoding);
 
 /// Appends a text: the units that keep(index) wants as they are, each run of the others as
 /// escapes. False if the encoding cannot hold them.
 template <class Keep>
-bool append(StringBuilder& out, std::u16string_view text, std::uint64_t encoding, Keep keep) {
+bool append(StringBuilder& out, std::u16string_view text, StringEncoding encoding, Keep keep) {
     std::size_t i = 0;
     while (i < text.size()) {
         const std::size_t kept = i;
@@ -41,6 +41,6 @@ inline int escapeAt(std::u16string_view text, std::size_t i) noexcept {
 
 /// The text with every escape decoded. Absent if the bytes of the escapes are nothing in
 /// the encoding; the text itself if it has no escapes.
-String decoded(const String& text, std::uint64_t encoding);
+String decoded(const String& text, StringEncoding encoding);
 
 }  // namespace velmo::escapes

@@ -144,7 +144,7 @@ String stringByReplacingASCIIPercentEscapesOfURL(const String& string) {
     return stringByReplacing(string, false);
 }
 
-String stringByReplacingPercentEscapesOfURL(const String& string, std::uint64_t encoding) {
+String stringByReplacingPercentEscapesOfURL(const String& string, StringEncoding encoding) {
     return escapes::decoded(string, encoding);
 }
 
@@ -170,7 +170,7 @@ String stringByAddingPercentEscapesToURL(const String& string,
     return out.finish();
 }
 
-String stringByFormattingQueryTerm(const String& term, std::uint64_t encoding,
+String stringByFormattingQueryTerm(const String& term, StringEncoding encoding,
                                    bool defaultPercentEscapes) {
     // In a term, % and # stand for themselves.
     const String escaped = stringByAddingPercentEscapesToURL(

@@ -20,19 +20,17 @@ struct URL::Rep {
 
 namespace {
 
-constexpr std::uint64_t Utf8 = 4;
-
 /// The decoded text; the raw one if its escapes are not UTF-8.
 String decodedOrRaw(std::u16string_view raw) {
     const String text(raw);
-    const String decoded = escapes::decoded(text, Utf8);
+    const String decoded = escapes::decoded(text, UTF8StringEncoding);
     return decoded.isAbsent() ? text : decoded;
 }
 
 /// Appends a path with an escape for every unit that a file URL's path cannot hold as it
 /// is. False for a lone surrogate.
 bool appendFilePath(StringBuilder& out, std::u16string_view path) {
-    return escapes::append(out, path, Utf8, [path](std::size_t i) {
+    return escapes::append(out, path, UTF8StringEncoding, [path](std::size_t i) {
         return grammar::isPathUnit(path[i]) && path[i] != u';';
     });
 }

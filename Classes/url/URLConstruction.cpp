@@ -10,8 +10,6 @@
 namespace velmo {
 namespace {
 
-constexpr std::uint64_t Utf8 = 4;
-
 bool hasScheme(const URL& url) { return !url.part(URLPart::Scheme).empty(); }
 URL ifItHasScheme(URL url) { return hasScheme(url) ? url : URL(); }
 
@@ -21,7 +19,7 @@ bool isMessageLink(std::u16string_view string) {
 }
 
 /// Raw and escaped quote marks in one text are all made escaped ones.
-String withEscapes(const String& string, std::uint64_t encoding) {
+String withEscapes(const String& string, StringEncoding encoding) {
     return stringByAddingPercentEscapesToURL(string, {.encoding = encoding});
 }
 
@@ -57,14 +55,14 @@ URL URLWithStringOrPath(const String& string) {
     if (string[0] == u'/' || string[0] == u'~') return URL::fileURLWithPath(string);
     URL url = URL::URLWithString(string);
     if (url.isAbsent() && isMessageLink(string))
-        url = URL::URLWithString(withEscapes(string, Utf8));
+        url = URL::URLWithString(withEscapes(string, UTF8StringEncoding));
     if (hasScheme(url)) return url;
     if (string.view().find(u"://") != std::u16string_view::npos) return {};
     const std::u16string_view scheme = impliedScheme(string);
     return scheme.empty() ? URL() : ifItHasScheme(URLWithFormat(u"%@%@", {scheme, string}));
 }
 
-URL URLWithNormalizedStringURL(const String& string, std::uint64_t encoding) {
+URL URLWithNormalizedStringURL(const String& string, StringEncoding encoding) {
     if (string.isEmpty()) return {};
     URL url = URLWithStringOrPath(string);
     if (!url.isAbsent() || isMessageLink(string)) return url;

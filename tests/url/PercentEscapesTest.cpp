@@ -108,6 +108,16 @@ TEST(PercentEscapes, DecodesInAnEncoding) {
     for (const char16_t* broken : {u"%E4", u"%C3a", u"%C3\u00A4", u"%EF%BF%BD%FF"})
         EXPECT_TRUE(stringByReplacingPercentEscapesOfURL(broken).isAbsent()) << String(broken);
     EXPECT_TRUE(stringByReplacingPercentEscapesOfURL(u"%E4", 1).isAbsent());
+    EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"%83e%E9", 8), String());
+    EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"/%83e/", ShiftJISStringEncoding), u"/\u30C6/");
+    EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"%EF%BB%BFx"), u"\uFEFFx");
+    EXPECT_TRUE(stringByReplacingPercentEscapesOfURL(u"%41", 987654).isAbsent());
+    for (StringEncoding encoding : {ShiftJISStringEncoding, JapaneseEUCStringEncoding,
+                                    ISO2022JPStringEncoding, UTF16BigEndianStringEncoding}) {
+        const String text(u"/\u30C6 x\u3042|");
+        const String escaped = stringByAddingPercentEscapesToURL(text, {.encoding = encoding});
+        EXPECT_EQ(stringByReplacingPercentEscapesOfURL(escaped, encoding), text) << escaped;
+    }
     EXPECT_TRUE(stringByReplacingPercentEscapesOfURL(String()).isAbsent());
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/Encodings.h>
 
 namespace velmo {
 
@@ -13,9 +13,6 @@ namespace velmo {
 //
 //     stringByReplacingStandardPercentEscapesOfURL(u"a%2Fb%41");   // a/b%41
 //     stringByAddingPercentEscapesToURL(u"/\u00E4 b%20c");         // /%C3%A4%20b%20c
-//
-// Encodings are the platform's numbers: 1 ASCII, 4 UTF-8, 5 ISO Latin 1 and so on; see
-// text/Encodings.h.
 
 // Two partial ways to decode, which leave a URL's text one:
 //   standard  Only escapes of tab, LF, CR, blank and $%&'+/:;=@~ are decoded, and one of ?
@@ -32,7 +29,7 @@ VELMO_API String stringByReplacingASCIIPercentEscapesOfURL(const String& string)
 /// Decodes every escape; a % without two hexadecimal digits stays. Absent if the bytes do
 /// not decode in the encoding.
 VELMO_API String stringByReplacingPercentEscapesOfURL(const String& string,
-                                                      std::uint64_t encoding = 4);
+                                                      StringEncoding encoding = UTF8StringEncoding);
 
 // Two plain ways to escape, one unit at a time, with small digits. Units above 127 stay.
 
@@ -42,7 +39,7 @@ VELMO_API String stringByAddingStandardPercentEscapesToURL(const String& string)
 VELMO_API String stringByAddingASCIIPercentEscapesToURL(const String& string);
 
 struct PercentEscapeOptions {
-    std::uint64_t encoding = 4;
+    StringEncoding encoding = UTF8StringEncoding;
     /// Units that stay although a URL may not hold them.
     std::u16string_view leaveUnescaped = {};
     /// Units that are escaped although a URL may hold them. An absent list stands for
@@ -61,7 +58,7 @@ VELMO_API String stringByAddingPercentEscapesToURL(const String& string,
 /// everything that is not itself in a query is escaped, % and # included. With
 /// defaultPercentEscapes a blank becomes + and a + %2B, as in forms. Absent if the encoding
 /// cannot hold a unit.
-VELMO_API String stringByFormattingQueryTerm(const String& term, std::uint64_t encoding,
+VELMO_API String stringByFormattingQueryTerm(const String& term, StringEncoding encoding,
                                              bool defaultPercentEscapes = true);
 
 }  // namespace velmo

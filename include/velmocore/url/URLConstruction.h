@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <initializer_list>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/Encodings.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo {
@@ -25,7 +25,8 @@ VELMO_API URL URLWithStringOrPath(const String& string);
 
 /// The same, and if it fails, once more with percent escapes in the given encoding for what
 /// a URL may not hold.
-VELMO_API URL URLWithNormalizedStringURL(const String& string, std::uint64_t encoding = 4);
+VELMO_API URL URLWithNormalizedStringURL(const String& string,
+                                         StringEncoding encoding = UTF8StringEncoding);
 
 /// The URL of a format in which every %@ stands for the next argument and %% for a %. An
 /// argument that is absent or missing is empty.
