@@ -23,9 +23,15 @@ set(VELMO_PC_LIBS "")
 foreach(module IN LISTS VELMO_MODULES)
   string(PREPEND VELMO_PC_LIBS "-lvelmocore-${module} ")
 endforeach()
-set(VELMO_PC_SUFFIX "")
+# Who links static libraries needs what these link as well.
 if(BUILD_SHARED_LIBS)
-  set(VELMO_PC_SUFFIX ".private")
+  set(VELMO_PC_REQUIRES "Requires.private")
+else()
+  set(VELMO_PC_REQUIRES "Requires")
+  string(APPEND VELMO_PC_LIBS "-lboost_url -lboost_system")
 endif()
+# From the file to the prefix, so that an installed copy can be moved.
+file(RELATIVE_PATH VELMO_PC_PREFIX
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/velmocore.pc.in ${PROJECT_BINARY_DIR}/velmocore.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/velmocore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

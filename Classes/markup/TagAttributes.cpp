@@ -50,27 +50,52 @@ template <class Unit>
 class AttributeReader {
 public:
     AttributeReader(Units tag, Name<Unit> name, const AttributeRules& rules)
-        : tag_(tag), name_(name), rules_(rules) {}
+        : tag_(tag),
+          name_(name),
+          rules_(rules),
+          first_(name.empty() ? u'\0' : keyword::upper(static_cast<char16_t>(name[0]))) {}
 
     Range read() const {
         if (name_.empty() || name_.size() + rules_.slack >= tag_.size()) return Range::none();
-        const char16_t first = keyword::upper(static_cast<char16_t>(name_[0]));
-        const std::size_t last = tag_.size() - 1 - name_.size();
-        for (std::size_t i = 0; i <= last; ++i) {
-            if (isQuote(tag_[i])) {
-                i = static_cast<std::size_t>(scan::find(tag_.data() + i + 1, end(), tag_[i]) -
-                                             tag_.data());
-            } else if (keyword::upper(tag_[i]) == first && isName(i)) {
+        const char16_t* const stop = tag_.data() + tag_.size() - name_.size();
+        const char16_t* at = tag_.data();
+        while ((at = findCandidate(at, stop)) < stop) {
+            if (isQuote(*at)) {
+                at = scan::find(at + 1, end(), *at);
+            } else if (const auto i = static_cast<std::size_t>(at - tag_.data()); isName(i)) {
                 const std::size_t assignment = skipWhite(tag_, i + name_.size());
                 if (assignment < tag_.size() && tag_[assignment] == rules_.assignment)
                     return valueBehind(assignment);
             }
+            if (at < stop) ++at;
         }
         return Range::none();
     }
 
 private:
     const char16_t* end() const { return tag_.data() + tag_.size(); }
+
+    /// The next quote mark or unit that may begin the name.
+    const char16_t* findCandidate(const char16_t* from, const char16_t* to) const {
+        const auto isCandidate = [this](char16_t unit) {
+            return isQuote(unit) || unit == first_ || unit == (first_ | 0x20) || unit > 127;
+        };
+#if defined(__SSE2__)
+        return scan::findWhere(
+            from, to,
+            [this](__m128i block) {
+                const __m128i quotes =
+                    _mm_or_si128(scan::equalTo(block, u'"'), scan::equalTo(block, u'\''));
+                const __m128i letters =
+                    _mm_or_si128(scan::equalTo(block, first_),
+                                 scan::equalTo(block, static_cast<char16_t>(first_ | 0x20)));
+                return _mm_or_si128(_mm_or_si128(quotes, letters), scan::aboveAscii(block));
+            },
+            isCandidate);
+#else
+        return std::find_if(from, to, isCandidate);
+#endif
+    }
 
     bool isName(std::size_t i) const {
         if (i > 0) {
@@ -79,7 +104,7 @@ private:
                 alphaNumCharacterSetRep().contains(before))
                 return false;
         }
-        for (std::size_t k = 1; k < name_.size(); ++k)
+        for (std::size_t k = 0; k < name_.size(); ++k)
             if (keyword::upper(tag_[i + k]) != keyword::upper(static_cast<char16_t>(name_[k])))
                 return false;
         return true;
@@ -139,6 +164,7 @@ private:
     Units tag_;
     Name<Unit> name_;
     const AttributeRules& rules_;
+    const char16_t first_;  ///< of the name, in upper case
 };
 
 template <class Unit>

@@ -22,7 +22,9 @@
 #include <velmocore/platform/Log.h>
 #include <velmocore/text/CharacterSets.h>
 
+#include "markup/MarkIndex.h"
 #include "text/Keyword.h"
+#include "text/PatternScan.h"
 #include "text/UnitScan.h"
 
 namespace velmo {
@@ -50,15 +52,19 @@ private:
     bool searched_ = false;
 };
 
-/// The first place that begins with the ASCII text; null if there is none. The rest of a
-/// needle is compared in capitals.
+/// The first place that begins with the ASCII text, which is in capitals and starts with
+/// two units that are no letters; null if there is none.
 const char16_t* findText(const char16_t* from, const char16_t* to, std::string_view needle) {
-    const auto first = static_cast<char16_t>(needle.front());
-    while ((from = scan::find(from, to, first)) != to) {
-        if (keyword::beginsWith({from, to}, needle)) return from;
-        ++from;
+    const auto length = static_cast<std::ptrdiff_t>(needle.size());
+    if (to - from < length) return nullptr;
+    const auto starts = static_cast<std::size_t>(to - from - length + 1);
+    const detail::Anchor first = detail::exactAnchor(0, static_cast<char16_t>(needle[0]));
+    const detail::Anchor second = detail::exactAnchor(1, static_cast<char16_t>(needle[1]));
+    for (std::size_t start = 0;; ++start) {
+        start = detail::nextCandidate(from, start, starts, first, second);
+        if (start == starts) return nullptr;
+        if (keyword::beginsWith({from + start, to}, needle)) return from + start;
     }
-    return nullptr;
 }
 
 struct TextFinder {
@@ -75,7 +81,6 @@ public:
           closingLength_(closing.size()),
           end_(end),
           closing_({end, closing}),
-          comment_({end, "<!-"}),
           commentEnd_({end, "-->"}),
           closingBehindComment_({end, closing}) {}
 
@@ -87,8 +92,7 @@ public:
         const char16_t* closing = closing_.from(tag + 1);
         if (!closing) return nullptr;
         // A body wrapped in a comment may hold the closing text in a string.
-        const char16_t* comment = comment_.from(tag);
-        if (comment && comment + 3 <= closing)
+        if (const char16_t* comment = findText(tag, closing, "<!-"))
             if (const char16_t* commentEnd = commentEnd_.from(comment))
                 if (const char16_t* behind = closingBehindComment_.from(commentEnd))
                     closing = behind;
@@ -101,7 +105,7 @@ private:
     std::string_view name_;
     std::size_t closingLength_;
     const char16_t* end_;
-    Search closing_, comment_, commentEnd_, closingBehindComment_;
+    Search closing_, commentEnd_, closingBehindComment_;
 };
 
 class Scanner {
@@ -110,6 +114,7 @@ public:
         : handler_(handler),
           begin_(text.data()),
           end_(begin_ + text.size()),
+          marks_(text),
           script_(end_, "SCRIPT", "</SCRIPT"),
           style_(end_, "STYLE", "</STYLE") {
         tag_.characters = text;
@@ -117,7 +122,7 @@ public:
 
     void run() {
         const char16_t* at = begin_;
-        while ((at = scan::find(at, end_, u'<')) != end_) {
+        while ((at = marks_.less(at)) != end_) {
             start(at);
             const char16_t* last = endOfTag(at);
             if (last == end_ && !isRawElement_) {
@@ -156,9 +161,9 @@ private:
         }
     }
 
-    const char16_t* endOfComment(const char16_t* at) const {
+    const char16_t* endOfComment(const char16_t* at) {
         const bool isShort = !(end_ - at > 3 && at[3] == u'-');
-        for (at += 3; (at = scan::find(at, end_, u'>')) != end_; ++at) {
+        for (at += 3; (at = marks_.greater(at)) != end_; ++at) {
             if (isShort ? at[-1] == u'-'
                         : (at[-1] == u'-' && at[-2] == u'-') ||
                               (at[-1] == u'!' && at[-2] == u'-' && at[-3] == u'-'))
@@ -167,8 +172,8 @@ private:
         return end_;
     }
 
-    const char16_t* endOfDeclaration(const char16_t* at) const {
-        for (at += 3; (at = scan::find(at, end_, u'>')) != end_; ++at) {
+    const char16_t* endOfDeclaration(const char16_t* at) {
+        for (at += 3; (at = marks_.greater(at)) != end_; ++at) {
             if (at[-1] == u']' || (at[-1] == u'-' && at[-2] == u'-' && at[-3] == u']')) return at;
         }
         return end_;
@@ -187,25 +192,40 @@ private:
         return last;
     }
 
-    const char16_t* endOfOpenTag(const char16_t* at) const {
+    const char16_t* endOfOpenTag(const char16_t* at) {
         for (;;) {
-            at = scan::findAnyOf<u'=', u'>'>(at, end_);
+            at = marks_.equalOrGreater(at);
             if (at == end_ || *at == u'>') return at;
-            at = scan::findAnyOf<u'"', u'\'', u'>'>(at + 1, end_);
+            if (!(++at < end_ && (*at == u'"' || *at == u'\''))) at = marks_.quoteOrGreater(at);
             if (at == end_ || *at == u'>') return at;
-            at = scan::find(at + 1, end_, *at);
+            at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
             if (at == end_) return at;
             ++at;
         }
     }
 
     void findName(const char16_t* at, const char16_t* last) {
+        at += *at == u'/';
         while (at < last && !alpha_.contains(*at)) ++at;
-        if (at == last) return;
-        const char16_t* nameEnd = at + 1;
-        while (nameEnd < last && *nameEnd != u'/' && !white_.contains(*nameEnd)) ++nameEnd;
+        if (at >= last) return;
+        const char16_t* nameEnd = endOfName(at + 1, last);
         tag_.nameLocation = static_cast<std::uint64_t>(at - begin_);
         tag_.nameLength = static_cast<std::uint64_t>(nameEnd - at);
+    }
+
+    const char16_t* endOfName(const char16_t* at, const char16_t* last) const {
+#if defined(__SSE2__)
+        // Most names end within eight units. What is neither plain ASCII nor a slash ends
+        // this search, and the loop below tells what it is.
+        if (end_ - at >= scan::BlockUnits) {
+            const __m128i block = scan::loadBlock(at);
+            const int plain = _mm_movemask_epi8(
+                _mm_andnot_si128(scan::equalTo(block, u'/'), scan::inRange(block, 0x21, 0x7F)));
+            at = std::min(at + scan::firstOf(~plain), last);
+        }
+#endif
+        while (at < last && *at != u'/' && !white_.contains(*at)) ++at;
+        return at;
     }
 
     /// The element whose body is to be swallowed, if this tag opens one.
@@ -245,6 +265,7 @@ private:
     TagHandler handler_;
     const char16_t* begin_;
     const char16_t* end_;
+    detail::MarkIndex marks_;
     RawElement script_, style_;
     bool isRawElement_ = false;
     Tag tag_;

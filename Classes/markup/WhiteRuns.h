@@ -2,6 +2,8 @@
 // plain-text conversion.
 #pragma once
 
+#include <algorithm>
+
 #include <velmocore/text/CharacterSets.h>
 
 #include "text/UnitScan.h"
@@ -16,53 +18,53 @@ inline bool isWhiteUnit(char16_t unit, const CharacterSetRep& white) {
 
 #if defined(__SSE2__)
 
-/// Marks the units of [low, high].
-inline __m128i inRange(__m128i block, char16_t low, char16_t high) {
-    const __m128i offset = _mm_sub_epi16(block, _mm_set1_epi16(static_cast<short>(low)));
-    const __m128i beyond = _mm_subs_epu16(offset, _mm_set1_epi16(static_cast<short>(high - low)));
-    return _mm_cmpeq_epi16(beyond, _mm_setzero_si128());
-}
-
 /// Marks the units of the three stretches of the plane that hold no white unit and nearly
 /// all of what is written: ASCII, the alphabets of Europe and the Near East, and East Asia.
 inline __m128i inPlainStretch(__m128i block) {
-    return _mm_or_si128(inRange(block, 0x21, 0x7F),
-                        _mm_or_si128(inRange(block, 0xA1, 0x167F), inRange(block, 0x3001, 0xFEFE)));
+    return _mm_or_si128(
+        scan::inRange(block, 0x21, 0x7F),
+        _mm_or_si128(scan::inRange(block, 0xA1, 0x167F), scan::inRange(block, 0x3001, 0xFEFE)));
 }
 
 #endif
 
 /// Copies [from, to) to out, which needs as much room, and gives the end of what was
-/// written.
+/// written; null as soon as a unit equals the one to stop at, if there is one.
+template <char16_t Stop = 0>
 inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
                                      const CharacterSetRep& white) {
+    // What was copied unit for unit since here stands in the output as it does in the text.
+    [[maybe_unused]] const char16_t* verbatim = from;
     while (from < to) {
 #if defined(__SSE2__)
         // Eight units are copied as they are if each is plain, or a blank in front of a
-        // plain unit. The look at the unit behind keeps a ninth in reach.
-        while (to - from > scan::BlockUnits) {
-            const __m128i block = scan::loadBlock(from);
-            const __m128i single = _mm_and_si128(scan::equalTo(block, u' '),
-                                                 inPlainStretch(scan::loadBlock(from + 1)));
-            const int plain = _mm_movemask_epi8(_mm_or_si128(single, inPlainStretch(block)));
-            if (plain == 0xFFFF) {
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(out), block);
-                from += scan::BlockUnits;
-                out += scan::BlockUnits;
-                continue;
-            }
-            const int copied = scan::firstOf(~plain & 0xFFFF);
-            for (int i = 0; i < copied; ++i) *out++ = *from++;
-            break;
+        // plain unit. The unit behind the last is taken for white.
+        while (to - from >= scan::BlockUnits || to - verbatim >= scan::BlockUnits) {
+            // The last block may begin in what is copied already.
+            const std::ptrdiff_t back = std::max<std::ptrdiff_t>(scan::BlockUnits - (to - from), 0);
+            const __m128i block = scan::loadBlock(from - back);
+            __m128i inPlain = inPlainStretch(block);
+            if constexpr (Stop) inPlain = _mm_andnot_si128(scan::equalTo(block, Stop), inPlain);
+            const int plainUnits = _mm_movemask_epi8(inPlain);
+            const int blanks = _mm_movemask_epi8(scan::equalTo(block, u' '));
+            const int plain = plainUnits | (blanks & plainUnits >> 2);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out - back), block);
+            const std::ptrdiff_t copied = scan::firstOf(~plain) - back;
+            if (copied <= 0) break;
+            from += copied;
+            out += copied;
+            if (from == to) return out;
         }
 #endif
         if (!isWhiteUnit(*from, white)) {
+            if (Stop && *from == Stop) return nullptr;
             *out++ = *from++;
             continue;
         }
         *out++ = u' ';
         do ++from;
         while (from < to && isWhiteUnit(*from, white));
+        verbatim = from;
     }
     return out;
 }

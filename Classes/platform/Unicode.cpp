@@ -142,6 +142,15 @@ std::u16string normalized(std::u16string_view text, Form form) {
     });
 }
 
+bool isNormalizedC(std::u16string_view text) noexcept {
+    if (text.size() > INT32_MAX) return false;
+    UErrorCode status = U_ZERO_ERROR;
+    const auto length = static_cast<std::int32_t>(text.size());
+    const UNormalizationCheckResult result =
+        unorm2_quickCheck(normalizerOf(Form::C), text.data(), length, &status);
+    return U_SUCCESS(status) && result == UNORM_YES;
+}
+
 std::u16string lowerCase(std::u16string_view text) {
     return filled(text.size() + 8, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
         return u_strToLower(out, capacity, text.data(), static_cast<std::int32_t>(text.size()), "",

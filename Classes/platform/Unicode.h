@@ -43,6 +43,10 @@ VELMO_API char16_t withoutDiacritics(char16_t unit) noexcept;
 enum class Form { D = 0, KD = 1, C = 2, KC = 3 };
 VELMO_API std::u16string normalized(std::u16string_view text, Form form);
 
+/// Whether the text is surely in form C. False may also mean that it would take
+/// normalising to know.
+VELMO_API bool isNormalizedC(std::u16string_view text) noexcept;
+
 /// Case of a whole text, no locale; the length may change.
 VELMO_API std::u16string lowerCase(std::u16string_view text);
 VELMO_API std::u16string upperCase(std::u16string_view text);

@@ -1,6 +1,6 @@
 // Pages are mostly ASCII with islands of longer sequences. The decoder therefore has
 // two gears: sixteen bytes at a time while all are ASCII, and a scalar loop that stays
-// in charge from the first other byte on until sixteen bytes of ASCII are likely again.
+// in charge from the first other byte on until some ASCII stands in a row again.
 #include "platform/Utf8.h"
 
 #include <cstdint>
@@ -57,6 +57,53 @@ inline void decodeSequence(const Byte*& in, const Byte* end, char16_t*& out) {
     *out++ = Replacement;
 }
 
+/// The next four bytes, the first in the low byte. Four must be left.
+inline std::uint32_t nextFour(const Byte* in) {
+    return in[0] | std::uint32_t(in[1]) << 8 | std::uint32_t(in[2]) << 16 |
+           std::uint32_t(in[3]) << 24;
+}
+
+bool isPair(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
+bool isTriple(std::uint32_t four) { return (four & 0xC0C0F0) == 0x8080E0; }
+bool isOverlongOrSurrogate(std::uint32_t unit) { return unit < 0x800 || (unit & 0xF800) == 0xD800; }
+
+/// The slow gear: decodes sequences and stray ASCII, with one look at four bytes for the
+/// two common lengths, which come in runs. Ends where four bytes of ASCII stand in a row.
+inline void decodeMixed(const Byte*& in, const Byte* end, char16_t*& out) {
+    while (end - in >= 4) {
+        std::uint32_t four = nextFour(in);
+        if ((four & 0x80) == 0) {
+            if ((four & 0x80808080) == 0) return;
+            *out++ = static_cast<char16_t>(four & 0x7F);
+            ++in;
+        } else if (isTriple(four)) {
+            do {
+                const std::uint32_t unit =
+                    (four & 0x0F) << 12 | (four >> 2 & 0xFC0) | (four >> 16 & 0x3F);
+                if (isOverlongOrSurrogate(unit)) {
+                    decodeSequence(in, end, out);
+                    break;
+                }
+                *out++ = static_cast<char16_t>(unit);
+                in += 3;
+            } while (end - in >= 4 && isTriple(four = nextFour(in)));
+        } else if (isPair(four)) {
+            do {
+                *out++ = static_cast<char16_t>((four & 0x1F) << 6 | (four >> 8 & 0x3F));
+                in += 2;
+            } while (end - in >= 4 && isPair(four = nextFour(in)));
+        } else {
+            decodeSequence(in, end, out);
+        }
+    }
+    while (in < end) {
+        if (*in < 0x80)
+            *out++ = *in++;
+        else
+            decodeSequence(in, end, out);
+    }
+}
+
 }  // namespace
 
 std::size_t decodeUtf8(std::string_view bytes, char16_t* const out) noexcept {
@@ -65,15 +112,7 @@ std::size_t decodeUtf8(std::string_view bytes, char16_t* const out) noexcept {
     char16_t* write = out;
     while (in < end) {
         widenAscii(in, end, write);
-        while (in < end) {
-            if (*in >= 0x80) {
-                decodeSequence(in, end, write);
-            } else if (asciiAhead(in, end)) {
-                break;
-            } else {
-                *write++ = *in++;
-            }
-        }
+        decodeMixed(in, end, write);
     }
     return static_cast<std::size_t>(write - out);
 }

@@ -7,7 +7,7 @@
 #include <cstddef>
 
 #if defined(__SSE2__)
-#include <emmintrin.h>
+#include <immintrin.h>
 #endif
 
 namespace velmo::scan {
@@ -15,6 +15,12 @@ namespace velmo::scan {
 #if defined(__SSE2__)
 
 inline constexpr std::ptrdiff_t BlockUnits = 8;
+
+/// Whether functions compiled for AVX2 may be called.
+inline bool hasAvx2() noexcept {
+    static const bool has = __builtin_cpu_supports("avx2");
+    return has;
+}
 
 inline __m128i loadBlock(const char16_t* units) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
@@ -24,7 +30,18 @@ inline __m128i equalTo(__m128i block, char16_t unit) {
     return _mm_cmpeq_epi16(block, _mm_set1_epi16(static_cast<short>(unit)));
 }
 
-/// Index of the first unit that a comparison marked; its mask must not be 0.
+/// Marks the units of [low, high].
+inline __m128i inRange(__m128i block, char16_t low, char16_t high) {
+    const __m128i offset = _mm_sub_epi16(block, _mm_set1_epi16(static_cast<short>(low)));
+    const __m128i beyond = _mm_subs_epu16(offset, _mm_set1_epi16(static_cast<short>(high - low)));
+    return _mm_cmpeq_epi16(beyond, _mm_setzero_si128());
+}
+
+/// Marks the units outside ASCII.
+inline __m128i aboveAscii(__m128i block) { return inRange(block, 0x80, 0xFFFF); }
+
+/// Index of the first unit that a comparison marked; 8 or more if the low 16 bits of its
+/// mask are 0.
 inline int firstOf(int mask) { return std::countr_zero(static_cast<unsigned>(mask)) / 2; }
 
 /// The first position that Mark, on eight units, or Test, on one, finds; else to.
@@ -73,14 +90,8 @@ inline const char16_t* findAnyOf(const char16_t* from, const char16_t* to) {
 /// The first position of a unit outside ASCII; to if there is none.
 inline const char16_t* findNonAscii(const char16_t* from, const char16_t* to) {
 #if defined(__SSE2__)
-    const __m128i high = _mm_set1_epi16(static_cast<short>(0xFF80));
-    const __m128i zero = _mm_setzero_si128();
     return findWhere(
-        from, to,
-        [=](__m128i block) {
-            const __m128i ascii = _mm_cmpeq_epi16(_mm_and_si128(block, high), zero);
-            return _mm_xor_si128(ascii, _mm_set1_epi16(-1));
-        },
+        from, to, [](__m128i block) { return aboveAscii(block); },
         [](char16_t u) { return u > 127; });
 #else
     while (from < to && *from <= 127) ++from;

@@ -1,0 +1,28 @@
+#include "markup/BaseRule.h"
+
+#include <fmt/format.h>
+
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/platform/Log.h>
+#include <velmocore/url/URLConstruction.h>
+#include <velmocore/url/URLSchemes.h>
+
+#include "markup/TagSupport.h"
+
+namespace velmo {
+
+void applyBaseRule(const Tag& tag, URL& baseURL) {
+    String href = normalizedStringURL(attributeOf(tag.whole(), "HREF"));
+    if (href.isAbsent()) return;
+    baseURL = URL();
+    const bool isRelative = href[0] == u'.' || href[0] == u'/';
+    if (href[0] == u'#' || (isRelative && href.length() < 2)) return;
+    if (href.view().starts_with(u"//")) href = u"http:" + std::u16string(href);
+    URL url = URLWithNormalizedStringURL(href);
+    if (isRemoteWebKitURL(url))
+        baseURL = std::move(url);
+    else
+        log(fmt::format("Invalid base: '{}'", href.utf8()));
+}
+
+}  // namespace velmo

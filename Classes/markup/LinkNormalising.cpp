@@ -1,0 +1,163 @@
+#include <velmocore/markup/LinkNormalising.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <string>
+
+#include <velmocore/markup/Entities.h>
+#include <velmocore/text/CharacterSets.h>
+#include <velmocore/text/Trimming.h>
+#include <velmocore/url/PercentEscapes.h>
+
+#include "markup/NormalizedLink.h"
+#include "text/Keyword.h"
+#include "text/UnitScan.h"
+#include "url/Escapes.h"
+
+namespace velmo {
+namespace {
+
+using Units = std::u16string_view;
+
+/// The first unit that normalising may touch: all but printable ASCII, and " & and \ of that.
+const char16_t* findSuspect(const char16_t* from, const char16_t* to) {
+    const auto isSuspect = [](char16_t unit) {
+        return unit <= u' ' || unit > u'~' || unit == u'"' || unit == u'&' || unit == u'\\';
+    };
+#if defined(__SSE2__)
+    const auto mark = [](__m128i block) {
+        const __m128i plain = scan::inRange(block, u'!', u'~');
+        const __m128i special =
+            _mm_or_si128(_mm_or_si128(scan::equalTo(block, u'"'), scan::equalTo(block, u'&')),
+                         scan::equalTo(block, u'\\'));
+        return _mm_or_si128(special, _mm_xor_si128(plain, _mm_set1_epi16(-1)));
+    };
+    return scan::findWhere(from, to, mark, isSuspect);
+#else
+    return std::find_if(from, to, isSuspect);
+#endif
+}
+
+/// Whether an escape ends the link that no link means to end with.
+bool endsWithStrayEscape(Units link) {
+    if (link.size() < 3 || link[link.size() - 3] != u'%') return false;
+    switch (escapes::escapeAt(link, link.size() - 3)) {
+        case u'\t':
+        case u'\n':
+        case u'\r':
+        case u' ':
+        case u'"':
+        case u'\'':
+        case u'>':
+        case u'\\':
+        case u']':
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool isNormal(Units value, bool decodePercentEscapes) {
+    if (findSuspect(value.data(), value.data() + value.size()) != value.data() + value.size())
+        return false;
+    return decodePercentEscapes ? value.find(u'%') == value.npos : !endsWithStrayEscape(value);
+}
+
+/// Cuts what stands at both ends, as often as it does, while at least two of it are left.
+Units withoutPairs(Units link, Units end) {
+    while (link.size() >= 2 * end.size() && link.starts_with(end) && link.ends_with(end))
+        link = link.substr(end.size(), link.size() - 2 * end.size());
+    return link;
+}
+
+Units withoutWhiteEnds(Units link, const CharacterSetRep& white) {
+    while (!link.empty() && white.contains(link.back())) link.remove_suffix(1);
+    while (!link.empty() && white.contains(link.front())) link.remove_prefix(1);
+    return link;
+}
+
+/// A number at the start of a text, as "1.5e3"; 0 if there is none.
+double leadingNumber(Units text) {
+    const CharacterSetRep& white = whiteCharacterSetRep();
+    std::size_t i = 0;
+    while (i < text.size() && white.contains(text[i])) ++i;
+    if (i < text.size() && text[i] == u'+') ++i;
+    std::string digits;
+    for (; i < text.size() && Units(u"0123456789.eE+-").find(text[i]) != Units::npos; ++i)
+        digits += static_cast<char>(text[i]);
+    double value = 0;
+    const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    return result.ec == std::errc() ? value : 0;
+}
+
+}  // namespace
+
+NormalizedLink::NormalizedLink(Units value, bool decodePercentEscapes) {
+    if (value.empty()) return;
+    link_ = isNormal(value, decodePercentEscapes) ? value : normalized(value, decodePercentEscapes);
+    if (link_.empty()) link_ = {};
+}
+
+Units NormalizedLink::normalized(Units value, bool decodePercentEscapes) {
+    if (value.size() > SmallSize) large_ = std::make_unique_for_overwrite<char16_t[]>(value.size());
+    char16_t* const units = large_ ? large_.get() : small_;
+    const CharacterSetRep& white = whiteCharacterSetRep();
+
+    char16_t* end = units;
+    bool hasBackslash = false, hasQuery = false, hasText = false;
+    for (char16_t unit : value) {
+        if (unit == u'\t' || isFeedUnit(unit)) continue;
+        hasBackslash |= unit == u'\\';
+        hasQuery |= unit == u'?';
+        hasText = hasText || !white.contains(unit);
+        *end++ = unit;
+    }
+    if (!hasText) return {};
+
+    // All that follows shortens the link in its place.
+    Units link(units, static_cast<std::size_t>(end - units));
+    const auto writable = [&] { return units + (link.data() - units); };
+    if (hasBackslash) {
+        link = withoutPairs(link, u"\\\"");
+        if (!hasQuery) std::replace(writable(), writable() + link.size(), u'\\', u'/');
+    }
+    if (link.size() >= 4 && link.find(u'&') != link.npos) {
+        const std::size_t length = convertEntities2Characters(
+            writable(), writable(), 0, link.size(), {.onlyNumericEntities = true});
+        link = link.substr(0, length);
+    }
+    while (endsWithStrayEscape(link)) link.remove_suffix(3);
+    if (decodePercentEscapes)
+        link = link.substr(0, convertPercentEscapesOfURL(writable(), link.size(), true));
+    return withoutPairs(withoutWhiteEnds(link, white), u"\"");
+}
+
+String normalizedStringURL(Units value, bool decodePercentEscapes) {
+    return NormalizedLink(value, decodePercentEscapes).view();
+}
+
+String normalizedRelLink(Units value) {
+    const NormalizedLink normalized(value);
+    const Units link = normalized.view();
+    if (link.empty() || link[0] == u'.' || link[0] == u'/' || link.find(u"://") != link.npos)
+        return link;
+    StringBuilder out(link.size() + 1);
+    out.append(u'/');
+    out.append(link);
+    return out.finish();
+}
+
+String normalizedHtmlString(const String& string) {
+    return stringByTrimmingWhiteSpaces(stringByConvertingEntitiesToCharacters(string));
+}
+
+double revisitAfter(Units value) {
+    const double number = leadingNumber(value);
+    if (!(number > 0)) return 0;
+    if (keyword::contains(value, "HOUR")) return number * 3600;
+    if (keyword::contains(value, "DAY")) return number * 86400;
+    return keyword::contains(value, "WEEK") ? number * 604800 : number;
+}
+
+}  // namespace velmo

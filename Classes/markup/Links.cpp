@@ -1,0 +1,95 @@
+#include <velmocore/markup/Links.h>
+
+#include <string>
+
+#include <velmocore/text/Finding.h>
+#include <velmocore/url/LinkFilter.h>
+
+#include "markup/BaseRule.h"
+#include "markup/NormalizedLink.h"
+#include "markup/TagSupport.h"
+#include "markup/UniqueLinks.h"
+
+namespace velmo {
+namespace {
+
+using Units = std::u16string_view;
+
+/// Gathers links as they come, or, if their text is asked for, when they are closed.
+class RetrieveLinksHandler {
+public:
+    RetrieveLinksHandler(HtmlLinks& result, const LinkOptions& options)
+        : options_(options),
+          wantsText_(options.handler || !options.containing.empty()),
+          baseURL_(result.baseURL),
+          links_(result.links) {}
+
+    bool operator()(const Tag& tag) {
+        if (hasLinkText_) linkText_ += tag.text();
+        if (tag.nameLength == 1) {
+            if (isNamed(tag, "A")) retrieveAnchor(tag);
+        } else if (tag.nameLength == 4 && isOpening(tag)) {
+            if (isNamed(tag, "BASE")) applyBaseRule(tag, baseURL_);
+            if (!wantsText_ && isNamed(tag, "AREA")) add(hrefOf(tag));
+        }
+        return false;
+    }
+
+private:
+    void retrieveAnchor(const Tag& tag) {
+        if (!wantsText_) {
+            if (isOpening(tag)) add(hrefOf(tag));
+        } else if (isOpening(tag)) {
+            openLink(hrefOf(tag));
+        } else {
+            if (hasLinkText_ && isKept()) add(href_);
+            openLink({});
+        }
+    }
+
+    /// The raw reference; null if there is none, or none to follow.
+    Units hrefOf(const Tag& tag) const {
+        const Units whole = tag.whole();
+        if (options_.useRelNoFollow && keyword::contains(attributeOf(whole, "REL"), "NOFOLLOW"))
+            return {};
+        return attributeOf(whole, "HREF");
+    }
+
+    /// Starts to gather the text of a link; of null, nothing.
+    void openLink(Units href) {
+        href_ = href;
+        hasLinkText_ = !href.empty();
+        linkText_.clear();
+    }
+
+    bool isKept() const {
+        if (!options_.containing.empty() && !containsSubstring(linkText_, options_.containing))
+            return false;
+        return !options_.handler || options_.handler(href_, linkText_);
+    }
+
+    void add(Units href) {
+        if (href.empty() || (options_.filter && filterLink(href))) return;
+        const NormalizedLink link(href);
+        if (!link.view().empty()) links_.add(link.view());
+    }
+
+    const LinkOptions& options_;
+    const bool wantsText_;
+    URL& baseURL_;
+    UniqueLinks links_;
+    Units href_;
+    bool hasLinkText_ = false;
+    std::u16string linkText_;
+};
+
+}  // namespace
+
+HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
+    HtmlLinks result;
+    RetrieveLinksHandler handler(result, options);
+    GetTagsOfString(page, handler);
+    return result;
+}
+
+}  // namespace velmo

@@ -1,0 +1,260 @@
+#include <velmocore/markup/PageResources.h>
+
+#include <algorithm>
+#include <initializer_list>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/TagPredicates.h>
+#include <velmocore/text/Comparison.h>
+#include <velmocore/text/FastSearch.h>
+
+#include "markup/BaseRule.h"
+#include "markup/NormalizedLink.h"
+#include "markup/TagSupport.h"
+#include "markup/UniqueLinks.h"
+
+namespace velmo {
+namespace {
+
+using Units = std::u16string_view;
+
+/// References as they come, each once; most of a page's come more than once. They are put
+/// in order at the end.
+class References {
+public:
+    /// False if nothing of the value is left.
+    bool addNormalized(Units value) { return add(NormalizedLink(value).view()); }
+    void addRelLink(Units value) { add(normalizedRelLink(value)); }
+
+    std::set<String> finish() {
+        std::sort(list_.begin(), list_.end());
+        return {std::make_move_iterator(list_.begin()), std::make_move_iterator(list_.end())};
+    }
+
+private:
+    bool add(Units link) {
+        if (!link.empty()) links_.add(link);
+        return !link.empty();
+    }
+
+    std::vector<String> list_;
+    UniqueLinks links_{list_};
+};
+
+/// Whether the tag's REL is long enough and contains one of the words.
+bool relContains(Units tag, std::size_t leastLength,
+                 std::initializer_list<std::string_view> words) {
+    const Units rel = attributeOf(tag, "REL");
+    if (rel.size() < leastLength) return false;
+    for (std::string_view word : words)
+        if (keyword::contains(rel, word)) return true;
+    return false;
+}
+
+class RetrieveLinksAndFramesHandler {
+public:
+    explicit RetrieveLinksAndFramesHandler(bool wantsLinks) : wantsLinks_(wantsLinks) {}
+
+    HtmlReferences finish() {
+        result_.references = references_.finish();
+        return std::move(result_);
+    }
+
+    bool operator()(const Tag& tag) {
+        switch (tag.nameLength) {
+            case 1:
+                if (isNamed(tag, "A")) addLink(tag);
+                break;
+            case 3:
+                noteFeed(tag, "RSS");
+                break;
+            case 4:
+                retrieveShortTag(tag);
+                break;
+            case 5:
+                if (isNamed(tag, "FRAME")) addFrame(tag);
+                if (isNamed(tag, "TITLE")) retrieveTitle(tag);
+                break;
+            case 6:
+                if (isNamed(tag, "IFRAME")) addFrame(tag);
+                break;
+            case 7:
+                noteFeed(tag, "RDF:RDF");
+                break;
+            default:
+                break;
+        }
+        return false;
+    }
+
+private:
+    void retrieveShortTag(const Tag& tag) {
+        if (isNamed(tag, "LINK")) {
+            if (String favIcon = getFavIcon(tag); !favIcon.isAbsent())
+                result_.favIcon = std::move(favIcon);
+        } else if (isNamed(tag, "META")) {
+            retrieveMeta(tag.whole());
+        } else if (isNamed(tag, "AREA")) {
+            addLink(tag);
+        } else if (isNamed(tag, "BASE")) {
+            if (isOpening(tag)) applyBaseRule(tag, result_.baseURL);
+        } else if (isNamed(tag, "HTML") || isNamed(tag, "HEAD") || isNamed(tag, "BODY")) {
+            sawHTML_ = true;
+        } else {
+            noteFeed(tag, "FEED");
+        }
+    }
+
+    void noteFeed(const Tag& tag, std::string_view root) {
+        if (!sawHTML_ && isNamed(tag, root)) result_.isFeed = true;
+    }
+
+    void addLink(const Tag& tag) {
+        if (wantsLinks_ && !tag.isClosing())
+            references_.addNormalized(attributeOf(tag.whole(), "HREF"));
+    }
+
+    void addFrame(const Tag& tag) {
+        if (!tag.isClosing()) references_.addNormalized(attributeOf(tag.whole(), "SRC"));
+    }
+
+    void retrieveTitle(const Tag& tag) {
+        if (isTagClosed(tag.whole())) result_.title = tag.hasText() ? tag.text() : Units(u"");
+    }
+
+    void retrieveMeta(Units tag) {
+        if (keyword::equals(attributeOf(tag, "HTTP-EQUIV"), "REFRESH")) {
+            result_.refresh = contentAttributeOfTagCharacters(tag);
+            return;
+        }
+        const Units name = attributeOf(tag, "NAME");
+        if (keyword::equals(name, "ROBOTS"))
+            addRobots(contentAttributeOfTagCharacters(tag));
+        else if (keyword::equals(name, "REVISIT-AFTER"))
+            result_.revisit = contentAttributeOfTagCharacters(tag);
+    }
+
+    void addRobots(const String& content) {
+        String& robots = result_.robots;
+        if (content.isEmpty() || isEqualToStringNoCase(content, robots)) return;
+        robots = robots.isEmpty() ? content
+                                  : String(std::u16string(robots) + u',' + std::u16string(content));
+    }
+
+    HtmlReferences result_;
+    References references_;
+    const bool wantsLinks_;
+    bool sawHTML_ = false;
+};
+
+HtmlReferences referencesOf(Units page, bool wantsLinks) {
+    RetrieveLinksAndFramesHandler handler(wantsLinks);
+    GetTagsOfString(page, handler);
+    return handler.finish();
+}
+
+/// The references that add takes from the opening tags of a page.
+template <class Add>
+std::set<String> referencesOfOpeningTags(Units page, Add add) {
+    References references;
+    GetTagsOfString(page, [&](const Tag& tag) {
+        if (tag.nameLength > 2 && isOpening(tag)) add(references, tag);
+        return false;
+    });
+    return references.finish();
+}
+
+/// The opening tag of an element that is reported with its body.
+Units openingTagOf(Units element) {
+    for (std::size_t i = 1; i < element.size(); ++i) {
+        if (element[i] == u'>') return element.substr(0, i + 1);
+        if (element[i] != u'=') continue;
+        i = std::min(element.find_first_of(u"\"'>", i), element.size() - 1);
+        if (element[i] == u'>') return element.substr(0, i + 1);
+        i = std::min(element.find(element[i], i + 1), element.size());
+    }
+    return element;
+}
+
+/// The source of a script or style element, else its first import.
+void addSheetOrScriptToSet(References& references, Units element) {
+    if (references.addNormalized(attributeOf(openingTagOf(element), "SRC"))) return;
+    const std::uint64_t import = fastCaseInsensitiveUnicharsContainChars(element, "@import");
+    if (import == NotFound) return;
+    const std::size_t open = element.find(u'"', import);
+    if (open == Units::npos) return;
+    const std::size_t close = element.find(u'"', open + 1);
+    if (close != Units::npos) references.addNormalized(element.substr(open + 1, close - open - 1));
+}
+
+}  // namespace
+
+HtmlReferences htmlFrames(Units page) { return referencesOf(page, false); }
+HtmlReferences htmlLinksAndFrames(Units page) { return referencesOf(page, true); }
+
+std::set<String> htmlImages(Units page) {
+    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+        const Units whole = tag.whole();
+        if (isNamed(tag, "IMG"))
+            references.addNormalized(attributeOf(whole, "SRC"));
+        else if (isNamed(tag, "BODY"))
+            references.addNormalized(attributeOf(whole, "BACKGROUND"));
+        else if (isNamed(tag, "LINK") && relContains(whole, 4, {"ICON", "IMAGE"}))
+            references.addRelLink(attributeOf(whole, "HREF"));
+    });
+}
+
+std::set<String> htmlStylesheetsAndScripts(Units page) {
+    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+        const Units whole = tag.whole();
+        if (isNamed(tag, "SCRIPT") || isNamed(tag, "STYLE"))
+            addSheetOrScriptToSet(references, whole);
+        else if (isNamed(tag, "LINK") && relContains(whole, 5, {"STYLE", "SHEET", "SCRIPT"}))
+            references.addRelLink(attributeOf(whole, "HREF"));
+    });
+}
+
+std::set<String> htmlEmbeddedObjects(Units page) {
+    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+        if (tag.nameLength < 5 || tag.nameLength > 6) return;
+        const bool isObject = isNamed(tag, "OBJECT");
+        if (isObject || isNamed(tag, "SOURCE") || isNamed(tag, "AUDIO") || isNamed(tag, "VIDEO") ||
+            isNamed(tag, "TRACK") || isNamed(tag, "EMBED"))
+            references.addNormalized(attributeOf(tag.whole(), isObject ? "DATA" : "SRC"));
+    });
+}
+
+String htmlFavIcon(Units page) {
+    String favIcon;
+    GetTagsOfString(page, [&](const Tag& tag) {
+        favIcon = getFavIcon(tag);
+        return !favIcon.isAbsent();
+    });
+    return favIcon;
+}
+
+String getFavIcon(const Tag& tag) {
+    if (!isNamed(tag, "LINK") || !isOpening(tag)) return {};
+    const Units whole = tag.whole();
+    if (!relContains(whole, 13, {"SHORTCUT ICON"})) return {};
+    return normalizedRelLink(attributeOf(whole, "HREF"));
+}
+
+std::string_view getLinkAttribute(Units name) {
+    static constexpr struct {
+        std::string_view name, attribute;
+    } Rows[] = {
+        {"A", "HREF"},      {"LINK", "HREF"},  {"AREA", "HREF"},  {"IMG", "SRC"},
+        {"FRAME", "SRC"},   {"AUDIO", "SRC"},  {"VIDEO", "SRC"},  {"TRACK", "SRC"},
+        {"EMBED", "SRC"},   {"IFRAME", "SRC"}, {"SCRIPT", "SRC"}, {"SOURCE", "SRC"},
+        {"OBJECT", "DATA"},
+    };
+    for (const auto& row : Rows)
+        if (keyword::equals(name, row.name)) return row.attribute;
+    return {};
+}
+
+}  // namespace velmo

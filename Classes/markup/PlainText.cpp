@@ -1,0 +1,592 @@
+// A handler on the tag scanner that writes the text between the tags to one output and
+// decides at each tag whether a break or a blank is due. Breaks need text between them: a
+// tag writes one only while text is pending, that is, written since the last break. Flags
+// of hidden elements do not nest; the last tag seen decides.
+//
+// What each tag does stands in two places: TagRules, the table of the tags, says which break
+// a tag writes and which state it leaves; what is more than that stands in the member that
+// its row names.
+#include <velmocore/markup/PlainText.h>
+
+#include <array>
+#include <string>
+
+#include <velmocore/markup/Entities.h>
+#include <velmocore/markup/TagAttributes.h>
+#include <velmocore/markup/TagPredicates.h>
+#include <velmocore/markup/TagScanner.h>
+
+#include "markup/TagName.h"
+#include "markup/WhiteRuns.h"
+#include "text/Keyword.h"
+#include "text/LeadingInteger.h"
+#include "text/UnitScan.h"
+
+namespace velmo {
+namespace {
+
+using Units = std::u16string_view;
+
+/// What a body must not count down to when everything counts as body.
+constexpr std::int64_t WholePage = std::int64_t(1) << 62;
+
+constexpr std::size_t JunkSpan = 10001;     ///< a span this long is no text
+constexpr std::size_t JunkLinkText = 3501;  ///< nor is one in a link or a heading
+constexpr std::size_t JunkRun = 20001;      ///< nor is a run without any break
+constexpr std::size_t ShortestEncoded = 4;  ///< shorter spans hold no entity
+constexpr std::size_t ShortestGoogleComment = 19;
+
+enum GoogleBits : unsigned { Index = 1, Snippet = 2, Anchor = 4, AllBits = 7 };
+
+bool opens(Units tag) { return isTagOpen(tag) && !isTagClosed(tag); }
+bool closes(Units tag) { return isTagClosed(tag) && !isTagOpen(tag); }
+
+bool containsBehind(Units text, Units first, Units second) {
+    const std::size_t at = text.find(first);
+    return at != Units::npos && text.find(second, at) != Units::npos;
+}
+
+std::int64_t styleNumber(Units style, Units name) {
+    return leadingInteger(attributeOfStyleWithName(style, name));
+}
+
+bool isOneToThree(std::int64_t size) { return size >= 1 && size <= 3; }
+
+/// Whether a tag's style takes its element out of sight.
+bool isHiddenStyle(Units tag) {
+    const Range range = rangeOfAttributeOfTagCharacters(tag, "STYLE");
+    if (!range.isFound()) return false;
+    const Units style = tag.substr(range.location, range.length);
+    if (containsBehind(style, u"visibility", u"hidden")) return true;
+    if (containsBehind(style, u"display:", u"none")) return true;
+    if (keyword::contains(style, "POSITION:ABSOLUTE") &&
+        (styleNumber(style, u"TOP") < -1000 || styleNumber(style, u"LEFT") < -1000))
+        return true;
+    const TagSize size = getTagWidthHeight(tag);
+    return size && (isOneToThree(size.width) || size.height < 0 || isOneToThree(size.height));
+}
+
+bool isHiddenElement(Units tag) {
+    return keyword::equals(attributeOfTagCharacters(tag, "CLASS"), "HIDDEN") || isHiddenStyle(tag);
+}
+
+/// Whether a style asks for letters of one to four points.
+bool isTinyFont(Units style) {
+    if (!keyword::contains(style, "FONT-SIZE")) return false;
+    const std::size_t points = keyword::find(style, "PT");
+    if (points == Units::npos || points < 2) return false;
+    const char16_t tens = style[points - 2], ones = style[points - 1];
+    return !(tens >= u'0' && tens <= u'9') && ones >= u'1' && ones <= u'4';
+}
+
+class Converter {
+public:
+    explicit Converter(const PlainTextOptions& options)
+        : options_(options), bodyDepth_(options.onlyBody ? 0 : WholePage) {}
+
+    bool handle(const Tag& tag) {
+        if (bodyDepth_ < 1) {
+            handleOutsideBody(tag);
+        } else {
+            handleText(tag);
+            handleTag(tag);
+            didOutput_ = true;
+        }
+        return false;
+    }
+
+    /// A text span goes out behind a blank, a tag only opens and closes the body.
+    bool handleSimply(const Tag& tag) {
+        if (tag.hasText() && bodyDepth_ >= 1) {
+            const Units text = decoded(tag.text(), {});
+            if (!text.empty()) {
+                out_.append(u' ');
+                out_.append(text);
+                didOutput_ = true;
+            }
+        }
+        if (keyword::equals(tag.name(), "BODY") || keyword::equals(tag.name(), "NOFRAMES"))
+            changeDepth(tag.whole(), +1);
+        else if (keyword::equals(tag.name(), "HEAD"))
+            changeDepth(tag.whole(), -1);
+        return false;
+    }
+
+    bool didOutput() const { return didOutput_; }
+    bool didRemoveJunk() const { return didRemoveJunk_; }
+    String finish() { return out_.finish(); }
+
+private:
+    enum class Break { None, Line, Paragraph };
+
+    struct TagRule {
+        std::string_view name;
+        Break breakIfPending;
+        bool leavesForm;                     ///< ends marquee and textarea
+        void (Converter::*then)(Units tag);  ///< the rest of what the tag does; may be null
+    };
+    static const TagRule* ruleOf(const Tag& tag);
+
+    // --- the body ---------------------------------------------------------------------
+
+    void handleOutsideBody(const Tag& tag) {
+        if (tag.kind == TagKind::Comment) return noteGoogleComment(tag);
+        const Units name = tag.name();
+        const bool isNoFrames = keyword::equals(name, "NOFRAMES");
+        if (isNoFrames || keyword::equals(name, "NOSCRIPT")) {
+            changeDepth(tag.whole(), +1);
+            clearElements();
+            (isNoFrames ? inFrameAlternative_ : inNoScript_) = !isTagClosed(tag.whole());
+        } else if (keyword::equals(name, "BODY")) {
+            enterBody(tag.whole());
+        } else if (keyword::equals(name, "HEAD")) {
+            changeDepth(tag.whole(), -1);
+            clearElements();
+            inFrameAlternative_ = false;
+        }
+    }
+
+    void changeDepth(Units tag, int step) {
+        if (opens(tag)) bodyDepth_ += step;
+        if (closes(tag)) bodyDepth_ -= step;
+    }
+
+    void clearElements() {
+        inTextarea_ = inMarquee_ = false;
+        hiddenFont_ = feedDate_ = hiddenDiv_ = hiddenSpan_ = inOption_ = false;
+        backgroundColor_ = String();
+    }
+
+    void enterBody(Units tag) {
+        changeDepth(tag, +1);
+        clearElements();
+        inFrameAlternative_ = false;
+        backgroundColor_ = attributeOfTagCharacters(tag, "BGCOLOR");
+    }
+
+    void noteGoogleComment(const Tag& tag) {
+        if (!options_.googleTags || tag.tagLength < ShortestGoogleComment) return;
+        const Units comment = tag.whole();
+        const bool on = keyword::contains(comment, "GOOGLEON:");
+        if (!on && !keyword::contains(comment, "GOOGLEOFF:")) return;
+        unsigned bits = 0;
+        if (keyword::contains(comment, "INDEX")) bits |= Index;
+        if (keyword::contains(comment, "SNIPPET")) bits |= Snippet;
+        if (keyword::contains(comment, "ANCHOR")) bits |= Anchor;
+        if (keyword::contains(comment, "ALL")) bits = AllBits;
+        googleMask_ = on ? googleMask_ | bits : googleMask_ & ~bits;
+    }
+
+    // --- text -------------------------------------------------------------------------
+
+    void handleText(const Tag& tag) {
+        if (!tag.hasText()) return;
+        if (options_.removeJunk && keyword::equals(tag.name(), "TITLE")) return;
+        if (hiddenDiv_ || hiddenSpan_ || inOption_) return;
+        if (isHeldBack())
+            noteKeywordStuffing(tag.text());
+        else
+            appendRangeToPlainText(tag.text());
+    }
+
+    bool isHeldBack() const {
+        return inFrameAlternative_ || inNoScript_ || inMarquee_ || inTextarea_ ||
+               (options_.removeJunk && hiddenFont_) ||
+               (options_.googleTags && (!(googleMask_ & Index) || feedDate_));
+    }
+
+    /// Invisible text of a hundred units and more that is mostly long words is there for
+    /// search engines only.
+    void noteKeywordStuffing(Units text) {
+        constexpr std::size_t Shortest = 100, Separators = 5, WordLength = 6;
+        if (!hiddenFont_ || didRemoveJunk_ || text.size() < Shortest) return;
+        text = trimmed(decoded(text, {}));
+        if (text.size() < Shortest) return;
+        const CharacterSetRep& alphaNum = alphaNumCharacterSetRep();
+        std::size_t separators = 0, units = 0;
+        bool inSeparator = false;
+        for (char16_t unit : text) {
+            const bool isWordUnit = alphaNum.contains(unit);
+            units += isWordUnit;
+            separators += !isWordUnit && !inSeparator;
+            inSeparator = !isWordUnit;
+        }
+        if (units >= Shortest && separators >= Separators && units / separators >= WordLength)
+            didRemoveJunk_ = true;
+    }
+
+    /// Writes one span of text.
+    void appendRangeToPlainText(Units span) {
+        if (options_.removeJunk && ((span.size() >= JunkSpan && collapseWhite_) ||
+                                    (span.size() >= JunkLinkText && linkDepth_ > 0))) {
+            didRemoveJunk_ = true;
+            blankOwed_ = collapseWhite_;
+            return;
+        }
+        if (collapseWhite_ && !mapsUnits_ && copyUnlessEncoded(span)) return;
+        Units text = decoded(span, options_);
+        if (text.empty()) {
+            blankOwed_ = collapseWhite_;
+            return;
+        }
+        const bool startsWhite = isWhite(text.front());
+        const bool endsWhite = isWhite(text.back());
+        if (collapseWhite_) {
+            text = trimmed(text);
+            if (text.empty()) {
+                blankOwed_ = true;
+                return;
+            }
+        }
+        beginSpan(text.size(), startsWhite);
+        if (collapseWhite_ || !options_.reformat) {
+            out_.commit(static_cast<std::size_t>(copied<0>(text) - out_.end()));
+            endSpan(endsWhite);
+        } else {
+            copyReformatted(text);
+        }
+    }
+
+    /// The short way for the many spans without entities: white space at the end is cut when
+    /// it stands as one blank in the output. False, and nothing done, if there is an &.
+    bool copyUnlessEncoded(Units span) {
+        std::size_t start = 0;
+        while (start < span.size() && isWhite(span[start])) ++start;
+        if (start == span.size()) {
+            blankOwed_ = true;
+            return true;
+        }
+        const std::size_t length = out_.length();
+        const bool wasOwed = blankOwed_;
+        beginSpan(span.size(), start > 0);
+        const char16_t* const end = copied<u'&'>(span.substr(start));
+        if (!end) {
+            out_.truncate(length);
+            blankOwed_ = wasOwed;
+            return false;
+        }
+        const bool endsWhite = end[-1] == u' ';
+        out_.commit(static_cast<std::size_t>(end - out_.end()) - endsWhite);
+        endSpan(endsWhite);
+        return true;
+    }
+
+    /// Makes room and writes the blank that is due in front of a span.
+    void beginSpan(std::size_t units, bool startsWhite) {
+        out_.prepare(units + 2);
+        if (startsWhite) blankOwed_ = true;
+        if (blankOwed_ && (pendingText_ || (!collapseWhite_ && !lastIsWhite()))) out_.append(u' ');
+    }
+
+    void endSpan(bool endsWhite) {
+        if (dropJunkRun()) return;
+        blankOwed_ = endsWhite;
+        pendingText_ = true;
+    }
+
+    /// Copies text behind the output, and gives the end of what was copied.
+    template <char16_t Stop>
+    const char16_t* copied(Units text) {
+        return detail::copyCollapsingWhite<Stop>(text.data(), text.data() + text.size(), out_.end(),
+                                                 white_);
+    }
+
+    /// Copies preformatted text and takes its soft line wraps apart.
+    void copyReformatted(Units text) {
+        for (std::size_t i = 0; i < text.size();) {
+            const std::size_t feeds = skipFeeds(text, i);
+            if (feeds >= 2 || (feeds == 1 && i < text.size() && keepsBreak(text[i]))) {
+                if (dropJunkRun()) return;
+                out_.append(feeds >= 2 ? Units(u"\n\n") : Units(u"\n"));
+                lastBreak_ = out_.length();
+            } else if (feeds == 1 && i < text.size() && !lastIsWhite()) {
+                out_.append(u' ');
+            }
+            if (i < text.size() && space_.contains(text[i])) {
+                while (i < text.size() && space_.contains(text[i])) ++i;
+                out_.append(u' ');
+            }
+            if (i < text.size() && !isFeedUnit(text[i])) out_.append(text[i++]);
+        }
+        if (dropJunkRun()) return;
+        if (out_.length() > lastBreak_) pendingText_ = true;
+    }
+
+    /// Skips line endings, CR LF counting as one, and gives their number.
+    static std::size_t skipFeeds(Units text, std::size_t& i) {
+        std::size_t count = 0;
+        for (; i < text.size() && isFeedUnit(text[i]); ++i, ++count)
+            if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') ++i;
+        return count;
+    }
+
+    /// Whether a line that starts with the unit is indented text, a list, a path, a quote
+    /// or the end of a block, so that the line break before it is meant.
+    static bool keepsBreak(char16_t unit) {
+        return unit == u' ' || unit == u'-' || unit == u'/' || unit == u'>' || unit == u'}';
+    }
+
+    /// Takes back what was written since the last break if it is too long to be text.
+    bool dropJunkRun() {
+        if (!options_.removeJunk || out_.length() - lastBreak_ < JunkRun) return false;
+        didRemoveJunk_ = true;
+        out_.truncate(lastBreak_);
+        return true;
+    }
+
+    /// The span with its entities decoded; a view of the span itself if it has none.
+    Units decoded(Units span, const PlainTextOptions& options) {
+        if (span.size() < ShortestEncoded) return span;
+        const bool maps = options.entities && options.nonUmlauted;
+        if (!options.entities && !options.stdEntities) return span;
+        if (!maps &&
+            scan::find(span.data(), span.data() + span.size(), u'&') == span.data() + span.size())
+            return span;
+        scratch_.assign(span);
+        const std::size_t length =
+            options.entities
+                ? convertEntities2Characters(
+                      scratch_.data(), scratch_.data(), 0, scratch_.size(),
+                      {.convertStandard = options.stdEntities, .nonUmlauted = options.nonUmlauted})
+                : convertStdEntities2Characters(scratch_.data(), scratch_.size());
+        return Units(scratch_).substr(0, length);
+    }
+
+    Units trimmed(Units text) const {
+        while (!text.empty() && isWhite(text.front())) text.remove_prefix(1);
+        while (!text.empty() && isWhite(text.back())) text.remove_suffix(1);
+        return text;
+    }
+
+    bool isWhite(char16_t unit) const { return detail::isWhiteUnit(unit, white_); }
+    /// True if nothing is written yet.
+    bool lastIsWhite() const { return out_.isEmpty() || isWhite(out_.back()); }
+
+    // --- tags -------------------------------------------------------------------------
+
+    void handleTag(const Tag& tag) {
+        if (tag.nameLength == 0) {
+            if (tag.kind == TagKind::Comment) noteGoogleComment(tag);
+            return;
+        }
+        const TagRule* rule = ruleOf(tag);
+        if (!rule) return;
+        if (pendingText_ && rule->breakIfPending != Break::None) writeBreak(rule->breakIfPending);
+        if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
+        if (rule->then) (this->*rule->then)(tag.whole());
+    }
+
+    void writeBreak(Break kind) {
+        out_.append(kind == Break::Paragraph ? Units(u"\n\n") : Units(u"\n"));
+        lastBreak_ = out_.length();
+        pendingText_ = blankOwed_ = false;
+    }
+
+    /// Writes a blank behind text, or owes it where one stands already.
+    void separate() {
+        blankOwed_ = lastIsWhite();
+        if (!blankOwed_) out_.append(u' ');
+    }
+
+    void changeLinkDepth(Units tag) {
+        if (opens(tag)) ++linkDepth_;
+        if (closes(tag) && linkDepth_ > 0) --linkDepth_;
+    }
+
+    void link(Units tag) {
+        changeLinkDepth(tag);
+        blankOwed_ = true;
+    }
+
+    void tableRow(Units) {
+        if (!out_.isEmpty() && !isFeedUnit(out_.back())) writeBreak(Break::Line);
+    }
+
+    void tableCell(Units) {
+        if (pendingText_) {
+            separate();
+            pendingText_ = false;
+        } else if (!lastIsWhite()) {
+            out_.append(u' ');
+        }
+    }
+
+    void table(Units) {
+        if (out_.length() < 2) return;
+        const Units written = out_.view();
+        if (!isFeedUnit(written.back()))
+            writeBreak(Break::Paragraph);
+        else if (!isFeedUnit(written[written.size() - 2]))
+            writeBreak(Break::Line);
+    }
+
+    void citation(Units) {
+        if (!pendingText_ || lastIsWhite()) return;
+        out_.append(u' ');
+        blankOwed_ = false;
+    }
+
+    void code(Units tag) {
+        citation(tag);
+        collapseWhite_ = !opens(tag);
+    }
+
+    void preformatted(Units tag) {
+        collapseWhite_ = !opens(tag);
+        if (!collapseWhite_ && (pendingText_ || blankOwed_)) writeBreak(Break::Paragraph);
+    }
+
+    void plaintext(Units tag) {
+        collapseWhite_ = !opens(tag);
+        if (!collapseWhite_) writeBreak(Break::Paragraph);
+    }
+
+    void image(Units tag) {
+        if (!options_.imageAlts) return;
+        blankOwed_ = true;
+        Range text = rangeOfAttributeOfTagCharacters(tag, "ALT");
+        if (!text.isFound()) text = rangeOfAttributeOfTagCharacters(tag, "TITLE");
+        if (!text.isFound()) return;
+        appendRangeToPlainText(tag.substr(text.location, text.length));
+        blankOwed_ = true;
+    }
+
+    void font(Units tag) {
+        const String color = attributeOfTagCharacters(tag, "COLOR");
+        hiddenFont_ = !backgroundColor_.isAbsent() && keyword::equalNoCase(color, backgroundColor_);
+        if (!hiddenFont_) hiddenFont_ = isTinyFont(attributeOfTagCharacters(tag, "STYLE"));
+        feedDate_ = attributeOfTagCharacters(tag, "CLASS") == u"feed_date";
+    }
+
+    void input(Units) { separate(); }
+    void division(Units tag) { hiddenDiv_ = isHiddenElement(tag); }
+    void span(Units tag) { hiddenSpan_ = isHiddenElement(tag); }
+    void option(Units tag) { inOption_ = opens(tag); }
+    void select(Units) { inOption_ = false; }
+    void marquee(Units tag) { inMarquee_ = opens(tag); }
+    void textarea(Units tag) { inTextarea_ = opens(tag); }
+    void frameAlternative(Units tag) { inFrameAlternative_ = opens(tag); }
+    void noScript(Units tag) { inNoScript_ = opens(tag); }
+
+    const PlainTextOptions options_;
+    const bool mapsUnits_ = options_.entities && options_.nonUmlauted;  ///< text without &, too
+    StringBuilder out_;
+    std::u16string scratch_;      ///< a span while its entities are decoded
+    std::size_t lastBreak_ = 0;   ///< length of the output behind its last break
+    String backgroundColor_;      ///< "BGCOLOR" of the body
+    std::int64_t bodyDepth_;      ///< text counts while this is above 0
+    std::int64_t linkDepth_ = 0;  ///< open links and headings
+    unsigned googleMask_ = AllBits;
+    bool inMarquee_ = false, inTextarea_ = false;
+    bool inFrameAlternative_ = false, inNoScript_ = false;
+    bool hiddenFont_ = false, feedDate_ = false;
+    bool hiddenDiv_ = false, hiddenSpan_ = false, inOption_ = false;
+    bool pendingText_ = false;   ///< text was written since the last break
+    bool collapseWhite_ = true;  ///< outside preformatted text
+    bool blankOwed_ = false;     ///< the next text starts with a blank
+    bool didOutput_ = false;     ///< the body was reached
+    bool didRemoveJunk_ = false;
+    const CharacterSetRep& white_ = whiteCharacterSetRep();
+    const CharacterSetRep& space_ = spaceCharacterSetRep();
+};
+
+const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
+    using enum Break;
+    using C = Converter;
+    static constexpr TagRule Rules[] = {
+        {"a", None, false, &C::link},
+        {"p", Paragraph, false, nullptr},
+        {"br", Line, false, nullptr},
+        {"dd", Line, false, nullptr},
+        {"dl", Line, false, nullptr},
+        {"dt", Line, false, nullptr},
+        {"hr", Paragraph, false, nullptr},
+        {"li", Line, false, nullptr},
+        {"ol", Line, false, nullptr},
+        {"td", None, false, &C::tableCell},
+        {"th", None, false, &C::tableCell},
+        {"tr", Line, false, &C::tableRow},
+        {"ul", Line, false, nullptr},
+        {"dir", Paragraph, false, nullptr},
+        {"div", Paragraph, true, &C::division},
+        {"img", None, false, &C::image},
+        {"pre", None, true, &C::preformatted},
+        {"body", None, false, &C::enterBody},
+        {"cite", None, false, &C::citation},
+        {"code", None, true, &C::code},
+        {"font", None, false, &C::font},
+        {"menu", Paragraph, false, nullptr},
+        {"span", None, false, &C::span},
+        {"input", None, true, &C::input},
+        {"table", Paragraph, true, &C::table},
+        {"iframe", None, false, &C::frameAlternative},
+        {"option", None, true, &C::option},
+        {"select", None, true, &C::select},
+        {"marquee", None, false, &C::marquee},
+        {"noframes", None, false, &C::frameAlternative},
+        {"noscript", None, false, &C::noScript},
+        {"textarea", None, false, &C::textarea},
+        {"h0", Paragraph, true, &C::changeLinkDepth},
+        {"h1", Paragraph, true, &C::changeLinkDepth},
+        {"h2", Paragraph, true, &C::changeLinkDepth},
+        {"h3", Paragraph, true, &C::changeLinkDepth},
+        {"h4", Paragraph, true, &C::changeLinkDepth},
+        {"h5", Paragraph, true, &C::changeLinkDepth},
+        {"h6", Paragraph, true, &C::changeLinkDepth},
+        {"h7", Paragraph, true, &C::changeLinkDepth},
+        {"h8", Paragraph, true, &C::changeLinkDepth},
+        {"h9", Paragraph, true, &C::changeLinkDepth},
+    };
+    // Names that are too long for a number.
+    static constexpr TagRule Blockquote{"BLOCKQUOTE", Paragraph, false, nullptr};
+    static constexpr TagRule Plaintext{"PLAINTEXT", None, true, &C::plaintext};
+
+    static constexpr detail::NameTable Table([] {
+        std::array<detail::PackedName, std::size(Rules)> names{};
+        for (std::size_t i = 0; i < names.size(); ++i) names[i] = detail::packed(Rules[i].name);
+        return names;
+    }());
+    if (tag.nameLength > detail::MaxPackedUnits) {
+        if (keyword::equals(tag.name(), Blockquote.name)) return &Blockquote;
+        return keyword::equals(tag.name(), Plaintext.name) ? &Plaintext : nullptr;
+    }
+    const int row = Table.find(detail::packedName(tag));
+    return row < 0 ? nullptr : &Rules[row];
+}
+
+using Handler = bool (Converter::*)(const Tag&);
+
+/// Runs a handler over the page; a page of which only the body is asked for and that has
+/// none is run again as a whole.
+String convert(const String& page, PlainTextOptions options, Handler handler,
+               bool* didRemoveJunk = nullptr) {
+    if (didRemoveJunk) *didRemoveJunk = false;
+    for (;;) {
+        Converter converter(options);
+        const bool scanned =
+            parseXmlWithHandler(page, [&](const Tag& tag) { return (converter.*handler)(tag); });
+        if (converter.didOutput()) {
+            if (didRemoveJunk) *didRemoveJunk = converter.didRemoveJunk();
+            return converter.finish();
+        }
+        if (!options.onlyBody || !scanned) return page;
+        options.onlyBody = false;
+    }
+}
+
+}  // namespace
+
+String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options,
+                                        bool* didRemoveJunk) {
+    return convert(page, options, &Converter::handle, didRemoveJunk);
+}
+
+String stringByConvertingHtml2ReformattedPlainText(const String& page) {
+    return stringByConvertingHtml2PlainText(page, {.reformat = true});
+}
+
+String stringByConvertingHtml2SimplifiedPlainText(const String& page) {
+    return convert(page, {.onlyBody = true}, &Converter::handleSimply);
+}
+
+}  // namespace velmo

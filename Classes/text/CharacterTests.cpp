@@ -1,0 +1,166 @@
+#include <velmocore/text/CharacterTests.h>
+
+#include <algorithm>
+
+#include "text/UnitFold.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+bool isAsciiDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+
+/// Compares the units of the set. For a prefix, the first text may go on when the second is
+/// used up.
+template <class Fold>
+bool equalOverSet(View a, View b, const CharacterSetRep& set, bool prefix, const Fold& fold) {
+    auto other = b.begin();
+    const auto nextOfOther = [&] {
+        return other = std::find_if(other, b.end(), [&](char16_t c) { return set.contains(c); });
+    };
+    for (char16_t unit : a) {
+        if (!set.contains(unit)) continue;
+        if (nextOfOther() == b.end()) return prefix;
+        if (!detail::sameUnit(unit, *other++, fold)) return false;
+    }
+    return nextOfOther() == b.end();
+}
+
+}  // namespace
+
+bool characterPartOfSet(View string, const CharacterSetRep* set) {
+    return set &&
+           std::any_of(string.begin(), string.end(), [=](char16_t c) { return set->contains(c); });
+}
+
+std::size_t countCharactersPartOfSet(View string, const CharacterSetRep* set) {
+    std::size_t count = 0;
+    if (set)
+        for (char16_t unit : string) count += set->contains(unit);
+    return count;
+}
+
+bool charactersPartOfSet(View string, const CharacterSetRep& set, bool emptyResult) {
+    if (string.empty()) return emptyResult;
+    return std::all_of(string.begin(), string.end(), [&](char16_t c) { return set.contains(c); });
+}
+
+bool containsAlphaNumCharacter(View string) {
+    return characterPartOfSet(string, &alphaNumCharacterSetRep());
+}
+bool containsAlphaCharacter(View string) {
+    return characterPartOfSet(string, &alphaCharacterSetRep());
+}
+bool containsWhiteCharacter(View string) {
+    return characterPartOfSet(string, &whiteCharacterSetRep());
+}
+bool containsDigitCharacter(View string) {
+    return characterPartOfSet(string, &digitCharacterSetRep());
+}
+
+std::size_t countAlphaNumCharacters(View string) {
+    return countCharactersPartOfSet(string, &alphaNumCharacterSetRep());
+}
+std::size_t countAlphaCharacters(View string) {
+    return countCharactersPartOfSet(string, &alphaCharacterSetRep());
+}
+std::size_t countWhiteCharacters(View string) {
+    return countCharactersPartOfSet(string, &whiteCharacterSetRep());
+}
+std::size_t countDigitCharacters(View string) {
+    return countCharactersPartOfSet(string, &digitCharacterSetRep());
+}
+
+bool isSpaceString(View string) {
+    return charactersPartOfSet(string, spaceCharacterSetRep(), true);
+}
+bool isWhiteString(View string) {
+    return charactersPartOfSet(string, whiteCharacterSetRep(), true);
+}
+bool isDigitString(View string) {
+    return charactersPartOfSet(string, digitCharacterSetRep(), false);
+}
+bool isAlphaString(View string) {
+    return charactersPartOfSet(string, alphaCharacterSetRep(), false);
+}
+bool isAlphaNumString(View string) {
+    return charactersPartOfSet(string, alphaNumCharacterSetRep(), false);
+}
+bool onlyWhiteCharacters(View characters) { return isWhiteString(characters); }
+
+bool isMashedWordString(View string) {
+    const CharacterSetRep& upper = upperCharacterSetRep();
+    const CharacterSetRep& lower = lowerCharacterSetRep();
+    if (string.size() < 3 || !upper.contains(string[0])) return false;
+    std::size_t i = 1;
+    while (i < string.size() && lower.contains(string[i])) ++i;
+    return i >= 2 && i + 1 < string.size() && upper.contains(string[i]) &&
+           lower.contains(string[i + 1]);
+}
+
+bool equalCharsOfCharacterSetRep(View a, View b, const CharacterSetRep& set) {
+    return equalOverSet(a, b, set, false, detail::NoFold{});
+}
+bool equalCharsNoCaseOfCharacterSetRep(View a, View b, const CharacterSetRep& set) {
+    return equalOverSet(a, b, set, false, detail::UpperFold{});
+}
+bool hasPrefixCharsOfCharacterSetRep(View text, View prefix, const CharacterSetRep& set) {
+    return equalOverSet(text, prefix, set, true, detail::NoFold{});
+}
+bool hasPrefixCharsNoCaseOfCharacterSetRep(View text, View prefix, const CharacterSetRep& set) {
+    return equalOverSet(text, prefix, set, true, detail::UpperFold{});
+}
+
+std::size_t countNumbers(View string) {
+    std::size_t count = 0;
+    bool inNumber = false;
+    for (char16_t unit : string) {
+        const bool digit = isAsciiDigit(unit);
+        count += digit && !inNumber;
+        inNumber = digit;
+    }
+    return count;
+}
+
+bool containsNumberWithNDigits(View string, std::size_t digits) {
+    if (digits == 0 || string.size() < digits) return false;
+    std::size_t run = 0;
+    for (char16_t unit : string) {
+        run = isAsciiDigit(unit) ? run + 1 : 0;
+        if (run == digits) return true;
+    }
+    return false;
+}
+
+bool containsNumber(View string, View digits) {
+    if (digits.empty()) return false;
+    // The search goes on behind a hit that did not stand alone.
+    for (std::size_t hit = 0; (hit = string.find(digits, hit)) != View::npos;
+         hit += digits.size()) {
+        const std::size_t end = hit + digits.size();
+        if (hit > 0 && isAsciiDigit(string[hit - 1])) continue;
+        if (end < string.size() && isAsciiDigit(string[end])) continue;
+        return true;
+    }
+    return false;
+}
+
+String stringByRemovingCharactersInRep(const String& string, const CharacterSetRep* set) {
+    if (!set || string.isEmpty()) return string;
+    StringBuilder out;
+    char16_t* const start = out.prepare(string.length());
+    char16_t* write = start;
+    for (char16_t unit : string) {
+        *write = unit;
+        write += !set->contains(unit);
+    }
+    out.commit(static_cast<std::size_t>(write - start));
+    return out.finish();
+}
+
+String stringByRemovingWhiteSpaces(const String& string) {
+    return stringByRemovingCharactersInRep(string, &whiteCharacterSetRep());
+}
+
+}  // namespace velmo

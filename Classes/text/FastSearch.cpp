@@ -1,0 +1,87 @@
+#include <velmocore/text/FastSearch.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "text/PatternScan.h"
+
+namespace velmo {
+namespace {
+
+using namespace detail;
+
+constexpr std::size_t ScratchUnits = 256;
+
+/// Remembers which pairs of neighbours a text has, more or less: a pair that was never put
+/// in is mostly not there. One look at a keyword's pairs so spares a walk over the text.
+class PairFilter {
+public:
+    /// Longer texts have too many pairs for it.
+    static constexpr std::size_t MaxUnits = 1024;
+
+    explicit PairFilter(std::u16string_view text) {
+        for (std::size_t i = 0; i + 1 < text.size(); ++i) {
+            const unsigned slot = slotOf(text[i], text[i + 1]);
+            bits_[slot / 64] |= std::uint64_t{1} << (slot % 64);
+        }
+    }
+    bool mayHold(std::string_view keyword) const {
+        for (std::size_t i = 0; i + 1 < keyword.size(); ++i) {
+            const unsigned slot = slotOf(widened(keyword[i]), widened(keyword[i + 1]));
+            if (!((bits_[slot / 64] >> (slot % 64)) & 1)) return false;
+        }
+        return true;
+    }
+
+private:
+    static unsigned slotOf(char16_t a, char16_t b) { return ((a << 6) ^ b) & 4095u; }
+
+    std::uint64_t bits_[64] = {};
+};
+
+bool containsAny(std::u16string_view text, std::span<const std::string_view> keywords) {
+    const auto occurs = [&](std::string_view keyword) {
+        return firstOccurrence(text, keyword, NoFold{}) != NotFound;
+    };
+    if (text.size() > PairFilter::MaxUnits) return std::ranges::any_of(keywords, occurs);
+    const PairFilter pairs(text);
+    return std::ranges::any_of(keywords, [&](std::string_view keyword) {
+        return pairs.mayHold(keyword) && occurs(keyword);
+    });
+}
+
+}  // namespace
+
+std::uint64_t fastContainsUnichars(std::u16string_view text, std::u16string_view pattern) {
+    if (pattern.empty() || pattern.size() >= text.size()) return NotFound;
+    return firstOccurrence(text.data(), text.size() - pattern.size(), pattern, NoFold{});
+}
+
+std::uint64_t fastCaseInsensitiveContainsUnichars(std::u16string_view text,
+                                                  std::u16string_view pattern) {
+    return firstOccurrence(text, pattern, UpperFold{});
+}
+
+std::uint64_t fastUnicharsContainChars(std::u16string_view text, std::string_view pattern) {
+    return firstOccurrence(text, pattern, NoFold{});
+}
+
+std::uint64_t fastCaseInsensitiveUnicharsContainChars(std::u16string_view text,
+                                                      std::string_view pattern) {
+    return firstOccurrence(text, pattern, UpperFold{});
+}
+
+bool fastContainsSubCStrings(std::u16string_view text, std::span<const std::string_view> keywords,
+                             const ConversionTable* table) {
+    if (text.empty()) return false;
+    if (!table) return containsAny(text, keywords);
+
+    char16_t scratch[ScratchUnits];
+    std::unique_ptr<char16_t[]> heap;
+    if (text.size() > ScratchUnits) heap.reset(new char16_t[text.size()]);
+    char16_t* const units = heap ? heap.get() : scratch;
+    std::ranges::transform(text, units, TableFold{*table});
+    return containsAny({units, text.size()}, keywords);
+}
+
+}  // namespace velmo

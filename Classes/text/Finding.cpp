@@ -1,0 +1,96 @@
+#include <velmocore/text/Finding.h>
+
+#include <algorithm>
+
+#include <velmocore/text/FastSearch.h>
+
+#include "text/PatternScan.h"
+
+namespace velmo {
+namespace {
+
+using namespace detail;
+using View = std::u16string_view;
+
+template <class Fold>
+std::uint64_t lastOccurrence(View text, View pattern, const Fold& fold) {
+    if (pattern.empty() || pattern.size() > text.size()) return NotFound;
+    for (std::size_t start = text.size() - pattern.size() + 1; start-- > 0;)
+        if (sameUnits(text.data() + start, pattern.data(), pattern.size(), fold)) return start;
+    return NotFound;
+}
+
+/// Searches one part of the text, and gives the range in the whole.
+template <class Fold>
+Range findInPart(View text, std::size_t start, std::size_t end, View sought, bool forward,
+                 const Fold& fold) {
+    const View part = text.substr(start, end - start);
+    const std::uint64_t hit =
+        forward ? firstOccurrence(part, sought, fold) : lastOccurrence(part, sought, fold);
+    return hit == NotFound ? Range::none() : Range{start + hit, sought.size()};
+}
+
+}  // namespace
+
+bool containsSubstring(View string, View substring, bool caseSensitive) {
+    return withFold(caseSensitive, [&](const auto& fold) {
+        return firstOccurrence(string, substring, fold) != NotFound;
+    });
+}
+
+std::size_t countSubstring(View string, View substring, bool caseSensitive) {
+    return withFold(caseSensitive, [&](const auto& fold) {
+        std::size_t count = 0;
+        std::uint64_t hit;
+        for (View rest = string; (hit = firstOccurrence(rest, substring, fold)) != NotFound;
+             rest.remove_prefix(hit + substring.size()))
+            ++count;
+        return count;
+    });
+}
+
+bool containsSubstrings(View string, std::span<const String> substrings, bool caseSensitive) {
+    return std::ranges::any_of(substrings, [&](const String& substring) {
+        return containsSubstring(string, substring, caseSensitive);
+    });
+}
+
+bool containsSubCStrings(View string, std::span<const std::string_view> keywords,
+                         bool caseSensitive) {
+    return fastContainsSubCStrings(string, keywords, caseSensitive ? nullptr : &lowerCharsTable());
+}
+
+Range findString(View string, View sought, Range selection, FindOptions options) {
+    const std::size_t start = std::min<std::size_t>(selection.location, string.size());
+    const std::size_t end = start + std::min<std::size_t>(selection.length, string.size() - start);
+    return withFold(options.caseSensitive, [&](const auto& fold) {
+        const auto before = [&] {
+            return findInPart(string, 0, start, sought, options.forward, fold);
+        };
+        const auto behind = [&] {
+            return findInPart(string, end, string.size(), sought, options.forward, fold);
+        };
+        const Range near = options.forward ? behind() : before();
+        if (near.isFound() || !options.wrap) return near;
+        return options.forward ? before() : behind();
+    });
+}
+
+std::uint64_t indexOfStringInArray(std::span<const String> array, View string, bool caseSensitive) {
+    if (string.empty()) return NotFound;
+    return withFold(caseSensitive, [&](const auto& fold) -> std::uint64_t {
+        for (std::size_t i = 0; i < array.size(); ++i)
+            if (array[i].length() == string.size() &&
+                sameUnits(array[i].characters(), string.data(), string.size(), fold))
+                return i;
+        return NotFound;
+    });
+}
+
+bool equalStringsUsingConversionTable(View a, View b, const ConversionTable* table) {
+    return a.size() == b.size() && withFold(table, [&](const auto& fold) {
+               return sameUnits(a.data(), b.data(), a.size(), fold);
+           });
+}
+
+}  // namespace velmo

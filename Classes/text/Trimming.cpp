@@ -1,0 +1,92 @@
+#include <velmocore/text/Trimming.h>
+
+#include <algorithm>
+
+#include "platform/Unicode.h"
+#include "text/Trim.h"
+
+namespace velmo {
+namespace {
+
+using namespace detail;
+
+auto is(char16_t unit) {
+    return [unit](char16_t c) { return c == unit; };
+}
+
+}  // namespace
+
+String stringByTrimmingSpacesAndFeeds(const String& string, bool andFeeds) {
+    return trimmedString(string, Ends::Both, spacesAndFeeds(andFeeds));
+}
+
+String stringByTrimmingSpacesOfLeftSideAndFeeds(const String& string, bool andFeeds) {
+    return trimmedString(string, Ends::Left, spacesAndFeeds(andFeeds));
+}
+
+String stringByTrimmingSpacesOfRightSideAndFeeds(const String& string, bool andFeeds) {
+    return trimmedString(string, Ends::Right, spacesAndFeeds(andFeeds));
+}
+
+String stringByTrimmingWhiteSpaces(const String& string) {
+    return trimmedView(string, Ends::Both, unicode::isWhiteSpaceOrNewline);
+}
+
+String stringByTrimmingCharacter(const String& string, char16_t unit) {
+    return trimmedString(string, Ends::Both, is(unit));
+}
+
+String stringByTrimmingPrefixCharacter(const String& string, char16_t unit) {
+    return trimmedString(string, Ends::Left, is(unit));
+}
+
+String stringByTrimmingSuffixCharacter(const String& string, char16_t unit) {
+    return trimmedString(string, Ends::Right, is(unit));
+}
+
+String stringByTrimmingCharactersNotInRep(const String& string, const CharacterSetRep& set) {
+    return trimmedString(string, Ends::Both, NotInSet{set});
+}
+
+String stringByTrimmingQuotes(const String& string) {
+    return trimmedString(string, Ends::Both, [](char16_t c) { return c == u'\'' || c == u'"'; });
+}
+
+String stringByTrimmingDigits(const String& string) {
+    return trimmedString(string, Ends::Both, InSet{digitCharacterSetRep()});
+}
+
+String stringByTrimmingEllipsis(const String& string) {
+    return trimmedString(string, Ends::Right,
+                         [](char16_t c) { return c == u'\u2026' || c == u'.'; });
+}
+
+String stringByTrimmingFeeds(const String& string) {
+    return trimmedString(string, Ends::Right, isFeedUnit);
+}
+
+String stringByTrimmingEnclosingCharacter(const String& string, char16_t unit) {
+    const std::size_t length = string.length();
+    std::size_t pairs = 0;
+    while (pairs < length / 2 && string[pairs] == unit && string[length - 1 - pairs] == unit)
+        ++pairs;
+    return string.substring({pairs, length - 2 * pairs});
+}
+
+Range trimSpacesInRange(std::u16string_view string, Range range, bool andFeeds) {
+    if (!range.isFound()) return Range::none();
+    const std::size_t start = std::min<std::size_t>(range.location, string.size());
+    const std::u16string_view part = string.substr(start, range.length);
+    const std::u16string_view rest = trimmedView(part, Ends::Both, spacesAndFeeds(andFeeds));
+    return {start + static_cast<std::size_t>(rest.data() - part.data()), rest.size()};
+}
+
+Range trimWhiteSpacesInRange(std::u16string_view string, Range range) {
+    return trimSpacesInRange(string, range, true);
+}
+
+String stringByTrimmingSpacesInRange(const String& string, Range range, bool andFeeds) {
+    return string.substring(trimSpacesInRange(string, range, andFeeds));
+}
+
+}  // namespace velmo

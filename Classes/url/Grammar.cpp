@@ -1,0 +1,315 @@
+#include "url/Grammar.h"
+
+#include <algorithm>
+#include <boost/url/ipv6_address.hpp>
+
+#include "text/Keyword.h"
+
+namespace velmo::grammar {
+namespace {
+
+/// What a unit may be part of as it stands; escapes are looked at apart.
+enum UnitClass : std::uint8_t {
+    InScheme = 1,
+    InName = 2,        // unreserved and sub-delims: registered names, users
+    InUserInfo = 4,    // and :
+    InPath = 8,        // and @ and /
+    InQuery = 16,      // and ?; fragments too
+    InAuthority = 32,  // user information, host and port, before they are told apart
+    Reserved = 64,     // gen-delims
+};
+
+constexpr std::array<std::uint8_t, 128> makeClasses() {
+    std::array<std::uint8_t, 128> classes{};
+    const auto add = [&classes](std::string_view units, int mask) {
+        for (char unit : units) {
+            auto& entry = classes[static_cast<unsigned char>(unit)];
+            entry = static_cast<std::uint8_t>(entry | mask);
+        }
+    };
+    constexpr std::string_view Alphanumeric =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    constexpr std::string_view Marks = "-._~!$&'()*+,;=";
+    constexpr int Everywhere = InName | InUserInfo | InPath | InQuery | InAuthority;
+    add(Alphanumeric, InScheme | Everywhere);
+    add("+-.", InScheme);
+    add(Marks, Everywhere);
+    add(":", InUserInfo | InPath | InQuery | InAuthority);
+    add("@", InPath | InQuery | InAuthority);
+    add("/", InPath | InQuery);
+    add("?", InQuery);
+    add("[]", InAuthority);
+    add(":/?#[]@", Reserved);
+    return classes;
+}
+constexpr auto Classes = makeClasses();
+
+constexpr bool isIn(char16_t unit, int mask) noexcept {
+    return unit < 128 && (Classes[unit] & mask) != 0;
+}
+constexpr bool isLetter(char16_t unit) noexcept {
+    return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
+}
+constexpr bool isDigit(char16_t unit) noexcept { return unit >= u'0' && unit <= u'9'; }
+
+/// The first position from start on that holds neither a unit of the mask nor a whole
+/// escape.
+std::uint32_t skip(std::u16string_view text, std::uint32_t start, int mask) noexcept {
+    std::uint32_t i = start;
+    while (i < text.size()) {
+        if (isIn(text[i], mask)) {
+            ++i;
+        } else if (text[i] == u'%' && text.size() - i > 2 && hexDigitValue(text[i + 1]) >= 0 &&
+                   hexDigitValue(text[i + 2]) >= 0) {
+            i += 3;
+        } else {
+            break;
+        }
+    }
+    return i;
+}
+
+std::uint32_t find(std::u16string_view text, char16_t unit, std::uint32_t start) noexcept {
+    return static_cast<std::uint32_t>(std::min(text.find(unit, start), text.size()));
+}
+
+/// What stands between the brackets: an IPv6 address, or "v", digits, "." and a name.
+bool isIPLiteral(std::u16string_view text) noexcept {
+    if (!text.empty() && (text[0] | 0x20) == u'v') {
+        std::size_t dot = 1;
+        while (dot < text.size() && hexDigitValue(text[dot]) >= 0) ++dot;
+        return dot > 1 && dot + 1 < text.size() && text[dot] == u'.' &&
+               std::all_of(text.begin() + static_cast<std::ptrdiff_t>(dot) + 1, text.end(),
+                           [](char16_t unit) { return isIn(unit, InUserInfo); });
+    }
+    constexpr std::size_t Longest = 45;  // six groups and a dotted address
+    if (text.size() > Longest) return false;
+    char narrow[Longest];
+    for (std::size_t i = 0; i < text.size(); ++i)
+        narrow[i] = text[i] < 128 ? static_cast<char>(text[i]) : '?';
+    return boost::urls::parse_ipv6_address({narrow, text.size()}).has_value();
+}
+
+bool isPort(std::u16string_view digits) noexcept {
+    std::uint32_t port = 0;
+    for (char16_t unit : digits) {
+        if (!isDigit(unit)) return false;
+        port = port * 10 + static_cast<std::uint32_t>(unit - u'0');
+        if (port > 65535) return false;
+    }
+    return true;
+}
+
+/// Cuts user information, host and port. The text ends where the authority ends.
+bool cutAuthority(std::u16string_view text, std::uint32_t start, Parts& parts) noexcept {
+    const auto end = static_cast<std::uint32_t>(text.size());
+    std::uint32_t host = start;
+    if (const std::uint32_t at = find(text, u'@', start); at < end) {
+        if (skip(text, start, InUserInfo) != at) return false;
+        const std::uint32_t colon = std::min(find(text, u':', start), at);
+        parts[URLPart::User] = {start, colon - start};
+        if (colon < at) parts[URLPart::Password] = {colon + 1, at - colon - 1};
+        host = at + 1;
+    }
+    std::uint32_t hostEnd;
+    if (host < end && text[host] == u'[') {
+        hostEnd = find(text, u']', host);
+        if (hostEnd == end || !isIPLiteral(text.substr(host + 1, hostEnd - host - 1))) return false;
+        ++hostEnd;
+    } else {
+        hostEnd = skip(text, host, InName);
+    }
+    if (hostEnd > host) parts[URLPart::Host] = {host, hostEnd - host};
+    if (hostEnd == end) return true;
+    if (text[hostEnd] != u':' || !isPort(text.substr(hostEnd + 1))) return false;
+    parts[URLPart::Port] = {hostEnd + 1, end - hostEnd - 1};
+    return true;
+}
+
+/// Cuts the path from start on, and its parameters. Gives its end.
+std::uint32_t cutPath(std::u16string_view text, std::uint32_t start, Parts& parts) noexcept {
+    const std::uint32_t end = skip(text, start, InPath);
+    std::uint32_t pathEnd = end;
+    if (!keyword::equals(parts[URLPart::Scheme].of(text), "FILE")) {
+        pathEnd = find(text.substr(0, end), u';', start);
+        if (pathEnd < end) parts[URLPart::Parameters] = {pathEnd + 1, end - pathEnd - 1};
+    }
+    parts[URLPart::Path] = {start, pathEnd - start};
+    return end;
+}
+
+/// Removes . and .. from a path in its place and gives the length that is left. Going
+/// above the root stays at the root.
+std::size_t removeDotSegments(char16_t* path, std::size_t length) noexcept {
+    const std::u16string_view text(path, length);
+    std::size_t read = 0, write = 0;
+    while (read < length) {
+        const bool slash = path[read] == u'/';
+        const std::size_t name = read + slash;
+        const std::size_t end = std::min(text.find(u'/', name), length);
+        const std::u16string_view segment = text.substr(name, end - name);
+        if (segment != u"." && segment != u"..") {
+            std::char_traits<char16_t>::move(path + write, path + read, end - read);
+            write += end - read;
+            read = end;
+            continue;
+        }
+        if (!slash) {  // only in front of a relative path, where nothing can be left
+            read = std::min(end + 1, length);
+            continue;
+        }
+        if (segment.size() == 2) {
+            while (write > 0 && path[--write] != u'/') {
+            }
+        }
+        if (end == length) path[write++] = u'/';
+        read = end;
+    }
+    return write;
+}
+
+/// Writes a URL from its parts; of the path, the dot segments go.
+class Composer {
+public:
+    explicit Composer(std::size_t room) : out_(room + 8) {}
+
+    void scheme(const Reference& from) { part(u"", from, URLPart::Scheme, u":"); }
+    void authority(const Reference& from) {
+        hasAuthority_ = from.has(URLPart::Authority);
+        part(u"//", from, URLPart::Authority, u"");
+    }
+    void query(const Reference& from) { part(u"?", from, URLPart::Query, u""); }
+    void fragment(const Reference& from) { part(u"#", from, URLPart::Fragment, u""); }
+    void path(std::u16string_view units) { out_.append(units); }
+
+    /// The path is directory and rest, behind each other.
+    void path(std::u16string_view directory, std::u16string_view rest) {
+        const std::size_t start = out_.length();
+        out_.append(directory);
+        out_.append(rest);
+        const std::size_t written = out_.length() - start;
+        if (written) out_.truncate(start + removeDotSegments(out_.data() + start, written));
+        guardPath(start);
+    }
+    String finish() { return out_.finish(); }
+
+private:
+    void part(std::u16string_view before, const Reference& from, URLPart part,
+              std::u16string_view behind) {
+        if (!from.has(part)) return;
+        out_.append(before);
+        out_.append(from[part]);
+        out_.append(behind);
+    }
+    /// What is left of a path may look like an authority, or its first component like a
+    /// scheme. A dot segment in front keeps it a path.
+    void guardPath(std::size_t start) {
+        if (hasAuthority_) return;
+        const std::u16string_view written = out_.view().substr(start);
+        std::u16string_view guard;
+        if (written.starts_with(u"//"))
+            guard = u"/.";
+        else if (start == 0 && written.substr(0, written.find(u'/')).find(u':') != written.npos)
+            guard = u"./";
+        else
+            return;
+        const std::u16string path(written);
+        out_.truncate(start);
+        out_.append(guard);
+        out_.append(path);
+    }
+
+    StringBuilder out_;
+    bool hasAuthority_ = false;
+};
+
+}  // namespace
+
+bool isPathUnit(char16_t unit) noexcept { return isIn(unit, InPath); }
+bool isURLUnit(char16_t unit) noexcept { return isIn(unit, InQuery | Reserved); }
+
+bool cut(std::u16string_view text, Parts& parts) noexcept {
+    if (text.size() >= Span::Missing) return false;
+    const auto end = static_cast<std::uint32_t>(text.size());
+    parts = Parts();
+    std::uint32_t i = 0;
+    if (end && isLetter(text[0])) {
+        while (i < end && isIn(text[i], InScheme)) ++i;
+        if (i < end && text[i] == u':')
+            parts[URLPart::Scheme] = {0, i++};
+        else
+            i = 0;
+    }
+    parts[URLPart::ResourceSpecifier] = {i, end - i};
+    if (end - i >= 2 && text[i] == u'/' && text[i + 1] == u'/') {
+        const std::uint32_t start = i + 2;
+        i = skip(text, start, InAuthority);
+        if (i < end && text[i] != u'/' && text[i] != u'?' && text[i] != u'#') return false;
+        parts[URLPart::Authority] = {start, i - start};
+        if (!cutAuthority(text.substr(0, i), start, parts)) return false;
+    }
+    const bool startsWithPath = i == 0;
+    i = cutPath(text, i, parts);
+    const std::u16string_view path = text.substr(0, i);
+    // What stands in front of a colon in the first component would be a scheme.
+    if (startsWithPath && path.find(u':') < path.find(u'/')) return false;
+    if (i < end && text[i] == u'?') {
+        const std::uint32_t start = i + 1;
+        i = skip(text, start, InQuery);
+        parts[URLPart::Query] = {start, i - start};
+    }
+    if (i < end && text[i] == u'#') {
+        const std::uint32_t start = i + 1;
+        i = skip(text, start, InQuery);
+        parts[URLPart::Fragment] = {start, i - start};
+    }
+    return i == end;
+}
+
+String resolved(const Reference& reference, const Reference& base) {
+    Composer target(reference.text.size() + base.text.size());
+    if (reference.has(URLPart::Scheme)) {
+        target.scheme(reference);
+        target.authority(reference);
+        target.path(u"", reference.wholePath());
+        target.query(reference);
+    } else {
+        target.scheme(base);
+        const std::u16string_view path = reference.wholePath();
+        if (reference.has(URLPart::Authority)) {
+            target.authority(reference);
+            target.path(u"", path);
+            target.query(reference);
+        } else {
+            target.authority(base);
+            const std::u16string_view basePath = base.wholePath();
+            if (path.empty()) {
+                target.path(basePath);
+                target.query(reference.has(URLPart::Query) ? reference : base);
+            } else {
+                std::u16string_view directory;
+                if (path[0] != u'/') {
+                    directory = basePath.empty() && base.has(URLPart::Authority)
+                                    ? u"/"
+                                    : basePath.substr(0, basePath.rfind(u'/') + 1);
+                }
+                target.path(directory, path);
+                target.query(reference);
+            }
+        }
+    }
+    target.fragment(reference);
+    return target.finish();
+}
+
+String withoutDotSegments(const Reference& reference) {
+    Composer target(reference.text.size());
+    target.scheme(reference);
+    target.authority(reference);
+    target.path(u"", reference.wholePath());
+    target.query(reference);
+    target.fragment(reference);
+    return target.finish();
+}
+
+}  // namespace velmo::grammar

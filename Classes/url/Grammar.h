@@ -1,0 +1,76 @@
+// The grammar of RFC 3986 on UTF-16 units: where the parts of a URL stand, and how a
+// reference is resolved. URLs are made for every link of every page, so one pass finds
+// the parts and nothing is allocated; the addresses in brackets are left to Boost.URL.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include <velmocore/url/URL.h>
+
+namespace velmo::grammar {
+
+/// Where one part stands. Its location is Missing if the URL does not have it.
+struct Span {
+    static constexpr std::uint32_t Missing = UINT32_MAX;
+
+    std::uint32_t location = Missing;
+    std::uint32_t length = 0;
+
+    bool isPresent() const noexcept { return location != Missing; }
+    std::uint32_t end() const noexcept { return location + length; }
+    std::u16string_view of(std::u16string_view text) const noexcept {
+        return isPresent() ? text.substr(location, length) : std::u16string_view();
+    }
+};
+
+/// The parts of one URL. Only the path is always there.
+struct Parts {
+    std::array<Span, NumberOfURLParts> spans;
+
+    Span& operator[](URLPart part) noexcept { return spans[static_cast<std::size_t>(part)]; }
+    const Span& operator[](URLPart part) const noexcept {
+        return spans[static_cast<std::size_t>(part)];
+    }
+    /// The path with its parameters.
+    Span wholePath() const noexcept {
+        const Span& path = (*this)[URLPart::Path];
+        const Span& parameters = (*this)[URLPart::Parameters];
+        return {path.location,
+                parameters.isPresent() ? parameters.end() - path.location : path.length};
+    }
+};
+
+/// Finds the parts of a URI or relative reference. False if the text is neither.
+bool cut(std::u16string_view text, Parts& parts) noexcept;
+
+/// A text with its parts.
+struct Reference {
+    std::u16string_view text;
+    Parts parts;
+
+    std::u16string_view operator[](URLPart part) const noexcept { return parts[part].of(text); }
+    bool has(URLPart part) const noexcept { return parts[part].isPresent(); }
+    std::u16string_view wholePath() const noexcept { return parts.wholePath().of(text); }
+};
+
+/// The reference resolved against the base, as RFC 3986 tells it in 5.2.2 (strict).
+String resolved(const Reference& reference, const Reference& base);
+
+/// The text with the dot segments of its path removed.
+String withoutDotSegments(const Reference& reference);
+
+/// Whether the unit may stand in a path as it is, slashes included.
+bool isPathUnit(char16_t unit) noexcept;
+/// Whether the unit may stand anywhere in a URL as itself, % aside.
+bool isURLUnit(char16_t unit) noexcept;
+
+/// The value of a hexadecimal digit; -1 for any other unit.
+constexpr int hexDigitValue(char16_t unit) noexcept {
+    if (unit >= u'0' && unit <= u'9') return unit - u'0';
+    const char16_t lower = unit | 0x20;
+    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
+}
+
+}  // namespace velmo::grammar

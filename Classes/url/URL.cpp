@@ -1,0 +1,113 @@
+#include <velmocore/url/URL.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+
+#include "text/Keyword.h"
+#include "url/Escapes.h"
+#include "url/Grammar.h"
+#include "url/PathParts.h"
+
+namespace velmo {
+
+struct URL::Rep {
+    String string;
+    grammar::Parts parts;
+
+    grammar::Reference reference() const { return {string, parts}; }
+};
+
+namespace {
+
+/// The decoded text; the raw one if its escapes are not UTF-8.
+String decodedOrRaw(std::u16string_view raw) {
+    const String text(raw);
+    const String decoded = escapes::decoded(text, UTF8StringEncoding);
+    return decoded.isAbsent() ? text : decoded;
+}
+
+/// Appends a path with an escape for every unit that a file URL's path cannot hold as it
+/// is. False for a lone surrogate.
+bool appendFilePath(StringBuilder& out, std::u16string_view path) {
+    return escapes::append(out, path, UTF8StringEncoding, [path](std::size_t i) {
+        return grammar::isPathUnit(path[i]) && path[i] != u';';
+    });
+}
+
+bool hasDotSegments(std::u16string_view path) {
+    return path.find(u"/.") != path.npos || path.starts_with(u'.');
+}
+
+}  // namespace
+
+URL URL::URLWithString(const String& string) {
+    if (string.isAbsent()) return {};
+    grammar::Parts parts;
+    if (!grammar::cut(string, parts)) return {};
+    return URL(std::make_shared<const Rep>(Rep{string, parts}));
+}
+
+URL URL::URLWithString(const String& string, const URL& base) {
+    if (base.isAbsent()) return URLWithString(string);
+    if (string.isAbsent()) return {};
+    grammar::Reference reference{string, {}};
+    if (!grammar::cut(string, reference.parts)) return {};
+    if (reference.has(URLPart::Scheme) && !hasDotSegments(reference.wholePath()))
+        return URL(std::make_shared<const Rep>(Rep{string, reference.parts}));
+    return URLWithString(grammar::resolved(reference, base.rep_->reference()));
+}
+
+URL URL::fileURLWithPath(const String& path) {
+    if (path.isEmpty()) return {};
+    StringBuilder out(path.length() + 16);
+    out.append(u"file://");
+    if (path[0] != u'/') {
+        std::error_code error;
+        const std::filesystem::path current = std::filesystem::current_path(error);
+        if (error || !appendFilePath(out, String::fromUTF8(current.native()))) return {};
+        if (out.back() != u'/') out.append(u'/');
+    }
+    return appendFilePath(out, path) ? URLWithString(out.finish()) : URL();
+}
+
+const String& URL::absoluteString() const noexcept {
+    static const String absent;
+    return rep_ ? rep_->string : absent;
+}
+
+std::u16string_view URL::part(URLPart part) const& noexcept {
+    return rep_ ? rep_->parts[part].of(rep_->string) : std::u16string_view();
+}
+
+std::optional<std::uint32_t> URL::port() const noexcept {
+    const std::u16string_view digits = part(URLPart::Port);
+    if (digits.empty()) return std::nullopt;
+    std::uint32_t port = 0;
+    for (char16_t digit : digits) port = port * 10 + static_cast<std::uint32_t>(digit - u'0');
+    return port;
+}
+
+String URL::path() const { return decodedOrRaw(part(URLPart::Path)); }
+
+String URL::lastPathComponent() const { return decodedOrRaw(lastComponentOf(part(URLPart::Path))); }
+
+String URL::pathExtension() const {
+    if (isAbsent()) return {};
+    const String name =
+        isFileURL() ? lastPathComponent() : String(lastComponentOf(part(URLPart::Path)));
+    return extensionOfComponent(name);
+}
+
+bool URL::isFileURL() const noexcept { return keyword::equals(part(URLPart::Scheme), "FILE"); }
+
+URL URL::standardizedURL() const {
+    if (isAbsent() || !hasDotSegments(rep_->reference().wholePath())) return *this;
+    return URLWithString(grammar::withoutDotSegments(rep_->reference()));
+}
+
+std::ostream& operator<<(std::ostream& stream, const URL& url) {
+    return stream << url.absoluteString();
+}
+
+}  // namespace velmo

@@ -1,0 +1,75 @@
+#include <velmocore/url/URLConstruction.h>
+
+#include <algorithm>
+
+#include <velmocore/url/PercentEscapes.h>
+#include <velmocore/url/URLSchemes.h>
+
+#include "text/Keyword.h"
+
+namespace velmo {
+namespace {
+
+bool hasScheme(const URL& url) { return !url.part(URLPart::Scheme).empty(); }
+URL ifItHasScheme(URL url) { return hasScheme(url) ? url : URL(); }
+
+/// Mail and message links often hold what a URL may not.
+bool isMessageLink(std::u16string_view string) {
+    return keyword::beginsWith(string, "MAILTO:") || keyword::beginsWith(string, "MESSAGE:");
+}
+
+/// Raw and escaped quote marks in one text are all made escaped ones.
+String withEscapes(const String& string, StringEncoding encoding) {
+    return stringByAddingPercentEscapesToURL(string, {.encoding = encoding});
+}
+
+/// The scheme that a text without one stands for; empty if that is not safe to tell.
+std::u16string_view impliedScheme(std::u16string_view string) {
+    if (isMailStringURL(string)) return u"mailto:";
+    if (std::count(string.begin(), string.end(), u'.') < 2) return {};
+    if (string.starts_with(u"ftp")) return u"ftp://";
+    return string.starts_with(u"www") ? u"http://" : u"";
+}
+
+}  // namespace
+
+URL URLWithFormat(std::u16string_view format, std::initializer_list<String> arguments) {
+    if (format.empty()) return {};
+    StringBuilder out(format.size() * 2);
+    const String* argument = arguments.begin();
+    for (std::size_t i = 0; i < format.size(); ++i) {
+        const char16_t next = format[i] == u'%' && i + 1 < format.size() ? format[i + 1] : u'\0';
+        if (next == u'@' && argument != arguments.end())
+            out.append(*argument++);
+        else if (next == u'%')
+            out.append(u'%');
+        else if (next != u'@')
+            out.append(format[i]);
+        i += next == u'@' || next == u'%';
+    }
+    return URL::URLWithString(out.finish());
+}
+
+URL URLWithStringOrPath(const String& string) {
+    if (string.isEmpty() || string[0] == u'.') return {};
+    if (string[0] == u'/' || string[0] == u'~') return URL::fileURLWithPath(string);
+    URL url = URL::URLWithString(string);
+    if (url.isAbsent() && isMessageLink(string))
+        url = URL::URLWithString(withEscapes(string, UTF8StringEncoding));
+    if (hasScheme(url)) return url;
+    if (string.view().find(u"://") != std::u16string_view::npos) return {};
+    const std::u16string_view scheme = impliedScheme(string);
+    return scheme.empty() ? URL() : ifItHasScheme(URLWithFormat(u"%@%@", {scheme, string}));
+}
+
+URL URLWithNormalizedStringURL(const String& string, StringEncoding encoding) {
+    if (string.isEmpty()) return {};
+    URL url = URLWithStringOrPath(string);
+    if (!url.isAbsent() || isMessageLink(string)) return url;
+    const String escaped = withEscapes(string, encoding);
+    return escaped.isIdenticalTo(string) ? url : URLWithStringOrPath(escaped);
+}
+
+URL URLWithUserTypedString(const String& string) { return URLWithNormalizedStringURL(string); }
+
+}  // namespace velmo

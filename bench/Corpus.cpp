@@ -1,0 +1,55 @@
+#include "Corpus.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/PlainText.h>
+
+namespace velmo::bench {
+namespace {
+
+constexpr std::size_t Size = 25'000'000;
+
+std::vector<std::string> readPages() {
+    std::vector<std::filesystem::path> paths;
+    for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES))
+        paths.push_back(entry.path());
+    std::sort(paths.begin(), paths.end());
+    std::vector<std::string> pages;
+    for (const auto& path : paths) {
+        std::ifstream file(path, std::ios::binary);
+        pages.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    }
+    return pages;
+}
+
+Corpus makeCorpus() {
+    Corpus corpus;
+    const std::vector<std::string> pages = readPages();
+    while (corpus.pageBytes < Size) {
+        for (const std::string& page : pages) {
+            const String units = stringWithMarkupData(bytesOf(page));
+            const String text = stringByConvertingHtml2PlainText(units);
+            corpus.pages.push_back(page);
+            corpus.utf8.push_back(units.utf8());
+            corpus.texts.push_back(text);
+            corpus.textsUtf8.push_back(text.utf8());
+            corpus.pageBytes += page.size();
+            corpus.utf8Bytes += corpus.utf8.back().size();
+            corpus.textBytes += corpus.textsUtf8.back().size();
+        }
+    }
+    return corpus;
+}
+
+}  // namespace
+
+const Corpus& corpus() {
+    static const Corpus made = makeCorpus();
+    return made;
+}
+
+}  // namespace velmo::bench

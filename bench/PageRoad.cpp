@@ -1,0 +1,124 @@
+// The road of a page: bytes to units, links and plain text, beside ICU and libxml2.
+#include <benchmark/benchmark.h>
+#include <libxml/HTMLparser.h>
+#include <unicode/ustring.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <velmocore/markup/Links.h>
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/PlainText.h>
+
+#include "Corpus.h"
+
+namespace velmo::bench {
+namespace {
+
+template <class Pages, class Work>
+void eachPage(benchmark::State& state, const Pages& pages, std::size_t bytes, Work work) {
+    for (auto _ : state)
+        for (const auto& page : pages) work(page);
+    state.SetBytesProcessed(static_cast<std::int64_t>(bytes * state.iterations()));
+}
+
+void utf8Velmo(benchmark::State& state) {
+    eachPage(state, corpus().utf8, corpus().utf8Bytes,
+             [](const std::string& page) { benchmark::DoNotOptimize(String::fromUTF8(page)); });
+}
+BENCHMARK(utf8Velmo)->Name("utf8-to-string/velmo")->Unit(benchmark::kMillisecond);
+
+void utf8Icu(benchmark::State& state) {
+    eachPage(state, corpus().utf8, corpus().utf8Bytes, [](const std::string& page) {
+        const std::unique_ptr<char16_t[]> buffer(new char16_t[page.size()]);
+        UErrorCode status = U_ZERO_ERROR;
+        std::int32_t length = 0;
+        u_strFromUTF8(buffer.get(), static_cast<std::int32_t>(page.size()), &length, page.data(),
+                      static_cast<std::int32_t>(page.size()), &status);
+        benchmark::DoNotOptimize(buffer.get());
+    });
+}
+BENCHMARK(utf8Icu)->Name("utf8-to-string/icu")->Unit(benchmark::kMillisecond);
+
+void linksVelmo(benchmark::State& state) {
+    eachPage(state, corpus().pages, corpus().pageBytes, [](const std::string& page) {
+        const String units = stringWithMarkupData(bytesOf(page));
+        benchmark::DoNotOptimize(htmlLinks(units));
+    });
+}
+BENCHMARK(linksVelmo)->Name("links/velmo")->Unit(benchmark::kMillisecond);
+
+void textVelmo(benchmark::State& state) {
+    eachPage(state, corpus().pages, corpus().pageBytes, [](const std::string& page) {
+        const String units = stringWithMarkupData(bytesOf(page));
+        benchmark::DoNotOptimize(stringByConvertingHtml2PlainText(units));
+    });
+}
+BENCHMARK(textVelmo)->Name("plain-text/velmo")->Unit(benchmark::kMillisecond);
+
+/// What the peer's handlers collect.
+struct Collected {
+    std::vector<std::string> links;
+    std::string text;
+    int raw = 0;
+};
+
+bool isRaw(const xmlChar* name) {
+    return !std::strcmp(reinterpret_cast<const char*>(name), "script") ||
+           !std::strcmp(reinterpret_cast<const char*>(name), "style");
+}
+
+void parseWithLibxml2(const std::string& page, htmlSAXHandler& handler) {
+    Collected collected;
+    htmlParserCtxtPtr context =
+        htmlCreateMemoryParserCtxt(page.data(), static_cast<int>(page.size()));
+    if (!context) return;
+    htmlSAXHandlerPtr own = context->sax;
+    context->sax = &handler;
+    context->userData = &collected;
+    htmlParseDocument(context);
+    context->sax = own;
+    if (context->myDoc) xmlFreeDoc(context->myDoc);
+    htmlFreeParserCtxt(context);
+    benchmark::DoNotOptimize(collected.links.data());
+    benchmark::DoNotOptimize(collected.text.data());
+}
+
+void linksLibxml2(benchmark::State& state) {
+    htmlSAXHandler handler{};
+    handler.startElement = [](void* data, const xmlChar* name, const xmlChar** attributes) {
+        const char* tag = reinterpret_cast<const char*>(name);
+        if (std::strcmp(tag, "a") && std::strcmp(tag, "area")) return;
+        for (; attributes && attributes[0]; attributes += 2)
+            if (!std::strcmp(reinterpret_cast<const char*>(attributes[0]), "href") && attributes[1])
+                static_cast<Collected*>(data)->links.emplace_back(
+                    reinterpret_cast<const char*>(attributes[1]));
+    };
+    eachPage(state, corpus().pages, corpus().pageBytes,
+             [&](const std::string& page) { parseWithLibxml2(page, handler); });
+}
+BENCHMARK(linksLibxml2)->Name("links/libxml2")->Unit(benchmark::kMillisecond);
+
+void textLibxml2(benchmark::State& state) {
+    htmlSAXHandler handler{};
+    handler.startElement = [](void* data, const xmlChar* name, const xmlChar**) {
+        static_cast<Collected*>(data)->raw += isRaw(name);
+    };
+    handler.endElement = [](void* data, const xmlChar* name) {
+        static_cast<Collected*>(data)->raw -= isRaw(name);
+    };
+    handler.characters = [](void* data, const xmlChar* text, int length) {
+        auto* collected = static_cast<Collected*>(data);
+        if (!collected->raw)
+            collected->text.append(reinterpret_cast<const char*>(text),
+                                   static_cast<std::size_t>(length));
+    };
+    eachPage(state, corpus().pages, corpus().pageBytes,
+             [&](const std::string& page) { parseWithLibxml2(page, handler); });
+}
+BENCHMARK(textLibxml2)->Name("plain-text/libxml2")->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace velmo::bench

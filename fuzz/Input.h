@@ -1,0 +1,29 @@
+// How a fuzz target makes units of its bytes: as UTF-8, or, with the first byte odd, as the
+// UTF-16 units that they are, lone surrogates and all.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include <velmocore/platform/String.h>
+
+namespace velmo::fuzz {
+
+inline String unitsOf(const std::uint8_t* data, std::size_t size) {
+    if (size > 0 && (data[0] & 1)) {
+        std::u16string units((size - 1) / 2, u'\0');
+        std::memcpy(units.data(), data + 1, units.size() * 2);
+        return String(units);
+    }
+    return String::fromUTF8({reinterpret_cast<const char*>(data), size});
+}
+
+/// What must hold. Unlike an assertion it counts in every build.
+inline void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+}  // namespace velmo::fuzz

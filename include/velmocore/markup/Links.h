@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/FunctionRef.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/url/URL.h>
+
+namespace velmo {
+
+/// The links of a page.
+struct HtmlLinks {
+    /// In page order, each once, as normalizedStringURL() makes them; not resolved.
+    std::vector<String> links;
+    /// What the last base tag that names a base says; absent if there is none.
+    URL baseURL;
+};
+
+struct LinkOptions {
+    /// Only links whose text contains this, in exact case. Empty means all links.
+    std::u16string_view containing = {};
+    /// Leaves out links whose rel says "nofollow".
+    bool useRelNoFollow = false;
+    /// Leaves out what filterLink() does not find worth following.
+    bool filter = false;
+    /// Is asked for each link, with its raw reference and its text without tags; true keeps
+    /// the link.
+    FunctionRef<bool(std::u16string_view link, std::u16string_view text)> handler = nullptr;
+};
+
+/// The references of the a and area tags of a page. If the text of links is asked for, only a
+/// tags that are closed count.
+///
+///     const HtmlLinks found = htmlLinks(page);
+///     for (const String& link : found.links) URL::URLWithString(link, found.baseURL);
+///
+/// Time is linear in the page. Any thread.
+VELMO_API HtmlLinks htmlLinks(std::u16string_view page, const LinkOptions& options = {});
+
+inline HtmlLinks htmlLinksBaseURL(std::u16string_view page) { return htmlLinks(page); }
+inline HtmlLinks htmlLinksContaining(std::u16string_view page, std::u16string_view text,
+                                     bool useRelNoFollow) {
+    return htmlLinks(page, {.containing = text, .useRelNoFollow = useRelNoFollow});
+}
+
+// These filter nothing, whatever their names say: they give what the forms above give. To
+// filter, set the option.
+
+inline HtmlLinks filteredHtmlLinksBaseURL(std::u16string_view page) { return htmlLinks(page); }
+inline HtmlLinks filteredHtmlLinksContaining(std::u16string_view page, std::u16string_view text,
+                                             bool useRelNoFollow) {
+    return htmlLinksContaining(page, text, useRelNoFollow);
+}
+
+}  // namespace velmo

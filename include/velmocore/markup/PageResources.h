@@ -1,0 +1,58 @@
+#pragma once
+
+#include <set>
+#include <string_view>
+
+#include <velmocore/markup/TagScanner.h>
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/url/URL.h>
+
+namespace velmo {
+
+// What a page points at and is made of. References are normalised but not resolved. Any
+// thread.
+//
+//     for (const String& image : htmlImages(page)) URL::URLWithString(image, base);
+
+/// What one pass over a page tells.
+struct HtmlReferences {
+    std::set<String> references;
+    /// What the last base tag that names a base says; absent if there is none.
+    URL baseURL;
+    String favIcon;  ///< of the last shortcut icon
+    String title;    ///< of the last title tag, not decoded
+    String refresh;  ///< content of the last refresh tag
+    String revisit;  ///< content of the last revisit-after tag; see revisitAfter()
+    /// Contents of all robots tags, with commas between them.
+    String robots = String::empty();
+    /// Whether the page is a feed: the root of one came before any html, head or body.
+    bool isFeed = false;
+    /// Never set; kept for callers that ask.
+    bool isFrameSet = false;
+};
+
+/// The sources of frame and iframe tags, and the rest of HtmlReferences.
+VELMO_API HtmlReferences htmlFrames(std::u16string_view page);
+/// These and the references of a and area tags.
+VELMO_API HtmlReferences htmlLinksAndFrames(std::u16string_view page);
+
+/// Images, the background of the body, and icons.
+VELMO_API std::set<String> htmlImages(std::u16string_view page);
+/// Sources of scripts, linked sheets, and the first import of each script or style element
+/// without a source.
+VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
+/// Objects, embedded content, audio, video, their sources and tracks.
+VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);
+
+/// The reference of the first shortcut icon, from the root of the site; absent if there is
+/// none. A plain icon does not count.
+VELMO_API String htmlFavIcon(std::u16string_view page);
+/// The same of one tag of a scan.
+VELMO_API String getFavIcon(const Tag& tag);
+
+/// The attribute that holds the reference of a tag of that name: "HREF", "SRC" or "DATA";
+/// empty if it has none. Names are compared in any case.
+VELMO_API std::string_view getLinkAttribute(std::u16string_view name);
+
+}  // namespace velmo

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/Range.h>
+#include <velmocore/text/ConversionTables.h>
+
+namespace velmo {
+
+// Search for a short pattern in an array of units. The result is the index of the first
+// occurrence, or NotFound; an empty pattern is found nowhere. Byte patterns stand for ASCII:
+// a byte above 127 is widened with its sign and equals no Latin-1 unit. "CaseInsensitive"
+// compares upper-case forms. Any thread may call these; nothing is allocated.
+//
+//     fastCaseInsensitiveUnicharsContainChars(u"a Charset=x", "charset");    // 2
+
+/// Mind that the last possible start is never tried: a pattern at the very end of the text,
+/// or one as long as the text, is not found. Callers count on it; the others find it.
+VELMO_API std::uint64_t fastContainsUnichars(std::u16string_view text, std::u16string_view pattern);
+VELMO_API std::uint64_t fastCaseInsensitiveContainsUnichars(std::u16string_view text,
+                                                            std::u16string_view pattern);
+VELMO_API std::uint64_t fastUnicharsContainChars(std::u16string_view text,
+                                                 std::string_view pattern);
+VELMO_API std::uint64_t fastCaseInsensitiveUnicharsContainChars(std::u16string_view text,
+                                                                std::string_view pattern);
+
+/// Takes the pattern first.
+inline std::uint64_t positionOfCharacters(std::string_view pattern, std::u16string_view text,
+                                          bool caseSensitive) {
+    return caseSensitive ? fastUnicharsContainChars(text, pattern)
+                         : fastCaseInsensitiveUnicharsContainChars(text, pattern);
+}
+
+/// Whether any of the keywords occurs in the text. With a table the text is mapped through
+/// it and the keywords are not: for the lower-case table they must be in lower case. An
+/// empty keyword occurs nowhere. Lists of hundreds of keywords are cheap on a short text.
+///
+///     constexpr std::string_view Hosts[] = {"doubleclick.net", "/adserver/"};
+///     fastContainsSubCStrings(url, Hosts, &lowerCharsTable());
+VELMO_API bool fastContainsSubCStrings(std::u16string_view text,
+                                       std::span<const std::string_view> keywords,
+                                       const ConversionTable* table);
+
+}  // namespace velmo

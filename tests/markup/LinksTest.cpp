@@ -1,0 +1,113 @@
+#include <velmocore/markup/Links.h>
+
+#include <algorithm>
+#include <random>
+
+#include <velmocore/platform/Log.h>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+std::string lastLog;
+
+/// The links with blanks between them.
+std::string links(const char16_t* page, const LinkOptions& options = {}) {
+    std::string text;
+    for (const String& link : htmlLinks(page, options).links)
+        text += (text.empty() ? "" : " ") + link.utf8();
+    return text;
+}
+
+std::string base(const char16_t* page) {
+    lastLog.clear();
+    setLogHandler([](std::string_view line) { lastLog = line; });
+    const URL url = htmlLinksBaseURL(page).baseURL;
+    setLogHandler(nullptr);
+    return url.absoluteString().utf8();
+}
+
+TEST(Links, ComeOnceInPageOrder) {
+    const struct { const char16_t* page; const char* links; } cases[] = {
+        {u"<a href=x>1</a><A HREF='y'>2</A><a href=\"x\">3</a><area href=z>", "x y z"},
+        {u"<a href=' x&#32;'><a href=x><a href=x%20><a href=X>", "x X"},
+        {u"<a name=x><a href=''><a href><a><a href=' '>", ""},
+        {u"</a href=x></area href=y><b href=z><abbr href=z>", ""},
+        {u"<!-- <a href=x> --><script>'<a href=y>'</script><a href=z>", "z"},
+        {u"<a title=\"href=no\" href=a&amp;b>", "a&b"},
+        {u"<a href=mailto:x><a href=#>", "mailto:x #"},
+        {u"text only", ""},
+        {u"", ""},
+    };
+    for (const auto& c : cases) EXPECT_EQ(links(c.page), c.links) << String(c.page);
+}
+
+TEST(Links, Options) {
+    const char16_t page[] =
+        u"<a href=a rel='x NoFollow'>one <b>b</b></a><a href=javascript:x>two</a>"
+        u"<area href=c><a href=d>T<b>h</b>ree</a><a href=e>never closed one<a>";
+    EXPECT_EQ(links(page), "a javascript:x c d e");
+    EXPECT_EQ(links(page, {.useRelNoFollow = true}), "javascript:x c d e");
+    EXPECT_EQ(links(page, {.filter = true}), "a c d e");
+    EXPECT_EQ(links(page, {.containing = u"Three"}), "d");
+    EXPECT_EQ(links(page, {.containing = u"three"}), "");
+    EXPECT_EQ(links(page, {.containing = u"o", .useRelNoFollow = true}), "javascript:x");
+    EXPECT_EQ(links(page, {.containing = u"o", .filter = true}), "a");
+    EXPECT_EQ(htmlLinksContaining(page, u"", true).links, htmlLinks(page, {.useRelNoFollow = true}).links);
+    EXPECT_EQ(filteredHtmlLinksBaseURL(page).links, htmlLinks(page).links);
+    EXPECT_EQ(filteredHtmlLinksContaining(page, u"o", false).links, htmlLinks(page, {.containing = u"o"}).links);
+}
+
+TEST(Links, HandlersSeeTheRawLinkAndItsText) {
+    std::string seen;
+    const auto keep = [&](std::u16string_view link, std::u16string_view text) {
+        seen += utf8(link) + '=' + utf8(text) + ';';
+        return link != u"b";
+    };
+    EXPECT_EQ(links(u"<a href='a '>1&amp;<i>2</i><!-- - -->3</a>no<a href=b>x</a><a href=c></a></a>"
+                    u"<a href=d><a name=e>x</a><a href=a>y</a><area href=f>",
+                    {.handler = keep}),
+              "a c");
+    EXPECT_EQ(seen, "a=1&amp;23;b=x;c=;a=y;");
+}
+
+TEST(Links, BaseTags) {
+    const struct { const char16_t* page; const char *base, *log; } cases[] = {
+        {u"<base href=http://h/a>", "http://h/a", ""},
+        {u"<BASE HREF='//h/'>", "http://h/", ""},
+        {u"<base href=http://a><base href=http://b>", "http://b", ""},
+        {u"<base href=http://a><base target=x>", "http://a", ""},
+        {u"<base href=http://a><base href=#>", "", ""},
+        {u"<base href=http://a><base href=/>", "", ""},
+        {u"<base href=http://a><base href=.>", "", ""},
+        {u"<base href=www.h.org>", "http://www.h.org", ""},
+        {u"<base href=a/>", "", "Invalid base: 'a/'"},
+        {u"<base href=/a/>", "", "Invalid base: '/a/'"},
+        {u"<base href='http://.../'>", "", "Invalid base: 'http://.../'"},
+        {u"<base href='//'>", "", "Invalid base: 'http://'"},
+        {u"</base href=http://h>", "", ""},
+        {u"<base href='http://h/a b'>", "http://h/a%20b", ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(base(c.page), c.base) << String(c.page);
+        EXPECT_EQ(lastLog, c.log) << String(c.page);
+    }
+}
+
+TEST(Links, ManyLinksComeOnceEach) {
+    std::mt19937 random(5);
+    std::u16string page;
+    std::vector<String> expected;
+    for (int i = 0; i < 20000; ++i) {
+        std::u16string link = u"/" + std::u16string(random() % 12, u'a');
+        for (unsigned n = random() % 4; n > 0; --n) link += static_cast<char16_t>(u'a' + random() % 8);
+        page += u"<a href=\"" + link + u"\">x</a>";
+        if (std::find(expected.begin(), expected.end(), link) == expected.end()) expected.emplace_back(link);
+    }
+    EXPECT_EQ(htmlLinks(page).links, expected);
+    EXPECT_EQ(htmlLinks(page, {.containing = u"x"}).links, expected);
+}
+
+}  // namespace
+}  // namespace velmo

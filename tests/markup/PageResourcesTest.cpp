@@ -1,0 +1,116 @@
+#include <velmocore/markup/PageResources.h>
+
+#include <velmocore/markup/Links.h>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+std::string joined(const std::set<String>& strings) {
+    std::string text;
+    for (const String& string : strings) text += (text.empty() ? "" : " ") + string.utf8();
+    return text;
+}
+
+TEST(PageResources, Sets) {
+    const struct { const char16_t* page; const char *images, *sheets, *objects; } cases[] = {
+        {u"<img src=b><IMG SRC='a'><img src=b></img src=c><body background=d>", "a b d", "", ""},
+        {u"<link rel=icon href=i><link rel='x-IMAGE' href=/j><link rel=ico href=k><link href=l>", "/i /j", "", ""},
+        {u"<link rel=stylesheet href=a.css><link rel=STYLE href=./b><link rel=styl href=c>", "", "./b /a.css", ""},
+        {u"<script src=a></script><script>x.src='b'</script><script>@import \"c\"</script>", "", "a c", ""},
+        {u"<style>@IMPORT url(\"a\"); @import \"b\";</style><style>@import 'c'</style><style>@import \"d</style>\"", "", "a", ""},
+        {u"<script data-x='a>b' src=c>d=\"e\"</script><style src=f>@import \"g\"</style>", "", "c f", ""},
+        {u"<object data=a src=b><source src=c><audio src=d><video src=e><track src=f><embed src=g data=h>", "", "",
+         "a c d e f g"},
+        {u"</object data=a></source src=b><objects data=c><param data=d>", "", "", ""},
+        {u"", "", "", ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(joined(htmlImages(c.page)), c.images) << String(c.page);
+        EXPECT_EQ(joined(htmlStylesheetsAndScripts(c.page)), c.sheets) << String(c.page);
+        EXPECT_EQ(joined(htmlEmbeddedObjects(c.page)), c.objects) << String(c.page);
+    }
+}
+
+TEST(PageResources, LinksAndFrames) {
+    const char16_t page[] =
+        u"<html><head><title>a &amp; <b></title><base href=http://h/><link rel='shortcut icon' href=i.ico>"
+        u"<meta http-equiv=Refresh content='5; url=x'><meta name=ROBOTS content=noindex>"
+        u"<meta name=robots content=NoIndex><meta name=robots content=nofollow><meta name=robots content=''>"
+        u"<meta name=revisit-after content='7 days'></head>"
+        u"<frame src=f><iframe src='g '></iframe src=h><a href=l><area href=m></a href=n><rss>";
+    const HtmlReferences frames = htmlFrames(page), all = htmlLinksAndFrames(page);
+    EXPECT_EQ(joined(frames.references), "f g");
+    EXPECT_EQ(joined(all.references), "f g l m");
+    EXPECT_EQ(all.baseURL.absoluteString(), u"http://h/");
+    EXPECT_EQ(all.favIcon, u"/i.ico");
+    EXPECT_EQ(all.refresh, u"5; url=x");
+    EXPECT_EQ(all.revisit, u"7 days");
+    EXPECT_EQ(all.robots, u"noindex,nofollow");
+    EXPECT_FALSE(all.isFeed || all.isFrameSet);
+    // The text between two tags: here that behind <b>.
+    EXPECT_EQ(all.title, u"");
+    EXPECT_EQ(htmlFrames(u"<title>x</title><title>a &amp; b</title>").title, u"a &amp; b");
+    EXPECT_EQ(htmlFrames(u"<title>x</title>y<title/>").title, u"y");
+    const HtmlReferences none = htmlFrames(u"<p>");
+    EXPECT_TRUE(none.title.isAbsent() && none.favIcon.isAbsent() && none.refresh.isAbsent());
+    EXPECT_TRUE(none.revisit.isAbsent() && none.baseURL.isAbsent());
+    EXPECT_EQ(none.robots, u"");
+}
+
+TEST(PageResources, Feeds) {
+    const struct { const char16_t* page; bool isFeed; } cases[] = {
+        {u"<?xml?><rss>", true}, {u"<FEED xmlns=x>", true},   {u"<rdf:RDF>", true},
+        {u"<rdf-rdf>", false},   {u"<html><rss>", false},     {u"<Body><feed>", false},
+        {u"<head/><rss>", false}, {u"<rss><html>", true},     {u"<p><rss>", true},
+    };
+    for (const auto& c : cases) EXPECT_EQ(htmlFrames(c.page).isFeed, c.isFeed) << String(c.page);
+}
+
+TEST(PageResources, FavIcons) {
+    const struct { const char16_t *page, *icon; } cases[] = {
+        {u"<link rel=\"shortcut icon\" href=\"a.ico\">", u"/a.ico"},
+        {u"<link rel=\"SHORTCUT ICON\" href=\"http://h/a.ico\"><link rel='shortcut icon' href=b>", u"http://h/a.ico"},
+        {u"<link rel='shortcut icon'><link rel='x shortcut icon' href=./b>", u"./b"},
+        {u"<link rel=icon href=a.ico>", nullptr},
+        {u"</link rel='shortcut icon' href=a>", nullptr},
+    };
+    for (const auto& c : cases) EXPECT_EQ(htmlFavIcon(c.page), String(c.icon)) << String(c.page);
+    EXPECT_EQ(getLinkAttribute(u"Area"), "HREF");
+    EXPECT_EQ(getLinkAttribute(u"IFRAME"), "SRC");
+    EXPECT_EQ(getLinkAttribute(u"object"), "DATA");
+    EXPECT_TRUE(getLinkAttribute(u"body").empty() && getLinkAttribute(u"").empty());
+}
+
+// The numbers are those that another parser gives for these pages.
+TEST(PageResources, RealPages) {
+    const struct { const char* page; std::size_t links, images, sheets, frames; const char *first, *last; } cases[] = {
+        {"cc-about-en.html", 90, 41, 30, 0, "#content", "/website-icons"},
+        {"cc-nc-de.html", 145, 4, 17, 0, "#content", "https://de.wordpress.org/"},
+        {"httpd-fr-utf8.html", 64, 5, 5, 0, "./mod/", "http://www.apache.org/licenses/LICENSE-2.0"},
+        {"httpd-ja-iso-2022-jp.html", 26, 5, 3, 0, "./mod/", "http://www.apache.org/licenses/LICENSE-2.0"},
+        {"readability-v8-blog.html", 52, 1, 4, 0, "/", "/terms#site-policies"},
+        {"readability-base-url-base-element-relative.html", 8, 5, 0, 0, "foo/bar/baz.html",
+         "https://test/foo/bar/baz.html"},
+        {"javadoc-frameset.html", 1, 0, 0, 2, "com/planbase/pdf/layoutmanager/package-summary.html",
+         "com/planbase/pdf/layoutmanager/package-summary.html"},
+    };
+    for (const auto& c : cases) {
+        const String page = String::fromUTF8(test::readData(std::string("html/") + c.page));
+        const HtmlLinks links = htmlLinks(page);
+        ASSERT_EQ(links.links.size(), c.links) << c.page;
+        EXPECT_EQ(links.links.front().utf8(), c.first);
+        EXPECT_EQ(links.links.back().utf8(), c.last);
+        EXPECT_EQ(htmlImages(page).size(), c.images) << c.page;
+        EXPECT_EQ(htmlStylesheetsAndScripts(page).size(), c.sheets) << c.page;
+        const HtmlReferences frames = htmlFrames(page);
+        EXPECT_EQ(frames.references.size(), c.frames) << c.page;
+        std::set<String> all(links.links.begin(), links.links.end());
+        all.insert(frames.references.begin(), frames.references.end());
+        EXPECT_EQ(htmlLinksAndFrames(page).references, all) << c.page;
+    }
+}
+
+}  // namespace
+}  // namespace velmo

@@ -1,0 +1,218 @@
+#include <velmocore/markup/PlainText.h>
+
+#include <random>
+#include <string>
+
+#include "TestSupport.h"
+#include "markup/WhiteRuns.h"
+
+namespace velmo {
+namespace {
+
+struct Case {
+    const char16_t* page;
+    const char16_t* text;
+    PlainTextOptions options = {};
+};
+
+template <std::size_t N>
+void expectTexts(const Case (&cases)[N]) {
+    for (const Case& c : cases)
+        EXPECT_EQ(stringByConvertingHtml2PlainText(c.page, c.options), c.text) << utf8(c.page);
+}
+
+TEST(PlainText, WritesBreaksBetweenText) {
+    expectTexts({
+        {u"plain", u"plain"},
+        {u"<p>a</p><p>b</p>", u"a\n\nb\n\n"},
+        {u"a<br><br>b", u"a\nb"},
+        {u"<br>a", u"a"},
+        {u"x<b>y</b>z", u"xyz"},
+        {u"x <b>y</b> z", u"x y z"},
+        {u"  x \n\t y\u00A0\u00A0z  ", u"x y z"},
+        {u"<a href=\"x\">a</a>b", u"a b"},
+        {u"<h1>a</h1>b<hr>c", u"a\n\nb\n\nc"},
+        {u"<h0>a</h9>b", u"a\n\nb"},
+        {u"<ul><li>a<li>b</ul>c", u"a\nb\nc"},
+        {u"<blockquote>a</blockquote><menu>b</menu>c", u"a\n\nb\n\nc"},
+        {u"a &amp; b&nbsp;&eacute;&#65;x", u"a & b \u00E9Ax"},
+        {u"<script>a</script><style>b</style>c", u"c"},
+        {u"a<!-- b -->c<![CDATA[d]]>e", u"ace"},
+        {u"<title>t</title><p>a", u"t\n\na"},
+    });
+}
+
+TEST(PlainText, LaysOutTables) {
+    expectTexts({
+        {u"<td>a</td><td>b</td>", u"a b "},
+        {u"<td>a </td>b", u"a b"},
+        {u"<table><tr><td>a<td>b<tr><td>c</table>d", u"a b\nc\n\nd"},
+        {u"a<tr>b", u"a\nb"},
+        {u"a<td><tr>b", u"a \nb"},
+        {u"ab<table>c", u"ab\n\nc"},
+        {u"ab<br><table>c", u"ab\n\nc"},
+        {u"ab<p><table>c", u"ab\n\nc"},
+    });
+}
+
+TEST(PlainText, KeepsOrFlattensPreformattedText) {
+    expectTexts({
+        {u"a<pre>b\n c</pre>d", u"a\n\nb cd"},
+        {u"a<pre> b\n\nc\nd\n-e\r\nf</pre>g", u"a\n\n b\n\nc d\n-e f g", {.reformat = true}},
+        {u"<pre>a\n</pre>b", u"ab", {.reformat = true}},
+        {u"a<code>b  c</code>d", u"a b c d"},
+        {u"a<plaintext>b<br>c", u"a\n\nb\nc"},
+        {u"<plaintext>b", u"\n\nb"},
+    });
+    EXPECT_EQ(stringByConvertingHtml2ReformattedPlainText(u"<pre>a\nb"), u"a b");
+}
+
+TEST(PlainText, LeavesHiddenElementsOut) {
+    expectTexts({
+        {u"<div style=\"display:none\">x</div>y", u"y"},
+        {u"<div style=\"display:none\"><div>x</div>y</div>z", u"x\n\ny\n\nz"},
+        {u"<div class=HIDDEN>x</div>y", u"y"},
+        {u"<span style='visibility: hidden'>x</span>y", u"y"},
+        {u"<span style='hidden visibility'>x</span>y", u"xy"},
+        {u"<div style='position:Absolute;left:-2000px'>x</div>y", u"y"},
+        {u"<div style='position:absolute;left:-20px'>x</div>y", u"x\n\ny"},
+        {u"<div style='width:3px'>x</div>y", u"y"},
+        {u"<div style='width:4px;height:-1px'>x</div>y", u"y"},
+        {u"<div style='width:4px;height:9px'>x</div>y", u"x\n\ny"},
+        {u"<select><option>x<option>y</select>z", u"z"},
+        {u"<textarea>a</textarea>b", u"b"},
+        {u"<textarea>a<div>b</div>", u"b\n\n"},
+        {u"<marquee>a</marquee>b", u"b"},
+        {u"<iframe>a</iframe><noframes>b</noframes><noscript>c</noscript>d", u"d"},
+        {u"<body bgcolor=\"#FFF\"><font color=\"#fff\">x</font>y", u"xy"},
+        {u"<body bgcolor=\"#FFF\"><font color=\"#fff\">x</font>y", u"y", {.removeJunk = true}},
+        {u"<font style='font-size:4pt'>x</font>y", u"y", {.removeJunk = true}},
+        {u"<font style='font-size:14pt'>x</font>y", u"xy", {.removeJunk = true}},
+        {u"<title>t</title>y", u"y", {.removeJunk = true}},
+    });
+}
+
+TEST(PlainText, TakesImageTextsAndInputs) {
+    expectTexts({
+        {u"a<img alt=\"b &lt;c\">d", u"a b <c d"},
+        {u"a<img title=b>d", u"a b d"},
+        {u"a<img src=x.png>d", u"a d"},
+        {u"a<img alt=b>d", u"ad", {.imageAlts = false}},
+        {u"a<input>b", u"a b"},
+        {u"<input>b", u"b"},
+    });
+}
+
+TEST(PlainText, HonoursGoogleComments) {
+    expectTexts({
+        {u"<!-- googleoff: index -->x<!-- googleon: index -->y", u"y", {.googleTags = true}},
+        {u"<!-- googleoff: index -->x<!-- googleon: all -->y", u"y", {.googleTags = true}},
+        {u"<!-- googleoff: snippet -->x", u"x", {.googleTags = true}},
+        {u"<!-- googleoff: index -->x", u"x"},
+        {u"<font class=feed_date>x</font>y", u"y", {.googleTags = true}},
+    });
+}
+
+TEST(PlainText, TakesOnlyTheBody) {
+    const PlainTextOptions onlyBody{.onlyBody = true};
+    expectTexts({
+        {u"<head><title>t</title></head><body>a</body>b", u"a", onlyBody},
+        {u"a<p>b", u"a\n\nb", onlyBody},
+        {u"<noframes>a</noframes>b", u"b", onlyBody},
+        {u"<body>a<body>b</body>c</body>d", u"abc", onlyBody},
+        {u"</body></body>a", u"a"},
+    });
+    EXPECT_EQ(
+        stringByConvertingHtml2SimplifiedPlainText(u"<title>t</title><body>a<p>b &amp;c</body>d"),
+        u" a b &c");
+    EXPECT_EQ(stringByConvertingHtml2SimplifiedPlainText(u"a<p> b"), u" a  b");
+}
+
+TEST(PlainText, DecodesAsAsked) {
+    expectTexts({
+        {u"\u00E4&auml;&lt;", u"aa<", {.nonUmlauted = true}},
+        {u"&eacute;&lt;x&#60;", u"&eacute;<x<", {.entities = false}},
+        {u"&eacute;&lt;x", u"&eacute;&lt;x", {.entities = false, .stdEntities = false}},
+        {u"&eacute;&lt;x", u"\u00E9&lt;x", {.stdEntities = false}},
+        {u"&lt", u"&lt"},
+    });
+}
+
+TEST(PlainText, RemovesJunk) {
+    const auto removed = [](const std::u16string& page, std::size_t expectedLength) {
+        bool did = false;
+        const String text =
+            stringByConvertingHtml2PlainText(String(page), {.removeJunk = true}, &did);
+        EXPECT_EQ(text.length(), expectedLength);
+        return did;
+    };
+    const std::u16string word = u"abcdefg ";
+    const auto words = [&](std::size_t units) {
+        std::u16string text;
+        while (text.size() < units) text += word;
+        return text.substr(0, units - 1) + u"x";
+    };
+    EXPECT_FALSE(removed(words(10000), 10000));
+    EXPECT_TRUE(removed(words(10001), 0));
+    EXPECT_FALSE(removed(u"<a>" + words(3500) + u"</a>", 3500));
+    EXPECT_TRUE(removed(u"<a>" + words(3501) + u"</a>", 0));
+    EXPECT_FALSE(removed(u"<a>x</a>" + words(3501), 3503));
+    // A run of 20,001 units without a break goes, with all behind the last break.
+    EXPECT_FALSE(removed(u"x<br>" + words(10000) + u"<b>" + words(10000), 20002));
+    EXPECT_TRUE(removed(u"x<br>" + words(10000) + u"<b>" + words(10000) + u"<b>y", 2));
+    EXPECT_TRUE(removed(u"<pre>x\n\n" + words(10000) + u"<b>" + words(10001), 0));
+
+    bool did = false;
+    const String keep = stringByConvertingHtml2PlainText(
+        String(u"<font style='font-size:1pt'>" + words(200) + u"</font>y"), {.removeJunk = true},
+        &did);
+    EXPECT_EQ(keep, u"y");
+    EXPECT_TRUE(did);
+    stringByConvertingHtml2PlainText(u"<font style='font-size:1pt'>a short text</font>y",
+                                     {.removeJunk = true}, &did);
+    EXPECT_FALSE(did);
+}
+
+TEST(PlainText, GivesTheReceiverWhereNothingIsToDo) {
+    for (const String& page : {String(), String(u"")})
+        EXPECT_TRUE(stringByConvertingHtml2PlainText(page).isIdenticalTo(page));
+}
+
+// The copy again, unit by unit.
+std::u16string collapsedSlowly(std::u16string_view text) {
+    std::u16string out;
+    bool inRun = false;
+    for (char16_t unit : text) {
+        const bool white = whiteCharacterSetRep().contains(unit);
+        if (!white)
+            out += unit;
+        else if (!inRun)
+            out += u' ';
+        inRun = white;
+    }
+    return out;
+}
+
+TEST(PlainText, CollapsesWhiteRunsLikeTheSlowCopy) {
+    for (unsigned unit = 0; unit < 65536; ++unit)
+        ASSERT_EQ(detail::isWhiteUnit(static_cast<char16_t>(unit), whiteCharacterSetRep()),
+                  whiteCharacterSetRep().contains(static_cast<char16_t>(unit)));
+    std::mt19937 random(3);
+    const char16_t units[] = {u' ', u' ', u'a',   u'b',   u'z',   u'\n', u'\t',
+                              0xA0, 0xE4, 0x2003, 0x3042, 0xFEFF, 0x7F,  0x3000};
+    for (int round = 0; round < 20000; ++round) {
+        std::u16string text;
+        const unsigned kinds = random() % std::size(units) + 1;
+        for (unsigned n = random() % 60; n > 0; --n)
+            text += random() % 3 ? u'x' : units[random() % kinds];
+        std::u16string out(text.size(), u'?');
+        out.resize(static_cast<std::size_t>(
+            detail::copyCollapsingWhite(text.data(), text.data() + text.size(), out.data(),
+                                        whiteCharacterSetRep()) -
+            out.data()));
+        ASSERT_EQ(out, collapsedSlowly(text)) << utf8(text);
+    }
+}
+
+}  // namespace
+}  // namespace velmo

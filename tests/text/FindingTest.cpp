@@ -1,0 +1,95 @@
+#include <velmocore/text/Finding.h>
+
+#include <vector>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+TEST(Finding, Substrings) {
+    const struct {
+        View text, sought;
+        std::size_t exact, noCase;
+    } cases[] = {
+        {u"aaaa", u"aa", 2, 2},
+        {u"aAaA", u"aa", 0, 2},
+        {u"abc", u"abc", 1, 1},
+        {u"abc", u"ABC", 0, 1},
+        {u"abc", u"abcd", 0, 0},
+        {u"abc", u"", 0, 0},
+        {u"", u"", 0, 0},
+        {View(), u"a", 0, 0},
+        {u"\u03A3\u03C3\u03C2", u"\u03C3", 1, 3},
+        {u"300 \u212A", u"k", 0, 1},
+        {u"stra\u00DFe", u"SS", 0, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(utf8(c.text));
+        EXPECT_EQ(countSubstring(c.text, c.sought), c.exact);
+        EXPECT_EQ(countSubstring(c.text, c.sought, false), c.noCase);
+        EXPECT_EQ(containsSubstring(c.text, c.sought), c.exact > 0);
+        EXPECT_EQ(containsSubstring(c.text, c.sought, false), c.noCase > 0);
+    }
+    const std::vector<String> several = {u"x", String(), u"Two"};
+    EXPECT_TRUE(containsSubstrings(u"one Two", several));
+    EXPECT_FALSE(containsSubstrings(u"one two", several));
+    EXPECT_TRUE(containsSubstrings(u"one two", several, false));
+    const std::vector<std::string_view> keywords = {"two", "Three"};
+    EXPECT_TRUE(containsSubCStrings(u"a Three", keywords));
+    EXPECT_FALSE(
+        containsSubCStrings(u"a Three", keywords, false));  // the list is not in lower case
+    EXPECT_TRUE(containsSubCStrings(u"a TWO", keywords, false));
+}
+
+TEST(Finding, FromASelection) {
+    const View text = u"ab AB ab ab";
+    const struct {
+        Range selection;
+        FindOptions options;
+        Range expected;
+    } cases[] = {
+        {{0, 0}, {}, {0, 2}},
+        {{0, 2}, {}, {6, 2}},
+        {{0, 2}, {.caseSensitive = false}, {3, 2}},
+        {{9, 2}, {}, Range::none()},
+        {{9, 2}, {.wrap = true}, {0, 2}},
+        {{7, 0}, {}, {9, 2}},  // an occurrence that overlaps does not count
+        {{0, 11}, {.wrap = true}, Range::none()},
+        {{9, 2}, {.forward = false}, {6, 2}},
+        {{6, 2}, {.caseSensitive = false, .forward = false}, {3, 2}},
+        {{0, 2}, {.forward = false}, Range::none()},
+        {{0, 2}, {.forward = false, .wrap = true}, {9, 2}},
+        {{99, 9}, {}, Range::none()},
+        {{99, 9}, {.forward = false}, {9, 2}},
+        {Range::none(), {.wrap = true}, {0, 2}},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(findString(text, u"ab", c.selection, c.options), c.expected)
+            << c.selection.location << ' ' << c.options.forward << c.options.wrap;
+    EXPECT_EQ(findString(text, u"", {0, 0}), Range::none());
+    EXPECT_EQ(findString(text, View(), {0, 0}, {.forward = false, .wrap = true}), Range::none());
+}
+
+TEST(Finding, InArrays) {
+    const std::vector<String> array = {u"", String(), u"one", u"ONE", u"\u00C9t\u00E9"};
+    EXPECT_EQ(indexOfStringEqualTo(array, u"ONE"), 3u);
+    EXPECT_EQ(indexOfStringEqualToNoCase(array, u"ONE"), 2u);
+    EXPECT_EQ(indexOfStringEqualToNoCase(array, u"\u00E9T\u00C9"), 4u);
+    EXPECT_EQ(indexOfStringEqualTo(array, u""), NotFound);
+    EXPECT_EQ(indexOfStringEqualTo({}, u"one"), NotFound);
+    EXPECT_FALSE(containsString(array, u"One"));
+    EXPECT_TRUE(containsStringNoCase(array, u"One"));
+}
+
+TEST(Finding, EqualThroughATable) {
+    EXPECT_TRUE(equalStringsUsingConversionTable(u"", String(), nullptr));
+    EXPECT_TRUE(equalStringsUsingConversionTable(u"\u00C4b", u"aB", &lowerUmlautsCharsTable()));
+    EXPECT_FALSE(equalStringsUsingConversionTable(u"ab", u"aB", nullptr));
+    EXPECT_FALSE(equalStringsUsingConversionTable(u"ab", u"abc", &lowerUmlautsCharsTable()));
+}
+
+}  // namespace
+}  // namespace velmo
