@@ -28,12 +28,18 @@ namespace test {
 
 inline std::string dataPath(const std::string& name) { return VELMO_TEST_DATA "/" + name; }
 
-/// The bytes of a file of the data folder; a missing file fails the test.
-inline std::string readData(const std::string& name) {
-    std::ifstream file(dataPath(name), std::ios::binary);
-    EXPECT_TRUE(file.good()) << "missing test data: " << name;
+/// The bytes of a file; a missing one fails the test.
+inline std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_TRUE(file.good()) << "missing: " << path;
     return {std::istreambuf_iterator<char>(file), {}};
 }
+
+/// A file of the data folder.
+inline std::string readData(const std::string& name) { return readFile(dataPath(name)); }
+
+/// One of the real pages of the demo.
+inline std::string readPage(const std::string& name) { return readFile(VELMO_PAGES "/" + name); }
 
 }  // namespace test
 }  // namespace velmo

@@ -44,7 +44,7 @@ TEST(MarkupDecoding, ReadsTheSamplePages) {
         ++pages;
         const std::string name = entry.path().filename();
         SCOPED_TRACE(name);
-        const std::string bytes = test::readData("html/" + name);
+        const std::string bytes = test::readPage(name);
         const MarkupDecoding page = decodeMarkup(bytesOf(bytes));
         const auto known = specialPages().find(name);
         const bool isSpecial = known != specialPages().end();

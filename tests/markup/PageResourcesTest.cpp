@@ -97,7 +97,7 @@ TEST(PageResources, RealPages) {
          "com/planbase/pdf/layoutmanager/package-summary.html"},
     };
     for (const auto& c : cases) {
-        const String page = String::fromUTF8(test::readData(std::string("html/") + c.page));
+        const String page = String::fromUTF8(test::readPage(c.page));
         const HtmlLinks links = htmlLinks(page);
         ASSERT_EQ(links.links.size(), c.links) << c.page;
         EXPECT_EQ(links.links.front().utf8(), c.first);

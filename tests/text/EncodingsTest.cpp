@@ -252,7 +252,7 @@ TEST(Encodings, StatusesAreTold) {
 }
 
 TEST(Encodings, ThreadsConvertAtOnce) {
-    const std::string page = test::readData("html/httpd-ko-euc-kr.html");
+    const std::string page = test::readPage("httpd-ko-euc-kr.html");
     const String expected = decoded(2368, page);
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t)
