@@ -48,9 +48,15 @@ private:
 
     template <class Select>
     const char16_t* find(const char16_t* from, Select select) {
-        if (from >= end_) return end_;
-        if (from < block_ || from - block_ >= BlockUnits) load(from);
-        std::uint64_t hits = select(marks_) >> (from - block_);
+        // A position in front of the block wraps around to a large offset.
+        std::uint64_t hits = 0;
+        if (const auto offset = static_cast<std::size_t>(from - block_); offset < BlockUnits) {
+            hits = select(marks_) >> offset;
+        } else {
+            if (from >= end_) return end_;
+            load(from);
+            hits = select(marks_);
+        }
         while (!hits) {
             from = block_ + BlockUnits;
             if (from >= end_) return end_;

@@ -16,6 +16,7 @@
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/TagName.h"
 #include "markup/WhiteRuns.h"
 #include "text/Keyword.h"
 #include "text/LeadingInteger.h"
@@ -124,7 +125,7 @@ private:
         bool leavesForm;                     ///< ends marquee and textarea
         void (Converter::*then)(Units tag);  ///< the rest of what the tag does; may be null
     };
-    static const TagRule* ruleOf(Units name);
+    static const TagRule* ruleOf(const Tag& tag);
 
     // --- the body ---------------------------------------------------------------------
 
@@ -222,6 +223,7 @@ private:
             blankOwed_ = collapseWhite_;
             return;
         }
+        if (collapseWhite_ && !mapsUnits_ && copyUnlessEncoded(span)) return;
         Units text = decoded(span, options_);
         if (text.empty()) {
             blankOwed_ = collapseWhite_;
@@ -236,25 +238,57 @@ private:
                 return;
             }
         }
-        // Breaks and blanks are never longer than what they stand for, but for a
-        // paragraph break that stands for one unit of two.
-        out_.prepare(text.size() + 2);
-        if (startsWhite) blankOwed_ = true;
-        if (blankOwed_ && (pendingText_ || (!collapseWhite_ && !lastIsWhite()))) out_.append(u' ');
-        if (collapseWhite_ || !options_.reformat)
-            copyPlain(text, endsWhite);
-        else
+        beginSpan(text.size(), startsWhite);
+        if (collapseWhite_ || !options_.reformat) {
+            out_.commit(static_cast<std::size_t>(copied<0>(text) - out_.end()));
+            endSpan(endsWhite);
+        } else {
             copyReformatted(text);
+        }
     }
 
-    void copyPlain(Units text, bool endsWhite) {
-        char16_t* const start = out_.prepare(text.size());
-        const char16_t* const end =
-            detail::copyCollapsingWhite(text.data(), text.data() + text.size(), start, white_);
-        out_.commit(static_cast<std::size_t>(end - start));
+    /// The short way for the many spans without entities: white space at the end is cut when
+    /// it stands as one blank in the output. False, and nothing done, if there is an &.
+    bool copyUnlessEncoded(Units span) {
+        std::size_t start = 0;
+        while (start < span.size() && isWhite(span[start])) ++start;
+        if (start == span.size()) {
+            blankOwed_ = true;
+            return true;
+        }
+        const std::size_t length = out_.length();
+        const bool wasOwed = blankOwed_;
+        beginSpan(span.size(), start > 0);
+        const char16_t* const end = copied<u'&'>(span.substr(start));
+        if (!end) {
+            out_.truncate(length);
+            blankOwed_ = wasOwed;
+            return false;
+        }
+        const bool endsWhite = end[-1] == u' ';
+        out_.commit(static_cast<std::size_t>(end - out_.end()) - endsWhite);
+        endSpan(endsWhite);
+        return true;
+    }
+
+    /// Makes room and writes the blank that is due in front of a span.
+    void beginSpan(std::size_t units, bool startsWhite) {
+        out_.prepare(units + 2);
+        if (startsWhite) blankOwed_ = true;
+        if (blankOwed_ && (pendingText_ || (!collapseWhite_ && !lastIsWhite()))) out_.append(u' ');
+    }
+
+    void endSpan(bool endsWhite) {
         if (dropJunkRun()) return;
         blankOwed_ = endsWhite;
         pendingText_ = true;
+    }
+
+    /// Copies text behind the output, and gives the end of what was copied.
+    template <char16_t Stop>
+    const char16_t* copied(Units text) {
+        return detail::copyCollapsingWhite<Stop>(text.data(), text.data() + text.size(), out_.end(),
+                                                 white_);
     }
 
     /// Copies preformatted text and takes its soft line wraps apart.
@@ -331,14 +365,11 @@ private:
     // --- tags -------------------------------------------------------------------------
 
     void handleTag(const Tag& tag) {
-        const Units name = tag.name();
-        if (name.empty()) {
+        if (tag.nameLength == 0) {
             if (tag.kind == TagKind::Comment) noteGoogleComment(tag);
             return;
         }
-        const bool isHeading = name.size() == 2 && keyword::upper(name[0]) == u'H' &&
-                               name[1] >= u'0' && name[1] <= u'9';
-        const TagRule* rule = isHeading ? &HeadingRule : ruleOf(name);
+        const TagRule* rule = ruleOf(tag);
         if (!rule) return;
         if (pendingText_ && rule->breakIfPending != Break::None) writeBreak(rule->breakIfPending);
         if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
@@ -437,9 +468,8 @@ private:
     void frameAlternative(Units tag) { inFrameAlternative_ = opens(tag); }
     void noScript(Units tag) { inNoScript_ = opens(tag); }
 
-    static constexpr TagRule HeadingRule{"", Break::Paragraph, true, &Converter::changeLinkDepth};
-
     const PlainTextOptions options_;
+    const bool mapsUnits_ = options_.entities && options_.nonUmlauted;  ///< text without &, too
     StringBuilder out_;
     std::u16string scratch_;      ///< a span while its entities are decoded
     std::size_t lastBreak_ = 0;   ///< length of the output behind its last break
@@ -460,67 +490,68 @@ private:
     const CharacterSetRep& space_ = spaceCharacterSetRep();
 };
 
-const Converter::TagRule* Converter::ruleOf(Units name) {
+const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
     using enum Break;
     using C = Converter;
-    // By length and first letter, so that a name is compared with few others.
     static constexpr TagRule Rules[] = {
-        {"A", None, false, &C::link},
-        {"P", Paragraph, false, nullptr},
-        {"BR", Line, false, nullptr},
-        {"DD", Line, false, nullptr},
-        {"DL", Line, false, nullptr},
-        {"DT", Line, false, nullptr},
-        {"HR", Paragraph, false, nullptr},
-        {"LI", Line, false, nullptr},
-        {"OL", Line, false, nullptr},
-        {"TD", None, false, &C::tableCell},
-        {"TH", None, false, &C::tableCell},
-        {"TR", Line, false, &C::tableRow},
-        {"UL", Line, false, nullptr},
-        {"DIR", Paragraph, false, nullptr},
-        {"DIV", Paragraph, true, &C::division},
-        {"IMG", None, false, &C::image},
-        {"PRE", None, true, &C::preformatted},
-        {"BODY", None, false, &C::enterBody},
-        {"CITE", None, false, &C::citation},
-        {"CODE", None, true, &C::code},
-        {"FONT", None, false, &C::font},
-        {"MENU", Paragraph, false, nullptr},
-        {"SPAN", None, false, &C::span},
-        {"INPUT", None, true, &C::input},
-        {"TABLE", Paragraph, true, &C::table},
-        {"IFRAME", None, false, &C::frameAlternative},
-        {"OPTION", None, true, &C::option},
-        {"SELECT", None, true, &C::select},
-        {"MARQUEE", None, false, &C::marquee},
-        {"NOFRAMES", None, false, &C::frameAlternative},
-        {"NOSCRIPT", None, false, &C::noScript},
-        {"TEXTAREA", None, false, &C::textarea},
-        {"PLAINTEXT", None, true, &C::plaintext},
-        {"BLOCKQUOTE", Paragraph, false, nullptr},
+        {"a", None, false, &C::link},
+        {"p", Paragraph, false, nullptr},
+        {"br", Line, false, nullptr},
+        {"dd", Line, false, nullptr},
+        {"dl", Line, false, nullptr},
+        {"dt", Line, false, nullptr},
+        {"hr", Paragraph, false, nullptr},
+        {"li", Line, false, nullptr},
+        {"ol", Line, false, nullptr},
+        {"td", None, false, &C::tableCell},
+        {"th", None, false, &C::tableCell},
+        {"tr", Line, false, &C::tableRow},
+        {"ul", Line, false, nullptr},
+        {"dir", Paragraph, false, nullptr},
+        {"div", Paragraph, true, &C::division},
+        {"img", None, false, &C::image},
+        {"pre", None, true, &C::preformatted},
+        {"body", None, false, &C::enterBody},
+        {"cite", None, false, &C::citation},
+        {"code", None, true, &C::code},
+        {"font", None, false, &C::font},
+        {"menu", Paragraph, false, nullptr},
+        {"span", None, false, &C::span},
+        {"input", None, true, &C::input},
+        {"table", Paragraph, true, &C::table},
+        {"iframe", None, false, &C::frameAlternative},
+        {"option", None, true, &C::option},
+        {"select", None, true, &C::select},
+        {"marquee", None, false, &C::marquee},
+        {"noframes", None, false, &C::frameAlternative},
+        {"noscript", None, false, &C::noScript},
+        {"textarea", None, false, &C::textarea},
+        {"h0", Paragraph, true, &C::changeLinkDepth},
+        {"h1", Paragraph, true, &C::changeLinkDepth},
+        {"h2", Paragraph, true, &C::changeLinkDepth},
+        {"h3", Paragraph, true, &C::changeLinkDepth},
+        {"h4", Paragraph, true, &C::changeLinkDepth},
+        {"h5", Paragraph, true, &C::changeLinkDepth},
+        {"h6", Paragraph, true, &C::changeLinkDepth},
+        {"h7", Paragraph, true, &C::changeLinkDepth},
+        {"h8", Paragraph, true, &C::changeLinkDepth},
+        {"h9", Paragraph, true, &C::changeLinkDepth},
     };
-    constexpr std::size_t Longest = 10;
-    // Row of the first rule for each length and first letter; the next entry ends them.
-    static constexpr auto FirstRow = [] {
-        std::array<std::uint8_t, (Longest + 1) * 26 + 1> first{};
-        std::size_t row = 0;
-        for (std::size_t slot = 0; slot < first.size(); ++slot) {
-            while (row < std::size(Rules) &&
-                   Rules[row].name.size() * 26 +
-                           static_cast<std::size_t>(Rules[row].name[0] - 'A') <
-                       slot)
-                ++row;
-            first[slot] = static_cast<std::uint8_t>(row);
-        }
-        return first;
-    }();
-    const unsigned letter = keyword::upper(name[0]) - u'A';
-    if (name.size() > Longest || letter >= 26) return nullptr;
-    const std::size_t slot = name.size() * 26 + letter;
-    for (std::size_t row = FirstRow[slot]; row < FirstRow[slot + 1]; ++row)
-        if (keyword::equals(name, Rules[row].name)) return &Rules[row];
-    return nullptr;
+    // Names that are too long for a number.
+    static constexpr TagRule Blockquote{"BLOCKQUOTE", Paragraph, false, nullptr};
+    static constexpr TagRule Plaintext{"PLAINTEXT", None, true, &C::plaintext};
+
+    static constexpr detail::NameTable Table([] {
+        std::array<detail::PackedName, std::size(Rules)> names{};
+        for (std::size_t i = 0; i < names.size(); ++i) names[i] = detail::packed(Rules[i].name);
+        return names;
+    }());
+    if (tag.nameLength > detail::MaxPackedUnits) {
+        if (keyword::equals(tag.name(), Blockquote.name)) return &Blockquote;
+        return keyword::equals(tag.name(), Plaintext.name) ? &Plaintext : nullptr;
+    }
+    const int row = Table.find(detail::packedName(tag));
+    return row < 0 ? nullptr : &Rules[row];
 }
 
 using Handler = bool (Converter::*)(const Tag&);

@@ -196,7 +196,7 @@ private:
         for (;;) {
             at = marks_.equalOrGreater(at);
             if (at == end_ || *at == u'>') return at;
-            at = marks_.quoteOrGreater(at + 1);
+            if (!(++at < end_ && (*at == u'"' || *at == u'\''))) at = marks_.quoteOrGreater(at);
             if (at == end_ || *at == u'>') return at;
             at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
             if (at == end_) return at;

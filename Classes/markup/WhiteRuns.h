@@ -29,7 +29,8 @@ inline __m128i inPlainStretch(__m128i block) {
 #endif
 
 /// Copies [from, to) to out, which needs as much room, and gives the end of what was
-/// written.
+/// written; null as soon as a unit equals the one to stop at, if there is one.
+template <char16_t Stop = 0>
 inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
                                      const CharacterSetRep& white) {
     // What was copied unit for unit since here stands in the output as it does in the text.
@@ -42,9 +43,11 @@ inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, c
             // The last block may begin in what is copied already.
             const std::ptrdiff_t back = std::max<std::ptrdiff_t>(scan::BlockUnits - (to - from), 0);
             const __m128i block = scan::loadBlock(from - back);
-            const __m128i single =
-                _mm_and_si128(scan::equalTo(block, u' '), inPlainStretch(_mm_srli_si128(block, 2)));
-            const int plain = _mm_movemask_epi8(_mm_or_si128(single, inPlainStretch(block)));
+            __m128i inPlain = inPlainStretch(block);
+            if constexpr (Stop) inPlain = _mm_andnot_si128(scan::equalTo(block, Stop), inPlain);
+            const int plainUnits = _mm_movemask_epi8(inPlain);
+            const int blanks = _mm_movemask_epi8(scan::equalTo(block, u' '));
+            const int plain = plainUnits | (blanks & plainUnits >> 2);
             _mm_storeu_si128(reinterpret_cast<__m128i*>(out - back), block);
             const std::ptrdiff_t copied = scan::firstOf(~plain) - back;
             if (copied <= 0) break;
@@ -54,6 +57,7 @@ inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, c
         }
 #endif
         if (!isWhiteUnit(*from, white)) {
+            if (Stop && *from == Stop) return nullptr;
             *out++ = *from++;
             continue;
         }

@@ -187,9 +187,9 @@ Decoding decodeUtf16(Bytes bytes, Units out, bool little) {
 /// Text in 8-bit units that says it is UTF-16, as pages do whose meta tag could never have
 /// been read if it were true.
 bool isSurelyEightBit(Bytes bytes) {
-    return bytes.size() >= 16 &&
-           std::ranges::all_of(bytes.first(std::min<std::size_t>(bytes.size(), 64)),
-                               [](std::uint8_t b) { return b > 0 && b < 128; });
+    const Bytes head = bytes.first(std::min<std::size_t>(bytes.size(), 32));
+    return head.size() >= 16 &&
+           std::ranges::all_of(head, [](std::uint8_t byte) { return byte > 0 && byte < 128; });
 }
 
 /// Without a byte-order mark, the text is little-endian, as browsers have it, unless its

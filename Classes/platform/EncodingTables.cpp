@@ -219,8 +219,6 @@ constexpr EncodingRow Rows[] = {
     {2081, MultiByte, "iso-2022-jp-2", Iso2022Jp},
     {2082, MultiByte, "iso-2022-jp-1", Iso2022Jp, "ISO_2022,locale=ja,version=1"},
     {2083, MultiByte, "iso-2022-jp-3", Iso2022Jp, Iso2022JpEncoder},
-    {2096, MultiByte, "iso-2022-cn", "ISO_2022,locale=zh,version=0"},
-    {2112, MultiByte, "iso-2022-kr", "ISO_2022,locale=ko,version=0"},
     // With the rows of NEC and IBM and the units of Windows for the wave dash and its like.
     {2336, MultiByte, "euc-jp", "euc-jp-2007"},
     {2352, MultiByte, "gb2312", Chinese, ChineseEncoder, EuroSign},

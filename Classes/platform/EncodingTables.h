@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <span>
 
+#include <velmocore/platform/Export.h>
+
 namespace velmo::detail {
 
 /// What one byte stands for.
@@ -42,9 +44,9 @@ struct EncodingRow {
 };
 
 /// All encodings in the order of their numbers.
-std::span<const EncodingRow> encodingRows() noexcept;
+VELMO_API std::span<const EncodingRow> encodingRows() noexcept;
 
 /// The row of an encoding; null if there is none.
-const EncodingRow* encodingRow(std::uint32_t number) noexcept;
+VELMO_API const EncodingRow* encodingRow(std::uint32_t number) noexcept;
 
 }  // namespace velmo::detail

@@ -6,6 +6,8 @@
 #include <limits>
 #include <memory>
 
+#include "platform/PropertyListGuard.h"
+
 namespace velmo {
 namespace {
 
@@ -23,7 +25,7 @@ Node parse(Bytes bytes) {
 
 std::optional<Data> propertyListAsXML(Bytes bytes) {
     // The parser looks at the first units without asking for the length.
-    if (bytes.size() < 8) return std::nullopt;
+    if (bytes.size() < 8 || !detail::isHarmlessPropertyList(bytes)) return std::nullopt;
     const Node root = parse(bytes);
     if (!root) return std::nullopt;
     char* xml = nullptr;

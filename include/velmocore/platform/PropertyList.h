@@ -25,8 +25,9 @@ struct PropertyList {
 };
 
 /// Whether the bytes can be read as a property list, binary or XML, and if so the same
-/// list as XML text in UTF-8; otherwise absent. Bytes that are damaged, or lists nested
-/// deeper than 256 levels, give absent.
+/// list as XML text in UTF-8; otherwise absent. Bytes that are damaged, lists nested deeper
+/// than 256 levels, and binary ones that share objects so that they unfold to much more than
+/// their size, give absent.
 VELMO_API std::optional<Data> propertyListAsXML(Bytes bytes);
 
 }  // namespace velmo

@@ -154,6 +154,7 @@ public:
     std::size_t length() const noexcept { return length_; }
     bool isEmpty() const noexcept { return length_ == 0; }
     char16_t* data() noexcept { return units_; }
+    char16_t* end() noexcept { return units_ + length_; }
     std::u16string_view view() const noexcept { return {units_, length_}; }
     char16_t back() const noexcept { return units_[length_ - 1]; }
 

@@ -1,0 +1,102 @@
+// Tag names as numbers: a name of up to eight ASCII units is one 64-bit value, so that
+// handlers tell tags apart with a switch and not with a row of comparisons.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include <velmocore/markup/TagScanner.h>
+
+#include "text/Keyword.h"
+#include "text/UnitScan.h"
+
+namespace velmo::detail {
+
+using PackedName = std::uint64_t;
+
+inline constexpr std::size_t MaxPackedUnits = 8;
+
+/// The number of a name that is written in lower case: the first unit in the low byte.
+constexpr PackedName packed(std::string_view name) {
+    PackedName value = 0;
+    for (std::size_t i = 0; i < name.size(); ++i)
+        value |= static_cast<PackedName>(static_cast<unsigned char>(name[i])) << (8 * i);
+    return value;
+}
+
+/// The number of a text without regard to case, as the upper-case table has it; 0 if it has
+/// no number.
+inline PackedName packedUnits(std::u16string_view name) {
+    if (name.size() > MaxPackedUnits) return 0;
+    PackedName value = 0;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        char16_t unit = keyword::upper(name[i]);
+        if (unit > 127) return 0;
+        if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
+        value |= static_cast<PackedName>(unit) << (8 * i);
+    }
+    return value;
+}
+
+/// Finds names among a fixed few by their numbers, with one multiplication and one look. The
+/// multiplier that sends each name to a slot of its own is found at compile time.
+template <std::size_t Count>
+class NameTable {
+public:
+    consteval explicit NameTable(const std::array<PackedName, Count>& names) {
+        while (!isPerfectFor(names))
+            multiplier_ = multiplier_ * 6364136223846793005 + 1442695040888963407;
+        for (std::size_t i = 0; i < Count; ++i)
+            slots_[slotOf(names[i])] = {names[i], static_cast<int>(i)};
+    }
+
+    /// The place of the name among those the table was made of; -1 if it is not there.
+    int find(PackedName name) const {
+        const Slot& slot = slots_[slotOf(name)];
+        return slot.name == name && name != 0 ? slot.index : -1;
+    }
+
+private:
+    struct Slot {
+        PackedName name = 0;
+        int index = -1;
+    };
+
+    constexpr bool isPerfectFor(const std::array<PackedName, Count>& names) const {
+        std::uint64_t taken[4] = {};
+        for (PackedName name : names) {
+            const std::size_t slot = slotOf(name);
+            if (taken[slot / 64] >> (slot % 64) & 1) return false;
+            taken[slot / 64] |= std::uint64_t{1} << (slot % 64);
+        }
+        return true;
+    }
+
+    constexpr std::size_t slotOf(PackedName name) const { return (name * multiplier_) >> 56; }
+
+    std::uint64_t multiplier_ = 0x9E3779B97F4A7C15;
+    std::array<Slot, 256> slots_{};
+};
+
+/// The number of a tag's name; 0 if it has none.
+inline PackedName packedName(const Tag& tag) {
+#if defined(__SSE2__)
+    if (tag.nameLength - 1 < MaxPackedUnits &&
+        tag.characters.size() - tag.nameLocation >= MaxPackedUnits) {
+        const __m128i units = scan::loadBlock(tag.characters.data() + tag.nameLocation);
+        const int nonAscii = _mm_movemask_epi8(scan::aboveAscii(units));
+        if ((nonAscii & ((1 << (2 * tag.nameLength)) - 1)) == 0) {
+            const __m128i bytes = _mm_packus_epi16(units, units);
+            const __m128i capital = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('A' - 1)),
+                                                  _mm_cmplt_epi8(bytes, _mm_set1_epi8('Z' + 1)));
+            const __m128i lower = _mm_or_si128(bytes, _mm_and_si128(capital, _mm_set1_epi8(0x20)));
+            const auto value = static_cast<PackedName>(_mm_cvtsi128_si64(lower));
+            return value & (~PackedName{0} >> (64 - 8 * tag.nameLength));
+        }
+    }
+#endif
+    return packedUnits(tag.name());
+}
+
+}  // namespace velmo::detail

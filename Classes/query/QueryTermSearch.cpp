@@ -1,0 +1,93 @@
+// The nearest occurrence of any of several terms.
+#include <algorithm>
+
+#include <velmocore/query/WordSearch.h>
+#include <velmocore/words/Words.h>
+
+namespace velmo {
+namespace {
+
+struct Direction {
+    bool backwards;
+
+    bool isNearer(Range a, Range b) const {
+        return backwards ? a.location > b.location : a.location < b.location;
+    }
+    /// What is still to be searched once a hit is known: going forward, only what lies
+    /// before it can beat it.
+    Range left(Range range, Range best) const {
+        if (backwards || !best.isFound()) return range;
+        return {range.location, best.location - range.location};
+    }
+};
+
+Range findTerm(const String& term, std::u16string_view text, Range range, Direction direction,
+               const TermSearchOptions& options) {
+    if (term.isEmpty() || term.length() > range.length || term == u"*") return Range::none();
+    if (!options.exactPhrase && term.length() >= 3) {
+        const std::vector<String> words = wordsUsingDefaultSeparation(term);
+        if (words.size() > 1)
+            return FindNonExactPhraseInString(text, range, words,
+                                              {.caseSensitive = options.caseSensitive,
+                                               .backwards = direction.backwards,
+                                               .exact = options.anchored});
+    }
+    const std::uint64_t location = FindWordInString(text, range, term,
+                                                    {.caseSensitive = options.caseSensitive,
+                                                     .backwards = direction.backwards,
+                                                     .wholeWord = options.anchored});
+    return location == NotFound ? Range::none() : Range{location, term.length()};
+}
+
+struct Nearest {
+    Range range = Range::none();
+    std::size_t missed = 0;  ///< so many terms, from the first on, do not occur in the range
+};
+
+Nearest nearestTerm(std::span<const String> terms, std::u16string_view text, Range range,
+                    Direction direction, const TermSearchOptions& options) {
+    Nearest best;
+    if (range.location >= text.size()) return best;
+    range.length = std::min<std::uint64_t>(range.length, text.size() - range.location);
+    for (const String& term : terms) {
+        const Range left = direction.left(range, best.range);
+        const Range hit = findTerm(term, text, left, direction, options);
+        // Once there is a hit, a miss proves nothing.
+        if (!best.range.isFound() && !hit.isFound())
+            ++best.missed;
+        else if (!best.range.isFound() || (hit.isFound() && direction.isNearer(hit, best.range)))
+            best.range = hit;
+    }
+    return best;
+}
+
+Range nearestTerm(std::vector<String>* terms, std::u16string_view text, Range range,
+                  Direction direction, const TermSearchOptions& options) {
+    const Nearest best = nearestTerm(*terms, text, range, direction, options);
+    terms->erase(terms->begin(), terms->begin() + static_cast<std::ptrdiff_t>(best.missed));
+    return best.range;
+}
+
+}  // namespace
+
+Range findNextQueryTerm(std::span<const String> terms, std::u16string_view text, Range range,
+                        const TermSearchOptions& options) {
+    return nearestTerm(terms, text, range, Direction{false}, options).range;
+}
+
+Range findPreviousQueryTerm(std::span<const String> terms, std::u16string_view text, Range range,
+                            const TermSearchOptions& options) {
+    return nearestTerm(terms, text, range, Direction{true}, options).range;
+}
+
+Range findNextQueryTerm(std::vector<String>* terms, std::u16string_view text, Range range,
+                        const TermSearchOptions& options) {
+    return nearestTerm(terms, text, range, Direction{false}, options);
+}
+
+Range findPreviousQueryTerm(std::vector<String>* terms, std::u16string_view text, Range range,
+                            const TermSearchOptions& options) {
+    return nearestTerm(terms, text, range, Direction{true}, options);
+}
+
+}  // namespace velmo

@@ -1,0 +1,67 @@
+#include "query/WordScan.h"
+
+#include "text/PatternScan.h"
+
+namespace velmo::detail {
+namespace {
+
+/// Whether no term unit adjoins the word at the position, inside the stretch.
+bool isBounded(const SoughtWord& sought, std::uint64_t position, std::uint64_t start,
+               std::uint64_t end) {
+    const auto isTermUnit = [&](std::uint64_t i) {
+        return sought.termCharacters.contains(sought.text[i]);
+    };
+    const std::uint64_t behind = position + sought.word.size();
+    return !(position > start && isTermUnit(position - 1)) && !(behind < end && isTermUnit(behind));
+}
+
+bool accepts(const SoughtWord& sought, std::uint64_t position, std::uint64_t start,
+             std::uint64_t end) {
+    return !sought.wholeWord || isBounded(sought, position, start, end);
+}
+
+bool fits(const SoughtWord& sought, std::uint64_t start, std::uint64_t end) {
+    return start <= end && end - start >= sought.word.size();
+}
+
+template <class Fold>
+std::uint64_t firstAccepted(const SoughtWord& sought, std::uint64_t start, std::uint64_t end,
+                            const Fold& fold) {
+    const std::uint64_t starts = end - sought.word.size() + 1;
+    for (std::uint64_t from = start; from < starts; ++from) {
+        const std::uint64_t found =
+            firstOccurrence(sought.text.data() + from, starts - from, sought.word, fold);
+        if (found == NotFound) break;
+        from += found;
+        if (accepts(sought, from, start, end)) return from;
+    }
+    return NotFound;
+}
+
+}  // namespace
+
+bool wordStandsAt(const SoughtWord& sought, std::uint64_t position, std::uint64_t start,
+                  std::uint64_t end) {
+    if (position < start || !fits(sought, position, end)) return false;
+    const char16_t* units = sought.text.data() + position;
+    const char16_t* word = sought.word.data();
+    const bool same = sought.caseSensitive
+                          ? sameUnits(units, word, sought.word.size(), NoFold{})
+                          : sameUnits(units, word, sought.word.size(), UpperFold{});
+    return same && accepts(sought, position, start, end);
+}
+
+std::uint64_t scanForWord(const SoughtWord& sought, std::uint64_t start, std::uint64_t end) {
+    if (!fits(sought, start, end)) return NotFound;
+    return sought.caseSensitive ? firstAccepted(sought, start, end, NoFold{})
+                                : firstAccepted(sought, start, end, UpperFold{});
+}
+
+std::uint64_t scanBackForWord(const SoughtWord& sought, std::uint64_t start, std::uint64_t end) {
+    if (!fits(sought, start, end)) return NotFound;
+    for (std::uint64_t position = end - sought.word.size() + 1; position-- > start;)
+        if (wordStandsAt(sought, position, start, end)) return position;
+    return NotFound;
+}
+
+}  // namespace velmo::detail

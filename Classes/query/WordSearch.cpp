@@ -1,0 +1,163 @@
+#include <velmocore/query/WordSearch.h>
+
+#include <algorithm>
+
+#include <velmocore/query/QueryEvaluation.h>
+
+#include "query/WordScan.h"
+#include "query/WordSteps.h"
+#include "text/UnitFold.h"
+
+namespace velmo {
+namespace {
+
+const CharacterSetRep& setOrDefault(const CharacterSetRep* termCharacters) {
+    return termCharacters ? *termCharacters : queryTermCharacters();
+}
+
+/// The part of the range that the text has.
+Range cutAt(std::u16string_view text, Range range) {
+    const std::uint64_t start = std::min<std::uint64_t>(range.location, text.size());
+    return {start, std::min<std::uint64_t>(range.length, text.size() - start)};
+}
+
+Range rangeOf(std::uint64_t location, std::u16string_view word) {
+    return location == NotFound ? Range::none() : Range{location, word.size()};
+}
+
+/// Calls found(location) for each occurrence of a whole word, without overlaps, until it
+/// gives false.
+template <class Found>
+void forEachWord(std::u16string_view text, std::u16string_view word, bool caseSensitive,
+                 Found found) {
+    for (std::uint64_t from = 0; from < text.size(); from += word.size()) {
+        from = FindWordInString(text, {from, text.size() - from}, word,
+                                {.caseSensitive = caseSensitive});
+        if (from == NotFound || !found(from)) return;
+    }
+}
+
+Range findWord(std::u16string_view text, std::u16string_view word, Range range,
+               const TermSearchOptions& options, bool backwards) {
+    const bool isInside = range.location < text.size() && range.length > 0 &&
+                          range.length <= text.size() - range.location;
+    if (!isInside || word.empty() || word.size() > text.size()) return Range::none();
+    return rangeOf(FindWordInString(text, range, word,
+                                    {.caseSensitive = options.caseSensitive,
+                                     .backwards = backwards,
+                                     .wholeWord = options.anchored}),
+                   word);
+}
+
+}  // namespace
+
+std::uint64_t FindWordInString(std::u16string_view text, Range range, std::u16string_view word,
+                               const FindWordOptions& options) {
+    if (word.empty()) return NotFound;
+    if (word.front() == u'*') return range.location;
+    range = cutAt(text, range);
+    const detail::SoughtWord sought{text, word, options.caseSensitive, options.wholeWord,
+                                    setOrDefault(options.termCharacters)};
+    return options.backwards ? detail::scanBackForWord(sought, range.location, range.end())
+                             : detail::scanForWord(sought, range.location, range.end());
+}
+
+Range FindNonExactPhraseInString(std::u16string_view text, Range range,
+                                 std::span<const String> words, const FindPhraseOptions& options) {
+    if (words.empty()) return Range::none();
+    range = cutAt(text, range);
+    const CharacterSetRep& term = setOrDefault(options.termCharacters);
+    const FindWordOptions first{options.caseSensitive, options.backwards, true, &term};
+    const auto agrees = [&](std::uint64_t position, const String& word) {
+        const char16_t* units = text.data() + position;
+        return options.caseSensitive
+                   ? detail::sameUnits(units, word.characters(), word.length(), detail::NoFold{})
+                   : detail::sameUnits(units, word.characters(), word.length(),
+                                       detail::UpperFold{});
+    };
+    /// The end of the other words, if they follow, or NotFound.
+    const auto endOfRest = [&](std::uint64_t position, std::uint64_t end) {
+        for (const String& word : words.subspan(1)) {
+            const std::uint64_t before = position;
+            while (position < end && !term.contains(text[position])) ++position;
+            // Strictly inside the range: a phrase cannot end where the range does.
+            const bool fits = position > before && word.length() < end - position;
+            if (!fits || !agrees(position, word)) return NotFound;
+            position += word.length();
+            if (options.exact && term.contains(text[position])) return NotFound;
+        }
+        return position;
+    };
+
+    std::uint64_t start = range.location, end = range.end();
+    for (;;) {
+        const std::uint64_t hit = FindWordInString(text, {start, end - start}, words[0], first);
+        if (hit == NotFound) return Range::none();
+        const std::uint64_t behind = hit + words[0].length();
+        const std::uint64_t last = behind < end ? endOfRest(behind, end) : NotFound;
+        if (last != NotFound) return {hit, last - hit};
+        if (options.backwards ? hit <= start : behind >= end) return Range::none();
+        (options.backwards ? end : start) = options.backwards ? hit : behind;
+    }
+}
+
+std::uint64_t NWordsForward(std::uint64_t n, std::u16string_view text,
+                            const CharacterSetRep& termCharacters, std::uint64_t position,
+                            std::uint64_t end) {
+    return detail::wordsForward(text, termCharacters, position,
+                                std::min<std::uint64_t>(end, text.size()), n);
+}
+
+std::uint64_t NWordsBack(std::uint64_t n, std::u16string_view text,
+                         const CharacterSetRep& termCharacters, std::uint64_t position,
+                         std::uint64_t start) {
+    return detail::wordsBack(text, termCharacters, std::min<std::uint64_t>(position, text.size()),
+                             start, n);
+}
+
+Range rangeOfWord(std::u16string_view text, std::u16string_view word, bool caseSensitive) {
+    Range result = Range::none();
+    forEachWord(text, word, caseSensitive, [&](std::uint64_t location) {
+        result = {location, word.size()};
+        return false;
+    });
+    return result;
+}
+
+std::uint64_t countWord(std::u16string_view text, std::u16string_view word, bool caseSensitive) {
+    std::uint64_t count = 0;
+    forEachWord(text, word, caseSensitive, [&](std::uint64_t) {
+        ++count;
+        return true;
+    });
+    return count;
+}
+
+Range rangeOfAnyWord(std::u16string_view text, std::span<const String> words, bool caseSensitive) {
+    for (const String& word : words) {
+        if (word.length() > text.size()) continue;
+        const Range found = rangeOfWord(text, word, caseSensitive);
+        if (found.isFound()) return found;
+    }
+    return Range::none();
+}
+
+std::uint64_t countAnyWord(std::u16string_view text, std::span<const String> words,
+                           bool caseSensitive) {
+    std::uint64_t count = 0;
+    for (const String& word : words)
+        if (word.length() <= text.size()) count += countWord(text, word, caseSensitive);
+    return count;
+}
+
+Range findNextWord(std::u16string_view text, std::u16string_view word, Range range,
+                   const TermSearchOptions& options) {
+    return findWord(text, word, range, options, false);
+}
+
+Range findPreviousWord(std::u16string_view text, std::u16string_view word, Range range,
+                       const TermSearchOptions& options) {
+    return findWord(text, word, range, options, true);
+}
+
+}  // namespace velmo

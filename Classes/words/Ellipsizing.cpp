@@ -1,0 +1,70 @@
+#include <velmocore/words/Ellipsizing.h>
+
+#include <velmocore/text/CharacterSets.h>
+#include <velmocore/words/Separators.h>
+
+#include "words/RunScan.h"
+
+namespace velmo {
+namespace {
+
+constexpr std::u16string_view Ellipsis = u"...";
+
+String ellipsizedAt(const String& text, std::size_t length) {
+    StringBuilder out(length + Ellipsis.size());
+    out.append(text.view().substr(0, length));
+    out.append(Ellipsis);
+    return out.finish();
+}
+
+}  // namespace
+
+String stringByEllipsizingAfterNWords(const String& text, std::uint64_t n) {
+    if (n == 0 || text.length() <= n) return text;
+    std::uint64_t words = 0;
+    std::size_t cut = 0;
+    detail::forEachRun(text, defaultWordSeparators(), [&](const detail::Run& run) {
+        if (run.isSeparators) return true;
+        if (++words == n) cut = run.end;
+        return words <= n;
+    });
+    return words > n ? ellipsizedAt(text, cut) : text;
+}
+
+String stringByEllipsizingAfterNCharacters(const String& text, std::uint64_t n) {
+    if (n == 0 || text.length() <= n) return text;
+    const CharacterSetRep& word = alphaNumCharacterSetRep();
+    std::size_t kept = n;
+    while (kept > 0 && word.contains(text[kept - 1])) --kept;
+    while (kept > 0 && !word.contains(text[kept - 1])) --kept;
+    return kept > 0 ? ellipsizedAt(text, kept) : text;
+}
+
+String stringByEllipsizingNLines(const String& text, std::uint64_t lines, std::uint64_t n) {
+    if (lines == 0 || text.isEmpty()) return text;
+    String first;  // given back as it is if no other line follows
+    StringBuilder out;
+    const auto add = [&](std::size_t start, std::size_t end) {
+        const String line =
+            stringByEllipsizingAfterNCharacters(text.substring({start, end - start}), n);
+        if (first.isAbsent()) {
+            first = line;
+        } else {
+            if (out.isEmpty()) out.append(first);
+            out.append(u'\n');
+            out.append(line);
+        }
+        --lines;
+    };
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < text.length() && lines > 0; ++i) {
+        if (!isFeedUnit(text[i])) continue;
+        if (i > start) add(start, i);
+        start = i + 1;
+    }
+    if (lines > 0 && start + 1 < text.length()) add(start, text.length());
+    if (!out.isEmpty()) return out.finish();
+    return first.isAbsent() ? String::empty() : first;
+}
+
+}  // namespace velmo

@@ -1,0 +1,117 @@
+// The scanning core of words and components: a text is a row of runs, each of units that
+// are all separators or all none. Every form (counts, ranges, strings, handlers) is a small
+// callable that takes these runs.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <velmocore/platform/Range.h>
+#include <velmocore/text/CharacterSets.h>
+
+namespace velmo::detail {
+
+/// A maximal run of separators, or of units that are none.
+struct Run {
+    std::size_t start;
+    std::size_t end;
+    bool isSeparators;
+
+    std::size_t length() const { return end - start; }
+    Range range() const { return {start, end - start}; }
+};
+
+/// Which of up to 64 units are in the set: bit i stands for units[i]. Eight at a time keep
+/// the shifts constant.
+inline std::uint64_t membersOf(const char16_t* units, std::size_t count,
+                               const CharacterSetRep& set) {
+    const auto bit = [&](std::size_t i, unsigned place) {
+        return static_cast<std::uint64_t>(set.contains(units[i])) << place;
+    };
+    std::uint64_t bits = 0;
+    const std::size_t whole = count & ~std::size_t{7};
+    for (std::size_t i = 0; i < whole; i += 8)
+        bits |= (bit(i, 0) | bit(i + 1, 1) | bit(i + 2, 2) | bit(i + 3, 3) | bit(i + 4, 4) |
+                 bit(i + 5, 5) | bit(i + 6, 6) | bit(i + 7, 7))
+                << i;
+    for (std::size_t i = whole; i < count; ++i) bits |= bit(i, 0) << i;
+    return bits;
+}
+
+/// Calls block(base, members, count) for each 64 units of the text, the last block being
+/// shorter; a result of false ends the scan.
+template <class Block>
+void forEachBlock(std::u16string_view text, const CharacterSetRep& set, Block block) {
+    std::size_t base = 0;
+    for (; text.size() - base >= 64; base += 64)
+        if (!block(base, membersOf(text.data() + base, 64, set), 64)) return;
+    if (const std::size_t rest = text.size() - base)
+        block(base, membersOf(text.data() + base, rest, set), rest);
+}
+
+/// Calls run(Run) for each run, from the first on; a result of false ends the scan. Edges
+/// are found 64 units at a time, by comparing each unit with its neighbour, so that the
+/// only jumps that depend on the text are those from run to run.
+template <class Handler>
+void forEachRun(std::u16string_view text, const CharacterSetRep& set, Handler run) {
+    if (text.empty()) return;
+    bool separators = set.contains(text[0]);
+    std::uint64_t before = separators;
+    std::size_t start = 0;
+    bool going = true;
+    forEachBlock(text, set, [&](std::size_t base, std::uint64_t members, std::size_t count) {
+        std::uint64_t edges = members ^ (members << 1 | before);
+        if (count < 64) edges &= (std::uint64_t{1} << count) - 1;
+        before = members >> 63;
+        for (; edges && going; edges &= edges - 1) {
+            const std::size_t end = base + static_cast<std::size_t>(std::countr_zero(edges));
+            going = run(Run{start, end, separators});
+            start = end;
+            separators = !separators;
+        }
+        return going;
+    });
+    if (going) run(Run{start, text.size(), separators});
+}
+
+/// The same, but a [ that is no separator takes all up to the next ] or the end of the text
+/// into its word, separators too. The ] itself is then looked at as any unit.
+template <class Handler>
+void forEachRunWithBrackets(std::u16string_view text, const CharacterSetRep& set, Handler run) {
+    if (text.empty()) return;
+    bool separators = set.contains(text[0]);
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (set.contains(text[i]) != separators) {
+            if (!run(Run{start, i, separators})) return;
+            start = i;
+            separators = !separators;
+        }
+        if (!separators && text[i] == u'[') i = std::min(text.find(u']', i + 1), text.size()) - 1;
+    }
+    run(Run{start, text.size(), separators});
+}
+
+/// Number of runs of units that are no separators.
+inline std::uint64_t countOfWordRuns(std::u16string_view text, const CharacterSetRep& set) {
+    std::uint64_t count = 0, before = 1;
+    forEachBlock(text, set, [&](std::size_t, std::uint64_t members, std::size_t units) {
+        std::uint64_t starts = ~members & (members << 1 | before);
+        if (units < 64) starts &= (std::uint64_t{1} << units) - 1;
+        before = members >> 63;
+        count += static_cast<std::uint64_t>(std::popcount(starts));
+        return true;
+    });
+    return count;
+}
+
+/// The part of a text that a range covers, cut at the text's end.
+inline std::u16string_view unitsInRange(std::u16string_view text, Range range) {
+    return range.location < text.size() ? text.substr(range.location, range.length)
+                                        : std::u16string_view();
+}
+
+}  // namespace velmo::detail

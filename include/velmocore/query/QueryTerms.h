@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+/// How a term joins the siblings before it.
+enum class QueryOperator : std::int32_t {
+    And = 0,     ///< AND, BUT, &
+    Or = 1,      ///< OR, |
+    Xor = 2,     ///< XOR, EOR, ^
+    Near = 3,    ///< NEAR, NEAR/5
+    Before = 4,  ///< BEFORE, BEFORE/5
+    After = 5,   ///< AFTER, AFTER/5
+    Next = 6,    ///< NEXT, NEXT/5
+    Opt = 7,     ///< OPT
+    None = 8,    ///< not written: the common operator of a group where there is none
+};
+
+/// NEAR, BEFORE, AFTER and NEXT.
+constexpr bool isProximityOperator(QueryOperator op) {
+    return op >= QueryOperator::Near && op <= QueryOperator::Next;
+}
+
+/// The distance, in words, that stands for any distance.
+inline constexpr std::uint64_t UnboundedDistance = 0x7FFFFFFFFFFFFFFF;
+
+/// What a query's terms get that does not say otherwise.
+struct QueryOptions {
+    QueryOperator defaultOperator = QueryOperator::And;
+    std::uint64_t defaultDistance = 10;  ///< in words
+    /// Terms are wildcard patterns: a [ begins a set of characters and not a comment, and a
+    /// term marked with ~ gets a star at both ends.
+    bool wildcard = false;
+};
+
+/// What a node says of itself, apart from its text or children.
+struct QueryTermFields {
+    QueryOperator queryOperator = QueryOperator::And;
+    std::uint64_t proximityDistance = 10;
+    bool queryNot = false;
+    bool querySubstring = false;
+};
+
+namespace detail {
+struct QueryNode;
+struct QueryTree;
+}  // namespace detail
+
+/// A search query as a tree of words and groups, parsed from what a user types. There is no
+/// precedence: operators join their terms from left to right. Every text is a query, if
+/// perhaps an empty one; nothing fails.
+///
+///     QueryTerms query(u"(tea OR coffee) NEAR/5 \"two cups\" -sugar");
+///     query.matchesString(u"Two cups of tea, please", false);     // true
+///     query.numberOfChildren();                                    // 3
+///
+/// A word stands for itself. What else has a meaning: quotes for a phrase, parentheses, -
+/// or ! or NOT for a term that must not match, ~ for one that may stand inside a longer
+/// word, + for none of these, [comments], and the operators of QueryOperator, in any case.
+///
+/// A QueryTerms is one node with all that is below it. The tree is immutable and shared by
+/// its nodes, so that copies and children cost no more than a counter; any thread may read
+/// it. Parsing takes time in proportion to the text, however deep its parentheses go. A
+/// default-made QueryTerms is absent: it has no word and no children and matches nothing.
+class VELMO_API QueryTerms {
+public:
+    QueryTerms() noexcept = default;
+    explicit QueryTerms(std::u16string_view query, const QueryOptions& options = {});
+    /// The top node gets these fields, instead of the default operator and distance.
+    QueryTerms(std::u16string_view query, const QueryOptions& options,
+               const QueryTermFields& fields);
+
+    /// Absent for an absent string.
+    static QueryTerms queryTermsWithString(const String& query);
+    static QueryTerms queryTermsWithWildcard(const String& query);
+    /// A single word node; the text is taken as it is.
+    static QueryTerms queryTermsWithWord(std::u16string_view word, const QueryTermFields& fields,
+                                         bool phrase = false);
+
+    bool isAbsent() const noexcept { return tree_ == nullptr; }
+    /// Whether there is something to look for: true for a word, and for a group with children.
+    bool isValid() const noexcept;
+    bool isWord() const noexcept;
+
+    /// How this node joins the siblings before it. It means nothing on a first child.
+    QueryOperator queryOperator() const noexcept;
+    /// The operator that all children from the second on share, or None.
+    QueryOperator commonOperator() const noexcept;
+    /// In words, for the proximity operators. 0 makes such an operator a plain AND.
+    std::uint64_t proximityDistance() const noexcept;
+    bool queryNot() const noexcept;
+    /// Whether a word may match inside a longer one.
+    bool querySubstring() const noexcept;
+    /// Whether a word came from quotes.
+    bool queryPhrase() const noexcept;
+
+    /// The text of a word; empty for a group. It lives as long as a node of its tree.
+    std::u16string_view word() const noexcept;
+    std::size_t numberOfChildren() const noexcept;
+    /// One of the children; absent if there are not so many.
+    QueryTerms child(std::size_t index) const;
+
+    /// Whether the query holds for a text. False for an empty text.
+    bool matchesString(std::u16string_view text, bool caseSensitive) const;
+    /// Whether a word that is not negated occurs in the text; operators and distances play
+    /// no role, nor does the negation of this node itself.
+    bool containsString(std::u16string_view text, bool caseSensitive) const;
+
+private:
+    friend struct detail::QueryTree;
+    QueryTerms(std::shared_ptr<const detail::QueryTree> tree, std::size_t index) noexcept
+        : tree_(std::move(tree)), index_(index) {}
+    const detail::QueryNode& node() const noexcept;
+
+    std::shared_ptr<const detail::QueryTree> tree_;
+    std::size_t index_ = 0;
+};
+
+}  // namespace velmo

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/Range.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/text/CharacterSets.h>
+#include <velmocore/words/Words.h>
+
+namespace velmo {
+
+// A component is a stretch that ends with its separators: a clause, a sentence, a line. A
+// run of separators is one end. A stretch without separators at the end of the text is one
+// more component. A null set stands for defaultComponentSeparators(). All locations and
+// lengths count UTF-16 units.
+//
+//     componentsUsingDefaultSeparation(u"Yes. No?! Perhaps");    // "Yes." " No?!" " Perhaps"
+//     numberOfComponentsUsingSeparators(text, &defaultSentenceSeparators());
+
+/// Number of components. If ranges is not null, it is filled with them; each range holds its
+/// separators.
+VELMO_API std::uint64_t componentsOfCharacters(std::u16string_view characters,
+                                               const CharacterSetRep* separators = nullptr,
+                                               std::vector<Range>* ranges = nullptr);
+
+/// Calls the handler for each component and gives the number of calls; 0 if there is no
+/// handler. An exception out of the handler passes through.
+VELMO_API std::uint64_t parseComponentsWithHandler(std::u16string_view text, WordHandler handler,
+                                                   const CharacterSetRep* separators = nullptr);
+
+/// The same on a private copy, which the handler may change; where the components stand does
+/// not change with it.
+VELMO_API std::uint64_t parseMutableComponentsWithHandler(
+    std::u16string_view text, MutableWordHandler handler,
+    const CharacterSetRep* separators = nullptr);
+
+/// How a text is cut into strings.
+struct ComponentOptions {
+    const CharacterSetRep* separators = nullptr;  ///< null is defaultComponentSeparators()
+    /// Whether a component keeps its separators. Without them empty components are left out.
+    bool withSeparators = true;
+};
+
+/// The components as strings; a text that is one component comes back as it is.
+VELMO_API std::vector<String> componentsUsingSeparators(const String& text,
+                                                        const ComponentOptions& options = {});
+inline std::vector<String> componentsUsingDefaultSeparation(const String& text) {
+    return componentsUsingSeparators(text);
+}
+
+VELMO_API std::uint64_t numberOfComponentsUsingSeparators(
+    std::u16string_view text, const CharacterSetRep* separators = nullptr);
+/// The range is cut at the end of the text; one that begins there, or no range, has none.
+VELMO_API std::uint64_t numberOfComponentsInRange(std::u16string_view text, Range range,
+                                                  const CharacterSetRep* separators = nullptr);
+inline std::uint64_t numberOfComponentsOfCharacters(std::u16string_view characters,
+                                                    const CharacterSetRep* separators = nullptr) {
+    return componentsOfCharacters(characters, separators);
+}
+
+/// What numberOfParagraphs() counts.
+struct ParagraphCount {
+    std::uint64_t paragraphs = 0;
+    std::uint64_t words = 0;
+};
+
+/// The paragraphs of a part of the text, which are its components by defaultLineSeparators(),
+/// so that empty lines between them do not count, and its words of at least minLen units.
+VELMO_API ParagraphCount numberOfParagraphs(std::u16string_view text, Range range,
+                                            std::uint64_t minLen = 1);
+
+}  // namespace velmo

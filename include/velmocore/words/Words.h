@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/FunctionRef.h>
+#include <velmocore/platform/Range.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/text/CharacterSets.h>
+
+namespace velmo {
+
+// A word is a stretch of units between separators; one that is too short is dropped. What
+// separates is a set; null stands for defaultWordSeparators(). All locations and lengths
+// count UTF-16 units. An empty text has no words.
+//
+//     numberOfWordsUsingDefaultSeparation(u"don't");              // 2
+//     wordsUsingDefaultSeparation(u"A well-known fact", 3);       // well, known, fact
+//
+// Time is linear in the text. Any thread may scan; all state is on the stack.
+
+/// How a text is cut into words.
+struct WordOptions {
+    const CharacterSetRep* separators = nullptr;  ///< null is defaultWordSeparators()
+    bool withSeparators = false;                  ///< each run of separators is an entry of its own
+    std::uint64_t minLen = 1;                     ///< shorter words are dropped; 0 means 1
+    /// A [ that is no separator takes all up to the next ] into its word, so that a
+    /// wildcard's set of characters is not cut.
+    bool wildcard = false;
+};
+
+/// The bit of a length that marks an entry as a run of separators. It leaves 31 bits for
+/// the length.
+inline constexpr std::uint64_t SeparatorMark = 1u << 31;
+constexpr bool isSeparatorEntry(Range entry) { return (entry.length & SeparatorMark) != 0; }
+constexpr Range withoutSeparatorMark(Range entry) {
+    return {entry.location, entry.length & ~SeparatorMark};
+}
+
+/// Number of entries. If ranges is not null, it is filled with them; the length of a run of
+/// separators carries the SeparatorMark.
+VELMO_API std::uint64_t wordsOfCharacters(std::u16string_view characters,
+                                          const WordOptions& options = {},
+                                          std::vector<Range>* ranges = nullptr);
+
+/// Takes the whole text and the range of one word in it.
+using WordHandler = FunctionRef<void(std::u16string_view text, Range word)>;
+/// The same on a private copy of the text, which the handler may change.
+using MutableWordHandler = FunctionRef<void(std::span<char16_t> text, Range word)>;
+
+/// What a handler is called for.
+struct WordParseOptions {
+    const CharacterSetRep* separators = nullptr;  ///< null is defaultWordSeparators()
+    std::uint64_t minLen = 1;                     ///< 0 means 1
+    bool wildcard = false;                        ///< see WordOptions
+};
+
+/// Calls the handler for each word and gives the number of calls: 0 if there is no handler
+/// or the text is shorter than the minimum. An exception out of the handler passes through.
+///
+///     std::set<std::u16string_view> distinct;
+///     parseWordsWithHandler(text, [&](std::u16string_view units, Range word) {
+///         distinct.insert(units.substr(word.location, word.length));
+///     });
+VELMO_API std::uint64_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
+                                              const WordParseOptions& options = {});
+
+/// The same on a copy that lives until the last call. What a handler changes is seen by the
+/// calls after it, but does not change where the words stand.
+VELMO_API std::uint64_t parseMutableWordsWithHandler(std::u16string_view text,
+                                                     MutableWordHandler handler,
+                                                     const WordParseOptions& options = {});
+
+/// The words as strings; with separators, so are the runs of them. A text that is one word
+/// comes back as it is.
+///
+/// If hyphenated is given, it tells whether a reader sees one term: more than one word was
+/// kept, and they are single letters joined by full stops (U.S.A.) or are joined by hyphens
+/// only (well-known).
+VELMO_API std::vector<String> wordsUsingSeparators(const String& text,
+                                                   const WordOptions& options = {},
+                                                   bool* hyphenated = nullptr);
+VELMO_API std::vector<String> wordsUsingDefaultSeparation(const String& text,
+                                                          std::uint64_t minLen = 1);
+/// Cuts at white space only.
+VELMO_API std::vector<String> wordsUsingWhiteSeparation(const String& text,
+                                                        std::uint64_t minLen = 1);
+
+// Counts, which make no strings.
+
+VELMO_API std::uint64_t numberOfWordsUsingSeparators(std::u16string_view text,
+                                                     const CharacterSetRep* separators,
+                                                     std::uint64_t minLen = 1,
+                                                     bool wildcard = false);
+VELMO_API std::uint64_t numberOfWordsUsingDefaultSeparation(std::u16string_view text,
+                                                            std::uint64_t minLen = 1);
+/// The words of a part of the text, whose edges end words. The range is cut at the end of
+/// the text; one that begins there, or no range, has no words.
+VELMO_API std::uint64_t numberOfWordsInRange(std::u16string_view text, Range range,
+                                             const CharacterSetRep* separators = nullptr,
+                                             std::uint64_t minLen = 1);
+inline std::uint64_t numberOfWordsOfCharacters(std::u16string_view characters) {
+    return numberOfWordsUsingDefaultSeparation(characters);
+}
+
+}  // namespace velmo

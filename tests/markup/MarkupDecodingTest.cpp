@@ -1,0 +1,224 @@
+#include <velmocore/markup/MarkupDecoding.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <vector>
+
+#include <velmocore/markup/CzechEncodings.h>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+struct Page {
+    std::string_view charset;
+    const char16_t* text;  ///< some text in it that no wrong reading has
+};
+
+/// The pages of the test data that are not UTF-8, and some of the others.
+const std::map<std::string, Page>& specialPages() {
+    static const std::map<std::string, Page> pages = {
+        {"extruct-opengraph_test.html", {"windows-1252", u"Open Graph Protocol"}},
+        {"httpd-de-iso-8859-1.html", {"iso-8859-1", u"Verf\u00FCgbare"}},
+        {"httpd-pt-br-iso-8859-1.html", {"iso-8859-1", u"Descri\u00E7\u00E3o das novas"}},
+        {"httpd-ja-euc-jp.html", {"euc-jp", u"\u30C9\u30AD\u30E5\u30E1\u30F3\u30C6"}},
+        {"httpd-ja-iso-2022-jp.html", {"iso-2022-jp", u"\u30D0\u30A4\u30F3\u30C9"}},
+        {"httpd-ko-euc-kr.html", {"euc-kr", u"\uC8FC\uC18C\uC640 \uD3EC\uD2B8 \uC9C0\uC815"}},
+        {"httpd-ru-koi8-r.html", {"koi8-r", u"\u041E\u0431\u0437\u043E\u0440"}},
+        {"httpd-zh-cn-utf8.html", {"utf-8", u"\u670D\u52A1\u5668"}},
+        {"jsoup-bom_utf16be.html", {"utf-16", u"\uD55C\uAE00"}},
+        {"jsoup-bom_utf16le.html", {"utf-16", u"\uD55C\uAE00"}},
+        {"jsoup-bom_utf8.html", {"utf-8", u"There is a UTF8 BOM at the top"}},
+        {"jsoup-meta-charset-1.html", {"gb2312", u"<body>\u65B0</body>"}},
+        {"trafilatura-utf8.html", {"utf-8", u"\u222E E\u22C5da = Q"}},
+    };
+    return pages;
+}
+
+TEST(MarkupDecoding, ReadsTheSamplePages) {
+    std::size_t pages = 0, special = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(test::dataPath("html"))) {
+        if (entry.path().extension() == ".json") continue;
+        ++pages;
+        const std::string name = entry.path().filename();
+        SCOPED_TRACE(name);
+        const std::string bytes = test::readData("html/" + name);
+        const MarkupDecoding page = decodeMarkup(bytesOf(bytes));
+        const auto known = specialPages().find(name);
+        const bool isSpecial = known != specialPages().end();
+        special += isSpecial;
+        EXPECT_EQ(ianaName(page.encoding), isSpecial ? known->second.charset : "utf-8");
+        if (isSpecial) {
+            EXPECT_NE(page.text.view().find(known->second.text), std::u16string_view::npos);
+        }
+        // One page has a U+FFFD of its own.
+        EXPECT_EQ(std::ranges::count(page.text, u'\uFFFD'), name == "trafilatura-utf8.html");
+        EXPECT_NE(page.text[0], u'\uFEFF');
+    }
+    EXPECT_EQ(pages, 37u);
+    EXPECT_EQ(special, specialPages().size());
+}
+
+std::string meta(std::string_view charset) { return "<meta charset=" + std::string(charset) + ">"; }
+
+TEST(MarkupDecoding, TriesInOrder) {
+    struct Case {
+        const char* what;
+        std::string bytes;
+        const char16_t* header;
+        StringEncoding defaultEncoding;
+        StringEncoding won;
+        const char16_t* text;  ///< behind the meta tag
+    };
+    const std::string utf8 = "caf\xC3\xA9", latin = "caf\xE9", russian = "\xCF\xF0";
+    const Case cases[] = {
+        {"nothing is said", utf8, u"", 4, 4, u"caf\u00E9"},
+        {"nothing is said, and it is not UTF-8", latin, u"", 4, 4, u"caf\uFFFD"},
+        {"the default is all there is", latin, u"", 5, 5, u"caf\u00E9"},
+        {"the header alone", latin, u"iso-8859-1", 4, 5, u"caf\u00E9"},
+        {"an unknown header", utf8, u"auto", 4, 4, u"caf\u00E9"},
+        {"the page alone", meta("latin1") + latin, u"", 4, 5, u"caf\u00E9"},
+        {"the page alone, wrongly", meta("latin1") + utf8, u"", 4, 5, u"caf\u00C3\u00A9"},
+        {"UTF-8 by the header is right, as Latin 1 is longer", meta("iso-8859-1") + utf8, u"utf-8",
+         4, 4, u"caf\u00E9"},
+        {"the page is right, as UTF-8 has errors", meta("iso-8859-1") + latin, u"utf-8", 4, 5,
+         u"caf\u00E9"},
+        {"the header is right, as the page's reading has errors", meta("utf-8") + latin,
+         u"windows-1252", 4, 12, u"caf\u00E9"},
+        {"both without errors: the page", meta("windows-1252") + utf8, u"utf-8", 4, 12,
+         u"caf\u00C3\u00A9"},
+        {"an unknown declaration", meta("x-auto-x") + utf8, u"", 4, 4, u"caf\u00E9"},
+        {"ASCII is no declaration", meta("us-ascii") + utf8, u"", 4, 4, u"caf\u00E9"},
+        {"Windows-1251 by the page", meta("windows-1251") + russian, u"", 4, 11, u"\u041F\u0440"},
+        {"Windows-1251 by the page against a header of UTF-8 that is right",
+         meta("windows-1251") + "\xD0\x9F", u"utf-8", 4, 4, u"\u041F"},
+        {"Windows-1251 by the page against another header", meta("windows-1251") + russian,
+         u"koi8-r", 4, 11, u"\u041F\u0440"},
+        {"Big5", meta("big5") + "\xA4\xA4\x88\x56", u"", 4, 0x80000A03, u"\u4E2D\u0100"},
+        {"Big5, whose reading has errors, against the header", meta("big5") + "\xFF", u"latin1", 4,
+         0x80000A03, u"\uFFFD"},
+        {"Kamenicky by the page", meta("x-kam-cs") + "\x9B", u"latin1", 4, KamenickyStringEncoding,
+         u"\u0160"},
+        {"KOI8-CS2 by the page", meta("koi8-cs2") + "\xC3", u"", 4, KOI8CS2StringEncoding,
+         u"\u010D"},
+        {"Kamenicky by the header", "\x9B", u"x-kam-cs", 4, KamenickyStringEncoding, u"\u0160"},
+        {"UTF-16 by the page, which cannot be", "<html><head>" + meta("utf-16") + utf8, u"", 4, 4,
+         u"caf\u00E9"},
+        {"a default that does not exist", latin, u"", 99, 99, nullptr},
+        {"a mark of UTF-16",
+         std::string("\xFF\xFE"
+                     "a\0",
+                     4),
+         u"", 4, UTF16LittleEndianStringEncoding, u"a"},
+        {"a header that names what cannot be read", utf8, u"utf-16", 4, 10, u"\u6163\uC366\uFFFD"},
+        {"a page of its mark only", "\xEF\xBB\xBF", u"", 4, 4, u""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        const MarkupDecoding page = decodeMarkup(
+            bytesOf(c.bytes), {.encodingName = c.header, .defaultEncoding = c.defaultEncoding});
+        EXPECT_EQ(page.encoding, c.won);
+        if (!c.text) {
+            EXPECT_TRUE(page.text.isAbsent());
+            continue;
+        }
+        ASSERT_FALSE(page.text.isAbsent());
+        const std::size_t tag = page.text.view().rfind(u'>') + 1;
+        EXPECT_EQ(page.text.view().substr(tag), std::u16string_view(c.text)) << page.text;
+    }
+    EXPECT_TRUE(stringWithMarkupData({}).isIdenticalTo(String::empty()));
+    EXPECT_EQ(
+        stringWithMarkupData(bytesOf(latin), {.contentType = u"text/html; charset=ISO-8859-1"}),
+        u"caf\u00E9");
+    EXPECT_EQ(decodeMarkup(bytesOf(meta("latin1"))).declared, u"latin1");
+}
+
+class MarkupFile : public testing::Test {
+protected:
+    void TearDown() override { std::filesystem::remove(path_); }
+
+    String read(std::string_view bytes, StringEncoding defaultEncoding = 4) {
+        std::ofstream(path_, std::ios::binary) << bytes;
+        used_ = 77;
+        return stringWithMarkupContentsOfFile(String::fromUTF8(path_), defaultEncoding, &used_);
+    }
+
+    std::string path_ = testing::TempDir() + "velmo-page-" + std::to_string(::getpid());
+    StringEncoding used_ = 0;
+};
+
+TEST_F(MarkupFile, HasItsOwnOrderOfTrials) {
+    struct Case {
+        std::string bytes;
+        StringEncoding defaultEncoding, used;
+        const char16_t* tail;
+    };
+    const Case cases[] = {
+        {"caf\xC3\xA9", 4, 4, u"caf\u00E9"},
+        {"", 4, 4, u""},
+        {meta("us-ascii") + "\xE9", 5, 5, u"\u00E9"},
+        {meta("utf-8") + "\xC3\xA9", 4, 4, u"\u00E9"},
+        {meta("utf-8") + "\xC3\xA9", 5, 4, u"\u00E9"},
+        {meta("utf-8") + "\xE9", 5, 5, u"\u00E9"},       // more errors
+        {meta("latin1") + "\xC3\xA9", 4, 4, u"\u00E9"},  // longer
+        {meta("latin1") + "\xE9", 4, 5, u"\u00E9"},
+        {meta("koi8-r") + "\xF0", 4, 0x80000A02, u"\u041F"},
+        {meta("kam-cs") + "\x9B", 4, KamenickyStringEncoding, u"\u0160"},
+        {"<html><head>" + meta("utf-16") + "a", 4, 10, u"a"},  // told, but not so read
+    };
+    for (const Case& c : cases) {
+        const String text = read(c.bytes, c.defaultEncoding);
+        EXPECT_EQ(used_, c.used) << c.bytes;
+        ASSERT_FALSE(text.isAbsent());
+        EXPECT_EQ(text.view().substr(text.view().rfind(u'>') + 1), std::u16string_view(c.tail));
+    }
+    EXPECT_TRUE(read("a", 99).isAbsent());
+    EXPECT_EQ(used_, 99u);
+    StringEncoding used = 1;
+    EXPECT_TRUE(stringWithMarkupContentsOfFile(u"/none/such", 4, &used).isAbsent());
+    EXPECT_EQ(used, UnknownStringEncoding);
+    EXPECT_TRUE(stringWithMarkupContentsOfFile(String(), 4).isAbsent());
+}
+
+TEST_F(MarkupFile, PropertyListsAreGivenAsXML) {
+    const String xml = String::fromUTF8(test::readData("locations/pliststyle.webloc"));
+    EXPECT_EQ(read(test::readData("locations/oldstyle.webloc")), xml);
+    EXPECT_EQ(used_, UnknownStringEncoding);
+    EXPECT_EQ(read("bplist00 but broken"), u"bplist00 but broken");
+    EXPECT_EQ(used_, 4u);
+    path_ += ".plist";
+    std::filesystem::remove(path_.substr(0, path_.size() - 6));
+    EXPECT_TRUE(
+        read("<plist version='1.0'><true/></plist>").view().ends_with(u">\n<true/>\n</plist>\n"));
+    EXPECT_EQ(used_, UnknownStringEncoding);
+    EXPECT_EQ(read("<p>no list"), u"<p>no list");
+}
+
+TEST(CzechEncodings, ReadEveryByte) {
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+    struct Case {
+        String text;
+        std::size_t changed;
+        std::u16string_view start;  ///< from 0x80 on
+    };
+    const Case cases[] = {
+        {stringWithKamenickyData(bytesOf(bytes)), 129, u"\u010C\u00FC\u00E9\u010F"},
+        {stringWithKoi8cs2Data(bytesOf(bytes)), 82, u"\x80\x81\x82\x83"},
+    };
+    for (const Case& c : cases) {
+        ASSERT_EQ(c.text.length(), 256u);
+        std::size_t changed = 0;
+        for (std::size_t i = 0; i < 256; ++i) changed += c.text[i] != i;
+        EXPECT_EQ(changed, c.changed);
+        EXPECT_EQ(c.text.view().substr(0x80, 4), c.start);
+    }
+    EXPECT_TRUE(cases[0].text[0xE2] == 0x0194 && cases[0].text[0x7F] == 0x2302);
+    EXPECT_TRUE(cases[1].text[0x24] == 0x00A4 && cases[1].text[0xC7] == 0x00C7);
+    EXPECT_TRUE(stringWithKamenickyData({}).isIdenticalTo(String::empty()));
+}
+
+}  // namespace
+}  // namespace velmo

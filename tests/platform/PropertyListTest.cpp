@@ -1,0 +1,119 @@
+#include <velmocore/platform/PropertyList.h>
+
+#include <functional>
+#include <vector>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+void appendNumber(std::string& bytes, std::uint64_t value, int size) {
+    while (size-- > 0) bytes += static_cast<char>(value >> (8 * size));
+}
+
+/// A binary list of the objects, the first of which is its root. References have 4 bytes.
+std::string binaryList(const std::vector<std::string>& objects) {
+    std::string bytes = "bplist00";
+    std::vector<std::size_t> offsets;
+    for (const std::string& object : objects) {
+        offsets.push_back(bytes.size());
+        bytes += object;
+    }
+    const std::size_t table = bytes.size();
+    for (std::size_t offset : offsets) appendNumber(bytes, offset, 4);
+    appendNumber(bytes, 0x0404, 8);
+    appendNumber(bytes, objects.size(), 8);
+    appendNumber(bytes, 0, 8);
+    appendNumber(bytes, table, 8);
+    return bytes;
+}
+
+std::string arrayOf(const std::vector<std::uint32_t>& references) {
+    std::string object = "\xAF\x12";
+    appendNumber(object, references.size(), 4);
+    for (std::uint32_t reference : references) appendNumber(object, reference, 4);
+    return object;
+}
+
+/// Arrays in one another, each of which refers to the next that many times.
+std::string nestedBinary(std::uint32_t levels, std::size_t times = 1) {
+    std::vector<std::string> objects;
+    for (std::uint32_t level = 1; level < levels; ++level)
+        objects.push_back(arrayOf(std::vector<std::uint32_t>(times, level)));
+    objects.push_back(arrayOf({}));
+    return binaryList(objects);
+}
+
+std::string nestedXML(int levels, std::string_view open, std::string_view close) {
+    std::string text = "<?xml version='1.0'?><plist version=\"1.0\">";
+    for (int i = 0; i < levels; ++i) text += open;
+    for (int i = 0; i < levels; ++i) text += close;
+    return text + "</plist>";
+}
+
+bool isRead(std::string_view bytes) { return propertyListAsXML(bytesOf(bytes)).has_value(); }
+
+TEST(PropertyListAsXML, ReadsBothForms) {
+    const std::string xml = test::readData("locations/pliststyle.webloc");
+    const auto binary = propertyListAsXML(bytesOf(test::readData("locations/oldstyle.webloc")));
+    ASSERT_TRUE(binary);
+    EXPECT_EQ(charsOf(*binary), xml);
+    EXPECT_EQ(propertyListAsXML(bytesOf(xml)), binary);
+    EXPECT_FALSE(isRead("") || isRead("bplist00") || isRead("<html><p>no list</p></html>"));
+}
+
+TEST(PropertyListAsXML, RefusesWhatWouldRecurseOrUnfold) {
+    EXPECT_TRUE(isRead(nestedBinary(256)));
+    EXPECT_FALSE(isRead(nestedBinary(257)));
+    EXPECT_FALSE(isRead(nestedBinary(100000)));
+    EXPECT_TRUE(isRead(nestedBinary(8, 2)));
+    EXPECT_FALSE(isRead(nestedBinary(40, 2)));  // 2 to the 40th arrays
+    EXPECT_FALSE(isRead(binaryList({arrayOf({1}), arrayOf({0})})));
+    EXPECT_FALSE(isRead(binaryList({arrayOf({7})})));
+    const std::string megabyte =
+        "\x5F\x12" + std::string("\x00\x10\x00\x00", 4) + std::string(1 << 20, 'x');
+    EXPECT_TRUE(isRead(binaryList({arrayOf({1, 1}), megabyte})));
+    EXPECT_FALSE(isRead(binaryList({arrayOf(std::vector<std::uint32_t>(1000, 1)), megabyte})));
+
+    EXPECT_TRUE(isRead(nestedXML(256, "<array>", "</array>")));
+    EXPECT_FALSE(isRead(nestedXML(257, "<array>", "</array>")));
+    EXPECT_TRUE(isRead(nestedXML(256, "<dict><key>a</key>", "</dict>")) ||
+                isRead(nestedXML(255, "<dict><key>a</key>", "</dict>")));
+    for (std::string_view open : {"<array>", "<dict><key>a</key>", "<plist version=\"1.0\">"})
+        EXPECT_FALSE(isRead(nestedXML(100000, open, ""))) << open;
+}
+
+// Closing tags that the parser does not see must not be counted.
+TEST(PropertyListAsXML, IsNotFooledByHiddenTags) {
+    for (std::string_view hidden :
+         {"<!-- </array> -->", "<?x </array> ?>", "<?x '?></array>' ?>", "<?x \"?></array>\" ?>",
+          "<!DOCTYPE x \"></array>\">", "<string><![CDATA[</array>]]></string>",
+          "<string x=\"></array>\">a</string>", "</array >x", "<!DOCTYPE x [ </array> ]>"})
+        EXPECT_FALSE(isRead(nestedXML(300, "<array>" + std::string(hidden), "</array>"))) << hidden;
+    EXPECT_TRUE(isRead(
+        nestedXML(100, "<array><!-- <array> --><string><![CDATA[<dict>]]></string>", "</array>")));
+}
+
+TEST(PropertyListAsXML, SurvivesDamage) {
+    const std::string samples[] = {test::readData("locations/oldstyle.webloc"),
+                                   test::readData("locations/pliststyle.webloc"),
+                                   binaryList({arrayOf({1, 2, 2, 3}), arrayOf({3}),
+                                               "\x53"
+                                               "abc",
+                                               "\x62" + std::string("\0a\xD8\0", 4)})};
+    for (const std::string& sample : samples) {
+        EXPECT_TRUE(isRead(sample));
+        for (std::size_t i = 0; i < sample.size(); ++i) {
+            isRead(std::string(sample, 0, i));
+            for (int damage : {0x01, 0x0F, 0x10, 0x80, 0xFF}) {
+                std::string damaged = sample;
+                damaged[i] = static_cast<char>(damaged[i] ^ damage);
+                isRead(damaged);
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace velmo

@@ -1,0 +1,261 @@
+#include <velmocore/query/WordSearch.h>
+
+#include <random>
+
+#include <velmocore/query/QueryEvaluation.h>
+#include <velmocore/query/QueryTerms.h>
+#include <velmocore/text/ConversionTables.h>
+
+#include "TestSupport.h"
+#include "query/WordOccurrences.h"
+#include "query/WordScan.h"
+#include "query/WordSteps.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+using Strings = std::vector<String>;
+
+TEST(WordSearch, FindWord) {
+    const struct {
+        View text, word;
+        Range range;
+        FindWordOptions options;
+        std::uint64_t expected;
+    } cases[] = {
+        {u"concatenate a cat", u"cat", {0, 17}, {}, 14},
+        {u"concatenate a cat", u"cat", {0, 17}, {.wholeWord = false}, 3},
+        {u"concatenate", u"cat", {3, 3}, {}, 3},  // the edges of the range end words
+        {u"concatenate", u"cat", {3, 4}, {}, NotFound},
+        {u"concatenate", u"cat", {4, 99}, {}, NotFound},
+        {u"a Cat", u"cAT", {0, 5}, {}, NotFound},
+        {u"a Cat", u"cAT", {0, 5}, {.caseSensitive = false}, 2},
+        {u"a", u"", {0, 1}, {}, NotFound},
+        {u"", u"a", {0, 0}, {}, NotFound},
+        {u"ab", u"abc", {0, 2}, {}, NotFound},
+        {u"xyz", u"*abc", {1, 1}, {}, 1},
+        {u"a-b a", u"a-b", {0, 5}, {}, 0},
+        {u"a a a", u"a", {0, 5}, {.backwards = true}, 4},
+        {u"a a ab", u"a", {0, 6}, {.backwards = true}, 2},
+        {u"a a ab", u"a", {0, 5}, {.backwards = true}, 4},
+        {u"ba", u"a", {0, 2}, {.backwards = true}, NotFound},
+        {u"\u00E9t\u00C9", u"\u00C9T\u00E9", {0, 3}, {.caseSensitive = false}, 0},
+        {u"a", u"a", {UINT64_MAX, UINT64_MAX}, {}, NotFound},
+        {u"b a", u"a", {0, UINT64_MAX}, {}, 2},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(FindWordInString(c.text, c.range, c.word, c.options), c.expected)
+            << utf8(c.text) << " / " << utf8(c.word);
+    CharacterSetRep dashes = alphaNumCharacterSetRep();
+    dashes.add(u'-');
+    EXPECT_EQ(FindWordInString(u"a-b a", {0, 5}, u"a", {.termCharacters = &dashes}), 4u);
+}
+
+TEST(WordSearch, Phrases) {
+    const struct {
+        View text;
+        Strings words;
+        FindPhraseOptions options;
+        Range expected;
+    } cases[] = {
+        {u"a data base.", {u"data", u"base"}, {}, {2, 9}},
+        {u"a data base", {u"data", u"base"}, {}, Range::none()},  // ends where the text does
+        {u"data,\r\n  base ", {u"data", u"base"}, {}, {0, 13}},
+        {u"database data x base ", {u"data", u"base"}, {}, Range::none()},
+        {u"data bases ", {u"data", u"base"}, {}, {0, 9}},
+        {u"data bases ", {u"data", u"base"}, {.exact = true}, Range::none()},
+        {u"data Data BASE ", {u"data", u"base"}, {.caseSensitive = false}, {5, 9}},
+        {u"data Data BASE ", {u"data", u"base"}, {}, Range::none()},
+        {u"a a a b ", {u"a", u"a", u"b"}, {}, {2, 5}},
+        {u"x y x y x ", {u"x", u"y"}, {.backwards = true}, {4, 3}},
+        {u"x y x", {u"x", u"y"}, {.backwards = true}, {0, 3}},
+        {u"x z x", {u"x", u"y"}, {.backwards = true}, Range::none()},
+        {u"x ", {u"x"}, {}, {0, 1}},
+        {u"x", {u"x"}, {}, Range::none()},
+        {u"x y ", {}, {}, Range::none()},
+        {u"x y ", {u"*", u"y"}, {}, {0, 3}},
+        {u"x y ", {u"*", u"z"}, {}, Range::none()},
+        {u"x y ", {u"*", u"z"}, {.backwards = true}, Range::none()},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(FindNonExactPhraseInString(c.text, {0, c.text.size()}, c.words, c.options),
+                  c.expected)
+            << utf8(c.text);
+}
+
+TEST(WordSearch, RangesAndCounts) {
+    EXPECT_EQ(countWord(u"aa aa aa", u"aa", true), 3u);
+    EXPECT_EQ(countWord(u"Aa aaa aA", u"aa", false), 2u);
+    EXPECT_EQ(countWord(u"a", u"", true), 0u);
+    EXPECT_EQ(countWord(u"abcd", u"*x", true), 2u);
+    EXPECT_EQ(rangeOfWord(u"ab a", u"a", true), (Range{3, 1}));
+    EXPECT_EQ(rangeOfWord(u"", u"*a", true), Range::none());
+    const Strings words = {u"", u"longer than the text", u"two", u"one"};
+    EXPECT_EQ(rangeOfAnyWord(u"one two one", words, true), (Range{4, 3}));
+    EXPECT_EQ(countAnyWord(u"one two one", words, true), 3u);
+    EXPECT_EQ(rangeOfAnyWord(u"three", words, true), Range::none());
+
+    const View text = u"cat concat Cat";
+    const struct {
+        Range range;
+        TermSearchOptions options;
+        Range next, previous;
+    } cases[] = {
+        {{0, 14}, {}, {0, 3}, {0, 3}},
+        {{0, 14}, {.caseSensitive = false}, {0, 3}, {11, 3}},
+        {{0, 14}, {.anchored = false}, {0, 3}, {7, 3}},
+        {{1, 13}, {}, Range::none(), Range::none()},
+        {{0, 15}, {}, Range::none(), Range::none()},  // not inside the text
+        {{0, 0}, {}, Range::none(), Range::none()},
+        {{14, 1}, {}, Range::none(), Range::none()},
+        {{1, UINT64_MAX}, {}, Range::none(), Range::none()},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(findNextWord(text, u"cat", c.range, c.options), c.next) << c.range.location;
+        EXPECT_EQ(findPreviousWord(text, u"cat", c.range, c.options), c.previous);
+    }
+    EXPECT_EQ(findNextWord(u"a", u"*longer", {0, 1}), Range::none());
+}
+
+TEST(WordSearch, QueryTerms) {
+    const View text = u"Boston, New   York and new york.";
+    const Range whole{0, text.size()};
+    const TermSearchOptions noCase{.caseSensitive = false};
+    const struct {
+        Strings terms;
+        TermSearchOptions options;
+        Range next, previous;
+        std::size_t left;  // when the list may be changed
+    } cases[] = {
+        {{u"x", u"york", u"boston", u"y"}, noCase, {0, 6}, {27, 4}, 3},
+        {{u"new york", u"new"}, noCase, {8, 10}, {23, 8}, 2},
+        {{u"new", u"new york"}, noCase, {8, 3}, {23, 3}, 2},
+        {{u"new york"}, {}, {23, 8}, {23, 8}, 1},
+        {{u"new york"}, {.caseSensitive = false, .exactPhrase = true}, {23, 8}, {23, 8}, 1},
+        {{u"or"}, noCase, Range::none(), Range::none(), 0},
+        {{u"or"}, {.anchored = false}, {15, 2}, {28, 2}, 1},
+        {{u"", u"*", u"and"}, {}, {19, 3}, {19, 3}, 1},
+        {{}, {}, Range::none(), Range::none(), 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.terms.empty() ? "" : c.terms[0].utf8());
+        EXPECT_EQ(findNextQueryTerm(c.terms, text, whole, c.options), c.next);
+        EXPECT_EQ(findPreviousQueryTerm(c.terms, text, whole, c.options), c.previous);
+        Strings next = c.terms, previous = c.terms;
+        EXPECT_EQ(findNextQueryTerm(&next, text, whole, c.options), c.next);
+        EXPECT_EQ(findPreviousQueryTerm(&previous, text, whole, c.options), c.previous);
+        EXPECT_EQ(next.size(), c.left);
+        EXPECT_EQ(previous.size(), c.left);
+    }
+    const Strings terms = {u"new", u"york"};
+    EXPECT_EQ(findNextQueryTerm(terms, text, {9, UINT64_MAX}), (Range{23, 3}));
+    EXPECT_EQ(findNextQueryTerm(terms, text, {32, 1}), Range::none());
+    EXPECT_EQ(findNextQueryTerm(terms, u"", {0, 0}), Range::none());
+}
+
+TEST(WordSearch, SetTermCharacters) {
+    CharacterSetRep letters;
+    letters.add(u"abc-");
+    EXPECT_EQ(countWord(u"a-b a", u"a", true), 2u);
+    setQueryTermCharacters(&letters);
+    EXPECT_EQ(countWord(u"a-b a", u"a", true), 1u);
+    EXPECT_EQ(&queryTermCharacters(), &letters);
+    setQueryTermCharacters(nullptr);
+    EXPECT_EQ(&queryTermCharacters(), &alphaNumCharacterSetRep());
+}
+
+std::u16string randomText(std::mt19937& random, View alphabet, std::size_t longest) {
+    std::u16string text(random() % (longest + 1), u' ');
+    for (char16_t& unit : text) unit = alphabet[random() % alphabet.size()];
+    return text;
+}
+
+/// All positions at which a word stands in a stretch, unit by unit.
+std::vector<std::uint64_t> slowPositions(const detail::SoughtWord& sought, std::uint64_t start,
+                                         std::uint64_t end) {
+    std::vector<std::uint64_t> positions;
+    const auto fold = [&](char16_t unit) { return sought.caseSensitive ? unit : toUpper(unit); };
+    for (std::uint64_t i = start; i + sought.word.size() <= end; ++i) {
+        bool same = true;
+        for (std::size_t k = 0; k < sought.word.size(); ++k)
+            same &= fold(sought.text[i + k]) == fold(sought.word[k]);
+        const std::uint64_t behind = i + sought.word.size();
+        const auto isTerm = [&](std::uint64_t k) {
+            return sought.termCharacters.contains(sought.text[k]);
+        };
+        if (same && !(sought.wholeWord &&
+                      ((i > start && isTerm(i - 1)) || (behind < end && isTerm(behind)))))
+            positions.push_back(i);
+    }
+    return positions;
+}
+
+TEST(WordSearch, RandomScansAgreeWithASlowOne) {
+    std::mt19937 random(11);
+    const View alphabets[] = {u"ab ", u"kK\u212A ", u"sS\u017F\u00DF -", u"iI\u0131\u0130.",
+                              u"\u00E4\u00C4a7 \u0416\u0436"};
+    for (int round = 0; round < 40000; ++round) {
+        const View alphabet = alphabets[random() % std::size(alphabets)];
+        const std::u16string text = randomText(random, alphabet, random() % 8 ? 24 : 120);
+        const std::u16string word = randomText(random, alphabet, 1 + random() % 4);
+        if (word.empty()) continue;
+        const detail::SoughtWord sought{text, word, random() % 2 == 0, random() % 2 == 0,
+                                        alphaNumCharacterSetRep()};
+        detail::WordOccurrences occurrences;
+        for (int stretch = 0; stretch < 4; ++stretch) {
+            const std::uint64_t a = random() % (text.size() + 1), b = random() % (text.size() + 1);
+            const std::uint64_t start = stretch ? std::min(a, b) : 0;
+            const std::uint64_t end = stretch ? std::max(a, b) : text.size();
+            SCOPED_TRACE(utf8(text) + " / " + utf8(word) + " / " + std::to_string(start) + "-" +
+                         std::to_string(end) + (sought.wholeWord ? " whole" : "") +
+                         (sought.caseSensitive ? " case" : ""));
+            const auto expected = slowPositions(sought, start, end);
+            const std::uint64_t first = expected.empty() ? NotFound : expected.front();
+            ASSERT_EQ(detail::scanForWord(sought, start, end), first);
+            ASSERT_EQ(detail::scanBackForWord(sought, start, end),
+                      expected.empty() ? NotFound : expected.back());
+            ASSERT_EQ(occurrences.find(sought, start, end), first);
+        }
+    }
+}
+
+TEST(WordSearch, StepsOverWords) {
+    const View text = u"ab, cd  ef";
+    const CharacterSetRep& set = alphaNumCharacterSetRep();
+    const struct {
+        std::uint64_t n, position, edge, forward, back;
+    } cases[] = {
+        {1, 0, 10, 2, 0},  // edge is the end forward; back it is 0
+        {1, 2, 10, 6, 0},   {2, 1, 10, 6, 0},
+        {3, 0, 10, 10, 0},  {0, 5, 10, 5, 4},
+        {1, 8, 10, 10, 3},  {2, 8, 10, 10, 0},
+        {1, 10, 10, 10, 7}, {9, 10, 10, 10, 0},
+        {8, 10, 10, 10, 0}, {UnboundedDistance, 5, 10, 10, 0},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(NWordsForward(c.n, text, set, c.position, c.edge), c.forward)
+            << c.n << c.position;
+        EXPECT_EQ(NWordsBack(c.n, text, set, c.position, 0), c.back) << c.n << ' ' << c.position;
+    }
+    EXPECT_EQ(NWordsForward(1, text, set, 3, 99), 6u);
+    EXPECT_EQ(NWordsBack(1, text, set, 99, 9), 9u);
+
+    // Far steps use a list, with the same answers.
+    std::mt19937 random(3);
+    for (int round = 0; round < 300; ++round) {
+        const std::u16string longText = randomText(random, u"ab ,", 400);
+        detail::WordSteps steps(longText, set);
+        for (int i = 0; i < 40; ++i) {
+            const std::uint64_t position = random() % (longText.size() + 1);
+            const std::uint64_t edge = random() % (longText.size() + 1), n = random() % 60;
+            ASSERT_EQ(steps.forward(position, edge, n),
+                      detail::wordsForward(longText, set, position, edge, n));
+            ASSERT_EQ(steps.back(position, edge, n),
+                      detail::wordsBack(longText, set, position, edge, n));
+        }
+    }
+}
+
+}  // namespace
+}  // namespace velmo

@@ -1,0 +1,292 @@
+#include "query/reference/QueryReference.h"
+
+#include <velmocore/platform/String.h>
+
+namespace velmo::test {
+namespace {
+
+constexpr std::uint64_t Unbounded = 0x7FFFFFFFFFFFFFFF;
+constexpr std::size_t None = static_cast<std::size_t>(-1);
+
+bool isQuote(char16_t c) { return c == u'"' || (c >= 0x201C && c <= 0x201F); }
+bool isWhite(char16_t c) { return c == u' ' || c == u'\n' || c == u'\t' || c == 0; }
+
+char16_t up(char16_t c) { return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - 32) : c; }
+std::u16string up(std::u16string_view text) {
+    std::u16string result(text);
+    for (char16_t& c : result) c = up(c);
+    return result;
+}
+
+std::uint64_t integerOf(const std::u16string& text) {
+    std::int64_t value = 0, sign = 1;
+    std::size_t i = 0;
+    if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) sign = text[i++] == u'-' ? -1 : 1;
+    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i)
+        value = value * 10 + (text[i] - u'0');
+    return static_cast<std::uint64_t>(sign * value);
+}
+
+/// Sets what an operator word says; false if the part is none.
+bool takeOperator(const std::u16string& part, RefState& state) {
+    const std::u16string word = up(part);
+    if (word == u"|" || word == u"OR") return state.op = 1, true;
+    if (word == u"^" || word == u"XOR" || word == u"EOR") return state.op = 2, true;
+    if (word == u"&" || word == u"AND" || word == u"BUT") return state.op = 0, true;
+    if (word == u"OPT") return state.op = 7, true;
+    if (word == u"NOT") return state.negated = !state.negated, true;
+    if (word == u"NEAR") return state.op = 3, true;
+    if (word == u"NEXT") return state.op = 6, state.distance = 1, true;
+    if (word == u"AFTER") return state.op = 5, state.distance = Unbounded, true;
+    if (word == u"BEFORE") return state.op = 4, state.distance = Unbounded, true;
+    const struct {
+        std::u16string prefix;
+        int op;
+    } withDistance[] = {{u"NEAR/", 3}, {u"NEXT/", 6}, {u"AFTER/", 5}, {u"BEFORE/", 4}};
+    for (const auto& [prefix, op] : withDistance) {
+        if (word.size() <= prefix.size() || word.substr(0, prefix.size()) != prefix) continue;
+        state.op = op;
+        state.distance = integerOf(word.substr(prefix.size()));
+        return true;
+    }
+    return false;
+}
+
+void addChild(RefNode& group, std::unique_ptr<RefNode> child, int op) {
+    if (group.children.empty())
+        group.common = 8;
+    else if (group.children.size() == 1)
+        group.common = op;
+    else if (group.common != op)
+        group.common = 8;
+    group.children.push_back(std::move(child));
+}
+
+bool addPart(RefNode& group, std::u16string part, bool phrase, RefState& state, bool wildcard) {
+    while (!part.empty() && isWhite(part.front())) part.erase(0, 1);
+    while (!part.empty() && isWhite(part.back())) part.pop_back();
+    if (part.empty()) return false;
+    if (!phrase && takeOperator(part, state)) return false;
+    if (wildcard && state.substring && !(part.front() == u'*' && part.back() == u'*'))
+        part = u"*" + part + u"*";
+    auto word = std::make_unique<RefNode>();
+    word->isWord = true;
+    word->word = part;
+    word->op = state.op;
+    word->negated = state.negated;
+    word->substring = state.substring;
+    word->phrase = phrase;
+    word->distance = state.distance;
+    addChild(group, std::move(word), state.op);
+    return true;
+}
+
+struct RefText {
+    std::u16string text;
+    bool caseSensitive;
+};
+
+bool isTerm(char16_t c) {
+    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9');
+}
+
+std::size_t find(const RefText& in, const RefNode& node, std::size_t start, std::size_t end) {
+    const std::u16string& word = node.word;
+    if (word.empty()) return None;
+    if (word[0] == u'*') return start;
+    for (std::size_t i = start; i + word.size() <= end; ++i) {
+        const std::u16string here = in.text.substr(i, word.size());
+        if (in.caseSensitive ? here != word : up(here) != up(word)) continue;
+        if (!node.substring) {
+            if (i != start && isTerm(in.text[i - 1])) continue;
+            if (i + word.size() != end && isTerm(in.text[i + word.size()])) continue;
+        }
+        return i;
+    }
+    return None;
+}
+
+std::size_t back(const RefText& in, std::size_t n, std::size_t position, std::size_t start) {
+    if (position <= start) return start;
+    std::size_t p = position - 1;
+    if (p - start <= n) return start;
+    for (; n > 0; --n) {
+        while (p > start && !isTerm(in.text[p])) --p;
+        while (p > start && isTerm(in.text[p])) --p;
+    }
+    return p;
+}
+
+std::size_t forward(const RefText& in, std::size_t n, std::size_t position, std::size_t end) {
+    if (position >= end || end - position <= n) return end;
+    for (; n > 0; --n) {
+        while (position < end && !isTerm(in.text[position])) ++position;
+        while (position < end && isTerm(in.text[position])) ++position;
+    }
+    return position;
+}
+
+struct RefProximity {
+    const RefNode* left = nullptr;
+    int op = 8;
+    std::uint64_t distance = 0;
+};
+
+bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start,
+             std::size_t end);
+
+bool matchesNear(const RefText& in, const RefNode& word, const RefProximity& near,
+                 std::size_t start, std::size_t end) {
+    const auto leftHolds = [&](std::size_t from, std::size_t to) {
+        return matches(in, *near.left, {}, from, to);
+    };
+    std::size_t cursor = start, lastEnd = start;
+    for (;;) {
+        const std::size_t position = find(in, word, cursor, end);
+        if (position == None) return word.negated && lastEnd < end && leftHolds(lastEnd, end);
+        const std::size_t behind = position + word.word.size();
+        const std::size_t windowStart =
+            near.op == 5 ? position : back(in, near.distance, position, start);
+        const std::size_t windowEnd =
+            near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind;
+        cursor = behind;
+        if (word.negated && windowStart > lastEnd && leftHolds(lastEnd, windowStart)) return true;
+        const bool holds = leftHolds(windowStart, std::min(windowEnd, end));
+        if (!word.negated && holds) return true;
+        lastEnd = windowEnd;
+        if (cursor >= end) return false;
+    }
+}
+
+bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start,
+             std::size_t end) {
+    if (node.isWord) {
+        if (near.left) return matchesNear(in, node, near, start, end);
+        return (find(in, node, start, end) != None) != node.negated;
+    }
+    bool value = false;
+    for (std::size_t i = 0; i < node.children.size(); ++i) {
+        const RefNode& child = *node.children[i];
+        const bool isNear = child.op >= 3 && child.op <= 6;
+        if (i == 0)
+            value = matches(in, child, near, start, end);
+        else if (child.op == 0 || (isNear && child.distance == 0))
+            value = value && matches(in, child, near, start, end);
+        else if (child.op == 1)
+            value = value || matches(in, child, near, start, end);
+        else if (child.op == 2)
+            value = value != matches(in, child, near, start, end);
+        else if (isNear)
+            value =
+                value && matches(in, child, {node.children[i - 1].get(), child.op, child.distance},
+                                 start, end);
+    }
+    return value != node.negated;
+}
+
+bool contains(const RefText& in, const RefNode& node, bool inherited) {
+    const bool negated = node.negated != inherited;
+    if (node.isWord) return !negated && find(in, node, 0, in.text.size()) != None;
+    for (const auto& child : node.children)
+        if (contains(in, *child, negated)) return true;
+    return false;
+}
+
+}  // namespace
+
+void refParse(RefNode& group, std::u16string_view text, const RefDefaults& defaults) {
+    const RefState fresh{defaults.op, false, false, defaults.distance};
+    RefState state = fresh;
+    std::size_t index = 0, partStart = 0;
+    const auto flush = [&] {
+        const std::u16string part(text.substr(partStart, index - partStart));
+        if (addPart(group, part, false, state, defaults.wildcard)) state = fresh;
+    };
+    const auto pastBracket = [&](std::size_t i) {
+        while (i < text.size() && text[i] != u']') ++i;
+        return std::min(i + 1, text.size());
+    };
+    while (index < text.size()) {
+        const char16_t c = text[index];
+        if (isQuote(c)) {
+            flush();
+            std::size_t close = index + 1;
+            while (close < text.size() && !isQuote(text[close])) ++close;
+            const std::u16string part(text.substr(index + 1, close - index - 1));
+            addPart(group, part, true, state, defaults.wildcard);
+            state = fresh;
+            partStart = index = std::min(close + 1, text.size());
+        } else if (c == u'(') {
+            flush();
+            std::size_t close = index + 1;
+            for (int depth = 1; close < text.size(); ++close) {
+                if (text[close] == u'(') ++depth;
+                if (text[close] == u')' && --depth == 0) break;
+            }
+            auto inner = std::make_unique<RefNode>();
+            inner->op = state.op;
+            inner->negated = state.negated;
+            inner->substring = state.substring;
+            inner->distance = state.distance;
+            refParse(*inner, text.substr(index + 1, close - index - 1), defaults);
+            if (inner->children.size() == 1) {
+                auto only = std::move(inner->children[0]);
+                only->op = state.op;
+                only->negated = only->negated != state.negated;
+                only->substring = only->substring || state.substring;
+                addChild(group, std::move(only), state.op);
+            } else if (inner->children.size() > 1) {
+                addChild(group, std::move(inner), state.op);
+            }
+            state = fresh;
+            partStart = index = std::min(close + 1, text.size());
+        } else if (c == u'[' && defaults.wildcard) {
+            index = pastBracket(index + 1);
+        } else if (c == u'[') {
+            flush();
+            partStart = index = pastBracket(index + 1);
+        } else if (c == u'&' || c == u'^' || c == u'|' || c == u'!' || c == u'~' || c == u')' ||
+                   (c == u']' && !defaults.wildcard) || isWhite(c) ||
+                   ((c == u'-' || c == u'+') && index == partStart)) {
+            flush();
+            if (c == u'&') state.op = 0;
+            if (c == u'|') state.op = 1;
+            if (c == u'^') state.op = 2;
+            if (c == u'!' || c == u'-') state.negated = true;
+            if (c == u'+') state.negated = false;
+            if (c == u'~') state.substring = true;
+            partStart = ++index;
+        } else {
+            ++index;
+        }
+    }
+    flush();
+}
+
+std::string refDump(const RefNode& node, std::size_t depth) {
+    static const char* const names[] = {"AND",   "OR",   "XOR", "NEAR", "BEFORE",
+                                        "AFTER", "NEXT", "OPT", "NONE"};
+    std::string line(2 * depth, ' ');
+    line += names[node.op];
+    if (node.op >= 3 && node.op <= 6)
+        line += node.distance == Unbounded ? "/any" : "/" + std::to_string(node.distance);
+    line += node.negated ? " -" : " ";
+    if (node.substring) line += "~";
+    if (node.isWord) {
+        const std::string quote = node.phrase ? "\"" : "";
+        return line + quote + utf8(node.word) + quote + "\n";
+    }
+    line += "group of " + std::to_string(node.children.size()) + " (" + names[node.common] + ")\n";
+    for (const auto& child : node.children) line += refDump(*child, depth + 1);
+    return line;
+}
+
+bool refMatches(const RefNode& top, std::u16string_view text, bool caseSensitive) {
+    return !text.empty() && matches({std::u16string(text), caseSensitive}, top, {}, 0, text.size());
+}
+
+bool refContains(const RefNode& top, std::u16string_view text, bool caseSensitive) {
+    return !text.empty() && contains({std::u16string(text), caseSensitive}, top, top.negated);
+}
+
+}  // namespace velmo::test

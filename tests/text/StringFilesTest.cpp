@@ -1,0 +1,133 @@
+#include <velmocore/text/StringFiles.h>
+
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A folder that is there for one test.
+class StringFiles : public testing::Test {
+protected:
+    void SetUp() override {
+        folder_ = fs::path(testing::TempDir()) / ("velmo-strings-" + std::to_string(::getpid()));
+        fs::create_directories(folder_);
+    }
+    void TearDown() override { fs::remove_all(folder_); }
+
+    String path(const char* name) const { return String::fromUTF8((folder_ / name).string()); }
+    String written(const char* name, std::string_view bytes) const {
+        std::ofstream(folder_ / name, std::ios::binary) << bytes;
+        return path(name);
+    }
+    std::string bytes(const char* name) const {
+        std::ifstream file(folder_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    fs::path folder_;
+};
+
+TEST_F(StringFiles, CreatorsAreStrict) {
+    EXPECT_EQ(stringWithCString("caf\xE9!", 4, ISOLatin1StringEncoding), u"caf\u00E9");
+    EXPECT_TRUE(stringWithCString("caf\xE9", 4, UTF8StringEncoding).isAbsent());
+    EXPECT_EQ(stringWithCString("\xEF\xBF\xBD", 3, UTF8StringEncoding), u"\uFFFD");
+    EXPECT_EQ(stringWithNullTerminatedCString("caf\xE9", ASCIIStringEncoding), u"caf\uFFFD");
+    EXPECT_TRUE(stringWithNullTerminatedCString("\x82", ShiftJISStringEncoding).isAbsent());
+    EXPECT_TRUE(stringWithBytes(nullptr, 3, UTF8StringEncoding).isAbsent());
+    EXPECT_TRUE(stringWithData({}, UTF8StringEncoding).isIdenticalTo(String::empty()));
+    EXPECT_TRUE(stringWithData({}, UnknownStringEncoding).isAbsent());
+    EXPECT_EQ(stringWithCString("\xFF\xFE", 2, UTF16StringEncoding), u"");
+}
+
+TEST_F(StringFiles, UnknownEncodingsAreDetected) {
+    using namespace std::string_view_literals;
+    struct Case {
+        std::string_view bytes;
+        const char16_t* text;
+        StringEncoding used;
+    };
+    const Case cases[] = {
+        {"caf\xC3\xA9", u"caf\u00E9", UTF8StringEncoding},
+        {"\xEF\xBB\xBFz", u"z", UTF8StringEncoding},
+        {"\xFF\xFEz\0"sv, u"z", UTF16StringEncoding},
+        {"\xFE\xFF\0z"sv, u"z", UTF16StringEncoding},
+        {"\xFF\xFE\0\0z\0\0\0"sv, u"z", UTF32StringEncoding},
+        {"caf\xE9", u"caf\uFFFD", ASCIIStringEncoding},
+        {"", u"", UTF8StringEncoding},
+    };
+    for (const Case& c : cases)
+        for (StringEncoding unknown : std::initializer_list<StringEncoding>{0, 4294967280, ~0ull}) {
+            StringEncoding used = 77;
+            EXPECT_EQ(stringWithContentsOfFile(written("f", c.bytes), unknown, &used), c.text);
+            EXPECT_EQ(used, c.used) << c.bytes;
+        }
+    StringEncoding used = 77;
+    EXPECT_TRUE(stringWithContentsOfFile(path("none"), 0, &used).isAbsent());
+    EXPECT_EQ(used, ASCIIStringEncoding);
+    EXPECT_TRUE(stringWithContentsOfFile(path("."), 0).isAbsent());
+    // A named encoding has no fallback, but is told.
+    EXPECT_TRUE(stringWithContentsOfFile(written("f", "caf\xE9"), 4, &used).isAbsent());
+    EXPECT_EQ(used, UTF8StringEncoding);
+    EXPECT_EQ(stringWithContentsOfFile(path("f"), ISOLatin1StringEncoding, &used), u"caf\u00E9");
+    EXPECT_TRUE(stringWithContentsOfFile(String(), ISOLatin1StringEncoding).isAbsent());
+}
+
+TEST_F(StringFiles, WritersChooseTheirEncoding) {
+    struct Case {
+        const char16_t* text;
+        StringEncoding smallest;
+    };
+    const Case cases[] = {
+        {u"", ASCIIStringEncoding},
+        {u"plain", ASCIIStringEncoding},
+        {u"caf\u00E9", ISOLatin1StringEncoding},
+        {u"caf\u00E9 \u20AC", UTF8StringEncoding},
+        {u"\u3042\u3042\u3042\u3042", UTF16StringEncoding},
+        {u"\U0001F600", UTF8StringEncoding},
+    };
+    for (const Case& c : cases) {
+        StringEncoding used = 0;
+        EXPECT_TRUE(writeToFileUsingSmallestEncoding(c.text, path("s"), true, &used));
+        EXPECT_EQ(used, c.smallest);
+        EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
+        EXPECT_TRUE(writeToFileUsingFastestEncoding(c.text, path("s"), false, &used));
+        EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
+        EXPECT_TRUE(writeToFileUsingDefaultEncoding(c.text, path("s"), true, &used));
+        EXPECT_EQ(used, UTF8StringEncoding);
+        EXPECT_EQ(bytes("s"), String(c.text).utf8());
+    }
+}
+
+TEST_F(StringFiles, FailedWritesLeaveTheFileAlone) {
+    const String file = written("old", "old");
+    for (bool atomically : {true, false}) {
+        EXPECT_FALSE(writeToFile(u"\u20AC", file, atomically, ISOLatin1StringEncoding));
+        EXPECT_FALSE(writeToFile(String(), file, atomically, UTF8StringEncoding));
+        EXPECT_FALSE(writeToFile(u"a", path("none/file"), atomically, UTF8StringEncoding));
+        EXPECT_FALSE(writeToFile(u"a", String(), atomically, UTF8StringEncoding));
+    }
+    EXPECT_EQ(bytes("old"), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
+}
+
+TEST_F(StringFiles, AtomicWritesKeepLinksAndPermissions) {
+    written("target", "old");
+    ::chmod((folder_ / "target").c_str(), 0640);
+    fs::create_symlink(folder_ / "target", folder_ / "link");
+    EXPECT_TRUE(writeToFile(u"new", path("link"), true, UTF8StringEncoding));
+    EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+    EXPECT_EQ(bytes("target"), "new");
+    struct stat info;
+    ASSERT_EQ(::stat((folder_ / "target").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0640u);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 2);
+}
+
+}  // namespace
+}  // namespace velmo

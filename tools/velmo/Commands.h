@@ -1,0 +1,17 @@
+// The commands of the tool. Each adds itself to the parser and runs when it was chosen.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "Session.h"
+
+namespace velmo::tool {
+
+void addCharsetCommand(CLI::App& app, Session& session);
+void addTextCommand(CLI::App& app, Session& session);
+void addLinksCommand(CLI::App& app, Session& session);
+void addWordsCommand(CLI::App& app, Session& session);
+void addMatchCommand(CLI::App& app, Session& session);
+void addGatherCommand(CLI::App& app, Session& session);
+
+}  // namespace velmo::tool

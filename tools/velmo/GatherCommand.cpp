@@ -1,0 +1,222 @@
+// The main job: pages of folders, each decoded, turned into text and links and asked a query.
+#include <velmocore/markup/FileTypes.h>
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/Links.h>
+#include <velmocore/markup/PageResources.h>
+#include <velmocore/markup/PlainText.h>
+#include <velmocore/query/QueryEvaluation.h>
+#include <velmocore/query/QueryTerms.h>
+#include <velmocore/words/Components.h>
+#include <velmocore/words/Separators.h>
+#include <velmocore/words/Words.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "Commands.h"
+#include "Input.h"
+#include "Progress.h"
+#include "Resolving.h"
+
+namespace velmo::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t MostLinkedHosts = 10;
+
+struct Options {
+    std::vector<std::string> paths;
+    PageOptions page;
+    std::string base, query;
+};
+
+/// A file to read, and where it stands under the folder that was named.
+struct PageFile {
+    fs::path file;
+    fs::path relative;
+};
+
+struct GatheredPage {
+    String title;
+    std::string encoding;
+    std::uint64_t words = 0;
+    std::size_t links = 0;
+    std::set<String> distinct;  ///< resolved
+    bool matches = false;
+    String excerpt;  ///< absent if there is none
+};
+
+struct Summary {
+    std::size_t pages = 0, links = 0, distinct = 0, matching = 0;
+    std::uint64_t words = 0;
+    std::set<String> urls;
+    std::map<String, std::size_t> hosts;  ///< how many links go there
+};
+
+void addFolder(Session& session, const fs::path& folder, std::vector<PageFile>& files) {
+    std::error_code error;
+    std::vector<PageFile> found;
+    fs::recursive_directory_iterator walk(folder, error), end;
+    while (!error && walk != end) {
+        if (walk->is_regular_file(error) && isHTMLFile(String::fromUTF8(walk->path().string())))
+            found.push_back({walk->path(), walk->path().lexically_relative(folder)});
+        walk.increment(error);
+    }
+    if (error) session.fail(folder.string(), error.message());
+    std::sort(found.begin(), found.end(),
+              [](const PageFile& a, const PageFile& b) { return a.file < b.file; });
+    files.insert(files.end(), found.begin(), found.end());
+}
+
+/// The pages of folders, sorted, and files as they are named.
+std::vector<PageFile> listPages(Session& session, const std::vector<std::string>& paths) {
+    std::vector<PageFile> files;
+    std::error_code error;
+    for (const std::string& path : paths) {
+        if (fs::is_directory(path, error))
+            addFolder(session, path, files);
+        else
+            files.push_back({path, fs::path(path).filename()});
+    }
+    return files;
+}
+
+/// Where a page stands on the web, or else on the disk.
+URL urlOf(const PageFile& page, const URL& base) {
+    if (base.isAbsent()) return URL::fileURLWithPath(String::fromUTF8(page.file.string()));
+    return resolve(String::fromUTF8(page.relative.generic_string()), base);
+}
+
+/// The first sentence with a hit, its white space made single blanks.
+String excerptOf(const String& text, const QueryTerms& query) {
+    const std::vector<String> sentences =
+        componentsUsingSeparators(text, {.separators = &defaultSentenceSeparators()});
+    for (const String& sentence : sentences)
+        if (query.containsString(sentence, false)) return singleLine(sentence);
+    return {};
+}
+
+GatheredPage gather(const Page& page, const URL& url, const QueryTerms& query) {
+    GatheredPage gathered;
+    gathered.encoding = page.encoding;
+    gathered.title = singleLine(normalizedHtmlString(htmlFrames(page.units).title));
+
+    const HtmlLinks links = htmlLinks(page.units);
+    const URL& base = links.baseURL.isAbsent() ? url : links.baseURL;
+    gathered.links = links.links.size();
+    for (const String& link : links.links)
+        if (const URL resolved = resolve(link, base); !resolved.isAbsent())
+            gathered.distinct.insert(resolved.absoluteString());
+
+    const String text = stringByConvertingHtml2PlainText(page.units);
+    gathered.words = numberOfWordsUsingDefaultSeparation(text);
+    gathered.matches = query.isValid() && query.matchesString(text, false);
+    if (gathered.matches) gathered.excerpt = excerptOf(text, query);
+    return gathered;
+}
+
+void add(Summary& summary, const GatheredPage& page) {
+    ++summary.pages;
+    summary.words += page.words;
+    summary.links += page.links;
+    summary.matching += page.matches;
+    for (const String& url : page.distinct) {
+        if (const String host = URL::URLWithString(url).host(); !host.isEmpty())
+            ++summary.hosts[host];
+        summary.urls.insert(url);
+    }
+}
+
+void printJson(Session& session, const std::string& file, const GatheredPage& page, bool asked) {
+    session.printObject({{"file", text(file)},
+                         {"title", text(page.title)},
+                         {"encoding", page.encoding},
+                         {"words", page.words},
+                         {"links", page.links},
+                         {"distinct", page.distinct.size()},
+                         {"matches", asked ? Json(page.matches) : Json(nullptr)},
+                         {"excerpt", text(page.excerpt)}});
+}
+
+void printLines(Session& session, const std::string& file, const GatheredPage& page, bool asked) {
+    session.printLine(file);
+    session.printLine(fmt::format("  {}", page.title.isEmpty() ? "(no title)" : page.title.utf8()));
+    session.printLine(fmt::format("  {}, {} words, {} links, {} distinct{}", page.encoding,
+                                  page.words, page.links, page.distinct.size(),
+                                  !asked         ? ""
+                                  : page.matches ? ", matches"
+                                                 : ", no match"));
+    if (!page.excerpt.isEmpty()) session.printLine(fmt::format("  > {}", page.excerpt.utf8()));
+}
+
+void printLines(Session& session, const Summary& summary, bool asked) {
+    session.printLine(fmt::format("\n{} pages, {} words, {} links, {} distinct{}", summary.pages,
+                                  summary.words, summary.links, summary.urls.size(),
+                                  asked ? fmt::format(", {} matching", summary.matching) : ""));
+    std::vector<std::pair<String, std::size_t>> hosts(summary.hosts.begin(), summary.hosts.end());
+    std::stable_sort(hosts.begin(), hosts.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    if (hosts.size() > MostLinkedHosts) hosts.resize(MostLinkedHosts);
+    if (!hosts.empty()) session.printLine(("most linked hosts:"));
+    for (const auto& [host, count] : hosts)
+        session.printLine(fmt::format("{:6} {}", count, host.utf8()));
+}
+
+void run(Session& session, const Options& options) {
+    const bool asked = !options.query.empty();
+    const QueryTerms query(String::fromUTF8(options.query));
+    const URL base =
+        URL::URLWithString(options.base.empty() ? String() : String::fromUTF8(options.base));
+    const std::vector<PageFile> files = listPages(session, options.paths);
+
+    Summary summary;
+    {
+        Progress progress(files.size());
+        for (const PageFile& file : files) {
+            progress.show(summary.pages);
+            const auto bytes = readFile(session, file.file.string());
+            if (!bytes) continue;
+            const GatheredPage page =
+                gather(decodePage(*bytes, options.page), urlOf(file, base), query);
+            add(summary, page);
+            progress.hide();
+            if (session.json)
+                printJson(session, file.file.string(), page, asked);
+            else
+                printLines(session, file.file.string(), page, asked);
+        }
+    }
+    if (asked) session.noteHit(summary.matching > 0);
+    if (session.json)
+        session.printObject({{"summary",
+                              {{"pages", summary.pages},
+                               {"words", summary.words},
+                               {"links", summary.links},
+                               {"distinct", summary.urls.size()},
+                               {"matching", summary.matching}}}});
+    else
+        printLines(session, summary, asked);
+}
+
+}  // namespace
+
+void addGatherCommand(CLI::App& app, Session& session) {
+    auto options = std::make_shared<Options>();
+    CLI::App* command = app.add_subcommand(
+        "gather",
+        "Example: velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'\n"
+        "Walk folders for pages: titles, charsets, words, links and hits");
+    command->add_option("PATH", options->paths, "folders, or pages")->required();
+    command->add_option("--base", options->base, "where the folders stand on the web");
+    command->add_option("--query", options->query, "what to look for; see velmo match --help");
+    command->add_option("--http-charset", options->page.httpCharset,
+                        "the charset that the HTTP headers named");
+    command->add_flag("--json", session.json, "one JSON object a page, and one that sums up");
+    command->callback([&session, options] { run(session, *options); });
+}
+
+}  // namespace velmo::tool

@@ -1,0 +1,88 @@
+#include "Input.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include <velmocore/markup/Charsets.h>
+#include <velmocore/markup/FileTypes.h>
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/PlainText.h>
+#include <velmocore/markup/TagPredicates.h>
+#include <velmocore/text/CharacterSets.h>
+
+namespace velmo::tool {
+namespace {
+
+constexpr const char* StandardInput = "-";
+
+/// A charset name of a page: the IANA name of what it means, or the name itself if it
+/// means nothing.
+Json nameOf(const String& charset) {
+    if (charset.isEmpty()) return nullptr;
+    const StringEncoding encoding = charset2NSStringEncoding(charset);
+    if (encoding == UnknownStringEncoding) return text(charset);
+    return std::string(ianaName(encoding));
+}
+
+}  // namespace
+
+std::optional<std::string> readFile(Session& session, const std::string& file) {
+    const bool isStandardInput = file == StandardInput;
+    // A folder can be opened but not read; say so before the reading fails.
+    std::error_code error;
+    if (!isStandardInput && std::filesystem::is_directory(file, error)) {
+        session.fail(file, std::strerror(EISDIR));
+        return std::nullopt;
+    }
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(
+        isStandardInput ? stdin : std::fopen(file.c_str(), "rb"),
+        [](std::FILE* open) { return open == stdin ? 0 : std::fclose(open); });
+    std::string bytes;
+    if (stream) {
+        char block[65536];
+        while (const std::size_t count = std::fread(block, 1, sizeof block, stream.get()))
+            bytes.append(block, count);
+    }
+    if (!stream || std::ferror(stream.get())) {
+        session.fail(file, std::strerror(errno));
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+Page decodePage(const std::string& bytes, const PageOptions& options) {
+    const String charset = String::fromUTF8(options.httpCharset);
+    const MarkupDecoding decoding = decodeMarkup(bytesOf(bytes), {.encodingName = charset});
+    return {decoding.text, std::string(ianaName(decoding.encoding)), nameOf(decoding.declared)};
+}
+
+String readableText(const std::string& file, const std::string& bytes) {
+    const bool isPage = file == StandardInput ? isHTML(String::fromUTF8(bytes))
+                                              : isMarkupFile(String::fromUTF8(file));
+    if (!isPage) return String::fromUTF8(bytes);
+    return stringByConvertingHtml2PlainText(decodePage(bytes, {}).units);
+}
+
+String singleLine(const String& string) {
+    StringBuilder out(string.length());
+    bool owed = false;
+    for (char16_t unit : string) {
+        const bool white = whiteCharacterSetRep().contains(unit);
+        if (!white && owed && !out.isEmpty()) out.append(u' ');
+        if (!white) out.append(unit);
+        owed = white;
+    }
+    return string.isAbsent() ? string : out.finish();
+}
+
+void forEachFile(Session& session, const std::vector<std::string>& files,
+                 const std::function<void(const std::string&, const std::string&)>& work) {
+    for (const std::string& file : files)
+        if (const auto bytes = readFile(session, file)) work(file, *bytes);
+}
+
+}  // namespace velmo::tool
