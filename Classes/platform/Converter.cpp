@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <bit>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "platform/EncodingTables.h"
 #include "platform/IcuConverter.h"
+#include "platform/PairDecoder.h"
+#include "platform/RowCache.h"
 #include "platform/Utf8.h"
 
 namespace velmo::detail {
@@ -19,39 +19,24 @@ using Units = std::span<char16_t>;
 
 // ---- Single-byte encodings -----------------------------------------------------------------
 
-using ByteTable = std::array<char16_t, 256>;
-
 /// The lower half is ASCII whatever ICU says: its code pages of IBM turn three control
 /// characters round, which pages do not mean.
-ByteTable makeByteTable(const EncodingRow& row) {
-    std::array<std::uint8_t, 256> bytes;
-    ByteTable table;
-    for (unsigned i = 0; i < 256; ++i) bytes[i] = static_cast<std::uint8_t>(i);
-    // Byte by byte, so that nothing can shift the others.
-    for (unsigned i = 0; i < 256; ++i) {
-        table[i] = static_cast<char16_t>(i);
-        if (i < 128) continue;
-        char16_t unit[2];
-        const Decoding one = decodeWithIcu(row, Bytes(bytes).subspan(i, 1), unit);
-        table[i] = one.written == 1 ? unit[0] : ReplacementUnit;
+struct ByteTable : std::array<char16_t, 256> {
+    explicit ByteTable(const EncodingRow& row) {
+        for (unsigned i = 0; i < size(); ++i) {
+            const auto byte = static_cast<std::uint8_t>(i);
+            char16_t& unit = (*this)[i] = byte;
+            if (byte < 0x80) continue;
+            const Decoding one = decodeWithIcu(row, {&byte, 1}, {&unit, 1});
+            if (one.written == 0) unit = ReplacementUnit;
+        }
+        for (const ByteUnit& own : row.own) (*this)[own.byte] = own.unit;
     }
-    for (const ByteUnit& own : row.own) table[own.byte] = own.unit;
-    return table;
-}
+};
 
-/// Made at first use, and kept for the life of the process. If two threads make the same one
-/// at once, the first stays.
 const ByteTable& byteTable(const EncodingRow& row) {
-    static constexpr std::size_t MaxRows = 128;
-    static std::array<std::atomic<const ByteTable*>, MaxRows> tables;
-    std::atomic<const ByteTable*>& place = tables.at(&row - encodingRows().data());
-    const ByteTable* table = place.load(std::memory_order_acquire);
-    if (!table) {
-        auto made = std::make_unique<const ByteTable>(makeByteTable(row));
-        if (place.compare_exchange_strong(table, made.get(), std::memory_order_acq_rel))
-            table = made.release();
-    }
-    return *table;
+    static RowCache<ByteTable> cache;
+    return cache.get(row);
 }
 
 Decoding decodeSingleBytes(const EncodingRow& row, Bytes bytes, Units out) {
@@ -227,7 +212,9 @@ Decoding decodeRow(const EncodingRow& row, Bytes bytes, Units out, bool strict) 
             return checked(decodeAscii(bytes, out), out, strict);
         case EncodingKind::SingleByte:
             return checked(decodeSingleBytes(row, bytes, out), out, strict);
-        case EncodingKind::MultiByte:
+        case EncodingKind::DoubleByte:
+            return decodePairs(row, bytes, out);
+        case EncodingKind::Streamed:
             return decodeWithIcu(row, bytes, out);
         case EncodingKind::UTF16:
             return decodeMarkedUtf16(bytes, out);
@@ -287,7 +274,8 @@ std::optional<Data> encode(std::uint32_t encoding, std::u16string_view text, boo
             return encodeUtf16(text, false, false);
         case EncodingKind::SingleByte:
             return encodeSingleBytes(*row, text, lossy);
-        case EncodingKind::MultiByte:
+        case EncodingKind::DoubleByte:
+        case EncodingKind::Streamed:
             return encodeWithIcu(*row, text, lossy);
     }
     return std::nullopt;

@@ -137,12 +137,12 @@ using enum EncodingKind;
 constexpr EncodingRow Rows[] = {
     // Mac scripts
     {0, SingleByte, "macintosh", "macos-0_2-10.2"},
-    {1, MultiByte, "x-mac-japanese", ShiftJis, nullptr, MacJapanese, TurnedControls},
-    {2, MultiByte, "x-mac-chinesetrad", Big5, Big5Encoder},
-    {3, MultiByte, "x-mac-korean", Korean, nullptr, {}, KoreanFF},
+    {1, DoubleByte, "x-mac-japanese", ShiftJis, nullptr, MacJapanese, TurnedControls},
+    {2, DoubleByte, "x-mac-chinesetrad", Big5, Big5Encoder},
+    {3, DoubleByte, "x-mac-korean", Korean, nullptr, {}, KoreanFF},
     {6, SingleByte, "x-mac-greek", "macos-6_2-10.4"},
     {7, SingleByte, "x-mac-cyrillic", "macos-7_3-10.2"},
-    {25, MultiByte, "x-mac-chinesesimp", Chinese, ChineseEncoder},
+    {25, DoubleByte, "x-mac-chinesesimp", Chinese, ChineseEncoder},
     {29, SingleByte, "x-mac-ce", "macos-29-10.2"},
     {35, SingleByte, "x-mac-turkish", "macos-35-10.2"},
     {36, SingleByte, "x-mac-croatian", "macos-0_2-10.2", nullptr, MacCroatian},
@@ -192,10 +192,10 @@ constexpr EncodingRow Rows[] = {
     {1051, SingleByte, "ibm866", "ibm-866_P100-1995"},
     {1052, SingleByte, "ibm869", "ibm-869_P100-1995", nullptr, GreekDos},
     {1053, SingleByte, "windows-874", "windows-874-2000", nullptr, Thai},
-    {1056, MultiByte, "cp932", ShiftJis, nullptr, {}, TurnedControls},
-    {1057, MultiByte, "cp936", Chinese, ChineseEncoder, EuroSign},
-    {1058, MultiByte, "cp949", Korean, nullptr, {}, KoreanFF},
-    {1059, MultiByte, "cp950", Big5, Big5Encoder},
+    {1056, DoubleByte, "cp932", ShiftJis, nullptr, {}, TurnedControls},
+    {1057, DoubleByte, "cp936", Chinese, ChineseEncoder, EuroSign},
+    {1058, DoubleByte, "cp949", Korean, nullptr, {}, KoreanFF},
+    {1059, DoubleByte, "cp950", Big5, Big5Encoder},
 
     // Windows. Bytes without a character are the control character of their number.
     {1280, SingleByte, "windows-1252", "ibm-5348_P100-1997"},
@@ -211,24 +211,24 @@ constexpr EncodingRow Rows[] = {
     {1536, ASCII, "us-ascii"},
 
     // National sets: their EUC form, which is what pages hold that name the bare set.
-    {1584, MultiByte, "gb_2312-80", Chinese, ChineseEncoder, EuroSign},
-    {1585, MultiByte, "gbk", Chinese, ChineseEncoder, EuroSign},
-    {1586, MultiByte, "gb18030", Chinese},
-    {1600, MultiByte, "ks_c_5601-1987", Korean, nullptr, {}, KoreanFF},
-    {2080, MultiByte, "iso-2022-jp", Iso2022Jp, Iso2022JpEncoder},
-    {2081, MultiByte, "iso-2022-jp-2", Iso2022Jp},
-    {2082, MultiByte, "iso-2022-jp-1", Iso2022Jp, "ISO_2022,locale=ja,version=1"},
-    {2083, MultiByte, "iso-2022-jp-3", Iso2022Jp, Iso2022JpEncoder},
+    {1584, DoubleByte, "gb_2312-80", Chinese, ChineseEncoder, EuroSign},
+    {1585, DoubleByte, "gbk", Chinese, ChineseEncoder, EuroSign},
+    {1586, DoubleByte, "gb18030", Chinese},
+    {1600, DoubleByte, "ks_c_5601-1987", Korean, nullptr, {}, KoreanFF},
+    {2080, Streamed, "iso-2022-jp", Iso2022Jp, Iso2022JpEncoder},
+    {2081, Streamed, "iso-2022-jp-2", Iso2022Jp},
+    {2082, Streamed, "iso-2022-jp-1", Iso2022Jp, "ISO_2022,locale=ja,version=1"},
+    {2083, Streamed, "iso-2022-jp-3", Iso2022Jp, Iso2022JpEncoder},
     // With the rows of NEC and IBM and the units of Windows for the wave dash and its like.
-    {2336, MultiByte, "euc-jp", "euc-jp-2007"},
-    {2352, MultiByte, "gb2312", Chinese, ChineseEncoder, EuroSign},
-    {2353, MultiByte, "euc-tw", "euc-tw-2014"},
-    {2368, MultiByte, "euc-kr", Korean, nullptr, {}, KoreanFF},
-    {2561, MultiByte, "shift_jis", ShiftJis, nullptr, {}, TurnedControls},
+    {2336, DoubleByte, "euc-jp", "euc-jp-2007"},
+    {2352, DoubleByte, "gb2312", Chinese, ChineseEncoder, EuroSign},
+    {2353, DoubleByte, "euc-tw", "euc-tw-2014"},
+    {2368, DoubleByte, "euc-kr", Korean, nullptr, {}, KoreanFF},
+    {2561, DoubleByte, "shift_jis", ShiftJis, nullptr, {}, TurnedControls},
     {2562, SingleByte, "koi8-r", "ibm-878_P100-1996"},
-    {2563, MultiByte, "big5", Big5, Big5Encoder},
-    {2565, MultiByte, "hz-gb-2312", "HZ"},
-    {2566, MultiByte, "big5-hkscs", Big5},
+    {2563, DoubleByte, "big5", Big5, Big5Encoder},
+    {2565, Streamed, "hz-gb-2312", "HZ"},
+    {2566, DoubleByte, "big5-hkscs", Big5},
     {2568, SingleByte, "koi8-u", "ibm-1168_P100-2002"},
 
     // The two Czech encodings of the library's own.
@@ -236,11 +236,11 @@ constexpr EncodingRow Rows[] = {
     {40962, SingleByte, "koi8-cs2", "ISO-8859-1", nullptr, Koi8Cs2},
 
     {0x08000100, UTF8, "utf-8"},
-    {0x0C000100, MultiByte, "utf-32", "UTF-32"},
+    {0x0C000100, Streamed, "utf-32", "UTF-32"},
     {0x10000100, BigEndian, "utf-16be"},
     {0x14000100, LittleEndian, "utf-16le"},
-    {0x18000100, MultiByte, "utf-32be", "UTF-32BE"},
-    {0x1C000100, MultiByte, "utf-32le", "UTF-32LE"},
+    {0x18000100, Streamed, "utf-32be", "UTF-32BE"},
+    {0x1C000100, Streamed, "utf-32le", "UTF-32LE"},
 };
 
 constexpr bool inOrder =

@@ -28,7 +28,8 @@ enum class EncodingKind : std::uint8_t {
     LittleEndian,  ///< UTF-16
     BigEndian,     ///< UTF-16
     SingleByte,    ///< decoded through a table of 256 units
-    MultiByte,     ///< decoded by ICU
+    DoubleByte,    ///< decoded through a table of pairs of bytes, the rest by ICU
+    Streamed,      ///< decoded by ICU
 };
 
 struct EncodingRow {
@@ -37,10 +38,10 @@ struct EncodingRow {
     const char* iana;               ///< the name that pages and headers use, in lower case
     const char* decoder = nullptr;  ///< ICU's name
     const char* encoder = nullptr;  ///< ICU's name for the way back; null if it is the same
-    /// Single-byte: the bytes whose unit is not the decoder's. Multi-byte: what a byte stands
-    /// for that the decoder cannot read.
+    /// Single-byte: the bytes whose unit is not the decoder's. Others: what a byte stands for
+    /// that the decoder cannot read.
     std::span<const ByteUnit> own = {};
-    std::span<const ByteRepair> repairs = {};  ///< multi-byte only
+    std::span<const ByteRepair> repairs = {};  ///< double-byte only
 };
 
 /// All encodings in the order of their numbers.

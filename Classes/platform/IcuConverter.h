@@ -13,7 +13,7 @@
 namespace velmo::detail {
 
 /// Through the decoder of the row, with its own bytes and repairs.
-Decoding decodeWithIcu(const EncodingRow& row, Bytes bytes, std::span<char16_t> out);
+VELMO_API Decoding decodeWithIcu(const EncodingRow& row, Bytes bytes, std::span<char16_t> out);
 
 /// Through the encoder of the row.
 std::optional<Data> encodeWithIcu(const EncodingRow& row, std::u16string_view text, bool lossy);

@@ -3,12 +3,9 @@
 // in charge from the first other byte on until some ASCII stands in a row again.
 #include "platform/Utf8.h"
 
-#include <bit>
 #include <cstdint>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
+#include "platform/AsciiRun.h"
 
 namespace velmo::detail {
 namespace {
@@ -18,29 +15,6 @@ using Byte = std::uint8_t;
 constexpr char16_t Replacement = 0xFFFD;
 
 bool isContinuation(Byte byte) { return (byte & 0xC0) == 0x80; }
-
-/// Widens ASCII from the read position on, sixteen bytes at a time while that many
-/// are left. Stops at the first other byte.
-inline void widenAscii(const Byte*& in, const Byte* end, char16_t*& out) {
-#if defined(__SSE2__)
-    const __m128i zero = _mm_setzero_si128();
-    while (end - in >= 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(in));
-        const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(block));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(block, zero));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 8), _mm_unpackhi_epi8(block, zero));
-        if (high) {
-            const int ascii = std::countr_zero(high);
-            in += ascii;
-            out += ascii;
-            return;
-        }
-        in += 16;
-        out += 16;
-    }
-#endif
-    while (in < end && *in < 0x80) *out++ = *in++;
-}
 
 /// Decodes the sequence that starts with a byte above 127.
 inline void decodeSequence(const Byte*& in, const Byte* end, char16_t*& out) {

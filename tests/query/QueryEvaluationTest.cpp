@@ -297,7 +297,7 @@ std::string differenceOf(const RandomCase& c) {
 // VELMO_QUERY_CASES sets another number of cases.
 TEST(QueryEvaluation, RandomCasesAgreeWithTheReference) {
     const char* wanted = std::getenv("VELMO_QUERY_CASES");
-    const long count = wanted ? std::atol(wanted) : 60000;
+    const long count = wanted ? std::atol(wanted) : 50000;
     std::mt19937 random(2024);
     std::size_t smallest = SIZE_MAX;
     std::string report;

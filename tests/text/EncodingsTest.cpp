@@ -1,13 +1,12 @@
 #include <velmocore/text/Encodings.h>
 
-#include <map>
 #include <random>
-#include <set>
 #include <thread>
 #include <vector>
 
 #include "TestSupport.h"
 #include "platform/EncodingTables.h"
+#include "platform/IcuConverter.h"
 #include "platform/Utf8.h"
 
 namespace velmo {
@@ -213,6 +212,26 @@ TEST(Encodings, OutputStaysWithinItsRoom) {
         EXPECT_EQ(charsOf(room).substr(0, count), back.substr(0, count));
         EXPECT_GE(count + 3, std::min(room.size(), back.size()));
     }
+}
+
+// The table of pairs must give what ICU alone gives, broken bytes included.
+TEST(Encodings, PairsAgreeWithTheStream) {
+    std::mt19937 random(5);
+    std::size_t rows = 0;
+    for (const detail::EncodingRow& row : detail::encodingRows()) {
+        if (row.kind != detail::EncodingKind::DoubleByte) continue;
+        ++rows;
+        for (int round = 0; round < 1500; ++round) {
+            std::string bytes = randomBytes(random, random() % 60);
+            for (char& byte : bytes)
+                if (random() % 3 == 0) byte = static_cast<char>(0x80 | random());
+            char16_t units[128];
+            const detail::Decoding expected = detail::decodeWithIcu(row, bytesOf(bytes), units);
+            ASSERT_EQ(utf8(decoded(row.number, bytes)), utf8({units, expected.written}))
+                << row.iana << testing::PrintToString(bytes);
+        }
+    }
+    EXPECT_EQ(rows, 19u);
 }
 
 TEST(Encodings, StatusesAreTold) {

@@ -34,10 +34,11 @@ void run(Session& session, const Options& options) {
 
 void addMatchCommand(CLI::App& app, Session& session) {
     auto options = std::make_shared<Options>();
-    CLI::App* command =
-        app.add_subcommand("match",
-                           "Example: velmo match '(cat OR dog) NEAR/5 house' notes.txt page.html\n"
-                           "Tell whether a query holds for texts and pages");
+    CLI::App* command = app.add_subcommand(
+        "match",
+        "Example: velmo match '(cat OR dog) NEAR/5 house' notes.txt page.html\n"
+        "         velmo match -- '-bird' notes.txt    (-- before a query that begins with -)\n"
+        "Tell whether a query holds for texts and pages");
     command
         ->add_option("QUERY", options->query,
                      "words, \"phrases\", AND OR XOR NEAR/n NEXT BEFORE AFTER OPT, -not, ()")

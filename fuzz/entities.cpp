@@ -1,0 +1,60 @@
+// Entities and JSON escapes: in place as out of place, never longer where that is promised,
+// and back again.
+#include <velmocore/markup/Entities.h>
+#include <velmocore/markup/JSONEscapes.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+using namespace velmo;
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+void decode(const std::u16string& text, std::size_t location, EntityOptions options) {
+    const std::size_t length = text.size() - location;
+    std::u16string place = text, other(length, u'#');
+    const std::size_t inPlace =
+        convertEntities2Characters(place.data(), place.data(), location, length, options);
+    const std::size_t outOfPlace =
+        convertEntities2Characters(text.data(), other.data(), location, length, options);
+    require(inPlace == outOfPlace && inPlace <= length);
+    require(place.compare(0, inPlace, other, 0, inPlace) == 0);
+    stringByConvertingEntitiesToCharacters(text, options);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 1) return 0;
+    const unsigned flags = data[0];
+    std::u16string text;
+    if (flags & 8) {
+        text.resize((size - 1) / 2);
+        if (!text.empty()) std::memcpy(text.data(), data + 1, text.size() * 2);
+    } else {
+        text.assign(data + 1, data + size);
+    }
+    const std::size_t location = text.empty() ? 0 : (flags >> 4) % text.size();
+    decode(text, location, {(flags & 1) != 0, (flags & 2) != 0, (flags & 4) != 0});
+
+    std::u16string place = text;
+    const std::size_t length = convertStdEntities2Characters(place.data(), place.size());
+    require(length <= text.size());
+    const String string{std::u16string_view(text)};
+    require(stringByConvertingStandardEntitiesToCharacters(string).view() ==
+            (text.size() < 4 ? std::u16string_view(text)
+                             : std::u16string_view(place).substr(0, length)));
+
+    stringByConvertingCharactersToStandardEntities(string);
+    require(stringByConvertingJSONToCharacters(string, flags & 1).length() <= text.size());
+    require(stringByConvertingJSONToCharacters(stringByConvertingCharactersToJSON(string)) ==
+            string);
+    for (char16_t unit : stringByConvertingCharactersToEntities(string)) require(unit < 128);
+    return 0;
+}
