@@ -43,6 +43,18 @@ inline Anchor caseAnchor(std::size_t offset, char16_t unit) noexcept {
     return {offset, {lower, static_cast<char16_t>(unit & ~0x20), other}};
 }
 
+/// How well an ASCII unit tells a word from other text: letters by how rare they are in the
+/// languages of Europe, but those with a third variant behind all others. Below 0 for units
+/// outside ASCII, which cannot be anchors.
+inline int rarityOf(char16_t unit) noexcept {
+    constexpr std::string_view FromCommonToRare = "isk etaonrldchmupgfvybwzxjq";
+    if (unit > 127) return -1;
+    const char letter =
+        unit >= u'A' && unit <= u'Z' ? static_cast<char>(unit + 32) : static_cast<char>(unit);
+    const std::size_t rank = FromCommonToRare.find(letter);
+    return rank == FromCommonToRare.npos ? 15 : static_cast<int>(rank);
+}
+
 /// The start of the first occurrence among the given number of starts, or NotFound. The
 /// pattern has at least one unit, and the text reaches behind the pattern at every start.
 template <class Unit, class Fold>
@@ -59,15 +71,24 @@ std::uint64_t firstOccurrence(const char16_t* text, std::size_t starts,
         }
     };
     if constexpr (Fold::changesCase) {
-        // The anchors are the outermost ASCII units. Without one, every start is tried.
-        const auto isAscii = [&](std::size_t i) { return widened(pattern[i]) < 128; };
-        std::size_t first = 0, last = pattern.size();
-        while (first < last && !isAscii(first)) ++first;
-        if (first < last) {
-            while (!isAscii(--last)) {
+        // The anchors are the two ASCII units that are rarest in text. Without any, every
+        // start is tried.
+        std::size_t first = pattern.size(), second = pattern.size();
+        const auto rarity = [&](std::size_t i) {
+            return i < pattern.size() ? rarityOf(widened(pattern[i])) : -1;
+        };
+        for (std::size_t i = 0; i < pattern.size(); ++i) {
+            if (rarity(i) > rarity(first)) {
+                second = first;
+                first = i;
+            } else if (rarity(i) > rarity(second)) {
+                second = i;
             }
+        }
+        if (rarity(first) >= 0) {
+            if (rarity(second) < 0) second = first;
             return search(caseAnchor(first, widened(pattern[first])),
-                          caseAnchor(last, widened(pattern[last])));
+                          caseAnchor(second, widened(pattern[second])));
         }
         for (std::size_t start = 0; start < starts; ++start)
             if (matches(start)) return start;

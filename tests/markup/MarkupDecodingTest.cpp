@@ -39,7 +39,7 @@ const std::map<std::string, Page>& specialPages() {
 
 TEST(MarkupDecoding, ReadsTheSamplePages) {
     std::size_t pages = 0, special = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(test::dataPath("html"))) {
+    for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) {
         if (entry.path().extension() == ".json") continue;
         ++pages;
         const std::string name = entry.path().filename();

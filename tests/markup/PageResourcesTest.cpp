@@ -1,6 +1,14 @@
 #include <velmocore/markup/PageResources.h>
 
+#include <array>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <string>
+
 #include <velmocore/markup/Links.h>
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/platform/Log.h>
 
 #include "TestSupport.h"
 
@@ -14,15 +22,25 @@ std::string joined(const std::set<String>& strings) {
 }
 
 TEST(PageResources, Sets) {
-    const struct { const char16_t* page; const char *images, *sheets, *objects; } cases[] = {
+    const struct {
+        const char16_t* page;
+        const char *images, *sheets, *objects;
+    } cases[] = {
         {u"<img src=b><IMG SRC='a'><img src=b></img src=c><body background=d>", "a b d", "", ""},
-        {u"<link rel=icon href=i><link rel='x-IMAGE' href=/j><link rel=ico href=k><link href=l>", "/i /j", "", ""},
-        {u"<link rel=stylesheet href=a.css><link rel=STYLE href=./b><link rel=styl href=c>", "", "./b /a.css", ""},
-        {u"<script src=a></script><script>x.src='b'</script><script>@import \"c\"</script>", "", "a c", ""},
-        {u"<style>@IMPORT url(\"a\"); @import \"b\";</style><style>@import 'c'</style><style>@import \"d</style>\"", "", "a", ""},
-        {u"<script data-x='a>b' src=c>d=\"e\"</script><style src=f>@import \"g\"</style>", "", "c f", ""},
-        {u"<object data=a src=b><source src=c><audio src=d><video src=e><track src=f><embed src=g data=h>", "", "",
-         "a c d e f g"},
+        {u"<link rel=icon href=i><link rel='x-IMAGE' href=/j><link rel=ico href=k><link href=l>",
+         "/i /j", "", ""},
+        {u"<link rel=stylesheet href=a.css><link rel=STYLE href=./b><link rel=styl href=c>", "",
+         "./b /a.css", ""},
+        {u"<script src=a></script><script>x.src='b'</script><script>@import \"c\"</script>", "",
+         "a c", ""},
+        {u"<style>@IMPORT url(\"a\"); @import \"b\";</style><style>@import "
+         u"'c'</style><style>@import \"d</style>\"",
+         "", "a", ""},
+        {u"<script data-x='a>b' src=c>d=\"e\"</script><style src=f>@import \"g\"</style>", "",
+         "c f", ""},
+        {u"<object data=a src=b><source src=c><audio src=d><video src=e><track src=f><embed src=g "
+         u"data=h>",
+         "", "", "a c d e f g"},
         {u"</object data=a></source src=b><objects data=c><param data=d>", "", "", ""},
         {u"", "", "", ""},
     };
@@ -35,9 +53,11 @@ TEST(PageResources, Sets) {
 
 TEST(PageResources, LinksAndFrames) {
     const char16_t page[] =
-        u"<html><head><title>a &amp; <b></title><base href=http://h/><link rel='shortcut icon' href=i.ico>"
+        u"<html><head><title>a &amp; <b></title><base href=http://h/><link rel='shortcut icon' "
+        u"href=i.ico>"
         u"<meta http-equiv=Refresh content='5; url=x'><meta name=ROBOTS content=noindex>"
-        u"<meta name=robots content=NoIndex><meta name=robots content=nofollow><meta name=robots content=''>"
+        u"<meta name=robots content=NoIndex><meta name=robots content=nofollow><meta name=robots "
+        u"content=''>"
         u"<meta name=revisit-after content='7 days'></head>"
         u"<frame src=f><iframe src='g '></iframe src=h><a href=l><area href=m></a href=n><rss>";
     const HtmlReferences frames = htmlFrames(page), all = htmlLinksAndFrames(page);
@@ -60,18 +80,24 @@ TEST(PageResources, LinksAndFrames) {
 }
 
 TEST(PageResources, Feeds) {
-    const struct { const char16_t* page; bool isFeed; } cases[] = {
-        {u"<?xml?><rss>", true}, {u"<FEED xmlns=x>", true},   {u"<rdf:RDF>", true},
-        {u"<rdf-rdf>", false},   {u"<html><rss>", false},     {u"<Body><feed>", false},
-        {u"<head/><rss>", false}, {u"<rss><html>", true},     {u"<p><rss>", true},
+    const struct {
+        const char16_t* page;
+        bool isFeed;
+    } cases[] = {
+        {u"<?xml?><rss>", true},  {u"<FEED xmlns=x>", true}, {u"<rdf:RDF>", true},
+        {u"<rdf-rdf>", false},    {u"<html><rss>", false},   {u"<Body><feed>", false},
+        {u"<head/><rss>", false}, {u"<rss><html>", true},    {u"<p><rss>", true},
     };
     for (const auto& c : cases) EXPECT_EQ(htmlFrames(c.page).isFeed, c.isFeed) << String(c.page);
 }
 
 TEST(PageResources, FavIcons) {
-    const struct { const char16_t *page, *icon; } cases[] = {
+    const struct {
+        const char16_t *page, *icon;
+    } cases[] = {
         {u"<link rel=\"shortcut icon\" href=\"a.ico\">", u"/a.ico"},
-        {u"<link rel=\"SHORTCUT ICON\" href=\"http://h/a.ico\"><link rel='shortcut icon' href=b>", u"http://h/a.ico"},
+        {u"<link rel=\"SHORTCUT ICON\" href=\"http://h/a.ico\"><link rel='shortcut icon' href=b>",
+         u"http://h/a.ico"},
         {u"<link rel='shortcut icon'><link rel='x shortcut icon' href=./b>", u"./b"},
         {u"<link rel=icon href=a.ico>", nullptr},
         {u"</link rel='shortcut icon' href=a>", nullptr},
@@ -83,33 +109,53 @@ TEST(PageResources, FavIcons) {
     EXPECT_TRUE(getLinkAttribute(u"body").empty() && getLinkAttribute(u"").empty());
 }
 
-// The numbers are those that another parser gives for these pages.
+// Links, images, sheets, objects and frames, as another parser counts them. The pages that
+// are not named have none.
 TEST(PageResources, RealPages) {
-    const struct { const char* page; std::size_t links, images, sheets, frames; const char *first, *last; } cases[] = {
-        {"cc-about-en.html", 90, 41, 30, 0, "#content", "/website-icons"},
-        {"cc-nc-de.html", 145, 4, 17, 0, "#content", "https://de.wordpress.org/"},
-        {"httpd-fr-utf8.html", 64, 5, 5, 0, "./mod/", "http://www.apache.org/licenses/LICENSE-2.0"},
-        {"httpd-ja-iso-2022-jp.html", 26, 5, 3, 0, "./mod/", "http://www.apache.org/licenses/LICENSE-2.0"},
-        {"readability-v8-blog.html", 52, 1, 4, 0, "/", "/terms#site-policies"},
-        {"readability-base-url-base-element-relative.html", 8, 5, 0, 0, "foo/bar/baz.html",
-         "https://test/foo/bar/baz.html"},
-        {"javadoc-frameset.html", 1, 0, 0, 2, "com/planbase/pdf/layoutmanager/package-summary.html",
-         "com/planbase/pdf/layoutmanager/package-summary.html"},
+    using Counts = std::array<std::size_t, 5>;
+    const std::map<std::string, Counts> expected{
+        {"boost-refresh.html", {2, 0, 0, 0, 0}},
+        {"cc-about-en.html", {90, 41, 30, 0, 0}},
+        {"cc-nc-de.html", {145, 4, 17, 0, 0}},
+        {"extruct-opengraph_test.html", {0, 0, 1, 0, 0}},
+        {"httpd-de-iso-8859-1.html", {68, 3, 5, 0, 0}},
+        {"httpd-es-utf8.html", {73, 3, 5, 0, 0}},
+        {"httpd-fr-utf8.html", {64, 5, 5, 0, 0}},
+        {"httpd-ja-euc-jp.html", {62, 3, 3, 0, 0}},
+        {"httpd-ja-iso-2022-jp.html", {26, 5, 3, 0, 0}},
+        {"httpd-ja-utf8.html", {67, 3, 5, 0, 0}},
+        {"httpd-ko-euc-kr.html", {30, 5, 5, 0, 0}},
+        {"httpd-pt-br-iso-8859-1.html", {48, 5, 5, 0, 0}},
+        {"httpd-ru-koi8-r.html", {49, 5, 5, 0, 0}},
+        {"httpd-tr-utf8.html", {67, 3, 5, 0, 0}},
+        {"httpd-zh-cn-utf8.html", {65, 3, 5, 0, 0}},
+        {"javadoc-frameset.html", {1, 0, 0, 0, 2}},
+        {"jsoup-charset-base.html", {0, 1, 0, 0, 0}},
+        {"jsoup-namespaces.xhtml", {0, 1, 0, 0, 0}},
+        {"readability-base-url-base-element-relative.html", {8, 5, 0, 0, 0}},
+        {"readability-v8-blog.html", {52, 1, 4, 0, 0}},
+        {"trafilatura-tutorial0.html", {1, 0, 0, 0, 0}},
+        {"trafilatura-utf8.html", {1, 0, 0, 0, 0}},
     };
-    for (const auto& c : cases) {
-        const String page = String::fromUTF8(test::readPage(c.page));
+    setLogHandler([](std::string_view) {});  // one of the pages has a relative base
+    std::size_t pages = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) {
+        const std::string name = entry.path().filename();
+        ++pages;
+        const String page = stringWithMarkupData(bytesOf(test::readPage(name)));
         const HtmlLinks links = htmlLinks(page);
-        ASSERT_EQ(links.links.size(), c.links) << c.page;
-        EXPECT_EQ(links.links.front().utf8(), c.first);
-        EXPECT_EQ(links.links.back().utf8(), c.last);
-        EXPECT_EQ(htmlImages(page).size(), c.images) << c.page;
-        EXPECT_EQ(htmlStylesheetsAndScripts(page).size(), c.sheets) << c.page;
-        const HtmlReferences frames = htmlFrames(page);
-        EXPECT_EQ(frames.references.size(), c.frames) << c.page;
+        const std::set<String> frames = htmlFrames(page).references;
+        const Counts counts{links.links.size(), htmlImages(page).size(),
+                            htmlStylesheetsAndScripts(page).size(),
+                            htmlEmbeddedObjects(page).size(), frames.size()};
+        const auto row = expected.find(name);
+        EXPECT_EQ(counts, row == expected.end() ? Counts() : row->second) << name;
         std::set<String> all(links.links.begin(), links.links.end());
-        all.insert(frames.references.begin(), frames.references.end());
-        EXPECT_EQ(htmlLinksAndFrames(page).references, all) << c.page;
+        all.insert(frames.begin(), frames.end());
+        EXPECT_EQ(htmlLinksAndFrames(page).references, all) << name;
     }
+    setLogHandler(nullptr);
+    EXPECT_GE(pages, expected.size());
 }
 
 }  // namespace

@@ -1,0 +1,60 @@
+// All link and resource operations on a page, and the normalising of single references.
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/Links.h>
+#include <velmocore/markup/PageResources.h>
+#include <velmocore/platform/Log.h>
+#include <velmocore/url/LinkFilter.h>
+
+#include <algorithm>
+
+#include "Input.h"
+
+using namespace velmo;
+
+namespace {
+
+void checkReference(std::u16string_view value) {
+    for (bool decode : {false, true}) {
+        const String link = normalizedStringURL(value, decode);
+        fuzz::require(link.length() <= value.size() && (link.isAbsent() || !link.isEmpty()));
+    }
+    fuzz::require(normalizedRelLink(value).length() <= value.size() + 1);
+    fuzz::require(revisitAfter(value) >= 0);
+    normalizedHtmlString(value);
+    getLinkAttribute(value);
+}
+
+/// No link is empty or comes twice.
+void checkLinks(const HtmlLinks& found) {
+    const std::set<String> unique(found.links.begin(), found.links.end());
+    fuzz::require(unique.size() == found.links.size());
+    fuzz::require(std::none_of(unique.begin(), unique.end(),
+                               [](const String& link) { return link.isEmpty(); }));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    setLogHandler([](std::string_view) {});
+    const String page = fuzz::unitsOf(data, size);
+    checkReference(page.view().substr(0, 600));
+
+    const HtmlLinks all = htmlLinks(page);
+    checkLinks(all);
+    const HtmlLinks filtered = htmlLinks(page, {.useRelNoFollow = true, .filter = true});
+    checkLinks(filtered);
+    fuzz::require(filtered.links.size() <= all.links.size());
+    checkLinks(htmlLinksContaining(page, u"a", false));
+
+    const HtmlReferences references = htmlLinksAndFrames(page);
+    fuzz::require(references.baseURL == all.baseURL);
+    fuzz::require(std::all_of(all.links.begin(), all.links.end(), [&](const String& link) {
+        return references.references.contains(link);
+    }));
+    htmlFrames(page);
+    htmlImages(page);
+    htmlStylesheetsAndScripts(page);
+    htmlEmbeddedObjects(page);
+    htmlFavIcon(page);
+    return 0;
+}
