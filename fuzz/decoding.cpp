@@ -6,19 +6,16 @@
 #include <velmocore/platform/PropertyList.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <vector>
 
+#include "Input.h"
 #include "platform/Converter.h"
 #include "platform/EncodingTables.h"
 
 using namespace velmo;
+using fuzz::require;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 /// The reading of the page keeps its bound, and goes back to bytes without harm.
 void readPage(Bytes bytes, const MarkupDecodingOptions& options) {

@@ -3,18 +3,14 @@
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/JSONEscapes.h>
 
-#include <cstdint>
-#include <cstdlib>
-#include <cstring>
 #include <string>
 
+#include "Input.h"
+
 using namespace velmo;
+using fuzz::require;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 void decode(const std::u16string& text, std::size_t location, EntityOptions options) {
     const std::size_t length = text.size() - location;
@@ -32,21 +28,15 @@ void decode(const std::u16string& text, std::size_t location, EntityOptions opti
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 1) return 0;
-    const unsigned flags = data[0];
-    std::u16string text;
-    if (flags & 8) {
-        text.resize((size - 1) / 2);
-        if (!text.empty()) std::memcpy(text.data(), data + 1, text.size() * 2);
-    } else {
-        text.assign(data + 1, data + size);
-    }
-    const std::size_t location = text.empty() ? 0 : (flags >> 4) % text.size();
+    const unsigned flags = data[0] >> 1;
+    const String string = fuzz::unitsOf(data, size);
+    const std::u16string text(string.view());
+    const std::size_t location = text.empty() ? 0 : (flags >> 3) % text.size();
     decode(text, location, {(flags & 1) != 0, (flags & 2) != 0, (flags & 4) != 0});
 
     std::u16string place = text;
     const std::size_t length = convertStdEntities2Characters(place.data(), place.size());
     require(length <= text.size());
-    const String string{std::u16string_view(text)};
     require(stringByConvertingStandardEntitiesToCharacters(string).view() ==
             (text.size() < 4 ? std::u16string_view(text)
                              : std::u16string_view(place).substr(0, length)));
