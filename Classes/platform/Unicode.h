@@ -1,5 +1,6 @@
 // What the library needs of Unicode, asked of ICU: categories, one-to-one mappings,
-// normalisation and case of whole texts. No ICU type shows.
+// normalisation and case of whole texts. No ICU type shows. ICU counts in 32 bits with sign:
+// a longer text is refused with std::bad_alloc.
 #pragma once
 
 #include <cstdint>
@@ -50,6 +51,8 @@ VELMO_API bool isNormalizedC(std::u16string_view text) noexcept;
 /// Case of a whole text, no locale; the length may change.
 VELMO_API std::u16string lowerCase(std::u16string_view text);
 VELMO_API std::u16string upperCase(std::u16string_view text);
+/// The first letter of each word in upper case, the others in lower case.
+VELMO_API std::u16string titleCase(std::u16string_view text);
 
 /// Membership of the platform's white-space-and-newline set: Zs, Zl, Zp, U+0009 to
 /// U+000D and U+0085.
