@@ -7,9 +7,10 @@
 
 #include <velmocore/text/CharacterSets.h>
 
-#include "platform/Unicode.h"
+#include "text/Composition.h"
 #include "text/Remove.h"
 #include "text/UnitFold.h"
+#include "text/UnitMap.h"
 #include "text/UnitScan.h"
 
 namespace velmo {
@@ -21,32 +22,23 @@ enum class Unchanged { GivesReceiver, GivesCopy };
 detail::TableFold through(const ConversionTable& table) { return {table}; }
 
 template <class Map>
-String mappedUnits(View units, Map map) {
-    StringBuilder out;
-    std::transform(units.begin(), units.end(), out.prepare(units.size()), map);
-    out.commit(units.size());
-    return out.finish();
-}
-
-template <class Map>
-String mapped(const String& string, Map map, Unchanged unchanged) {
+String mapped(const String& string, const Map& map, Unchanged unchanged) {
     if (string.isEmpty()) return string;
     if (unchanged == Unchanged::GivesReceiver &&
-        std::all_of(string.begin(), string.end(), [&](char16_t c) { return map(c) == c; }))
+        detail::firstMapped(string.begin(), string.end(), map) == string.end())
         return string;
-    return mappedUnits(string, map);
+    return detail::mappedString(string, map);
 }
 
-/// Composes the text, then maps it. Text that is composed already is not copied for it.
 template <class Map>
-String normalizedAndMapped(const String& string, Map map) {
+String normalizedAndMapped(const String& string, const Map& map) {
     if (string.isEmpty()) return string;
-    if (unicode::isNormalizedC(string)) return mappedUnits(string, map);
-    return mappedUnits(unicode::normalized(string, unicode::Form::C), map);
+    return detail::withComposed(string, [&](View text) { return detail::mappedString(text, map); });
 }
 
 bool isUnchangedBy(View string, const ConversionTable& table) {
-    return std::all_of(string.begin(), string.end(), [&](char16_t c) { return table[c] == c; });
+    const char16_t* const end = string.data() + string.size();
+    return detail::firstMapped(string.data(), end, through(table)) == end;
 }
 
 /// Whether all bytes are ASCII; 32 at a time.

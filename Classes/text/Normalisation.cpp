@@ -2,11 +2,17 @@
 
 #include <algorithm>
 
+#include <velmocore/text/Folding.h>
+
 #include "platform/Unicode.h"
+#include "text/Composition.h"
+#include "text/UnitFold.h"
+#include "text/UnitMap.h"
 
 namespace velmo {
 namespace {
 
+using namespace detail;
 using View = std::u16string_view;
 
 /// What must not be kept in stored text.
@@ -14,19 +20,22 @@ bool isUnsafe(char16_t unit) {
     return unit == 0 || (unit >= 0xD800 && unit <= 0xDFFF) || (unit >= 0xF400 && unit <= 0xF8FF);
 }
 
-/// Composes the text, if need be, and hands it on.
-template <class Map>
-auto withComposed(View text, Map map) {
-    return unicode::isNormalizedC(text) ? map(text)
-                                        : map(View(unicode::normalized(text, unicode::Form::C)));
+/// Below U+0300 the table says the same as the full mapping, but for U+0130.
+bool hasSimpleLowercase(View text) {
+    // No early way out, so that the compiler takes many units a step.
+    std::uint16_t others = 0;
+    for (const char16_t unit : text) others |= unit >= 0x300 || unit == 0x130 ? 1 : 0;
+    return others == 0;
 }
 
-std::u16string composedLowercase(View text) {
-    return withComposed(text, [](View composed) { return unicode::lowerCase(composed); });
+String lowercased(View text) {
+    if (hasSimpleLowercase(text)) return mappedString(text, TableFold{lowerCharsTable()});
+    return unicode::lowerCase(text);
 }
 
-std::u16string composedUppercase(View text) {
-    return withComposed(text, [](View composed) { return unicode::upperCase(composed); });
+String uppercased(View text) {
+    if (isAsciiString(text)) return mappedString(text, UpperFold{});
+    return unicode::upperCase(text);
 }
 
 View lettersOf(char16_t unit) {
@@ -58,17 +67,16 @@ View lettersOf(char16_t unit) {
 
 String normalizedString(const String& string, NormalizationForm form) {
     if (string.isEmpty()) return string;
-    if (form == NormalizationForm::C)
-        return withComposed(string, [](View composed) { return String(composed); });
+    if (form == NormalizationForm::C && isComposed(string)) return string.view();
     return unicode::normalized(string, static_cast<unicode::Form>(form));
 }
 
 String normalizedLowercaseString(const String& string) {
-    return string.isEmpty() ? string : String(composedLowercase(string));
+    return string.isEmpty() ? string : withComposed(string, lowercased);
 }
 
 String normalizedUppercaseString(const String& string) {
-    return string.isEmpty() ? string : String(composedUppercase(string));
+    return string.isEmpty() ? string : withComposed(string, uppercased);
 }
 
 String fixedAndNormalizedString(const String& string) {
@@ -79,20 +87,20 @@ String fixedAndNormalizedString(const String& string) {
 }
 
 void normalizeString(std::u16string& text, NormalizationForm form) {
-    if (form == NormalizationForm::C && unicode::isNormalizedC(text)) return;
+    if (form == NormalizationForm::C && isComposed(text)) return;
     text = unicode::normalized(text, static_cast<unicode::Form>(form));
 }
 
-void normalizeLowercaseString(std::u16string& text) { text = composedLowercase(text); }
-void normalizeUppercaseString(std::u16string& text) { text = composedUppercase(text); }
+void normalizeLowercaseString(std::u16string& text) { text = withComposed(text, lowercased); }
+void normalizeUppercaseString(std::u16string& text) { text = withComposed(text, uppercased); }
 
 void fixAndNormalizeString(std::u16string& text) {
     std::ranges::replace_if(text, isUnsafe, u' ');
     normalizeString(text);
 }
 
-void lowercase(std::u16string& text) { text = unicode::lowerCase(View(text)); }
-void uppercase(std::u16string& text) { text = unicode::upperCase(View(text)); }
+void lowercase(std::u16string& text) { text = lowercased(text); }
+void uppercase(std::u16string& text) { text = uppercased(text); }
 void capitalize(std::u16string& text) { text = unicode::titleCase(text); }
 
 void convertLigaturesToCharacters(std::u16string& text) {

@@ -25,6 +25,20 @@ char16_t* copyKept(const char16_t* from, const char16_t* to, char16_t* out, cons
     return out;
 }
 
+/// Writes the units of [from, to) that are in no class of removed units, likewise.
+template <class Removed>
+char16_t* copyWithout(const char16_t* from, const char16_t* to, char16_t* out,
+                      const Removed& removed) {
+    if constexpr (!Removed::isSparse)
+        return copyKept(from, to, out, std::not_fn(removed), NoFold{});
+    while (from < to) {
+        const char16_t* const hit = removed.find(from, to);
+        out = std::copy(from, hit, out);
+        for (from = hit; from < to && removed(*from);) ++from;
+    }
+    return out;
+}
+
 /// The units that are kept, mapped: always a new string.
 template <class Keep, class Map = NoFold>
 String keptUnits(std::u16string_view units, const Keep& keep, const Map& map = {}) {
@@ -45,8 +59,7 @@ String withoutUnits(const String& string, const Removed& removed) {
     StringBuilder out(string.length());
     out.append(string.view().substr(0, clean));
     char16_t* const start = out.data() + clean;
-    const char16_t* const end =
-        copyKept(first, string.end(), start, std::not_fn(removed), NoFold{});
+    const char16_t* const end = copyWithout(first, string.end(), start, removed);
     out.commit(static_cast<std::size_t>(end - start));
     return out.finish();
 }
@@ -56,7 +69,7 @@ template <class Removed>
 void removeUnits(std::u16string& text, const Removed& removed) {
     const char16_t* const end = text.data() + text.size();
     char16_t* const first = text.data() + (removed.find(text.data(), end) - text.data());
-    const char16_t* const last = copyKept(first, end, first, std::not_fn(removed), NoFold{});
+    const char16_t* const last = copyWithout(first, end, first, removed);
     text.resize(static_cast<std::size_t>(last - text.data()));
 }
 

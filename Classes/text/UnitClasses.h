@@ -1,5 +1,6 @@
 // Classes of units that trimming, removal and collapsing work on. Each is a predicate that
-// stays inline, and finds its first member in [from, to), or to.
+// stays inline, and finds its first member in [from, to), or to. isSparse tells that members
+// are found many units at a time and are mostly far apart.
 #pragma once
 
 #include <algorithm>
@@ -11,6 +12,7 @@
 namespace velmo::detail {
 
 struct InSet {
+    static constexpr bool isSparse = false;
     const CharacterSetRep& set;
     bool operator()(char16_t unit) const noexcept { return set.contains(unit); }
     const char16_t* find(const char16_t* from, const char16_t* to) const noexcept {
@@ -19,6 +21,7 @@ struct InSet {
 };
 
 struct NotInSet {
+    static constexpr bool isSparse = false;
     const CharacterSetRep& set;
     bool operator()(char16_t unit) const noexcept { return !set.contains(unit); }
     const char16_t* find(const char16_t* from, const char16_t* to) const noexcept {
@@ -27,6 +30,7 @@ struct NotInSet {
 };
 
 struct OneUnit {
+    static constexpr bool isSparse = true;
     char16_t unit;
     bool operator()(char16_t c) const noexcept { return c == unit; }
     const char16_t* find(const char16_t* from, const char16_t* to) const noexcept {
@@ -35,6 +39,7 @@ struct OneUnit {
 };
 
 struct Feeds {
+    static constexpr bool isSparse = true;
     bool operator()(char16_t unit) const noexcept { return isFeedUnit(unit); }
     const char16_t* find(const char16_t* from, const char16_t* to) const noexcept {
         return scan::findAnyOf<0x0003, 0x000A, 0x000C, 0x000D, 0x2028, 0x2029, 0xFEFF, 0xFFFC>(from,

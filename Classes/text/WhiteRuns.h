@@ -27,13 +27,12 @@ inline __m128i inPlainStretch(__m128i block) {
         _mm_or_si128(scan::inRange(block, 0xA1, 0x167F), scan::inRange(block, 0x3001, 0xFEFE)));
 }
 
-/// How many units at the start of the block stay as they are for sure: those that are plain,
-/// and each blank in front of a plain unit where blanks stay. The unit behind the last is
-/// taken for white.
-inline std::ptrdiff_t settledUnits(__m128i block, bool blanksStay) {
+/// How many units at the start of a block stay as they are for sure: those that are plain,
+/// and each blank in front of a plain unit where blanks stay. next is the block one unit on.
+inline std::ptrdiff_t settledUnits(__m128i block, __m128i next, bool blanksStay) {
     const __m128i plain = inPlainStretch(block);
     if (!blanksStay) return scan::firstOf(~_mm_movemask_epi8(plain));
-    const __m128i single = _mm_and_si128(scan::equalTo(block, u' '), _mm_srli_si128(plain, 2));
+    const __m128i single = _mm_and_si128(scan::equalTo(block, u' '), inPlainStretch(next));
     return scan::firstOf(~_mm_movemask_epi8(_mm_or_si128(single, plain)));
 }
 
@@ -55,16 +54,33 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
     [[maybe_unused]] const bool blanks = blanksStay(member, replacement);
     while (from < to) {
 #if defined(__SSE2__)
-        while (to - from >= scan::BlockUnits || to - verbatim >= scan::BlockUnits) {
-            // The last block may begin in what is copied already.
-            const std::ptrdiff_t back = std::max<std::ptrdiff_t>(scan::BlockUnits - (to - from), 0);
+        while (to - from > scan::BlockUnits) {
+            const __m128i block = scan::loadBlock(from);
+            const std::ptrdiff_t settled = settledUnits(block, scan::loadBlock(from + 1), blanks);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), block);
+            // The constant step lets the next block be loaded before this one is judged.
+            if (settled == scan::BlockUnits) {
+                from += scan::BlockUnits;
+                out += scan::BlockUnits;
+                continue;
+            }
+            from += settled;
+            out += settled;
+            break;
+        }
+        if (to - from <= scan::BlockUnits && to - verbatim >= scan::BlockUnits) {
+            // The last block may begin in what is copied already. The unit behind it is
+            // taken for white.
+            const std::ptrdiff_t back = scan::BlockUnits - (to - from);
             const __m128i block = scan::loadBlock(from - back);
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(out - back), block);
-            const std::ptrdiff_t copied = settledUnits(block, blanks) - back;
-            if (copied <= 0) break;
-            from += copied;
-            out += copied;
-            if (from == to) return out;
+            const std::ptrdiff_t settled =
+                settledUnits(block, _mm_srli_si128(block, 2), blanks) - back;
+            if (settled > 0) {
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(out - back), block);
+                from += settled;
+                out += settled;
+                if (from == to) return out;
+            }
         }
 #endif
         if (!member(*from)) {
@@ -86,12 +102,15 @@ const char16_t* firstToCollapse(const char16_t* from, const char16_t* to, const 
     [[maybe_unused]] const bool blanks = blanksStay(member, replacement);
     for (; from < to; ++from) {
 #if defined(__SSE2__)
-        while (to - from >= scan::BlockUnits) {
-            const std::ptrdiff_t settled = settledUnits(scan::loadBlock(from), blanks);
-            if (settled == 0) break;
-            from += settled;
+        while (to - from > scan::BlockUnits) {
+            const std::ptrdiff_t settled =
+                settledUnits(scan::loadBlock(from), scan::loadBlock(from + 1), blanks);
+            if (settled != scan::BlockUnits) {
+                from += settled;
+                break;
+            }
+            from += scan::BlockUnits;
         }
-        if (from == to) break;
 #endif
         if (member(*from) && (*from != replacement || (from + 1 < to && member(from[1]))))
             return from;

@@ -1,6 +1,7 @@
 #include <velmocore/text/Normalisation.h>
 
 #include "TestSupport.h"
+#include "platform/Unicode.h"
 
 namespace velmo {
 namespace {
@@ -30,6 +31,23 @@ TEST(Normalisation, FormsAndCase) {
     normalizeUppercaseString(text);
     normalizeString(text, NormalizationForm::D);
     EXPECT_EQ(text, u"E\u0301");
+}
+
+// The short cut through the table says what the full mapping says.
+TEST(Normalisation, CaseOfEveryUnit) {
+    for (unsigned unit = 0; unit < 65536; ++unit) {
+        std::u16string lower(1, static_cast<char16_t>(unit)), upper = lower;
+        const std::u16string original = lower;
+        lowercase(lower);
+        uppercase(upper);
+        ASSERT_EQ(unicode::lowerCase(std::u16string_view(original)), lower) << unit;
+        ASSERT_EQ(unicode::upperCase(std::u16string_view(original)), upper) << unit;
+        ASSERT_EQ(normalizedString(original), unicode::normalized(original, unicode::Form::C))
+            << unit;
+    }
+    std::u16string text = u"A\u0130\u03A3";  // a dot above, and a final sigma
+    lowercase(text);
+    EXPECT_EQ(text, u"ai\u0307\u03C2");
 }
 
 TEST(Normalisation, ReceiverOrNewString) {
