@@ -29,8 +29,11 @@ inline __m128i inPlainStretch(__m128i block) {
 
 /// How many units at the start of a block stay as they are for sure: those that are plain,
 /// and each blank in front of a plain unit where blanks stay. next is the block one unit on.
-inline std::ptrdiff_t settledUnits(__m128i block, __m128i next, bool blanksStay) {
-    const __m128i plain = inPlainStretch(block);
+/// The unit to stop at, if there is one, does not stay.
+template <char16_t Stop = 0>
+std::ptrdiff_t settledUnits(__m128i block, __m128i next, bool blanksStay) {
+    __m128i plain = inPlainStretch(block);
+    if constexpr (Stop) plain = _mm_andnot_si128(scan::equalTo(block, Stop), plain);
     if (!blanksStay) return scan::firstOf(~_mm_movemask_epi8(plain));
     const __m128i single = _mm_and_si128(scan::equalTo(block, u' '), inPlainStretch(next));
     return scan::firstOf(~_mm_movemask_epi8(_mm_or_si128(single, plain)));
@@ -45,8 +48,9 @@ bool blanksStay(const Member& member, char16_t replacement) {
 }
 
 /// Copies [from, to) to out with every run of members made one replacement, and gives the
-/// end of what was written. out needs as much room and must not overlap the text.
-template <class Member>
+/// end of what was written; null as soon as a unit outside the runs equals the one to stop
+/// at, if there is one. out needs as much room and must not overlap the text.
+template <char16_t Stop = 0, class Member>
 char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out,
                          const Member& member, char16_t replacement) {
     // What was copied unit for unit since here stands in the output as it does in the text.
@@ -56,7 +60,8 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
 #if defined(__SSE2__)
         while (to - from > scan::BlockUnits) {
             const __m128i block = scan::loadBlock(from);
-            const std::ptrdiff_t settled = settledUnits(block, scan::loadBlock(from + 1), blanks);
+            const std::ptrdiff_t settled =
+                settledUnits<Stop>(block, scan::loadBlock(from + 1), blanks);
             _mm_storeu_si128(reinterpret_cast<__m128i*>(out), block);
             // The constant step lets the next block be loaded before this one is judged.
             if (settled == scan::BlockUnits) {
@@ -74,7 +79,7 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
             const std::ptrdiff_t back = scan::BlockUnits - (to - from);
             const __m128i block = scan::loadBlock(from - back);
             const std::ptrdiff_t settled =
-                settledUnits(block, _mm_srli_si128(block, 2), blanks) - back;
+                settledUnits<Stop>(block, _mm_srli_si128(block, 2), blanks) - back;
             if (settled > 0) {
                 _mm_storeu_si128(reinterpret_cast<__m128i*>(out - back), block);
                 from += settled;
@@ -84,6 +89,7 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
         }
 #endif
         if (!member(*from)) {
+            if (Stop && *from == Stop) return nullptr;
             *out++ = *from++;
             continue;
         }
@@ -119,9 +125,10 @@ const char16_t* firstToCollapse(const char16_t* from, const char16_t* to, const 
 }
 
 /// White units to blanks.
-inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
-                                     const CharacterSetRep& white) {
-    return copyCollapsing(
+template <char16_t Stop = 0>
+char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
+                              const CharacterSetRep& white) {
+    return copyCollapsing<Stop>(
         from, to, out, [&](char16_t unit) { return isWhiteUnit(unit, white); }, u' ');
 }
 
