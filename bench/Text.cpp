@@ -98,7 +98,7 @@ void crcZlib(benchmark::State& state) {
     unsigned long sum = 0;
     for (auto _ : state)
         for (const std::string& page : corpus().pages)
-            sum ^= crc32(0, reinterpret_cast<const Bytef*>(page.data()),
+            sum ^= ::crc32(0, reinterpret_cast<const Bytef*>(page.data()),
                          static_cast<uInt>(page.size()));
     benchmark::DoNotOptimize(sum);
     state.SetBytesProcessed(processed(state, corpus().pageBytes));

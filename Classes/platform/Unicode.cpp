@@ -5,6 +5,7 @@
 #include <unicode/ustring.h>
 #include <unicode/utf16.h>
 
+#include <algorithm>
 #include <new>
 
 namespace velmo::unicode {
@@ -28,20 +29,25 @@ const UNormalizer2* normalizerOf(Form form) {
 /// Runs an ICU call that fills a buffer and tells the length it wants, twice if the
 /// first buffer was too small.
 template <class Fill>
-std::u16string filled(std::size_t guess, Fill fill) {
-    std::u16string result(guess, u'\0');
-    for (;;) {
+String filled(std::size_t guess, Fill fill) {
+    StringBuilder out;
+    for (auto capacity = static_cast<std::int32_t>(std::min<std::size_t>(guess, INT32_MAX));;) {
         UErrorCode status = U_ZERO_ERROR;
         const std::int32_t length =
-            fill(result.data(), static_cast<std::int32_t>(result.size()), &status);
+            fill(out.prepare(static_cast<std::size_t>(capacity)), capacity, &status);
         if (status == U_BUFFER_OVERFLOW_ERROR) {
-            result.resize(static_cast<std::size_t>(length));
+            capacity = length;
             continue;
         }
         if (U_FAILURE(status)) throw std::bad_alloc();
-        result.resize(static_cast<std::size_t>(length));
-        return result;
+        out.commit(static_cast<std::size_t>(length));
+        return out.finish();
     }
+}
+
+std::int32_t lengthOf(std::u16string_view text) {
+    if (text.size() > INT32_MAX) throw std::bad_alloc();
+    return static_cast<std::int32_t>(text.size());
 }
 
 /// The mapped unit if the call gave exactly one, else the unit itself.
@@ -134,34 +140,40 @@ char16_t withoutDiacritics(char16_t unit) noexcept {
     return count == 1 ? kept : unit;
 }
 
-std::u16string normalized(std::u16string_view text, Form form) {
-    return filled(text.size() + text.size() / 8 + 8, [&](char16_t* out, std::int32_t capacity,
-                                                         UErrorCode* status) {
-        return unorm2_normalize(normalizerOf(form), text.data(),
-                                static_cast<std::int32_t>(text.size()), out, capacity, status);
+String normalized(std::u16string_view text, Form form) {
+    const std::int32_t length = lengthOf(text);
+    return filled(text.size() + text.size() / 32 + 8, [&](char16_t* out, std::int32_t capacity,
+                                                          UErrorCode* status) {
+        return unorm2_normalize(normalizerOf(form), text.data(), length, out, capacity, status);
     });
 }
 
 bool isNormalizedC(std::u16string_view text) noexcept {
     if (text.size() > INT32_MAX) return false;
     UErrorCode status = U_ZERO_ERROR;
-    const auto length = static_cast<std::int32_t>(text.size());
-    const UNormalizationCheckResult result =
-        unorm2_quickCheck(normalizerOf(Form::C), text.data(), length, &status);
+    const UNormalizationCheckResult result = unorm2_quickCheck(
+        normalizerOf(Form::C), text.data(), static_cast<std::int32_t>(text.size()), &status);
     return U_SUCCESS(status) && result == UNORM_YES;
 }
 
-std::u16string lowerCase(std::u16string_view text) {
+String lowerCase(std::u16string_view text) {
+    const std::int32_t length = lengthOf(text);
     return filled(text.size() + 8, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
-        return u_strToLower(out, capacity, text.data(), static_cast<std::int32_t>(text.size()), "",
-                            status);
+        return u_strToLower(out, capacity, text.data(), length, "", status);
     });
 }
 
-std::u16string upperCase(std::u16string_view text) {
+String upperCase(std::u16string_view text) {
+    const std::int32_t length = lengthOf(text);
     return filled(text.size() + 8, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
-        return u_strToUpper(out, capacity, text.data(), static_cast<std::int32_t>(text.size()), "",
-                            status);
+        return u_strToUpper(out, capacity, text.data(), length, "", status);
+    });
+}
+
+String titleCase(std::u16string_view text) {
+    const std::int32_t length = lengthOf(text);
+    return filled(text.size() + 8, [&](char16_t* out, std::int32_t capacity, UErrorCode* status) {
+        return u_strToTitle(out, capacity, text.data(), length, nullptr, "", status);
     });
 }
 

@@ -1,12 +1,13 @@
 // What the library needs of Unicode, asked of ICU: categories, one-to-one mappings,
-// normalisation and case of whole texts. No ICU type shows.
+// normalisation and case of whole texts. No ICU type shows. ICU counts in 32 bits with sign:
+// a longer text is refused with std::bad_alloc.
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
 
 namespace velmo::unicode {
 
@@ -41,15 +42,17 @@ VELMO_API char16_t withoutDiacritics(char16_t unit) noexcept;
 
 /// Normalisation forms, with the numbers that callers use for them.
 enum class Form { D = 0, KD = 1, C = 2, KC = 3 };
-VELMO_API std::u16string normalized(std::u16string_view text, Form form);
+VELMO_API String normalized(std::u16string_view text, Form form);
 
 /// Whether the text is surely in form C. False may also mean that it would take
 /// normalising to know.
 VELMO_API bool isNormalizedC(std::u16string_view text) noexcept;
 
 /// Case of a whole text, no locale; the length may change.
-VELMO_API std::u16string lowerCase(std::u16string_view text);
-VELMO_API std::u16string upperCase(std::u16string_view text);
+VELMO_API String lowerCase(std::u16string_view text);
+VELMO_API String upperCase(std::u16string_view text);
+/// The first letter of each word in upper case, the others in lower case.
+VELMO_API String titleCase(std::u16string_view text);
 
 /// Membership of the platform's white-space-and-newline set: Zs, Zl, Zp, U+0009 to
 /// U+000D and U+0085.

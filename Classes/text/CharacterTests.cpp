@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "text/UnitFold.h"
+#include "text/Remove.h"
 
 namespace velmo {
 namespace {
@@ -148,15 +148,7 @@ bool containsNumber(View string, View digits) {
 
 String stringByRemovingCharactersInRep(const String& string, const CharacterSetRep* set) {
     if (!set || string.isEmpty()) return string;
-    StringBuilder out;
-    char16_t* const start = out.prepare(string.length());
-    char16_t* write = start;
-    for (char16_t unit : string) {
-        *write = unit;
-        write += !set->contains(unit);
-    }
-    out.commit(static_cast<std::size_t>(write - start));
-    return out.finish();
+    return detail::keptUnits(string, detail::NotInSet{*set});
 }
 
 String stringByRemovingWhiteSpaces(const String& string) {

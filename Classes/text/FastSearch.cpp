@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "text/PatternScan.h"
+#include "text/UnitMap.h"
 
 namespace velmo {
 namespace {
@@ -80,7 +81,7 @@ bool fastContainsSubCStrings(std::u16string_view text, std::span<const std::stri
     std::unique_ptr<char16_t[]> heap;
     if (text.size() > ScratchUnits) heap.reset(new char16_t[text.size()]);
     char16_t* const units = heap ? heap.get() : scratch;
-    std::ranges::transform(text, units, TableFold{*table});
+    mapUnits(text.data(), text.data() + text.size(), units, TableFold{*table});
     return containsAny({units, text.size()}, keywords);
 }
 

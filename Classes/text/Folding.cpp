@@ -7,8 +7,11 @@
 
 #include <velmocore/text/CharacterSets.h>
 
-#include "platform/Unicode.h"
+#include "text/Composition.h"
+#include "text/Remove.h"
 #include "text/UnitFold.h"
+#include "text/UnitMap.h"
+#include "text/UnitScan.h"
 
 namespace velmo {
 namespace {
@@ -19,50 +22,34 @@ enum class Unchanged { GivesReceiver, GivesCopy };
 detail::TableFold through(const ConversionTable& table) { return {table}; }
 
 template <class Map>
-String mappedUnits(View units, Map map) {
-    StringBuilder out;
-    std::transform(units.begin(), units.end(), out.prepare(units.size()), map);
-    out.commit(units.size());
-    return out.finish();
-}
-
-template <class Map>
-String mapped(const String& string, Map map, Unchanged unchanged) {
+String mapped(const String& string, const Map& map, Unchanged unchanged) {
     if (string.isEmpty()) return string;
     if (unchanged == Unchanged::GivesReceiver &&
-        std::all_of(string.begin(), string.end(), [&](char16_t c) { return map(c) == c; }))
+        detail::firstMapped(string.begin(), string.end(), map) == string.end())
         return string;
-    return mappedUnits(string, map);
+    return detail::mappedString(string, map);
 }
 
-/// Composes the text, then maps it. Text that is composed already is not copied for it.
 template <class Map>
-String normalizedAndMapped(const String& string, Map map) {
+String normalizedAndMapped(const String& string, const Map& map) {
     if (string.isEmpty()) return string;
-    if (unicode::isNormalizedC(string)) return mappedUnits(string, map);
-    return mappedUnits(unicode::normalized(string, unicode::Form::C), map);
+    return detail::withComposed(string, [&](View text) { return detail::mappedString(text, map); });
 }
 
 bool isUnchangedBy(View string, const ConversionTable& table) {
-    return std::all_of(string.begin(), string.end(), [&](char16_t c) { return table[c] == c; });
+    const char16_t* const end = string.data() + string.size();
+    return detail::firstMapped(string.data(), end, through(table)) == end;
 }
 
-/// Whether no bit of the mask is set in the bytes; 32 at a time.
-bool hasNoBits(const void* bytes, std::size_t size, std::uint64_t mask) {
-    const auto* in = static_cast<const unsigned char*>(bytes);
-    for (; size >= 32; in += 32, size -= 32) {
+/// Whether all bytes are ASCII; 32 at a time.
+bool areAscii(const std::uint8_t* bytes, std::size_t size) {
+    constexpr std::uint64_t High = 0x8080808080808080;
+    for (; size >= 32; bytes += 32, size -= 32) {
         std::uint64_t words[4];
-        std::memcpy(words, in, 32);
-        if ((words[0] | words[1] | words[2] | words[3]) & mask) return false;
+        std::memcpy(words, bytes, 32);
+        if ((words[0] | words[1] | words[2] | words[3]) & High) return false;
     }
-    std::uint64_t word = 0;
-    for (; size >= 8; in += 8, size -= 8) {
-        std::memcpy(&word, in, 8);
-        if (word & mask) return false;
-    }
-    word = 0;
-    if (size) std::memcpy(&word, in, size);
-    return (word & mask) == 0;
+    return std::all_of(bytes, bytes + size, [](std::uint8_t byte) { return byte < 128; });
 }
 
 }  // namespace
@@ -111,21 +98,17 @@ String stringByApplyingConversionTable(const String& string, const ConversionTab
 String stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(
     const String& string, const ConversionTable* table) {
     if (string.isEmpty()) return string;
-    const CharacterSetRep& kept = alphaNumCharacterSetRep();
-    StringBuilder out;
-    char16_t* const start = out.prepare(string.length());
-    char16_t* write = start;
-    for (char16_t unit : string)
-        if (kept.contains(unit)) *write++ = table ? (*table)[unit] : unit;
-    out.commit(static_cast<std::size_t>(write - start));
-    return out.finish();
+    return detail::withFold(table, [&](const auto& fold) {
+        return detail::keptUnits(string, detail::InSet{alphaNumCharacterSetRep()}, fold);
+    });
 }
 
 bool isAsciiString(View string) {
-    return hasNoBits(string.data(), string.size() * sizeof(char16_t), 0xFF80FF80FF80FF80);
+    const char16_t* const end = string.data() + string.size();
+    return scan::findNonAscii(string.data(), end) == end;
 }
 
-bool isAsciiString(Bytes data) { return hasNoBits(data.data(), data.size(), 0x8080808080808080); }
+bool isAsciiString(Bytes data) { return areAscii(data.data(), data.size()); }
 
 bool isUmlautedString(View string) { return !isUnchangedBy(string, umlautsCharsTable()); }
 bool isLowerCaseString(View string) { return isUnchangedBy(string, lowerCharsTable()); }

@@ -2,10 +2,12 @@
 // stays inline; only the units that go, and one more at each end, are looked at.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include <velmocore/platform/String.h>
-#include <velmocore/text/CharacterSets.h>
+
+#include "text/UnitClasses.h"
 
 namespace velmo::detail {
 
@@ -30,19 +32,13 @@ String trimmedString(const String& string, Ends ends, Removable removable) {
     return rest;
 }
 
-/// Membership of a set, as a predicate.
-struct InSet {
-    const CharacterSetRep& set;
-    bool operator()(char16_t unit) const noexcept { return set.contains(unit); }
-};
-struct NotInSet {
-    const CharacterSetRep& set;
-    bool operator()(char16_t unit) const noexcept { return !set.contains(unit); }
-};
-
-/// The class of the operations with an "andFeeds" argument.
-inline InSet spacesAndFeeds(bool andFeeds) {
-    return {andFeeds ? whiteCharacterSetRep() : spaceCharacterSetRep()};
+/// Cuts the text down to what is left of it.
+template <class Removable>
+void trimInPlace(std::u16string& text, Ends ends, Removable removable) {
+    const std::u16string_view rest = trimmedView(text, ends, removable);
+    const auto start = static_cast<std::size_t>(rest.data() - text.data());
+    text.resize(start + rest.size());
+    text.erase(0, start);
 }
 
 }  // namespace velmo::detail

@@ -10,9 +10,8 @@ namespace {
 
 using namespace detail;
 
-auto is(char16_t unit) {
-    return [unit](char16_t c) { return c == unit; };
-}
+constexpr auto isQuote = [](char16_t c) { return c == u'\'' || c == u'"'; };
+constexpr auto isDot = [](char16_t c) { return c == u'\u2026' || c == u'.'; };
 
 }  // namespace
 
@@ -33,15 +32,15 @@ String stringByTrimmingWhiteSpaces(const String& string) {
 }
 
 String stringByTrimmingCharacter(const String& string, char16_t unit) {
-    return trimmedString(string, Ends::Both, is(unit));
+    return trimmedString(string, Ends::Both, OneUnit{unit});
 }
 
 String stringByTrimmingPrefixCharacter(const String& string, char16_t unit) {
-    return trimmedString(string, Ends::Left, is(unit));
+    return trimmedString(string, Ends::Left, OneUnit{unit});
 }
 
 String stringByTrimmingSuffixCharacter(const String& string, char16_t unit) {
-    return trimmedString(string, Ends::Right, is(unit));
+    return trimmedString(string, Ends::Right, OneUnit{unit});
 }
 
 String stringByTrimmingCharactersNotInRep(const String& string, const CharacterSetRep& set) {
@@ -49,7 +48,7 @@ String stringByTrimmingCharactersNotInRep(const String& string, const CharacterS
 }
 
 String stringByTrimmingQuotes(const String& string) {
-    return trimmedString(string, Ends::Both, [](char16_t c) { return c == u'\'' || c == u'"'; });
+    return trimmedString(string, Ends::Both, isQuote);
 }
 
 String stringByTrimmingDigits(const String& string) {
@@ -57,12 +56,11 @@ String stringByTrimmingDigits(const String& string) {
 }
 
 String stringByTrimmingEllipsis(const String& string) {
-    return trimmedString(string, Ends::Right,
-                         [](char16_t c) { return c == u'\u2026' || c == u'.'; });
+    return trimmedString(string, Ends::Right, isDot);
 }
 
 String stringByTrimmingFeeds(const String& string) {
-    return trimmedString(string, Ends::Right, isFeedUnit);
+    return trimmedString(string, Ends::Right, Feeds{});
 }
 
 String stringByTrimmingEnclosingCharacter(const String& string, char16_t unit) {
@@ -87,6 +85,28 @@ Range trimWhiteSpacesInRange(std::u16string_view string, Range range) {
 
 String stringByTrimmingSpacesInRange(const String& string, Range range, bool andFeeds) {
     return string.substring(trimSpacesInRange(string, range, andFeeds));
+}
+
+void trimWhiteSpaces(std::u16string& text) {
+    trimInPlace(text, Ends::Both, unicode::isWhiteSpaceOrNewline);
+}
+
+void trimCharacter(std::u16string& text, char16_t unit) {
+    trimInPlace(text, Ends::Both, OneUnit{unit});
+}
+
+void trimPrefixCharacter(std::u16string& text, char16_t unit) {
+    trimInPlace(text, Ends::Left, OneUnit{unit});
+}
+
+void trimSuffixCharacter(std::u16string& text, char16_t unit) {
+    trimInPlace(text, Ends::Right, OneUnit{unit});
+}
+
+void trimFeeds(std::u16string& text) { trimInPlace(text, Ends::Right, Feeds{}); }
+
+void appendTrimmedString(std::u16string& text, std::u16string_view string) {
+    text.append(trimmedView(string, Ends::Both, unicode::isWhiteSpaceOrNewline));
 }
 
 }  // namespace velmo

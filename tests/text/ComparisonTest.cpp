@@ -24,7 +24,7 @@ TEST(Comparison, ThreeWaysToLookPastADifference) {
         {u"\u0419", u"\u0438", false, true, true},
         {u"\u0416", u"\u0436", true, true, true},
         {u"\u0416", u" ", false, true, false},
-        {u"\u212A", u"k", true, true, true},  // the Kelvin sign, by its lower case
+        {u"\u212A", u"k", true, true, true},   // the Kelvin sign, by its lower case
         {u"\u017F", u"S", true, false, true},  // the long s, by its upper case
         {View(), u"", false, false, false},
         {View(), View(), false, false, false},

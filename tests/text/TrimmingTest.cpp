@@ -76,6 +76,27 @@ TEST(Trimming, CleanTextsComeBackThemselves) {
     EXPECT_TRUE(stringByTrimmingSpacesAndFeeds(u" \n", true).isIdenticalTo(String::empty()));
 }
 
+TEST(Trimming, InPlace) {
+    const auto after = [](auto operation, auto... arguments) {
+        std::u16string text = u"\n xx a b x\r\n";
+        operation(text, arguments...);
+        return text;
+    };
+    EXPECT_EQ(after(trimWhiteSpaces), u"xx a b x");
+    EXPECT_EQ(after(trimFeeds), u"\n xx a b x");
+    std::u16string text = u"xxaxx";
+    trimPrefixCharacter(text, u'x');
+    EXPECT_EQ(text, u"axx");
+    trimSuffixCharacter(text, u'x');
+    EXPECT_EQ(text, u"a");
+    trimCharacter(text, u'a');
+    EXPECT_EQ(text, u"");
+    trimWhiteSpaces(text);
+    appendTrimmedString(text, u" \uFEFFone ");
+    appendTrimmedString(text, View());
+    EXPECT_EQ(text, u"\uFEFFone");
+}
+
 TEST(Trimming, Ranges) {
     const String text(u"ab  cd \n ef");
     const struct {

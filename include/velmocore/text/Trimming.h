@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
@@ -55,5 +56,17 @@ VELMO_API Range trimSpacesInRange(std::u16string_view string, Range range, bool 
 VELMO_API Range trimWhiteSpacesInRange(std::u16string_view string, Range range);
 /// The units of trimSpacesInRange(): the constant empty string if there are none.
 VELMO_API String stringByTrimmingSpacesInRange(const String& string, Range range, bool andFeeds);
+
+// In place.
+
+/// Trims the platform's white space, as stringByTrimmingWhiteSpaces() does.
+VELMO_API void trimWhiteSpaces(std::u16string& text);
+VELMO_API void trimCharacter(std::u16string& text, char16_t unit);
+VELMO_API void trimPrefixCharacter(std::u16string& text, char16_t unit);
+VELMO_API void trimSuffixCharacter(std::u16string& text, char16_t unit);
+/// At the right end only.
+VELMO_API void trimFeeds(std::u16string& text);
+/// Appends the string without the platform's white space at its ends.
+VELMO_API void appendTrimmedString(std::u16string& text, std::u16string_view string);
 
 }  // namespace velmo

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/Range.h>
+
+namespace velmo {
+
+// Single units looked for and counted. An index is NotFound if there is no hit; a start
+// behind the text's end gives none.
+//
+// Mind the case rule of findCharacter(), findLastCharacter(), countCharacter() and
+// containsCharacter(): without caseInsensitive a unit that has two cases is looked for in
+// UPPER case, so that a search for a letter a finds only A. With it, upper-case forms are
+// compared. A unit without case is looked for as it is.
+//
+//     findCharacter(u"www.example.com", u'.');                           // 3
+//     containsCharacter(u"aaa", u'a');                                   // false
+//     containsCharacter(u"aaa", u'a', {.caseInsensitive = true});        // true
+
+struct CharacterSearch {
+    std::int64_t startAt = 0;  ///< below 0 counts as 0
+    bool caseInsensitive = false;
+};
+
+/// The first hit from the start index upward.
+VELMO_API std::uint64_t findCharacter(std::u16string_view string, char16_t unit,
+                                      CharacterSearch search = {});
+/// The last hit that is not below the start index.
+VELMO_API std::uint64_t findLastCharacter(std::u16string_view string, char16_t unit,
+                                          CharacterSearch search = {});
+/// The number of hits from the start index upward.
+VELMO_API std::size_t countCharacter(std::u16string_view string, char16_t unit,
+                                     CharacterSearch search = {});
+inline bool containsCharacter(std::u16string_view string, char16_t unit,
+                              CharacterSearch search = {}) {
+    return findCharacter(string, unit, search) != NotFound;
+}
+
+/// The first hit of any of the units, from the start index upward. Without caseInsensitive
+/// the units are looked for as they are, in both cases.
+VELMO_API std::uint64_t findOneOf(std::u16string_view string, std::u16string_view units,
+                                  CharacterSearch search = {});
+
+/// Punctuation marks, for containsCharacters().
+enum CharacterMask : unsigned {
+    FullStopMask = 1,
+    AtSignMask = 2,
+    SlashMask = 4,
+    QuestionMarkMask = 8,
+    SemicolonMask = 16,
+    UnderscoreMask = 32,
+    AsteriskMask = 64,
+    DollarSignMask = 128,
+};
+/// Whether all units of the mask occur; false for a mask of 0. Stops at the last one needed.
+VELMO_API bool containsCharacters(std::u16string_view string, unsigned mask);
+
+/// The numbers of < and > of a text.
+struct AngleBrackets {
+    std::size_t LT = 0;
+    std::size_t GT = 0;
+    /// Whether there are as many of the one as of the other, and any at all.
+    explicit operator bool() const { return LT == GT && LT > 0; }
+};
+VELMO_API AngleBrackets countLTGT(std::u16string_view string);
+
+}  // namespace velmo

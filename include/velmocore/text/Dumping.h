@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+
+namespace velmo {
+
+// Diagnostics: the units of a string, written to the log in one call. An empty string writes
+// nothing.
+
+/// Twelve units a row, each as a character and in four hexadecimal digits.
+VELMO_API void dump(std::u16string_view string);
+/// The string, and the text of an array of its units for a source file.
+VELMO_API void dumpAsArray(std::u16string_view string);
+
+}  // namespace velmo

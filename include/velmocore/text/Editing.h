@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/Range.h>
+
+namespace velmo {
+
+// Small edits of a text in place. A range or index outside is cut to the text: what is to be
+// inserted behind the end is appended, what is to be removed there is not.
+//
+//     appendSubstring(text, u"one two", {4, 3});    // text ends in two
+
+VELMO_API void appendSubstring(std::u16string& text, std::u16string_view string, Range range);
+inline void appendUnichar(std::u16string& text, char16_t unit) { text += unit; }
+inline void appendUnichars(std::u16string& text, std::u16string_view units) { text += units; }
+VELMO_API void insertCharacter(std::u16string& text, char16_t unit, std::size_t index);
+VELMO_API void removeCharacterAtIndex(std::u16string& text, std::size_t index);
+
+}  // namespace velmo

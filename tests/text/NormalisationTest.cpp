@@ -1,0 +1,87 @@
+#include <velmocore/text/Normalisation.h>
+
+#include "TestSupport.h"
+#include "platform/Unicode.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+TEST(Normalisation, FormsAndCase) {
+    const auto form = [](NormalizationForm f, View text) { return normalizedString(text, f); };
+    EXPECT_EQ(normalizedString(u"a\u0308\uFB01"), u"\u00E4\uFB01");
+    EXPECT_EQ(form(NormalizationForm::D, u"\u00E4"), u"a\u0308");
+    EXPECT_EQ(form(NormalizationForm::KD, u"\u00E4\uFB01"), u"a\u0308fi");
+    EXPECT_EQ(form(NormalizationForm::KC, u"a\u0308\uFB01"), u"\u00E4fi");
+    EXPECT_EQ(normalizedLowercaseString(u"A\u0308\u0130"), u"\u00E4i\u0307");
+    EXPECT_EQ(normalizedUppercaseString(u"a\u0308 stra\u00DFe"), u"\u00C4 STRASSE");
+    EXPECT_EQ(static_cast<int>(NormalizationForm::KC), 3);
+
+    std::u16string text = u"o'neil's \u00E9TUDE, \u01C6ep";
+    capitalize(text);
+    EXPECT_EQ(text, u"O'neil's \u00C9tude, \u01C5ep");
+    uppercase(text);
+    EXPECT_EQ(text, u"O'NEIL'S \u00C9TUDE, \u01C4EP");
+    lowercase(text);
+    EXPECT_EQ(text, u"o'neil's \u00E9tude, \u01C6ep");
+    text = u"E\u0301";
+    normalizeLowercaseString(text);
+    EXPECT_EQ(text, u"\u00E9");
+    normalizeUppercaseString(text);
+    normalizeString(text, NormalizationForm::D);
+    EXPECT_EQ(text, u"E\u0301");
+}
+
+// The short cut through the table says what the full mapping says.
+TEST(Normalisation, CaseOfEveryUnit) {
+    for (unsigned unit = 0; unit < 65536; ++unit) {
+        std::u16string lower(1, static_cast<char16_t>(unit)), upper = lower;
+        const std::u16string original = lower;
+        lowercase(lower);
+        uppercase(upper);
+        ASSERT_EQ(unicode::lowerCase(std::u16string_view(original)), lower) << unit;
+        ASSERT_EQ(unicode::upperCase(std::u16string_view(original)), upper) << unit;
+        ASSERT_EQ(normalizedString(original), unicode::normalized(original, unicode::Form::C))
+            << unit;
+    }
+    std::u16string text = u"A\u0130\u03A3";  // a dot above, and a final sigma
+    lowercase(text);
+    EXPECT_EQ(text, u"ai\u0307\u03C2");
+}
+
+TEST(Normalisation, ReceiverOrNewString) {
+    const String text(u"plain");
+    for (const auto operation :
+         {+[](const String& s) { return normalizedString(s); }, normalizedLowercaseString,
+          fixedAndNormalizedString, optimizedString}) {
+        EXPECT_EQ(operation(text), text);
+        EXPECT_FALSE(operation(text).isIdenticalTo(text));
+        EXPECT_TRUE(operation(String()).isAbsent());
+        EXPECT_EQ(operation(u""), u"");
+    }
+    EXPECT_EQ(optimizedMutableString(text), text.view());
+}
+
+TEST(Normalisation, FixedForKeeping) {
+    EXPECT_EQ(fixedAndNormalizedString(u"a\U0001F600b"), u"a  b");
+    EXPECT_EQ(fixedAndNormalizedString(View(u"a\0\u0308", 3)), View(u"a \u0308"));
+    std::u16string text = {u'o',   0x0308, 0xDC00, 0xD83D, u'x',  0xF400,
+                           0xF8FF, 0xF3FF, 0xF900, 0xD7FF, 0xE000};
+    fixAndNormalizeString(text);
+    // The ideograph U+F900 has a canonical equivalent.
+    EXPECT_EQ(text, (std::u16string{0x00F6, u' ', u' ', u'x', u' ', u' ', 0xF3FF, 0x8C48, 0xD7FF,
+                                    0xE000}));
+}
+
+TEST(Normalisation, Ligatures) {
+    std::u16string text = u"\uFB00\uFB01\uFB02\uFB03\uFB04\uFB05\uFB06\u0133\u0132\u00E6x";
+    convertLigaturesToCharacters(text);
+    EXPECT_EQ(text, u"fffiflffifflftstijIJ\u00E6x");
+    const std::u16string before = text;
+    convertLigaturesToCharacters(text);
+    EXPECT_EQ(text, before);
+}
+
+}  // namespace
+}  // namespace velmo

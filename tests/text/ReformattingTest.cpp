@@ -1,0 +1,71 @@
+#include <velmocore/text/Reformatting.h>
+
+#include <random>
+#include <string>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+TEST(Reformatting, Mails) {
+    const struct {
+        View text, expected;
+    } cases[] = {
+        {u"one\ntwo", u"one two"},
+        {u"one\r\ntwo\rthree", u"one two three"},
+        {u"one\n\ntwo", u"one\n\ntwo"},
+        {u"one\r\n\r\n\n\ntwo", u"one\n\ntwo"},
+        {u"one\n> two\n> three", u"one\n> two\n> three"},
+        {u"list\n- a\n- b\n/path\n}", u"list\n- a\n- b\n/path\n}"},
+        {u"one\n  two", u"one\n two"},
+        {u"he wrote:\ntext", u"he wrote:\ntext"},
+        {u"quote>\ntext", u"quote>\ntext"},
+        {u"one \ntwo", u"one two"},
+        {u"one\t \u00A0two  ", u"one two "},
+        {u"one\n", u"one"},
+        {u"\n", u""},
+        {u"\n\n", u"\n\n"},
+        {u"\r\n", u""},
+        {u"\none", u"one"},
+        {u"\n\none", u"\n\none"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(reformattedMailing(c.text), c.expected) << utf8(c.text);
+    EXPECT_TRUE(reformattedMailing(String()).isAbsent());
+}
+
+TEST(Reformatting, MailsNeverGrow) {
+    std::mt19937 random(9);
+    for (int round = 0; round < 20000; ++round) {
+        std::u16string text;
+        for (unsigned n = random() % 20; n > 0; --n) text += u"ab \t\n\r\n:>-\uFEFF"[random() % 11];
+        const String result = reformattedMailing(text);
+        ASSERT_LE(result.length(), text.size());
+        ASSERT_EQ(result.view().find(u"\n\n\n"), View::npos) << utf8(text);
+        ASSERT_EQ(result.view().find_first_of(u"\t\r"), View::npos) << utf8(text);
+    }
+}
+
+TEST(Reformatting, Lines) {
+    const struct {
+        View text, removed, expected;
+    } cases[] = {
+        {u"one\ntwo\n\nthree", u"", u"one two\n\nthree"},
+        {u"> one\n> two\n>\n> three\n", u">", u"one two\n\nthree"},
+        {u"one\n\n\n\ntwo", u"", u"one\n\ntwo"},
+        {u"\n\none", u"", u"one"},
+        {u"one\r\n\r\ntwo", u"", u"one\r\n\r\ntwo"},
+        {u"one\n\n", u"", u"one\n"},  // no doubling at the last line
+        {u"one  x\n ", u"", u"one x"},
+        {u"*-*", u"-*", u""},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(reformattedStringByRemovingCharactersOfString(c.text, c.removed), c.expected)
+            << utf8(c.text);
+    EXPECT_EQ(reformattedStringByRemovingCharactersOfString(u"a\nb", View()), u"a b");
+}
+
+}  // namespace
+}  // namespace velmo

@@ -1,0 +1,125 @@
+#include <velmocore/text/Replacing.h>
+
+#include <random>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+TEST(Replacing, OneUnit) {
+    const String text(u"aAbB--");
+    EXPECT_EQ(stringByReplacingCharacter(text, u'a', u'x'), u"xAbB--");
+    EXPECT_EQ(stringByReplacingCharacter(text, u'a', u'x', false),
+              u"xAbB--");  // always case sensitive
+    EXPECT_EQ(stringByReplacingCharacter(text, u'-', u'_', false), u"aAbB__");
+    EXPECT_TRUE(stringByReplacingCharacter(text, u'z', u'x').isIdenticalTo(text));
+    EXPECT_TRUE(stringByReplacingCharacter(text, u'a', u'a').isIdenticalTo(text));
+    EXPECT_TRUE(stringByReplacingCharacter(String(), u'a', u'b').isAbsent());
+
+    std::u16string units = u"aAbB";
+    EXPECT_EQ(replaceCharacter(units, u'a', u'x'), 1u);
+    EXPECT_EQ(replaceCharacter(units, u'b', u'y', false), 2u);
+    EXPECT_EQ(units, u"xAyy");
+    EXPECT_EQ(replaceCharacter(units, u'q', u'y'), 0u);
+}
+
+TEST(Replacing, Substrings) {
+    const struct {
+        View text, sought, replacement;
+        bool caseSensitive;
+        View expected;
+        std::size_t count;
+    } cases[] = {
+        {u"aaaa", u"aa", u"a", true, u"aa", 2},
+        {u"a-b-c", u"-", u", ", true, u"a, b, c", 2},
+        {u"One one ONE", u"one", u"1", false, u"1 1 1", 3},
+        {u"One one ONE", u"one", u"1", true, u"One 1 ONE", 1},
+        {u"abc", u"abc", u"", true, u"", 1},
+        {u"abc", u"", u"x", true, u"abc", 0},
+        {u"abc", View(), u"x", true, u"abc", 0},
+        {u"", u"a", u"x", true, u"", 0},
+        {u"abc", u"b", View(), true, u"ac", 1},
+    };
+    for (const auto& c : cases) {
+        std::u16string text(c.text);
+        EXPECT_EQ(replaceString(text, c.sought, c.replacement, c.caseSensitive), c.count);
+        EXPECT_EQ(text, c.expected) << utf8(c.text);
+        const String string(c.text);
+        const String result =
+            stringByReplacingString(string, c.sought, c.replacement, c.caseSensitive);
+        const bool unchanged = c.count == 0 || !c.replacement.data();
+        EXPECT_EQ(result, unchanged ? c.text : c.expected);
+        EXPECT_EQ(result.isIdenticalTo(string), unchanged);
+    }
+    std::u16string text = u"xaxbx";
+    EXPECT_EQ(deleteString(text, u"x"), 3u);
+    EXPECT_EQ(text, u"ab");
+    // Arguments may be parts of the text itself.
+    text = u"ab-ab-ab";
+    EXPECT_EQ(replaceString(text, View(text).substr(0, 2), View(text).substr(2, 3)), 3u);
+    EXPECT_EQ(text, u"-ab--ab--ab");
+}
+
+TEST(Replacing, AgreesWithTheSlowReplacement) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 5000; ++round) {
+        const auto word = [&](unsigned most) {
+            std::u16string out;
+            for (unsigned n = random() % most; n > 0; --n) out += u"aAb"[random() % 3];
+            return out;
+        };
+        std::u16string text = word(40), sought = word(4), expected;
+        const std::u16string replacement = word(5);
+        if (sought.empty()) continue;
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < text.size();) {
+            if (text.compare(i, sought.size(), sought) == 0) {
+                expected += replacement, i += sought.size(), ++count;
+            } else {
+                expected += text[i++];
+            }
+        }
+        ASSERT_EQ(replaceString(text, sought, replacement), count);
+        ASSERT_EQ(text, expected);
+    }
+}
+
+TEST(Replacing, Rotation) {
+    const String text(u"Hello, \u00C4z");
+    EXPECT_EQ(stringByRotating13(text), u"Uryyb, \u00C4m");
+    EXPECT_EQ(stringByRotating(text, 39), stringByRotating13(text));
+    EXPECT_EQ(stringByRotating(text, -13), stringByRotating13(text));
+    EXPECT_EQ(stringByRotating(u"azAZ@[`{", 1), u"baBA@[`{");
+    EXPECT_TRUE(stringByRotating(text, 26).isIdenticalTo(text));
+    EXPECT_TRUE(stringByRotating(String(), 1).isAbsent());
+    const String digits(u"123");
+    EXPECT_FALSE(stringByRotating(digits, 1).isIdenticalTo(digits));
+}
+
+TEST(Replacing, WithAFormat) {
+    const auto filled = [](View format, std::initializer_list<FormatArgument> arguments) {
+        std::u16string text = u"<*>";
+        replaceStringWithFormat(text, u"*", format, arguments);
+        return text;
+    };
+    EXPECT_EQ(filled(u"%d of %d", {3, 12}), u"<3 of 12>");
+    EXPECT_EQ(filled(u"%@/%@/%@", {u"\u00E4", 7, 0.5}), u"<\u00E4/7/0.5>");
+    EXPECT_EQ(filled(u"%05lld|%-4d|%+.3d", {42, 7, 5}), u"<00042|7   |+005>");
+    EXPECT_EQ(filled(u"%04x %X %qd", {255, 171, -1}), u"<00ff AB -1>");
+    EXPECT_EQ(filled(u"%.2f %C 100%%", {1.005, u'x'}), u"<1.00 x 100%>");
+    EXPECT_EQ(filled(u"[%4@][%-4s][%.1@]", {u"ab", "cd", u"ef"}), u"<[  ab][cd  ][e]>");
+    // What has no argument of its kind stays as it stands.
+    EXPECT_EQ(filled(u"%d %@", {u"x"}), u"<%d %@>");
+    EXPECT_EQ(filled(u"50%", {}), u"<50%>");
+    EXPECT_EQ(filled(u"%999999d%", {1}), u"<%999999d%>");
+    std::u16string text = u"**";
+    EXPECT_EQ(replaceStringWithFormat(text, u"*", View(), {}), 0u);
+    EXPECT_EQ(replaceStringWithFormat(text, u"*", u"%d", {1}), 2u);
+    EXPECT_EQ(text, u"11");
+}
+
+}  // namespace
+}  // namespace velmo
