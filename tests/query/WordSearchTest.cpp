@@ -91,6 +91,7 @@ TEST(WordSearch, RangesAndCounts) {
     EXPECT_EQ(countWord(u"abcd", u"*x", true), 2u);
     EXPECT_EQ(rangeOfWord(u"ab a", u"a", true), (Range{3, 1}));
     EXPECT_EQ(rangeOfWord(u"", u"*a", true), Range::none());
+    EXPECT_EQ(rangeOfWord(u"ab", u"*abcd", true), (Range{0, 2}));  // cut at the end of the text
     const Strings words = {u"", u"longer than the text", u"two", u"one"};
     EXPECT_EQ(rangeOfAnyWord(u"one two one", words, true), (Range{4, 3}));
     EXPECT_EQ(countAnyWord(u"one two one", words, true), 3u);
