@@ -6,6 +6,7 @@
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/platform/PropertyList.h>
 
+#include "markup/HeadCharset.h"
 #include "platform/Converter.h"
 #include "platform/Files.h"
 #include "text/UnitScan.h"
@@ -80,6 +81,10 @@ public:
     }
 
     MarkupDecoding run() {
+        if (const String charset = charsetOfHead(); !charset.isAbsent()) {
+            Trial second = tryEncoding(data_, charset2NSStringEncoding(charset));
+            if (!second.failed()) return {std::move(second.text), second.encoding, charset};
+        }
         first_ = tryEncoding(data_, encoding_);
         String charset = String::empty();
         StringEncoding declared = 0;
@@ -92,6 +97,22 @@ public:
     }
 
 private:
+    /// If no header says otherwise, the reading in the charset that the page names wins as
+    /// soon as it gives units: the first trial is then needed for no more than that name,
+    /// which stands in the head as a rule. Absent where the trials must take their way.
+    String charsetOfHead() const {
+        constexpr std::size_t HeadBytes = 2048;
+        if (isNamed_ || encoding_ != UTF8StringEncoding || data_.size() < 2 * HeadBytes) return {};
+        const String head = String::fromUTF8(charsOf(data_.first(HeadBytes)));
+        const String charset = detail::markupCharsetOfHead(head);
+        if (charset.isEmpty()) return {};
+        // Complaints about names are left to the trials.
+        const TextEncoding declared = charset2CFStringEncoding(charset);
+        const bool firstWins = declared == UTF8TextEncoding || declared == ASCIITextEncoding ||
+                               !isEncodingAvailable(declared);
+        return firstWins ? String() : charset;
+    }
+
     Trial choose(StringEncoding declared) {
         if (declared == encoding_ || declared == UnknownStringEncoding ||
             declared == ASCIIStringEncoding)
