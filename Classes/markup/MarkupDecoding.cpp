@@ -81,60 +81,52 @@ public:
     }
 
     MarkupDecoding run() {
-        if (const String charset = charsetOfHead(); !charset.isAbsent()) {
-            Trial second = tryEncoding(data_, charset2NSStringEncoding(charset));
-            if (!second.failed()) return {std::move(second.text), second.encoding, charset};
-        }
-        first_ = tryEncoding(data_, encoding_);
-        String charset = String::empty();
-        StringEncoding declared = 0;
-        if (!first_.failed()) {
-            charset = markupCharset(first_.text);
-            declared = charset2NSStringEncoding(charset);
-        }
-        Trial best = choose(declared);
+        String charset = charsetOfHead();
+        if (charset.isAbsent())
+            charset = first().failed() ? String::empty() : markupCharset(first().text);
+        const bool isRead = !charset.isEmpty() || !first().failed();
+        Trial best = choose(isRead ? charset2NSStringEncoding(charset) : 0);
         return {std::move(best.text), best.encoding, std::move(charset)};
     }
 
 private:
-    /// If no header says otherwise, the reading in the charset that the page names wins as
-    /// soon as it gives units: the first trial is then needed for no more than that name,
-    /// which stands in the head as a rule. Absent where the trials must take their way.
+    /// The charset that the page names, if its head tells; absent if the whole page must be
+    /// read for it. Where another reading than the first wins, the first is then never made.
     String charsetOfHead() const {
         constexpr std::size_t HeadBytes = 2048;
-        if (isNamed_ || encoding_ != UTF8StringEncoding || data_.size() < 2 * HeadBytes) return {};
+        if (isNamed_ || encoding_ != UTF8StringEncoding || data_.size() < HeadBytes) return {};
         const String head = String::fromUTF8(charsOf(data_.first(HeadBytes)));
-        const String charset = detail::markupCharsetOfHead(head);
-        if (charset.isEmpty()) return {};
-        // Complaints about names are left to the trials.
-        const TextEncoding declared = charset2CFStringEncoding(charset);
-        const bool firstWins = declared == UTF8TextEncoding || declared == ASCIITextEncoding ||
-                               !isEncodingAvailable(declared);
-        return firstWins ? String() : charset;
+        return detail::markupCharsetOfHead(head);
+    }
+
+    /// The reading without regard to what the page says, made when it is asked for.
+    const Trial& first() {
+        if (!first_) first_ = tryEncoding(data_, encoding_);
+        return *first_;
     }
 
     Trial choose(StringEncoding declared) {
         if (declared == encoding_ || declared == UnknownStringEncoding ||
             declared == ASCIIStringEncoding)
-            return first_;
+            return first();
         const bool isTrustedUTF8 = isNamed_ && encoding_ == UTF8StringEncoding;
         if (declared == WindowsCP1251StringEncoding && !isTrustedUTF8) {
             // Without a header's backing, such a page is often Windows-1250 in fact.
-            first_ = {};
+            first_ = Trial();
             encoding_ = WindowsCP1250StringEncoding;
         } else if (declared == Big5) {
-            first_ = {};
+            first_ = Trial();
             encoding_ = Big5HKSCS;
         }
         Trial second = tryEncoding(data_, declared);
         if (second.failed()) return lastResort(declared);
-        if (!isNamed_ || first_.failed()) return second;
-        if (isTrustedUTF8 && isUTF8AfterAll(first_, second)) return first_;
-        return second.errors() > first_.errors() ? first_ : second;
+        if (!isNamed_ || first().failed()) return second;
+        if (isTrustedUTF8 && isUTF8AfterAll(first(), second)) return first();
+        return second.errors() > first().errors() ? first() : second;
     }
 
-    Trial lastResort(StringEncoding declared) const {
-        Trial result = first_;
+    Trial lastResort(StringEncoding declared) {
+        Trial result = first();
         if (declared == ShiftJISStringEncoding) result = tryOneOf(data_, japaneseEncodings);
         if (declared == EUCCN) result = tryOneOf(data_, chineseEncodings);
         if (result.failed() && encoding_ != declared)
@@ -148,7 +140,7 @@ private:
     StringEncoding default_;
     StringEncoding encoding_;  ///< of the first trial, and of the last but one resort
     bool isNamed_ = false;
-    Trial first_;
+    std::optional<Trial> first_;
 };
 
 /// The order of trials for a page from a file.
