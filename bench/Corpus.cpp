@@ -28,20 +28,17 @@ std::vector<std::string> readPages() {
 
 Corpus makeCorpus() {
     Corpus corpus;
-    const std::vector<std::string> pages = readPages();
-    while (corpus.pageBytes < Size) {
-        for (const std::string& page : pages) {
-            const String units = stringWithMarkupData(bytesOf(page));
-            const String text = stringByConvertingHtml2PlainText(units);
-            corpus.pages.push_back(page);
-            corpus.utf8.push_back(units.utf8());
-            corpus.texts.push_back(text);
-            corpus.textsUtf8.push_back(text.utf8());
-            corpus.pageBytes += page.size();
-            corpus.utf8Bytes += corpus.utf8.back().size();
-            corpus.textBytes += corpus.textsUtf8.back().size();
-        }
+    corpus.pages = readPages();
+    std::size_t bytes = 0;
+    for (const std::string& page : corpus.pages) {
+        const String units = stringWithMarkupData(bytesOf(page));
+        const String text = stringByConvertingHtml2PlainText(units);
+        corpus.utf8.push_back(units.utf8());
+        corpus.texts.push_back(text);
+        corpus.textsUtf8.push_back(text.utf8());
+        bytes += page.size();
     }
+    corpus.rounds = Size / bytes + 1;
     return corpus;
 }
 

@@ -17,21 +17,14 @@
 namespace velmo::bench {
 namespace {
 
-template <class Pages, class Work>
-void eachPage(benchmark::State& state, const Pages& pages, std::size_t bytes, Work work) {
-    for (auto _ : state)
-        for (const auto& page : pages) work(page);
-    state.SetBytesProcessed(static_cast<std::int64_t>(bytes * state.iterations()));
-}
-
 void utf8Velmo(benchmark::State& state) {
-    eachPage(state, corpus().utf8, corpus().utf8Bytes,
+    eachPage(state, corpus().utf8,
              [](const std::string& page) { benchmark::DoNotOptimize(String::fromUTF8(page)); });
 }
 BENCHMARK(utf8Velmo)->Name("utf8-to-string/velmo")->Unit(benchmark::kMillisecond);
 
 void utf8Icu(benchmark::State& state) {
-    eachPage(state, corpus().utf8, corpus().utf8Bytes, [](const std::string& page) {
+    eachPage(state, corpus().utf8, [](const std::string& page) {
         const std::unique_ptr<char16_t[]> buffer(new char16_t[page.size()]);
         UErrorCode status = U_ZERO_ERROR;
         std::int32_t length = 0;
@@ -43,7 +36,7 @@ void utf8Icu(benchmark::State& state) {
 BENCHMARK(utf8Icu)->Name("utf8-to-string/icu")->Unit(benchmark::kMillisecond);
 
 void linksVelmo(benchmark::State& state) {
-    eachPage(state, corpus().pages, corpus().pageBytes, [](const std::string& page) {
+    eachPage(state, corpus().pages, [](const std::string& page) {
         const String units = stringWithMarkupData(bytesOf(page));
         benchmark::DoNotOptimize(htmlLinks(units));
     });
@@ -51,7 +44,7 @@ void linksVelmo(benchmark::State& state) {
 BENCHMARK(linksVelmo)->Name("links/velmo")->Unit(benchmark::kMillisecond);
 
 void textVelmo(benchmark::State& state) {
-    eachPage(state, corpus().pages, corpus().pageBytes, [](const std::string& page) {
+    eachPage(state, corpus().pages, [](const std::string& page) {
         const String units = stringWithMarkupData(bytesOf(page));
         benchmark::DoNotOptimize(stringByConvertingHtml2PlainText(units));
     });
@@ -96,7 +89,7 @@ void linksLibxml2(benchmark::State& state) {
                 static_cast<Collected*>(data)->links.emplace_back(
                     reinterpret_cast<const char*>(attributes[1]));
     };
-    eachPage(state, corpus().pages, corpus().pageBytes,
+    eachPage(state, corpus().pages,
              [&](const std::string& page) { parseWithLibxml2(page, handler); });
 }
 BENCHMARK(linksLibxml2)->Name("links/libxml2")->Unit(benchmark::kMillisecond);
@@ -115,7 +108,7 @@ void textLibxml2(benchmark::State& state) {
             collected->text.append(reinterpret_cast<const char*>(text),
                                    static_cast<std::size_t>(length));
     };
-    eachPage(state, corpus().pages, corpus().pageBytes,
+    eachPage(state, corpus().pages,
              [&](const std::string& page) { parseWithLibxml2(page, handler); });
 }
 BENCHMARK(textLibxml2)->Name("plain-text/libxml2")->Unit(benchmark::kMillisecond);

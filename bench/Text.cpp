@@ -20,21 +20,14 @@ namespace {
 const char* const Words[] = {"server",  "document", "license", "apache", "configuration",
                              "commons", "module",   "request", "kernel", "schnell"};
 
-std::int64_t processed(const benchmark::State& state, std::size_t bytes) {
-    return static_cast<std::int64_t>(bytes * state.iterations());
-}
-
 void wordsVelmo(benchmark::State& state) {
     std::vector<String> words;
     for (const char* word : Words) words.push_back(String::fromUTF8(word));
     std::uint64_t hits = 0;
-    for (auto _ : state) {
-        hits = 0;
-        for (const String& text : corpus().texts)
-            for (const String& word : words) hits += countWord(text, word, false);
-    }
-    state.counters["hits"] = static_cast<double>(hits);
-    state.SetBytesProcessed(processed(state, corpus().textBytes));
+    eachPage(state, corpus().texts, [&](const String& text) {
+        for (const String& word : words) hits += countWord(text, word, false);
+    });
+    state.counters["hits"] = static_cast<double>(hits / state.iterations());
 }
 BENCHMARK(wordsVelmo)->Name("ten-words/velmo")->Unit(benchmark::kMillisecond);
 
@@ -43,26 +36,19 @@ void wordsRe2(benchmark::State& state) {
     for (const char* word : Words)
         patterns.push_back(std::make_unique<RE2>(std::string("(?i)\\b") + word + "\\b"));
     std::uint64_t hits = 0;
-    for (auto _ : state) {
-        hits = 0;
-        for (const std::string& text : corpus().textsUtf8)
-            for (const auto& pattern : patterns)
-                for (re2::StringPiece rest(text); RE2::FindAndConsume(&rest, *pattern);) ++hits;
-    }
-    state.counters["hits"] = static_cast<double>(hits);
-    state.SetBytesProcessed(processed(state, corpus().textBytes));
+    eachPage(state, corpus().textsUtf8, [&](const std::string& text) {
+        for (const auto& pattern : patterns)
+            for (re2::StringPiece rest(text); RE2::FindAndConsume(&rest, *pattern);) ++hits;
+    });
+    state.counters["hits"] = static_cast<double>(hits / state.iterations());
 }
 BENCHMARK(wordsRe2)->Name("ten-words/re2")->Unit(benchmark::kMillisecond);
 
 void countVelmo(benchmark::State& state) {
     std::uint64_t words = 0;
-    for (auto _ : state) {
-        words = 0;
-        for (const String& text : corpus().texts)
-            words += numberOfWordsUsingDefaultSeparation(text);
-    }
-    state.counters["words"] = static_cast<double>(words);
-    state.SetBytesProcessed(processed(state, corpus().textBytes));
+    eachPage(state, corpus().texts,
+             [&](const String& text) { words += numberOfWordsUsingDefaultSeparation(text); });
+    state.counters["words"] = static_cast<double>(words / state.iterations());
 }
 BENCHMARK(countVelmo)->Name("word-count/velmo")->Unit(benchmark::kMillisecond);
 
@@ -70,38 +56,28 @@ void countIcu(benchmark::State& state) {
     UErrorCode status = U_ZERO_ERROR;
     UBreakIterator* iterator = ubrk_open(UBRK_WORD, "en", nullptr, 0, &status);
     std::uint64_t words = 0;
-    for (auto _ : state) {
-        words = 0;
-        for (const String& text : corpus().texts) {
-            ubrk_setText(iterator, text.characters(), static_cast<std::int32_t>(text.length()),
-                         &status);
-            while (ubrk_next(iterator) != UBRK_DONE)
-                words += ubrk_getRuleStatus(iterator) >= UBRK_WORD_NONE_LIMIT;
-        }
-    }
+    eachPage(state, corpus().texts, [&](const String& text) {
+        ubrk_setText(iterator, text.characters(), static_cast<std::int32_t>(text.length()),
+                     &status);
+        while (ubrk_next(iterator) != UBRK_DONE)
+            words += ubrk_getRuleStatus(iterator) >= UBRK_WORD_NONE_LIMIT;
+    });
     ubrk_close(iterator);
-    state.counters["words"] = static_cast<double>(words);
-    state.SetBytesProcessed(processed(state, corpus().textBytes));
+    state.counters["words"] = static_cast<double>(words / state.iterations());
 }
 BENCHMARK(countIcu)->Name("word-count/icu")->Unit(benchmark::kMillisecond);
 
 void crcVelmo(benchmark::State& state) {
-    std::uint32_t sum = 0;
-    for (auto _ : state)
-        for (const std::string& page : corpus().pages) sum ^= CRC32(bytesOf(page));
-    benchmark::DoNotOptimize(sum);
-    state.SetBytesProcessed(processed(state, corpus().pageBytes));
+    eachPage(state, corpus().pages,
+             [](const std::string& page) { benchmark::DoNotOptimize(CRC32(bytesOf(page))); });
 }
 BENCHMARK(crcVelmo)->Name("crc32/velmo")->Unit(benchmark::kMillisecond);
 
 void crcZlib(benchmark::State& state) {
-    unsigned long sum = 0;
-    for (auto _ : state)
-        for (const std::string& page : corpus().pages)
-            sum ^= ::crc32(0, reinterpret_cast<const Bytef*>(page.data()),
-                         static_cast<uInt>(page.size()));
-    benchmark::DoNotOptimize(sum);
-    state.SetBytesProcessed(processed(state, corpus().pageBytes));
+    eachPage(state, corpus().pages, [](const std::string& page) {
+        benchmark::DoNotOptimize(::crc32(0, reinterpret_cast<const Bytef*>(page.data()),
+                                         static_cast<uInt>(page.size())));
+    });
 }
 BENCHMARK(crcZlib)->Name("crc32/zlib")->Unit(benchmark::kMillisecond);
 

@@ -5,6 +5,7 @@
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/HeadCharset.h"
 #include "text/Keyword.h"
 
 namespace velmo {
@@ -22,11 +23,16 @@ String charsetOfMetaTag(std::u16string_view tag) {
     return stringByConvertingEntitiesToCharacters(name);
 }
 
-/// The charset that the page names, and where.
-NamedCharset findCharset(std::u16string_view page) {
+/// The charset that the page names, and where. Tells through reachesFarther, if given, when
+/// the answer may depend on what stands behind the text, which is then only a page's head.
+NamedCharset findCharset(std::u16string_view page, bool* reachesFarther = nullptr) {
     NamedCharset found;
-    GetTagsOfString(page, [&found](const Tag& tag) {
+    GetTagsOfString(page, [&](const Tag& tag) {
         const std::u16string_view name = tag.name();
+        // The scan looks ahead for the end of a script or a style.
+        if (reachesFarther && (tag.kind == TagKind::End || keyword::equals(name, "SCRIPT") ||
+                               keyword::equals(name, "STYLE")))
+            return *reachesFarther = true;
         String charset;
         if (name.size() == 4) {
             if (keyword::equals(name, "BODY")) return true;
@@ -45,6 +51,12 @@ NamedCharset findCharset(std::u16string_view page) {
 }  // namespace
 
 String markupCharset(std::u16string_view page) { return findCharset(page).name; }
+
+String detail::markupCharsetOfHead(std::u16string_view head) {
+    bool reachesFarther = false;
+    const NamedCharset found = findCharset(head, &reachesFarther);
+    return reachesFarther ? String() : found.name;
+}
 
 Range markupCharsetRange(std::u16string_view page) { return findCharset(page).tag; }
 

@@ -6,6 +6,7 @@
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/platform/PropertyList.h>
 
+#include "markup/HeadCharset.h"
 #include "platform/Converter.h"
 #include "platform/Files.h"
 #include "text/UnitScan.h"
@@ -80,40 +81,52 @@ public:
     }
 
     MarkupDecoding run() {
-        first_ = tryEncoding(data_, encoding_);
-        String charset = String::empty();
-        StringEncoding declared = 0;
-        if (!first_.failed()) {
-            charset = markupCharset(first_.text);
-            declared = charset2NSStringEncoding(charset);
-        }
-        Trial best = choose(declared);
+        String charset = charsetOfHead();
+        if (charset.isAbsent())
+            charset = first().failed() ? String::empty() : markupCharset(first().text);
+        const bool isRead = !charset.isEmpty() || !first().failed();
+        Trial best = choose(isRead ? charset2NSStringEncoding(charset) : 0);
         return {std::move(best.text), best.encoding, std::move(charset)};
     }
 
 private:
+    /// The charset that the page names, if its head tells; absent if the whole page must be
+    /// read for it. Where another reading than the first wins, the first is then never made.
+    String charsetOfHead() const {
+        constexpr std::size_t HeadBytes = 2048;
+        if (isNamed_ || encoding_ != UTF8StringEncoding || data_.size() < HeadBytes) return {};
+        const String head = String::fromUTF8(charsOf(data_.first(HeadBytes)));
+        return detail::markupCharsetOfHead(head);
+    }
+
+    /// The reading without regard to what the page says, made when it is asked for.
+    const Trial& first() {
+        if (!first_) first_ = tryEncoding(data_, encoding_);
+        return *first_;
+    }
+
     Trial choose(StringEncoding declared) {
         if (declared == encoding_ || declared == UnknownStringEncoding ||
             declared == ASCIIStringEncoding)
-            return first_;
+            return first();
         const bool isTrustedUTF8 = isNamed_ && encoding_ == UTF8StringEncoding;
         if (declared == WindowsCP1251StringEncoding && !isTrustedUTF8) {
             // Without a header's backing, such a page is often Windows-1250 in fact.
-            first_ = {};
+            first_ = Trial();
             encoding_ = WindowsCP1250StringEncoding;
         } else if (declared == Big5) {
-            first_ = {};
+            first_ = Trial();
             encoding_ = Big5HKSCS;
         }
         Trial second = tryEncoding(data_, declared);
         if (second.failed()) return lastResort(declared);
-        if (!isNamed_ || first_.failed()) return second;
-        if (isTrustedUTF8 && isUTF8AfterAll(first_, second)) return first_;
-        return second.errors() > first_.errors() ? first_ : second;
+        if (!isNamed_ || first().failed()) return second;
+        if (isTrustedUTF8 && isUTF8AfterAll(first(), second)) return first();
+        return second.errors() > first().errors() ? first() : second;
     }
 
-    Trial lastResort(StringEncoding declared) const {
-        Trial result = first_;
+    Trial lastResort(StringEncoding declared) {
+        Trial result = first();
         if (declared == ShiftJISStringEncoding) result = tryOneOf(data_, japaneseEncodings);
         if (declared == EUCCN) result = tryOneOf(data_, chineseEncodings);
         if (result.failed() && encoding_ != declared)
@@ -127,7 +140,7 @@ private:
     StringEncoding default_;
     StringEncoding encoding_;  ///< of the first trial, and of the last but one resort
     bool isNamed_ = false;
-    Trial first_;
+    std::optional<Trial> first_;
 };
 
 /// The order of trials for a page from a file.

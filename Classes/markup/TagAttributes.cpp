@@ -126,9 +126,9 @@ private:
     }
 
     std::size_t endOfQuoted(std::size_t open) const {
-        std::size_t i = open + 1;
-        while (i < tag_.size() && tag_[i] != tag_[open] && tag_[i] != rules_.terminator) ++i;
-        return i;
+        const char16_t* const value = tag_.data() + open + 1;
+        return static_cast<std::size_t>(
+            scan::findEither(value, end(), tag_[open], rules_.terminator) - tag_.data());
     }
 
     /// A > inside the value closes a < of the value; a <meta inside means that the closing

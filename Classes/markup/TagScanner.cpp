@@ -30,6 +30,8 @@
 namespace velmo {
 namespace {
 
+bool isAsciiLetter(char16_t unit) { return static_cast<char16_t>((unit | 0x20) - u'a') < 26; }
+
 /// Searches one needle from positions that never go back, and remembers the last hit: as
 /// long as the next search begins in front of it, it is the answer again.
 template <class Find>
@@ -206,8 +208,10 @@ private:
 
     void findName(const char16_t* at, const char16_t* last) {
         at += *at == u'/';
-        while (at < last && !alpha_.contains(*at)) ++at;
-        if (at >= last) return;
+        if (!isAsciiLetter(*at)) {
+            while (at < last && !alpha_.contains(*at)) ++at;
+            if (at >= last) return;
+        }
         const char16_t* nameEnd = endOfName(at + 1, last);
         tag_.nameLocation = static_cast<std::uint64_t>(at - begin_);
         tag_.nameLength = static_cast<std::uint64_t>(nameEnd - at);
@@ -222,6 +226,7 @@ private:
             const int plain = _mm_movemask_epi8(
                 _mm_andnot_si128(scan::equalTo(block, u'/'), scan::inRange(block, 0x21, 0x7F)));
             at = std::min(at + scan::firstOf(~plain), last);
+            if (at == last || *at == u' ') return at;
         }
 #endif
         while (at < last && *at != u'/' && !white_.contains(*at)) ++at;

@@ -21,8 +21,11 @@ Range cutAt(std::u16string_view text, Range range) {
     return {start, std::min<std::uint64_t>(range.length, text.size() - start)};
 }
 
-Range rangeOf(std::uint64_t location, std::u16string_view word) {
-    return location == NotFound ? Range::none() : Range{location, word.size()};
+/// The range of an occurrence. A word that begins with a star is found wherever it does not
+/// fit as well, so the range is cut at the end of the text.
+Range rangeOf(std::uint64_t location, std::u16string_view word, std::u16string_view text) {
+    if (location == NotFound) return Range::none();
+    return {location, std::min<std::uint64_t>(word.size(), text.size() - location)};
 }
 
 /// Calls found(location) for each occurrence of a whole word, without overlaps, until it
@@ -46,7 +49,7 @@ Range findWord(std::u16string_view text, std::u16string_view word, Range range,
                                     {.caseSensitive = options.caseSensitive,
                                      .backwards = backwards,
                                      .wholeWord = options.anchored}),
-                   word);
+                   word, text);
 }
 
 }  // namespace
@@ -118,7 +121,7 @@ std::uint64_t NWordsBack(std::uint64_t n, std::u16string_view text,
 Range rangeOfWord(std::u16string_view text, std::u16string_view word, bool caseSensitive) {
     Range result = Range::none();
     forEachWord(text, word, caseSensitive, [&](std::uint64_t location) {
-        result = {location, word.size()};
+        result = rangeOf(location, word, text);
         return false;
     });
     return result;

@@ -69,6 +69,19 @@ inline const char16_t* find(const char16_t* from, const char16_t* to, char16_t u
 #endif
 }
 
+/// The first position that holds one of two units; to if there is none.
+inline const char16_t* findEither(const char16_t* from, const char16_t* to, char16_t a,
+                                  char16_t b) {
+#if defined(__SSE2__)
+    return findWhere(
+        from, to, [=](__m128i block) { return _mm_or_si128(equalTo(block, a), equalTo(block, b)); },
+        [=](char16_t u) { return u == a || u == b; });
+#else
+    while (from < to && *from != a && *from != b) ++from;
+    return from;
+#endif
+}
+
 /// The first position that holds one of the units; to if there is none.
 template <char16_t... Units>
 inline const char16_t* findAnyOf(const char16_t* from, const char16_t* to) {

@@ -17,14 +17,13 @@ TEST(Charsets, NamesAreKnownHoweverTheyAreWritten) {
     };
     const Case cases[] = {
         {513,
-         {u"iso-8859-1", u"ISO_8859_1", u"iso8859-1", u"8859-1", u"Latin-1", u"latin", u"iso",
-          u"ISO 8859-1;", u"iso-88591", u"885231", u"885111x2", u"885391", u"iso-10059-1",
-          u"l8859"}},
+         {u"iso-8859-1", u"ISO_8859_1", u"iso8859-1", u"8859-1", u"Latin-1", u"latin", u"iso", u"ISO 8859-1;",
+          u"iso-88591", u"885231", u"885111x2", u"885391", u"iso-10059-1", u"l8859"}},
         {1280, {u"windows-1252", u"cp1252", u"windows-31j", u"windows", u"Windows-1252-x"}},
         {1282, {u"windows-1251", u"x-cp-1251"}},
         {UTF8TextEncoding,
-         {u"utf-8", u"UTF8", u"uft-8", u"utf", u"utf-9", u"unicode", u"utf%2d8", u"utf-08",
-          u"x-utf8x", u"en-us", u"en_GB"}},
+         {u"utf-8", u"UTF8", u"uft-8", u"utf", u"utf-9", u"unicode", u"utf%2d8", u"utf-08", u"x-utf8x", u"en-us",
+          u"en_GB"}},
         {1536, {u"utf-7", u"us-ascii", u"ASCII", u"none"}},
         {256, {u"utf-16", u"utf-16le"}},
         {2561, {u"x-sjis", u"shift_jis", u"Shift-JIS", u"csshiftjis"}},
@@ -56,12 +55,11 @@ TEST(Charsets, NamesAreKnownHoweverTheyAreWritten) {
         {1053, {u"tis874", u"cp874"}},
         {1056, {u"cp932"}},
         {UnknownTextEncoding,
-         {u"", u"x", u"en", u"--8", u"latin0", u"latin-x", u"iso-8859-12", u"885392", u"88530",
-          u"x-user-defined", u"mac-klingon", u"99999999999999999999", u"4294967733"}},
+         {u"", u"x", u"en", u"--8", u"latin0", u"latin-x", u"iso-8859-12", u"885392", u"88530", u"x-user-defined",
+          u"mac-klingon", u"99999999999999999999", u"4294967733"}},
     };
     for (const Case& c : cases)
-        for (const char16_t* name : c.names)
-            EXPECT_EQ(charset2CFStringEncoding(name), c.encoding) << utf8(name);
+        for (const char16_t* name : c.names) EXPECT_EQ(charset2CFStringEncoding(name), c.encoding) << utf8(name);
 }
 
 // The names that the library gives are names that it takes, but for those that the order of
@@ -72,8 +70,8 @@ TEST(Charsets, OwnNamesComeBack) {
         const String name = String::fromUTF8(row.iana);
         if (charset2CFStringEncoding(name) == row.number) continue;
         ++others;
-        EXPECT_TRUE(row.number == 1584 || row.number == 2565 || row.number == 2566 ||
-                    row.number == 2568 || row.number >= 0x0C000100)
+        EXPECT_TRUE(row.number == 1584 || row.number == 2565 || row.number == 2566 || row.number == 2568 ||
+                    row.number >= 0x0C000100)
             << row.iana;
     }
     EXPECT_EQ(others, 9u);

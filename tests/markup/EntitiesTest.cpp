@@ -35,8 +35,7 @@ TEST(Entities, TableIsWholeAndInOrder) {
     EXPECT_TRUE(*units.begin() == 160 && *units.rbegin() == 9830);
     EXPECT_EQ(rows[7].name, "agrave");
     EXPECT_EQ(rows[245].name, "euro");
-    for (std::string_view no :
-         {"", "amp", "gt", "lt", "quot", "cedil", "fnof", "apos", "EACUTE", "thetasymx", "e"})
+    for (std::string_view no : {"", "amp", "gt", "lt", "quot", "cedil", "fnof", "apos", "EACUTE", "thetasymx", "e"})
         EXPECT_EQ(detail::unitOfEntity(no), 0) << no;
     EXPECT_EQ(detail::unitOfEntity({"\0nu", 3}), 0);
     EXPECT_EQ(detail::entityOfUnit(0x00B8), "");
@@ -101,19 +100,15 @@ TEST(Entities, KeepsItsReceiver) {
     }
     // The length tells whether there is anything to do, so that umlauts stay.
     const String umlauts(u"\u00E4 & \u00F6");
-    EXPECT_TRUE(
-        stringByConvertingEntitiesToCharactersNonUmlauted(umlauts, true).isIdenticalTo(umlauts));
-    EXPECT_EQ(stringByConvertingEntitiesToCharactersNonUmlauted(u"\u00E4&ouml;&#252;", true),
-              u"aou");
+    EXPECT_TRUE(stringByConvertingEntitiesToCharactersNonUmlauted(umlauts, true).isIdenticalTo(umlauts));
+    EXPECT_EQ(stringByConvertingEntitiesToCharactersNonUmlauted(u"\u00E4&ouml;&#252;", true), u"aou");
     EXPECT_TRUE(stringByConvertingEntitiesToCharacters(String()).isAbsent());
 }
 
 /// The rules once more, unit by unit, with a linear search of the list.
 std::u16string slowlyDecoded(std::u16string_view text, EntityOptions options) {
     std::u16string out;
-    const auto plain = [&](char16_t unit) {
-        out += options.nonUmlauted ? umlautsToAscii(unit) : unit;
-    };
+    const auto plain = [&](char16_t unit) { out += options.nonUmlauted ? umlautsToAscii(unit) : unit; };
     std::size_t i = 0;
     const auto loose = [&](std::u16string_view form, char16_t unit) {
         if (text.compare(i, form.size(), form) != 0) return false;
@@ -128,8 +123,8 @@ std::u16string slowlyDecoded(std::u16string_view text, EntityOptions options) {
             continue;
         }
         if (loose(u"&apos", u'\'') || loose(u"&nbsp", 160)) continue;
-        if (options.convertStandard && (loose(u"&quot", u'"') || loose(u"&amp", u'&') ||
-                                        loose(u"&lt", u'<') || loose(u"&gt", u'>')))
+        if (options.convertStandard &&
+            (loose(u"&quot", u'"') || loose(u"&amp", u'&') || loose(u"&lt", u'<') || loose(u"&gt", u'>')))
             continue;
         const bool isNumber = text[i + 1] == u'#';
         if (!isNumber && options.onlyNumericEntities) {
@@ -143,11 +138,8 @@ std::u16string slowlyDecoded(std::u16string_view text, EntityOptions options) {
         while (at < text.size()) {
             const char16_t unit = text[at++];
             const bool isDigit = unit >= u'0' && unit <= u'9';
-            const bool isHexDigit =
-                isDigit || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
-            if (isNumber ? !(isHex ? isHexDigit : isDigit)
-                         : !alphaNumCharacterSetRep().contains(unit))
-                break;
+            const bool isHexDigit = isDigit || (unit >= u'a' && unit <= u'f') || (unit >= u'A' && unit <= u'F');
+            if (isNumber ? !(isHex ? isHexDigit : isDigit) : !alphaNumCharacterSetRep().contains(unit)) break;
             if (at < text.size()) run += unit;
         }
         const std::size_t behind = at - (text[at - 1] != u';');
@@ -156,8 +148,7 @@ std::u16string slowlyDecoded(std::u16string_view text, EntityOptions options) {
             std::uint32_t value = 0;
             for (char16_t unit : run)
                 value = value * (isHex ? 16 : 10) +
-                        static_cast<std::uint32_t>(unit <= u'9' ? unit - u'0'
-                                                                : (unit | 32) - u'a' + 10);
+                        static_cast<std::uint32_t>(unit <= u'9' ? unit - u'0' : (unit | 32) - u'a' + 10);
             const bool isStandard = value == 34 || value == 38 || value == 60 || value == 62;
             if (value > 0x10FFFF || (isStandard && !options.convertStandard))
                 done = false;
@@ -186,11 +177,11 @@ std::u16string slowlyDecoded(std::u16string_view text, EntityOptions options) {
 }
 
 TEST(Entities, AgreesWithTheSlowReading) {
-    static constexpr const char16_t* Parts[] = {
-        u"&",  u"&",      u"&#",          u"&#x",  u";",        u";",      u"amp",        u"lt",
-        u"gt", u"quot",   u"apos",        u"nbsp", u"eacute",   u"Omega",  u"thetasym",   u"x",
-        u"F",  u"60",     u"38",          u"65",   u"00000000", u"128512", u"4294967356", u"D83D",
-        u" ",  u"\u00E4", u"\u0165acute", u"nu",   u"\u0100"};
+    static constexpr const char16_t* Parts[] = {u"&",      u"&",      u"&#",          u"&#x",    u";",          u";",
+                                                u"amp",    u"lt",     u"gt",          u"quot",   u"apos",       u"nbsp",
+                                                u"eacute", u"Omega",  u"thetasym",    u"x",      u"F",          u"60",
+                                                u"38",     u"65",     u"00000000",    u"128512", u"4294967356", u"D83D",
+                                                u" ",      u"\u00E4", u"\u0165acute", u"nu",     u"\u0100"};
     std::mt19937 random(7);
     for (int round = 0; round < 40000; ++round) {
         std::u16string text;
@@ -198,8 +189,7 @@ TEST(Entities, AgreesWithTheSlowReading) {
         const EntityOptions options{random() % 2 == 0, random() % 2 == 0, random() % 3 == 0};
         const std::u16string expected = slowlyDecoded(text, options);
         std::u16string place = u"#" + text;
-        const std::size_t length =
-            convertEntities2Characters(place.data(), place.data(), 1, text.size(), options);
+        const std::size_t length = convertEntities2Characters(place.data(), place.data(), 1, text.size(), options);
         ASSERT_EQ(utf8(place.substr(0, length)), utf8(expected)) << utf8(text);
         ASSERT_LE(length, text.size());
         const String result = stringByConvertingEntitiesToCharacters(text, options);
@@ -238,8 +228,7 @@ TEST(Entities, EncodesAndBringsBack) {
     EXPECT_EQ(stringByConvertingCharactersToEntities(u"<\u00E9 & \u20AC \u00B8 \U0001F600>"),
               u"<&eacute; & &euro; &#184; &#55357;&#56832;>");
     EXPECT_EQ(stringByConvertingCharactersToEntities(u"<\u00E9\"'>", true), u"<&#233;\"'>");
-    EXPECT_EQ(stringByConvertingCharactersToEntities(u"<\u00E9&\"'>", false),
-              u"&lt;\u00E9&amp;&quot;'&gt;");
+    EXPECT_EQ(stringByConvertingCharactersToEntities(u"<\u00E9&\"'>", false), u"&lt;\u00E9&amp;&quot;'&gt;");
     const String ascii(u"plain <b>");
     EXPECT_TRUE(stringByConvertingCharactersToEntities(ascii).isIdenticalTo(ascii));
     EXPECT_TRUE(stringByConvertingHighCharactersToEntities(ascii).isIdenticalTo(ascii));
@@ -252,8 +241,7 @@ TEST(Entities, EncodesAndBringsBack) {
         EXPECT_TRUE(highOnly ? stringByConvertingEntitiesToCharacters(there, Mild) == all
                              : stringByConvertingStandardEntitiesToCharacters(there) == all);
     }
-    EXPECT_EQ(stringByConvertingEntitiesToCharacters(stringByConvertingCharactersToEntities(all)),
-              all);
+    EXPECT_EQ(stringByConvertingEntitiesToCharacters(stringByConvertingCharactersToEntities(all)), all);
 }
 
 }  // namespace

@@ -26,8 +26,7 @@ TEST(FileTypes, AsksForCustomExtensions) {
     const std::size_t before = XMLFileTypes().size();
     EXPECT_FALSE(isXMLExtension(u"kml"));
     setUserDefaultsHook([](std::u16string_view key) {
-        return key == u"AdditionalXMLExtensions" ? std::vector<String>{u"kml"}
-                                                 : std::vector<String>();
+        return key == u"AdditionalXMLExtensions" ? std::vector<String>{u"kml"} : std::vector<String>();
     });
     EXPECT_TRUE(isXMLExtension(u"KML"));
     setUserDefaultsHook(nullptr);

@@ -44,15 +44,12 @@ TEST(LinkNormalising, CleansReferences) {
         {u"'x'", u"'x'"},
         {u"\" x \"", u" x "},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(normalizedStringURL(c.value), String(c.link)) << String(c.value);
-    }
+    for (const auto& c : cases) { EXPECT_EQ(normalizedStringURL(c.value), String(c.link)) << String(c.value); }
     EXPECT_TRUE(normalizedStringURL({}).isAbsent());
     EXPECT_EQ(normalizedStringURL(u"a%2Fb%41", true), u"a/b%41");
     EXPECT_EQ(normalizedStringURL(u"%20%20a", true), u"a");
     EXPECT_TRUE(normalizedStringURL(u"%20%26%20", true) == u"&");
-    EXPECT_EQ(normalizedStringURL(std::u16string(300, u'x') + u"%41\n"),
-              std::u16string(300, u'x') + u"%41");
+    EXPECT_EQ(normalizedStringURL(std::u16string(300, u'x') + u"%41\n"), std::u16string(300, u'x') + u"%41");
 }
 
 /// Step by step, with a new string for each.
@@ -64,17 +61,14 @@ String normalizedSlowly(std::u16string_view value, bool decode) {
     if (std::all_of(s.begin(), s.end(), isWhite)) return {};
     if (s.find(u'\\') != s.npos) {
         const bool query = s.find(u'?') != s.npos;
-        while (s.size() >= 4 && s.starts_with(u"\\\"") && s.ends_with(u"\\\""))
-            s = s.substr(2, s.size() - 4);
+        while (s.size() >= 4 && s.starts_with(u"\\\"") && s.ends_with(u"\\\"")) s = s.substr(2, s.size() - 4);
         if (!query) std::replace(s.begin(), s.end(), u'\\', u'/');
     }
     if (s.size() >= 4)
-        s.resize(convertEntities2Characters(s.data(), s.data(), 0, s.size(),
-                                            {.onlyNumericEntities = true}));
+        s.resize(convertEntities2Characters(s.data(), s.data(), 0, s.size(), {.onlyNumericEntities = true}));
     while (s.size() >= 3 && s[s.size() - 3] == u'%') {
         const String byte = stringByReplacingASCIIPercentEscapesOfURL(s.substr(s.size() - 3));
-        if (byte.length() != 1 || std::u16string_view(u"\t\n\r \"'>\\]").find(byte[0]) == s.npos)
-            break;
+        if (byte.length() != 1 || std::u16string_view(u"\t\n\r \"'>\\]").find(byte[0]) == s.npos) break;
         s.resize(s.size() - 3);
     }
     if (decode) s = stringByReplacingStandardPercentEscapesOfURL(s).view();
@@ -86,14 +80,12 @@ String normalizedSlowly(std::u16string_view value, bool decode) {
 
 TEST(LinkNormalising, AgreesWithTheSlowReading) {
     std::mt19937 random(11);
-    const char16_t* pieces[] = {u"a",      u"http://", u"/",   u"\\\"", u"\"",
-                                u"\\",     u"?",       u" ",   u"\n",   u"&amp;",
-                                u"&#3",    u"%20",     u"%5d", u"%41",  u"%",
-                                u"\u3000", u"\u00E4",  u"&",   u"&#9;", u"abcdefghijklmnop"};
+    const char16_t* pieces[] = {
+        u"a",   u"http://", u"/",   u"\\\"", u"\"", u"\\",     u"?",      u" ", u"\n",   u"&amp;",
+        u"&#3", u"%20",     u"%5d", u"%41",  u"%",  u"\u3000", u"\u00E4", u"&", u"&#9;", u"abcdefghijklmnop"};
     for (int round = 0; round < 50000; ++round) {
         std::u16string value;
-        for (unsigned n = random() % (round % 100 ? 10 : 90); n > 0; --n)
-            value += pieces[random() % std::size(pieces)];
+        for (unsigned n = random() % (round % 100 ? 10 : 90); n > 0; --n) value += pieces[random() % std::size(pieces)];
         const bool decode = round & 1;
         const String link = normalizedStringURL(value, decode);
         ASSERT_EQ(link, normalizedSlowly(value, decode)) << String(value) << decode;
@@ -108,8 +100,7 @@ TEST(LinkNormalising, LinkTagsCountFromTheRoot) {
         {u"a.ico", u"/a.ico"},      {u"/a.ico", u"/a.ico"}, {u"./a", u"./a"},
         {u"http://h", u"http://h"}, {u" ", nullptr},        {u"data:x", u"/data:x"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(normalizedRelLink(c.value), String(c.link)) << String(c.value);
+    for (const auto& c : cases) EXPECT_EQ(normalizedRelLink(c.value), String(c.link)) << String(c.value);
     EXPECT_EQ(normalizedHtmlString(u" a &eacute;&#32; "), u"a \u00E9");
     EXPECT_TRUE(normalizedHtmlString(String()).isAbsent());
 }

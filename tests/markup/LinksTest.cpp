@@ -15,8 +15,7 @@ std::string lastLog;
 /// The links with blanks between them.
 std::string links(const char16_t* page, const LinkOptions& options = {}) {
     std::string text;
-    for (const String& link : htmlLinks(page, options).links)
-        text += (text.empty() ? "" : " ") + link.utf8();
+    for (const String& link : htmlLinks(page, options).links) text += (text.empty() ? "" : " ") + link.utf8();
     return text;
 }
 
@@ -57,11 +56,9 @@ TEST(Links, Options) {
     EXPECT_EQ(links(page, {.containing = u"three"}), "");
     EXPECT_EQ(links(page, {.containing = u"o", .useRelNoFollow = true}), "javascript:x");
     EXPECT_EQ(links(page, {.containing = u"o", .filter = true}), "a");
-    EXPECT_EQ(htmlLinksContaining(page, u"", true).links,
-              htmlLinks(page, {.useRelNoFollow = true}).links);
+    EXPECT_EQ(htmlLinksContaining(page, u"", true).links, htmlLinks(page, {.useRelNoFollow = true}).links);
     EXPECT_EQ(filteredHtmlLinksBaseURL(page).links, htmlLinks(page).links);
-    EXPECT_EQ(filteredHtmlLinksContaining(page, u"o", false).links,
-              htmlLinks(page, {.containing = u"o"}).links);
+    EXPECT_EQ(filteredHtmlLinksContaining(page, u"o", false).links, htmlLinks(page, {.containing = u"o"}).links);
 }
 
 TEST(Links, HandlersSeeTheRawLinkAndItsText) {
@@ -109,11 +106,9 @@ TEST(Links, ManyLinksComeOnceEach) {
     std::vector<String> expected;
     for (int i = 0; i < 6000; ++i) {
         std::u16string link = u"/" + std::u16string(random() % 12, u'a');
-        for (unsigned n = random() % 4; n > 0; --n)
-            link += static_cast<char16_t>(u'a' + random() % 8);
+        for (unsigned n = random() % 4; n > 0; --n) link += static_cast<char16_t>(u'a' + random() % 8);
         page += u"<a href=\"" + link + u"\">x</a>";
-        if (std::find(expected.begin(), expected.end(), link) == expected.end())
-            expected.emplace_back(link);
+        if (std::find(expected.begin(), expected.end(), link) == expected.end()) expected.emplace_back(link);
     }
     EXPECT_EQ(htmlLinks(page).links, expected);
     EXPECT_EQ(htmlLinks(page, {.containing = u"x"}).links, expected);

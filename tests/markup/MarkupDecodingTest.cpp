@@ -49,9 +49,7 @@ TEST(MarkupDecoding, ReadsTheSamplePages) {
         const bool isSpecial = known != specialPages().end();
         special += isSpecial;
         EXPECT_EQ(ianaName(page.encoding), isSpecial ? known->second.charset : "utf-8");
-        if (isSpecial) {
-            EXPECT_NE(page.text.view().find(known->second.text), std::u16string_view::npos);
-        }
+        if (isSpecial) { EXPECT_NE(page.text.view().find(known->second.text), std::u16string_view::npos); }
         // One page has a U+FFFD of its own.
         EXPECT_EQ(std::ranges::count(page.text, u'\uFFFD'), name == "trafilatura-utf8.html");
         EXPECT_NE(page.text[0], u'\uFEFF');
@@ -80,31 +78,25 @@ TEST(MarkupDecoding, TriesInOrder) {
         {"an unknown header", utf8, u"auto", 4, 4, u"caf\u00E9"},
         {"the page alone", meta("latin1") + latin, u"", 4, 5, u"caf\u00E9"},
         {"the page alone, wrongly", meta("latin1") + utf8, u"", 4, 5, u"caf\u00C3\u00A9"},
-        {"UTF-8 by the header is right, as Latin 1 is longer", meta("iso-8859-1") + utf8, u"utf-8",
-         4, 4, u"caf\u00E9"},
-        {"the page is right, as UTF-8 has errors", meta("iso-8859-1") + latin, u"utf-8", 4, 5,
+        {"UTF-8 by the header is right, as Latin 1 is longer", meta("iso-8859-1") + utf8, u"utf-8", 4, 4, u"caf\u00E9"},
+        {"the page is right, as UTF-8 has errors", meta("iso-8859-1") + latin, u"utf-8", 4, 5, u"caf\u00E9"},
+        {"the header is right, as the page's reading has errors", meta("utf-8") + latin, u"windows-1252", 4, 12,
          u"caf\u00E9"},
-        {"the header is right, as the page's reading has errors", meta("utf-8") + latin,
-         u"windows-1252", 4, 12, u"caf\u00E9"},
-        {"both without errors: the page", meta("windows-1252") + utf8, u"utf-8", 4, 12,
-         u"caf\u00C3\u00A9"},
+        {"both without errors: the page", meta("windows-1252") + utf8, u"utf-8", 4, 12, u"caf\u00C3\u00A9"},
         {"an unknown declaration", meta("x-auto-x") + utf8, u"", 4, 4, u"caf\u00E9"},
         {"ASCII is no declaration", meta("us-ascii") + utf8, u"", 4, 4, u"caf\u00E9"},
         {"Windows-1251 by the page", meta("windows-1251") + russian, u"", 4, 11, u"\u041F\u0440"},
-        {"Windows-1251 by the page against a header of UTF-8 that is right",
-         meta("windows-1251") + "\xD0\x9F", u"utf-8", 4, 4, u"\u041F"},
-        {"Windows-1251 by the page against another header", meta("windows-1251") + russian,
-         u"koi8-r", 4, 11, u"\u041F\u0440"},
+        {"Windows-1251 by the page against a header of UTF-8 that is right", meta("windows-1251") + "\xD0\x9F",
+         u"utf-8", 4, 4, u"\u041F"},
+        {"Windows-1251 by the page against another header", meta("windows-1251") + russian, u"koi8-r", 4, 11,
+         u"\u041F\u0440"},
         {"Big5", meta("big5") + "\xA4\xA4\x88\x56", u"", 4, 0x80000A03, u"\u4E2D\u0100"},
-        {"Big5, whose reading has errors, against the header", meta("big5") + "\xFF", u"latin1", 4,
-         0x80000A03, u"\uFFFD"},
-        {"Kamenicky by the page", meta("x-kam-cs") + "\x9B", u"latin1", 4, KamenickyStringEncoding,
-         u"\u0160"},
-        {"KOI8-CS2 by the page", meta("koi8-cs2") + "\xC3", u"", 4, KOI8CS2StringEncoding,
-         u"\u010D"},
+        {"Big5, whose reading has errors, against the header", meta("big5") + "\xFF", u"latin1", 4, 0x80000A03,
+         u"\uFFFD"},
+        {"Kamenicky by the page", meta("x-kam-cs") + "\x9B", u"latin1", 4, KamenickyStringEncoding, u"\u0160"},
+        {"KOI8-CS2 by the page", meta("koi8-cs2") + "\xC3", u"", 4, KOI8CS2StringEncoding, u"\u010D"},
         {"Kamenicky by the header", "\x9B", u"x-kam-cs", 4, KamenickyStringEncoding, u"\u0160"},
-        {"UTF-16 by the page, which cannot be", "<html><head>" + meta("utf-16") + utf8, u"", 4, 4,
-         u"caf\u00E9"},
+        {"UTF-16 by the page, which cannot be", "<html><head>" + meta("utf-16") + utf8, u"", 4, 4, u"caf\u00E9"},
         {"a default that does not exist", latin, u"", 99, 99, nullptr},
         {"a mark of UTF-16",
          std::string("\xFF\xFE"
@@ -116,8 +108,8 @@ TEST(MarkupDecoding, TriesInOrder) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
-        const MarkupDecoding page = decodeMarkup(
-            bytesOf(c.bytes), {.encodingName = c.header, .defaultEncoding = c.defaultEncoding});
+        const MarkupDecoding page =
+            decodeMarkup(bytesOf(c.bytes), {.encodingName = c.header, .defaultEncoding = c.defaultEncoding});
         EXPECT_EQ(page.encoding, c.won);
         if (!c.text) {
             EXPECT_TRUE(page.text.isAbsent());
@@ -128,9 +120,7 @@ TEST(MarkupDecoding, TriesInOrder) {
         EXPECT_EQ(page.text.view().substr(tag), std::u16string_view(c.text)) << page.text;
     }
     EXPECT_TRUE(stringWithMarkupData({}).isIdenticalTo(String::empty()));
-    EXPECT_EQ(
-        stringWithMarkupData(bytesOf(latin), {.contentType = u"text/html; charset=ISO-8859-1"}),
-        u"caf\u00E9");
+    EXPECT_EQ(stringWithMarkupData(bytesOf(latin), {.contentType = u"text/html; charset=ISO-8859-1"}), u"caf\u00E9");
     EXPECT_EQ(decodeMarkup(bytesOf(meta("latin1"))).declared, u"latin1");
 }
 
@@ -189,8 +179,7 @@ TEST_F(MarkupFile, PropertyListsAreGivenAsXML) {
     EXPECT_EQ(used_, 4u);
     path_ += ".plist";
     std::filesystem::remove(path_.substr(0, path_.size() - 6));
-    EXPECT_TRUE(
-        read("<plist version='1.0'><true/></plist>").view().ends_with(u">\n<true/>\n</plist>\n"));
+    EXPECT_TRUE(read("<plist version='1.0'><true/></plist>").view().ends_with(u">\n<true/>\n</plist>\n"));
     EXPECT_EQ(used_, UnknownStringEncoding);
     EXPECT_EQ(read("<p>no list"), u"<p>no list");
 }

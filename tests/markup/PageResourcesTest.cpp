@@ -27,17 +27,13 @@ TEST(PageResources, Sets) {
         const char *images, *sheets, *objects;
     } cases[] = {
         {u"<img src=b><IMG SRC='a'><img src=b></img src=c><body background=d>", "a b d", "", ""},
-        {u"<link rel=icon href=i><link rel='x-IMAGE' href=/j><link rel=ico href=k><link href=l>",
-         "/i /j", "", ""},
-        {u"<link rel=stylesheet href=a.css><link rel=STYLE href=./b><link rel=styl href=c>", "",
-         "./b /a.css", ""},
-        {u"<script src=a></script><script>x.src='b'</script><script>@import \"c\"</script>", "",
-         "a c", ""},
+        {u"<link rel=icon href=i><link rel='x-IMAGE' href=/j><link rel=ico href=k><link href=l>", "/i /j", "", ""},
+        {u"<link rel=stylesheet href=a.css><link rel=STYLE href=./b><link rel=styl href=c>", "", "./b /a.css", ""},
+        {u"<script src=a></script><script>x.src='b'</script><script>@import \"c\"</script>", "", "a c", ""},
         {u"<style>@IMPORT url(\"a\"); @import \"b\";</style><style>@import "
          u"'c'</style><style>@import \"d</style>\"",
          "", "a", ""},
-        {u"<script data-x='a>b' src=c>d=\"e\"</script><style src=f>@import \"g\"</style>", "",
-         "c f", ""},
+        {u"<script data-x='a>b' src=c>d=\"e\"</script><style src=f>@import \"g\"</style>", "", "c f", ""},
         {u"<object data=a src=b><source src=c><audio src=d><video src=e><track src=f><embed src=g "
          u"data=h>",
          "", "", "a c d e f g"},
@@ -96,8 +92,7 @@ TEST(PageResources, FavIcons) {
         const char16_t *page, *icon;
     } cases[] = {
         {u"<link rel=\"shortcut icon\" href=\"a.ico\">", u"/a.ico"},
-        {u"<link rel=\"SHORTCUT ICON\" href=\"http://h/a.ico\"><link rel='shortcut icon' href=b>",
-         u"http://h/a.ico"},
+        {u"<link rel=\"SHORTCUT ICON\" href=\"http://h/a.ico\"><link rel='shortcut icon' href=b>", u"http://h/a.ico"},
         {u"<link rel='shortcut icon'><link rel='x shortcut icon' href=./b>", u"./b"},
         {u"<link rel=icon href=a.ico>", nullptr},
         {u"</link rel='shortcut icon' href=a>", nullptr},
@@ -145,8 +140,7 @@ TEST(PageResources, RealPages) {
         const String page = stringWithMarkupData(bytesOf(test::readPage(name)));
         const HtmlLinks links = htmlLinks(page);
         const std::set<String> frames = htmlFrames(page).references;
-        const Counts counts{links.links.size(), htmlImages(page).size(),
-                            htmlStylesheetsAndScripts(page).size(),
+        const Counts counts{links.links.size(), htmlImages(page).size(), htmlStylesheetsAndScripts(page).size(),
                             htmlEmbeddedObjects(page).size(), frames.size()};
         const auto row = expected.find(name);
         EXPECT_EQ(counts, row == expected.end() ? Counts() : row->second) << name;

@@ -17,8 +17,7 @@ struct Case {
 
 template <std::size_t N>
 void expectTexts(const Case (&cases)[N]) {
-    for (const Case& c : cases)
-        EXPECT_EQ(stringByConvertingHtml2PlainText(c.page, c.options), c.text) << utf8(c.page);
+    for (const Case& c : cases) EXPECT_EQ(stringByConvertingHtml2PlainText(c.page, c.options), c.text) << utf8(c.page);
 }
 
 TEST(PlainText, WritesBreaksBetweenText) {
@@ -122,9 +121,7 @@ TEST(PlainText, TakesOnlyTheBody) {
         {u"<body>a<body>b</body>c</body>d", u"abc", onlyBody},
         {u"</body></body>a", u"a"},
     });
-    EXPECT_EQ(
-        stringByConvertingHtml2SimplifiedPlainText(u"<title>t</title><body>a<p>b &amp;c</body>d"),
-        u" a b &c");
+    EXPECT_EQ(stringByConvertingHtml2SimplifiedPlainText(u"<title>t</title><body>a<p>b &amp;c</body>d"), u" a b &c");
     EXPECT_EQ(stringByConvertingHtml2SimplifiedPlainText(u"a<p> b"), u" a  b");
 }
 
@@ -141,8 +138,7 @@ TEST(PlainText, DecodesAsAsked) {
 TEST(PlainText, RemovesJunk) {
     const auto removed = [](const std::u16string& page, std::size_t expectedLength) {
         bool did = false;
-        const String text =
-            stringByConvertingHtml2PlainText(String(page), {.removeJunk = true}, &did);
+        const String text = stringByConvertingHtml2PlainText(String(page), {.removeJunk = true}, &did);
         EXPECT_EQ(text.length(), expectedLength);
         return did;
     };
@@ -164,12 +160,10 @@ TEST(PlainText, RemovesJunk) {
 
     bool did = false;
     const String keep = stringByConvertingHtml2PlainText(
-        String(u"<font style='font-size:1pt'>" + words(200) + u"</font>y"), {.removeJunk = true},
-        &did);
+        String(u"<font style='font-size:1pt'>" + words(200) + u"</font>y"), {.removeJunk = true}, &did);
     EXPECT_EQ(keep, u"y");
     EXPECT_TRUE(did);
-    stringByConvertingHtml2PlainText(u"<font style='font-size:1pt'>a short text</font>y",
-                                     {.removeJunk = true}, &did);
+    stringByConvertingHtml2PlainText(u"<font style='font-size:1pt'>a short text</font>y", {.removeJunk = true}, &did);
     EXPECT_FALSE(did);
 }
 
@@ -203,12 +197,10 @@ TEST(PlainText, CollapsesWhiteRunsLikeTheSlowCopy) {
     for (int round = 0; round < 20000; ++round) {
         std::u16string text;
         const unsigned kinds = random() % std::size(units) + 1;
-        for (unsigned n = random() % 60; n > 0; --n)
-            text += random() % 3 ? u'x' : units[random() % kinds];
+        for (unsigned n = random() % 60; n > 0; --n) text += random() % 3 ? u'x' : units[random() % kinds];
         std::u16string out(text.size(), u'?');
         out.resize(static_cast<std::size_t>(
-            detail::copyCollapsingWhite(text.data(), text.data() + text.size(), out.data(),
-                                        whiteCharacterSetRep()) -
+            detail::copyCollapsingWhite(text.data(), text.data() + text.size(), out.data(), whiteCharacterSetRep()) -
             out.data()));
         ASSERT_EQ(out, collapsedSlowly(text)) << utf8(text);
     }

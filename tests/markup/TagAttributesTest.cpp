@@ -55,8 +55,7 @@ TEST(TagAttributes, ContentToleratesMarkup) {
         {u"<meta content=\"two << \">", u"two <<"},
         {u"<meta content='a", u"a"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(contentAttributeOfTagCharacters(c.tag), c.value) << utf8(c.tag);
+    for (const auto& c : cases) EXPECT_EQ(contentAttributeOfTagCharacters(c.tag), c.value) << utf8(c.tag);
 }
 
 TEST(TagAttributes, StringRulesDiffer) {
@@ -126,8 +125,7 @@ TEST(TagAttributes, ReadsBackgroundImages) {
         {u"</p style=\"background:url(a) no-repeat\">", nullptr},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(backgroundStyleURLOfTagCharacters(c.tag), c.url ? String(c.url) : String())
-            << utf8(c.tag);
+        EXPECT_EQ(backgroundStyleURLOfTagCharacters(c.tag), c.url ? String(c.url) : String()) << utf8(c.tag);
 }
 
 }  // namespace

@@ -17,8 +17,8 @@ std::string scanned(std::u16string_view page) {
     std::string lines;
     GetTagsOfString(page, [&](const Tag& tag) {
         if (!lines.empty()) lines += '\n';
-        lines += std::to_string(static_cast<int>(tag.kind)) + " " + utf8(tag.name()) + " [" +
-                 utf8(tag.whole()) + "] " + utf8(tag.text());
+        lines += std::to_string(static_cast<int>(tag.kind)) + " " + utf8(tag.name()) + " [" + utf8(tag.whole()) + "] " +
+                 utf8(tag.text());
         return false;
     });
     return lines;
@@ -38,8 +38,7 @@ TEST(TagScanner, DecidesWhereATagEnds) {
         {u"1 < 2 and 3 > 2", "1 and [< 2 and 3 >] 1 \n0  []  2"},
         {u"a < b <c>d", "1 b [< b <c>] a \n0  [] d"},
         {u"<>x<1>", "1  [<>] \n1  [<1>] x\n0  [] "},
-        {u"</p ><?xml a?><!DOCTYPE b>",
-         "1 p [</p >] \n1 xml [<?xml a?>] \n1 DOCTYPE [<!DOCTYPE b>] \n0  [] "},
+        {u"</p ><?xml a?><!DOCTYPE b>", "1 p [</p >] \n1 xml [<?xml a?>] \n1 DOCTYPE [<!DOCTYPE b>] \n0  [] "},
         {u"<br/>a<a/b>", "1 br [<br/>] \n1 a [<a/b>] a\n0  [] "},
         {u"<!-->a", "2  [<!-->] \n0  [] a"},
         {u"<!->a", "2  [<!->] \n0  [] a"},
@@ -66,14 +65,11 @@ TEST(TagScanner, SwallowsScriptAndStyle) {
     } cases[] = {
         {u"<SCRIPT>x</script >y", "1 SCRIPT [<SCRIPT>x</script >] \n0  [] y"},
         {u"<style a>b<c></STYLE>d", "1 style [<style a>b<c></STYLE>] \n0  [] d"},
-        {u"<script>w(\"</script>\")</script>",
-         "1 script [<script>w(\"</script>] \n1 script [</script>] \")\n0  [] "},
-        {u"<script><!-- '</script>' --></script>x",
-         "1 script [<script><!-- '</script>' --></script>] \n0  [] x"},
+        {u"<script>w(\"</script>\")</script>", "1 script [<script>w(\"</script>] \n1 script [</script>] \")\n0  [] "},
+        {u"<script><!-- '</script>' --></script>x", "1 script [<script><!-- '</script>' --></script>] \n0  [] x"},
         {u"<script><!-- </script> --> x", "1 script [<script><!-- </script>] \n0  []  --> x"},
         {u"<script>a<b>", "1 script [<script>] \n1 b [<b>] a\n0  [] "},
-        {u"<script/>a<b></script>",
-         "1 script [<script/>] \n1 b [<b>] a\n1 script [</script>] \n0  [] "},
+        {u"<script/>a<b></script>", "1 script [<script/>] \n1 b [<b>] a\n1 script [</script>] \n0  [] "},
         {u"<scripts>a</script>", "1 scripts [<scripts>] \n1 script [</script>] a\n0  [] "},
         // The element is not closed: its length reaches one unit too far.
         {u"<script>x</script", "1 script [<script>x</script] \n0  [] "},
@@ -81,8 +77,7 @@ TEST(TagScanner, SwallowsScriptAndStyle) {
     for (const auto& c : cases) EXPECT_EQ(scanned(c.page), c.calls) << utf8(c.page);
 
     std::vector<Tag> tags;
-    GetTagsOfString(u"<script>x</script",
-                    [&](const Tag& tag) { return tags.push_back(tag), false; });
+    GetTagsOfString(u"<script>x</script", [&](const Tag& tag) { return tags.push_back(tag), false; });
     ASSERT_EQ(tags.size(), 2u);
     EXPECT_EQ(tags[0].tagLength, 18u);
     EXPECT_EQ(tags[1].textLocation, 18u);
@@ -102,8 +97,7 @@ TEST(TagScanner, LogsExceptionsUnderItsGuard) {
     setLogHandler([](std::string_view line) { logged = line; });
     const auto fail = [](const Tag&) -> bool { throw std::runtime_error("no way"); };
     EXPECT_FALSE(parseXmlWithHandler(u"<a>", fail));
-    EXPECT_TRUE(logged.starts_with(
-        "parseXmlWithHandler:context:mutable: (String): std::runtime_error\nno way\n"));
+    EXPECT_TRUE(logged.starts_with("parseXmlWithHandler:context:mutable: (String): std::runtime_error\nno way\n"));
     setLogHandler(nullptr);
     EXPECT_THROW(GetTagsOfString(u"<a>", fail), std::runtime_error);
 }
@@ -130,8 +124,7 @@ std::vector<Tag> scanSlowly(const std::u16string& s) {
     };
     const std::u16string low = lower(s);
     const auto isLetter = [](char16_t c) { return (c | 32) >= u'a' && (c | 32) <= u'z'; };
-    const auto emit = [&](TagKind kind, std::size_t tagLength, std::uint64_t name,
-                          std::uint64_t nameLength) {
+    const auto emit = [&](TagKind kind, std::size_t tagLength, std::uint64_t name, std::uint64_t nameLength) {
         tags.push_back({s, name, nameLength, start, tagLength, text, kind});
     };
     while (i < n) {
@@ -164,8 +157,7 @@ std::vector<Tag> scanSlowly(const std::u16string& s) {
             bool ends = state == 1;
             if (state == 3) ends = s[i - 1] == u']' || s.substr(i - 3, 3) == u"]--";
             if (state == 2 && shortComment) ends = s[i - 1] == u'-';
-            if (state == 2 && !shortComment)
-                ends = s.substr(i - 2, 2) == u"--" || s.substr(i - 3, 3) == u"--!";
+            if (state == 2 && !shortComment) ends = s.substr(i - 2, 2) == u"--" || s.substr(i - 3, 3) == u"--!";
             if (ends) {
                 std::size_t length = i + 1 - start;
                 std::uint64_t name = NotFound, nameLength = 0;
@@ -177,18 +169,15 @@ std::vector<Tag> scanSlowly(const std::u16string& s) {
                         while (k < i && s[k] != u' ' && s[k] != u'/') ++k;
                         nameLength = k - name;
                     }
-                    const std::u16string tagName =
-                        name == NotFound ? u"" : low.substr(name, nameLength);
-                    if ((tagName == u"script" || tagName == u"style") && s[start + 1] != u'/' &&
-                        s[i - 1] != u'/') {
+                    const std::u16string tagName = name == NotFound ? u"" : low.substr(name, nameLength);
+                    if ((tagName == u"script" || tagName == u"style") && s[start + 1] != u'/' && s[i - 1] != u'/') {
                         const std::u16string closing = u"</" + tagName;
                         std::size_t hit = low.find(closing, start + 1);
                         if (hit != s.npos) {
                             const std::size_t comment = low.substr(0, hit).find(u"<!-", start);
                             if (comment != s.npos) {
                                 const std::size_t end = low.find(u"-->", comment);
-                                if (end != s.npos && low.find(closing, end) != s.npos)
-                                    hit = low.find(closing, end);
+                                if (end != s.npos && low.find(closing, end) != s.npos) hit = low.find(closing, end);
                             }
                             i = hit + closing.size();
                             while (i < n && s[i] != u'>') ++i;
@@ -216,28 +205,21 @@ std::vector<Tag> scanSlowly(const std::u16string& s) {
 
 TEST(TagScanner, AgreesWithTheSlowScanner) {
     std::mt19937 random(7);
-    const char16_t* pieces[] = {u"<",      u">",        u"=",
-                                u"\"",     u"'",        u"!",
-                                u"-",      u"[",        u"]",
-                                u"/",      u" ",        u"a",
-                                u"x1",     u"<script>", u"</script",
-                                u"<style", u"</style>", u"<!--",
-                                u"-->",    u"<b c=\"",  u"some longer text without any of it "};
+    const char16_t* pieces[] = {
+        u"<",        u">",      u"=",        u"\"",   u"'",   u"!",       u"-",
+        u"[",        u"]",      u"/",        u" ",    u"a",   u"x1",      u"<script>",
+        u"</script", u"<style", u"</style>", u"<!--", u"-->", u"<b c=\"", u"some longer text without any of it "};
     for (int round = 0; round < 60000; ++round) {
         std::u16string page;
-        for (unsigned k = random() % 24 + 1; k > 0; --k)
-            page += pieces[random() % std::size(pieces)];
+        for (unsigned k = random() % 24 + 1; k > 0; --k) page += pieces[random() % std::size(pieces)];
         std::vector<Tag> tags;
         GetTagsOfString(page, [&](const Tag& tag) { return tags.push_back(tag), false; });
         const std::vector<Tag> slow = scanSlowly(page);
         ASSERT_EQ(tags.size(), slow.size()) << utf8(page);
         for (std::size_t k = 0; k < tags.size(); ++k) {
-            ASSERT_TRUE(tags[k].kind == slow[k].kind &&
-                        tags[k].nameLocation == slow[k].nameLocation &&
-                        tags[k].nameLength == slow[k].nameLength &&
-                        tags[k].tagLocation == slow[k].tagLocation &&
-                        tags[k].tagLength == slow[k].tagLength &&
-                        tags[k].textLocation == slow[k].textLocation)
+            ASSERT_TRUE(tags[k].kind == slow[k].kind && tags[k].nameLocation == slow[k].nameLocation &&
+                        tags[k].nameLength == slow[k].nameLength && tags[k].tagLocation == slow[k].tagLocation &&
+                        tags[k].tagLength == slow[k].tagLength && tags[k].textLocation == slow[k].textLocation)
                 << utf8(page) << " call " << k;
         }
     }

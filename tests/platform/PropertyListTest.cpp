@@ -71,8 +71,7 @@ TEST(PropertyListAsXML, RefusesWhatWouldRecurseOrUnfold) {
     EXPECT_FALSE(isRead(nestedBinary(40, 2)));  // 2 to the 40th arrays
     EXPECT_FALSE(isRead(binaryList({arrayOf({1}), arrayOf({0})})));
     EXPECT_FALSE(isRead(binaryList({arrayOf({7})})));
-    const std::string megabyte =
-        "\x5F\x12" + std::string("\x00\x10\x00\x00", 4) + std::string(1 << 20, 'x');
+    const std::string megabyte = "\x5F\x12" + std::string("\x00\x10\x00\x00", 4) + std::string(1 << 20, 'x');
     EXPECT_TRUE(isRead(binaryList({arrayOf({1, 1}), megabyte})));
     EXPECT_FALSE(isRead(binaryList({arrayOf(std::vector<std::uint32_t>(1000, 1)), megabyte})));
 
@@ -88,11 +87,10 @@ TEST(PropertyListAsXML, RefusesWhatWouldRecurseOrUnfold) {
 TEST(PropertyListAsXML, IsNotFooledByHiddenTags) {
     for (std::string_view hidden :
          {"<!-- </array> -->", "<?x </array> ?>", "<?x '?></array>' ?>", "<?x \"?></array>\" ?>",
-          "<!DOCTYPE x \"></array>\">", "<string><![CDATA[</array>]]></string>",
-          "<string x=\"></array>\">a</string>", "</array >x", "<!DOCTYPE x [ </array> ]>"})
+          "<!DOCTYPE x \"></array>\">", "<string><![CDATA[</array>]]></string>", "<string x=\"></array>\">a</string>",
+          "</array >x", "<!DOCTYPE x [ </array> ]>"})
         EXPECT_FALSE(isRead(nestedXML(300, "<array>" + std::string(hidden), "</array>"))) << hidden;
-    EXPECT_TRUE(isRead(
-        nestedXML(100, "<array><!-- <array> --><string><![CDATA[<dict>]]></string>", "</array>")));
+    EXPECT_TRUE(isRead(nestedXML(100, "<array><!-- <array> --><string><![CDATA[<dict>]]></string>", "</array>")));
 }
 
 TEST(PropertyListAsXML, SurvivesDamage) {

@@ -100,9 +100,7 @@ TEST(String, BrokenUtf8BecomesReplacementCharacters) {
 std::u16string decodeSlowly(const std::string& bytes) {
     std::u16string out;
     for (std::size_t i = 0; i < bytes.size();) {
-        const auto at = [&](std::size_t k) {
-            return k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0u;
-        };
+        const auto at = [&](std::size_t k) { return k < bytes.size() ? static_cast<unsigned char>(bytes[k]) : 0u; };
         const unsigned lead = at(i);
         std::size_t need = lead < 0x80                    ? 0
                            : lead >= 0xC2 && lead <= 0xDF ? 1
@@ -148,9 +146,8 @@ std::u16string decodeSlowly(const std::string& bytes) {
 
 TEST(String, Utf8AgreesWithTheSlowDecoder) {
     std::mt19937 random(1);
-    const std::string pieces[] = {
-        "a",    "plain ascii text ", "\xC3\xA4", "\xE3\x81\x82", "\xF0\x9F\x98\x80", "\x80",
-        "\xE0", "\xED\xA0",          "\xF4\x90", "\xC1"};
+    const std::string pieces[] = {"a",    "plain ascii text ", "\xC3\xA4", "\xE3\x81\x82", "\xF0\x9F\x98\x80", "\x80",
+                                  "\xE0", "\xED\xA0",          "\xF4\x90", "\xC1"};
     for (int round = 0; round < 20000; ++round) {
         std::string bytes;
         for (unsigned n = random() % 12; n > 0; --n) {
@@ -170,8 +167,7 @@ TEST(String, Utf8RoundTripsAllPairedUnits) {
         if (c < 0x10000)
             text += static_cast<char16_t>(c);
         else
-            (text += static_cast<char16_t>(0xD7C0 + (c >> 10))) +=
-                static_cast<char16_t>(0xDC00 + (c & 0x3FF));
+            (text += static_cast<char16_t>(0xD7C0 + (c >> 10))) += static_cast<char16_t>(0xDC00 + (c & 0x3FF));
     }
     EXPECT_EQ(String::fromUTF8(utf8(text)), text);
     EXPECT_EQ(utf8(std::u16string{u'a', char16_t(0xD800), u'b', char16_t(0xDC00)}),

@@ -78,8 +78,7 @@ TEST(QueryTerms, Parsing) {
         {u"a)b (c)) d", "4 (AND) | AND a | AND b | AND c | AND d"},
         {u"a(b)c", "3 (AND) | AND a | AND b | AND c"},
         // Parentheses are matched first, whatever stands in them.
-        {u"(a \"b) c\" d",
-         "3 (AND) | AND group of 2 (AND) | >AND a | >AND \"b\" | AND c | AND \"d\""},
+        {u"(a \"b) c\" d", "3 (AND) | AND group of 2 (AND) | >AND a | >AND \"b\" | AND c | AND \"d\""},
         // comments
         {u"a [b c] d", "2 (AND) | AND a | AND d"},
         {u"a[b OR]c]d", "3 (AND) | AND a | AND c | AND d"},
@@ -105,8 +104,7 @@ TEST(QueryTerms, ParsingOfWildcards) {
         {u"~(abc)", "1 (NONE) | AND ~abc"},
         {u"(a[b) c]d", "2 (AND) | AND a[b | AND c]d"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(shape(QueryTerms(c.query, {.wildcard = true})), c.expected) << c.query;
+    for (const auto& c : cases) EXPECT_EQ(shape(QueryTerms(c.query, {.wildcard = true})), c.expected) << c.query;
 }
 
 TEST(QueryTerms, Defaults) {
@@ -115,10 +113,8 @@ TEST(QueryTerms, Defaults) {
               "NEAR/4 group of 4 (NONE)\n  NEAR/4 a\n  NEAR/4 b\n  OR c\n"
               "  NEAR/4 group of 2 (NEAR)\n    NEAR/4 d\n    NEAR/4 e\n");
     const QueryTermFields fields{QueryOperator::Xor, 3, true, true};
-    EXPECT_EQ(dumpOfQueryTerms(QueryTerms(u"a", options, fields)),
-              "XOR -~group of 1 (NONE)\n  NEAR/4 a\n");
-    EXPECT_EQ(dumpOfQueryTerms(QueryTerms::queryTermsWithWord(u" a OR", fields, true)),
-              "XOR -~\" a OR\"\n");
+    EXPECT_EQ(dumpOfQueryTerms(QueryTerms(u"a", options, fields)), "XOR -~group of 1 (NONE)\n  NEAR/4 a\n");
+    EXPECT_EQ(dumpOfQueryTerms(QueryTerms::queryTermsWithWord(u" a OR", fields, true)), "XOR -~\" a OR\"\n");
     EXPECT_EQ(shape(QueryTerms::queryTermsWithWildcard(u"~a")), "1 (NONE) | AND ~*a*");
 }
 

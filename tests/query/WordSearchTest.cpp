@@ -79,8 +79,7 @@ TEST(WordSearch, Phrases) {
         {u"x y ", {u"*", u"z"}, {.backwards = true}, Range::none()},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(FindNonExactPhraseInString(c.text, {0, c.text.size()}, c.words, c.options),
-                  c.expected)
+        EXPECT_EQ(FindNonExactPhraseInString(c.text, {0, c.text.size()}, c.words, c.options), c.expected)
             << utf8(c.text);
 }
 
@@ -91,6 +90,7 @@ TEST(WordSearch, RangesAndCounts) {
     EXPECT_EQ(countWord(u"abcd", u"*x", true), 2u);
     EXPECT_EQ(rangeOfWord(u"ab a", u"a", true), (Range{3, 1}));
     EXPECT_EQ(rangeOfWord(u"", u"*a", true), Range::none());
+    EXPECT_EQ(rangeOfWord(u"ab", u"*abcd", true), (Range{0, 2}));  // cut at the end of the text
     const Strings words = {u"", u"longer than the text", u"two", u"one"};
     EXPECT_EQ(rangeOfAnyWord(u"one two one", words, true), (Range{4, 3}));
     EXPECT_EQ(countAnyWord(u"one two one", words, true), 3u);
@@ -172,20 +172,15 @@ std::u16string randomText(std::mt19937& random, View alphabet, std::size_t longe
 }
 
 /// All positions at which a word stands in a stretch, unit by unit.
-std::vector<std::uint64_t> slowPositions(const detail::SoughtWord& sought, std::uint64_t start,
-                                         std::uint64_t end) {
+std::vector<std::uint64_t> slowPositions(const detail::SoughtWord& sought, std::uint64_t start, std::uint64_t end) {
     std::vector<std::uint64_t> positions;
     const auto fold = [&](char16_t unit) { return sought.caseSensitive ? unit : toUpper(unit); };
     for (std::uint64_t i = start; i + sought.word.size() <= end; ++i) {
         bool same = true;
-        for (std::size_t k = 0; k < sought.word.size(); ++k)
-            same &= fold(sought.text[i + k]) == fold(sought.word[k]);
+        for (std::size_t k = 0; k < sought.word.size(); ++k) same &= fold(sought.text[i + k]) == fold(sought.word[k]);
         const std::uint64_t behind = i + sought.word.size();
-        const auto isTerm = [&](std::uint64_t k) {
-            return sought.termCharacters.contains(sought.text[k]);
-        };
-        if (same && !(sought.wholeWord &&
-                      ((i > start && isTerm(i - 1)) || (behind < end && isTerm(behind)))))
+        const auto isTerm = [&](std::uint64_t k) { return sought.termCharacters.contains(sought.text[k]); };
+        if (same && !(sought.wholeWord && ((i > start && isTerm(i - 1)) || (behind < end && isTerm(behind)))))
             positions.push_back(i);
     }
     return positions;
@@ -200,21 +195,18 @@ TEST(WordSearch, RandomScansAgreeWithASlowOne) {
         const std::u16string text = randomText(random, alphabet, random() % 8 ? 24 : 120);
         const std::u16string word = randomText(random, alphabet, 1 + random() % 4);
         if (word.empty()) continue;
-        const detail::SoughtWord sought{text, word, random() % 2 == 0, random() % 2 == 0,
-                                        alphaNumCharacterSetRep()};
+        const detail::SoughtWord sought{text, word, random() % 2 == 0, random() % 2 == 0, alphaNumCharacterSetRep()};
         detail::WordOccurrences occurrences;
         for (int stretch = 0; stretch < 4; ++stretch) {
             const std::uint64_t a = random() % (text.size() + 1), b = random() % (text.size() + 1);
             const std::uint64_t start = stretch ? std::min(a, b) : 0;
             const std::uint64_t end = stretch ? std::max(a, b) : text.size();
-            SCOPED_TRACE(utf8(text) + " / " + utf8(word) + " / " + std::to_string(start) + "-" +
-                         std::to_string(end) + (sought.wholeWord ? " whole" : "") +
-                         (sought.caseSensitive ? " case" : ""));
+            SCOPED_TRACE(utf8(text) + " / " + utf8(word) + " / " + std::to_string(start) + "-" + std::to_string(end) +
+                         (sought.wholeWord ? " whole" : "") + (sought.caseSensitive ? " case" : ""));
             const auto expected = slowPositions(sought, start, end);
             const std::uint64_t first = expected.empty() ? NotFound : expected.front();
             ASSERT_EQ(detail::scanForWord(sought, start, end), first);
-            ASSERT_EQ(detail::scanBackForWord(sought, start, end),
-                      expected.empty() ? NotFound : expected.back());
+            ASSERT_EQ(detail::scanBackForWord(sought, start, end), expected.empty() ? NotFound : expected.back());
             ASSERT_EQ(occurrences.find(sought, start, end), first);
         }
     }
@@ -234,8 +226,7 @@ TEST(WordSearch, StepsOverWords) {
         {8, 10, 10, 10, 0}, {UnboundedDistance, 5, 10, 10, 0},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(NWordsForward(c.n, text, set, c.position, c.edge), c.forward)
-            << c.n << c.position;
+        EXPECT_EQ(NWordsForward(c.n, text, set, c.position, c.edge), c.forward) << c.n << c.position;
         EXPECT_EQ(NWordsBack(c.n, text, set, c.position, 0), c.back) << c.n << ' ' << c.position;
     }
     EXPECT_EQ(NWordsForward(1, text, set, 3, 99), 6u);
@@ -249,10 +240,8 @@ TEST(WordSearch, StepsOverWords) {
         for (int i = 0; i < 40; ++i) {
             const std::uint64_t position = random() % (longText.size() + 1);
             const std::uint64_t edge = random() % (longText.size() + 1), n = random() % 60;
-            ASSERT_EQ(steps.forward(position, edge, n),
-                      detail::wordsForward(longText, set, position, edge, n));
-            ASSERT_EQ(steps.back(position, edge, n),
-                      detail::wordsBack(longText, set, position, edge, n));
+            ASSERT_EQ(steps.forward(position, edge, n), detail::wordsForward(longText, set, position, edge, n));
+            ASSERT_EQ(steps.back(position, edge, n), detail::wordsBack(longText, set, position, edge, n));
         }
     }
 }

@@ -81,8 +81,7 @@ TEST(CharacterTests, Numbers) {
 
     for (View text : {u"a123b", u"012", u"312", u"", u"1", u"12121"})
         EXPECT_FALSE(containsNumber(text, u"12")) << utf8(text);
-    for (View text : {u"7 12 x", u"12", u"a12", u"123 12"})
-        EXPECT_TRUE(containsNumber(text, u"12")) << utf8(text);
+    for (View text : {u"7 12 x", u"12", u"a12", u"123 12"}) EXPECT_TRUE(containsNumber(text, u"12")) << utf8(text);
     EXPECT_FALSE(containsNumber(u"12", u""));
     // The search goes on behind a hit that failed: this one overlaps it.
     EXPECT_FALSE(containsNumber(u"1a1a1 1a1", u"a1a"));

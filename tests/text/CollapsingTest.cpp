@@ -21,12 +21,9 @@ TEST(Collapsing, RunsBecomeOneUnit) {
         {stringByRemovingMultipleSpaces, u"a \t\u00A0b\n\nc", u"a b\n\nc"},
         {stringByRemovingMultipleFeeds, u"a\r\n\r\nb", u"a\nb"},
         {stringByRemovingMultipleFeeds, u"a\n \nb\u2028", u"a\n \nb\n"},
-        {[](const String& s) { return stringByRemovingMultipleWhiteSpaces(s); },
-         u"\r\n a\uFEFF b  ", u" a b "},
-        {[](const String& s) {
-             return stringByRemovingMultipleWhiteSpaces(s, RunClass::WhiteSpaces, u'_');
-         },
-         u"a b  c", u"a_b_c"},
+        {[](const String& s) { return stringByRemovingMultipleWhiteSpaces(s); }, u"\r\n a\uFEFF b  ", u" a b "},
+        {[](const String& s) { return stringByRemovingMultipleWhiteSpaces(s, RunClass::WhiteSpaces, u'_'); }, u"a b  c",
+         u"a_b_c"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(c.operation(c.text), c.expected) << utf8(c.text);
@@ -60,8 +57,7 @@ TEST(Collapsing, AgreesWithTheSlowLoop) {
     std::mt19937 random(7);
     std::u16string rare;
     for (unsigned unit = 0; unit < 65536; ++unit)
-        if (whiteCharacterSetRep().contains(static_cast<char16_t>(unit)))
-            rare += static_cast<char16_t>(unit);
+        if (whiteCharacterSetRep().contains(static_cast<char16_t>(unit))) rare += static_cast<char16_t>(unit);
     const View usual = u"abc\u00E9\u4E00\U0001F600 z";
     for (int round = 0; round < 40000; ++round) {
         std::u16string text;

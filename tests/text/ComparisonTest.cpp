@@ -76,9 +76,8 @@ TEST(Comparison, PrefixAndSuffix) {
         View string, part;
         bool prefix, suffix;
     } cases[] = {
-        {u"HTTP://x", u"http:", true, false}, {u"page.HTML", u".html", false, true},
-        {u"abc", u"ABC", true, true},         {u"abc", u"", false, false},
-        {u"abc", View(), false, false},       {u"ab", u"abc", false, false},
+        {u"HTTP://x", u"http:", true, false}, {u"page.HTML", u".html", false, true}, {u"abc", u"ABC", true, true},
+        {u"abc", u"", false, false},          {u"abc", View(), false, false},        {u"ab", u"abc", false, false},
         {View(), u"a", false, false},
     };
     for (const auto& c : cases) {

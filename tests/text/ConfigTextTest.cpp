@@ -7,9 +7,7 @@ namespace {
 
 TEST(ConfigText, MeaningfulLines) {
     const std::vector<String> expected = {u"host example.com", u"port 80", u"ab"};
-    EXPECT_EQ(
-        configLines(u"# comment\r\n\r\n  host example.com \t\r\n \u00A0# other\nport 80\n\nx\nab"),
-        expected);
+    EXPECT_EQ(configLines(u"# comment\r\n\r\n  host example.com \t\r\n \u00A0# other\nport 80\n\nx\nab"), expected);
     EXPECT_TRUE(configLines(u"").empty());
     EXPECT_TRUE(configLines(u"x \n #y").empty());
 }
@@ -24,8 +22,7 @@ TEST(ConfigText, Values) {
         {u"name   ", u"name", String()},      {u"name=value", u"name", String()},
         {u"name value", u"", String()},       {u"", u"name", String()},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(configValueForKey(c.line, c.key), c.value) << utf8(c.line);
+    for (const auto& c : cases) EXPECT_EQ(configValueForKey(c.line, c.key), c.value) << utf8(c.line);
 }
 
 TEST(ConfigText, TypedValues) {
@@ -33,8 +30,7 @@ TEST(ConfigText, TypedValues) {
     EXPECT_EQ(typedValueForKeys(u"three", {u"one", u"two"}), NotFound);
     EXPECT_EQ(typedValueForKeys(u"two", {u"one", std::u16string_view(), u"two"}), NotFound);
     EXPECT_EQ(typedValueForKeys(std::u16string_view(), {u""}), NotFound);
-    for (const char16_t* text :
-         {u"2", u"-1", u" 7x", u"YES", u"True", u"on", u"9999999999999999999999"})
+    for (const char16_t* text : {u"2", u"-1", u" 7x", u"YES", u"True", u"on", u"9999999999999999999999"})
         EXPECT_TRUE(boolValue(text)) << utf8(text);
     for (const char16_t* text : {u"", u"0", u"one", u"no", u"truely", u"y", u"+", u"x1"})
         EXPECT_FALSE(boolValue(text)) << utf8(text);

@@ -42,8 +42,8 @@ TEST(Encodings, EveryRowConvertsBothWays) {
         SCOPED_TRACE(row.iana);
         ++rows;
         if (row.number == KOI8CS2TextEncoding || row.number == KamenickyTextEncoding) continue;
-        const bool isWide = std::string_view(row.iana).starts_with("utf-16") ||
-                            std::string_view(row.iana).starts_with("utf-32");
+        const bool isWide =
+            std::string_view(row.iana).starts_with("utf-16") || std::string_view(row.iana).starts_with("utf-32");
         if (!isWide && row.number != 2565) {  // ~ escapes in HZ
             EXPECT_EQ(decoded(row.number, ascii).utf8(), ascii);
         }
@@ -145,24 +145,19 @@ TEST(Encodings, EncodingKeepsWhatItCanOrSaysSo) {
         const auto lossy = dataUsingEncoding(c.text, c.encoding, true);
         ASSERT_TRUE(lossy);
         EXPECT_EQ(charsOf(*lossy), c.lossy);
-        if (strict) {
-            EXPECT_EQ(*strict, *lossy);
-        }
+        if (strict) { EXPECT_EQ(*strict, *lossy); }
     }
     EXPECT_EQ(dataUsingEncoding(String(), UTF8StringEncoding), std::nullopt);
     EXPECT_EQ(dataUsingEncoding(u"a", UnknownStringEncoding), std::nullopt);
     EXPECT_EQ(dataUsingEncoding(u"a", UTF16StringEncoding)->size(), 4u);
     const std::u16string longText(20000, u'\u3042');
-    EXPECT_EQ(decoded(ShiftJISTextEncoding,
-                      charsOf(*dataUsingEncoding(longText, ShiftJISStringEncoding))),
-              longText);
+    EXPECT_EQ(decoded(ShiftJISTextEncoding, charsOf(*dataUsingEncoding(longText, ShiftJISStringEncoding))), longText);
 }
 
 std::string randomBytes(std::mt19937& random, std::size_t size) {
     // Mostly ASCII and the bytes that sequences are made of.
-    static constexpr unsigned char Likely[] = {0x1B, 0x24, 0x42, 0x81, 0x8E, 0x8F, 0xA1, 0xB0,
-                                               0xC3, 0xE2, 0x82, 0xAC, 0xF0, 0x9F, 0x98, 0x80,
-                                               0xEF, 0xBF, 0xBD, 0xFF, 0xFE, 0x00, 0x3C, 0x7E};
+    static constexpr unsigned char Likely[] = {0x1B, 0x24, 0x42, 0x81, 0x8E, 0x8F, 0xA1, 0xB0, 0xC3, 0xE2, 0x82, 0xAC,
+                                               0xF0, 0x9F, 0x98, 0x80, 0xEF, 0xBF, 0xBD, 0xFF, 0xFE, 0x00, 0x3C, 0x7E};
     std::string bytes;
     while (bytes.size() < size) {
         if (random() % 4 == 0)
@@ -179,12 +174,10 @@ TEST(Encodings, OutputStaysWithinItsRoom) {
     for (int round = 0; round < 3000; ++round) {
         const std::string bytes = randomBytes(random, random() % 300);
         const auto rows = detail::encodingRows();
-        const TextEncoding encoding =
-            round % 2 ? UTF8TextEncoding : rows[random() % rows.size()].number;
+        const TextEncoding encoding = round % 2 ? UTF8TextEncoding : rows[random() % rows.size()].number;
         std::vector<char16_t> whole(bytes.size() + 64), part(random() % 330, u'#');
         std::size_t wholeCount = 0, partCount = 0;
-        const int wholeStatus =
-            convertEncodingToUnicode(bytesOf(bytes), encoding, whole, wholeCount);
+        const int wholeStatus = convertEncodingToUnicode(bytesOf(bytes), encoding, whole, wholeCount);
         const int status = convertEncodingToUnicode(bytesOf(bytes), encoding, part, partCount);
         SCOPED_TRACE(encoding);
         EXPECT_LE(wholeCount, std::max<std::size_t>(bytes.size(), 32));
@@ -199,15 +192,13 @@ TEST(Encodings, OutputStaysWithinItsRoom) {
         // UTF-8 against the decoder that has all the room it wants, and back again.
         std::vector<char16_t> straight(bytes.size() + detail::Utf8Slack);
         const std::size_t skipped = bytes.starts_with("\xEF\xBB\xBF") ? 3 : 0;
-        straight.resize(
-            detail::decodeUtf8(std::string_view(bytes).substr(skipped), straight.data()));
+        straight.resize(detail::decodeUtf8(std::string_view(bytes).substr(skipped), straight.data()));
         ASSERT_EQ(wholeCount, straight.size());
         EXPECT_TRUE(std::equal(straight.begin(), straight.end(), whole.begin()));
         const std::string back = utf8({straight.data(), straight.size()});
         std::vector<std::uint8_t> room(random() % 330);
         std::size_t count = 0;
-        const int backStatus =
-            convertUnicodeToUTF8({straight.data(), straight.size()}, room, &count);
+        const int backStatus = convertUnicodeToUTF8({straight.data(), straight.size()}, room, &count);
         EXPECT_EQ(backStatus == 0, back.size() <= room.size());
         EXPECT_EQ(charsOf(room).substr(0, count), back.substr(0, count));
         EXPECT_GE(count + 3, std::min(room.size(), back.size()));

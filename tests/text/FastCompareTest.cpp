@@ -29,8 +29,7 @@ TEST(FastCompare, Order) {
         EXPECT_EQ(sign(fastCaseInsensitiveCompareUnichars(c.a, b)), c.noCase);
         EXPECT_EQ(sign(caseInsensitiveCompareCharacters(c.a, std::string_view(c.b))), c.noCase);
         EXPECT_EQ(sign(fastCaseInsensitiveCompareChars(a, c.b)), c.noCase);
-        EXPECT_EQ(sign(fastCompareUnicharsUsingConversionTable(c.a, b, &upperCharsTable())),
-                  c.noCase);
+        EXPECT_EQ(sign(fastCompareUnicharsUsingConversionTable(c.a, b, &upperCharsTable())), c.noCase);
         EXPECT_EQ(sign(fastCompareUnicharsUsingConversionTable(c.a, b, nullptr)), c.exact);
     }
 }

@@ -17,8 +17,7 @@ std::uint64_t slowSearch(View text, std::basic_string_view<Unit> pattern, const 
     if (pattern.empty()) return NotFound;
     for (std::size_t start = 0; start + pattern.size() <= text.size(); ++start) {
         std::size_t i = 0;
-        while (i < pattern.size() && fold(text[start + i]) == fold(detail::widened(pattern[i])))
-            ++i;
+        while (i < pattern.size() && fold(text[start + i]) == fold(detail::widened(pattern[i]))) ++i;
         if (i == pattern.size()) return start;
     }
     return NotFound;
@@ -53,8 +52,7 @@ TEST(FastSearch, AgreesWithTheSlowSearch) {
     for (int round = 0; round < 30000; ++round) {
         const std::u16string text = make(random() % 40);
         std::u16string pattern = make(random() % 5);
-        if (!text.empty() && random() % 2)
-            pattern = text.substr(random() % text.size(), random() % 6);
+        if (!text.empty() && random() % 2) pattern = text.substr(random() % text.size(), random() % 6);
         const std::uint64_t exact = slowSearch(text, View(pattern), detail::NoFold{});
         const bool atEnd = exact != NotFound && exact + pattern.size() == text.size();
         ASSERT_EQ(fastContainsUnichars(text, pattern), atEnd ? NotFound : exact);
@@ -62,8 +60,7 @@ TEST(FastSearch, AgreesWithTheSlowSearch) {
                   slowSearch(text, View(pattern), detail::UpperFold{}));
         std::string bytes;
         for (char16_t unit : pattern) bytes += static_cast<char>(unit);
-        ASSERT_EQ(fastUnicharsContainChars(text, bytes),
-                  slowSearch(text, std::string_view(bytes), detail::NoFold{}));
+        ASSERT_EQ(fastUnicharsContainChars(text, bytes), slowSearch(text, std::string_view(bytes), detail::NoFold{}));
         ASSERT_EQ(fastCaseInsensitiveUnicharsContainChars(text, bytes),
                   slowSearch(text, std::string_view(bytes), detail::UpperFold{}));
     }
@@ -74,13 +71,10 @@ TEST(FastSearch, EveryCaseVariantOfAnAsciiUnitIsFound) {
     for (char16_t sought = 0; sought < 128; ++sought) {
         std::u16string variants;
         for (unsigned unit = 0; unit < 65536; ++unit)
-            if (upper(static_cast<char16_t>(unit)) == upper(sought))
-                variants += static_cast<char16_t>(unit);
+            if (upper(static_cast<char16_t>(unit)) == upper(sought)) variants += static_cast<char16_t>(unit);
         ASSERT_FALSE(variants.empty());
         for (char16_t unit : variants)
-            ASSERT_EQ(fastCaseInsensitiveContainsUnichars(u"\u4E00" + std::u16string(1, unit),
-                                                          View(&sought, 1)),
-                      1u);
+            ASSERT_EQ(fastCaseInsensitiveContainsUnichars(u"\u4E00" + std::u16string(1, unit), View(&sought, 1)), 1u);
     }
 }
 
@@ -117,8 +111,7 @@ TEST(FastSearch, KeywordListsAgreeWithSingleSearches) {
     std::mt19937 random(5);
     const auto word = [&](std::size_t most) {
         std::string text;
-        for (std::size_t n = random() % (most + 1); n > 0; --n)
-            text += static_cast<char>('a' + random() % 4);
+        for (std::size_t n = random() % (most + 1); n > 0; --n) text += static_cast<char>('a' + random() % 4);
         return text;
     };
     for (int round = 0; round < 5000; ++round) {
@@ -127,8 +120,7 @@ TEST(FastSearch, KeywordListsAgreeWithSingleSearches) {
         for (int i = 0; i < 3; ++i) words.push_back(word(7));
         const std::vector<std::string_view> keywords(words.begin(), words.end());
         bool expected = false;
-        for (const auto& keyword : keywords)
-            expected |= slowSearch(text, keyword, detail::NoFold{}) != NotFound;
+        for (const auto& keyword : keywords) expected |= slowSearch(text, keyword, detail::NoFold{}) != NotFound;
         ASSERT_EQ(fastContainsSubCStrings(text, keywords, nullptr), expected) << text;
     }
 }

@@ -39,8 +39,7 @@ TEST(Finding, Substrings) {
     EXPECT_TRUE(containsSubstrings(u"one two", several, false));
     const std::vector<std::string_view> keywords = {"two", "Three"};
     EXPECT_TRUE(containsSubCStrings(u"a Three", keywords));
-    EXPECT_FALSE(
-        containsSubCStrings(u"a Three", keywords, false));  // the list is not in lower case
+    EXPECT_FALSE(containsSubCStrings(u"a Three", keywords, false));  // the list is not in lower case
     EXPECT_TRUE(containsSubCStrings(u"a TWO", keywords, false));
 }
 

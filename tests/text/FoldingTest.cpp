@@ -38,19 +38,16 @@ TEST(Folding, ReceiverOrNewString) {
     EXPECT_TRUE(lowercaseNonUmlautedString(lower).isIdenticalTo(lower));
     EXPECT_TRUE(uppercaseNonUmlautedString(upper).isIdenticalTo(upper));
     EXPECT_TRUE(stringByApplyingConversionTable(ascii, nullptr).isIdenticalTo(ascii));
-    for (const String& copy :
-         {asciiString(ascii), nonUmlautedNormalizedString(ascii),
-          stringByApplyingConversionTable(ascii, &lowerCharsTable()),
-          stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(ascii, nullptr)}) {
+    for (const String& copy : {asciiString(ascii), nonUmlautedNormalizedString(ascii),
+                               stringByApplyingConversionTable(ascii, &lowerCharsTable()),
+                               stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(ascii, nullptr)}) {
         EXPECT_EQ(copy, ascii);
         EXPECT_FALSE(copy.isIdenticalTo(ascii));
     }
     EXPECT_EQ(stringByApplyingConversionTable(u"aB\u00E9", &upperCharsTable()), u"AB\u00C9");
-    EXPECT_EQ(stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(
-                  u"-Ab 1_\u00C9", &lowerCharsTable()),
+    EXPECT_EQ(stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(u"-Ab 1_\u00C9", &lowerCharsTable()),
               u"ab1\u00E9");
-    EXPECT_EQ(stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(u"-", nullptr),
-              u"");
+    EXPECT_EQ(stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(u"-", nullptr), u"");
 }
 
 TEST(Folding, Tests) {

@@ -47,8 +47,7 @@ TEST(Lines, JoinedTheyAreTheText) {
             // One line end each, and nowhere but at the end.
             const View inner = line.view().substr(0, line.length() - 1);
             for (std::size_t i = 0; i < inner.size(); ++i)
-                ASSERT_TRUE(!isFeedUnit(inner[i]) ||
-                            (i + 1 == inner.size() && line.view().ends_with(u"\r\n")));
+                ASSERT_TRUE(!isFeedUnit(inner[i]) || (i + 1 == inner.size() && line.view().ends_with(u"\r\n")));
         }
         ASSERT_EQ(joined, text);
     }

@@ -42,8 +42,7 @@ TEST(Normalisation, CaseOfEveryUnit) {
         uppercase(upper);
         ASSERT_EQ(unicode::lowerCase(std::u16string_view(original)), lower) << unit;
         ASSERT_EQ(unicode::upperCase(std::u16string_view(original)), upper) << unit;
-        ASSERT_EQ(normalizedString(original), unicode::normalized(original, unicode::Form::C))
-            << unit;
+        ASSERT_EQ(normalizedString(original), unicode::normalized(original, unicode::Form::C)) << unit;
     }
     std::u16string text = u"A\u0130\u03A3";  // a dot above, and a final sigma
     lowercase(text);
@@ -52,9 +51,8 @@ TEST(Normalisation, CaseOfEveryUnit) {
 
 TEST(Normalisation, ReceiverOrNewString) {
     const String text(u"plain");
-    for (const auto operation :
-         {+[](const String& s) { return normalizedString(s); }, normalizedLowercaseString,
-          fixedAndNormalizedString, optimizedString}) {
+    for (const auto operation : {+[](const String& s) { return normalizedString(s); }, normalizedLowercaseString,
+                                 fixedAndNormalizedString, optimizedString}) {
         EXPECT_EQ(operation(text), text);
         EXPECT_FALSE(operation(text).isIdenticalTo(text));
         EXPECT_TRUE(operation(String()).isAbsent());
@@ -66,12 +64,10 @@ TEST(Normalisation, ReceiverOrNewString) {
 TEST(Normalisation, FixedForKeeping) {
     EXPECT_EQ(fixedAndNormalizedString(u"a\U0001F600b"), u"a  b");
     EXPECT_EQ(fixedAndNormalizedString(View(u"a\0\u0308", 3)), View(u"a \u0308"));
-    std::u16string text = {u'o',   0x0308, 0xDC00, 0xD83D, u'x',  0xF400,
-                           0xF8FF, 0xF3FF, 0xF900, 0xD7FF, 0xE000};
+    std::u16string text = {u'o', 0x0308, 0xDC00, 0xD83D, u'x', 0xF400, 0xF8FF, 0xF3FF, 0xF900, 0xD7FF, 0xE000};
     fixAndNormalizeString(text);
     // The ideograph U+F900 has a canonical equivalent.
-    EXPECT_EQ(text, (std::u16string{0x00F6, u' ', u' ', u'x', u' ', u' ', 0xF3FF, 0x8C48, 0xD7FF,
-                                    0xE000}));
+    EXPECT_EQ(text, (std::u16string{0x00F6, u' ', u' ', u'x', u' ', u' ', 0xF3FF, 0x8C48, 0xD7FF, 0xE000}));
 }
 
 TEST(Normalisation, Ligatures) {

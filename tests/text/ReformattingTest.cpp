@@ -62,8 +62,7 @@ TEST(Reformatting, Lines) {
         {u"*-*", u"-*", u""},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(reformattedStringByRemovingCharactersOfString(c.text, c.removed), c.expected)
-            << utf8(c.text);
+        EXPECT_EQ(reformattedStringByRemovingCharactersOfString(c.text, c.removed), c.expected) << utf8(c.text);
     EXPECT_EQ(reformattedStringByRemovingCharactersOfString(u"a\nb", View()), u"a b");
 }
 

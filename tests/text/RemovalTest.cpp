@@ -20,8 +20,7 @@ TEST(Removal, EverywhereAndInPlace) {
         {[](const String& s) { return stringByRemovingCharacters(s, u'x'); },
          [](std::u16string& t) { removeCharacters(t, u'x'); }, u"xaXxxb", u"aXb"},
         {[](const String& s) { return stringByRemovingCharactersOfString(s, u"()-\u2013"); },
-         [](std::u16string& t) { removeCharactersOfString(t, u"()-\u2013"); }, u"(0)30-1\u20132",
-         u"03012"},
+         [](std::u16string& t) { removeCharactersOfString(t, u"()-\u2013"); }, u"(0)30-1\u20132", u"03012"},
         {stringByRemovingTabs, removeWhiteSpaces, u"\t\t\t", u""},
     };
     for (const auto& c : cases) {

@@ -48,8 +48,7 @@ TEST(Replacing, Substrings) {
         EXPECT_EQ(replaceString(text, c.sought, c.replacement, c.caseSensitive), c.count);
         EXPECT_EQ(text, c.expected) << utf8(c.text);
         const String string(c.text);
-        const String result =
-            stringByReplacingString(string, c.sought, c.replacement, c.caseSensitive);
+        const String result = stringByReplacingString(string, c.sought, c.replacement, c.caseSensitive);
         const bool unchanged = c.count == 0 || !c.replacement.data();
         EXPECT_EQ(result, unchanged ? c.text : c.expected);
         EXPECT_EQ(result.isIdenticalTo(string), unchanged);

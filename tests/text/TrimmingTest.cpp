@@ -15,9 +15,7 @@ TEST(Trimming, Ends) {
     const auto spaces = [](bool feeds) {
         return [=](const String& s) { return stringByTrimmingSpacesAndFeeds(s, feeds); };
     };
-    const auto character = [](auto operation) {
-        return [=](const String& s) { return operation(s, u'"'); };
-    };
+    const auto character = [](auto operation) { return [=](const String& s) { return operation(s, u'"'); }; };
     const struct {
         std::function<String(const String&)> operation;
         View text, expected;
@@ -27,10 +25,8 @@ TEST(Trimming, Ends) {
         {spaces(true), WithNul, u"a"},
         {spaces(false), u"\t\u00A0a \n", u"a \n"},
         {spaces(false), u"\n a ", u"\n a"},
-        {[](const String& s) { return stringByTrimmingSpacesOfLeftSideAndFeeds(s, true); },
-         u" \na \n", u"a \n"},
-        {[](const String& s) { return stringByTrimmingSpacesOfRightSideAndFeeds(s, true); },
-         u" \na \n", u" \na"},
+        {[](const String& s) { return stringByTrimmingSpacesOfLeftSideAndFeeds(s, true); }, u" \na \n", u"a \n"},
+        {[](const String& s) { return stringByTrimmingSpacesOfRightSideAndFeeds(s, true); }, u" \na \n", u" \na"},
         {stringByTrimmingWhiteSpaces, u"\x0B\u0085 a\u2029", u"a"},
         {stringByTrimmingWhiteSpaces, u"\uFEFF a \uFFFC", u"\uFEFF a \uFFFC"},
         {stringByTrimmingWhiteSpaces, u" \n", u""},
@@ -51,10 +47,8 @@ TEST(Trimming, Ends) {
         {stringByTrimmingEllipsis, u"...", u""},
         {stringByTrimmingFeeds, u"\na\r\n\x0C", u"\na"},
         {stringByTrimmingFeeds, u"a\n ", u"a\n "},
-        {[](const String& s) {
-             return stringByTrimmingCharactersNotInRep(s, alphaNumCharacterSetRep());
-         },
-         u"--a-1;", u"a-1"},
+        {[](const String& s) { return stringByTrimmingCharactersNotInRep(s, alphaNumCharacterSetRep()); }, u"--a-1;",
+         u"a-1"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(c.operation(c.text), c.expected) << utf8(c.text);
@@ -112,8 +106,7 @@ TEST(Trimming, Ranges) {
     };
     for (const auto& c : cases) {
         EXPECT_EQ(trimSpacesInRange(text, c.range, c.feeds), c.expected) << c.range.location;
-        EXPECT_EQ(stringByTrimmingSpacesInRange(text, c.range, c.feeds),
-                  text.substring(c.expected));
+        EXPECT_EQ(stringByTrimmingSpacesInRange(text, c.range, c.feeds), text.substring(c.expected));
     }
     EXPECT_EQ(trimWhiteSpacesInRange(text, {6, 4}), (Range{9, 1}));
     EXPECT_EQ(stringByTrimmingSpacesInRange(text, {2, 2}, false), u"");

@@ -34,8 +34,7 @@ struct Outcome {
 class Tool : public testing::Test {
 protected:
     void SetUp() override {
-        folder_ =
-            std::filesystem::temp_directory_path() / ("velmo-tool-" + std::to_string(getpid()));
+        folder_ = std::filesystem::temp_directory_path() / ("velmo-tool-" + std::to_string(getpid()));
         std::filesystem::create_directory(folder_);
     }
     void TearDown() override { std::filesystem::remove_all(folder_); }
@@ -51,8 +50,8 @@ protected:
     }
     Outcome run(const std::string& arguments, const std::string& input = "") const {
         const std::string in = write("in", input);
-        const std::string command = VELMO_TOOL " " + arguments + " <" + in + " >" +
-                                    (folder_ / "out").string() + " 2>" + (folder_ / "err").string();
+        const std::string command = VELMO_TOOL " " + arguments + " <" + in + " >" + (folder_ / "out").string() + " 2>" +
+                                    (folder_ / "err").string();
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read("out"), read("err")};
     }
@@ -63,8 +62,7 @@ protected:
 
 std::size_t numberOfPages() {
     std::size_t count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES))
-        count += entry.is_regular_file();
+    for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) count += entry.is_regular_file();
     return count;
 }
 
@@ -74,10 +72,9 @@ std::string nameOf(const Json& object) {
 
 TEST_F(Tool, AnswersOnEveryPage) {
     for (const char* command :
-         {"charset", "text",
-          "text --only-body --reformat --remove-junk --google-tags --no-image-alts", "links",
-          "links --base https://example.org/ --nofollow", "links --frames", "links --images",
-          "links --scripts", "links --media", "words --list", "match the"}) {
+         {"charset", "text", "text --only-body --reformat --remove-junk --google-tags --no-image-alts", "links",
+          "links --base https://example.org/ --nofollow", "links --frames", "links --images", "links --scripts",
+          "links --media", "words --list", "match the"}) {
         const Outcome outcome = run(std::string(command) + " --json " + pages());
         EXPECT_EQ(outcome.code, 0) << command << outcome.err;
         EXPECT_EQ(outcome.lines().size(), numberOfPages()) << command;
@@ -87,24 +84,18 @@ TEST_F(Tool, AnswersOnEveryPage) {
 
 TEST_F(Tool, NamesTheCharsetOfEveryPage) {
     const std::map<std::string, std::string> others = {
-        {"httpd-de-iso-8859-1.html", "iso-8859-1"},
-        {"httpd-pt-br-iso-8859-1.html", "iso-8859-1"},
-        {"httpd-ko-euc-kr.html", "euc-kr"},
-        {"httpd-ja-euc-jp.html", "euc-jp"},
-        {"httpd-ja-iso-2022-jp.html", "iso-2022-jp"},
-        {"httpd-ru-koi8-r.html", "koi8-r"},
-        {"jsoup-bom_utf16be.html", "utf-16"},
-        {"jsoup-bom_utf16le.html", "utf-16"},
-        {"jsoup-meta-charset-1.html", "gb2312"},
-        {"extruct-opengraph_test.html", "windows-1252"}};
+        {"httpd-de-iso-8859-1.html", "iso-8859-1"},   {"httpd-pt-br-iso-8859-1.html", "iso-8859-1"},
+        {"httpd-ko-euc-kr.html", "euc-kr"},           {"httpd-ja-euc-jp.html", "euc-jp"},
+        {"httpd-ja-iso-2022-jp.html", "iso-2022-jp"}, {"httpd-ru-koi8-r.html", "koi8-r"},
+        {"jsoup-bom_utf16be.html", "utf-16"},         {"jsoup-bom_utf16le.html", "utf-16"},
+        {"jsoup-meta-charset-1.html", "gb2312"},      {"extruct-opengraph_test.html", "windows-1252"}};
     const Outcome outcome = run("charset --json " + pages());
     for (const Json& object : outcome.lines()) {
         const auto other = others.find(nameOf(object));
         EXPECT_EQ(object["encoding"], other == others.end() ? "utf-8" : other->second) << object;
     }
     EXPECT_EQ(run("charset --json -", "<p>x").lines().at(0)["declared"], nullptr);
-    EXPECT_EQ(run("charset --json --http-charset KOI8-R -", "<p>x").lines().at(0)["encoding"],
-              "koi8-r");
+    EXPECT_EQ(run("charset --json --http-charset KOI8-R -", "<p>x").lines().at(0)["encoding"], "koi8-r");
 }
 
 TEST_F(Tool, TellsHitsByItsExitCode) {
@@ -122,8 +113,7 @@ TEST_F(Tool, TellsHitsByItsExitCode) {
                  {"match '\xC3\xA4rger' ", 0},
                  {"match b ", 1},
                  {"match '' ", 1}};
-    for (const auto& c : cases)
-        EXPECT_EQ(run(c.arguments + notes + " " + page).code, c.code) << c.arguments;
+    for (const auto& c : cases) EXPECT_EQ(run(c.arguments + notes + " " + page).code, c.code) << c.arguments;
     const Outcome outcome = run("match --json cat " + notes + " " + page);
     ASSERT_EQ(outcome.lines().size(), 2u);
     EXPECT_EQ(outcome.lines()[0]["matches"], true);
@@ -135,12 +125,11 @@ TEST_F(Tool, ComplainsAndGoesOn) {
     const std::string missing = (folder_ / "missing.txt").string();
     const Outcome outcome = run("words --json " + missing + " " + folder_.string() + " " + good);
     EXPECT_EQ(outcome.code, 2);
-    EXPECT_EQ(outcome.err, "velmo: " + missing + ": No such file or directory\nvelmo: " +
-                               folder_.string() + ": Is a directory\n");
+    EXPECT_EQ(outcome.err,
+              "velmo: " + missing + ": No such file or directory\nvelmo: " + folder_.string() + ": Is a directory\n");
     ASSERT_EQ(outcome.lines().size(), 1u);
     EXPECT_EQ(outcome.lines()[0]["words"], 2);
-    for (const char* wrong :
-         {"", "nonsense", "words", "words --nonsense x", "match x", "links --images --media x"})
+    for (const char* wrong : {"", "nonsense", "words", "words --nonsense x", "match x", "links --images --media x"})
         EXPECT_EQ(run(wrong).code, 2) << wrong;
     EXPECT_EQ(run("--version").code, 0);
     const Outcome help = run("--help");
@@ -149,11 +138,8 @@ TEST_F(Tool, ComplainsAndGoesOn) {
 }
 
 TEST_F(Tool, LosesNothingInJson) {
-    const Outcome outcome =
-        run("text --json -", "a &#xD800; b &#xDE00;&#x1F600; &#xFDD0; \"\\\xE2\x80\xA8");
-    EXPECT_EQ(
-        outcome.out,
-        "{\"file\":\"-\",\"text\":\"a \\ud800 b \\ude00\xF0\x9F\x98\x80 \\ufdd0 \\\"\\\\\"}\n");
+    const Outcome outcome = run("text --json -", "a &#xD800; b &#xDE00;&#x1F600; &#xFDD0; \"\\\xE2\x80\xA8");
+    EXPECT_EQ(outcome.out, "{\"file\":\"-\",\"text\":\"a \\ud800 b \\ude00\xF0\x9F\x98\x80 \\ufdd0 \\\"\\\\\"}\n");
 }
 
 TEST_F(Tool, ResolvesLinks) {
@@ -167,22 +153,19 @@ TEST_F(Tool, ResolvesLinks) {
     const Json all = links("--base http://other.org/");
     EXPECT_EQ(all["base"], "http://h.org/a/");
     EXPECT_EQ(all["links"], Json({"b c", "//x/", "#n", "n"}));
-    EXPECT_EQ(all["resolved"],
-              Json({"http://h.org/a/b%20c", "http://x/", "http://h.org/a/#n", "http://h.org/a/n"}));
+    EXPECT_EQ(all["resolved"], Json({"http://h.org/a/b%20c", "http://x/", "http://h.org/a/#n", "http://h.org/a/n"}));
     EXPECT_EQ(links("--nofollow")["links"], Json({"b c", "//x/", "#n"}));
     EXPECT_FALSE(links("--nofollow").contains("resolved"));
     EXPECT_EQ(links("--containing sec")["links"], Json({"//x/"}));
     EXPECT_EQ(links("--images")["links"], Json({"i.png"}));
     EXPECT_EQ(links("--frames")["links"], Json({"#n", "//x/", "b c", "n"}));
-    EXPECT_EQ(run("links --json --base http://o.org/x/ -", "<a href=../y><a href='http://:x'>")
-                  .lines()
-                  .at(0)["resolved"],
-              Json({"http://o.org/y", nullptr}));
+    EXPECT_EQ(
+        run("links --json --base http://o.org/x/ -", "<a href=../y><a href='http://:x'>").lines().at(0)["resolved"],
+        Json({"http://o.org/y", nullptr}));
 }
 
 TEST_F(Tool, GathersAndSumsUp) {
-    const Outcome outcome =
-        run("gather --json --base https://www.example.org/docs/ --query licensed " VELMO_PAGES);
+    const Outcome outcome = run("gather --json --base https://www.example.org/docs/ --query licensed " VELMO_PAGES);
     EXPECT_EQ(outcome.code, 0);
     std::vector<Json> lines = outcome.lines();
     ASSERT_EQ(lines.size(), numberOfPages() + 1);
@@ -196,8 +179,7 @@ TEST_F(Tool, GathersAndSumsUp) {
         EXPECT_LE(page["distinct"], page["links"]) << page;
         const Json& excerpt = page["excerpt"];
         EXPECT_EQ(page["matches"].get<bool>(), excerpt.is_string()) << page;
-        EXPECT_TRUE(excerpt.is_null() ||
-                    excerpt.get<std::string>().find("icensed") != std::string::npos);
+        EXPECT_TRUE(excerpt.is_null() || excerpt.get<std::string>().find("icensed") != std::string::npos);
     }
     EXPECT_EQ(summary["pages"], lines.size());
     EXPECT_EQ(summary["words"], words);
@@ -205,8 +187,8 @@ TEST_F(Tool, GathersAndSumsUp) {
     EXPECT_EQ(summary["matching"], matching);
     EXPECT_GT(matching, 0u);
     EXPECT_GT(words, 10000u);
-    EXPECT_TRUE(std::is_sorted(lines.begin(), lines.end(),
-                               [](const Json& a, const Json& b) { return a["file"] < b["file"]; }));
+    EXPECT_TRUE(
+        std::is_sorted(lines.begin(), lines.end(), [](const Json& a, const Json& b) { return a["file"] < b["file"]; }));
     EXPECT_EQ(run("gather --query zyzzyva " VELMO_PAGES).code, 1);
     EXPECT_TRUE(run("gather --json " VELMO_PAGES).lines().at(0)["matches"].is_null());
     EXPECT_EQ(run("gather /nowhere").code, 2);

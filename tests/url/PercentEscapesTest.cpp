@@ -28,12 +28,8 @@ TEST(PercentEscapes, StandardAndASCIIDecoding) {
         {u"\u00E4%26\u20AC", u"\u00E4&\u20AC", u"\u00E4&\u20AC"},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(stringByReplacingStandardPercentEscapesOfURL(c.string), c.standard)
-            << String(c.string);
-        if (c.ascii) {
-            EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(c.string), c.ascii)
-                << String(c.string);
-        }
+        EXPECT_EQ(stringByReplacingStandardPercentEscapesOfURL(c.string), c.standard) << String(c.string);
+        if (c.ascii) { EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(c.string), c.ascii) << String(c.string); }
     }
     for (const char16_t* same : {u"", u"%2", u"plain", u"%zz%"}) {
         const String string(same);
@@ -44,8 +40,7 @@ TEST(PercentEscapes, StandardAndASCIIDecoding) {
     // Every value, each in an array of its own.
     int decoded = 0;
     for (int value = 0; value < 256; ++value) {
-        char16_t escape[] = {u'%', u"0123456789abcdef"[value >> 4],
-                             u"0123456789ABCDEF"[value & 15]};
+        char16_t escape[] = {u'%', u"0123456789abcdef"[value >> 4], u"0123456789ABCDEF"[value & 15]};
         decoded += convertPercentEscapesOfURL(escape, 3, true) == 1;
     }
     EXPECT_EQ(decoded, 16);  // the fifteen codes and ?
@@ -62,9 +57,7 @@ TEST(PercentEscapes, StandardAndASCIIEscaping) {
     EXPECT_TRUE(stringByAddingASCIIPercentEscapesToURL(String()).isAbsent());
     std::u16string all;
     for (char16_t unit = 1; unit < 300; ++unit) all += unit;
-    EXPECT_EQ(
-        stringByReplacingASCIIPercentEscapesOfURL(stringByAddingASCIIPercentEscapesToURL(all)),
-        all);
+    EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(stringByAddingASCIIPercentEscapesToURL(all)), all);
 }
 
 TEST(PercentEscapes, EscapesWhatAURLMayNotHold) {
@@ -93,16 +86,14 @@ TEST(PercentEscapes, EscapesWhatAURLMayNotHold) {
         {u"%41", {.toBeEscaped = u"%"}, u"%2541"},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(stringByAddingPercentEscapesToURL(c.string, c.options), String(c.expected))
-            << String(c.string);
+        EXPECT_EQ(stringByAddingPercentEscapesToURL(c.string, c.options), String(c.expected)) << String(c.string);
     const String fine(u"http://h/a%20b");
     EXPECT_TRUE(stringByAddingPercentEscapesToURL(fine).isIdenticalTo(fine));
     EXPECT_TRUE(stringByAddingPercentEscapesToURL(String()).isAbsent());
 }
 
 TEST(PercentEscapes, DecodesInAnEncoding) {
-    EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"a%C3%A4b%41\u00F6%E2%82%AC"),
-              u"a\u00E4bA\u00F6\u20AC");
+    EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"a%C3%A4b%41\u00F6%E2%82%AC"), u"a\u00E4bA\u00F6\u20AC");
     EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"%E4%2", 5), u"\u00E4%2");
     EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"%EF%BF%BD"), u"\uFFFD");
     for (const char16_t* broken : {u"%E4", u"%C3a", u"%C3\u00A4", u"%EF%BF%BD%FF"})
@@ -112,8 +103,8 @@ TEST(PercentEscapes, DecodesInAnEncoding) {
     EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"/%83e/", ShiftJISStringEncoding), u"/\u30C6/");
     EXPECT_EQ(stringByReplacingPercentEscapesOfURL(u"%EF%BB%BFx"), u"\uFEFFx");
     EXPECT_TRUE(stringByReplacingPercentEscapesOfURL(u"%41", 987654).isAbsent());
-    for (StringEncoding encoding : {ShiftJISStringEncoding, JapaneseEUCStringEncoding,
-                                    ISO2022JPStringEncoding, UTF16BigEndianStringEncoding}) {
+    for (StringEncoding encoding :
+         {ShiftJISStringEncoding, JapaneseEUCStringEncoding, ISO2022JPStringEncoding, UTF16BigEndianStringEncoding}) {
         const String text(u"/\u30C6 x\u3042|");
         const String escaped = stringByAddingPercentEscapesToURL(text, {.encoding = encoding});
         EXPECT_EQ(stringByReplacingPercentEscapesOfURL(escaped, encoding), text) << escaped;

@@ -39,8 +39,7 @@ TEST(QueryParameters, FindsValues) {
 
 TEST(QueryParameters, CountsAndCollects) {
     EXPECT_EQ(numberOfQueryParams(u"http://h/?a=&b=2&a=3"), 3u);
-    EXPECT_EQ(queryParams(u"http://h/?a=&b=2&a=3&b=4&c=&d"),
-              (QueryParams{{u"a", u"3"}, {u"b", u"4"}}));
+    EXPECT_EQ(queryParams(u"http://h/?a=&b=2&a=3&b=4&c=&d"), (QueryParams{{u"a", u"3"}, {u"b", u"4"}}));
     EXPECT_EQ(numberOfQueryParams(u"http://h/a=1"), 0u);
     EXPECT_FALSE(queryParams(u"http://h/a=1").has_value());
     EXPECT_EQ(queryParams(u"x?"), QueryParams());

@@ -24,8 +24,7 @@ TEST(URLConstruction, SuppliesSchemes) {
         {u"wwwh..", u"http://wwwh..", u"http://wwwh.."},
         {u"h.example.org", nullptr, nullptr},
         {u"a@b.org", u"mailto:a@b.org", u"mailto:a@b.org"},
-        {u"mailto:a@b.org?subject=x y", u"mailto:a@b.org?subject=x%20y",
-         u"mailto:a@b.org?subject=x%20y"},
+        {u"mailto:a@b.org?subject=x y", u"mailto:a@b.org?subject=x%20y", u"mailto:a@b.org?subject=x%20y"},
         {u"Message:\"<a%22@b>", u"Message:%22%3Ca%22@b%3E", u"Message:%22%3Ca%22@b%3E"},
         {u"mailto:\xD800", nullptr, nullptr},
         {u"1x://www.h.org", nullptr, nullptr},
@@ -35,15 +34,12 @@ TEST(URLConstruction, SuppliesSchemes) {
     };
     for (const auto& c : cases) {
         if (!c.strict || *c.strict) {
-            EXPECT_EQ(URLWithStringOrPath(c.string).absoluteString(), String(c.strict))
-                << String(c.string);
+            EXPECT_EQ(URLWithStringOrPath(c.string).absoluteString(), String(c.strict)) << String(c.string);
         }
-        EXPECT_EQ(URLWithNormalizedStringURL(c.string).absoluteString(), String(c.normalized))
-            << String(c.string);
+        EXPECT_EQ(URLWithNormalizedStringURL(c.string).absoluteString(), String(c.normalized)) << String(c.string);
         EXPECT_EQ(URLWithUserTypedString(c.string), URLWithNormalizedStringURL(c.string));
     }
-    EXPECT_TRUE(URLWithStringOrPath(String()).isAbsent() &&
-                URLWithNormalizedStringURL(String()).isAbsent());
+    EXPECT_TRUE(URLWithStringOrPath(String()).isAbsent() && URLWithNormalizedStringURL(String()).isAbsent());
     const URL home = URLWithStringOrPath(u"~/x");
     EXPECT_TRUE(home.isFileURL() && home.path().view().ends_with(u"/~/x"));
     EXPECT_EQ(URLWithNormalizedStringURL(u"http://h/\u00E4", 5).absoluteString(), u"http://h/%E4");

@@ -24,12 +24,8 @@ TEST(URLSchemes, KindsOfURLs) {
         {isAppleScriptURL, {u"applescript:x"}, {u"javascript:x"}},
         {isDataURL, {u"DATA:,x"}, {u"date:x"}},
         {isAboutURL, {u"About:blank"}, {u"abut:x"}},
-        {isSafariReaderURL,
-         {u"safari-resource:x", u"safari-reader:x", u"reading-list:x"},
-         {u"safari:x"}},
-        {isBookendsURL,
-         {u"bookends://sonnysoftware.com/1"},
-         {u"Bookends://sonnysoftware.com", u"bookends://x"}},
+        {isSafariReaderURL, {u"safari-resource:x", u"safari-reader:x", u"reading-list:x"}, {u"safari:x"}},
+        {isBookendsURL, {u"bookends://sonnysoftware.com/1"}, {u"Bookends://sonnysoftware.com", u"bookends://x"}},
         {isDownloadableURL, {u"http:x", u"ftps://h"}, {u"feed://h", u"file:///x", u"x"}},
         {isRemoteWebKitURL,
          {u"http://h", u"feed://1.2", u"sftp://h"},
@@ -41,14 +37,11 @@ TEST(URLSchemes, KindsOfURLs) {
          {u"file:///", u"file:///no/such/file", u"file:///etc/passwd%00", u"x:y"}},
     };
     for (const auto& c : cases) {
-        for (const auto* string : c.yes)
-            EXPECT_TRUE(c.test(url(string))) << &c - cases << String(string);
-        for (const auto* string : c.no)
-            EXPECT_FALSE(c.test(url(string))) << &c - cases << String(string);
+        for (const auto* string : c.yes) EXPECT_TRUE(c.test(url(string))) << &c - cases << String(string);
+        for (const auto* string : c.no) EXPECT_FALSE(c.test(url(string))) << &c - cases << String(string);
         EXPECT_FALSE(c.test(URL()));
     }
-    EXPECT_TRUE(isLoadableURL(
-        URL::fileURLWithPath(String::fromUTF8(test::dataPath("urls/rfc3986-5.4.jsonl")))));
+    EXPECT_TRUE(isLoadableURL(URL::fileURLWithPath(String::fromUTF8(test::dataPath("urls/rfc3986-5.4.jsonl")))));
 }
 
 TEST(URLSchemes, KindsOfStrings) {
@@ -58,8 +51,7 @@ TEST(URLSchemes, KindsOfStrings) {
         std::vector<const char16_t*> yes, no;
     } cases[] = {
         {isWebKitStringURL,
-         {u"HTTP://", u"https://h", u"feed://x", u"ftp://x", u"www.h", u"FTP.x", u"file://",
-          u"sftp://"},
+         {u"HTTP://", u"https://h", u"feed://x", u"ftp://x", u"www.h", u"FTP.x", u"file://", u"sftp://"},
          {u"www.", u"http:/", u"mailto:a", u" http://h"}},
         {isRemoteWebKitStringURL, {u"feed://x", u"www.h"}, {u"file:///x"}},
         {isDownloadableStringURL, {u"ftps://h", u"ftp.h"}, {u"feed://h", u"file:///x"}},
@@ -67,30 +59,24 @@ TEST(URLSchemes, KindsOfStrings) {
         {isHTTPStringURL, {u"http://", u"HTTPS://"}, {u"http:/", u"www.h.org"}},
         {isFTPStringURL, {u"ftp://", u"sFtp://"}, {u"ftp.h.org"}},
         {isNewsStringURL, {u"nntp://", u"news://"}, {u"nttp://", u"news:x.y"}},
-        {isSafariReaderStringURL,
-         {u"reading-list:", u"safari-reader:", u"safari-resource:"},
-         {u"safari-reader"}},
+        {isSafariReaderStringURL, {u"reading-list:", u"safari-reader:", u"safari-resource:"}, {u"safari-reader"}},
         {isFeedStringURL, {u"feed:", u"FEED:x"}, {u"feed", u""}},
         {isJavaScriptStringURL, {u"JavaScript:"}, {u"javascript"}},
         {isAppleScriptStringURL, {u"AppleScript:x"}, {u"applescript"}},
         {isDataStringURL, {u"data:"}, {u"Data:"}},
         {isAboutStringURL, {u"about:"}, {u"About:"}},
-        {isBookendsStringURL,
-         {u"bookends://sonnysoftware.com/x"},
-         {u"bookends://x", u"BOOKENDS://sonnysoftware.com"}},
+        {isBookendsStringURL, {u"bookends://sonnysoftware.com/x"}, {u"bookends://x", u"BOOKENDS://sonnysoftware.com"}},
         {isFileStringURL, {u"/", u"~x", u"FILE://"}, {u"", u"file:/", u"x/"}},
         {isMailStringURL,
-         {u"a@b.c", u"a.b_c-d@e.org", u"mailto:abcde", u"a@b.org?subject=x", u"a@b.c.d",
-          u"a@b.info", u"9@9.xx", u"a@b.co.uk"},
-         {u"a@b.", u"a@.c", u"@b.cd", u"mailto:abcd", u"a@b.museum", u"a@b.org,c", u"a@b.org/x",
-          u"a-@b.org", u"a b@c.org", u"a@b.1rg", u"a@b/c.d", u"_a@b.org", u"http://a@b.org",
-          u"a@bcdef", u"a@b@c.d", u"a@b.information.org"}},
+         {u"a@b.c", u"a.b_c-d@e.org", u"mailto:abcde", u"a@b.org?subject=x", u"a@b.c.d", u"a@b.info", u"9@9.xx",
+          u"a@b.co.uk"},
+         {u"a@b.", u"a@.c", u"@b.cd", u"mailto:abcd", u"a@b.museum", u"a@b.org,c", u"a@b.org/x", u"a-@b.org",
+          u"a b@c.org", u"a@b.1rg", u"a@b/c.d", u"_a@b.org", u"http://a@b.org", u"a@bcdef", u"a@b@c.d",
+          u"a@b.information.org"}},
     };
     for (const auto& c : cases) {
-        for (const auto* string : c.yes)
-            EXPECT_TRUE(c.test(string)) << &c - cases << String(string);
-        for (const auto* string : c.no)
-            EXPECT_FALSE(c.test(string)) << &c - cases << String(string);
+        for (const auto* string : c.yes) EXPECT_TRUE(c.test(string)) << &c - cases << String(string);
+        for (const auto* string : c.no) EXPECT_FALSE(c.test(string)) << &c - cases << String(string);
         EXPECT_FALSE(c.test({}));
     }
 }
@@ -107,8 +93,7 @@ TEST(URLSchemes, SameHosts) {
         {u"file://h/", u"http://h", false},
         {u"mailto:a", u"mailto:b", false},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(isHostEqualTo(url(c.url), url(c.other)), c.same) << String(c.url);
+    for (const auto& c : cases) EXPECT_EQ(isHostEqualTo(url(c.url), url(c.other)), c.same) << String(c.url);
     EXPECT_FALSE(isHostEqualTo(url(u"http://h"), URL()));
     EXPECT_FALSE(isHostEqualTo(URL(), URL()));
 }
@@ -133,9 +118,7 @@ TEST(URLSchemes, SchemesAndExtensions) {
         {u"feed:x.RSS#y", u"feed", u"RSS"},
     };
     for (const auto& c : cases) {
-        if (c.string[0] != u'/') {
-            EXPECT_EQ(stringURLScheme(c.string), String(c.scheme)) << String(c.string);
-        }
+        if (c.string[0] != u'/') { EXPECT_EQ(stringURLScheme(c.string), String(c.scheme)) << String(c.string); }
         EXPECT_EQ(stringURLPathExtension(c.string), String(c.extension)) << String(c.string);
     }
     const std::vector<String> extensions{u"rss", u"XML"};
@@ -149,14 +132,10 @@ TEST(URLSchemes, FeedLinks) {
     const struct {
         const char16_t *string, *valid, *webKit;
     } cases[] = {
-        {u"feed:http://h", u"http://h", u"http://h"},
-        {u"FEED:HTTPS://h", u"HTTPS://h", u"HTTPS://h"},
-        {u"feed://h", u"feed://h", u"http://h"},
-        {u"feed:/h", u"feed:/h", u"http:/h"},
-        {u"feed:h", u"http://h", u"http:h"},
-        {u"feed:", u"feed:", u"feed:"},
-        {u"http://h", u"http://h", u"http://h"},
-        {u"", u"", u""},
+        {u"feed:http://h", u"http://h", u"http://h"}, {u"FEED:HTTPS://h", u"HTTPS://h", u"HTTPS://h"},
+        {u"feed://h", u"feed://h", u"http://h"},      {u"feed:/h", u"feed:/h", u"http:/h"},
+        {u"feed:h", u"http://h", u"http:h"},          {u"feed:", u"feed:", u"feed:"},
+        {u"http://h", u"http://h", u"http://h"},      {u"", u"", u""},
     };
     for (const auto& c : cases) {
         const String string(c.string);

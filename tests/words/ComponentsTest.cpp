@@ -30,8 +30,7 @@ TEST(Components, EndWithTheirSeparators) {
         Strings handled;
         EXPECT_EQ(parseComponentsWithHandler(c.text,
                                              [&](std::u16string_view units, Range component) {
-                                                 handled.push_back(units.substr(component.location,
-                                                                                component.length));
+                                                 handled.push_back(units.substr(component.location, component.length));
                                              }),
                   c.with.size());
         EXPECT_EQ(handled, c.with);

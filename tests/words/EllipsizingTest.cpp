@@ -69,8 +69,7 @@ TEST(Ellipsizing, Lines) {
         {u"c", 9, 99, u""},
         {u"", 3, 5, u""},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(stringByEllipsizingNLines(c.text, c.lines, c.n), c.expected) << c.text;
+    for (const auto& c : cases) EXPECT_EQ(stringByEllipsizingNLines(c.text, c.lines, c.n), c.expected) << c.text;
     const String text(u"one line"), two(u"one\ntwo");
     EXPECT_TRUE(stringByEllipsizingNLines(text, 3, 99).isIdenticalTo(text));
     EXPECT_TRUE(stringByEllipsizingNLines(two, 0, 1).isIdenticalTo(two));

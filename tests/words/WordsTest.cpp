@@ -43,8 +43,7 @@ TEST(Words, Strings) {
         EXPECT_EQ(numberOfWordsUsingDefaultSeparation(c.text, c.minLen), c.words.size());
     }
     EXPECT_EQ(wordsUsingWhiteSeparation(u" it's\u2028a-b c", 2), (Strings{u"it's", u"a-b"}));
-    EXPECT_EQ(wordsUsingSeparators(u"a  b,", {.withSeparators = true}),
-              (Strings{u"a", u"  ", u"b", u","}));
+    EXPECT_EQ(wordsUsingSeparators(u"a  b,", {.withSeparators = true}), (Strings{u"a", u"  ", u"b", u","}));
     const String whole(u"whole");
     EXPECT_TRUE(wordsUsingDefaultSeparation(whole)[0].isIdenticalTo(whole));
 }
@@ -68,8 +67,7 @@ TEST(Words, Hyphenated) {
     };
     for (const auto& c : cases) {
         bool hyphenated = !c.expected;
-        wordsUsingSeparators(c.text, {.withSeparators = c.withSeparators, .minLen = c.minLen},
-                             &hyphenated);
+        wordsUsingSeparators(c.text, {.withSeparators = c.withSeparators, .minLen = c.minLen}, &hyphenated);
         EXPECT_EQ(hyphenated, c.expected) << c.text;
     }
 }
@@ -94,8 +92,7 @@ TEST(Words, BracketsOfWildcards) {
         {u"a[ ] ]", {u"a[ ]", u"]"}},       {u"a[[ ]b c]", {u"a[[ ]b", u"c]"}},
     };
     for (const auto& c : cases)
-        EXPECT_EQ(wordsUsingSeparators(c.text, {.separators = &blanks(), .wildcard = true}),
-                  c.words);
+        EXPECT_EQ(wordsUsingSeparators(c.text, {.separators = &blanks(), .wildcard = true}), c.words);
     // A [ that separates opens nothing.
     EXPECT_EQ(numberOfWordsUsingSeparators(u"a[b c]d", nullptr, 1, true), 4u);
 }
@@ -109,8 +106,7 @@ TEST(Words, InRange) {
                  {{13, 1}, 1, 0}, {{NotFound, 9}, 1, 0},  {{3, 1}, 1, 0}, {{8, UINT64_MAX}, 4, 1},
                  {{0, 0}, 1, 0},  {{UINT64_MAX, 2}, 1, 0}};
     for (const auto& c : cases)
-        EXPECT_EQ(numberOfWordsInRange(text, c.range, nullptr, c.minLen), c.words)
-            << c.range.location;
+        EXPECT_EQ(numberOfWordsInRange(text, c.range, nullptr, c.minLen), c.words) << c.range.location;
 }
 
 TEST(Words, Handlers) {
@@ -125,8 +121,7 @@ TEST(Words, Handlers) {
     EXPECT_EQ(seen, (std::set<std::u16string_view>{u"to", u"be", u"or", u"not"}));
     EXPECT_EQ(parseWordsWithHandler(text, nullptr), 0u);
     EXPECT_EQ(parseWordsWithHandler(u"ab", [](auto, auto) { FAIL(); }, {.minLen = 3}), 0u);
-    EXPECT_THROW(parseWordsWithHandler(text, [](auto, auto) { throw std::runtime_error("x"); }),
-                 std::runtime_error);
+    EXPECT_THROW(parseWordsWithHandler(text, [](auto, auto) { throw std::runtime_error("x"); }), std::runtime_error);
 
     // What a handler writes reaches the handler's later calls, but joins or cuts no words.
     std::u16string last;
@@ -142,8 +137,7 @@ TEST(Words, Handlers) {
 }
 
 /// The entries by a walk from unit to unit.
-std::vector<Range> slowWords(std::u16string_view text, const CharacterSetRep& set,
-                             const WordOptions& options) {
+std::vector<Range> slowWords(std::u16string_view text, const CharacterSetRep& set, const WordOptions& options) {
     const std::uint64_t minLen = std::max<std::uint64_t>(options.minLen, 1);
     std::vector<Range> entries;
     std::size_t start = 0, i = 0;
@@ -173,8 +167,7 @@ TEST(Words, RandomTextsAgreeWithAWalk) {
                                   .withSeparators = random() % 2 == 0,
                                   .minLen = random() % 4,
                                   .wildcard = random() % 2 == 0};
-        const CharacterSetRep& set =
-            options.separators ? *options.separators : defaultWordSeparators();
+        const CharacterSetRep& set = options.separators ? *options.separators : defaultWordSeparators();
         const std::vector<Range> expected = slowWords(text, set, options);
         std::vector<Range> ranges;
         ASSERT_EQ(wordsOfCharacters(text, options, &ranges), expected.size()) << utf8(text);

@@ -22,8 +22,7 @@ std::uint64_t integerOf(const std::u16string& text) {
     std::int64_t value = 0, sign = 1;
     std::size_t i = 0;
     if (!text.empty() && (text[0] == u'-' || text[0] == u'+')) sign = text[i++] == u'-' ? -1 : 1;
-    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i)
-        value = value * 10 + (text[i] - u'0');
+    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i) value = value * 10 + (text[i] - u'0');
     return static_cast<std::uint64_t>(sign * value);
 }
 
@@ -67,8 +66,7 @@ bool addPart(RefNode& group, std::u16string part, bool phrase, RefState& state, 
     while (!part.empty() && isWhite(part.back())) part.pop_back();
     if (part.empty()) return false;
     if (!phrase && takeOperator(part, state)) return false;
-    if (wildcard && state.substring && !(part.front() == u'*' && part.back() == u'*'))
-        part = u"*" + part + u"*";
+    if (wildcard && state.substring && !(part.front() == u'*' && part.back() == u'*')) part = u"*" + part + u"*";
     auto word = std::make_unique<RefNode>();
     word->isWord = true;
     word->word = part;
@@ -86,9 +84,7 @@ struct RefText {
     bool caseSensitive;
 };
 
-bool isTerm(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9');
-}
+bool isTerm(char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9'); }
 
 std::size_t find(const RefText& in, const RefNode& node, std::size_t start, std::size_t end) {
     const std::u16string& word = node.word;
@@ -132,23 +128,17 @@ struct RefProximity {
     std::uint64_t distance = 0;
 };
 
-bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start,
-             std::size_t end);
+bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start, std::size_t end);
 
-bool matchesNear(const RefText& in, const RefNode& word, const RefProximity& near,
-                 std::size_t start, std::size_t end) {
-    const auto leftHolds = [&](std::size_t from, std::size_t to) {
-        return matches(in, *near.left, {}, from, to);
-    };
+bool matchesNear(const RefText& in, const RefNode& word, const RefProximity& near, std::size_t start, std::size_t end) {
+    const auto leftHolds = [&](std::size_t from, std::size_t to) { return matches(in, *near.left, {}, from, to); };
     std::size_t cursor = start, lastEnd = start;
     for (;;) {
         const std::size_t position = find(in, word, cursor, end);
         if (position == None) return word.negated && lastEnd < end && leftHolds(lastEnd, end);
         const std::size_t behind = position + word.word.size();
-        const std::size_t windowStart =
-            near.op == 5 ? position : back(in, near.distance, position, start);
-        const std::size_t windowEnd =
-            near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind;
+        const std::size_t windowStart = near.op == 5 ? position : back(in, near.distance, position, start);
+        const std::size_t windowEnd = near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind;
         cursor = behind;
         if (word.negated && windowStart > lastEnd && leftHolds(lastEnd, windowStart)) return true;
         const bool holds = leftHolds(windowStart, std::min(windowEnd, end));
@@ -158,8 +148,7 @@ bool matchesNear(const RefText& in, const RefNode& word, const RefProximity& nea
     }
 }
 
-bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start,
-             std::size_t end) {
+bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start, std::size_t end) {
     if (node.isWord) {
         if (near.left) return matchesNear(in, node, near, start, end);
         return (find(in, node, start, end) != None) != node.negated;
@@ -177,9 +166,7 @@ bool matches(const RefText& in, const RefNode& node, const RefProximity& near, s
         else if (child.op == 2)
             value = value != matches(in, child, near, start, end);
         else if (isNear)
-            value =
-                value && matches(in, child, {node.children[i - 1].get(), child.op, child.distance},
-                                 start, end);
+            value = value && matches(in, child, {node.children[i - 1].get(), child.op, child.distance}, start, end);
     }
     return value != node.negated;
 }
@@ -264,12 +251,10 @@ void refParse(RefNode& group, std::u16string_view text, const RefDefaults& defau
 }
 
 std::string refDump(const RefNode& node, std::size_t depth) {
-    static const char* const names[] = {"AND",   "OR",   "XOR", "NEAR", "BEFORE",
-                                        "AFTER", "NEXT", "OPT", "NONE"};
+    static const char* const names[] = {"AND", "OR", "XOR", "NEAR", "BEFORE", "AFTER", "NEXT", "OPT", "NONE"};
     std::string line(2 * depth, ' ');
     line += names[node.op];
-    if (node.op >= 3 && node.op <= 6)
-        line += node.distance == Unbounded ? "/any" : "/" + std::to_string(node.distance);
+    if (node.op >= 3 && node.op <= 6) line += node.distance == Unbounded ? "/any" : "/" + std::to_string(node.distance);
     line += node.negated ? " -" : " ";
     if (node.substring) line += "~";
     if (node.isWord) {

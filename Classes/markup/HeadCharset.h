@@ -1,0 +1,14 @@
+// The charset of a page of which only the head is there.
+#pragma once
+
+#include <string_view>
+
+#include <velmocore/platform/String.h>
+
+namespace velmo::detail {
+
+/// What markupCharset() gives for every page that begins with this head; absent if the head
+/// does not tell.
+String markupCharsetOfHead(std::u16string_view head);
+
+}  // namespace velmo::detail
