@@ -6,6 +6,8 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/velmocore)
 list(TRANSFORM VELMO_MODULES PREPEND velmo- OUTPUT_VARIABLE module_targets)
 install(TARGETS ${module_targets} velmocore EXPORT velmocore)
 install(DIRECTORY include/velmocore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY resources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/velmocore
+        FILES_MATCHING PATTERN "StopWords*")
 install(EXPORT velmocore NAMESPACE velmo:: DESTINATION ${package_dir}
         FILE velmocoreTargets.cmake)
 

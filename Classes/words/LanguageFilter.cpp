@@ -1,0 +1,239 @@
+#include <velmocore/words/LanguageFilter.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <mutex>
+#include <shared_mutex>
+
+#include <velmocore/text/FastCompare.h>
+#include <velmocore/words/Words.h>
+
+#include "platform/Assertion.h"
+#include "platform/Files.h"
+#include "platform/Unicode.h"
+#include "words/LanguageTally.h"
+
+namespace velmo {
+namespace {
+
+using detail::LanguageTally;
+using detail::StopWordIndex;
+
+constexpr std::string_view FilePrefix = "StopWords";
+constexpr std::uint64_t LeastMinWordLen = 3;
+constexpr std::uint64_t LeastMargin = 3;
+constexpr std::uint64_t WordsForOneHit = 40;
+constexpr double PlainListLength = 750;
+
+/// In the order of detail::Script.
+const std::array<String, detail::NumberOfScripts>& scriptKeys() {
+    static const std::array<String, detail::NumberOfScripts> keys = {u"**", u"RU", u"HE", u"EL",
+                                                                     u"AR"};
+    return keys;
+}
+
+/// Whether a file of the folder holds a list.
+bool isList(std::string_view name) {
+    return name.size() >= FilePrefix.size() &&
+           fastCaseInsensitiveCompareChars(name.substr(0, FilePrefix.size()), FilePrefix) == 0 &&
+           fastCaseInsensitiveCompareChars(name.substr(FilePrefix.size()), "Gen") != 0;
+}
+
+/// The names of the lists, sorted, as the order of the languages counts.
+std::vector<std::string> listsInDirectory(const std::string& directory) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (std::filesystem::directory_iterator it(directory, error), end; !error && it != end;
+         it.increment(error))
+        if (std::string name = it->path().filename(); isList(name)) names.push_back(name);
+    std::ranges::sort(names);
+    return names;
+}
+
+std::vector<String> wordsOfFile(const std::string& path) {
+    const auto bytes = detail::readFile(path);
+    if (!bytes) return {};
+    return wordsUsingDefaultSeparation(String::fromUTF8(charsOf(*bytes)));
+}
+
+/// The languages in the order in which they are compared: English is asked first and wins
+/// ties.
+std::vector<std::size_t> orderOf(std::span<const String> keys) {
+    std::vector<std::size_t> order(keys.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    const auto english = std::ranges::find(keys, String(u"EN")) - keys.begin();
+    const auto first = order.begin();
+    if (english < std::ssize(keys)) std::rotate(first, first + english, first + english + 1);
+    return order;
+}
+
+/// The race of the languages for a text. A language is known by the address of its key.
+struct Race {
+    const String* chosen = nullptr;  ///< whose count is kept, whether it wins or not
+    const String* winner = nullptr;
+    std::uint64_t best = 0;
+    std::uint64_t previous = 0;  ///< the best before the winner came, not the second best
+    std::uint64_t own = 0;
+
+    void enter(const String* key, std::uint64_t count, bool mayWin) {
+        if (key == chosen) own = count;
+        if (!mayWin || count <= best) return;
+        previous = best;
+        best = count;
+        winner = key;
+    }
+    void enterLanguages(const std::vector<String>& keys, const LanguageTally& tally) {
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            enter(&keys[i], tally.languages[i].hits(), tally.languages[i].hasEnoughWords());
+    }
+    void enterScripts(const LanguageTally& tally) {
+        const detail::WordCount all = tally.edgedByLetters();
+        for (std::size_t i = 0; i < detail::NumberOfScripts; ++i)
+            enter(&scriptKeys()[i], tally.scripts[i].words, tally.scripts[i].isHalfOf(all));
+    }
+    /// Whether the winner stands out among the words of the text and against a rival.
+    bool isClear(const LanguageTally& tally, std::uint64_t rival) const {
+        return best > tally.all.words / WordsForOneHit && best >= rival + LeastMargin;
+    }
+};
+
+}  // namespace
+
+struct LanguageFilter::State {
+    State(std::span<const String> given, std::span<const std::vector<String>> stopWords,
+          bool ignore)
+        : order(orderOf(given)),
+          keys(permuted(given)),
+          ignoreUmlauts(ignore),
+          index(listsOf(stopWords), ignore) {}
+
+    std::vector<String> permuted(std::span<const String> given) const {
+        std::vector<String> result;
+        for (std::size_t i : order) result.push_back(given[i]);
+        return result;
+    }
+    std::vector<const std::vector<String>*> listsOf(
+        std::span<const std::vector<String>> stopWords) const {
+        std::vector<const std::vector<String>*> result;
+        for (std::size_t i : order) result.push_back(&stopWords[i]);
+        return result;
+    }
+
+    struct Settings {
+        String language;
+        const String* chosen = nullptr;  ///< its key, if it is known
+        std::uint64_t minWordLen = LeastMinWordLen;
+    };
+    Settings settings() const {
+        std::shared_lock lock(mutex);
+        return current;
+    }
+    LanguageTally tallyOf(std::u16string_view text, const Settings& with) const {
+        return detail::tallyOfText(text, index, keys.size(), with.minWordLen);
+    }
+
+    const std::vector<std::size_t> order;
+    const std::vector<String> keys;
+    const bool ignoreUmlauts;
+    const StopWordIndex index;
+    mutable std::shared_mutex mutex;  // of the settings
+    Settings current;
+};
+
+LanguageFilter::LanguageFilter(const std::string& directory, bool ignoreUmlauts) {
+    std::vector<String> keys;
+    std::vector<std::vector<String>> stopWords;
+    for (const std::string& name : listsInDirectory(directory)) {
+        keys.push_back(String::fromUTF8(name).substring({FilePrefix.size(), NotFound}));
+        stopWords.push_back(wordsOfFile(directory + '/' + name));
+    }
+    state_ = std::make_unique<State>(keys, stopWords, ignoreUmlauts);
+}
+
+LanguageFilter::LanguageFilter(std::span<const String> keys,
+                               std::span<const std::vector<String>> stopWords, bool ignoreUmlauts) {
+    detail::require(stopWords.size() == keys.size(), "Classes/LanguageFilter", __LINE__,
+                    "cnt==[keys count]");
+    state_ = std::make_unique<State>(keys, stopWords, ignoreUmlauts);
+}
+
+LanguageFilter::LanguageFilter(LanguageFilter&&) noexcept = default;
+LanguageFilter& LanguageFilter::operator=(LanguageFilter&&) noexcept = default;
+LanguageFilter::~LanguageFilter() = default;
+
+bool LanguageFilter::writeToDirectory(const std::string& directory) const {
+    bool all = true;
+    for (std::size_t i = 0; i < state_->keys.size(); ++i) {
+        std::string lines;
+        for (std::u16string_view word : state_->index.wordsOf(i)) {
+            if (!lines.empty()) lines += '\n';
+            lines += utf8(word);
+        }
+        const std::string name = std::string(FilePrefix) + state_->keys[i].utf8();
+        all &= detail::writeFile(directory + '/' + name, bytesOf(lines), true);
+    }
+    return all;
+}
+
+const std::vector<String>& LanguageFilter::languages() const { return state_->keys; }
+bool LanguageFilter::ignoreUmlauts() const { return state_->ignoreUmlauts; }
+String LanguageFilter::language() const { return state_->settings().language; }
+std::uint64_t LanguageFilter::minWordLen() const { return state_->settings().minWordLen; }
+
+void LanguageFilter::setLanguage(const String& key) {
+    String language;
+    const String* chosen = nullptr;
+    if (key.length() == 2) {
+        language = unicode::upperCase(key);
+        for (std::span<const String> keys :
+             {std::span<const String>(scriptKeys()), std::span<const String>(state_->keys)})
+            if (const auto found = std::ranges::find(keys, language); found != keys.end())
+                chosen = &*found;
+    }
+    std::unique_lock lock(state_->mutex);
+    state_->current.language = language;
+    state_->current.chosen = chosen;
+}
+
+void LanguageFilter::setMinWordLen(std::uint64_t length) {
+    std::unique_lock lock(state_->mutex);
+    state_->current.minWordLen = std::max(length, LeastMinWordLen);
+}
+
+std::uint16_t LanguageFilter::ISOCodeForLanguage(std::u16string_view key) {
+    if (key.size() != 2) return 0;
+    return static_cast<std::uint16_t>(toUpper(key[0]) << 8 | (toUpper(key[1]) & 0xFF));
+}
+
+String LanguageFilter::languageOfText(std::u16string_view text) const {
+    if (state_->keys.empty()) return {};
+    const LanguageTally tally = state_->tallyOf(text, state_->settings());
+    Race race;
+    race.enterLanguages(state_->keys, tally);
+    race.enterScripts(tally);
+    return race.winner && race.isClear(tally, race.previous) ? *race.winner : String();
+}
+
+bool LanguageFilter::filterText(std::u16string_view text) const {
+    const State::Settings settings = state_->settings();
+    if (!settings.chosen || state_->keys.empty()) return false;
+    const LanguageTally tally = state_->tallyOf(text, settings);
+    Race race{.chosen = settings.chosen, .winner = settings.chosen};
+    race.enterLanguages(state_->keys, tally);
+    race.enterScripts(tally);
+    return race.winner != race.chosen && race.isClear(tally, race.own);
+}
+
+double LanguageFilter::stopWordRatioOfText(std::u16string_view text) const {
+    const LanguageTally tally = state_->tallyOf(text, state_->settings());
+    Race race;
+    race.enterLanguages(state_->keys, tally);
+    if (!race.winner) return 0;
+    const auto listLength = static_cast<double>(
+        state_->index.numberOfWords(static_cast<std::size_t>(race.winner - state_->keys.data())));
+    return static_cast<double>(race.best) / static_cast<double>(tally.all.words) /
+           std::sqrt(listLength / PlainListLength);
+}
+
+}  // namespace velmo

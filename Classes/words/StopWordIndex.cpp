@@ -1,0 +1,98 @@
+#include "words/StopWordIndex.h"
+
+#include <algorithm>
+#include <bit>
+#include <map>
+
+#include <velmocore/text/Folding.h>
+
+namespace velmo::detail {
+namespace {
+
+/// Shorter words are no stop words; nor are those that no scan can give.
+constexpr std::size_t ShortestStopWord = 3;
+
+bool isUsable(std::u16string_view word) {
+    return word.size() >= ShortestStopWord && word.find_first_of(u"'.") == word.npos;
+}
+
+/// Takes four units a step, each through the given function; the last step may take some
+/// again. The word has three units at least.
+template <class UnitOf>
+std::uint64_t hashOf(std::u16string_view word, UnitOf unitOf) {
+    const auto part = [&](std::size_t i, unsigned place) {
+        return static_cast<std::uint64_t>(unitOf(word[i])) << place;
+    };
+    std::uint64_t hash = word.size();
+    const auto mix = [&](std::uint64_t parts) {
+        hash = (hash ^ parts) * 0x9E3779B97F4A7C15;
+        hash ^= hash >> 32;
+    };
+    const auto mixFour = [&](std::size_t i) {
+        mix(part(i, 0) | part(i + 1, 16) | part(i + 2, 32) | part(i + 3, 48));
+    };
+    if (word.size() < 4) {
+        mix(part(0, 0) | part(1, 16) | part(2, 32));
+        return hash;
+    }
+    for (std::size_t i = 0; i + 4 < word.size(); i += 4) mixFour(i);
+    mixFour(word.size() - 4);
+    return hash;
+}
+
+std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
+
+}  // namespace
+
+StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts)
+    : fold_(ignoreUmlauts ? lowerUmlautsCharsTable() : lowerCharsTable()) {
+    std::map<String, std::vector<std::uint32_t>> languagesOfWords;
+    for (std::uint32_t language = 0; language < lists.size(); ++language)
+        for (const String& word : *lists[language]) {
+            if (!isUsable(word)) continue;
+            auto& languages = languagesOfWords[ignoreUmlauts ? nonUmlautedString(word) : word];
+            if (languages.empty() || languages.back() != language) languages.push_back(language);
+        }
+    counts_.resize(lists.size());
+    slots_.resize(std::bit_ceil(2 * languagesOfWords.size() + 1));
+    for (const auto& [word, languages] : languagesOfWords) {
+        words_.push_back({static_cast<std::uint32_t>(units_.size()),
+                          static_cast<std::uint32_t>(word.length()),
+                          static_cast<std::uint32_t>(languages_.size()),
+                          static_cast<std::uint32_t>(languages.size())});
+        units_.append(word.view());
+        for (std::uint32_t language : languages) ++counts_[language];
+        languages_.insert(languages_.end(), languages.begin(), languages.end());
+        longest_ = std::max(longest_, word.length());
+        place(static_cast<std::uint32_t>(words_.size()));
+    }
+}
+
+void StopWordIndex::place(std::uint32_t word) {
+    const std::uint64_t hash = hashOf(textOf(words_[word - 1]), [](char16_t unit) { return unit; });
+    std::size_t i = hash & (slots_.size() - 1);
+    while (slots_[i].word) i = (i + 1) & (slots_.size() - 1);
+    slots_[i] = {tagOf(hash), word};
+}
+
+std::size_t StopWordIndex::find(std::u16string_view word) const {
+    if (word.size() > longest_) return NoWord;
+    const std::uint64_t hash = hashOf(word, [&](char16_t unit) { return fold_[unit]; });
+    for (std::size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
+        const Slot slot = slots_[i];
+        if (!slot.word) return NoWord;
+        if (slot.tag == tagOf(hash) &&
+            std::ranges::equal(word, textOf(words_[slot.word - 1]), {},
+                               [&](char16_t unit) { return fold_[unit]; }))
+            return slot.word - 1;
+    }
+}
+
+std::vector<std::u16string_view> StopWordIndex::wordsOf(std::size_t language) const {
+    std::vector<std::u16string_view> result;
+    for (std::size_t i = 0; i < words_.size(); ++i)
+        if (std::ranges::count(languagesOf(i), language)) result.push_back(textOf(words_[i]));
+    return result;  // the words of all languages are in order already
+}
+
+}  // namespace velmo::detail

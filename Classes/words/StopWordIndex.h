@@ -1,0 +1,61 @@
+// The stop words of all languages in one hash table, so that a word of a text costs one
+// look-up however many languages there are.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <velmocore/platform/String.h>
+#include <velmocore/text/ConversionTables.h>
+
+namespace velmo::detail {
+
+class StopWordIndex {
+public:
+    /// The lists of the languages, which are known by their indexes from now on. The words
+    /// of a text are folded by the table before they are compared; those of the lists are
+    /// taken as they are, but lose their diacritics if asked for.
+    StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts);
+
+    static constexpr std::size_t NoWord = static_cast<std::size_t>(-1);
+
+    /// The index of a word, NoWord if no language has it.
+    std::size_t find(std::u16string_view word) const;
+    /// The languages that have the word.
+    std::span<const std::uint32_t> languagesOf(std::size_t word) const {
+        return std::span(languages_).subspan(words_[word].firstLanguage, words_[word].languages);
+    }
+
+    std::size_t numberOfWords(std::size_t language) const { return counts_[language]; }
+    /// The words of a language, sorted.
+    std::vector<std::u16string_view> wordsOf(std::size_t language) const;
+
+private:
+    struct Word {
+        std::uint32_t start, length;  // in units_
+        std::uint32_t firstLanguage, languages;
+    };
+    /// A place of the hash table. Part of the hash saves most looks at the word itself.
+    struct Slot {
+        std::uint32_t tag = 0;
+        std::uint32_t word = 0;  // its index and 1; 0 if the place is free
+    };
+
+    std::u16string_view textOf(const Word& word) const {
+        return std::u16string_view(units_).substr(word.start, word.length);
+    }
+    void place(std::uint32_t word);
+
+    const ConversionTable& fold_;
+    std::u16string units_;
+    std::vector<Word> words_;
+    std::vector<std::uint32_t> languages_;
+    std::vector<std::size_t> counts_;  // of words, by language
+    std::size_t longest_ = 0;
+    std::vector<Slot> slots_;  // a power of two
+};
+
+}  // namespace velmo::detail

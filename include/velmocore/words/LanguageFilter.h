@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+/// Tells in which language a text is written, by the stop words it holds. Languages are
+/// named by keys of two capitals, as "EN". Five results need no words but only a script: RU
+/// for Cyrillic, AR for Arabic, HE for Hebrew, EL for Greek and ** for any other that is not
+/// Latin.
+///
+///     LanguageFilter filter(velmoResourcesDirectory());
+///     filter.languageOfText(page);          // "DE", or absent if it is not clear
+///     filter.setLanguage(u"DE");
+///     filter.filterText(u"One or two sentences that nobody would take for German ...");  // true
+///
+/// A word counts if it has minWordLen() units at least and begins and ends with a letter. A
+/// language wins by more hits than those before it in languages(), of at least four
+/// different words; a script by more words than that, and half of all words or of their
+/// units. The answer stands if the hits are more than one word in forty and exceed the best
+/// before by three.
+///
+/// The words never change; a scan keeps its state on its own stack and allocates nothing for
+/// a word. Any number of threads may use one filter at once: language and minimum length,
+/// which can be set, are read once a scan.
+class VELMO_API LanguageFilter {
+public:
+    LanguageFilter() = delete;  // there is nothing to tell languages by
+
+    /// Reads a folder of lists: UTF-8 files, named "StopWords" and the key, with words in
+    /// lower case between any of defaultWordSeparators(). The key "Gen" is skipped, and a
+    /// file that cannot be read makes a language without words. With ignoreUmlauts, words
+    /// are compared without diacritics. The path is UTF-8.
+    explicit LanguageFilter(const std::string& directory, bool ignoreUmlauts = false);
+
+    /// Keys and, parallel to them, lists of words in lower case; the program is stopped if
+    /// there are not as many of both. A word of less than three units, or with an apostrophe
+    /// or a full stop, is left out. EN is moved to the front, if it is there.
+    LanguageFilter(std::span<const String> keys, std::span<const std::vector<String>> stopWords,
+                   bool ignoreUmlauts = false);
+
+    LanguageFilter(LanguageFilter&&) noexcept;
+    LanguageFilter& operator=(LanguageFilter&&) noexcept;
+    ~LanguageFilter();
+
+    /// Writes each list as "StopWords" and its key, one word a line, sorted. False if one of
+    /// them could not be written.
+    bool writeToDirectory(const std::string& directory) const;
+
+    const std::vector<String>& languages() const;
+    bool ignoreUmlauts() const;
+
+    /// The chosen language; absent if none.
+    String language() const;
+    /// Chooses a language or a script by its key, in any case. A key that is not two units
+    /// long chooses none; one that is unknown is kept, but filters nothing.
+    void setLanguage(const String& key);
+
+    /// The two capitals of a key as one number: 0x454E for EN. 0 if it is not two units long.
+    static std::uint16_t ISOCodeForLanguage(std::u16string_view key);
+    std::uint16_t ISOLanguageCode() const { return ISOCodeForLanguage(language()); }
+    std::uint16_t ISOLanguageCodeOfText(std::u16string_view text) const {
+        return ISOCodeForLanguage(languageOfText(text));
+    }
+
+    /// The shortest word that is looked at, 3 at first and never less.
+    std::uint64_t minWordLen() const;
+    void setMinWordLen(std::uint64_t length);
+
+    /// The key of the text's language; absent if it is not clear.
+    String languageOfText(std::u16string_view text) const;
+
+    /// Whether the text is clearly in another language than the chosen one. False if none is
+    /// chosen.
+    bool filterText(std::u16string_view text) const;
+
+    /// The share of stop words of the language that has most of them in the text, divided by
+    /// the square root of its list's length over 750, so that long lists and short ones
+    /// compare. 0 if no language has enough.
+    double stopWordRatioOfText(std::u16string_view text) const;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace velmo
