@@ -41,8 +41,7 @@ std::u16string times(int count, View part) {
 TEST(LanguageFilter, DecidesByLeadMarginAndShare) {
     const LanguageFilter filter(keys, lists);
     const std::u16string german = u"und nicht eine das ", english = u"the and not one ";
-    const std::u16string cyrillic = u"\u0434\u043E\u043C ",
-                         greek = u"\u03BB\u03CC\u03B3\u03BF\u03C2 ";
+    const std::u16string cyrillic = u"\u0434\u043E\u043C ", greek = u"\u03BB\u03CC\u03B3\u03BF\u03C2 ";
     const struct {
         std::u16string text;
         String expected;
@@ -72,10 +71,9 @@ TEST(LanguageFilter, DecidesByLeadMarginAndShare) {
         {english + times(7, greek), u"EL"},
         {english + times(6, greek), {}},                           // by two more
         {english + times(7, greek) + times(40, u"1990 "), u"EL"},  // numbers are no half
-        {u"wo\u0434 wo\u0434 wo\u0434", u"**"},  // the first unit tells the script
+        {u"wo\u0434 wo\u0434 wo\u0434", u"**"},                    // the first unit tells the script
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(filter.languageOfText(c.text), c.expected) << utf8(c.text);
+    for (const auto& c : cases) EXPECT_EQ(filter.languageOfText(c.text), c.expected) << utf8(c.text);
     EXPECT_EQ(filter.ISOLanguageCodeOfText(times(3, u"\u65E5\u672C\u8A9E ")), 0x2A2A);
     EXPECT_EQ(filter.ISOLanguageCodeOfText(u"unclear"), 0);
 }
@@ -140,8 +138,7 @@ TEST(LanguageFilter, Lists) {
 
 TEST(LanguageFilter, Ratio) {
     const LanguageFilter filter(keys, lists);
-    EXPECT_DOUBLE_EQ(filter.stopWordRatioOfText(u"the and not one word word word word"),
-                     0.5 / std::sqrt(6 / 750.0));
+    EXPECT_DOUBLE_EQ(filter.stopWordRatioOfText(u"the and not one word word word word"), 0.5 / std::sqrt(6 / 750.0));
     EXPECT_EQ(filter.stopWordRatioOfText(u"the and not"), 0);
     EXPECT_EQ(filter.stopWordRatioOfText(u""), 0);
 }
@@ -200,8 +197,7 @@ struct SlowFilter {
                 ++oddWords;
                 oddUnits += word.length();
             } else if (umlautsToLowerAscii(first) < 128 && umlautsToLowerAscii(last) < 128) {
-                const std::string folded =
-                    stringByApplyingConversionTable(word, &lowerCharsTable()).utf8();
+                const std::string folded = stringByApplyingConversionTable(word, &lowerCharsTable()).utf8();
                 for (const auto& [key, stopWords] : languages)
                     if (stopWords.contains(folded)) ++hits[key], distinct[key].insert(folded);
             } else {
@@ -219,8 +215,7 @@ struct SlowFilter {
             if (distinct[key].size() >= 4) enter(key, hits[key]);
         if (!withScripts) return;
         for (const std::string key : {"**", "RU"})
-            if (scripts[key].second >= (units - oddUnits) / 2 ||
-                scripts[key].first >= (words - oddWords) / 2)
+            if (scripts[key].second >= (units - oddUnits) / 2 || scripts[key].first >= (words - oddWords) / 2)
                 enter(key, scripts[key].first);
     }
 };
@@ -262,8 +257,7 @@ TEST(LanguageFilter, RandomTextsAgreeWithASlowFilter) {
         std::string text;
         const std::size_t length = random() % 60, vocabularySize = 4 + random() % 15;
         for (std::size_t i = 0; i < length; ++i)
-            text +=
-                std::string(vocabulary[random() % std::min<std::size_t>(vocabularySize, 18)]) + " ";
+            text += std::string(vocabulary[random() % std::min<std::size_t>(vocabularySize, 18)]) + " ";
         const String string = String::fromUTF8(text);
         slow.scan(string);
 
@@ -284,10 +278,8 @@ TEST(LanguageFilter, RandomTextsAgreeWithASlowFilter) {
         clear += isClear;
         for (const char* chosen : {"AA", "RU"}) {
             filter.setLanguage(String::fromUTF8(chosen));
-            const std::size_t own =
-                std::string(chosen) == "RU" ? all.scripts["RU"].first : all.hits[chosen];
-            ASSERT_EQ(filter.filterText(string),
-                      leads && all.winner != chosen && all.best >= own + 3)
+            const std::size_t own = std::string(chosen) == "RU" ? all.scripts["RU"].first : all.hits[chosen];
+            ASSERT_EQ(filter.filterText(string), leads && all.winner != chosen && all.best >= own + 3)
                 << text << chosen;
         }
     }
@@ -313,9 +305,7 @@ std::map<std::string, Row> confusion(const std::string& path, const LanguageFilt
     std::istringstream lines(test::readFile(path));
     for (std::string line; std::getline(lines, line);) {
         const std::string text = field(line, "text"), language = field(line, "lang");
-        if (wordsUsingWhiteSeparation(String::fromUTF8(text)).size() < 60 &&
-            !keysOf.contains(language))
-            continue;
+        if (wordsUsingWhiteSeparation(String::fromUTF8(text)).size() < 60 && !keysOf.contains(language)) continue;
         Row& row = rows[language];
         std::string expected = keysOf.contains(language) ? keysOf.at(language) : language;
         for (char& c : expected) c = static_cast<char>(std::toupper(c));
@@ -337,12 +327,10 @@ TEST(LanguageFilter, NamesNoSampleWrongly) {
     const char* other = std::getenv("VELMO_LANGUAGE_SAMPLES");
     int wrong = 0, right = 0;
     std::printf("language   right  undecided  wrong\n");
-    for (const auto& [language, row] :
-         confusion(other ? other : test::dataPath("httpd-paragraphs.jsonl"), filter)) {
+    for (const auto& [language, row] : confusion(other ? other : test::dataPath("httpd-paragraphs.jsonl"), filter)) {
         std::string as;
         for (const std::string& key : row.mistaken) as += ' ' + key;
-        std::printf("%-8s %7d %10d %6d%s\n", language.c_str(), row.right, row.undecided, row.wrong,
-                    as.c_str());
+        std::printf("%-8s %7d %10d %6d%s\n", language.c_str(), row.right, row.undecided, row.wrong, as.c_str());
         wrong += row.wrong;
         right += row.right;
     }
@@ -360,9 +348,7 @@ TEST(LanguageFilter, ResourcesAreClean) {
     int count = 0;
     for (const auto& file : fs::directory_iterator(folder)) {
         const std::string name = file.path().filename();
-        EXPECT_EQ(test::readFile(file.path()),
-                  test::readFile(velmoResourcesDirectory() + "/" + name))
-            << name;
+        EXPECT_EQ(test::readFile(file.path()), test::readFile(velmoResourcesDirectory() + "/" + name)) << name;
         ++count;
     }
     EXPECT_EQ(count, 24);
