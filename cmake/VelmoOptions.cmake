@@ -1,7 +1,11 @@
 # Compiler settings of every target of the project.
 find_program(CCACHE ccache)
 if(CCACHE AND PROJECT_IS_TOP_LEVEL)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  # The sloppiness is what precompiled headers need; the base folder lets several
+  # checkouts share the cache.
+  cmake_path(GET PROJECT_SOURCE_DIR PARENT_PATH CCACHE_BASE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CCACHE_BASE}
+      CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
 endif()
 
 add_library(velmo_options INTERFACE)

@@ -14,4 +14,10 @@ void addWordsCommand(CLI::App& app, Session& session);
 void addMatchCommand(CLI::App& app, Session& session);
 void addGatherCommand(CLI::App& app, Session& session);
 
+/// In the order of the help.
+inline constexpr void (*AllCommands[])(CLI::App&, Session&) = {
+    addGatherCommand,  addTextCommand,  addLinksCommand,
+    addCharsetCommand, addWordsCommand, addMatchCommand,
+};
+
 }  // namespace velmo::tool

@@ -32,12 +32,7 @@ int main(int argc, char** argv) {
     app.get_formatter()->column_width(34);
 
     Session session;
-    addGatherCommand(app, session);
-    addTextCommand(app, session);
-    addLinksCommand(app, session);
-    addCharsetCommand(app, session);
-    addWordsCommand(app, session);
-    addMatchCommand(app, session);
+    for (const auto add : AllCommands) add(app, session);
 
     try {
         app.parse(argc, argv);
