@@ -12,14 +12,6 @@ namespace {
 using namespace detail;
 using View = std::u16string_view;
 
-template <class Fold>
-std::uint64_t lastOccurrence(View text, View pattern, const Fold& fold) {
-    if (pattern.empty() || pattern.size() > text.size()) return NotFound;
-    for (std::size_t start = text.size() - pattern.size() + 1; start-- > 0;)
-        if (sameUnits(text.data() + start, pattern.data(), pattern.size(), fold)) return start;
-    return NotFound;
-}
-
 /// Searches one part of the text, and gives the range in the whole.
 template <class Fold>
 Range findInPart(View text, std::size_t start, std::size_t end, View sought, bool forward,

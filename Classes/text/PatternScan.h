@@ -107,4 +107,14 @@ std::uint64_t firstOccurrence(std::u16string_view text, std::basic_string_view<U
     return firstOccurrence(text.data(), text.size() - pattern.size() + 1, pattern, fold);
 }
 
+/// The last occurrence, or NotFound.
+template <class Fold>
+std::uint64_t lastOccurrence(std::u16string_view text, std::u16string_view pattern,
+                             const Fold& fold) {
+    if (pattern.empty() || pattern.size() > text.size()) return NotFound;
+    for (std::size_t start = text.size() - pattern.size() + 1; start-- > 0;)
+        if (sameUnits(text.data() + start, pattern.data(), pattern.size(), fold)) return start;
+    return NotFound;
+}
+
 }  // namespace velmo::detail

@@ -7,7 +7,7 @@
 #include "text/Keyword.h"
 #include "url/Escapes.h"
 #include "url/Grammar.h"
-#include "url/PathParts.h"
+#include "text/PathParts.h"
 
 namespace velmo {
 

@@ -11,7 +11,7 @@
 #include <velmocore/text/Finding.h>
 
 #include "text/Keyword.h"
-#include "url/PathParts.h"
+#include "text/PathParts.h"
 
 namespace velmo {
 namespace {

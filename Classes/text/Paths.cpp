@@ -1,0 +1,185 @@
+#include <velmocore/text/Paths.h>
+
+#include <algorithm>
+
+#include <velmocore/text/CharacterTests.h>
+#include <velmocore/text/Comparison.h>
+#include <velmocore/text/ConversionTables.h>
+#include <velmocore/text/Finding.h>
+#include <velmocore/text/Normalisation.h>
+
+#include "text/PathParts.h"
+#include "text/Trim.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+constexpr std::size_t LongestName = 250;  ///< in units, and in bytes of UTF-8
+constexpr std::size_t LongestExtension = 17;
+
+String joined(std::span<const String> components) {
+    std::u16string path;
+    for (const String& component : components) {
+        if (!path.empty() && path != u"/") path += u'/';
+        path += component;
+    }
+    return path;
+}
+
+String appendedExtension(View path, View extension) {
+    if (path.empty() || path == u"/" || extension.empty()) return path;
+    std::u16string result(withoutTrailingSlashes(path));
+    return result.append(u".").append(extension);
+}
+
+bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
+bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+
+/// The units of the text's start that take no more than so many bytes of UTF-8.
+std::size_t unitsWithinBytes(View text, std::size_t bytes) {
+    std::size_t i = 0;
+    while (i < text.size()) {
+        const char16_t unit = text[i];
+        std::size_t units = 1, size = unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
+        if (isHighSurrogate(unit) && i + 1 < text.size() && isLowSurrogate(text[i + 1]))
+            units = 2, size = 4;
+        else if (isHighSurrogate(unit) || isLowSurrogate(unit))
+            break;
+        if (size > bytes) break;
+        bytes -= size;
+        i += units;
+    }
+    return i;
+}
+
+void cutName(std::u16string& name, std::size_t bytes) {
+    name.resize(unitsWithinBytes(View(name).substr(0, LongestName), bytes));
+}
+
+}  // namespace
+
+String relativePathToDirectory(View path, View directory) {
+    const auto own = standardizedPathComponents(path);
+    const auto other = standardizedPathComponents(directory);
+    const auto [ownRest, otherRest] =
+        std::mismatch(own.begin(), own.end(), other.begin(), other.end());
+    std::u16string result = otherRest == other.end() ? u"./" : u"";
+    for (auto rest = otherRest; rest != other.end(); ++rest) result += u"../";
+    return result += joined({ownRest, own.end()});
+}
+
+bool pathIsInDirectory(const String& path, const String& directory) {
+    if (directory.isAbsent() || path.isIdenticalTo(directory)) return false;
+    const View folder = directory.view().substr(0, directory.view().find_last_not_of(u'/') + 1);
+    if (folder.empty() || !path.view().starts_with(folder)) return false;
+    return path.length() == folder.size() || path[folder.size()] == u'/';
+}
+
+bool pathIsInDirectories(const String& path, std::span<const String> directories) {
+    return std::any_of(directories.begin(), directories.end(),
+                       [&](const String& directory) { return pathIsInDirectory(path, directory); });
+}
+
+String stringByDeletingFileComponent(View path) {
+    if (path.empty()) return String::empty();
+    return path.ends_with(u'/') ? path.substr(0, path.size() - 1) : parentOfPath(path);
+}
+
+std::vector<String> standardizedPathComponents(View path) {
+    std::vector<View> kept;
+    for (const View component : componentsOfPath(path)) {
+        if (component == u"." || (component == u"/" && !kept.empty())) continue;
+        if (component != u"..")
+            kept.push_back(component);
+        else if (!kept.empty())
+            kept.pop_back();
+    }
+    return {kept.begin(), kept.end()};
+}
+
+String standardizedPath(View path) { return joined(standardizedPathComponents(path)); }
+
+String stringByAppendingPathExtensionIfNecessary(const String& path, const String& extension) {
+    if (extension.isAbsent()) return path;
+    const View own = extensionOfPath(path);
+    if (own.size() == extension.length() && isEqualToStringNoCase(own, extension)) return path;
+    return appendedExtension(path, extension);
+}
+
+String stringByReplacingPathExtensionWith(const String& path, const String& extension) {
+    if (extension.isAbsent() || extension == extensionOfPath(path)) return path;
+    return appendedExtension(withoutExtension(path), extension);
+}
+
+bool pathMatchingExtensions(View path, std::span<const String> extensions) {
+    return containsStringNoCase(extensions, extensionOfPath(path));
+}
+
+bool pathMatchingExtensionsOrTypes(View path, std::span<const String> extensionsOrTypes) {
+    return pathMatchingExtensions(path, extensionsOrTypes);
+}
+
+bool isValidPathExtension(View extension) {
+    return !extension.empty() && extension.size() <= LongestExtension &&
+           isAlphaNumString(extension);
+}
+
+String validPathExtension(View path) {
+    const View extension = extensionOfPath(path);
+    const View valid = extension.substr(0, extension.find_first_of(u"?&;=#"));
+    return isValidPathExtension(valid) ? String(valid) : String::empty();
+}
+
+String lowercasePathExtension(View path) {
+    if (path.size() < 2) return {};
+    const std::size_t mark = path.find_last_of(u"./");
+    if (mark == View::npos || path[mark] == u'/') return {};
+    const ConversionTable& lower = lowerCharsTable();
+    std::u16string extension(path.substr(mark + 1));
+    for (char16_t& unit : extension) unit = lower[unit];
+    return extension;
+}
+
+String stringByCreatingFileSystemRepresentation(View name) {
+    std::u16string result(name);
+    createFileSystemRepresentation(result);
+    return result;
+}
+
+String stringByCreatingFileSystemRepresentationByAppendingExtension(View name, View extension) {
+    std::u16string result(name);
+    createFileSystemRepresentationAndAppendExtension(result, extension);
+    return result;
+}
+
+void createFileSystemRepresentation(std::u16string& name) { cutName(name, LongestName); }
+
+void createFileSystemRepresentationAndAppendExtension(std::u16string& name, View extension) {
+    if (extension.empty() || extension.size() > LongestExtension)
+        return createFileSystemRepresentation(name);
+    const std::u16string suffix = u"." + std::u16string(extension);
+    cutName(name, LongestName - utf8(suffix).size());
+    if (!View(name).ends_with(suffix)) name += suffix;
+}
+
+String stringByCreatingFilename(View text) {
+    std::u16string result(text);
+    createFilename(result);
+    return result;
+}
+
+void createFilename(std::u16string& text) {
+    normalizeString(text);
+    detail::trimInPlace(text, detail::Ends::Both, [](char16_t unit) {
+        return unit == u'.' || unit == u'/' || unit == u':' || unit == u'_';
+    });
+    if (text.size() > LongestName) text.resize(LongestName);
+    constexpr View Illegal = u"*/:<>?\\|";
+    std::replace_if(
+        text.begin(), text.end(), [&](char16_t unit) { return Illegal.find(unit) != View::npos; },
+        u'-');
+}
+
+}  // namespace velmo

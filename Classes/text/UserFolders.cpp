@@ -1,0 +1,130 @@
+#include "text/UserFolders.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <array>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <sstream>
+#include <string_view>
+
+#include "platform/Files.h"
+#include "text/PathParts.h"
+
+namespace velmo::detail {
+namespace {
+
+/// Settings beyond this are not read: no client writes that much.
+constexpr std::size_t LongestSettings = 1 << 20;
+
+std::string_view valueOf(EnvironmentVariable variable, const char* name) {
+    const char* value = variable(name);
+    return value ? value : "";
+}
+
+/// Absent unless the path is absolute, as the conventions demand.
+String absoluteFolder(std::string_view path) {
+    if (!path.starts_with('/')) return {};
+    return String(withoutTrailingSlashes(String::fromUTF8(path)));
+}
+
+String accountHome() {
+    passwd account;
+    passwd* found = nullptr;
+    std::array<char, 4096> buffer;
+    getpwuid_r(getuid(), &account, buffer.data(), buffer.size(), &found);
+    return found ? absoluteFolder(found->pw_dir) : String();
+}
+
+String orElse(const String& folder, const String& parent, std::u16string_view fallback) {
+    return folder.isAbsent() ? appendedComponent(parent, fallback) : folder;
+}
+
+std::string settings(const String& path) {
+    const std::optional<Data> bytes = readFile(path.utf8());
+    if (!bytes || bytes->size() > LongestSettings) return {};
+    return std::string(charsOf(*bytes));
+}
+
+/// A value of user-dirs.dirs: quoted, with backslashes before special characters, and absolute
+/// or below "$HOME".
+String folderOfSetting(std::string_view quoted, const String& home) {
+    std::string value;
+    if (!quoted.starts_with('"')) return {};
+    for (std::size_t i = 1; i < quoted.size() && quoted[i] != '"'; ++i) {
+        if (quoted[i] == '\\' && i + 1 < quoted.size()) ++i;
+        value += quoted[i];
+    }
+    constexpr std::string_view Home = "$HOME";
+    if (value.starts_with(Home)) value.replace(0, Home.size(), home.utf8());
+    return absoluteFolder(value);
+}
+
+/// The folder that the last line "KEY=value" names; lines that begin with # are comments.
+String userDirectory(const std::string& settings, std::string_view key, const String& home) {
+    String folder;
+    std::istringstream lines(settings);
+    for (std::string line; std::getline(lines, line);) {
+        const std::string_view text =
+            std::string_view(line).substr(std::min(line.find_first_not_of(" \t"), line.size()));
+        if (text.starts_with(key) && text.substr(key.size()).starts_with('='))
+            folder = folderOfSetting(text.substr(key.size() + 1), home);
+    }
+    return folder;
+}
+
+std::vector<String> dropboxFolders(const String& home) {
+    std::vector<String> folders;
+    const auto info =
+        nlohmann::json::parse(settings(appendedComponent(home, u".dropbox/info.json")), nullptr,
+                              /*allow_exceptions=*/false);
+    for (const char* account : {"personal", "business"}) {
+        if (!info.is_object() || !info.contains(account) || !info[account].is_object()) continue;
+        const auto path = info[account].find("path");
+        if (path != info[account].end() && path->is_string())
+            folders.push_back(String::fromUTF8(path->get<std::string>()));
+    }
+    if (folders.empty()) folders.push_back(appendedComponent(home, u"Dropbox"));
+    return folders;
+}
+
+/// A sandboxed program's home folder lies in the user's own.
+String outsideSandbox(const String& home) {
+    const std::size_t sandbox = home.view().find(u"/Library/Containers/");
+    return sandbox == std::u16string_view::npos ? home : String(home.view().substr(0, sandbox));
+}
+
+}  // namespace
+
+UserFolders findUserFolders(EnvironmentVariable variable) {
+    UserFolders folders;
+    folders.home = absoluteFolder(valueOf(variable, "HOME"));
+    if (folders.home.isAbsent()) folders.home = accountHome();
+    if (folders.home.isAbsent()) folders.home = u"/";
+    const String& home = folders.home;
+
+    const String config =
+        orElse(absoluteFolder(valueOf(variable, "XDG_CONFIG_HOME")), home, u".config");
+    const std::string userDirs = settings(appendedComponent(config, u"user-dirs.dirs"));
+    folders.desktop = orElse(userDirectory(userDirs, "XDG_DESKTOP_DIR", home), home, u"Desktop");
+    folders.downloads =
+        orElse(userDirectory(userDirs, "XDG_DOWNLOAD_DIR", home), home, u"Downloads");
+
+    folders.library = appendedComponent(home, u"Library");
+    folders.preferences = appendedComponent(folders.library, u"Preferences");
+    folders.caches =
+        orElse(absoluteFolder(valueOf(variable, "XDG_CACHE_HOME")), folders.library, u"Caches");
+    folders.applicationSupport = orElse(absoluteFolder(valueOf(variable, "XDG_DATA_HOME")),
+                                        folders.library, u"Application Support");
+
+    folders.userHome = outsideSandbox(home);
+    folders.userLibrary = appendedComponent(folders.userHome, u"Library");
+    folders.iCloud =
+        appendedComponent(folders.userLibrary, u"Mobile Documents/com~apple~CloudDocs");
+    folders.dropbox = dropboxFolders(home);
+    folders.temporary = orElse(absoluteFolder(valueOf(variable, "TMPDIR")), u"/", u"tmp");
+    return folders;
+}
+
+}  // namespace velmo::detail

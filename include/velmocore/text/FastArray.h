@@ -1,0 +1,239 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <velmocore/platform/Range.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+/// A growable array of references to objects that it does not own: whoever puts them in keeps
+/// them alive. Made for the inner loops of scanners and indexes: an access is one test and one
+/// load, and getObjectsPtr() gives the whole block.
+///
+/// Null is never stored: operations that insert ignore it. An index past the end gives null
+/// or does nothing. The block doubles while it is small and then grows by steps of growBy; it
+/// moves when it grows and never shrinks. Objects are equal by ==, identical by address.
+/// No locks: one thread at a time, or all only reading.
+///
+///     FastArray<const Page> pages;
+///     pages.addObject(&page);
+///     pages.sortUsingFunction([](const Page& a, const Page& b) { return a.rank - b.rank; }, 10);
+///     for (const Page* page : pages) ...    // the ten of the lowest rank come first
+template <class T>
+class FastArray {
+public:
+    static constexpr std::size_t LeastCapacity = 16, LeastGrowth = 1024;
+
+    /// Capacity 16, growth 1024. No block is made before it is needed.
+    FastArray() = default;
+    explicit FastArray(std::span<T* const> objects) { setObjects(objects); }
+    /// Smaller values are raised to 16 and 1024.
+    static FastArray arrayWithCapacity(std::size_t capacity, std::size_t growBy = LeastGrowth) {
+        FastArray array;
+        array._growBy = std::max(growBy, LeastGrowth);
+        array.setCapacity(capacity);
+        return array;
+    }
+    static FastArray arrayWithObject(T* object) {
+        return FastArray(std::span<T* const>(&object, 1));
+    }
+
+    FastArray(const FastArray& other) { setFastArray(other); }
+    FastArray& operator=(const FastArray& other) {
+        if (this != &other) setFastArray(other);
+        return *this;
+    }
+    FastArray(FastArray&& other) noexcept { swap(other); }
+    FastArray& operator=(FastArray&& other) noexcept {
+        swap(other);
+        return *this;
+    }
+    void swap(FastArray& other) noexcept {
+        std::swap(_capacity, other._capacity);
+        std::swap(_growBy, other._growBy);
+        std::swap(_count, other._count);
+        std::swap(_objects, other._objects);
+    }
+
+    std::size_t count() const noexcept { return _count; }
+    std::size_t capacity() const noexcept { return _capacity; }
+    /// Only shrinks; gives the resulting count.
+    std::size_t setCount(std::size_t count) noexcept { return _count = std::min(_count, count); }
+    /// Only grows; gives the block.
+    T** setCapacity(std::size_t capacity) {
+        capacity = std::max({capacity, _capacity, LeastCapacity});
+        if (capacity > _capacity || !_objects) {
+            auto objects = std::make_unique<T*[]>(capacity);
+            std::copy_n(_objects.get(), _count, objects.get());
+            _objects = std::move(objects);
+            _capacity = capacity;
+        }
+        return _objects.get();
+    }
+
+    T* firstObject() const noexcept { return objectAtIndex(0); }
+    T* lastObject() const noexcept { return _count ? _objects[_count - 1] : nullptr; }
+    T* objectAtIndex(std::size_t index) const noexcept {
+        return index < _count ? _objects[index] : nullptr;
+    }
+
+    void addObject(T* object) {
+        if (!object) return;
+        if (_count == _capacity || !_objects) grow();
+        _objects[_count++] = object;
+    }
+    /// Up to the first null.
+    void addObjects(std::initializer_list<T*> objects) {
+        for (T* object : objects) {
+            if (!object) return;
+            addObject(object);
+        }
+    }
+    /// Makes just as much room as it takes.
+    void addObjectsFromArray(std::span<T* const> objects) {
+        // The objects may be this array's own, whose block moves.
+        const std::vector<T*> source(objects.begin(), objects.end());
+        if (!source.empty()) setCapacity(_count + source.size());
+        for (T* object : source) addObject(object);
+    }
+    /// An index at or past the end appends.
+    void insertObject(T* object, std::size_t index) {
+        addObject(object);
+        if (object && index < _count) std::rotate(begin() + index, end() - 1, end());
+    }
+    void replaceObjectAtIndex(std::size_t index, T* object) noexcept {
+        if (object && index < _count) _objects[index] = object;
+    }
+
+    void removeObjectAtIndex(std::size_t index) noexcept {
+        if (index < _count)
+            _count = std::copy(begin() + index + 1, end(), begin() + index) - begin();
+    }
+    /// Removes all that are equal to the object.
+    void removeObject(const T* object) {
+        if (object) removeIf([&](const T* other) { return *other == *object; });
+    }
+    void removeObjectIdenticalTo(const T* object) noexcept {
+        removeIf([&](const T* other) { return other == object; });
+    }
+    void removeAllObjects() noexcept { _count = 0; }
+
+    bool containsObject(const T* object) const { return indexOfObject(object) != NotFound; }
+    bool containsObjectIdenticalTo(const T* object) const noexcept {
+        return indexOfObjectIdenticalTo(object) != NotFound;
+    }
+    /// The first index, or NotFound.
+    std::uint64_t indexOfObject(const T* object) const {
+        if (!object) return NotFound;
+        return indexOf(std::find_if(begin(), end(), [&](const T* o) { return *o == *object; }));
+    }
+    std::uint64_t indexOfObjectIdenticalTo(const T* object) const noexcept {
+        return indexOf(std::find(begin(), end(), object));
+    }
+
+    void setObjects(std::span<T* const> objects) {
+        const std::vector<T*> source(objects.begin(), objects.end());
+        _count = 0;
+        addObjectsFromArray(source);
+    }
+    void setFastArray(const FastArray& other) { setObjects(other.view()); }
+
+    /// The block itself, valid until the next insertion; null if nothing was ever inserted.
+    T* const* getObjectsPtr() const noexcept { return _objects.get(); }
+    std::span<T* const> view() const noexcept { return {_objects.get(), _count}; }
+    void getObjects(T** out) const { std::copy(begin(), end(), out); }
+    /// Copies nothing if the range is empty or does not lie inside.
+    void getObjects(T** out, Range range) const {
+        if (range.location <= _count && range.length <= _count - range.location)
+            std::copy_n(begin() + range.location, range.length, out);
+    }
+    std::vector<T*> allObjects() const { return {begin(), end()}; }
+
+    template <class Function>
+    void applyFunction(Function&& function) const {
+        for (T* object : view()) function(*object);
+    }
+    /// The range is cut at the end.
+    template <class Function>
+    void applyFunction(Function&& function, Range range) const {
+        if (range.location >= _count) return;
+        for (T* object :
+             view().subspan(range.location, std::min(range.length, _count - range.location)))
+            function(*object);
+    }
+
+    /// Sorts by a comparison whose result is below 0, 0 or above 0.
+    template <class Compare>
+    void sortUsingFunction(Compare&& compare) {
+        // A stable sort stays in the block whatever the comparison says.
+        std::stable_sort(begin(), end(), [&](T* a, T* b) { return compare(*a, *b) < 0; });
+    }
+    /// Puts the smallest ones in order at the front and leaves the others in no order.
+    template <class Compare>
+    void sortUsingFunction(Compare&& compare, std::size_t count) {
+        if (_count < 2) return;
+        if (count >= _count || (count >= 51 && _count / 80 < count))
+            return sortUsingFunction(compare);
+        if (count == 0) return;
+        const auto isBelow = [&](T* a, T* b) { return compare(*a, *b) < 0; };
+        T** const head = begin() + count;
+        std::stable_sort(begin(), head, isBelow);
+        for (T** next = head; next != end(); ++next) {
+            T** place = head;
+            while (place != begin() && isBelow(*next, place[-1])) --place;
+            if (place == head) continue;
+            T* const object = *next;
+            *next = head[-1];
+            std::move_backward(place, head - 1, head);
+            *place = object;
+        }
+    }
+
+    T** begin() noexcept { return _objects.get(); }
+    T** end() noexcept { return begin() + _count; }
+    T* const* begin() const noexcept { return _objects.get(); }
+    T* const* end() const noexcept { return begin() + _count; }
+
+    /// "()", or a line for each element, as the function describes it.
+    template <class Describe>
+    String description(Describe&& describe) const {
+        if (_count == 0) return u"()";
+        std::u16string text = u"(\n";
+        for (T* object : view()) {
+            text += u'\t';
+            text += std::u16string_view(describe(*object));
+            text += u'\n';
+        }
+        return text += u')';
+    }
+    String description() const requires std::convertible_to<const T&, std::u16string_view> {
+        return description([](const T& text) { return std::u16string_view(text); });
+    }
+
+private:
+    void grow() { setCapacity(_count <= _growBy ? 2 * _count : _count + _growBy); }
+    template <class Predicate>
+    void removeIf(Predicate predicate) {
+        _count = static_cast<std::size_t>(std::remove_if(begin(), end(), predicate) - begin());
+    }
+    std::uint64_t indexOf(T* const* place) const noexcept {
+        return place == end() ? NotFound : static_cast<std::uint64_t>(place - begin());
+    }
+
+    std::size_t _capacity = LeastCapacity;
+    std::size_t _growBy = LeastGrowth;
+    std::size_t _count = 0;
+    std::unique_ptr<T*[]> _objects;
+};
+
+}  // namespace velmo

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/Range.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+/// How a substring is sought; or-ed together. Without LiteralSearch, composed and decomposed
+/// characters are the same, and no hit begins or ends inside a character with its marks.
+enum SearchOptions : std::uint32_t {
+    DefaultSearch = 0,
+    CaseInsensitiveSearch = 1,
+    LiteralSearch = 2,
+    BackwardsSearch = 4,  ///< the last occurrence
+    DiacriticInsensitiveSearch = 128,
+    WidthInsensitiveSearch = 256,  ///< full-width and half-width forms are the usual ones
+};
+constexpr SearchOptions operator|(SearchOptions a, SearchOptions b) {
+    return static_cast<SearchOptions>(std::uint32_t{a} | std::uint32_t{b});
+}
+
+/// Names a stretch of text by what stands before it and behind it.
+class StringRange {
+public:
+    StringRange() = default;
+    StringRange(const String& start, const String& end) { setStart(start, end); }
+    /// An empty marker is the same as none.
+    void setStart(const String& start, const String& end) {
+        _start = start.isEmpty() ? String() : start;
+        _end = end.isEmpty() ? String() : end;
+    }
+    const String& start() const { return _start; }
+    const String& end() const { return _end; }
+
+private:
+    String _start, _end;
+};
+
+// Stretches of text between two markers, for programs that know a page by its landmarks. The
+// end marker is sought forward from the start marker, whatever the options say.
+//
+//     substringWithStart(u"<b>bold</b>", u"<b>", u"</b>");    // bold
+
+/// The text between the markers, without them. Without an end marker, or if it does not occur,
+/// it goes to the end of the string; but then there is none if it is required, or with
+/// BackwardsSearch. No range without a start marker, or if that does not occur.
+VELMO_API Range stringRangeWithStart(std::u16string_view string, std::u16string_view start,
+                                     std::u16string_view end, bool isRequired,
+                                     SearchOptions options = DefaultSearch);
+
+/// That text, the end marker not required; absent if there is none or it is empty.
+VELMO_API String substringWithStart(const String& string, std::u16string_view start,
+                                    std::u16string_view end, SearchOptions options = DefaultSearch);
+VELMO_API String substringWithStringRange(const String& string, const StringRange& range,
+                                          SearchOptions options = DefaultSearch);
+
+/// Deletes that text with both markers; nothing unless both are there.
+VELMO_API void deleteCharactersInRangeWithStart(std::u16string& text, std::u16string_view start,
+                                                std::u16string_view end,
+                                                SearchOptions options = DefaultSearch);
+VELMO_API void deleteCharactersInStringRange(std::u16string& text, const StringRange& range,
+                                             SearchOptions options = DefaultSearch);
+
+/// Where the first of the strings that occurs does, from the index on: their order counts, not
+/// that in the text. The list ends at the first absent string. NotFound if none occurs, or the
+/// index is not below the length.
+VELMO_API std::uint64_t findStrings(std::u16string_view string,
+                                    std::initializer_list<String> sought,
+                                    SearchOptions options = DefaultSearch,
+                                    std::uint64_t startAt = 0);
+
+}  // namespace velmo

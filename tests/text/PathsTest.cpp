@@ -1,0 +1,140 @@
+#include <velmocore/text/Paths.h>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+TEST(Paths, Standardized) {
+    const struct {
+        View path, expected;
+    } cases[] = {{u"/a/./b/../c", u"/a/c"},
+                 {u"../a", u"a"},
+                 {u"a/../../b", u"b"},
+                 {u"//a///b//", u"/a/b"},
+                 {u"/", u"/"},
+                 {u"", u""},
+                 {u".", u""},
+                 {u"/a/..", u"/"},
+                 {u"/..", u""},
+                 {u"/../a", u"a"},
+                 {u"a/b/", u"a/b"},
+                 {u"./a", u"a"}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(standardizedPath(c.path), c.expected) << utf8(c.path);
+        EXPECT_EQ(standardizedPath(standardizedPath(c.path)), c.expected);
+    }
+    EXPECT_EQ(standardizedPathComponents(u"/a/b/../c/"), (std::vector<String>{u"/", u"a", u"c"}));
+}
+
+TEST(Paths, RelativeToADirectory) {
+    const struct {
+        View path, directory, expected;
+    } cases[] = {{u"/a/b", u"/a/b", u"./"},       {u"/a/b/c", u"/a", u"./b/c"},
+                 {u"/a", u"/a/b/c", u"../../"},   {u"/a/b/c", u"/a/x/y", u"../../b/c"},
+                 {u"/a/b", u"/", u"./a/b"},
+                 {u"/a/./b", u"/c/../a/", u"./b"}};
+    for (const auto& c : cases) EXPECT_EQ(relativePathToDirectory(c.path, c.directory), c.expected) << utf8(c.path);
+}
+
+TEST(Paths, InsideADirectory) {
+    const struct {
+        View path, directory;
+        bool expected;
+    } cases[] = {{u"/ab", u"/a", false}, {u"/a/b", u"/a", true}, {u"/a", u"/a", true},
+                 {u"/a", u"/a//", true}, {u"/a", u"/", false},   {u"/a/", u"/a/", true},
+                 {u"/a", u"", false},    {u"/b", u"/a", false},  {u"", u"/a", false}};
+    for (const auto& c : cases) EXPECT_EQ(pathIsInDirectory(c.path, c.directory), c.expected) << utf8(c.path);
+    const String same = u"/a";
+    EXPECT_FALSE(pathIsInDirectory(same, same));
+    EXPECT_FALSE(pathIsInDirectory(u"/a", String()));
+    EXPECT_TRUE(pathIsInDirectories(u"/b/c", std::vector<String>{u"/a", u"/b"}));
+    EXPECT_FALSE(pathIsInDirectories(u"/c", std::vector<String>{u"/a", u"/b"}));
+}
+
+TEST(Paths, ComponentsAndExtensions) {
+    const struct {
+        View path, parent, appended, replaced, valid, lower;
+    } cases[] = {
+        {u"/tmp/x.HTML", u"/tmp", u"/tmp/x.HTML", u"/tmp/x.html", u"HTML", u"html"},
+        {u"/tmp/", u"/tmp", u"/tmp.html", u"/tmp.html", u"", u"-"},
+        {u"/x", u"/", u"/x.html", u"/x.html", u"", u"-"},
+        {u"x", u"", u"x.html", u"x.html", u"", u"-"},
+        {u"/", u"", u"/", u"/", u"", u"-"},
+        {u"", u"", u"", u"", u"", u"-"},
+        {u"a.tar.gz", u"", u"a.tar.gz.html", u"a.tar.html", u"gz", u"gz"},
+        {u"a.b/c", u"a.b", u"a.b/c.html", u"a.b/c.html", u"", u"-"},
+        {u".profile", u"", u".profile.html", u".profile.html", u"", u"profile"},
+        {u"x.php?id=1.2", u"", u"x.php?id=1.2.html", u"x.php?id=1.html", u"2", u"2"},
+        {u"x.php?id=1", u"", u"x.php?id=1.html", u"x.html", u"php", u"php?id=1"},
+        {u"x.\u00C4", u"", u"x.\u00C4.html", u"x.html", u"\u00C4", u"\u00E4"},
+        {u"x.abcdefghijklmnopqr", u"", u"x.abcdefghijklmnopqr.html", u"x.html", u"", u"abcdefghijklmnopqr"},
+        {u"x.a-b", u"", u"x.a-b.html", u"x.html", u"", u"a-b"},
+        {u"x.", u"", u"x..html", u"x.html", u"", u""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(stringByDeletingFileComponent(c.path), c.parent) << utf8(c.path);
+        EXPECT_EQ(stringByAppendingPathExtensionIfNecessary(c.path, u"html"), c.appended) << utf8(c.path);
+        EXPECT_EQ(stringByReplacingPathExtensionWith(c.path, u"html"), c.replaced) << utf8(c.path);
+        EXPECT_EQ(validPathExtension(c.path), c.valid) << utf8(c.path);
+        const String lower = lowercasePathExtension(c.path);
+        EXPECT_EQ(lower.isAbsent() ? String(u"-") : lower, c.lower) << utf8(c.path);
+    }
+    const String path = u"x.html";
+    EXPECT_TRUE(stringByReplacingPathExtensionWith(path, u"html").isIdenticalTo(path));
+    EXPECT_TRUE(stringByAppendingPathExtensionIfNecessary(path, u"HTML").isIdenticalTo(path));
+    EXPECT_TRUE(stringByAppendingPathExtensionIfNecessary(path, String()).isIdenticalTo(path));
+    EXPECT_EQ(stringByReplacingPathExtensionWith(path, u""), u"x");
+    const std::vector<String> extensions{u"htm", u"HTML"};
+    EXPECT_TRUE(pathMatchingExtensions(u"/a/b.Html", extensions) &&
+                pathMatchingExtensionsOrTypes(u"b.htm", extensions));
+    EXPECT_FALSE(pathMatchingExtensions(u"/a/b.txt", extensions) || pathMatchingExtensions(u"b", extensions) ||
+                 pathMatchingExtensionsOrTypes(u"", extensions));
+    EXPECT_TRUE(isValidPathExtension(u"abcdefghijklmnopq") && isValidPathExtension(u"7z"));
+    EXPECT_FALSE(isValidPathExtension(u"abcdefghijklmnopqr") || isValidPathExtension(u"tar.gz") ||
+                 isValidPathExtension(u""));
+}
+
+TEST(Paths, NamesFitTheFileSystem) {
+    const std::u16string letters(300, u'a'), umlauts(300, u'\u00E4'), ideographs(300, u'\u4E00');
+    std::u16string emoji;
+    for (int i = 0; i < 100; ++i) emoji += u"\U0001F600";
+    const struct {
+        View name, extension;
+        std::size_t units;
+    } cases[] = {{letters, u"", 250},
+                 {umlauts, u"", 125},
+                 {ideographs, u"", 83},
+                 {emoji, u"", 124},
+                 {u"", u"", 0},
+                 {letters, u"html", 250},
+                 {umlauts, u"txt", 127},
+                 {u"a.txt", u"txt", 5},
+                 {u"a", u"txt", 5},
+                 {u"a\xD800"
+                  u"b",
+                  u"", 1},
+                 {u"a", u"abcdefghijklmnopqr", 1}};
+    for (const auto& c : cases) {
+        const String name = stringByCreatingFileSystemRepresentationByAppendingExtension(c.name, c.extension);
+        EXPECT_EQ(name.length(), c.units) << name;
+        EXPECT_LE(name.utf8().size(), 250u);
+        EXPECT_EQ(stringByCreatingFileSystemRepresentationByAppendingExtension(name, c.extension), name);
+        if (c.extension.empty()) { EXPECT_EQ(stringByCreatingFileSystemRepresentation(c.name), name); }
+    }
+    const struct {
+        View text, expected;
+    } names[] = {{u"..What? Why/How: x", u"What- Why-How- x"},
+                 {u"._:/", u""},
+                 {u"a*b<c>d\\e|f", u"a-b-c-d-e-f"},
+                 {u"a\u0308", u"\u00E4"},
+                 {u"", u""},
+                 {u"x.txt_", u"x.txt"}};
+    for (const auto& c : names) EXPECT_EQ(stringByCreatingFilename(c.text), c.expected);
+    EXPECT_EQ(stringByCreatingFilename(letters).length(), 250u);
+}
+
+}  // namespace
+}  // namespace velmo
