@@ -12,12 +12,19 @@ void addTextCommand(CLI::App& app, Session& session);
 void addLinksCommand(CLI::App& app, Session& session);
 void addWordsCommand(CLI::App& app, Session& session);
 void addMatchCommand(CLI::App& app, Session& session);
+void addLanguageCommand(CLI::App& app, Session& session);
+void addLinesCommand(CLI::App& app, Session& session);
+void addCleanCommand(CLI::App& app, Session& session);
+void addDigestCommand(CLI::App& app, Session& session);
+void addPackCommand(CLI::App& app, Session& session);
+void addUnpackCommand(CLI::App& app, Session& session);
 void addGatherCommand(CLI::App& app, Session& session);
 
 /// In the order of the help.
 inline constexpr void (*AllCommands[])(CLI::App&, Session&) = {
-    addGatherCommand,  addTextCommand,  addLinksCommand,
-    addCharsetCommand, addWordsCommand, addMatchCommand,
+    addGatherCommand, addTextCommand,   addLinksCommand,    addCharsetCommand,
+    addWordsCommand,  addMatchCommand,  addLanguageCommand, addLinesCommand,
+    addCleanCommand,  addDigestCommand, addPackCommand,     addUnpackCommand,
 };
 
 }  // namespace velmo::tool

@@ -4,9 +4,11 @@
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
+#include <velmocore/platform/Resources.h>
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/query/QueryTerms.h>
 #include <velmocore/words/Components.h>
+#include <velmocore/words/LanguageFilter.h>
 #include <velmocore/words/Separators.h>
 #include <velmocore/words/Words.h>
 
@@ -43,6 +45,7 @@ struct PageFile {
 struct GatheredPage {
     String title;
     std::string encoding;
+    String language;  ///< absent if it is not clear
     std::uint64_t words = 0;
     std::size_t links = 0;
     std::set<String> distinct;  ///< resolved
@@ -100,6 +103,11 @@ String excerptOf(const String& text, const QueryTerms& query) {
     return {};
 }
 
+const LanguageFilter& languageFilter() {
+    static const LanguageFilter filter(velmoResourcesDirectory());
+    return filter;
+}
+
 GatheredPage gather(const Page& page, const URL& url, const QueryTerms& query) {
     GatheredPage gathered;
     gathered.encoding = page.encoding;
@@ -114,6 +122,7 @@ GatheredPage gather(const Page& page, const URL& url, const QueryTerms& query) {
 
     const String text = stringByConvertingHtml2PlainText(page.units);
     gathered.words = numberOfWordsUsingDefaultSeparation(text);
+    gathered.language = languageFilter().languageOfText(text);
     gathered.matches = query.isValid() && query.matchesString(text, false);
     if (gathered.matches) gathered.excerpt = excerptOf(text, query);
     return gathered;
@@ -135,6 +144,7 @@ void printJson(Session& session, const std::string& file, const GatheredPage& pa
     session.printObject({{"file", text(file)},
                          {"title", text(page.title)},
                          {"encoding", page.encoding},
+                         {"language", text(page.language)},
                          {"words", page.words},
                          {"links", page.links},
                          {"distinct", page.distinct.size()},
@@ -145,7 +155,8 @@ void printJson(Session& session, const std::string& file, const GatheredPage& pa
 void printLines(Session& session, const std::string& file, const GatheredPage& page, bool asked) {
     session.printLine(file);
     session.printLine(fmt::format("  {}", page.title.isEmpty() ? "(no title)" : page.title.utf8()));
-    session.printLine(fmt::format("  {}, {} words, {} links, {} distinct{}", page.encoding,
+    session.printLine(fmt::format("  {}, {}, {} words, {} links, {} distinct{}", page.encoding,
+                                  page.language.isAbsent() ? "--" : page.language.utf8(),
                                   page.words, page.links, page.distinct.size(),
                                   !asked         ? ""
                                   : page.matches ? ", matches"

@@ -12,7 +12,8 @@
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/markup/TagPredicates.h>
-#include <velmocore/text/CharacterSets.h>
+#include <velmocore/text/Collapsing.h>
+#include <velmocore/text/Trimming.h>
 
 namespace velmo::tool {
 namespace {
@@ -68,15 +69,7 @@ String readableText(const std::string& file, const std::string& bytes) {
 }
 
 String singleLine(const String& string) {
-    StringBuilder out(string.length());
-    bool owed = false;
-    for (char16_t unit : string) {
-        const bool white = whiteCharacterSetRep().contains(unit);
-        if (!white && owed && !out.isEmpty()) out.append(u' ');
-        if (!white) out.append(unit);
-        owed = white;
-    }
-    return string.isAbsent() ? string : out.finish();
+    return stringByRemovingMultipleWhiteSpaces(stringByTrimmingSpacesAndFeeds(string, true));
 }
 
 void forEachFile(Session& session, const std::vector<std::string>& files,

@@ -15,8 +15,11 @@ constexpr const char* Overview =
     "  velmo charset *.html\n"
     "  velmo words --list notes.txt\n"
     "  velmo match '(cat OR dog) -bird' notes.txt page.html\n"
+    "  velmo language *.html\n"
+    "  velmo clean --unwrap --collapse mail.txt\n"
+    "  velmo digest --sha1 *.html\n"
     "\n"
-    "Reads pages and texts: charsets, plain text, links, words and queries.\n"
+    "Reads pages and texts: charsets, plain text, links, words, languages and queries.\n"
     "FILE may be -, which is standard input.\n"
     "Exit codes: 0 done or a hit, 1 no hit, 2 an input failed or the usage was wrong.\n";
 

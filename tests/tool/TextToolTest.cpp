@@ -1,0 +1,89 @@
+// The commands that work on plain text and on bytes.
+#include "ToolFixture.h"
+
+namespace velmo {
+namespace {
+
+TEST_F(Tool, TellsLanguages) {
+    const auto object = [&](const std::string& arguments) { return run("language --json " + arguments).lines().at(0); };
+    const std::string site = VELMO_PAGES "/";
+    for (const auto& [page, language, iso] :
+         {std::tuple("httpd-de-iso-8859-1.html", "DE", 0x4445), std::tuple("httpd-es-utf8.html", "ES", 0x4553),
+          std::tuple("httpd-ru-koi8-r.html", "RU", 0x5255)}) {
+        const Json found = object(site + page);
+        EXPECT_EQ(found["language"], language);
+        EXPECT_EQ(found["iso"], iso);
+        EXPECT_TRUE(found["ratio"].is_number());
+    }
+    const Json unclear = object(write("short.txt", "xyzzy"));
+    EXPECT_TRUE(unclear["language"].is_null() && unclear["iso"].is_null() && unclear["ratio"].is_null());
+    const std::string lists = write("StopWordsQQ", "ruq\nmuq\nluq\nduq\nbuq\n");
+    const std::string text = write("q.txt", "Ruq muq luq d\xC3\xBCq buq ruq muq luq buq.");
+    EXPECT_EQ(object("--lists " + folder_.string() + " " + text)["language"], "QQ");
+    EXPECT_EQ(run("language --lists " + (folder_ / "missing").string() + " " + text).code, 2);
+}
+
+TEST_F(Tool, CleansInTheOrderOfTheFlags) {
+    const struct {
+        const char *flags, *text, *expected;
+    } cases[] = {
+        {"--trim", " \n a  b \t", "a  b"},
+        {"--collapse", " a \n\t b ", " a b "},
+        {"--trim --collapse", " a \n b ", "a b"},
+        {"--feeds", "a\r\n\r\nb", "a\nb"},
+        {"--normalize=kc", "a\xCC\x88\xEF\xBD\x81", "\xC3\xA4\x61"},
+        {"--normalize=d", "\xC3\xA4", "a\xCC\x88"},
+        {"--ligatures", "\xEF\xAC\x81sh", "fish"},
+        {"--unwrap", "one\ntwo\n\n> three", "one two\n\n> three"},
+        {"--tabs=4", "a\tb", "a   b"},
+        {"--tabs=4 --collapse", "a\tb", "a b"},
+        {"--collapse --tabs=4", "a\tb", "a b"},
+        {"--feeds --tabs 2 --tabs 8", "a\tb", "a b"},
+        {"--unwrap --feeds", "one\n\ntwo", "one\ntwo"},
+        {"--feeds --unwrap", "one\n\ntwo", "one two"},
+        {"", " a ", " a "},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(run(std::string("clean --json ") + c.flags + " -", c.text).lines().at(0)["text"], c.expected)
+            << c.flags;
+    for (const char* wrong : {"clean --normalize=x -", "clean --tabs=0 -", "clean --tabs=x -", "clean"})
+        EXPECT_EQ(run(wrong).code, 2) << wrong;
+}
+
+TEST_F(Tool, TakesLinesApart) {
+    const Outcome outcome = run("lines --json -", "one\r\n\ntwo");
+    EXPECT_EQ(outcome.lines().at(0)["lines"], Json({"one\r\n", "\n", "two"}));
+    EXPECT_EQ(run("lines -", "one\r\n\ntwo").out, "one\n\ntwo\n");
+}
+
+TEST_F(Tool, PrintsDigests) {
+    const std::string file = write("digits", "123456789");
+    const Json all = run("digest --json --md5 --sha1 --crc " + file).lines().at(0);
+    EXPECT_EQ(all["md5"], "25f9e794323b453885f5181f1b624d0b");
+    EXPECT_EQ(all["sha1"], "f7c3bc1d808e04732adf679965ccc34ca7ae3441");
+    EXPECT_EQ(all["crc"], "2dfd2d88");
+    EXPECT_EQ(run("digest --crc " + write("empty", "")).out, "00000000  " + (folder_ / "empty").string() + "\n");
+    EXPECT_EQ(run("digest " + file).code, 2);
+}
+
+TEST_F(Tool, PacksAndUnpacks) {
+    const std::string text = test::readPage("httpd-es-utf8.html"), file = write("page.html", text);
+    for (const auto& [flags, suffix] : {std::pair("", ".gz"), std::pair("--zlib --level 9", ".z")}) {
+        const Json packed = run(std::string("pack --json ") + flags + " " + file).lines().at(0);
+        EXPECT_EQ(packed["output"], file + suffix);
+        EXPECT_LT(packed["after"].get<std::size_t>(), text.size() / 2);
+        EXPECT_EQ(run(std::string("pack ") + flags + " " + file).code, 2);  // is there already
+        EXPECT_EQ(run("unpack --stdout " + file + suffix).out, text);
+        EXPECT_EQ(run("unpack " + file + suffix).code, 2);
+        std::filesystem::remove(file);
+        EXPECT_EQ(run("unpack " + file + suffix).code, 0);
+        EXPECT_EQ(read("page.html"), text);
+        EXPECT_EQ(run("unpack --force " + file + suffix).code, 0);
+        EXPECT_EQ(run("unpack --stdout --limit 100 " + file + suffix).code, 2);
+    }
+    EXPECT_EQ(run("unpack " + file).code, 2);
+    EXPECT_EQ(run("pack -", "").code, 2);
+}
+
+}  // namespace
+}  // namespace velmo
