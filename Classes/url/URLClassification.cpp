@@ -7,9 +7,9 @@
 #include <velmocore/text/CharacterTests.h>
 
 #include "text/Keyword.h"
+#include "text/PathParts.h"
 #include "url/ClassificationTables.h"
 #include "url/KeywordAutomaton.h"
-#include "url/PathParts.h"
 
 namespace velmo {
 namespace {
