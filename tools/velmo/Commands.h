@@ -18,13 +18,14 @@ void addCleanCommand(CLI::App& app, Session& session);
 void addDigestCommand(CLI::App& app, Session& session);
 void addPackCommand(CLI::App& app, Session& session);
 void addUnpackCommand(CLI::App& app, Session& session);
+void addUrlCommand(CLI::App& app, Session& session);
 void addGatherCommand(CLI::App& app, Session& session);
 
 /// In the order of the help.
 inline constexpr void (*AllCommands[])(CLI::App&, Session&) = {
-    addGatherCommand, addTextCommand,   addLinksCommand,    addCharsetCommand,
-    addWordsCommand,  addMatchCommand,  addLanguageCommand, addLinesCommand,
-    addCleanCommand,  addDigestCommand, addPackCommand,     addUnpackCommand,
+    addGatherCommand, addTextCommand,     addLinksCommand, addCharsetCommand, addWordsCommand,
+    addMatchCommand,  addLanguageCommand, addLinesCommand, addCleanCommand,   addDigestCommand,
+    addPackCommand,   addUnpackCommand,   addUrlCommand,
 };
 
 }  // namespace velmo::tool

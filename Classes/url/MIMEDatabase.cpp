@@ -1,0 +1,97 @@
+#include "url/MIMEDatabase.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <memory>
+
+namespace velmo::detail {
+namespace {
+
+constexpr const char* InstalledGlobs = "/usr/share/mime/globs2";
+/// Far more than any machine has.
+constexpr std::size_t MostBytes = 4u << 20;
+
+/// What the database itself gives to a glob without a weight.
+constexpr int DefaultWeight = 50;
+
+std::string readInstalledGlobs() {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+        std::fopen(InstalledGlobs, "rb"), [](std::FILE* open) { return std::fclose(open); });
+    std::string text;
+    if (!file) return text;
+    char block[16384];
+    while (text.size() < MostBytes) {
+        const std::size_t count = std::fread(block, 1, sizeof block, file.get());
+        if (count == 0) break;
+        text.append(block, count);
+    }
+    return text;
+}
+
+/// What stands in front of the separator, which goes too; all of the rest if there is none.
+std::string_view cutField(std::string_view& rest, char separator) {
+    const std::size_t end = std::min(rest.find(separator), rest.size());
+    const std::string_view field = rest.substr(0, end);
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+    return field;
+}
+
+/// Our own type of an extension; empty if it has none.
+std::string_view ownTypeOf(std::string_view extension) {
+    const auto rows = mimeRows();
+    const auto row = std::find_if(rows.begin(), rows.end(), [extension](const MIMERow& candidate) {
+        return candidate.extension == extension;
+    });
+    return row == rows.end() ? std::string_view() : row->type;
+}
+
+}  // namespace
+
+MIMEDatabase::MIMEDatabase(std::string_view globs) {
+    for (const MIMERow& row : mimeRows())
+        extensions_.try_emplace(std::string(row.type), row.extension);
+    while (!globs.empty()) addLine(cutField(globs, '\n'));
+    for (const MIMERow& row : mimeRows()) add(row.extension, row.type, -1);
+}
+
+const MIMEDatabase& MIMEDatabase::installed() {
+    static const MIMEDatabase database(readInstalledGlobs());
+    return database;
+}
+
+void MIMEDatabase::addLine(std::string_view line) {
+    if (line.starts_with('#')) return;
+    const std::string_view number = cutField(line, ':');
+    const std::string_view type = cutField(line, ':');
+    const std::string_view glob = cutField(line, ':');
+    const bool respectsCase = line == "cs";
+    if (respectsCase || type.empty() || glob.size() < 3 || !glob.starts_with("*.")) return;
+    const std::string_view extension = glob.substr(2);
+    if (extension.find_first_of("*?[]") != extension.npos) return;
+    int weight = DefaultWeight;
+    std::from_chars(number.data(), number.data() + number.size(), weight);
+    add(extension, type, std::max(weight, 0));
+}
+
+void MIMEDatabase::add(std::string_view extension, std::string_view type, int weight) {
+    const auto [entry, isNew] =
+        types_.try_emplace(std::string(extension), Type{std::string(type), weight});
+    Type& known = entry->second;
+    if (!isNew &&
+        (weight > known.weight || (weight == known.weight && type == ownTypeOf(extension))))
+        known = {std::string(type), weight};
+    extensions_.try_emplace(std::string(type), extension);
+}
+
+std::string_view MIMEDatabase::typeOf(std::string_view extension) const {
+    const auto entry = types_.find(std::string(extension));
+    return entry == types_.end() ? std::string_view() : entry->second.name;
+}
+
+std::string_view MIMEDatabase::extensionOf(std::string_view type) const {
+    const auto entry = extensions_.find(std::string(type));
+    return entry == extensions_.end() ? std::string_view() : entry->second;
+}
+
+}  // namespace velmo::detail

@@ -1,0 +1,146 @@
+#include "url/MIMEDatabase.h"
+
+namespace velmo::detail {
+namespace {
+
+// clang-format off: one row a line
+
+/// 118 extensions that the web is made of, and their registered types. Of the rows with one
+/// type the first has the extension that is best given; rows are grouped by kind.
+constexpr MIMERow Rows[] = {
+    // pages and their parts
+    {"html", "text/html"},
+    {"htm", "text/html"},
+    {"shtml", "text/html"},
+    {"xhtml", "application/xhtml+xml"},
+    {"xht", "application/xhtml+xml"},
+    {"css", "text/css"},
+    {"js", "text/javascript"},
+    {"mjs", "text/javascript"},
+    {"json", "application/json"},
+    {"map", "application/json"},
+    {"wasm", "application/wasm"},
+    {"webmanifest", "application/manifest+json"},
+    {"webarchive", "application/x-webarchive"},
+    {"mht", "multipart/related"},
+    {"mhtml", "multipart/related"},
+    // markup
+    {"xml", "application/xml"},
+    {"xsl", "application/xml"},
+    {"xsd", "application/xml"},
+    {"xslt", "application/xslt+xml"},
+    {"dtd", "application/xml-dtd"},
+    {"atom", "application/atom+xml"},
+    {"rss", "application/rss+xml"},
+    {"rdf", "application/rdf+xml"},
+    {"opml", "text/x-opml+xml"},
+    {"sgml", "text/sgml"},
+    {"sgm", "text/sgml"},
+    {"wml", "text/vnd.wap.wml"},
+    {"wsdl", "application/wsdl+xml"},
+    {"mathml", "application/mathml+xml"},
+    {"svg", "image/svg+xml"},
+    {"svgz", "image/svg+xml"},
+    // text
+    {"txt", "text/plain"},
+    {"text", "text/plain"},
+    {"log", "text/plain"},
+    {"conf", "text/plain"},
+    {"csv", "text/csv"},
+    {"tsv", "text/tab-separated-values"},
+    {"md", "text/markdown"},
+    {"markdown", "text/markdown"},
+    {"ics", "text/calendar"},
+    {"vcf", "text/vcard"},
+    {"bib", "text/x-bibtex"},
+    {"tex", "text/x-tex"},
+    {"srt", "application/x-subrip"},
+    {"vtt", "text/vtt"},
+    // documents
+    {"pdf", "application/pdf"},
+    {"ps", "application/postscript"},
+    {"eps", "application/postscript"},
+    {"ai", "application/postscript"},
+    {"rtf", "application/rtf"},
+    {"epub", "application/epub+zip"},
+    {"doc", "application/msword"},
+    {"dot", "application/msword"},
+    {"docx", "application/vnd.openxmlformats-officedocument.wordprocessingml.document"},
+    {"xls", "application/vnd.ms-excel"},
+    {"xlsx", "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet"},
+    {"ppt", "application/vnd.ms-powerpoint"},
+    {"pps", "application/vnd.ms-powerpoint"},
+    {"pptx", "application/vnd.openxmlformats-officedocument.presentationml.presentation"},
+    {"odt", "application/vnd.oasis.opendocument.text"},
+    {"ott", "application/vnd.oasis.opendocument.text-template"},
+    {"ods", "application/vnd.oasis.opendocument.spreadsheet"},
+    {"odp", "application/vnd.oasis.opendocument.presentation"},
+    {"sxw", "application/vnd.sun.xml.writer"},
+    {"stw", "application/vnd.sun.xml.writer.template"},
+    {"wpd", "application/vnd.wordperfect"},
+    // images
+    {"jpg", "image/jpeg"},
+    {"jpeg", "image/jpeg"},
+    {"jpe", "image/jpeg"},
+    {"jfif", "image/jpeg"},
+    {"png", "image/png"},
+    {"gif", "image/gif"},
+    {"webp", "image/webp"},
+    {"avif", "image/avif"},
+    {"heic", "image/heic"},
+    {"bmp", "image/bmp"},
+    {"ico", "image/vnd.microsoft.icon"},
+    {"tiff", "image/tiff"},
+    {"tif", "image/tiff"},
+    {"ief", "image/ief"},
+    // sound
+    {"mp3", "audio/mpeg"},
+    {"mpga", "audio/mpeg"},
+    {"m4a", "audio/mp4"},
+    {"aac", "audio/aac"},
+    {"wav", "audio/x-wav"},
+    {"aiff", "audio/x-aiff"},
+    {"aif", "audio/x-aiff"},
+    {"flac", "audio/flac"},
+    {"oga", "audio/ogg"},
+    {"ogg", "audio/ogg"},
+    {"opus", "audio/ogg"},
+    {"mid", "audio/midi"},
+    {"midi", "audio/midi"},
+    {"au", "audio/basic"},
+    {"m3u", "audio/x-mpegurl"},
+    // moving pictures
+    {"mp4", "video/mp4"},
+    {"m4v", "video/mp4"},
+    {"mpg", "video/mpeg"},
+    {"mpeg", "video/mpeg"},
+    {"mov", "video/quicktime"},
+    {"qt", "video/quicktime"},
+    {"avi", "video/x-msvideo"},
+    {"wmv", "video/x-ms-wmv"},
+    {"webm", "video/webm"},
+    {"ogv", "video/ogg"},
+    {"ts", "video/mp2t"},
+    {"m3u8", "application/vnd.apple.mpegurl"},
+    {"swf", "application/vnd.adobe.flash.movie"},
+    // archives
+    {"zip", "application/zip"},
+    {"gz", "application/gzip"},
+    {"bz2", "application/x-bzip2"},
+    {"7z", "application/x-7z-compressed"},
+    {"rar", "application/vnd.rar"},
+    {"tar", "application/x-tar"},
+    {"jar", "application/java-archive"},
+    {"torrent", "application/x-bittorrent"},
+    {"bin", "application/octet-stream"},
+    {"woff2", "font/woff2"},
+};
+static_assert(std::size(Rows) == 118);
+
+// clang-format on
+
+}  // namespace
+
+std::span<const MIMERow> mimeRows() noexcept { return Rows; }
+
+}  // namespace velmo::detail
