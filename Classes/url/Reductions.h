@@ -4,6 +4,8 @@
 
 #include <string_view>
 
+#include <velmocore/url/URL.h>
+
 #include "url/GapText.h"
 
 namespace velmo::detail {
@@ -17,6 +19,9 @@ std::size_t endOfPlainPath(std::u16string_view text) noexcept;
 bool isStandardized(std::u16string_view text) noexcept;
 /// Collapses slashes and cuts trailing dots off, in place. Gives the new length.
 std::size_t standardize(char16_t* units, std::size_t length) noexcept;
+
+/// The text of a URL without user and password; the same string if it has neither.
+String withoutCredentials(const URL& url);
 
 void removeSessionIDs(GapText& text);
 

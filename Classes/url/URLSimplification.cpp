@@ -2,13 +2,12 @@
 
 #include <velmocore/text/Comparison.h>
 #include <velmocore/text/Normalisation.h>
-#include <velmocore/text/Replacing.h>
+#include <velmocore/text/Paths.h>
 #include <velmocore/url/PercentEscapes.h>
 
 #include "text/Keyword.h"
 #include "text/Trim.h"
 #include "text/UnitScan.h"
-#include "url/Grammar.h"
 #include "url/Parameters.h"
 #include "url/Reductions.h"
 
@@ -70,6 +69,19 @@ std::size_t standardize(char16_t* units, std::size_t length) noexcept {
     if (end == length) return lengthWithoutDots({units, write});
     std::char_traits<char16_t>::move(units + write, units + end, length - end);
     return write + length - end;
+}
+
+String withoutCredentials(const URL& url) {
+    const String& string = url.absoluteString();
+    const Units user = url.part(URLPart::User), password = url.part(URLPart::Password);
+    if (!user.data()) return string;  // without one there is no password either
+    const Units last = password.data() ? password : user;
+    const auto start = static_cast<std::size_t>(user.data() - string.characters());
+    const auto end = static_cast<std::size_t>(last.data() - string.characters()) + last.size();
+    StringBuilder out(string.length());
+    out.append(string.view().substr(0, start));
+    out.append(string.view().substr(end + 1));
+    return out.finish();
 }
 
 }  // namespace detail
@@ -227,14 +239,8 @@ String stringURLWithoutScheme(const String& string) {
 
 String stringURLWithoutCredentials(const String& string) {
     if (string.isEmpty() || string[0] == u'/' || string[0] == u'~') return string;
-    grammar::Reference url{string, {}};
-    if (!grammar::cut(string, url.parts) || !url.has(URLPart::User)) return string;
-    const grammar::Span& user = url.parts[URLPart::User];
-    const grammar::Span& password = url.parts[URLPart::Password];
-    StringBuilder out(string.length());
-    out.append(url.text.substr(0, user.location));
-    out.append(url.text.substr((password.isPresent() ? password : user).end() + 1));
-    return out.finish();
+    const URL url = URL::URLWithString(string);
+    return url.isAbsent() ? string : withoutCredentials(url);
 }
 
 String displayStringURL(const String& string) {
@@ -297,6 +303,46 @@ String simplifiedStringURL(const String& string, const SimplifyOptions& options)
     unifyScheme(text);
     text.truncate(withoutSuffixSlashes(text.view()).size());
     return lowercased(text, string);
+}
+
+// The forms of a URL.
+
+namespace {
+
+/// What a reduction makes of the whole URL; of a file URL it is the path.
+template <class Reduce>
+String reduced(const URL& url, Reduce reduce) {
+    return url.isFileURL() ? standardizedPath(url.path()) : reduce(url.absoluteString());
+}
+
+}  // namespace
+
+String standardizedStringURL(const URL& url) {
+    return reduced(url, [](const String& string) { return standardizedStringURL(string); });
+}
+String stringURLWithoutAnchor(const URL& url) {
+    return stringURLWithoutAnchor(url.absoluteString());
+}
+String stringURLByRemovingSessionIDs(const URL& url) {
+    return reduced(url, [](const String& string) { return stringURLByRemovingSessionIDs(string); });
+}
+String stringURLByRemovingAnalytics(const URL& url) {
+    return reduced(url, [](const String& string) { return stringURLByRemovingAnalytics(string); });
+}
+String stringURLByRemovingIndexPages(const URL& url) {
+    return reduced(url, [](const String& string) { return stringURLByRemovingIndexPages(string); });
+}
+String stringURLByRemovingEmptyParams(const URL& url) {
+    return reduced(url,
+                   [](const String& string) { return stringURLByRemovingEmptyParams(string); });
+}
+String stringURLByRemovingQueryParam(const URL& url, Units name) {
+    return reduced(
+        url, [name](const String& string) { return stringURLByRemovingQueryParam(string, name); });
+}
+String simplifiedStringURL(const URL& url, const SimplifyOptions& options) {
+    return reduced(
+        url, [&options](const String& string) { return simplifiedStringURL(string, options); });
 }
 
 bool isEqualToStringURL(const String& string, const String& other) {
