@@ -5,12 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include <velmocore/platform/Export.h>
 #include <velmocore/text/Replacing.h>
 
 namespace velmo::detail {
 
 /// The format with its conversions filled in; see replaceStringWithFormat().
-std::u16string formatted(std::u16string_view format,
-                         std::initializer_list<FormatArgument> arguments);
+VELMO_API std::u16string formatted(std::u16string_view format,
+                                   std::initializer_list<FormatArgument> arguments);
 
 }  // namespace velmo::detail

@@ -126,15 +126,21 @@ bool cutAuthority(std::u16string_view text, std::uint32_t start, Parts& parts) n
     return true;
 }
 
-/// Cuts the path from start on, and its parameters. Gives its end.
-std::uint32_t cutPath(std::u16string_view text, std::uint32_t start, Parts& parts) noexcept {
-    const std::uint32_t end = skip(text, start, InPath);
+/// Tells path and parameters apart; what is a path stands from start to end.
+void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t end,
+                   Parts& parts) noexcept {
     std::uint32_t pathEnd = end;
     if (!keyword::equals(parts[URLPart::Scheme].of(text), "FILE")) {
         pathEnd = find(text.substr(0, end), u';', start);
         if (pathEnd < end) parts[URLPart::Parameters] = {pathEnd + 1, end - pathEnd - 1};
     }
     parts[URLPart::Path] = {start, pathEnd - start};
+}
+
+/// Cuts the path from start on, and its parameters. Gives its end.
+std::uint32_t cutPath(std::u16string_view text, std::uint32_t start, Parts& parts) noexcept {
+    const std::uint32_t end = skip(text, start, InPath);
+    notePathParts(text, start, end, parts);
     return end;
 }
 
@@ -168,20 +174,33 @@ std::size_t removeDotSegments(char16_t* path, std::size_t length) noexcept {
     return write;
 }
 
-/// Writes a URL from its parts; of the path, the dot segments go.
+/// Writes a URL from parts of others, and notes where they stand in it; of the path, the dot
+/// segments go.
 class Composer {
 public:
     explicit Composer(std::size_t room) : out_(room + 8) {}
 
     void scheme(const Reference& from) { part(u"", from, URLPart::Scheme, u":"); }
     void authority(const Reference& from) {
-        hasAuthority_ = from.has(URLPart::Authority);
-        part(u"//", from, URLPart::Authority, u"");
+        specifier_ = out_.length();
+        if (!part(u"//", from, URLPart::Authority, u"")) return;
+        const std::uint32_t start = parts_[URLPart::Authority].location;
+        for (URLPart inner : {URLPart::User, URLPart::Password, URLPart::Host, URLPart::Port}) {
+            if (!from.has(inner)) continue;
+            const Span& span = from.parts[inner];
+            parts_[inner] = {start + span.location - from.parts[URLPart::Authority].location,
+                             span.length};
+        }
     }
     void query(const Reference& from) { part(u"?", from, URLPart::Query, u""); }
     void fragment(const Reference& from) { part(u"#", from, URLPart::Fragment, u""); }
-    void path(std::u16string_view units) { out_.append(units); }
 
+    /// The path as it is.
+    void path(std::u16string_view units) {
+        const std::size_t start = out_.length();
+        out_.append(units);
+        notePath(start);
+    }
     /// The path is directory and rest, behind each other.
     void path(std::u16string_view directory, std::u16string_view rest) {
         const std::size_t start = out_.length();
@@ -190,21 +209,37 @@ public:
         const std::size_t written = out_.length() - start;
         if (written) out_.truncate(start + removeDotSegments(out_.data() + start, written));
         guardPath(start);
+        notePath(start);
     }
-    String finish() { return out_.finish(); }
+    Composed finish() {
+        if (out_.length() >= Span::Missing) return {};
+        parts_[URLPart::ResourceSpecifier] = spanFrom(specifier_);
+        return {out_.finish(), parts_};
+    }
 
 private:
-    void part(std::u16string_view before, const Reference& from, URLPart part,
+    Span spanFrom(std::size_t start) const {
+        return {static_cast<std::uint32_t>(start),
+                static_cast<std::uint32_t>(out_.length() - start)};
+    }
+    bool part(std::u16string_view before, const Reference& from, URLPart part,
               std::u16string_view behind) {
-        if (!from.has(part)) return;
+        if (!from.has(part)) return false;
         out_.append(before);
+        const std::size_t start = out_.length();
         out_.append(from[part]);
+        parts_[part] = spanFrom(start);
         out_.append(behind);
+        return true;
+    }
+    void notePath(std::size_t start) {
+        const auto location = static_cast<std::uint32_t>(start);
+        notePathParts(out_.view(), location, static_cast<std::uint32_t>(out_.length()), parts_);
     }
     /// What is left of a path may look like an authority, or its first component like a
     /// scheme. A dot segment in front keeps it a path.
     void guardPath(std::size_t start) {
-        if (hasAuthority_) return;
+        if (parts_[URLPart::Authority].isPresent()) return;
         const std::u16string_view written = out_.view().substr(start);
         std::u16string_view guard;
         if (written.starts_with(u"//"))
@@ -220,7 +255,8 @@ private:
     }
 
     StringBuilder out_;
-    bool hasAuthority_ = false;
+    Parts parts_;
+    std::size_t specifier_ = 0;  ///< where the resource specifier starts
 };
 
 }  // namespace
@@ -266,7 +302,7 @@ bool cut(std::u16string_view text, Parts& parts) noexcept {
     return i == end;
 }
 
-String resolved(const Reference& reference, const Reference& base) {
+Composed resolved(const Reference& reference, const Reference& base) {
     Composer target(reference.text.size() + base.text.size());
     if (reference.has(URLPart::Scheme)) {
         target.scheme(reference);
@@ -302,7 +338,7 @@ String resolved(const Reference& reference, const Reference& base) {
     return target.finish();
 }
 
-String withoutDotSegments(const Reference& reference) {
+Composed withoutDotSegments(const Reference& reference) {
     Composer target(reference.text.size());
     target.scheme(reference);
     target.authority(reference);

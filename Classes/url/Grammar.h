@@ -55,11 +55,17 @@ struct Reference {
     std::u16string_view wholePath() const noexcept { return parts.wholePath().of(text); }
 };
 
+/// A URL that was put together, with its parts. Absent if it is too long.
+struct Composed {
+    String text;
+    Parts parts;
+};
+
 /// The reference resolved against the base, as RFC 3986 tells it in 5.2.2 (strict).
-String resolved(const Reference& reference, const Reference& base);
+Composed resolved(const Reference& reference, const Reference& base);
 
 /// The text with the dot segments of its path removed.
-String withoutDotSegments(const Reference& reference);
+Composed withoutDotSegments(const Reference& reference);
 
 /// Whether the unit may stand in a path as it is, slashes included.
 bool isPathUnit(char16_t unit) noexcept;

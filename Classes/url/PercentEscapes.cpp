@@ -1,9 +1,11 @@
 #include <velmocore/url/PercentEscapes.h>
 
 #include <algorithm>
+#include <array>
 
-#include <velmocore/text/CharacterSets.h>
+#include <velmocore/text/Collapsing.h>
 
+#include "text/UnitScan.h"
 #include "url/Escapes.h"
 #include "url/Grammar.h"
 
@@ -13,13 +15,30 @@ namespace {
 using Units = std::u16string_view;
 
 using escapes::escapeAt;
+using namespace std::string_view_literals;
 
-constexpr bool isIn(Units list, int value) {
-    return list.find(static_cast<char16_t>(value)) != list.npos;
+/// Some of the first 256 units.
+using UnitTable = std::array<bool, 256>;
+constexpr UnitTable tableOf(Units units) {
+    UnitTable table{};
+    for (char16_t unit : units) table[unit] = true;
+    return table;
 }
 
-constexpr Units StandardDecoded = u"\t\n\r $%&'+/:;=@~";
-constexpr Units StandardEscaped = u" #$%&+/:;=?@";
+constexpr UnitTable StandardDecoded = tableOf(u"\t\n\r $%&'+/:;=@~");
+constexpr UnitTable StandardEscaped = tableOf(u" #$%&+/:;=?@");
+
+constexpr UnitTable ASCII = [] {
+    UnitTable table{};
+    std::fill_n(table.begin(), 128, true);
+    return table;
+}();
+constexpr UnitTable ASCIIEscaped = [] {
+    UnitTable table = ASCII;
+    for (char16_t unit : u"0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"sv)
+        table[unit] = false;
+    return table;
+}();
 
 String stringByReplacing(const String& string, bool standard) {
     const std::size_t first = string.view().find(u'%');
@@ -30,25 +49,25 @@ String stringByReplacing(const String& string, bool standard) {
     return out.length() == string.length() ? string : out.finish();
 }
 
-template <class NeedsEscape>
-String stringByEscapingUnits(const String& string, NeedsEscape needsEscape) {
-    const auto* first = std::find_if(string.begin(), string.end(), needsEscape);
-    if (first == string.end()) return string;
+String stringByEscapingUnits(const String& string, const UnitTable& escaped) {
+    const auto isEscaped = [&escaped](char16_t unit) { return unit < 256 && escaped[unit]; };
+    const auto escapes = std::count_if(string.begin(), string.end(), isEscaped);
+    if (escapes == 0) return string;
     constexpr char16_t Digits[] = u"0123456789abcdef";
-    StringBuilder out(string.length() + string.length() / 2 + 8);
+    const std::size_t length = string.length() + 2 * static_cast<std::size_t>(escapes);
+    StringBuilder out;
+    char16_t* write = out.prepare(length);
     for (char16_t unit : string) {
-        if (!needsEscape(unit)) {
-            out.append(unit);
+        if (!isEscaped(unit)) {
+            *write++ = unit;
             continue;
         }
-        const char16_t escape[] = {u'%', Digits[unit >> 4], Digits[unit & 15]};
-        out.append(Units(escape, 3));
+        *write++ = u'%';
+        *write++ = Digits[unit >> 4];
+        *write++ = Digits[unit & 15];
     }
+    out.commit(length);
     return out.finish();
-}
-
-bool isAlphanumeric(char16_t unit) {
-    return (unit >= u'0' && unit <= u'9') || ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z');
 }
 
 /// Whether the units and their escapes are where a URL holds them: an escape, the # of the
@@ -100,40 +119,24 @@ private:
     std::size_t open_ = Units::npos, close_ = Units::npos;
 };
 
-/// Every run of white space as one blank.
-String stringByRemovingMultipleWhiteSpaces(const String& string) {
-    const CharacterSetRep& white = whiteCharacterSetRep();
-    StringBuilder out(string.length());
-    for (char16_t unit : string) {
-        if (!white.contains(unit))
-            out.append(unit);
-        else if (out.isEmpty() || out.back() != u' ')
-            out.append(u' ');
-    }
-    return string.isAbsent() ? string : out.finish();
-}
-
 }  // namespace
 
 std::size_t convertPercentEscapesOfURL(char16_t* characters, std::size_t length,
                                        bool standard) noexcept {
-    const Units text(characters, length);
-    if (length < 3) return length;
-    const bool decodesQuestionMark = standard && text.find(u'?') == text.npos;
-    std::size_t write = std::min(text.find(u'%'), length);
-    for (std::size_t read = write; read < length; ++read) {
-        const int value = escapeAt(text, read);
-        const bool decodes = standard ? value >= 0 && (isIn(StandardDecoded, value) ||
-                                                       (value == u'?' && decodesQuestionMark))
-                                      : value >= 0 && value < 128;
-        if (decodes) {
-            characters[write++] = static_cast<char16_t>(value);
-            read += 2;
-        } else {
-            characters[write++] = characters[read];
-        }
+    const char16_t* const end = characters + length;
+    const char16_t* read = scan::find(characters, end, u'%');
+    if (end - read < 3) return length;
+    const bool decodesQuestionMark = standard && scan::find(characters, end, u'?') == end;
+    const UnitTable& decoded = standard ? StandardDecoded : ASCII;
+    char16_t* write = characters + (read - characters);
+    while (read < end) {
+        const int value = escapeAt({read, static_cast<std::size_t>(end - read)}, 0);
+        const bool decodes = value >= 0 && (decoded[static_cast<std::size_t>(value)] ||
+                                            (value == u'?' && decodesQuestionMark));
+        *write++ = decodes ? static_cast<char16_t>(value) : *read;
+        read += decodes ? 3 : 1;
     }
-    return write;
+    return static_cast<std::size_t>(write - characters);
 }
 
 String stringByReplacingStandardPercentEscapesOfURL(const String& string) {
@@ -149,12 +152,11 @@ String stringByReplacingPercentEscapesOfURL(const String& string, StringEncoding
 }
 
 String stringByAddingStandardPercentEscapesToURL(const String& string) {
-    return stringByEscapingUnits(string, [](char16_t unit) { return isIn(StandardEscaped, unit); });
+    return stringByEscapingUnits(string, StandardEscaped);
 }
 
 String stringByAddingASCIIPercentEscapesToURL(const String& string) {
-    return stringByEscapingUnits(string,
-                                 [](char16_t unit) { return unit < 128 && !isAlphanumeric(unit); });
+    return stringByEscapingUnits(string, ASCIIEscaped);
 }
 
 String stringByAddingPercentEscapesToURL(const String& string,

@@ -5,9 +5,9 @@
 #include <ostream>
 
 #include "text/Keyword.h"
+#include "text/PathParts.h"
 #include "url/Escapes.h"
 #include "url/Grammar.h"
-#include "text/PathParts.h"
 
 namespace velmo {
 
@@ -16,6 +16,14 @@ struct URL::Rep {
     grammar::Parts parts;
 
     grammar::Reference reference() const { return {string, parts}; }
+
+    /// The URL of a text whose parts are known.
+    static URL urlOf(const String& string, const grammar::Parts& parts) {
+        return string.isAbsent() ? URL() : URL(std::make_shared<const Rep>(Rep{string, parts}));
+    }
+    static URL urlOf(const grammar::Composed& composed) {
+        return urlOf(composed.text, composed.parts);
+    }
 };
 
 namespace {
@@ -45,7 +53,7 @@ URL URL::URLWithString(const String& string) {
     if (string.isAbsent()) return {};
     grammar::Parts parts;
     if (!grammar::cut(string, parts)) return {};
-    return URL(std::make_shared<const Rep>(Rep{string, parts}));
+    return Rep::urlOf(string, parts);
 }
 
 URL URL::URLWithString(const String& string, const URL& base) {
@@ -54,8 +62,8 @@ URL URL::URLWithString(const String& string, const URL& base) {
     grammar::Reference reference{string, {}};
     if (!grammar::cut(string, reference.parts)) return {};
     if (reference.has(URLPart::Scheme) && !hasDotSegments(reference.wholePath()))
-        return URL(std::make_shared<const Rep>(Rep{string, reference.parts}));
-    return URLWithString(grammar::resolved(reference, base.rep_->reference()));
+        return Rep::urlOf(string, reference.parts);
+    return Rep::urlOf(grammar::resolved(reference, base.rep_->reference()));
 }
 
 URL URL::fileURLWithPath(const String& path) {
@@ -103,7 +111,7 @@ bool URL::isFileURL() const noexcept { return keyword::equals(part(URLPart::Sche
 
 URL URL::standardizedURL() const {
     if (isAbsent() || !hasDotSegments(rep_->reference().wholePath())) return *this;
-    return URLWithString(grammar::withoutDotSegments(rep_->reference()));
+    return Rep::urlOf(grammar::withoutDotSegments(rep_->reference()));
 }
 
 std::ostream& operator<<(std::ostream& stream, const URL& url) {

@@ -5,6 +5,7 @@
 #include <velmocore/url/PercentEscapes.h>
 #include <velmocore/url/URLSchemes.h>
 
+#include "text/Format.h"
 #include "text/Keyword.h"
 
 namespace velmo {
@@ -33,21 +34,8 @@ std::u16string_view impliedScheme(std::u16string_view string) {
 
 }  // namespace
 
-URL URLWithFormat(std::u16string_view format, std::initializer_list<String> arguments) {
-    if (format.empty()) return {};
-    StringBuilder out(format.size() * 2);
-    const String* argument = arguments.begin();
-    for (std::size_t i = 0; i < format.size(); ++i) {
-        const char16_t next = format[i] == u'%' && i + 1 < format.size() ? format[i + 1] : u'\0';
-        if (next == u'@' && argument != arguments.end())
-            out.append(*argument++);
-        else if (next == u'%')
-            out.append(u'%');
-        else if (next != u'@')
-            out.append(format[i]);
-        i += next == u'@' || next == u'%';
-    }
-    return URL::URLWithString(out.finish());
+URL URLWithFormat(std::u16string_view format, std::initializer_list<FormatArgument> arguments) {
+    return format.empty() ? URL() : URL::URLWithString(detail::formatted(format, arguments));
 }
 
 URL URLWithStringOrPath(const String& string) {
@@ -59,7 +47,7 @@ URL URLWithStringOrPath(const String& string) {
     if (hasScheme(url)) return url;
     if (string.view().find(u"://") != std::u16string_view::npos) return {};
     const std::u16string_view scheme = impliedScheme(string);
-    return scheme.empty() ? URL() : ifItHasScheme(URLWithFormat(u"%@%@", {scheme, string}));
+    return scheme.empty() ? URL() : ifItHasScheme(URLWithFormat(u"%@%@", {String(scheme), string}));
 }
 
 URL URLWithNormalizedStringURL(const String& string, StringEncoding encoding) {

@@ -47,9 +47,12 @@ TEST(URLConstruction, SuppliesSchemes) {
 }
 
 TEST(URLConstruction, Formats) {
-    EXPECT_EQ(URLWithFormat(u"%@://%@/%%20%@", {u"x", u"h"}).absoluteString(), u"x://h/%20");
+    EXPECT_EQ(URLWithFormat(u"%@://%@/%%20%@", {u"x", u"h", String()}).absoluteString(), u"x://h/%20");
     EXPECT_EQ(URLWithFormat(u"a%@b", {String()}).absoluteString(), u"ab");
+    EXPECT_EQ(URLWithFormat(u"%@://%@:%d/%02x?%.3@", {u"x", u"h", 80, 10, u"abcd"}).absoluteString(),
+              u"x://h:80/0a?abc");
     EXPECT_TRUE(URLWithFormat(u"", {}).isAbsent());
+    EXPECT_TRUE(URLWithFormat(u"a%@", {}).isAbsent());
     EXPECT_TRUE(URLWithFormat(u"%", {}).isAbsent());
 }
 

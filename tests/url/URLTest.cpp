@@ -278,7 +278,8 @@ TEST(URL, AgreesWithASecondReading) {
 // Whatever is resolved is a URL again, and resolving it once more changes nothing.
 TEST(URL, ResolvedURLsAreURLs) {
     std::mt19937 random(9);
-    const char16_t* pieces[] = {u"a", u"b:", u"//", u"/", u"?", u"#", u".", u"..", u"/../", u"./", u";", u"h"};
+    const char16_t* pieces[] = {u"a",  u"b:",   u"//", u"/", u"?", u"#",         u".",
+                                u"..", u"/../", u"./", u";", u"h", u"//u:p@h:1", u"file:"};
     const auto make = [&] {
         std::u16string string;
         for (unsigned n = random() % 9; n > 0; --n) string += pieces[random() % std::size(pieces)];
@@ -290,7 +291,12 @@ TEST(URL, ResolvedURLsAreURLs) {
         const URL u = URL::URLWithString(reference, base);
         if (base.isAbsent() || URL::URLWithString(reference).isAbsent()) continue;
         ASSERT_FALSE(u.isAbsent()) << base << " + " << reference;
-        ASSERT_EQ(u, URL::URLWithString(u.absoluteString())) << base << " + " << reference;
+        const URL again = URL::URLWithString(u.absoluteString());
+        ASSERT_EQ(u, again) << base << " + " << reference;
+        for (std::size_t i = 0; i < NumberOfURLParts; ++i) {
+            const auto part = static_cast<URLPart>(i);
+            ASSERT_EQ(String(u.part(part)), String(again.part(part))) << u << ' ' << i;
+        }
         ASSERT_EQ(u.standardizedURL().standardizedURL(), u.standardizedURL()) << u;
         if (!u.scheme().isAbsent()) {
             ASSERT_EQ(URL::URLWithString(u.absoluteString(), base), u.standardizedURL()) << u;

@@ -6,6 +6,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Encodings.h>
+#include <velmocore/text/Replacing.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo {
@@ -28,11 +29,13 @@ VELMO_API URL URLWithStringOrPath(const String& string);
 VELMO_API URL URLWithNormalizedStringURL(const String& string,
                                          StringEncoding encoding = UTF8StringEncoding);
 
-/// The URL of a format in which every %@ stands for the next argument and %% for a %. An
-/// argument that is absent or missing is empty.
+/// The URL of a format with its arguments, which are those of replaceStringWithFormat(): %@
+/// for strings, %d for integers and so on. An absent argument is empty; a conversion without
+/// one stays as it stands, which is no URL.
 ///
-///     URLWithFormat(u"%@://%@/", {u"http", host});
-VELMO_API URL URLWithFormat(std::u16string_view format, std::initializer_list<String> arguments);
+///     URLWithFormat(u"%@://%@:%d/", {scheme, host, 8080});
+VELMO_API URL URLWithFormat(std::u16string_view format,
+                            std::initializer_list<FormatArgument> arguments);
 
 /// What a person typed: the same as URLWithNormalizedStringURL().
 VELMO_API URL URLWithUserTypedString(const String& string);

@@ -1,0 +1,85 @@
+// A text that parts are cut out of, from the left to the right as a rule. What has been cut
+// leaves a gap that moves along, so that many cuts cost no more than one walk over the text.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <velmocore/platform/String.h>
+
+namespace velmo::detail {
+
+/// Up to 256 units stand on the stack.
+class GapText {
+public:
+    explicit GapText(std::u16string_view text)
+        : left_(text.size()), right_(text.size()), end_(text.size()) {
+        if (text.size() > std::size(small_)) {
+            heap_.reset(new char16_t[text.size()]);
+            units_ = heap_.get();
+        }
+        text.copy(units_, text.size());
+    }
+    GapText(const GapText&) = delete;
+    GapText& operator=(const GapText&) = delete;
+
+    std::size_t size() const noexcept { return left_ + end_ - right_; }
+    char16_t operator[](std::size_t i) const noexcept {
+        return units_[i < left_ ? i : i + (right_ - left_)];
+    }
+
+    /// Cuts out [from, to).
+    void erase(std::size_t from, std::size_t to) noexcept {
+        moveGap(from);
+        right_ += to - from;
+    }
+    /// Cuts off what is behind a length.
+    void truncate(std::size_t length) noexcept { erase(length, size()); }
+
+    /// The units in one piece, to be changed in their place. Until the next cut.
+    char16_t* data() noexcept {
+        moveGap(size());
+        return units_;
+    }
+    std::u16string_view view() noexcept { return {data(), size()}; }
+
+    /// The first position from a start on that holds one of the units; else size().
+    template <class... Unit>
+    std::size_t find(std::size_t from, Unit... units) const noexcept {
+        std::size_t i = from;
+        while (i < size() && !(((*this)[i] == units) || ...)) ++i;
+        return std::min(i, size());
+    }
+
+    /// The text as a string: the original if it is as long, as nothing but cuts was made.
+    String orOriginal(const String& original) {
+        return size() == original.length() ? original : String(view());
+    }
+
+private:
+    void moveGap(std::size_t position) noexcept {
+        using Units = std::char_traits<char16_t>;
+        if (position < left_) {
+            const std::size_t count = left_ - position;
+            right_ -= count;
+            left_ = position;
+            Units::move(units_ + right_, units_ + left_, count);
+        } else if (position > left_) {
+            const std::size_t count = position - left_;
+            Units::move(units_ + left_, units_ + right_, count);
+            right_ += count;
+            left_ = position;
+        }
+    }
+
+    char16_t small_[256];
+    std::unique_ptr<char16_t[]> heap_;
+    char16_t* units_ = small_;
+    std::size_t left_;   ///< where the gap starts
+    std::size_t right_;  ///< where it ends
+    std::size_t end_;
+};
+
+}  // namespace velmo::detail

@@ -1,0 +1,116 @@
+#include <velmocore/url/InvertedPaths.h>
+
+#include <algorithm>
+#include <vector>
+
+#include <velmocore/text/Normalisation.h>
+#include <velmocore/text/Paths.h>
+#include <velmocore/url/URLHosts.h>
+#include <velmocore/url/URLPaths.h>
+#include <velmocore/url/URLSimplification.h>
+
+#include "text/PathParts.h"
+#include "url/LongComponents.h"
+
+namespace velmo {
+namespace {
+
+using Units = std::u16string_view;
+
+constexpr Units DefaultComponent = u"index.html";
+
+std::u16string withHyphens(Units text) {
+    std::u16string result(text);
+    std::replace(result.begin(), result.end(), u'/', u'-');
+    return result;
+}
+
+/// A part behind its mark; nothing if it is empty. A slash in it would be a folder.
+std::u16string marked(char16_t mark, Units part) {
+    return part.empty() ? std::u16string() : mark + withHyphens(part);
+}
+
+/// Parameters and query as they are added to the path.
+String additionOf(const URL& url, bool removeSessionIDs) {
+    const Units query = url.part(URLPart::Query);
+    const Units parameters = url.part(URLPart::Parameters);
+    if (parameters.empty() && removeSessionIDs && query == u"page=main.php") return String::empty();
+    const String addition = marked(u';', parameters) + marked(u'?', query);
+    return removeSessionIDs ? stringURLByRemovingSessionIDs(addition) : addition;
+}
+
+void appendComponents(std::vector<String>& list, Units path, bool caseInsensitive) {
+    std::u16string text(path);
+    if (caseInsensitive) lowercase(text);
+    const std::vector<String> components = standardizedPathComponents(text);
+    list.insert(list.end(), components.begin(), components.end());
+}
+
+std::vector<String> componentsOf(const URL& url, const InvertedPathOptions& options) {
+    std::vector<String> list;
+    if (url.isFileURL()) {
+        appendComponents(list, url.path(), options.caseInsensitive);
+        return list;
+    }
+    list = invertedHostComponents(url, options.maxHostComponents);
+    const String addition = additionOf(url, options.removeSessionIDs);
+    const std::u16string path = std::u16string(url.part(URLPart::Path)).append(addition);
+    appendComponents(list, path, options.caseInsensitive);
+    const bool isFolder =
+        isBaseDirectory(url) || (addition.isEmpty() && Units(path).ends_with(u'/'));
+    if (path.empty() || isFolder) list.push_back(DefaultComponent);
+    return list;
+}
+
+/// A host is the name of a folder, but for one that would lead out of it.
+Units hostFolderOf(const URL& url) {
+    const Units host = url.part(URLPart::Host);
+    return host == u"." || host == u".." ? Units() : host;
+}
+
+/// The path below the directory, which no .. leads out of.
+String pathWithin(Units directory, Units path) {
+    return standardizedPath(appendedComponent(directory, standardizedPath(path)));
+}
+
+}  // namespace
+
+String invertedPathRelativeToDirectory(const URL& url, const String& directory,
+                                       const InvertedPathOptions& options) {
+    if (url.isAbsent()) return {};
+    std::vector<String> list = componentsOf(url, options);
+    std::erase_if(list, [](const String& component) {
+        return component == u"/" || component == u"." || component == u"..";
+    });
+    const std::uint64_t most = options.maxPathComponents;
+    if (most != 0 && list.size() > most)
+        detail::joinFrom(list, static_cast<std::size_t>(most - 1), u'-');
+    const String& extension = options.pathExtension;
+    const std::size_t room = extension.isEmpty() ? 0 : extension.length() + 1;
+    if (!list.empty()) list.back() = detail::fittingComponent(list.back(), room);
+    String path = directory.isAbsent() ? String::empty() : directory;
+    for (const String& component : list) path = appendedComponent(path, component);
+    if (room == 0 || path.isEmpty()) return path;
+    return std::u16string(path).append(u".").append(extension);
+}
+
+String pathRelativeToDirectory(const URL& url, const String& directory,
+                               const DirectPathOptions& options) {
+    if (url.isAbsent()) return {};
+    if (url.isFileURL()) return pathWithin(directory, url.path());
+    const Units host = hostFolderOf(url);
+    const std::u16string path = std::u16string(url.part(URLPart::Path)) +
+                                marked(u';', url.part(URLPart::Parameters)) +
+                                marked(u'?', url.part(URLPart::Query));
+    if (options.simplified) {
+        const String name =
+            stringByCreatingFileSystemRepresentation(stringByCreatingFilename(path));
+        return appendedComponent(appendedComponent(directory, host),
+                                 name.isEmpty() ? DefaultComponent : name.view());
+    }
+    const String inner = path.empty() ? String(host) : appendedComponent(host, path);
+    const bool isFolder = path.empty() || (options.defaultPathComponent && isBaseDirectory(url));
+    return pathWithin(directory, isFolder ? appendedComponent(inner, DefaultComponent) : inner);
+}
+
+}  // namespace velmo

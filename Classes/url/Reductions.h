@@ -1,0 +1,28 @@
+// The reductions of a URL as text, on views and in the place of an editable text, so that a
+// chain of them makes one string.
+#pragma once
+
+#include <string_view>
+
+#include <velmocore/url/URL.h>
+
+#include "url/GapText.h"
+
+namespace velmo::detail {
+
+/// The text in front of a #, unless that belongs to the address: #! or #/ and more.
+std::u16string_view withoutAnchor(std::u16string_view text) noexcept;
+
+/// Where the first ? or ; stands, behind which slashes mean nothing; else the size.
+std::size_t endOfPlainPath(std::u16string_view text) noexcept;
+/// Whether standardize() would change the text.
+bool isStandardized(std::u16string_view text) noexcept;
+/// Collapses slashes and cuts trailing dots off, in place. Gives the new length.
+std::size_t standardize(char16_t* units, std::size_t length) noexcept;
+
+/// The text of a URL without user and password; the same string if it has neither.
+String withoutCredentials(const URL& url);
+
+void removeSessionIDs(GapText& text);
+
+}  // namespace velmo::detail

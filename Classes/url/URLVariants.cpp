@@ -1,0 +1,92 @@
+#include <velmocore/url/URLVariants.h>
+
+#include <unistd.h>
+
+#include <velmocore/url/PercentEscapes.h>
+#include <velmocore/url/URLConstruction.h>
+#include <velmocore/url/URLPaths.h>
+#include <velmocore/url/URLSchemes.h>
+
+#include "text/Keyword.h"
+#include "url/Reductions.h"
+
+namespace velmo {
+namespace {
+
+/// With % and all that separates escaped, which leaves what user information may hold.
+String escapedCredential(const String& text) {
+    return stringByAddingPercentEscapesToURL(text, {.toBeEscaped = u"%:/?#[]@"});
+}
+
+bool fileExists(const String& path) {
+    const std::string bytes = path.utf8();
+    return bytes.find('\0') == bytes.npos && access(bytes.c_str(), F_OK) == 0;
+}
+
+URL withHTTPForFeed(const URL& url) {
+    const String specifier = url.resourceSpecifier();
+    return keyword::beginsWith(specifier, "HTTP:") ? URL::URLWithString(specifier)
+                                                   : URLWithFormat(u"%@:%@", {u"http", specifier});
+}
+
+}  // namespace
+
+URL URLWithSchemeHostUserPassword(const URL& url, const String& scheme, const String& host,
+                                  const String& user, const String& password) {
+    if (url.isAbsent()) return url;
+    const String path = pathWithParamsAndQueryAndFragment(url);
+    const std::uint32_t port = url.port().value_or(0);
+    const bool hasCredentials = !user.isEmpty() && !password.isEmpty();
+    if (hasCredentials && port)
+        return URLWithFormat(u"%@://%@:%@@%@:%d%@", {scheme, user, password, host, port, path});
+    if (hasCredentials)
+        return URLWithFormat(u"%@://%@:%@@%@%@", {scheme, user, password, host, path});
+    if (port) return URLWithFormat(u"%@://%@:%d%@", {scheme, host, port, path});
+    return URLWithFormat(u"%@://%@%@", {scheme, host, path});
+}
+
+URL URLWithUser(const URL& url, const String& user, const String& password) {
+    if (user.isEmpty() || password.isEmpty()) return url;
+    return URLWithSchemeHostUserPassword(url, url.scheme(), url.host(), escapedCredential(user),
+                                         escapedCredential(password));
+}
+
+URL URLWithoutCredentials(const URL& url) {
+    const String text = detail::withoutCredentials(url);
+    return text.isIdenticalTo(url.absoluteString()) ? url : URL::URLWithString(text);
+}
+
+URL URLWithScheme(const URL& url, const String& scheme) {
+    if (url.isAbsent() || url.isFileURL() || scheme.isEmpty()) return url;
+    return URLWithFormat(u"%@:%@", {scheme, url.resourceSpecifier()});
+}
+
+URL URLWithoutAnchor(const URL& url) {
+    const std::u16string_view text = url.absoluteString(), rest = detail::withoutAnchor(text);
+    return rest.size() == text.size() ? url : URL::URLWithString(rest);
+}
+
+URL URLWithAnchor(const URL& url, const String& anchor) {
+    if (url.isAbsent() || anchor.isEmpty()) return url;
+    return URLWithFormat(u"%@#%@", {String(detail::withoutAnchor(url.absoluteString())), anchor});
+}
+
+URL WebKitURL(const URL& url) {
+    if (url.isFileURL()) return url;
+    if (keyword::equals(url.part(URLPart::Host), "LOCALHOST"))
+        return URLWithSchemeHostUserPassword(url, url.scheme(), u"127.0.0.1", url.user(),
+                                             url.password());
+    return isFeedURL(url) ? withHTTPForFeed(url) : url;
+}
+
+URL baseURLForWebKit(const URL& url) {
+    if (url.isFileURL()) return fileExists(url.path()) ? url : URL();
+    if (isFeedURL(url)) return withHTTPForFeed(url);
+    return isHTTPURL(url) ? url : URL();
+}
+
+URL baseURLForWebKitUsingAnchor(const URL& url, const String& anchor) {
+    return URLWithAnchor(baseURLForWebKit(url), anchor);
+}
+
+}  // namespace velmo

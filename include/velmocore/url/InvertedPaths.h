@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/url/URL.h>
+
+namespace velmo {
+
+// Where a page is kept in a file tree. No component is too long for a file system: one beyond
+// 250 units is cut, and a checksum of the whole appended. An absent URL gives absent.
+//
+//     const URL url = URL::URLWithString(u"http://www.h.org/a/?sid=b&n=1");
+//     invertedPathRelativeToDirectory(url, u"/mirror");   // /mirror/org/h/www/a/?n=1
+//     pathRelativeToDirectory(url, u"/mirror");           // /mirror/www.h.org/a/?sid=b&n=1
+
+struct InvertedPathOptions {
+    bool removeSessionIDs = true;
+    String pathExtension = {};            ///< appended to the path
+    std::uint64_t maxHostComponents = 0;  ///< 0 for no limit; more are joined with full stops
+    std::uint64_t maxPathComponents = 0;  ///< host and path together; more are joined with -
+    bool caseInsensitive = true;          ///< in lower case
+};
+/// The host parts, top-level domain first, then the components of the path with parameters
+/// and query, and index.html for a folder. Those of a file URL are only its path's. An absent
+/// directory gives a path without a start.
+VELMO_API String invertedPathRelativeToDirectory(const URL& url, const String& directory,
+                                                 const InvertedPathOptions& options = {});
+
+struct DirectPathOptions {
+    bool simplified = false;           ///< one file name for path, parameters and query
+    bool defaultPathComponent = true;  ///< index.html for a folder
+};
+/// The host as it stands, then path, parameters and query.
+VELMO_API String pathRelativeToDirectory(const URL& url, const String& directory,
+                                         const DirectPathOptions& options = {});
+
+}  // namespace velmo

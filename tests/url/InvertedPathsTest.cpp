@@ -1,0 +1,92 @@
+#include <velmocore/url/InvertedPaths.h>
+
+#include <fmt/format.h>
+#include <velmocore/text/Checksums.h>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+URL url(const std::u16string& string) { return URL::URLWithString(string); }
+
+TEST(InvertedPaths, MapsURLs) {
+    const struct {
+        const char16_t* url;
+        InvertedPathOptions options;
+        const char16_t* path;
+    } cases[] = {
+        {u"http://www.H.org", {}, u"/m/org/h/www/index.html"},
+        {u"http://h.org/A/b.html", {}, u"/m/org/h/a/b.html"},
+        {u"http://h.org/A/b.html", {.caseInsensitive = false}, u"/m/org/h/A/b.html"},
+        {u"http://h.org/a", {}, u"/m/org/h/a/index.html"},
+        {u"http://h.org/a/", {}, u"/m/org/h/a/index.html"},
+        {u"http://h.org/a.d/", {}, u"/m/org/h/a.d/index.html"},
+        {u"http://h.org/a/?page=main.php", {}, u"/m/org/h/a/index.html"},
+        {u"http://h.org/a/?page=main.php", {.removeSessionIDs = false}, u"/m/org/h/a/?page=main.php"},
+        {u"http://h.org/a/?sid=b", {}, u"/m/org/h/a/index.html"},
+        {u"http://h.org/a?sid=b", {}, u"/m/org/h/a"},
+        {u"http://h.org/a?sid=b&c=d/e", {}, u"/m/org/h/a?c=d-e"},
+        {u"http://h.org/a?sid=b", {.removeSessionIDs = false}, u"/m/org/h/a?sid=b"},
+        {u"http://h.org/a;p/q?r/s", {}, u"/m/org/h/a;p-q?r-s"},
+        {u"http://h.org/../a/./../b.c", {}, u"/m/org/h/b.c"},
+        {u"http://a.b.c.d/e/f.g", {.maxHostComponents = 2}, u"/m/d/c.b.a/e/f.g"},
+        {u"http://a.b/c/d/e.f", {.maxPathComponents = 3}, u"/m/b/a/c-d-e.f"},
+        {u"http://a.b/c/d/e.f", {.maxPathComponents = 5}, u"/m/b/a/c/d/e.f"},
+        {u"http://a.b/c.d", {.pathExtension = u"txt"}, u"/m/b/a/c.d.txt"},
+        {u"file:///A%20b/../C", {}, u"/m/c"},
+        {u"http://../a.b", {}, u"/m/a.b"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(invertedPathRelativeToDirectory(url(c.url), u"/m", c.options), c.path) << String(c.url);
+    EXPECT_EQ(invertedPathRelativeToDirectory(url(u"http://a.b/c.d"), String()), u"b/a/c.d");
+    EXPECT_TRUE(invertedPathRelativeToDirectory(URL(), u"/m").isAbsent());
+}
+
+TEST(InvertedPaths, CutsLongComponents) {
+    const struct {
+        const char16_t* extension;
+        std::size_t length;
+        std::size_t kept;  ///< 0: not cut
+    } cases[] = {{u"", 250, 0}, {u"", 251, 242}, {u"txt", 246, 0}, {u"txt", 247, 238}};
+    for (const auto& c : cases) {
+        const std::u16string name = std::u16string(c.length - 2, u'n') + u".x";
+        const String path =
+            invertedPathRelativeToDirectory(url(u"http://h/" + name), String(), {.pathExtension = c.extension});
+        const std::string extension = *c.extension ? "." + String(c.extension).utf8() : "";
+        const std::string cut = fmt::format("{}{:08x}", std::string(c.kept, 'n'), crc32(name));
+        EXPECT_EQ(path.utf8(), "h/" + (c.kept ? cut : String(name).utf8()) + extension) << c.length;
+    }
+    // More components than there may be make one that is cut.
+    std::u16string deep = u"http://h";
+    for (int i = 0; i < 200; ++i) deep += u"/ab";
+    EXPECT_EQ(invertedPathRelativeToDirectory(url(deep + u".c"), String(), {.maxPathComponents = 2}).length(), 252u);
+    EXPECT_EQ(
+        invertedPathRelativeToDirectory(url(u"http://h/a.b"), String(), {.pathExtension = std::u16string(400, u'x')})
+            .length(),
+        2u + 8 + 401);
+}
+
+TEST(InvertedPaths, MapsURLsDirectly) {
+    const struct {
+        const char16_t *url, *path, *withoutDefault, *simplified;
+    } cases[] = {
+        {u"http://h.Org", u"/m/h.Org/index.html", u"/m/h.Org/index.html", u"/m/h.Org/index.html"},
+        {u"http://h/", u"/m/h/index.html", u"/m/h", u"/m/h/index.html"},
+        {u"http://h/a/B", u"/m/h/a/B/index.html", u"/m/h/a/B", u"/m/h/a-B"},
+        {u"http://h/a/b.c;d/e?f/g:h", u"/m/h/a/b.c;d-e?f-g:h", u"/m/h/a/b.c;d-e?f-g:h", u"/m/h/a-b.c;d-e-f-g-h"},
+        {u"http://h/../../../a.b", u"/m/a.b", u"/m/a.b", u"/m/h/a.b"},
+        {u"http://../a.b", u"/m/a.b", u"/m/a.b", u"/m/a.b"},
+        {u"file:///a/./b%20c", u"/m/a/b c", u"/m/a/b c", u"/m/a/b c"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(pathRelativeToDirectory(url(c.url), u"/m"), c.path) << String(c.url);
+        EXPECT_EQ(pathRelativeToDirectory(url(c.url), u"/m", {.defaultPathComponent = false}), c.withoutDefault)
+            << String(c.url);
+        EXPECT_EQ(pathRelativeToDirectory(url(c.url), u"/m", {.simplified = true}), c.simplified) << String(c.url);
+    }
+    EXPECT_TRUE(pathRelativeToDirectory(URL(), u"/m").isAbsent());
+}
+
+}  // namespace
+}  // namespace velmo

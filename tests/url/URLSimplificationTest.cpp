@@ -1,0 +1,404 @@
+#include <velmocore/url/URLSimplification.h>
+
+#include <velmocore/text/CharacterSets.h>
+
+#include <random>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+using Units = std::u16string_view;
+using Rewriter = String (*)(const String&);
+
+struct Case {
+    const char16_t *string, *expected;  ///< null: the string itself
+};
+
+template <std::size_t N>
+void check(Rewriter rewriter, const Case (&cases)[N]) {
+    for (const Case& c : cases) {
+        const String string(c.string), result = rewriter(string);
+        EXPECT_EQ(result, c.expected ? c.expected : c.string) << string;
+        EXPECT_EQ(result.isIdenticalTo(string), !c.expected) << string;
+    }
+    EXPECT_TRUE(rewriter(String()).isAbsent());
+    const String empty(u"");
+    EXPECT_TRUE(rewriter(empty).isIdenticalTo(empty));
+}
+
+TEST(URLSimplification, Standardizes) {
+    check(standardizedStringURL, {{u"http://h//a///b", u"http://h/a/b"},
+                                  {u"http:////h", u"http://h"},
+                                  {u"//h//a", u"/h/a"},
+                                  {u"http://h/a?b//c/.", nullptr},
+                                  {u"http://h//a;b//c/.", u"http://h/a;b//c/."},
+                                  {u"http://h/a/.", u"http://h/a"},
+                                  {u"http://h/a/..", u"http://h/a"},
+                                  {u"http://h/a//./..//.", u"http://h/a"},
+                                  {u"http://h/a.", nullptr},
+                                  {u"a..", nullptr},
+                                  {u"/...", nullptr},
+                                  {u"./..", u""},
+                                  {u"..", u""},
+                                  {u".", u""},
+                                  {u"x:/", nullptr},
+                                  {u"http://.", u"http:/"}});
+}
+
+TEST(URLSimplification, TakesPartsOff) {
+    check(stringURLWithoutAnchor, {{u"a#b", u"a"},
+                                   {u"a#", u"a"},
+                                   {u"#b", u""},
+                                   {u"a#!x", nullptr},
+                                   {u"a#/x#y", nullptr},
+                                   {u"a#!", u"a"},
+                                   {u"a#/", u"a"},
+                                   {u"a#x!y", u"a"}});
+    check(stringURLWithoutScheme, {{u"http://h/a", u"h/a"},
+                                   {u"mailto:a@b", u"a@b"},
+                                   {u"x:///", u""},
+                                   {u":a", u"a"},
+                                   {u"h/a:b", nullptr},
+                                   {u"h?a:b", nullptr},
+                                   {u"h", nullptr}});
+    check(stringURLWithoutCredentials, {{u"http://u:p@h:8/a@b", u"http://h:8/a@b"},
+                                        {u"http://u@h", u"http://h"},
+                                        {u"http://@h", u"http://h"},
+                                        {u"http://:@h", u"http://h"},
+                                        {u"mailto:a@b", nullptr},
+                                        {u"/u:p@h", nullptr},
+                                        {u"~u:p@h", nullptr},
+                                        {u"http://u:p@h/a b", nullptr}});
+    check(displayStringURL, {{u"https://u:p@WWW.h.org/a//", u"h.org/a"},
+                             {u"www.h.org", u"h.org"},
+                             {u"http://www2.h.org/?a/", u"www2.h.org/?a"},
+                             {u"h", nullptr}});
+    check(stringURLByRemovingIndexPages, {{u"http://h/a/index.html", u"http://h/a"},
+                                          {u"h/a/INDEX.PHP", u"h/a"},
+                                          {u"/index.shtml", u""},
+                                          {u"h/index.jhtml", u"h"},
+                                          {u"h/index.jsp", nullptr},
+                                          {u"h/index.html?a", nullptr},
+                                          {u"h/xindex.html", nullptr},
+                                          {u"h/index.htm/a", nullptr}});
+}
+
+TEST(URLSimplification, TakesParametersOut) {
+    check(stringURLByRemovingAnalytics, {{u"h/?a=1&UTM_source=x&utm_term=y&b=2", u"h/?a=1&b=2"},
+                                         {u"h/?utm_medium=x", u"h/"},
+                                         {u"h/?utm_id=1", nullptr},
+                                         {u"h/?xutm_term=1&utm_term=2", nullptr},
+                                         {u"h/?a;utm_content=2;b?c", u"h/?a;b?c"},
+                                         {u"utm_term=1", nullptr}});
+    check(stringURLByRemovingEmptyParams, {{u"h/?aa=", u"h/"},
+                                           {u"h/?a=&b=1&c=", u"h/?b=1"},
+                                           {u"h/?a=1&b=;c=2", u"h/?a=1&c=2"},
+                                           {u"h/?a=&b=&c=&d=", u"h/?b=&d="},
+                                           {u"h/?=&a=1", nullptr},
+                                           {u"?a=", nullptr},
+                                           {u"=&", nullptr},
+                                           {u"h/?&a=1?&&", u"h/?a=1?&"},
+                                           {u"h/?a==", u"h/"},
+                                           {u"h/?ab=1=", nullptr},
+                                           {u"a=", nullptr}});
+    const struct {
+        const char16_t *string, *name, *expected;
+    } cases[] = {
+        {u"h/?Ab=1&c=2&aB=3", u"ab=", u"h/?c=2"},
+        {u"h/?xab=1&ab=2", u"ab=", nullptr},
+        {u"ab=1", u"ab=", nullptr},
+        {u"h/;ab=1?c=2", u"ab=", u"h/;c=2"},
+        {u"h/;ab=1&c=2", u"ab=", u"h/;c=2"},
+        {u"h/?ab=1;c=2&d=3", u"ab=", u"h/?d=3"},
+        {u"h/?ab=", u"", nullptr},
+        {u"h/?a&b=&b=1", u"a&b=", u"h/?b=&b=1"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(stringURLByRemovingQueryParam(c.string, c.name), c.expected ? c.expected : c.string)
+            << String(c.string);
+    const String same(u"h/?a=1");
+    EXPECT_TRUE(stringURLByRemovingQueryParam(same, u"b=").isIdenticalTo(same));
+    EXPECT_TRUE(stringURLByRemovingQueryParam(same, Units()).isIdenticalTo(same));
+}
+
+TEST(URLSimplification, TakesSessionsOut) {
+    check(stringURLByRemovingSessionIDs, {{u"h/?PHPSESSID=1&a=2", u"h/?a=2"},
+                                          {u"h/?a=2&jsessionid=1", u"h/?a=2"},
+                                          {u"h/p;jsessionid=1?a=2", u"h/p;a=2"},
+                                          {u"h/?sid=12", nullptr},
+                                          {u"h/?sid=1b", u"h/"},
+                                          {u"h/?cid=1&sid=b", nullptr},
+                                          {u"h/?p_sid=12", u"h/"},
+                                          {u"h/?xsid=1&sid=b", nullptr},
+                                          {u"h/?random=1", nullptr},
+                                          {u"h/?random=1&xid=2", u"h/?xid=2"},
+                                          {u"h/?sid=1&random=1", nullptr},
+                                          {u"h/?SESSID=1&random=1&b=2", u"h/?b=2"},
+                                          {u"h/?nats=1&ccbill=2&_fb_noscript=3&Nats=4", u"h/?Nats=4"},
+                                          {u"h/a.html?pi=1&CACHE=2&CMP=3&ATT=4&lsrc=5", u"h/a.html?lsrc=5"},
+                                          {u"h/a.php?pi=1&CMP=2&LSRC=3", u"h/a.php?CMP=2"},
+                                          {u"h/a.aspx?pi=1&lsrc=2", u"h/a.aspx?pi=1"},
+                                          {u"h/a?pi=1&lsrc=2&cache=3", nullptr},
+                                          {u"h/viewtopic.php?t=1&p=2&s=3", u"h/viewtopic.php?t=1&p=2"},
+                                          {u"h/viewtopic.php?t=1&s=3", nullptr},
+                                          {u"h/viewtopic.php?hilit=1&HighLight=2&a=3", u"h/viewtopic.php?a=3"},
+                                          {u"http://groups.google.com/x?ei=1&a=2", u"http://groups.google.com/x?a=2"},
+                                          {u"http://h/x?ei=1", nullptr},
+                                          {u"h/login?a=b", u"h/login"},
+                                          {u"h/register?x/login?a", u"h/register"},
+                                          {u"h/a.html?widgetType=1", u"h/a.html"},
+                                          {u"sid=a", nullptr}});
+}
+
+// The slow way, by search and cut on strings.
+
+using Text = std::u16string;
+
+char16_t folded(char16_t unit) { return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit; }
+Text folded(Text text) {
+    for (char16_t& unit : text) unit = folded(unit);
+    return text;
+}
+std::size_t find(const Text& text, const char16_t* name, bool anyCase) {
+    return anyCase ? folded(text).find(folded(name)) : text.find(name);
+}
+std::size_t parameter(const Text& text, const char16_t* name, bool anyCase) {
+    const std::size_t i = find(text, name, anyCase);
+    const bool isOne = i != Text::npos && i > 0 && Units(u"&;?").find(text[i - 1]) != Units::npos;
+    return isOne ? i - 1 : Text::npos;
+}
+std::size_t endOf(const Text& text, std::size_t k) {
+    return text.find_first_of(text[k] == u';' ? u";&?" : u"&?", k + 1);
+}
+
+bool passSlowly(Text& text, int kind, bool topic, bool news, bool& seen) {
+    bool local = seen;
+    const auto take = [&](const char16_t* name, bool anyCase) {
+        const std::size_t k = parameter(text, name, anyCase);
+        if (k == Text::npos) return false;
+        const std::size_t e = endOf(text, k);
+        text = e != Text::npos && e + 1 < text.size() ? text.substr(0, k + 1) + text.substr(e + 1) : text.substr(0, k);
+        return true;
+    };
+    if (find(text, u"id=", true) == Text::npos) {
+        if (topic && text.find(u"&p=") != Text::npos && take(u"s=", false)) return true;
+    } else {
+        for (const char16_t* name :
+             {u"phpsessionid=", u"phpsessid=", u"jsessionid=", u"jsessid=", u"sessionid=", u"wgsessid=", u"sessid="})
+            if (take(name, true)) return seen = true;
+        for (const char16_t* name : {u"CFID=", u"CFTOKEN=", u"affid=", u"REFFID="})
+            if (take(name, false)) return seen = true;
+        bool any = false;
+        for (const char16_t* name : {u"cid=", u"p_sid=", u"sid="}) {
+            const std::size_t k = parameter(text, name, false);
+            if (k == Text::npos) continue;
+            any = true;
+            for (std::size_t i = k + 4; i < std::min(endOf(text, k), text.size()); ++i)
+                if (alphaCharacterSetRep().contains(text[i])) return take(name, false);
+            break;
+        }
+        if (!any) local = true;
+    }
+    const bool isStatic = kind == 1, script = kind == 2, server = kind == 3;
+    const bool taken = take(u"ccbill=", false) || take(u"nats=", false) || take(u"_fb_noscript=", false) ||
+                       ((isStatic || script) && (take(u"pi=", false) || take(u"cache=", true))) ||
+                       (isStatic && (take(u"CMP=", false) || take(u"ATT=", false))) ||
+                       ((script || server) && take(u"lsrc=", true)) ||
+                       (topic && (take(u"highlight=", true) || take(u"hilit=", false))) ||
+                       (news && take(u"ei=", false)) || (local && take(u"random=", true));
+    if (taken) seen = local;
+    return taken;
+}
+
+Text withoutSessionsSlowly(Text text) {
+    const auto has = [&](const char16_t* name) { return find(text, name, true) != Text::npos; };
+    const int kind = has(u".html?") || has(u".htm?") ? 1 : has(u".php?") ? 2 : has(u".asp?") || has(u".aspx?") ? 3 : 0;
+    const bool topic = kind == 2 && has(u"viewtopic.php"), news = has(u"//groups.google.com/");
+    bool seen = false;
+    while (passSlowly(text, kind, topic, news, seen)) {}
+    const struct {
+        const char16_t* form;
+        std::size_t length;
+    } forms[] = {{u"/login?", 6}, {u"/register?", 9}, {u".html?widgetType=", 5}};
+    for (bool cut = true; cut;) {
+        cut = false;
+        for (const auto& f : forms)
+            if (const std::size_t i = text.find(f.form); !cut && i != Text::npos) {
+                text.resize(i + f.length);
+                cut = true;
+            }
+    }
+    return text;
+}
+
+/// A URL of pieces that reductions look at.
+Text randomURL(std::mt19937& random) {
+    static const char16_t* const Starts[] = {u"http://h/a.html",
+                                             u"h/viewtopic.php",
+                                             u"http://groups.google.com/b",
+                                             u"a.aspx",
+                                             u"https://www.h/c",
+                                             u"h/a.php",
+                                             u"//h/../x/.",
+                                             u""};
+    static const char16_t* const Pieces[] = {u"?",
+                                             u"&",
+                                             u"&",
+                                             u";",
+                                             u"=",
+                                             u"1",
+                                             u"22",
+                                             u"b",
+                                             u"/",
+                                             u"#",
+                                             u"&p=",
+                                             u"s=",
+                                             u"sid=",
+                                             u"cid=",
+                                             u"p_sid=",
+                                             u"sessid=",
+                                             u"PHPSessID=",
+                                             u"jsessionid=",
+                                             u"CFID=",
+                                             u"reffid=",
+                                             u"nats=",
+                                             u"pi=",
+                                             u"cache=",
+                                             u"CMP=",
+                                             u"lsrc=",
+                                             u"highlight=",
+                                             u"ei=",
+                                             u"random=",
+                                             u"id=",
+                                             u"utm_source=",
+                                             u"utm_term=",
+                                             u"UTM_Content=",
+                                             u"_fb_noscript=",
+                                             u"/login",
+                                             u".html",
+                                             u"widgetType=",
+                                             u"/index.html",
+                                             u".",
+                                             u"%26",
+                                             u"%3F",
+                                             u"%3D",
+                                             u"%41",
+                                             u"www.",
+                                             u"\u00C4",
+                                             u"page=main.php"};
+    Text text = Starts[random() % std::size(Starts)];
+    for (unsigned n = random() % 14; n > 0; --n) {
+        text += Pieces[random() % std::size(Pieces)];
+        if (random() % 3 == 0) text += u"?&;"[random() % 3];
+    }
+    return text;
+}
+
+TEST(URLSimplification, AgreesWithTheSlowWay) {
+    std::mt19937 random(11);
+    int changed = 0;
+    for (int round = 0; round < 60000; ++round) {
+        const Text url = randomURL(random);
+        const String result = stringURLByRemovingSessionIDs(url);
+        ASSERT_EQ(result, withoutSessionsSlowly(url)) << String(url);
+        changed += result != url;
+    }
+    EXPECT_GT(changed, 10000);
+}
+
+TEST(URLSimplification, MakesOneKeyOfAPage) {
+    check([](const String& string) { return simplifiedStringURL(string); },
+          {{u"https://www.H.org/a//b/index.html?#x", u"http://h.org/a/b/index.html?"},
+           {u"HTTPS://WWW.h.org/a/Index.HTML#x", u"http://h.org/a"},
+           {u"http://h.org/?PHPSESSID=1&page=main.php", u"http://h.org"},
+           {u"http://h.org/?a=&utm_term=2&b=%2F%26&ved=1", u"http://h.org/?b=/&&ved=1"},
+           {u"http://www.google.com/patents/x?ved=1&a=2", u"http://google.com/patents/x?a=2"},
+           {u"http://\u00C4.org/", u"http://\u00E4.org"},
+           {u"http://h.org/%41%2541", u"http://h.org/%41%41"},
+           {u"/", u""},
+           {u"http://h.org/a", nullptr}});
+    const String url(u"https://www.h/?sid=a&utm_term=b&c=#d");
+    const struct {
+        SimplifyOptions options;
+        const char16_t* expected;
+    } cases[] = {
+        {{}, u"http://h"},
+        {{.sessionIDs = false}, u"http://h/?sid=a"},
+        {{.analytics = false}, u"http://h/?utm_term=b"},
+        {{.emptyParams = false}, u"http://h/?c="},
+        {{.anchors = false}, u"http://h/?c=#d"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(simplifiedStringURL(url, c.options), c.expected);
+    EXPECT_EQ(simplifiedStringURL(u"http://h/index.php", {.indexPages = false}), u"http://h/index.php");
+    EXPECT_EQ(simplifiedStringURL(u"http://h/?page=main.php", {.sessionIDs = false}), u"http://h/?page=main.php");
+}
+
+TEST(URLSimplification, ComparesTexts) {
+    const struct {
+        const char16_t *a, *b;
+        bool equal;
+    } cases[] = {{u"http://H/a//b#x", u"HTTP://h/a/b/", true},
+                 {u"http://h/a", u"https://h/a", false},
+                 {u"", u"", true},
+                 {u"#", u"/", true},
+                 {u"", nullptr, false},
+                 {nullptr, nullptr, false},
+                 {u"h/#!a", u"h/", false}};
+    for (const auto& c : cases) EXPECT_EQ(isEqualToStringURL(c.a, c.b), c.equal) << String(c.a) << ' ' << String(c.b);
+}
+
+/// How often a rewriter has to run at most until nothing changes any more.
+int roundsUntilStable(Rewriter rewrite, const std::vector<String>& urls) {
+    int most = 0;
+    for (String url : urls) {
+        int rounds = 0;
+        for (String next; (next = rewrite(url)) != url; url = next) ++rounds;
+        most = std::max(most, rounds);
+    }
+    return most;
+}
+
+String simplified(const String& string) { return simplifiedStringURL(string); }
+
+TEST(URLSimplification, IsStableSoon) {
+    std::mt19937 random(5);
+    std::vector<String> urls;
+    while (urls.size() < 60000) urls.push_back(randomURL(random));
+    const struct {
+        Rewriter rewrite;
+        int rounds;
+    } cases[] = {
+        {standardizedStringURL, 1},
+        {stringURLWithoutAnchor, 1},
+        {stringURLByRemovingAnalytics, 1},
+        {[](const String& string) { return stringURLByRemovingQueryParam(string, u"SID="); }, 1},
+        {stringURLByRemovingSessionIDs, 2},   // what a cut form held may have kept a parameter
+        {stringURLByRemovingIndexPages, 2},   // one a round
+        {stringURLByRemovingEmptyParams, 4},  // every second one a round, if there is a run
+        {simplified, 4},                      // these, and one level of escaped escapes a round
+    };
+    for (const auto& c : cases) EXPECT_EQ(roundsUntilStable(c.rewrite, urls), c.rounds);
+    EXPECT_EQ(roundsUntilStable(simplified, {u"h/%252525252F"}), 5);
+    EXPECT_EQ(roundsUntilStable(stringURLByRemovingIndexPages, {u"h/index.php/index.php/index.php"}), 3);
+    EXPECT_EQ(roundsUntilStable(stringURLByRemovingEmptyParams, {u"h/?aa=&b=&c=&d=&e=&f=&g=&h="}), 4);
+}
+
+// Many cuts take no longer than one walk.
+TEST(URLSimplification, TakesLongTexts) {
+    Text sessions = u"h/?", campaigns = u"h/?x=1", empties = u"h/?x=1";
+    for (int i = 0; i < 100000; ++i) {
+        sessions += u"sid=a&nats=b&";
+        campaigns += u"&utm_term=1";
+        empties += u"&ab=";
+    }
+    EXPECT_EQ(stringURLByRemovingSessionIDs(sessions + u"x=1"), u"h/?x=1");
+    EXPECT_EQ(stringURLByRemovingAnalytics(campaigns), u"h/?x=1");
+    EXPECT_EQ(simplifiedStringURL(campaigns), u"h/?x=1");
+    EXPECT_EQ(stringURLByRemovingQueryParam(campaigns, u"utm_term="), u"h/?x=1");
+    EXPECT_LT(stringURLByRemovingEmptyParams(empties).length(), empties.size());
+}
+
+}  // namespace
+}  // namespace velmo
