@@ -2,8 +2,6 @@
 
 #include <iterator>
 
-#include <velmocore/text/ConversionTables.h>
-
 #include "platform/Unicode.h"
 
 namespace velmo {
@@ -82,19 +80,6 @@ void initSeparators() {
     defaultWordSeparators();
     defaultComponentSeparators();
     defaultLineSeparators();
-}
-
-void initSeparatorsAndTables() {
-    initSeparators();
-    defaultSentenceSeparators();
-    for (const CharacterSetRep& (*set)() :
-         {emptyCharacterSetRep, spaceCharacterSetRep, whiteCharacterSetRep, alphaCharacterSetRep,
-          alphaNumCharacterSetRep, digitCharacterSetRep, lowerCharacterSetRep,
-          upperCharacterSetRep})
-        set();
-    for (const ConversionTable& (*table)() : {lowerCharsTable, upperCharsTable, umlautsCharsTable,
-                                              lowerUmlautsCharsTable, upperUmlautsCharsTable})
-        table();
 }
 
 }  // namespace velmo

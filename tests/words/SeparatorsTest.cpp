@@ -33,7 +33,7 @@ TEST(Separators, WordsAreLettersMarksAndDigits) {
 }
 
 TEST(Separators, AreMadeOnce) {
-    initSeparatorsAndTables();
+    initSeparators();
     EXPECT_EQ(&defaultWordSeparators(), &defaultWordSeparators());
     EXPECT_NE(&defaultSentenceSeparators(), &defaultComponentSeparators());
 }

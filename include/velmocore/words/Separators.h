@@ -22,12 +22,8 @@ VELMO_API const CharacterSetRep& defaultSentenceSeparators();
 /// The feed units without U+FEFF.
 VELMO_API const CharacterSetRep& defaultLineSeparators();
 
-/// Makes the word, component and line separators ahead of time.
+/// Makes the word, component and line separators ahead of time. See also
+/// initSeparatorsAndTables() of query/Wildcards.h, which makes all sets and tables.
 VELMO_API void initSeparators();
-
-/// Makes all that scanning, folding and searching need ahead of time: the separators, the
-/// standard sets and the conversion tables. Nothing depends on this call; a program may
-/// make it while it starts, so that no later one pays for it.
-VELMO_API void initSeparatorsAndTables();
 
 }  // namespace velmo

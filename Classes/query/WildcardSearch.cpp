@@ -1,0 +1,153 @@
+#include <velmocore/query/WildcardSearch.h>
+
+#include <algorithm>
+#include <string>
+
+#include <velmocore/query/QueryEvaluation.h>
+#include <velmocore/text/Normalisation.h>
+
+#include "query/WildcardTerm.h"
+#include "query/WildcardWalk.h"
+
+namespace velmo {
+namespace {
+
+using detail::TermChoice;
+using detail::WildcardTerm;
+using detail::WordText;
+
+WordText wordText(std::u16string_view text, const CharacterSetRep* termCharacters = nullptr) {
+    return {text, termCharacters ? *termCharacters : queryTermCharacters()};
+}
+
+/// The part of the range that the text has.
+Range cutAt(std::u16string_view text, Range range) {
+    const std::uint64_t start = std::min<std::uint64_t>(range.location, text.size());
+    return {start, std::min<std::uint64_t>(range.length, text.size() - start)};
+}
+
+std::uint64_t walk(std::u16string_view text, std::span<const String> wildcards,
+                   WildcardHandler handler, const WildcardSearchOptions& options, bool backwards) {
+    const Range range = cutAt(text, options.range);
+    detail::WildcardWalk hits(wordText(text), range.location, range.end(), wildcards,
+                              options.comparison, options.minCharacters, backwards);
+    std::uint64_t calls = 0;
+    for (Range hit; (hit = hits.next()).isFound();) {
+        ++calls;
+        if (!handler(hit)) break;
+    }
+    return calls;
+}
+
+NearestWildcardOptions nearest(const WildcardSearchOptions& options, bool backwards) {
+    return {options.comparison, options.minCharacters, backwards, false};
+}
+
+}  // namespace
+
+Range FindWildcardInCharacters(std::u16string_view text, Range range, std::u16string_view wildcard,
+                               const FindWildcardOptions& options) {
+    range = cutAt(text, range);
+    if (range.length == 0 || wildcard.empty()) return Range::none();
+    const WordText words = wordText(text, options.termCharacters);
+    const detail::WildcardPattern pattern(wildcard, options.comparison, options.minCharacters);
+    if (options.acceptStar && pattern.isLoneStar())
+        return findLoneStar(words, range.location, range.end(), options.backwards,
+                            options.starIsWord);
+    return pattern.find(words, range.location, range.end(),
+                        {.backwards = options.backwards, .anchored = options.anchored});
+}
+
+Range FindWildcardStringInCharacters(std::u16string_view text, Range range,
+                                     std::u16string_view wildcard,
+                                     const FindWildcardStringOptions& options) {
+    range = cutAt(text, range);
+    if (wildcard.empty()) return Range::none();
+    const WildcardTerm term(wildcard, options.comparison, options.minCharacters);
+    return term.find(wordText(text, options.termCharacters), range.location, range.end(),
+                     {options.backwards, options.acceptStar});
+}
+
+Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const String> wildcards,
+                      const NearestWildcardOptions& options) {
+    range = cutAt(text, range);
+    std::uint64_t start = range.location, end = range.end();
+    Range best = Range::none();
+    for (const String& wildcard : wildcards) {
+        if (start >= end) break;
+        const WildcardTerm term(wildcard, options.comparison, options.minCharacters);
+        const Range hit = term.find(wordText(text), start, end, {.backwards = options.backwards});
+        if (!hit.isFound()) continue;
+        best = hit;
+        if (options.firstHit) break;
+        (options.backwards ? start : end) = options.backwards ? hit.end() : hit.location;
+    }
+    return best;
+}
+
+bool containsAnyWildcard(std::u16string_view text, std::span<const String> wildcards,
+                         const WildcardSearchOptions& options) {
+    return rangeOfWildcard(text, options.range, wildcards,
+                           {options.comparison, options.minCharacters, false, true})
+        .isFound();
+}
+
+Range findNextWildcard(std::u16string_view text, std::span<const String> wildcards,
+                       const WildcardSearchOptions& options) {
+    return rangeOfWildcard(text, options.range, wildcards, nearest(options, false));
+}
+
+Range findPreviousWildcard(std::u16string_view text, std::span<const String> wildcards,
+                           const WildcardSearchOptions& options) {
+    return rangeOfWildcard(text, options.range, wildcards, nearest(options, true));
+}
+
+Range rangeOfWildcard(std::u16string_view text, std::u16string_view wildcard,
+                      const WildcardSearchOptions& options) {
+    const Range range = cutAt(text, options.range);
+    return FindWildcardStringInCharacters(
+        text, range, wildcard,
+        {.comparison = options.comparison, .minCharacters = options.minCharacters});
+}
+
+Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> words,
+                           const WildcardSearchOptions& options) {
+    if (words.empty()) return Range::none();
+    std::u16string phrase;
+    for (const String& word : words) {
+        phrase += phrase.empty() ? u'"' : u' ';
+        phrase += word.view();
+    }
+    return rangeOfWildcard(text, phrase + u'"', options);
+}
+
+std::uint64_t forEachWildcard(std::u16string_view text, std::span<const String> wildcards,
+                              WildcardHandler handler, const WildcardSearchOptions& options) {
+    return walk(text, wildcards, handler, options, false);
+}
+
+std::uint64_t forEachWildcardBackwards(std::u16string_view text, std::span<const String> wildcards,
+                                       WildcardHandler handler,
+                                       const WildcardSearchOptions& options) {
+    return walk(text, wildcards, handler, options, true);
+}
+
+std::optional<std::set<String>> findStringsMatchingWildcards(std::u16string_view text,
+                                                             std::span<const String> wildcards,
+                                                             const WildcardSearchOptions& options) {
+    if (text.empty() || wildcards.empty()) return std::nullopt;
+    std::set<String> found;
+    std::u16string match;
+    forEachWildcard(
+        text, wildcards,
+        [&](Range hit) {
+            match = text.substr(hit.location, hit.length);
+            if (isCaseInsensitive(options.comparison)) lowercase(match);
+            found.insert(String(match));
+            return true;
+        },
+        options);
+    return found;
+}
+
+}  // namespace velmo
