@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -31,12 +30,12 @@ Json nameOf(const String& charset) {
 
 }  // namespace
 
-std::optional<std::string> readFile(Session& session, const std::string& file) {
+std::optional<std::string> readFile(const std::string& file, std::string& reason) {
     const bool isStandardInput = file == StandardInput;
     // A folder can be opened but not read; say so before the reading fails.
     std::error_code error;
     if (!isStandardInput && std::filesystem::is_directory(file, error)) {
-        session.fail(file, std::strerror(EISDIR));
+        reason = std::generic_category().message(EISDIR);
         return std::nullopt;
     }
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(
@@ -49,9 +48,16 @@ std::optional<std::string> readFile(Session& session, const std::string& file) {
             bytes.append(block, count);
     }
     if (!stream || std::ferror(stream.get())) {
-        session.fail(file, std::strerror(errno));
+        reason = std::generic_category().message(errno);
         return std::nullopt;
     }
+    return bytes;
+}
+
+std::optional<std::string> readFile(Session& session, const std::string& file) {
+    std::string reason;
+    auto bytes = readFile(file, reason);
+    if (!bytes) session.fail(file, reason);
     return bytes;
 }
 

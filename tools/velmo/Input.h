@@ -27,6 +27,8 @@ struct Page {
 /// The bytes of a file, or of standard input for "-". Tells the session what went wrong
 /// and gives nothing if it cannot be read.
 std::optional<std::string> readFile(Session& session, const std::string& file);
+/// The same for any thread; gives the reason to the caller.
+std::optional<std::string> readFile(const std::string& file, std::string& reason);
 
 Page decodePage(const std::string& bytes, const PageOptions& options);
 

@@ -45,6 +45,11 @@ int Session::exitCode() const {
     return anyMiss_ && !anyHit_ ? NoHit : Done;
 }
 
+void Session::print(std::string_view output) {
+    std::fwrite(output.data(), 1, output.size(), stdout);
+    if (json) std::fflush(stdout);
+}
+
 void Session::printLine(std::string_view line) { fmt::print("{}\n", line); }
 
 void Session::printObject(const Json& object) {

@@ -28,6 +28,9 @@ public:
     /// 2 if an input failed, 1 if something was looked for and nowhere found, else 0.
     int exitCode() const;
 
+    /// Output as it stands, line ends and all; flushed for machines.
+    void print(std::string_view output);
+
     /// One line of output for people.
     void printLine(std::string_view line);
 
