@@ -42,7 +42,7 @@ TEST(Wildcards, Match) {
         {u"x", u"[]", false, false},
         {u"x", u"[^]", false, true},
         {u"^", u"[^]", false, true},
-        {u"\\", u"[-]]", false, true},    // the range is [ to ], and never ends
+        {u"\\", u"[-]]", false, true},  // the range is [ to ], and never ends
         {u"]", u"[-]", false, true},
         {u"\\", u"[|-a]", false, false},  // the range begins with |
         {u"B", u"[A-]x", false, true},    // B holds by A-], and the set runs on to the end
