@@ -28,7 +28,8 @@ concept WordFinder = requires(Finder finder, std::size_t node, std::uint64_t pos
     { finder.isOneRun(node) } -> std::same_as<bool>;
 };
 
-template <WordFinder Finder>
+/// Remembers is false in a test only, which shows what the memory is good for.
+template <WordFinder Finder, bool Remembers = true>
 class QueryEvaluation {
 public:
     QueryEvaluation(const QueryTree& tree, std::u16string_view text,
@@ -240,7 +241,7 @@ private:
 
     static Key keyOf(const Call& call) { return {call.node, call.start, call.end}; }
     bool isRemembered(const Call& call) const {
-        return call.left == NoNode && tree_.nodes[call.node].hasProximity;
+        return Remembers && call.left == NoNode && tree_.nodes[call.node].hasProximity;
     }
 
     // A left term without negations that does not hold on a stretch holds on no part of it.

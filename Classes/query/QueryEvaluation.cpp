@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <atomic>
+#include <memory>
+#include <unordered_map>
 
 #include "query/EvaluationCore.h"
+#include "query/PositiveWords.h"
+#include "query/WildcardOccurrences.h"
 #include "query/WordOccurrences.h"
 
 namespace velmo {
@@ -14,14 +18,29 @@ using detail::QueryTree;
 
 std::atomic<const CharacterSetRep*> currentTermCharacters = nullptr;
 
+/// For each word node the first one with the same word and mark: what is known of the one
+/// holds for the other. Empty if nothing is to be known.
+std::vector<std::size_t> firstOfSameWords(const QueryTree& tree, bool keeps) {
+    std::vector<std::size_t> firsts;
+    if (!keeps) return firsts;
+    std::unordered_map<std::u16string_view, std::size_t> seen[2];  // without and with the mark
+    firsts.reserve(tree.nodes.size());
+    for (const QueryNode& node : tree.nodes)
+        firsts.push_back(
+            seen[node.substring].try_emplace(tree.wordOf(node), firsts.size()).first->second);
+    return firsts;
+}
+
 /// Finds the words of a tree as they are written.
 class PlainWords {
 public:
     /// If the words are asked for over and over, as proximity does, their places are kept.
     PlainWords(const QueryTree& tree, std::u16string_view text, bool caseSensitive, bool keeps)
-        : tree_(tree), text_(text), caseSensitive_(caseSensitive) {
-        if (keeps) occurrences_.resize(tree.nodes.size());
-    }
+        : tree_(tree),
+          text_(text),
+          caseSensitive_(caseSensitive),
+          firsts_(firstOfSameWords(tree, keeps)),
+          occurrences_(firsts_.size()) {}
 
     Range find(std::size_t index, std::uint64_t start, std::uint64_t end) {
         const QueryNode& node = tree_.nodes[index];
@@ -32,7 +51,7 @@ public:
                                         termCharacters_};
         const std::uint64_t found = occurrences_.empty()
                                         ? detail::scanForWord(sought, start, end)
-                                        : occurrences_[index].find(sought, start, end);
+                                        : occurrences_[firsts_[index]].find(sought, start, end);
         return found == NotFound ? Range::none() : Range{found, word.size()};
     }
 
@@ -50,25 +69,59 @@ private:
     std::u16string_view text_;
     bool caseSensitive_;
     const CharacterSetRep& termCharacters_ = queryTermCharacters();
+    std::vector<std::size_t> firsts_;
     std::vector<detail::WordOccurrences> occurrences_;  // by node
 };
 
-/// Whether a word below the top node that is not negated there is found. Nodes are taken
-/// from the last on, so that each group hands its negation down before it is asked for.
-template <class Finds>
-bool findsPositiveWord(const QueryTree& tree, std::size_t top, Finds finds) {
-    std::vector<bool> isBelow(top + 1), isNegated(top + 1);
-    isBelow[top] = true;
-    for (std::size_t i = top + 1; i-- > 0;) {
-        const QueryNode& node = tree.nodes[i];
-        if (!isBelow[i]) continue;
-        if (node.isWord && !isNegated[i] && finds(i)) return true;
-        for (std::size_t child : tree.childrenOf(node)) {
-            isBelow[child] = true;
-            isNegated[child] = isNegated[i] != tree.nodes[child].negated;
-        }
+/// Finds the words of a tree as wildcards.
+class WildcardWords {
+public:
+    WildcardWords(const QueryTree& tree, std::u16string_view text, WildcardComparison comparison,
+                  bool keeps)
+        : tree_(tree),
+          text_{text, queryTermCharacters()},
+          comparison_(comparison),
+          firsts_(firstOfSameWords(tree, keeps)),
+          occurrences_(firsts_.size()) {}
+
+    Range find(std::size_t index, std::uint64_t start, std::uint64_t end) {
+        if (!occurrences_.empty()) return occurrencesOf(index).find(start, end);
+        if (start >= end) return Range::none();
+        const detail::WildcardTerm term(tree_.wordOf(tree_.nodes[index]), comparison_, 1);
+        return term.find(text_, start, end, {.acceptStar = true});
     }
-    return false;
+
+    bool isOneRun(std::size_t index) { return occurrencesOf(index).isOneRun(); }
+
+    const CharacterSetRep& termCharacters() const { return text_.termCharacters; }
+
+private:
+    detail::WildcardOccurrences& occurrencesOf(std::size_t index) {
+        auto& occurrences = occurrences_[firsts_[index]];
+        if (!occurrences)
+            occurrences = std::make_unique<detail::WildcardOccurrences>(
+                text_, tree_.wordOf(tree_.nodes[index]), comparison_);
+        return *occurrences;
+    }
+
+    const QueryTree& tree_;
+    detail::WordText text_;
+    WildcardComparison comparison_;
+    std::vector<std::size_t> firsts_;
+    std::vector<std::unique_ptr<detail::WildcardOccurrences>> occurrences_;  // by node
+};
+
+template <class Words>
+bool matches(const QueryTree& tree, std::size_t top, std::u16string_view text, Words words) {
+    return detail::QueryEvaluation(tree, text, words.termCharacters(), words).matches(top);
+}
+
+/// The negation of the top node does not count.
+template <class Words>
+bool contains(const QueryTree& tree, std::size_t top, std::u16string_view text, Words words) {
+    return detail::anyPositiveWord(tree, top, false, [&](std::size_t word) {
+        return words.find(word, 0, text.size()).isFound();
+    });
 }
 
 }  // namespace
@@ -82,16 +135,24 @@ void setQueryTermCharacters(const CharacterSetRep* set) noexcept { currentTermCh
 
 bool QueryTerms::matchesString(std::u16string_view text, bool caseSensitive) const {
     if (isAbsent() || text.empty()) return false;
-    PlainWords words(*tree_, text, caseSensitive, node().hasProximity);
-    return detail::QueryEvaluation(*tree_, text, words.termCharacters(), words).matches(index_);
+    return matches(*tree_, index_, text,
+                   PlainWords(*tree_, text, caseSensitive, node().hasProximity));
+}
+
+bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comparison) const {
+    if (isAbsent() || text.empty()) return false;
+    return matches(*tree_, index_, text,
+                   WildcardWords(*tree_, text, comparison, node().hasProximity));
 }
 
 bool QueryTerms::containsString(std::u16string_view text, bool caseSensitive) const {
     if (isAbsent() || text.empty()) return false;
-    PlainWords words(*tree_, text, caseSensitive, false);
-    return findsPositiveWord(*tree_, index_, [&](std::size_t word) {
-        return words.find(word, 0, text.size()).isFound();
-    });
+    return contains(*tree_, index_, text, PlainWords(*tree_, text, caseSensitive, false));
+}
+
+bool QueryTerms::containsString(std::u16string_view text, WildcardComparison comparison) const {
+    if (isAbsent() || text.empty()) return false;
+    return contains(*tree_, index_, text, WildcardWords(*tree_, text, comparison, false));
 }
 
 }  // namespace velmo

@@ -14,6 +14,10 @@ namespace velmo {
 //     matchesQueryTerms(u"The cat sat on the mat", query, false);      // false
 //     containsQueryTerms(u"The cat sat on the mat", query, false);     // true
 //
+//     QueryTerms wildcards(u"c?t BEFORE m*", {.wildcard = true});
+//     matchesQueryTerms(u"The cat sat on the mat", wildcards,
+//                       WildcardComparison::Exact);                    // true
+//
 // Operators join from left to right: a b OR c is (a AND b) OR c. A NEAR/n B holds if A holds
 // within n words on either side of a B, the B itself included; BEFORE and NEXT look only
 // ahead of the B, for A, and AFTER only behind it. With a negated B, A must hold somewhere
@@ -32,6 +36,15 @@ inline bool matchesQueryTerms(std::u16string_view text, const QueryTerms& terms,
 inline bool containsQueryTerms(std::u16string_view text, const QueryTerms& terms,
                                bool caseSensitive) {
     return terms.containsString(text, caseSensitive);
+}
+// The same with wildcards.
+inline bool matchesQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                              WildcardComparison comparison) {
+    return terms.matchesString(text, comparison);
+}
+inline bool containsQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                               WildcardComparison comparison) {
+    return terms.containsString(text, comparison);
 }
 
 /// What belongs to a word in searches and evaluations: alphaNumCharacterSetRep(), unless

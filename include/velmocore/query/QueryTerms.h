@@ -3,10 +3,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string_view>
+#include <vector>
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/query/QueryRendering.h>
+#include <velmocore/query/Wildcards.h>
 
 namespace velmo {
 
@@ -112,6 +116,48 @@ public:
     /// Whether a word that is not negated occurs in the text; operators and distances play
     /// no role, nor does the negation of this node itself.
     bool containsString(std::u16string_view text, bool caseSensitive) const;
+    /// The same with each word as a wildcard, of one word or several; see
+    /// FindWildcardStringInCharacters(). A lone * is found in every stretch of text.
+    bool matchesString(std::u16string_view text, WildcardComparison comparison) const;
+    bool containsString(std::u16string_view text, WildcardComparison comparison) const;
+
+    // The positive words, in their order: those that are under an even number of
+    // negations, that of this node not counted.
+
+    /// Their texts, with blanks between them.
+    String plusString(std::uint32_t kinds = AllWords) const;
+    std::vector<String> plusParts(std::uint32_t kinds = AllWords) const;
+    /// Their nodes.
+    std::vector<QueryTerms> plusTerms(std::uint32_t kinds = AllWords) const;
+    /// Their texts cut into words, as wordsUsingWildcardSeparation() cuts.
+    std::vector<String> plusWords(std::uint32_t kinds = AllWords) const;
+    /// The length of the shortest positive word, in UTF-16 units; 0 if there is none. Here
+    /// the negation of this node counts.
+    std::uint64_t minTermLen() const;
+
+    // Patterns for the search in a text, as excerpts need them: no two are the same, and
+    // the shortest come first. Without a value if the query is not valid.
+
+    /// The positive words as they are, as words with blanks between them, and, if they are
+    /// joined by hyphens or are an abbreviation with full stops, in one piece.
+    std::optional<std::vector<String>> plusWildcards() const;
+    /// The positive words, not as they are but in the other forms, and pairs of neighbours
+    /// that must both occur, as phrases.
+    std::optional<std::vector<String>> extendedPlusWildcards() const;
+
+    // The query as a text again. An absent one gives nothing.
+
+    /// One text, written as flags of QueryTermRendering say.
+    std::vector<String> queryTermsForOperators(std::uint64_t flags,
+                                               const OperatorDictionary& dictionary = {}) const;
+    /// In the most common form: OR, XOR, OPT, -, quotes and parentheses; proximity operators
+    /// become blanks.
+    String standardizedQueryTerm() const;
+    /// In one form for all ways to write a query: words in lower case, | for OR, BEFORE/n for
+    /// NEXT.
+    String normalizedQueryTerm() const;
+    /// With all that the query says, in words.
+    String description() const;
 
 private:
     friend struct detail::QueryTree;

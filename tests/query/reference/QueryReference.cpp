@@ -6,7 +6,6 @@ namespace velmo::test {
 namespace {
 
 constexpr std::uint64_t Unbounded = 0x7FFFFFFFFFFFFFFF;
-constexpr std::size_t None = static_cast<std::size_t>(-1);
 
 bool isQuote(char16_t c) { return c == u'"' || (c >= 0x201C && c <= 0x201F); }
 bool isWhite(char16_t c) { return c == u' ' || c == u'\n' || c == u'\t' || c == 0; }
@@ -81,26 +80,10 @@ bool addPart(RefNode& group, std::u16string part, bool phrase, RefState& state, 
 
 struct RefText {
     std::u16string text;
-    bool caseSensitive;
+    const RefFind& find;
 };
 
 bool isTerm(char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9'); }
-
-std::size_t find(const RefText& in, const RefNode& node, std::size_t start, std::size_t end) {
-    const std::u16string& word = node.word;
-    if (word.empty()) return None;
-    if (word[0] == u'*') return start;
-    for (std::size_t i = start; i + word.size() <= end; ++i) {
-        const std::u16string here = in.text.substr(i, word.size());
-        if (in.caseSensitive ? here != word : up(here) != up(word)) continue;
-        if (!node.substring) {
-            if (i != start && isTerm(in.text[i - 1])) continue;
-            if (i + word.size() != end && isTerm(in.text[i + word.size()])) continue;
-        }
-        return i;
-    }
-    return None;
-}
 
 std::size_t back(const RefText& in, std::size_t n, std::size_t position, std::size_t start) {
     if (position <= start) return start;
@@ -134,9 +117,9 @@ bool matchesNear(const RefText& in, const RefNode& word, const RefProximity& nea
     const auto leftHolds = [&](std::size_t from, std::size_t to) { return matches(in, *near.left, {}, from, to); };
     std::size_t cursor = start, lastEnd = start;
     for (;;) {
-        const std::size_t position = find(in, word, cursor, end);
-        if (position == None) return word.negated && lastEnd < end && leftHolds(lastEnd, end);
-        const std::size_t behind = position + word.word.size();
+        const auto hit = in.find(word, cursor, end);
+        if (!hit) return word.negated && lastEnd < end && leftHolds(lastEnd, end);
+        const std::size_t position = hit->location, behind = position + hit->length;
         const std::size_t windowStart = near.op == 5 ? position : back(in, near.distance, position, start);
         const std::size_t windowEnd = near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind;
         cursor = behind;
@@ -151,7 +134,7 @@ bool matchesNear(const RefText& in, const RefNode& word, const RefProximity& nea
 bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start, std::size_t end) {
     if (node.isWord) {
         if (near.left) return matchesNear(in, node, near, start, end);
-        return (find(in, node, start, end) != None) != node.negated;
+        return in.find(node, start, end).has_value() != node.negated;
     }
     bool value = false;
     for (std::size_t i = 0; i < node.children.size(); ++i) {
@@ -173,7 +156,7 @@ bool matches(const RefText& in, const RefNode& node, const RefProximity& near, s
 
 bool contains(const RefText& in, const RefNode& node, bool inherited) {
     const bool negated = node.negated != inherited;
-    if (node.isWord) return !negated && find(in, node, 0, in.text.size()) != None;
+    if (node.isWord) return !negated && in.find(node, 0, in.text.size());
     for (const auto& child : node.children)
         if (contains(in, *child, negated)) return true;
     return false;
@@ -266,12 +249,28 @@ std::string refDump(const RefNode& node, std::size_t depth) {
     return line;
 }
 
-bool refMatches(const RefNode& top, std::u16string_view text, bool caseSensitive) {
-    return !text.empty() && matches({std::u16string(text), caseSensitive}, top, {}, 0, text.size());
+RefFind refPlainWords(std::u16string_view text, bool caseSensitive) {
+    const auto folded = [=](std::u16string_view units) { return caseSensitive ? std::u16string(units) : up(units); };
+    return [text = folded(text), folded](const RefNode& node, std::size_t start, std::size_t end) -> std::optional<RefHit> {
+        const std::u16string word = folded(node.word);
+        if (word.empty()) return {};
+        if (word[0] == u'*') return RefHit{start, word.size()};
+        for (std::size_t i = start; i + word.size() <= end; ++i) {
+            if (text.compare(i, word.size(), word) != 0) continue;
+            const bool cutsFront = i != start && isTerm(text[i - 1]);
+            const bool cutsBack = i + word.size() != end && isTerm(text[i + word.size()]);
+            if (node.substring || !(cutsFront || cutsBack)) return RefHit{i, word.size()};
+        }
+        return {};
+    };
 }
 
-bool refContains(const RefNode& top, std::u16string_view text, bool caseSensitive) {
-    return !text.empty() && contains({std::u16string(text), caseSensitive}, top, top.negated);
+bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find) {
+    return !text.empty() && matches({std::u16string(text), find}, top, {}, 0, text.size());
+}
+
+bool refContains(const RefNode& top, std::u16string_view text, const RefFind& find) {
+    return !text.empty() && contains({std::u16string(text), find}, top, top.negated);
 }
 
 }  // namespace velmo::test

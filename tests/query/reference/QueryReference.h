@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,9 +41,18 @@ void refParse(RefNode& group, std::u16string_view text, const RefDefaults& defau
 /// The same text as dumpOfQueryTerms() gives.
 std::string refDump(const RefNode& node, std::size_t depth = 0);
 
-/// Evaluates a tree of plain words on a text; term units are ASCII letters and digits, and
-/// case folding is that of ASCII.
-bool refMatches(const RefNode& top, std::u16string_view text, bool caseSensitive);
-bool refContains(const RefNode& top, std::u16string_view text, bool caseSensitive);
+struct RefHit {
+    std::size_t location, length;
+};
+/// The first occurrence of a word node in a stretch of a text.
+using RefFind = std::function<std::optional<RefHit>(const RefNode& word, std::size_t start, std::size_t end)>;
+
+/// Finds words as they are written; term units are ASCII letters and digits, and case folding
+/// is that of ASCII.
+RefFind refPlainWords(std::u16string_view text, bool caseSensitive);
+
+/// Evaluates a tree on a text whose words that function finds.
+bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find);
+bool refContains(const RefNode& top, std::u16string_view text, const RefFind& find);
 
 }  // namespace velmo::test

@@ -1,0 +1,201 @@
+// Queries and excerpts, beside Xapian, Hyperscan and SQLite's full-text search.
+#include <benchmark/benchmark.h>
+#include <hs.h>
+#include <sqlite3.h>
+#include <xapian.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <velmocore/query/Occurrences.h>
+#include <velmocore/query/QueryEvaluation.h>
+#include <velmocore/query/QueryTerms.h>
+
+#include "Corpus.h"
+
+namespace velmo::bench {
+namespace {
+
+// Parsing.
+
+const char* const Queries[] = {
+    "(apache OR nginx) \"configuration file\" module -windows request",
+    "license AND (commons OR creative) \"public domain\" author work",
+    "\"web server\" (virtual OR dedicated) host NEAR/5 address name",
+    "(document OR page) title \"style sheet\" script -frame link",
+    "kernel (driver OR module) NOT network \"source code\" release",
+    "(\"first page\" OR \"last page\") index chapter note author",
+};
+
+void parseVelmo(benchmark::State& state) {
+    std::vector<String> queries;
+    for (const char* query : Queries) queries.push_back(String::fromUTF8(query));
+    for (auto _ : state)
+        for (const String& query : queries) benchmark::DoNotOptimize(QueryTerms(query));
+}
+BENCHMARK(parseVelmo)->Name("query-parse/velmo")->Unit(benchmark::kMicrosecond);
+
+void parseXapian(benchmark::State& state) {
+    Xapian::QueryParser parser;
+    const std::vector<std::string> queries(std::begin(Queries), std::end(Queries));
+    for (auto _ : state)
+        for (const std::string& query : queries)
+            benchmark::DoNotOptimize(parser.parse_query(query));
+}
+BENCHMARK(parseXapian)->Name("query-parse/xapian")->Unit(benchmark::kMicrosecond);
+
+// Matching: whether a text holds the words of a query.
+
+void matchVelmo(benchmark::State& state) {
+    const QueryTerms query(u"(apache OR commons) (license OR document) module server");
+    std::size_t hits = 0;
+    eachPage(state, corpus().texts,
+             [&](const String& text) { hits += query.matchesString(text, false); });
+    state.counters["hits"] = static_cast<double>(hits / state.iterations());
+}
+BENCHMARK(matchVelmo)->Name("query-match/velmo")->Unit(benchmark::kMillisecond);
+
+class HyperscanQuery {
+public:
+    HyperscanQuery() {
+        const char* expressions[] = {"\\bapache\\b",   "\\bcommons\\b", "\\blicense\\b",
+                                     "\\bdocument\\b", "\\bmodule\\b",  "\\bserver\\b",
+                                     "(1|2)&(3|4)&5&6"};
+        const unsigned word = HS_FLAG_CASELESS | HS_FLAG_QUIET;
+        const unsigned flags[] = {word, word, word, word, word, word, HS_FLAG_COMBINATION};
+        const unsigned ids[] = {1, 2, 3, 4, 5, 6, 7};
+        hs_compile_error_t* error = nullptr;
+        if (hs_compile_multi(expressions, flags, ids, 7, HS_MODE_BLOCK, nullptr, &database_,
+                             &error) != HS_SUCCESS)
+            throw std::runtime_error(error->message);
+        hs_alloc_scratch(database_, &scratch_);
+    }
+    ~HyperscanQuery() {
+        hs_free_scratch(scratch_);
+        hs_free_database(database_);
+    }
+    HyperscanQuery(const HyperscanQuery&) = delete;
+    HyperscanQuery& operator=(const HyperscanQuery&) = delete;
+
+    /// Without negation the scan may end where the combination holds first.
+    bool matches(const std::string& text) const {
+        return hs_scan(
+                   database_, text.data(), static_cast<unsigned>(text.size()), 0, scratch_,
+                   [](unsigned, unsigned long long, unsigned long long, unsigned, void*) {
+                       return 1;
+                   },
+                   nullptr) == HS_SCAN_TERMINATED;
+    }
+
+private:
+    hs_database_t* database_ = nullptr;
+    hs_scratch_t* scratch_ = nullptr;
+};
+
+void matchHyperscan(benchmark::State& state) {
+    const HyperscanQuery query;
+    std::size_t hits = 0;
+    eachPage(state, corpus().textsUtf8,
+             [&](const std::string& text) { hits += query.matches(text); });
+    state.counters["hits"] = static_cast<double>(hits / state.iterations());
+}
+BENCHMARK(matchHyperscan)->Name("query-match/hyperscan")->Unit(benchmark::kMillisecond);
+
+void matchXapian(benchmark::State& state) {
+    Xapian::QueryParser parser;
+    const Xapian::Query query =
+        parser.parse_query("(apache OR commons) AND (license OR document) AND module AND server",
+                           Xapian::QueryParser::FLAG_DEFAULT);
+    std::size_t hits = 0;
+    eachPage(state, corpus().textsUtf8, [&](const std::string& text) {
+        Xapian::WritableDatabase database(std::string(), Xapian::DB_BACKEND_INMEMORY);
+        Xapian::Document document;
+        Xapian::TermGenerator generator;
+        generator.set_document(document);
+        generator.index_text(text);
+        database.add_document(document);
+        Xapian::Enquire enquire(database);
+        enquire.set_query(query);
+        hits += enquire.get_mset(0, 1).size();
+    });
+    state.counters["hits"] = static_cast<double>(hits / state.iterations());
+}
+BENCHMARK(matchXapian)->Name("query-match/xapian")->Unit(benchmark::kMillisecond);
+
+// Matching, and an excerpt of 300 units of what matches.
+
+void excerptVelmo(benchmark::State& state) {
+    const String text = u"(apache OR commons) (license OR document)";
+    const QueryTerms query(text);
+    const auto wildcards =
+        QueryTerms::queryTermsWithWildcard(text).plusWildcards().value();
+    const AssemblyOptions options{.comparison = WildcardComparison::CaseInsensitive,
+                                  .ellipsizeAfterNCharacters = 300};
+    std::size_t hits = 0;
+    eachPage(state, corpus().texts, [&](const String& page) {
+        if (!query.matchesString(page, false)) return;
+        ++hits;
+        benchmark::DoNotOptimize(assembleOccurrencesOfWildcards(page, wildcards, options));
+    });
+    state.counters["hits"] = static_cast<double>(hits / state.iterations());
+}
+BENCHMARK(excerptVelmo)->Name("query-excerpt/velmo")->Unit(benchmark::kMillisecond);
+
+/// All texts in one full-text index in memory.
+class FullTextIndex {
+public:
+    explicit FullTextIndex(const std::vector<std::string>& texts) {
+        sqlite3_open(":memory:", &database_);
+        sqlite3_exec(database_, "CREATE VIRTUAL TABLE page USING fts5(text)", nullptr, nullptr,
+                     nullptr);
+        sqlite3_stmt* insert = prepare("INSERT INTO page VALUES (?)");
+        for (const std::string& text : texts) {
+            sqlite3_bind_text(insert, 1, text.data(), static_cast<int>(text.size()),
+                              SQLITE_STATIC);
+            sqlite3_step(insert);
+            sqlite3_reset(insert);
+        }
+        sqlite3_finalize(insert);
+        // 300 units are about 50 words.
+        select_ = prepare("SELECT snippet(page, 0, '', '', '...', 50) FROM page WHERE page MATCH "
+                          "'(apache OR commons) AND (license OR document)'");
+    }
+    ~FullTextIndex() {
+        sqlite3_finalize(select_);
+        sqlite3_close(database_);
+    }
+    FullTextIndex(const FullTextIndex&) = delete;
+    FullTextIndex& operator=(const FullTextIndex&) = delete;
+
+    std::size_t excerpts() {
+        std::size_t hits = 0;
+        for (; sqlite3_step(select_) == SQLITE_ROW; ++hits)
+            benchmark::DoNotOptimize(sqlite3_column_text(select_, 0));
+        sqlite3_reset(select_);
+        return hits;
+    }
+
+private:
+    sqlite3_stmt* prepare(const char* statement) {
+        sqlite3_stmt* prepared = nullptr;
+        if (sqlite3_prepare_v2(database_, statement, -1, &prepared, nullptr) != SQLITE_OK)
+            throw std::runtime_error(sqlite3_errmsg(database_));
+        return prepared;
+    }
+
+    sqlite3* database_ = nullptr;
+    sqlite3_stmt* select_ = nullptr;
+};
+
+void excerptSqlite(benchmark::State& state) {
+    FullTextIndex index(corpus().textsUtf8);
+    std::size_t hits = 0;
+    for (auto _ : state)
+        for (std::size_t round = 0; round < corpus().rounds; ++round) hits += index.excerpts();
+    state.counters["hits"] = static_cast<double>(hits / state.iterations());
+}
+BENCHMARK(excerptSqlite)->Name("query-excerpt/sqlite-fts5")->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace velmo::bench

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/Range.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/query/Wildcards.h>
+
+namespace velmo {
+
+// Where the terms of a query occur in a text, as people want to read it: one summary of the
+// sentences that hold a hit, or a list of excerpts. A boundary is what ends a sentence
+// (defaultSentenceSeparators()) or, if paragraphs is set, a line (defaultLineSeparators()).
+// Term units are those of queryTermCharacters(). All lengths and limits count UTF-16 units.
+// The wildcards are those of findNextWildcard(); plusWildcards() of a query gives them. The
+// forms for a string look for it as it is, inside words too; with regard to case unless the
+// comparison is CaseInsensitive or Insensitive.
+//
+//     auto wildcards = *plusWildcards(u"tea OR cof*");
+//     assembleOccurrencesOfWildcards(page, wildcards, {.ellipsizeAfterNCharacters = 300});
+//     for (const Occurrence& hit : getOccurrencesOfWildcards(page, wildcards))
+//         print(hit.line + 1, hit.string);
+//
+// Time is in proportion to the text; with a limit the search ends where the summary is full.
+// Any thread may call these.
+
+/// How a summary is made.
+struct AssemblyOptions {
+    WildcardComparison comparison = WildcardComparison::Exact;
+    std::uint64_t minCharacters = 1;  ///< see FindWildcardOptions
+    bool paragraphs = false;          ///< whole lines instead of sentences
+    /// Sentences of nothing but the hit, too.
+    bool singleWords = false;
+    /// No hit gives the absent string, and not the beginning of the text.
+    bool onlyOccurrences = false;
+    String separator;  ///< between excerpts; absent is a blank
+    /// The length that a summary may have, without the "..." at its end; 0 is no limit.
+    std::uint64_t ellipsizeAfterNCharacters = 0;
+};
+
+/// The sentences or paragraphs with a hit, each once. One that does not fit is cut such that
+/// its hit can still be read. Where nothing is found, or no longer text is wanted than there
+/// is, it is the text, shortened by stringByEllipsizingAfterNCharacters(). Absent for an
+/// empty text.
+VELMO_API String assembleOccurrencesOfWildcards(const String& text,
+                                                std::span<const String> wildcards,
+                                                const AssemblyOptions& options = {});
+VELMO_API String assembleOccurrencesOfString(const String& text, std::u16string_view sought,
+                                             const AssemblyOptions& options = {});
+
+/// An excerpt with one hit or more.
+struct Occurrence {
+    Range range;             ///< in the text
+    std::uint64_t line = 0;  ///< of its start, from 0; CR with LF behind it is one line end
+    /// What stands in the range, with "..." at an end that crossed a boundary.
+    String string;
+};
+
+/// How excerpts are cut.
+struct OccurrenceOptions {
+    WildcardComparison comparison = WildcardComparison::Exact;
+    std::uint64_t minCharacters = 1;
+    bool paragraphs = false;
+    /// An excerpt goes on across boundaries until so many words stand on each side of the
+    /// hit.
+    std::uint64_t minEnclosingWords = 0;
+};
+
+/// The sentences or paragraphs with a hit, in their order. All hits in one excerpt make one
+/// record. Empty if there is none.
+VELMO_API std::vector<Occurrence> getOccurrencesOfWildcards(std::u16string_view text,
+                                                            std::span<const String> wildcards,
+                                                            const OccurrenceOptions& options = {});
+VELMO_API std::vector<Occurrence> getOccurrencesOfString(std::u16string_view text,
+                                                         std::u16string_view sought,
+                                                         const OccurrenceOptions& options = {});
+
+}  // namespace velmo

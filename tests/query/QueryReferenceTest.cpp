@@ -1,0 +1,231 @@
+// Random queries and texts: the library beside a slow transcription of its rules.
+#include <velmocore/query/QueryTerms.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <random>
+#include <span>
+
+#include <velmocore/query/Occurrences.h>
+#include <velmocore/query/QueryDump.h>
+#include <velmocore/query/WildcardSearch.h>
+
+#include "TestSupport.h"
+#include "query/reference/ExcerptReference.h"
+#include "query/reference/QueryReference.h"
+#include "query/reference/RewritingReference.h"
+
+namespace velmo {
+namespace {
+
+using View = std::u16string_view;
+
+struct RandomCase {
+    std::u16string query, text;
+    QueryOptions options;
+    WildcardComparison comparison = WildcardComparison::Exact;
+    std::uint64_t flags = 0;  // of the rendering
+    AssemblyOptions assembly;
+    std::uint64_t minEnclosingWords = 0;
+};
+
+template <std::size_t N>
+View anyOf(std::mt19937& random, const View (&parts)[N]) {
+    return parts[random() % N];
+}
+
+template <std::size_t N>
+std::u16string joined(std::mt19937& random, const View (&parts)[N], std::size_t count) {
+    std::u16string result;
+    while (count-- > 0) result += anyOf(random, parts);
+    return result;
+}
+
+constexpr View Patterns[] = {u"*",    u"a*",    u"*b",     u"*a*", u"a?",      u"?",    u"[ab]",  u"[^a]*", u"a*b",
+                             u"?b*",  u"[a-c",  u"a]",     u"a-b", u"*-b",     u"a.b.", u"[|-]",  u"a[b]",  u"**",
+                             u"[a]b", u"*[bc]", u"\"a* b\"", u"ab",  u"\"* b\"", u"a-?", u"a-b-c", u"?-b",   u"\"a a\""};
+
+/// Anything that a scanner may meet, in any order.
+std::u16string randomQuery(std::mt19937& random, bool wildcard) {
+    static constexpr View Parts[] = {
+        u"a ",      u"b ",    u"c ",         u"A ",      u"ab ",       u"a",        u"b",
+        u"(",       u"(",     u"(",          u") ",      u")",         u") ",       u"-",
+        u"~",       u"\"",    u"\"a b\" ",   u"[",       u"]",         u" ",        u"NOT ",
+        u"OR ",     u"or ",   u"AND ",       u"XOR ",    u"OPT ",      u"NEAR ",    u"NEAR/1 ",
+        u"NEAR/2 ", u"NEXT ", u"NEXT/3 ",    u"BEFORE ", u"BEFORE/2 ", u"AFTER ",   u"AFTER/1 ",
+        u"NEAR/0 ", u"|",     u"&",          u"^",       u"!",         u"*",        u"a-",
+        u"+",       u"-a ",   u"NEAR/1 -b ", u"NEXT -",  u"AFTER/2 (", u"NEAR/2 (", u"a OR b) "};
+    std::u16string query;
+    for (std::size_t count = 1 + random() % 16; count > 0; --count) {
+        query += anyOf(random, Parts);
+        if (wildcard && random() % 3 == 0) query.append(anyOf(random, Patterns)).append(u" ");
+    }
+    return query;
+}
+
+/// Well-formed groups in groups, mostly joined by proximity.
+void addGroup(std::mt19937& random, std::u16string& query, int depth, bool odd, bool wildcard) {
+    static constexpr View Plain[] = {u"a", u"b", u"c"};
+    static constexpr View Words[] = {u"a", u"b", u"c", u"a", u"b", u"c", u"~a", u"\"a b\"", u"\" a\"", u"-b"};
+    static constexpr View Operators[] = {u" NEAR/1 ", u" NEAR/2 ",  u" NEXT ",     u" NEXT/2 ", u" BEFORE ",
+                                         u" AFTER ",  u" AFTER/1 ", u" BEFORE/2 ", u" NEAR/3 ", u" ",
+                                         u" OR ",     u" XOR ",     u" OPT "};
+    const std::size_t terms = 2 + random() % 2;
+    for (std::size_t i = 0; i < terms; ++i) {
+        if (i) query += Operators[random() % (std::size(Operators) - (odd ? 0 : 2))];
+        if (random() % 12 == 0 && odd) query += u'-';
+        if (depth == 0 || random() % 3 == 0) {
+            query += wildcard && random() % 2 ? anyOf(random, Patterns)
+                     : odd                    ? anyOf(random, Words)
+                                              : anyOf(random, Plain);
+        } else {
+            query += u'(';
+            addGroup(random, query, depth - 1, odd, wildcard);
+            query += u')';
+        }
+    }
+}
+
+RandomCase randomCase(std::mt19937& random) {
+    static constexpr View Words[] = {u"a",  u"b",   u"c",    u"A",   u" ",   u" ",    u" ",  u"a ", u"b ",
+                                     u" b", u"-",   u"ab ",  u"a b ", u"x ", u". ",   u"\n", u"bc ", u"aab "};
+    static constexpr View Spaced[] = {u"a ", u"b ", u"c ", u"x ", u"a-b ", u"ab ", u"a. ", u"b\r\n", u"Bb ", u"c.a"};
+    RandomCase c;
+    const bool wildcard = c.options.wildcard = random() % 2 == 0;
+    if (random() % 2) {
+        c.query = randomQuery(random, wildcard);
+        c.text = joined(random, Words, random() % 18);
+        if (random() % 4 == 0) c.options.defaultOperator = static_cast<QueryOperator>(random() % 8);
+        if (random() % 4 == 0) c.options.defaultDistance = random() % 4;
+    } else {
+        addGroup(random, c.query, 1 + static_cast<int>(random() % 3), random() % 4 > 0, wildcard);
+        c.text = joined(random, Spaced, 2 + random() % 13);
+        if (random() % 2) c.text.pop_back();
+    }
+    c.comparison = static_cast<WildcardComparison>(random() % 4 ? random() % 2 : random() % 8);
+    c.flags = random() % 0x40000;
+    c.assembly = {.comparison = c.comparison,
+                  .paragraphs = random() % 2 == 0,
+                  .singleWords = random() % 2 == 0,
+                  .onlyOccurrences = true,
+                  .separator = random() % 2 ? String(u" / ") : String(),
+                  .ellipsizeAfterNCharacters = random() % 2 * (random() % 14)};
+    c.minEnclosingWords = random() % 4;
+    return c;
+}
+
+// The parts of a case; each gives what differs, or nothing.
+
+std::string evaluationOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
+    const bool caseSensitive = !isCaseInsensitive(c.comparison);
+    const test::RefFind find = c.options.wildcard ? test::refWildcards(c.text, c.comparison)
+                                                  : test::refPlainWords(c.text, caseSensitive);
+    const bool expected = test::refMatches(reference, c.text, find);
+    if (expected != (c.options.wildcard ? terms.matchesString(c.text, c.comparison)
+                                        : terms.matchesString(c.text, caseSensitive)))
+        return "does" + std::string(expected ? " not" : "") + " match";
+    const bool contained = test::refContains(reference, c.text, find);
+    if (contained != (c.options.wildcard ? terms.containsString(c.text, c.comparison)
+                                         : terms.containsString(c.text, caseSensitive)))
+        return "does" + std::string(contained ? " not" : "") + " contain";
+    return {};
+}
+
+std::vector<std::u16string> unitsOf(const std::vector<String>& strings) { return {strings.begin(), strings.end()}; }
+
+std::string rewritingOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
+    const OperatorDictionary none, some = {{u"AND", u"UND"}, {u"-", u"--"}};
+    const test::RefDictionary refNone, refSome = {{u"AND", u"UND"}, {u"-", u"--"}};
+    const bool plain = c.flags % 2 == 0;
+    const String text = terms.queryTermsForOperators(c.flags, plain ? none : some).at(0);
+    const std::u16string expected = test::refRender(reference, c.flags, plain ? refNone : refSome);
+    if (text != expected) return "written as " + text.utf8() + " and not as " + utf8(expected);
+    const auto mask = static_cast<std::uint32_t>(c.flags % 4);
+    const std::vector<QueryTerms> plus = terms.plusTerms(mask);
+    if (!std::ranges::equal(plus, test::refPlusTerms(reference, mask), {}, &QueryTerms::word,
+                            [](const test::RefNode* node) { return View(node->word); }))
+        return "has other positive words";
+    for (bool extended : {false, true}) {
+        const auto wildcards = extended ? terms.extendedPlusWildcards() : terms.plusWildcards();
+        if (wildcards.has_value() != !reference.children.empty()) return "has wildcards or not";
+        if (wildcards && unitsOf(*wildcards) != test::refPlusWildcards(reference, extended))
+            return extended ? "has other extended wildcards" : "has other wildcards";
+    }
+    return {};
+}
+
+std::string excerptsOf(const RandomCase& c, const std::vector<String>& wildcards) {
+    const bool strings = !c.options.wildcard;
+    const String sought = wildcards.front();
+    const auto next = strings ? test::refNextString(c.text, sought.view(), !isCaseInsensitive(c.comparison))
+                              : test::refNextWildcard(c.text, unitsOf(wildcards), c.comparison);
+    const AssemblyOptions& options = c.assembly;
+    const String summary = strings ? assembleOccurrencesOfString(c.text, sought, options)
+                                   : assembleOccurrencesOfWildcards(c.text, wildcards, options);
+    const auto expected = test::refAssemble(
+        c.text, next,
+        {options.singleWords, options.paragraphs,
+         options.separator.isAbsent() ? u" " : std::u16string(options.separator), options.ellipsizeAfterNCharacters});
+    if (summary != (expected ? String(*expected) : String()))
+        return "has the summary " + summary.utf8() + " and not " + (expected ? utf8(*expected) : "none");
+    const OccurrenceOptions how{c.comparison, 1, options.paragraphs, c.minEnclosingWords};
+    std::vector<test::RefRecord> records;
+    for (const Occurrence& o : strings ? getOccurrencesOfString(c.text, sought, how)
+                                       : getOccurrencesOfWildcards(c.text, wildcards, how))
+        records.push_back({o.range.location, o.range.length, o.line, std::u16string(o.string)});
+    return records == test::refOccurrences(c.text, next, options.paragraphs, c.minEnclosingWords)
+               ? ""
+               : "has other occurrences";
+}
+
+/// Where the library and the reference differ; empty if they do not.
+std::string differenceOf(const RandomCase& c) {
+    test::RefNode reference;
+    reference.op = static_cast<int>(c.options.defaultOperator);
+    reference.distance = c.options.defaultDistance;
+    test::refParse(reference, c.query, {reference.op, reference.distance, c.options.wildcard});
+    const QueryTerms terms(c.query, c.options);
+    if (const std::string dump = dumpOfQueryTerms(terms); dump != test::refDump(reference))
+        return "parsed as\n" + dump + "and not as\n" + test::refDump(reference);
+    std::string difference = evaluationOf(c, terms, reference);
+    if (difference.empty()) difference = rewritingOf(c, terms, reference);
+    const auto wildcards = terms.plusWildcards();
+    if (difference.empty() && wildcards && !wildcards->empty()) difference = excerptsOf(c, *wildcards);
+    return difference;
+}
+
+// VELMO_QUERY_CASES sets another number of cases, VELMO_QUERY_SEED other ones.
+TEST(QueryReference, RandomCasesAgree) {
+    const char* wanted = std::getenv("VELMO_QUERY_CASES");
+    const char* seed = std::getenv("VELMO_QUERY_SEED");
+    const long count = wanted ? std::atol(wanted) : 200000;
+    std::mt19937 random(seed ? static_cast<unsigned>(std::atol(seed)) : 2024);
+    std::size_t smallest = SIZE_MAX;
+    std::string report;
+    std::array<long, 2> matches = {};  // without and with wildcards
+    for (long i = 0; i < count; ++i) {
+        const RandomCase c = randomCase(random);
+        const std::string difference = differenceOf(c);
+        if (i < 20000)
+            matches[c.options.wildcard] += c.options.wildcard
+                                               ? QueryTerms(c.query, c.options).matchesString(c.text, c.comparison)
+                                               : QueryTerms(c.query, c.options).matchesString(c.text, true);
+        const std::size_t size = c.query.size() + c.text.size();
+        if (difference.empty() || size >= smallest) continue;
+        smallest = size;
+        report = "query \"" + utf8(c.query) + "\", text \"" + utf8(c.text) + "\", comparison " +
+                 std::to_string(static_cast<int>(c.comparison)) + ", flags " + std::to_string(c.flags) + ": " +
+                 difference;
+    }
+    EXPECT_TRUE(report.empty()) << report;
+    // The cases are worth something only if both answers are common.
+    if (count < 20000) return;
+    for (long some : matches) {
+        EXPECT_GT(some, 1500);
+        EXPECT_LT(some, 8500);
+    }
+}
+
+}  // namespace
+}  // namespace velmo
