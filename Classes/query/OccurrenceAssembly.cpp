@@ -21,7 +21,7 @@ public:
 
     /// The summary; absent if there is nothing in it.
     template <class Hits>
-    String of(Hits& hits) {
+    String of(Hits&& hits) {
         for (std::uint64_t from = 0; from < units_.text.size();) {
             const Range hit = hits.next(from);
             if (!hit.isFound()) break;

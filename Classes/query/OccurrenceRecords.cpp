@@ -45,7 +45,7 @@ public:
         : units_(text, options.paragraphs), minWords_(options.minEnclosingWords) {}
 
     template <class Hits>
-    std::vector<Occurrence> of(Hits& hits) {
+    std::vector<Occurrence> of(Hits&& hits) {
         for (std::uint64_t from = 0; from < units_.text.size();) {
             const Range hit = hits.next(from);
             if (!hit.isFound()) break;

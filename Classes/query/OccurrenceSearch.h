@@ -20,8 +20,8 @@ class WildcardHits {
 public:
     WildcardHits(std::u16string_view text, std::span<const String> wildcards,
                  WildcardComparison comparison, std::uint64_t minCharacters)
-        : walk_({text, queryTermCharacters()}, 0, text.size(), wildcards, comparison,
-                minCharacters, false) {}
+        : walk_({text, queryTermCharacters()}, 0, text.size(), wildcards, comparison, minCharacters,
+                false) {}
 
     /// The first hit from a position on. Positions must not go back.
     Range next(std::uint64_t from) {

@@ -10,13 +10,12 @@ WildcardOccurrences::WildcardOccurrences(const WordText& text, std::u16string_vi
                                          WildcardComparison comparison)
     : text_(text),
       term_(wildcard, comparison, 1),
-      findsWords_(term_.findsWords(text.termCharacters) && !term_.isLoneStar()) {}
+      findsWords_(term_.findsWords(text.termCharacters) && !term_.hasLoneStar()) {}
 
 Range WildcardOccurrences::find(std::uint64_t start, std::uint64_t end) {
     if (start >= end) return Range::none();
     // The end of a stretch ends words; where it cuts one, the text as a whole says nothing.
-    const bool cutsWord =
-        end < text_.units.size() && text_.isBehindTerm(end) && text_.isTerm(end);
+    const bool cutsWord = end < text_.units.size() && text_.isBehindTerm(end) && text_.isTerm(end);
     if (!findsWords_ || cutsWord) return term_.find(text_, start, end, Choice);
     const Range hit = firstKept(words_, &WildcardTerm::findWords, start, end);
     return hit.isFound() ? hit : firstKept(joined_, &WildcardTerm::findJoined, start, end);

@@ -45,6 +45,10 @@ public:
     /// any stretch that holds it and cuts no word.
     bool findsWords(const CharacterSetRep& termCharacters) const;
     bool isPhrase() const { return !rest_.empty(); }
+    /// Whether one of its two steps is to look for a lone star.
+    bool hasLoneStar() const {
+        return (!isPhrase() && first_.isLoneStar()) || (joined_ && joined_->isLoneStar());
+    }
 
 private:
     /// The words of a wildcard; none if there are fewer than two.

@@ -1,6 +1,7 @@
 // The nearest hits of several wildcards, one after the other.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -24,6 +25,9 @@ public:
 
     /// The next hit, or no range; then the walk is over.
     Range next();
+
+    /// Goes on at a position further on, going forward.
+    void skipTo(std::uint64_t position) { start_ = std::max(start_, position); }
 
 private:
     /// One of the two searches of a term, and what it has found.

@@ -80,7 +80,7 @@ TEST(Occurrences, Records) {
     for (const auto& c : cases)
         EXPECT_EQ(listed(getOccurrencesOfWildcards(c.text, Strings{u"a"}, c.options)), c.expected) << c.text;
     EXPECT_EQ(listed(getOccurrencesOfString(u"xax.x\nXA", u"XA", {.comparison = AnyCase})), "0:0,3:xax;1:6,2:XA;");
-    EXPECT_EQ(listed(getOccurrencesOfString(u"a-b. -", u"-", {.minEnclosingWords = 1})), "0:0,3:a-b;0:2,4:...b. -;");
+    EXPECT_EQ(listed(getOccurrencesOfString(u"a-b. -", u"-", {.minEnclosingWords = 1})), "0:0,3:a-b;0:0,6:...a-b. -;");
     EXPECT_TRUE(getOccurrencesOfString(u"a", u"").empty());
 }
 

@@ -15,6 +15,7 @@
 #include "query/reference/ExcerptReference.h"
 #include "query/reference/QueryReference.h"
 #include "query/reference/RewritingReference.h"
+#include "query/reference/WordFinderReference.h"
 
 namespace velmo {
 namespace {
@@ -42,9 +43,10 @@ std::u16string joined(std::mt19937& random, const View (&parts)[N], std::size_t 
     return result;
 }
 
-constexpr View Patterns[] = {u"*",    u"a*",    u"*b",     u"*a*", u"a?",      u"?",    u"[ab]",  u"[^a]*", u"a*b",
-                             u"?b*",  u"[a-c",  u"a]",     u"a-b", u"*-b",     u"a.b.", u"[|-]",  u"a[b]",  u"**",
-                             u"[a]b", u"*[bc]", u"\"a* b\"", u"ab",  u"\"* b\"", u"a-?", u"a-b-c", u"?-b",   u"\"a a\""};
+constexpr View Patterns[] = {u"*",     u"a*",      u"*b",   u"*a*",   u"a?",   u"?",      u"[ab]",
+                             u"[^a]*", u"a*b",     u"?b*",  u"[a-c",  u"a]",   u"a-b",    u"*-b",
+                             u"a.b.",  u"[|-]",    u"a[b]", u"**",    u"[a]b", u"*[bc]",  u"\"a* b\"",
+                             u"ab",    u"\"* b\"", u"a-?",  u"a-b-c", u"?-b",  u"\"a a\""};
 
 /// Anything that a scanner may meet, in any order.
 std::u16string randomQuery(std::mt19937& random, bool wildcard) {
@@ -88,8 +90,8 @@ void addGroup(std::mt19937& random, std::u16string& query, int depth, bool odd, 
 }
 
 RandomCase randomCase(std::mt19937& random) {
-    static constexpr View Words[] = {u"a",  u"b",   u"c",    u"A",   u" ",   u" ",    u" ",  u"a ", u"b ",
-                                     u" b", u"-",   u"ab ",  u"a b ", u"x ", u". ",   u"\n", u"bc ", u"aab "};
+    static constexpr View Words[] = {u"a",  u"b", u"c",   u"A",    u" ",  u" ",  u" ",  u"a ",  u"b ",
+                                     u" b", u"-", u"ab ", u"a b ", u"x ", u". ", u"\n", u"bc ", u"aab "};
     static constexpr View Spaced[] = {u"a ", u"b ", u"c ", u"x ", u"a-b ", u"ab ", u"a. ", u"b\r\n", u"Bb ", u"c.a"};
     RandomCase c;
     const bool wildcard = c.options.wildcard = random() % 2 == 0;
@@ -119,15 +121,15 @@ RandomCase randomCase(std::mt19937& random) {
 
 std::string evaluationOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
     const bool caseSensitive = !isCaseInsensitive(c.comparison);
-    const test::RefFind find = c.options.wildcard ? test::refWildcards(c.text, c.comparison)
-                                                  : test::refPlainWords(c.text, caseSensitive);
+    const test::RefFind find =
+        c.options.wildcard ? test::refWildcards(c.text, c.comparison) : test::refPlainWords(c.text, caseSensitive);
     const bool expected = test::refMatches(reference, c.text, find);
-    if (expected != (c.options.wildcard ? terms.matchesString(c.text, c.comparison)
-                                        : terms.matchesString(c.text, caseSensitive)))
+    if (expected !=
+        (c.options.wildcard ? terms.matchesString(c.text, c.comparison) : terms.matchesString(c.text, caseSensitive)))
         return "does" + std::string(expected ? " not" : "") + " match";
     const bool contained = test::refContains(reference, c.text, find);
-    if (contained != (c.options.wildcard ? terms.containsString(c.text, c.comparison)
-                                         : terms.containsString(c.text, caseSensitive)))
+    if (contained !=
+        (c.options.wildcard ? terms.containsString(c.text, c.comparison) : terms.containsString(c.text, caseSensitive)))
         return "does" + std::string(contained ? " not" : "") + " contain";
     return {};
 }
@@ -171,8 +173,8 @@ std::string excerptsOf(const RandomCase& c, const std::vector<String>& wildcards
         return "has the summary " + summary.utf8() + " and not " + (expected ? utf8(*expected) : "none");
     const OccurrenceOptions how{c.comparison, 1, options.paragraphs, c.minEnclosingWords};
     std::vector<test::RefRecord> records;
-    for (const Occurrence& o : strings ? getOccurrencesOfString(c.text, sought, how)
-                                       : getOccurrencesOfWildcards(c.text, wildcards, how))
+    for (const Occurrence& o :
+         strings ? getOccurrencesOfString(c.text, sought, how) : getOccurrencesOfWildcards(c.text, wildcards, how))
         records.push_back({o.range.location, o.range.length, o.line, std::u16string(o.string)});
     return records == test::refOccurrences(c.text, next, options.paragraphs, c.minEnclosingWords)
                ? ""

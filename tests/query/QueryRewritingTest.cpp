@@ -70,8 +70,8 @@ TEST(QueryRewriting, FlagsAndDictionary) {
         {u"a (b c)", 0, u"a b c"},
     };
     for (const auto& c : cases) EXPECT_EQ(queryTermsForOperators(c.query, c.flags), Strings{c.expected}) << c.query;
-    const OperatorDictionary german = {{u"AND", u"UND"}, {u"OR", u"ODER"}, {u"NOT", u"NICHT"}, {u"NEAR", u"NAHE"},
-                                       {u"|", u"//"},    {u"-", u"\u2212"}};
+    const OperatorDictionary german = {{u"AND", u"UND"},   {u"OR", u"ODER"}, {u"NOT", u"NICHT"},
+                                       {u"NEAR", u"NAHE"}, {u"|", u"//"},    {u"-", u"\u2212"}};
     EXPECT_EQ(queryTermsForOperators(u"a b OR -c NEAR/2 d", 0x287FF, german),
               Strings{u"a UND b ODER NICHT c NAHE/2 d"});
     EXPECT_EQ(wildcardQueryTermsForOperators(u"a | -b*", 0x313FF, german), Strings{u"a//\u2212b*"});
@@ -161,7 +161,7 @@ TEST(QueryRewriting, DeepQueries) {
     EXPECT_EQ(query.standardizedQueryTerm(), text);
     const String plus = query.queryTermsForOperators(RenderPlus).at(0);
     EXPECT_EQ(plus.length(), 4 * depth + 1);
-    EXPECT_TRUE(plus.view().starts_with(std::u16string(depth, u'+') + u"a +a +a"));
+    EXPECT_TRUE(plus.view().starts_with(u"+a ++a ++a ++a"));
     EXPECT_EQ(query.plusParts().size(), depth + 1);
     EXPECT_EQ(query.plusWildcards(), (Strings{u"a", u"b"}));
     EXPECT_EQ(query.extendedPlusWildcards(), (Strings{u"a", u"b", u"a b"}));

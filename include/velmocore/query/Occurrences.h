@@ -37,7 +37,7 @@ struct AssemblyOptions {
     bool singleWords = false;
     /// No hit gives the absent string, and not the beginning of the text.
     bool onlyOccurrences = false;
-    String separator;  ///< between excerpts; absent is a blank
+    String separator = {};  ///< between excerpts; absent is a blank
     /// The length that a summary may have, without the "..." at its end; 0 is no limit.
     std::uint64_t ellipsizeAfterNCharacters = 0;
 };

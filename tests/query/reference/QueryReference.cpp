@@ -251,7 +251,8 @@ std::string refDump(const RefNode& node, std::size_t depth) {
 
 RefFind refPlainWords(std::u16string_view text, bool caseSensitive) {
     const auto folded = [=](std::u16string_view units) { return caseSensitive ? std::u16string(units) : up(units); };
-    return [text = folded(text), folded](const RefNode& node, std::size_t start, std::size_t end) -> std::optional<RefHit> {
+    return [text = folded(text), folded](const RefNode& node, std::size_t start,
+                                         std::size_t end) -> std::optional<RefHit> {
         const std::u16string word = folded(node.word);
         if (word.empty()) return {};
         if (word[0] == u'*') return RefHit{start, word.size()};

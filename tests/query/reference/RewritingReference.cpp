@@ -44,28 +44,38 @@ struct Rendering {
     /// False if the child is left out.
     bool join(const RefNode& child, std::size_t& plus) {
         switch (child.op) {
-            case 1: joinOr(); break;
-            case 2: has(0x4) ? void(out += u" " + word(u"XOR") + u" ") : joinOr(); break;
-            case 3: has(0x40) ? joinNear(u"NEAR", child) : joinAnd(child, plus); break;
-            case 5: has(0x80) ? joinNear(u"AFTER", child) : joinAnd(child, plus); break;
+            case 1:
+                joinOr();
+                break;
+            case 2:
+                has(0x4) ? void(out += u" " + word(u"XOR") + u" ") : joinOr();
+                break;
+            case 3:
+                has(0x40) ? joinNear(u"NEAR", child) : joinAnd(child, plus);
+                break;
+            case 5:
+                has(0x80) ? joinNear(u"AFTER", child) : joinAnd(child, plus);
+                break;
             case 6:
                 if (has(0x400) && child.distance == 1) {
                     out += u" " + word(u"NEXT") + u" ";
                     break;
                 }
                 [[fallthrough]];
-            case 4: has(0x100) ? joinNear(u"BEFORE", child) : joinAnd(child, plus); break;
+            case 4:
+                has(0x100) ? joinNear(u"BEFORE", child) : joinAnd(child, plus);
+                break;
             case 7:
                 if (!has(0x20000)) return false;
                 out += u" " + word(u"OPT") + u" ";
                 break;
-            default: joinAnd(child, plus);
+            default:
+                joinAnd(child, plus);
         }
         return true;
     }
     void render(const RefNode& node, bool isTop) {
-        if (node.negated)
-            out += has(0x800) ? word(u"ANDNOT") + u" " : has(0x8000) ? word(u"NOT") + u" " : word(u"-");
+        if (node.negated) out += has(0x800) ? word(u"ANDNOT") + u" " : has(0x8000) ? word(u"NOT") + u" " : word(u"-");
         if (has(0x200) && node.substring) out += u"~";
         if (node.isWord) {
             std::u16string text = node.word;
