@@ -128,8 +128,7 @@ BENCHMARK(matchXapian)->Name("query-match/xapian")->Unit(benchmark::kMillisecond
 void excerptVelmo(benchmark::State& state) {
     const String text = u"(apache OR commons) (license OR document)";
     const QueryTerms query(text);
-    const auto wildcards =
-        QueryTerms::queryTermsWithWildcard(text).plusWildcards().value();
+    const auto wildcards = QueryTerms::queryTermsWithWildcard(text).plusWildcards().value();
     const AssemblyOptions options{.comparison = WildcardComparison::CaseInsensitive,
                                   .ellipsizeAfterNCharacters = 300};
     std::size_t hits = 0;
@@ -151,15 +150,15 @@ public:
                      nullptr);
         sqlite3_stmt* insert = prepare("INSERT INTO page VALUES (?)");
         for (const std::string& text : texts) {
-            sqlite3_bind_text(insert, 1, text.data(), static_cast<int>(text.size()),
-                              SQLITE_STATIC);
+            sqlite3_bind_text(insert, 1, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
             sqlite3_step(insert);
             sqlite3_reset(insert);
         }
         sqlite3_finalize(insert);
         // 300 units are about 50 words.
-        select_ = prepare("SELECT snippet(page, 0, '', '', '...', 50) FROM page WHERE page MATCH "
-                          "'(apache OR commons) AND (license OR document)'");
+        select_ = prepare(
+            "SELECT snippet(page, 0, '', '', '...', 50) FROM page WHERE page MATCH "
+            "'(apache OR commons) AND (license OR document)'");
     }
     ~FullTextIndex() {
         sqlite3_finalize(select_);

@@ -84,7 +84,7 @@ TEST_F(Tool, ComplainsAndGoesOn) {
               "velmo: " + missing + ": No such file or directory\nvelmo: " + folder_.string() + ": Is a directory\n");
     ASSERT_EQ(outcome.lines().size(), 1u);
     EXPECT_EQ(outcome.lines()[0]["words"], 2);
-    for (const char* wrong : {"", "nonsense", "words", "words --nonsense x", "match x", "links --images --media x"})
+    for (const char* wrong : {"", "nonsense", "words", "words --nonsense x", "match", "links --images --media x"})
         EXPECT_EQ(run(wrong).code, 2) << wrong;
     EXPECT_EQ(run("--version").code, 0);
     const Outcome help = run("--help");

@@ -13,6 +13,8 @@ void addLinksCommand(CLI::App& app, Session& session);
 void addWordsCommand(CLI::App& app, Session& session);
 void addMatchCommand(CLI::App& app, Session& session);
 void addFindCommand(CLI::App& app, Session& session);
+void addQueryCommand(CLI::App& app, Session& session);
+void addExcerptsCommand(CLI::App& app, Session& session);
 void addLanguageCommand(CLI::App& app, Session& session);
 void addLinesCommand(CLI::App& app, Session& session);
 void addCleanCommand(CLI::App& app, Session& session);
@@ -24,9 +26,10 @@ void addGatherCommand(CLI::App& app, Session& session);
 
 /// In the order of the help.
 inline constexpr void (*AllCommands[])(CLI::App&, Session&) = {
-    addGatherCommand, addTextCommand, addLinksCommand,    addCharsetCommand, addWordsCommand,
-    addMatchCommand,  addFindCommand, addLanguageCommand, addLinesCommand,   addCleanCommand,
-    addDigestCommand, addPackCommand, addUnpackCommand,   addUrlCommand,
+    addGatherCommand,   addTextCommand,     addLinksCommand,  addCharsetCommand,
+    addWordsCommand,    addMatchCommand,    addFindCommand,   addQueryCommand,
+    addExcerptsCommand, addLanguageCommand, addLinesCommand,  addCleanCommand,
+    addDigestCommand,   addPackCommand,     addUnpackCommand, addUrlCommand,
 };
 
 }  // namespace velmo::tool

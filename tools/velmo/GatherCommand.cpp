@@ -5,11 +5,9 @@
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/platform/Resources.h>
-#include <velmocore/query/QueryEvaluation.h>
-#include <velmocore/query/QueryTerms.h>
-#include <velmocore/words/Components.h>
+#include <velmocore/query/Occurrences.h>
+#include <velmocore/query/QueryRewriting.h>
 #include <velmocore/words/LanguageFilter.h>
-#include <velmocore/words/Separators.h>
 #include <velmocore/words/Words.h>
 
 #include <algorithm>
@@ -29,6 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t MostLinkedHosts = 10;
+constexpr std::uint64_t ExcerptUnits = 300;
 
 struct Options {
     std::vector<std::string> paths;
@@ -94,13 +93,23 @@ URL urlOf(const PageFile& page, const URL& base) {
     return resolve(String::fromUTF8(page.relative.generic_string()), base);
 }
 
-/// The first sentence with a hit, its white space made single blanks.
-String excerptOf(const String& text, const QueryTerms& query) {
-    const std::vector<String> sentences =
-        componentsUsingSeparators(text, {.separators = &defaultSentenceSeparators()});
-    for (const String& sentence : sentences)
-        if (query.containsString(sentence, false)) return singleLine(sentence);
-    return {};
+/// What pages are asked.
+struct PageQuery {
+    QueryTerms terms;
+    std::vector<String> wildcards;  ///< for the excerpts
+
+    explicit PageQuery(const String& query)
+        : terms(query), wildcards(plusWildcards(query).value_or(std::vector<String>())) {}
+};
+
+/// The sentences with a hit, on one line.
+String excerptOf(const String& text, const PageQuery& query) {
+    return singleLine(
+        assembleOccurrencesOfWildcards(text, query.wildcards,
+                                       {.comparison = WildcardComparison::CaseInsensitive,
+                                        .singleWords = true,
+                                        .onlyOccurrences = true,
+                                        .ellipsizeAfterNCharacters = ExcerptUnits}));
 }
 
 const LanguageFilter& languageFilter() {
@@ -108,7 +117,7 @@ const LanguageFilter& languageFilter() {
     return filter;
 }
 
-GatheredPage gather(const Page& page, const URL& url, const QueryTerms& query) {
+GatheredPage gather(const Page& page, const URL& url, const PageQuery& query) {
     GatheredPage gathered;
     gathered.encoding = page.encoding;
     gathered.title = singleLine(normalizedHtmlString(htmlFrames(page.units).title));
@@ -123,7 +132,7 @@ GatheredPage gather(const Page& page, const URL& url, const QueryTerms& query) {
     const String text = stringByConvertingHtml2PlainText(page.units);
     gathered.words = numberOfWordsUsingDefaultSeparation(text);
     gathered.language = languageFilter().languageOfText(text);
-    gathered.matches = query.isValid() && query.matchesString(text, false);
+    gathered.matches = query.terms.matchesString(text, false);
     if (gathered.matches) gathered.excerpt = excerptOf(text, query);
     return gathered;
 }
@@ -179,7 +188,7 @@ void printLines(Session& session, const Summary& summary, bool asked) {
 
 void run(Session& session, const Options& options) {
     const bool asked = !options.query.empty();
-    const QueryTerms query(String::fromUTF8(options.query));
+    const PageQuery query(String::fromUTF8(options.query));
     const URL base =
         URL::URLWithString(options.base.empty() ? String() : String::fromUTF8(options.base));
     const std::vector<PageFile> files = listPages(session, options.paths);

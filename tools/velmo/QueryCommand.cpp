@@ -72,10 +72,10 @@ void run(Session& session, const Options& options) {
 
 void addQueryCommand(CLI::App& app, Session& session) {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand(
-        "query",
-        "Example: velmo query --tree '(tea OR coffee) NEAR/5 cup -sugar'\n"
-        "Tell how a query is understood, and its other forms");
+    CLI::App* command =
+        app.add_subcommand("query",
+                           "Example: velmo query --tree '(tea OR coffee) NEAR/5 cup -sugar'\n"
+                           "Tell how a query is understood, and its other forms");
     command->add_option("QUERY", options->query, "see velmo match --help")->required();
     addQueryParseOptions(*command, options->parse);
     command->add_flag("--without-site", options->withoutSite, "leave out words such as site:host");

@@ -15,6 +15,8 @@ constexpr const char* Overview =
     "  velmo charset *.html\n"
     "  velmo words --list notes.txt\n"
     "  velmo match '(cat OR dog) -bird' notes.txt page.html\n"
+    "  velmo excerpts 'cat* NEAR/5 dog' notes.txt page.html\n"
+    "  velmo query --tree '(cat OR dog) -bird'\n"
     "  velmo language *.html\n"
     "  velmo clean --unwrap --collapse mail.txt\n"
     "  velmo digest --sha1 *.html\n"

@@ -1,0 +1,94 @@
+// The commands that work with queries: query, match and excerpts.
+#include "ToolFixture.h"
+
+namespace velmo {
+namespace {
+
+TEST_F(Tool, TellsTheFormsOfAQuery) {
+    const Json forms = run("query --json -- '-Tea OR foo-bar site:x.org NEAR/3 \"c d\"'").lines().at(0);
+    EXPECT_EQ(forms, Json::parse(R"({"valid": true,
+        "tree": "AND group of 4 (NONE)\n  AND -Tea\n  OR foo-bar\n  AND site:x.org\n  NEAR/3 \"c d\"\n",
+        "standardized": "-Tea OR foo-bar site:x.org \"c d\"",
+        "normalized": "-tea|foo-bar site:x.org NEAR/3 \"c d\"",
+        "description": "NOT Tea OR foo-bar AND site:x.org NEAR/3 \"c d\"",
+        "plusWords": ["foo", "bar", "site", "x", "org", "c", "d"],
+        "wildcards": ["c d", "foobar", "foo bar", "foo-bar", "site x org", "site:x.org"],
+        "minTermLen": 3})"));
+    const Json nothing = run("query --json --without-site 'site:x.org'").lines().at(0);
+    EXPECT_EQ(nothing["valid"], false);
+    EXPECT_EQ(nothing["wildcards"], nullptr);
+    EXPECT_EQ(nothing["minTermLen"], 0);
+    const struct {
+        const char *arguments, *tree;
+    } cases[] = {
+        {"'~a [b c]*'", "AND group of 2 (AND)\n  AND ~a\n  AND *\n"},
+        {"--wildcard '~a [b c]*'", "AND group of 2 (AND)\n  AND ~*a*\n  AND [b c]*\n"},
+        {"--default-operator=near --default-distance=4 'a b'", "NEAR/4 group of 2 (NEAR)\n  NEAR/4 a\n  NEAR/4 b\n"},
+        {"--without-site 'site:c a'", "AND group of 1 (NONE)\n  AND a\n"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(run(std::string("query --tree ") + c.arguments).out, c.tree);
+    EXPECT_TRUE(run("query 'a b'").out.starts_with("valid:"));
+    for (const char* wrong : {"query", "query --default-operator=with a", "query --tree --json a"})
+        EXPECT_EQ(run(wrong).code, 2) << wrong;
+}
+
+TEST_F(Tool, MatchesManyFiles) {
+    const std::string notes = write("notes.txt", "The database of Z\xC3\xBCrich");
+    const std::string other = write("other.txt", "nothing");
+    const struct {
+        std::string arguments;
+        bool holds;
+    } cases[] = {
+        {"database", true},
+        {"'data*'", false},
+        {"--wildcard 'data* NEAR/2 z*'", true},
+        {"--wildcard zurich", false},
+        {"--wildcard --comparison=both zurich", true},
+        {"--wildcard --comparison=diacritics zurich", false},
+        {"--comparison=exact zurich", false},
+        {"--wildcard --comparison=case+fuzzy databasis", true},
+        {"--wildcard --contains 'zz data?ase'", true},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = run("match " + c.arguments + " " + notes + " " + other);
+        EXPECT_EQ(outcome.code, c.holds ? 0 : 1) << c.arguments;
+        EXPECT_EQ(outcome.out, c.holds ? notes + "\n" : "") << c.arguments;
+    }
+    // A folder in a fixed order, whatever the number of threads.
+    const std::string all = run("match -r --jobs=1 -- '-zyzzyva' " VELMO_PAGES).out;
+    EXPECT_GT(std::ranges::count(all, '\n'), 30);
+    EXPECT_EQ(run("match -r --jobs=7 --files-with-matches -- '-zyzzyva' " VELMO_PAGES).out, all);
+    EXPECT_EQ(run("match DATABASE", "database").out, "-\n");
+    for (const char* wrong : {"match --comparison=both a", "match --comparison=some a", "match --json -l a"})
+        EXPECT_EQ(run(wrong).code, 2) << wrong;
+}
+
+TEST_F(Tool, ShowsExcerpts) {
+    const std::string notes =
+        write("notes.txt", "Some tea. No coffee!\r\nTea\nAnd a cup of green tea, please. Tea and cake");
+    const auto json = [&](const std::string& arguments) {
+        return run("excerpts --json " + arguments + " " + notes).lines().at(0);
+    };
+    EXPECT_EQ(json("tea --length=0")["summary"], "Some tea And a cup of green tea, please Tea and cake");
+    EXPECT_EQ(json("tea --length=30 --separator=' / '")["summary"], "Some tea /  a cup of green tea...");
+    EXPECT_EQ(json("tea --length=0 --single-words --separator=/")["summary"],
+              "Some tea/Tea/And a cup of green tea, please/Tea and cake");
+    EXPECT_EQ(json("'cof*' --length=0 --paragraphs")["summary"], "Some tea. No coffee");
+    EXPECT_EQ(json("zz --length=12")["summary"], "Some tea...");
+    EXPECT_EQ(json("zz --only-occurrences")["summary"], nullptr);
+    EXPECT_EQ(json("tea --comparison=exact --length=0")["summary"], "Some tea And a cup of green tea, please");
+    const Json records = json("'t?a NEAR cof*' --list")["records"];
+    ASSERT_EQ(records.size(), 5u);
+    EXPECT_EQ(records[2], Json::parse(R"({"range": [22, 3], "line": 1, "text": "Tea"})"));
+    EXPECT_EQ(json("coffee --list --enclosing-words=2")["records"][0]["text"],
+              "...Some tea. No coffee!\r\nTea\nAnd...");
+    EXPECT_EQ(run("excerpts --list --color=always coffee " + notes).out,
+              "\x1B[35m" + notes + "\x1B[m:\x1B[32m1\x1B[m: No \x1B[1;31mcoffee\x1B[m\n");
+    EXPECT_EQ(run("excerpts --list zz " + notes).code, 1);
+    const std::string all = run("excerpts -r --jobs=1 licensed " VELMO_PAGES).out;
+    EXPECT_EQ(run("excerpts -r --jobs=5 licensed " VELMO_PAGES).out, all);
+    EXPECT_EQ(run("excerpts --json 'the OR l*' " + pages()).lines().size(), 37u);
+}
+
+}  // namespace
+}  // namespace velmo
