@@ -23,6 +23,8 @@ TEST(Paths, Standardized) {
                  {u"/a/..", u"/"},
                  {u"/..", u""},
                  {u"/../a", u"a"},
+                 {u"a/../", u""},  // never the root
+                 {u"/../", u""},
                  {u"a/b/", u"a/b"},
                  {u"./a", u"a"}};
     for (const auto& c : cases) {
