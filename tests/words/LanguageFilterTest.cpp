@@ -153,8 +153,11 @@ TEST(LanguageFilter, Directories) {
     std::ofstream(folder / "StopWordsGen") << "the and not one";
     std::ofstream(folder / "Other") << "the and not one";
     std::ofstream(folder / "stopwordsIT") << "che, non; per sono\nit's a.b";
+    std::ofstream(folder / "StopWordsYY") << "\xFC"
+                                             "ber ruq muq luq duq";  // not UTF-8
     const LanguageFilter read(folder.string());
-    EXPECT_EQ(read.languages(), (Strings{u"EN", u"DE", u"FR", u"XX", u"IT"}));
+    EXPECT_EQ(read.languages(), (Strings{u"EN", u"DE", u"FR", u"XX", u"YY", u"IT"}));
+    EXPECT_TRUE(read.languageOfText(u"ruq muq luq duq").isAbsent());
     EXPECT_EQ(read.languageOfText(u"che non per sono"), u"IT");
     EXPECT_EQ(read.languageOfText(u"und nicht eine \u00FCber"), u"DE");
     EXPECT_FALSE(read.writeToDirectory(folder / "missing"));
