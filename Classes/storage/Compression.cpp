@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <utility>
 
 namespace velmo {
 namespace {
@@ -74,7 +75,7 @@ bool setDataByInflating(Data& data, Bytes bytes, std::size_t maximumLength) {
     z_stream stream = streamOver(bytes);
     if (inflateInit2(&stream, AnyWindowBits) != Z_OK) return false;
     const StreamGuard<inflateEnd> guard{stream};
-    data.clear();
+    const Data former = std::exchange(data, {});  // may hold the bytes
     return runToEnd(stream, data, maximumLength,
                     [](z_stream& s) { return inflate(&s, Z_NO_FLUSH); }) &&
            stream.avail_in == 0;

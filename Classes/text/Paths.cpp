@@ -90,7 +90,8 @@ String stringByDeletingFileComponent(View path) {
 std::vector<String> standardizedPathComponents(View path) {
     std::vector<View> kept;
     for (const View component : componentsOfPath(path)) {
-        if (component == u"." || (component == u"/" && !kept.empty())) continue;
+        const bool isRoot = component.data() == path.data();  // and no slash at the end
+        if (component == u"." || (component == u"/" && !isRoot)) continue;
         if (component != u"..")
             kept.push_back(component);
         else if (!kept.empty())

@@ -74,7 +74,8 @@ bool isTemporaryPath(View path) {
         path.starts_with(pathInCachesDirectory(u"TemporaryItems")))
         return true;
     return contains(path, u"/Library/Mail/") && contains(path, u".mimeattach") &&
-           path.starts_with(pathInHomeDirectory(u"Library/Mail/"));
+           (path.starts_with(u"~/Library/Mail/") ||
+            path.starts_with(pathInHomeDirectory(u"Library/Mail/")));
 }
 
 }  // namespace velmo

@@ -11,7 +11,7 @@ SearchOptions masked(SearchOptions options, std::uint32_t mask) {
     return static_cast<SearchOptions>(std::uint32_t{options} & mask);
 }
 
-// The end marker is never sought backwards, and always in the width that it has.
+// Other bits have no meaning here. The end marker is never sought backwards.
 constexpr std::uint32_t StartMask = 0x187, EndMask = 0x183;
 
 Range found(View string, View sought, std::size_t from, SearchOptions options) {

@@ -7,6 +7,7 @@
 #include <shared_mutex>
 
 #include <velmocore/text/FastCompare.h>
+#include <velmocore/text/StringFiles.h>
 #include <velmocore/words/Words.h>
 
 #include "platform/Assertion.h"
@@ -54,7 +55,7 @@ std::vector<std::string> listsInDirectory(const std::string& directory) {
 std::vector<String> wordsOfFile(const std::string& path) {
     const auto bytes = detail::readFile(path);
     if (!bytes) return {};
-    return wordsUsingDefaultSeparation(String::fromUTF8(charsOf(*bytes)));
+    return wordsUsingDefaultSeparation(stringWithData(*bytes, UTF8StringEncoding));
 }
 
 /// The languages in the order in which they are compared: English is asked first and wins

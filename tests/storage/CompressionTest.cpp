@@ -73,6 +73,9 @@ TEST(Compression, LimitAndWhatIsLeftAfterFailures) {
     EXPECT_EQ(target.size(), 20000u);
     EXPECT_TRUE(setDataByInflating(target, *dataByDeflatingData(bytesOf("x"))));
     EXPECT_EQ(target, Data{'x'});
+    target = bomb;
+    EXPECT_TRUE(setDataByInflatingBytes(target, target));
+    EXPECT_EQ(target, Data(1000000, 0));
 }
 
 }  // namespace

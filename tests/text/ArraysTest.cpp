@@ -32,6 +32,11 @@ TEST(Arrays, JoinsByEqualityAndByIdentity) {
     appendFormat(array, u"%d of %@", {3, u"x"});
     appendFormat(array, u"");
     EXPECT_EQ(array.back(), u"3 of x");
+    Strings twice = right;
+    addObjects(twice, twice);
+    unionWithObjects(twice, left);
+    unionWithIdenticalObjects(twice, twice);
+    EXPECT_EQ(twice, (Strings{a, c, a, c, b}));
     EXPECT_EQ(setCount(array, 100), 7u);
     EXPECT_EQ(setCount(array, 2), 2u);
     EXPECT_EQ(subarrayWithoutObjectAtIndex(array, 0), (Strings{b}));
@@ -52,6 +57,10 @@ TEST(Arrays, SearchAndSortByAComparison) {
     EXPECT_EQ(indexOfObject(array, 4, compare), 2u);
     EXPECT_EQ(indexOfObject(array, 10, compare), 5u);
     EXPECT_EQ(indexOfObject(array, Range{3, 100}, 1, compare), 3u);
+    std::vector<int> many, sorted;
+    for (int i = 0; i < 1000; ++i) many.push_back(i * 7919 % 1000), sorted.push_back(i);
+    quickSortUsingFunction(many, compare);
+    EXPECT_EQ(many, sorted);
     int sum = 0;
     applyFunction(array, {3, 100}, [&](int n) { sum += n; });
     applyFunction(array, {100, 1}, [&](int n) { sum += n; });

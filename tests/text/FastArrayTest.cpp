@@ -42,8 +42,6 @@ TEST_F(FastArrays, GrowsByDoublesAndThenBySteps) {
     EXPECT_EQ(array.capacity(), 5120u);
     EXPECT_EQ(Numbers::arrayWithCapacity(3).capacity(), 16u);
     EXPECT_EQ(Numbers::arrayWithCapacity(100, 1).capacity(), 100u);
-    array.addObjectsFromArray(array.allObjects());
-    EXPECT_EQ(valuesOf(array), (std::vector<int>{0, 1, 2, 0, 1, 2}));
     Numbers exact;
     exact.addObjectsFromArray(std::vector<const int*>(20, at(1)));
     EXPECT_EQ(exact.capacity(), 20u);
@@ -90,6 +88,39 @@ TEST_F(FastArrays, InsertsAndRemoves) {
     EXPECT_EQ(valuesOf(array), (std::vector<int>{4, 9}));
     array = std::move(copy);
     EXPECT_EQ(valuesOf(array), (std::vector<int>{4, 5, 6, 9}));
+}
+
+TEST_F(FastArrays, TakesItsOwnObjects) {
+    Numbers array = arrayOf({0, 1, 2});
+    for (std::size_t count = 3; count <= 48; count *= 2) {  // with and without a new block
+        EXPECT_EQ(array.count(), count);
+        array.addObjectsFromArray(array.view());
+    }
+    EXPECT_EQ(*array.objectAtIndex(95), 2);
+    array.setObjects(array.view().subspan(1, 4));
+    EXPECT_EQ(valuesOf(array), (std::vector<int>{1, 2, 0, 1}));
+    array.setFastArray(array);
+    array = *&array;
+    array.addObjects({array.lastObject(), array.firstObject()});
+    EXPECT_EQ(valuesOf(array), (std::vector<int>{1, 2, 0, 1, 1, 1}));
+    Numbers taken = std::move(array);
+    array.setArray(taken.objects());  // NOLINT: what was moved from may be used again
+    array.addObject(at(7));
+    EXPECT_EQ(valuesOf(array), (std::vector<int>{1, 2, 0, 1, 1, 1, 7}));
+    EXPECT_EQ(taken.count(), 6u);
+}
+
+TEST_F(FastArrays, AWrongComparisonHarmsNothing) {
+    std::mt19937 random(4);
+    for (const std::size_t size : {0u, 2u, 16u, 17u, 500u})
+        for (const std::size_t count : {10u, 1000u}) {
+            Numbers array;
+            for (std::size_t i = 0; i < size; ++i) array.addObject(at(i));
+            array.sortUsingFunction([&](int, int) { return static_cast<int>(random() % 3) - 1; }, count);
+            std::vector<int> values = valuesOf(array);
+            std::sort(values.begin(), values.end());
+            EXPECT_EQ(values, std::vector<int>(numbers.begin(), numbers.begin() + static_cast<std::ptrdiff_t>(size)));
+        }
 }
 
 TEST_F(FastArrays, PartialSortPutsTheSmallestFirst) {

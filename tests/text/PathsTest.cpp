@@ -1,5 +1,8 @@
 #include <velmocore/text/Paths.h>
 
+#include <array>
+#include <random>
+
 #include "TestSupport.h"
 
 namespace velmo {
@@ -20,6 +23,8 @@ TEST(Paths, Standardized) {
                  {u"/a/..", u"/"},
                  {u"/..", u""},
                  {u"/../a", u"a"},
+                 {u"a/../", u""},  // never the root
+                 {u"/../", u""},
                  {u"a/b/", u"a/b"},
                  {u"./a", u"a"}};
     for (const auto& c : cases) {
@@ -32,11 +37,31 @@ TEST(Paths, Standardized) {
 TEST(Paths, RelativeToADirectory) {
     const struct {
         View path, directory, expected;
-    } cases[] = {{u"/a/b", u"/a/b", u"./"},       {u"/a/b/c", u"/a", u"./b/c"},
-                 {u"/a", u"/a/b/c", u"../../"},   {u"/a/b/c", u"/a/x/y", u"../../b/c"},
-                 {u"/a/b", u"/", u"./a/b"},
-                 {u"/a/./b", u"/c/../a/", u"./b"}};
+    } cases[] = {{u"/a/b", u"/a/b", u"./"},     {u"/a/b/c", u"/a", u"./b/c"},
+                 {u"/a", u"/a/b/c", u"../../"}, {u"/a/b/c", u"/a/x/y", u"../../b/c"},
+                 {u"/a/b", u"/", u"./a/b"},     {u"/a/./b", u"/c/../a/", u"./b"}};
     for (const auto& c : cases) EXPECT_EQ(relativePathToDirectory(c.path, c.directory), c.expected) << utf8(c.path);
+}
+
+TEST(Paths, RelativePathsLeadBack) {
+    std::mt19937 random(6);
+    const auto path = [&](View start) {
+        std::u16string text(start);
+        for (unsigned n = 1 + random() % 6; n > 0; --n) {
+            text += std::array{u"a", u"b", u"a", u"b", u".", u"..", u"", u"a.b"}[random() % 8];
+            text += random() % 5 ? u"/" : u"//";
+        }
+        return text;
+    };
+    for (int round = 0; round < 20000; ++round) {
+        // Deep enough that no ".." leaves the root.
+        const View start = random() % 2 ? u"/x/y/x/y/x/y/" : u"x/y/x/y/x/y/";
+        const std::u16string target = path(start), directory = path(start);
+        const String relative = relativePathToDirectory(target, directory);
+        ASSERT_EQ(standardizedPath(directory + u"/" + std::u16string(relative)), standardizedPath(target))
+            << utf8(directory) << ' ' << relative;
+        ASSERT_TRUE(relative.view().starts_with(u"./") || relative.view().starts_with(u"../"));
+    }
 }
 
 TEST(Paths, InsideADirectory) {

@@ -102,6 +102,7 @@ TEST_F(StandardFolders, CloudAndTemporaryPaths) {
         {pathInCachesDirectory(u"TemporaryItems/x"), false, true},
         {u"/data/TemporaryItems/x", false, false},
         {pathInHomeDirectory(u"Library/Mail/a.mimeattach/x"), false, true},
+        {u"~/Library/Mail/a.mimeattach", false, true},
         {u"/x/Library/Mail/a.mimeattach", false, false},
         {u"", false, false}};
     for (const auto& c : cases) {

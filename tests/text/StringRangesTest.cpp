@@ -26,6 +26,8 @@ TEST(StringRanges, BetweenMarkers) {
         {u"[a][b][c]", u"[", u"]", true, BackwardsSearch, {7, 1}},
         {u"<B>x</b>", u"<b>", u"</B>", true, CaseInsensitiveSearch, {3, 1}},
         {u"<B>x</b>", u"<b>", u"</B>", true, DefaultSearch, None},
+        {u"[x\uFF3D", u"[", u"]", true, WidthInsensitiveSearch, {1, 1}},
+        {u"[x\uFF3D", u"[", u"]", true, DefaultSearch, None},
         {u"", u"a", u"b", false, DefaultSearch, None},
     };
     for (const auto& c : cases)

@@ -79,6 +79,8 @@ TEST_F(Tool, PacksAndUnpacks) {
         EXPECT_EQ(run("unpack " + file + suffix).code, 0);
         EXPECT_EQ(read("page.html"), text);
         EXPECT_EQ(run("unpack --force " + file + suffix).code, 0);
+        EXPECT_EQ(read("page.html"), text);
+        EXPECT_FALSE(std::filesystem::exists(file + ".part"));
         EXPECT_EQ(run("unpack --stdout --limit 100 " + file + suffix).code, 2);
     }
     EXPECT_EQ(run("unpack " + file).code, 2);

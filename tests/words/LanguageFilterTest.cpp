@@ -153,8 +153,11 @@ TEST(LanguageFilter, Directories) {
     std::ofstream(folder / "StopWordsGen") << "the and not one";
     std::ofstream(folder / "Other") << "the and not one";
     std::ofstream(folder / "stopwordsIT") << "che, non; per sono\nit's a.b";
+    std::ofstream(folder / "StopWordsYY") << "\xFC"
+                                             "ber ruq muq luq duq";  // not UTF-8
     const LanguageFilter read(folder.string());
-    EXPECT_EQ(read.languages(), (Strings{u"EN", u"DE", u"FR", u"XX", u"IT"}));
+    EXPECT_EQ(read.languages(), (Strings{u"EN", u"DE", u"FR", u"XX", u"YY", u"IT"}));
+    EXPECT_TRUE(read.languageOfText(u"ruq muq luq duq").isAbsent());
     EXPECT_EQ(read.languageOfText(u"che non per sono"), u"IT");
     EXPECT_EQ(read.languageOfText(u"und nicht eine \u00FCber"), u"DE");
     EXPECT_FALSE(read.writeToDirectory(folder / "missing"));
@@ -187,6 +190,12 @@ struct SlowFilter {
     std::string winner;
     std::size_t best = 0, previous = 0;
 
+    static std::string scriptOf(char16_t unit) {
+        if (unit >= 0x400 && unit < 0x500) return "RU";
+        if (unit >= 0x590 && unit < 0x600) return "HE";
+        if (unit >= 0x600 && unit < 0x700) return "AR";
+        return unit >= 0x370 && unit < 0x400 ? "EL" : "**";
+    }
     void scan(const String& text) {
         for (const String& word : wordsUsingDefaultSeparation(text, 3)) {
             ++words;
@@ -201,7 +210,7 @@ struct SlowFilter {
                 for (const auto& [key, stopWords] : languages)
                     if (stopWords.contains(folded)) ++hits[key], distinct[key].insert(folded);
             } else {
-                auto& script = scripts[first >= 0x400 && first < 0x500 ? "RU" : "**"];
+                auto& script = scripts[scriptOf(first)];
                 ++script.first;
                 script.second += word.length();
             }
@@ -214,7 +223,7 @@ struct SlowFilter {
         for (const auto& [key, stopWords] : languages)
             if (distinct[key].size() >= 4) enter(key, hits[key]);
         if (!withScripts) return;
-        for (const std::string key : {"**", "RU"})
+        for (const std::string key : {"**", "RU", "HE", "EL", "AR"})
             if (scripts[key].second >= (units - oddUnits) / 2 || scripts[key].first >= (words - oddWords) / 2)
                 enter(key, scripts[key].first);
     }
@@ -240,9 +249,12 @@ TEST(LanguageFilter, RandomTextsAgreeWithASlowFilter) {
                                       "aa\xC3\x9F",
                                       "mmm",
                                       "Nn\xC3\xA4",
-                                      "ooo4"};
-    int clear = 0;
-    for (int round = 0; round < 3000; ++round) {
+                                      "ooo4",
+                                      "\xCE\xBB\xCF\x8C\xCE\xB3\xCE\xBF\xCF\x82",
+                                      "\xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D",
+                                      "\xD9\x85\xD8\xB1\xD8\xAD\xD8\xA8\xD8\xA7"};
+    std::map<std::string, int> found;
+    for (int round = 0; round < 5000; ++round) {
         SlowFilter slow;
         Strings names;
         std::vector<Strings> words;
@@ -255,9 +267,10 @@ TEST(LanguageFilter, RandomTextsAgreeWithASlowFilter) {
             slow.languages.emplace_back(key, list);
         }
         std::string text;
-        const std::size_t length = random() % 60, vocabularySize = 4 + random() % 15;
-        for (std::size_t i = 0; i < length; ++i)
-            text += std::string(vocabulary[random() % std::min<std::size_t>(vocabularySize, 18)]) + " ";
+        // A few words of a stretch of the vocabulary, so that now one and now the other leads.
+        const std::size_t size = std::size(vocabulary), length = random() % 60;
+        const std::size_t from = random() % 2 * (random() % size), stretch = 1 + random() % (size - from);
+        for (std::size_t i = 0; i < length; ++i) text += std::string(vocabulary[from + random() % stretch]) + " ";
         const String string = String::fromUTF8(text);
         slow.scan(string);
 
@@ -275,15 +288,15 @@ TEST(LanguageFilter, RandomTextsAgreeWithASlowFilter) {
         const bool leads = !all.winner.empty() && all.best > all.words / 40;
         const bool isClear = leads && all.best - all.previous >= 3;
         ASSERT_EQ(filter.languageOfText(string).utf8(), isClear ? all.winner : "") << text;
-        clear += isClear;
-        for (const char* chosen : {"AA", "RU"}) {
+        if (isClear) ++found[all.winner];
+        for (const char* chosen : {"AA", "RU", "AR"}) {
             filter.setLanguage(String::fromUTF8(chosen));
-            const std::size_t own = std::string(chosen) == "RU" ? all.scripts["RU"].first : all.hits[chosen];
+            const std::size_t own = std::string(chosen) == "AA" ? all.hits[chosen] : all.scripts[chosen].first;
             ASSERT_EQ(filter.filterText(string), leads && all.winner != chosen && all.best >= own + 3)
                 << text << chosen;
         }
     }
-    EXPECT_GT(clear, 500);
+    for (const char* key : {"EN", "AA", "BB", "**", "RU", "HE", "EL", "AR"}) EXPECT_GT(found[key], 20) << key;
 }
 
 struct Row {
@@ -347,8 +360,9 @@ TEST(LanguageFilter, ResourcesAreClean) {
     ASSERT_TRUE(LanguageFilter(velmoResourcesDirectory()).writeToDirectory(folder));
     int count = 0;
     for (const auto& file : fs::directory_iterator(folder)) {
-        const std::string name = file.path().filename();
-        EXPECT_EQ(test::readFile(file.path()), test::readFile(velmoResourcesDirectory() + "/" + name)) << name;
+        const std::string name = file.path().filename(), list = test::readFile(file.path());
+        EXPECT_EQ(list, test::readFile(velmoResourcesDirectory() + "/" + name)) << name;
+        EXPECT_TRUE(isLowerCaseString(String::fromUTF8(list))) << name;
         ++count;
     }
     EXPECT_EQ(count, 24);

@@ -22,14 +22,17 @@ struct Options {
 
 constexpr std::string_view GzipSuffix = ".gz", ZlibSuffix = ".z";
 
-/// Makes a new file; one that is there already is an error unless it is to be replaced.
+/// Makes a new file; one that is there already is an error unless it is to be replaced. It is
+/// replaced by a whole one beside it, so that it is not lost if that fails.
 bool writeNewFile(Session& session, const std::string& file, Bytes bytes, bool replace) {
-    std::FILE* stream = std::fopen(file.c_str(), replace ? "wb" : "wbx");
+    const std::string target = replace ? file + ".part" : file;
+    std::FILE* stream = std::fopen(target.c_str(), replace ? "wb" : "wbx");
     bool done = stream && std::fwrite(bytes.data(), 1, bytes.size(), stream) == bytes.size();
     if (stream && std::fclose(stream) != 0) done = false;
+    if (done && replace) done = std::rename(target.c_str(), file.c_str()) == 0;
     if (done) return true;
     session.fail(file, std::strerror(errno));
-    if (stream) std::remove(file.c_str());
+    if (stream) std::remove(target.c_str());
     return false;
 }
 

@@ -30,6 +30,14 @@ inline std::optional<Data> dataByDeflatingData(Bytes bytes,
                                                int compressionLevel = DefaultCompressionLevel) {
     return dataByCompressingBytes(bytes, compressionLevel, false);
 }
+inline std::optional<Data> dataByGzippingBytes(Bytes bytes,
+                                               int compressionLevel = DefaultCompressionLevel) {
+    return dataByGzippingData(bytes, compressionLevel);
+}
+inline std::optional<Data> dataByDeflatingBytes(Bytes bytes,
+                                                int compressionLevel = DefaultCompressionLevel) {
+    return dataByDeflatingData(bytes, compressionLevel);
+}
 
 inline constexpr std::size_t NoInflatedLimit = std::numeric_limits<std::size_t>::max();
 
@@ -40,8 +48,17 @@ inline constexpr std::size_t NoInflatedLimit = std::numeric_limits<std::size_t>:
 VELMO_API std::optional<Data> dataByInflatingData(Bytes bytes,
                                                   std::size_t maximumLength = NoInflatedLimit);
 /// Replaces the content of the data; true on success. After a failure it holds what came out
-/// until then, or what it held before if nothing could be tried. The bytes must not be its own.
+/// until then, or what it held before if nothing could be tried. The bytes may be its own.
 VELMO_API bool setDataByInflating(Data& data, Bytes bytes,
                                   std::size_t maximumLength = NoInflatedLimit);
+
+inline std::optional<Data> dataByInflatingBytes(Bytes bytes,
+                                                std::size_t maximumLength = NoInflatedLimit) {
+    return dataByInflatingData(bytes, maximumLength);
+}
+inline bool setDataByInflatingBytes(Data& data, Bytes bytes,
+                                    std::size_t maximumLength = NoInflatedLimit) {
+    return setDataByInflating(data, bytes, maximumLength);
+}
 
 }  // namespace velmo

@@ -15,6 +15,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/MergeSort.h>
 #include <velmocore/text/Replacing.h>
 
 namespace velmo {
@@ -171,12 +172,12 @@ void removeIdenticalObjectsFromArray(std::vector<T>& array, const std::vector<T>
     detail::keep<detail::Identical>(array, std::span<const T>(other), false);
 }
 
+/// The objects may be the array's own.
 template <class T>
 void addObjects(std::vector<T>& array, std::type_identity_t<std::span<const T>> objects) {
-    for (const T& object : objects) {
-        if (detail::isNull(object)) return;
-        array.push_back(object);
-    }
+    const auto end = std::find_if(objects.begin(), objects.end(), detail::isNull<T>);
+    const std::vector<T> source(objects.begin(), end);
+    array.insert(array.end(), source.begin(), source.end());
 }
 template <class T>
 void appendObjects(std::vector<T>& array, std::initializer_list<std::type_identity_t<T>> objects) {
@@ -184,14 +185,23 @@ void appendObjects(std::vector<T>& array, std::initializer_list<std::type_identi
 }
 /// Appends what is not there yet.
 template <class T>
+void unionWithObjects(std::vector<T>& array, std::type_identity_t<std::span<const T>> objects) {
+    detail::unite<detail::Equal>(array, objects);
+}
+template <class T>
 void unionWithObjects(std::vector<T>& array,
                       std::initializer_list<std::type_identity_t<T>> objects) {
-    detail::unite<detail::Equal>(array, std::span<const T>(objects.begin(), objects.size()));
+    unionWithObjects(array, std::span<const T>(objects.begin(), objects.size()));
+}
+template <class T>
+void unionWithIdenticalObjects(std::vector<T>& array,
+                               std::type_identity_t<std::span<const T>> objects) {
+    detail::unite<detail::Identical>(array, objects);
 }
 template <class T>
 void unionWithIdenticalObjects(std::vector<T>& array,
                                std::initializer_list<std::type_identity_t<T>> objects) {
-    detail::unite<detail::Identical>(array, std::span<const T>(objects.begin(), objects.size()));
+    unionWithIdenticalObjects(array, std::span<const T>(objects.begin(), objects.size()));
 }
 
 /// Appends a format with its arguments; see replaceStringWithFormat(). An empty or absent format
@@ -199,7 +209,8 @@ void unionWithIdenticalObjects(std::vector<T>& array,
 VELMO_API void appendFormat(std::vector<String>& array, std::u16string_view format,
                             std::initializer_list<FormatArgument> arguments = {});
 
-/// Sorts by a comparison whose result is below 0, 0 or above 0.
+/// Sorts by a comparison whose result is below 0, 0 or above 0. A wrong comparison gives some
+/// order, but harms nothing.
 template <class T, class Compare>
 void quickSortUsingFunction(std::vector<T>& array, Compare&& compare) {
     quickSortUsingFunction(array, Range{0, array.size()}, compare);
@@ -208,10 +219,8 @@ void quickSortUsingFunction(std::vector<T>& array, Compare&& compare) {
 template <class T, class Compare>
 void quickSortUsingFunction(std::vector<T>& array, Range range, Compare&& compare) {
     if (range.location > array.size() || range.length > array.size() - range.location) return;
-    const auto first = array.begin() + static_cast<std::ptrdiff_t>(range.location);
-    // A stable sort stays in the range whatever the comparison says.
-    std::stable_sort(first, first + static_cast<std::ptrdiff_t>(range.length),
-                     [&](const T& a, const T& b) { return compare(a, b) < 0; });
+    T* const first = array.data() + range.location;
+    detail::mergeSort(first, first + range.length, compare);
 }
 
 /// Moves an element to in front of the one at the index "to", as counted before. False if an

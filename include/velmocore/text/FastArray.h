@@ -13,6 +13,7 @@
 
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/MergeSort.h>
 
 namespace velmo {
 
@@ -23,7 +24,8 @@ namespace velmo {
 /// Null is never stored: operations that insert ignore it. An index past the end gives null
 /// or does nothing. The block doubles while it is small and then grows by steps of growBy; it
 /// moves when it grows and never shrinks. Objects are equal by ==, identical by address.
-/// No locks: one thread at a time, or all only reading.
+/// No locks: one thread at a time, or all only reading. Functions that are handed in must not
+/// change the array.
 ///
 ///     FastArray<const Page> pages;
 ///     pages.addObject(&page);
@@ -71,13 +73,7 @@ public:
     std::size_t setCount(std::size_t count) noexcept { return _count = std::min(_count, count); }
     /// Only grows; gives the block.
     T** setCapacity(std::size_t capacity) {
-        capacity = std::max({capacity, _capacity, LeastCapacity});
-        if (capacity > _capacity || !_objects) {
-            auto objects = std::make_unique<T*[]>(capacity);
-            std::copy_n(_objects.get(), _count, objects.get());
-            _objects = std::move(objects);
-            _capacity = capacity;
-        }
+        exchangeBlock(capacity);
         return _objects.get();
     }
 
@@ -101,10 +97,11 @@ public:
     }
     /// Makes just as much room as it takes.
     void addObjectsFromArray(std::span<T* const> objects) {
-        // The objects may be this array's own, whose block moves.
-        const std::vector<T*> source(objects.begin(), objects.end());
-        if (!source.empty()) setCapacity(_count + source.size());
-        for (T* object : source) addObject(object);
+        if (objects.empty()) return;
+        // The objects may be this array's own: the block that they stand in is kept until then.
+        const auto former = exchangeBlock(_count + objects.size());
+        for (T* object : objects)
+            if (object) _objects[_count++] = object;
     }
     /// An index at or past the end appends.
     void insertObject(T* object, std::size_t index) {
@@ -142,10 +139,10 @@ public:
     }
 
     void setObjects(std::span<T* const> objects) {
-        const std::vector<T*> source(objects.begin(), objects.end());
         _count = 0;
-        addObjectsFromArray(source);
+        addObjectsFromArray(objects);
     }
+    void setArray(std::span<T* const> array) { setObjects(array); }
     void setFastArray(const FastArray& other) { setObjects(other.view()); }
 
     /// The block itself, valid until the next insertion; null if nothing was ever inserted.
@@ -158,6 +155,7 @@ public:
             std::copy_n(begin() + range.location, range.length, out);
     }
     std::vector<T*> allObjects() const { return {begin(), end()}; }
+    std::vector<T*> objects() const { return allObjects(); }
 
     template <class Function>
     void applyFunction(Function&& function) const {
@@ -172,11 +170,11 @@ public:
             function(*object);
     }
 
-    /// Sorts by a comparison whose result is below 0, 0 or above 0.
+    /// Sorts by a comparison whose result is below 0, 0 or above 0. A wrong comparison gives
+    /// some order, but harms nothing.
     template <class Compare>
     void sortUsingFunction(Compare&& compare) {
-        // A stable sort stays in the block whatever the comparison says.
-        std::stable_sort(begin(), end(), [&](T* a, T* b) { return compare(*a, *b) < 0; });
+        sortHead(_count, compare);
     }
     /// Puts the smallest ones in order at the front and leaves the others in no order.
     template <class Compare>
@@ -185,9 +183,9 @@ public:
         if (count >= _count || (count >= 51 && _count / 80 < count))
             return sortUsingFunction(compare);
         if (count == 0) return;
+        sortHead(count, compare);
         const auto isBelow = [&](T* a, T* b) { return compare(*a, *b) < 0; };
         T** const head = begin() + count;
-        std::stable_sort(begin(), head, isBelow);
         for (T** next = head; next != end(); ++next) {
             T** place = head;
             while (place != begin() && isBelow(*next, place[-1])) --place;
@@ -221,6 +219,19 @@ public:
     }
 
 private:
+    /// Makes room for so many; the block that held the objects until now is given back, if it
+    /// was another one.
+    std::unique_ptr<T* []> exchangeBlock(std::size_t capacity) {
+        capacity = std::max({capacity, _capacity, LeastCapacity});
+        if (capacity == _capacity && _objects) return nullptr;
+        auto objects = std::make_unique<T*[]>(capacity);
+        std::copy_n(_objects.get(), _count, objects.get());
+        _capacity = capacity;
+        return std::exchange(_objects, std::move(objects));
+    } template <class Compare>
+    void sortHead(std::size_t count, Compare& compare) {
+        detail::mergeSort(begin(), begin() + count, [&](T* a, T* b) { return compare(*a, *b); });
+    }
     void grow() { setCapacity(_count <= _growBy ? 2 * _count : _count + _growBy); }
     template <class Predicate>
     void removeIf(Predicate predicate) {

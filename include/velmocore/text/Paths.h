@@ -57,8 +57,8 @@ VELMO_API bool pathMatchingExtensionsOrTypes(std::u16string_view path,
 VELMO_API bool isValidPathExtension(std::u16string_view extension);
 /// The path's extension up to the first of ?&;=#, as of a URL; empty if it is not valid.
 VELMO_API String validPathExtension(std::u16string_view path);
-/// What stands behind the last full stop, in lower case; absent if a slash or nothing stands
-/// before it. The first component may begin with that full stop.
+/// What stands behind the last full stop, in lower case, which may begin its component. Absent
+/// if there is none, or a slash behind it, or the path has fewer than two units.
 VELMO_API String lowercasePathExtension(std::u16string_view path);
 
 // Names for files. The first four give a name of 250 units and 250 bytes of UTF-8 at most; it

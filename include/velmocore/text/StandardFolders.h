@@ -17,7 +17,7 @@ namespace velmo {
 // home folder), caches are XDG_CACHE_HOME and application support is XDG_DATA_HOME, where
 // these are absolute paths. What is not told so has its fallback below the home folder.
 //
-//     pathInCachesDirectory(u"thumbnails");    // "/home/ada/.cache/thumbnails"
+//     pathInCachesDirectory(u"thumbnails");    // /home/ada/Library/Caches/thumbnails
 
 VELMO_API const String& homeDirectory();
 VELMO_API const String& desktopDirectory();             ///< else "Desktop"

@@ -54,7 +54,8 @@ VELMO_API String stringByTrimmingEnclosingCharacter(const String& string, char16
 VELMO_API Range trimSpacesInRange(std::u16string_view string, Range range, bool andFeeds);
 /// Trims whiteCharacterSetRep().
 VELMO_API Range trimWhiteSpacesInRange(std::u16string_view string, Range range);
-/// The units of trimSpacesInRange(): the constant empty string if there are none.
+/// The units of trimSpacesInRange(): the constant empty string if there are none, absent for no
+/// range.
 VELMO_API String stringByTrimmingSpacesInRange(const String& string, Range range, bool andFeeds);
 
 // In place.

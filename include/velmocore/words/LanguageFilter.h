@@ -37,7 +37,7 @@ public:
 
     /// Reads a folder of lists: UTF-8 files, named "StopWords" and the key, with words in
     /// lower case between any of defaultWordSeparators(). The key "Gen" is skipped, and a
-    /// file that cannot be read makes a language without words. With ignoreUmlauts, words
+    /// file that cannot be read as UTF-8 makes a language without words. With ignoreUmlauts, words
     /// are compared without diacritics. The path is UTF-8.
     explicit LanguageFilter(const std::string& directory, bool ignoreUmlauts = false);
 
