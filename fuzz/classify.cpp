@@ -12,6 +12,7 @@
 #include <algorithm>
 
 #include "Input.h"
+#include "url/MIMEDatabase.h"
 
 using namespace velmo;
 
@@ -61,6 +62,13 @@ void checkAcceptance(const String& link, const URL& page) {
     require(resolved.isAbsent() || URL::URLWithString(resolved.absoluteString()) == resolved);
 }
 
+/// Whatever a file of globs holds, our own types stay.
+void checkDatabase(std::string_view globs) {
+    const detail::MIMEDatabase database(globs);
+    for (const detail::MIMERow& row : detail::mimeRows())
+        require(!database.typeOf(row.extension).empty() && !database.extensionOf(row.type).empty());
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -78,5 +86,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     extensionForMIMEType(link);
     MIMETypeForExtension(link);
     isBinaryFileType(link);
+    checkDatabase({reinterpret_cast<const char*>(data), size});
     return 0;
 }
