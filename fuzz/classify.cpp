@@ -86,6 +86,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     extensionForMIMEType(link);
     MIMETypeForExtension(link);
     isBinaryFileType(link);
-    checkDatabase({reinterpret_cast<const char*>(data), size});
+    // Slow, so only for what begins as a file of globs does.
+    if (size > 0 && data[0] >= '0' && data[0] <= '9')
+        checkDatabase({reinterpret_cast<const char*>(data), size});
     return 0;
 }
