@@ -8,6 +8,7 @@
 #include <velmocore/text/Finding.h>
 #include <velmocore/text/Replacing.h>
 #include <velmocore/url/PercentEscapes.h>
+#include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/SearchEngines.h>
 #include <velmocore/url/URLClassification.h>
 #include <velmocore/url/URLSchemes.h>
@@ -200,14 +201,6 @@ URL acceptedURL(const String& link, const String& decoded) {
     return isSearchEngine(url) || stringURLIsCached(judged) ? URL() : ifRemote(url);
 }
 
-URL URLRelativeTo(const URL& base, const String& link) { return URL::URLWithString(link, base); }
-
-URL resolvedURL(const String& link, const String& decoded, const URL& base) {
-    if (base.isAbsent()) return {};
-    const URL url = URLRelativeTo(base, decoded);
-    return url.isAbsent() ? URLRelativeTo(base, link) : url;
-}
-
 URL resolve(const String& link, const URL& base, Purpose purpose) {
     if (link.isEmpty()) return {};
     if (purpose == Purpose::Accept) {
@@ -219,8 +212,9 @@ URL resolve(const String& link, const URL& base, Purpose purpose) {
     if (found.kind == Unwrapped::Target) return ifRemote(URL::URLWithString(found.link));
     const String decoded = stringByReplacingStandardPercentEscapesOfURL(found.link);
     if (decoded.isEmpty()) return {};
-    return purpose == Purpose::Accept ? acceptedURL(found.link, decoded)
-                                      : resolvedURL(found.link, decoded, base);
+    if (purpose == Purpose::Accept) return acceptedURL(found.link, decoded);
+    const URL url = URLRelativeTo(base, decoded);
+    return url.isAbsent() ? URLRelativeTo(base, found.link) : url;
 }
 
 }  // namespace

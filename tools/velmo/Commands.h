@@ -22,14 +22,15 @@ void addDigestCommand(CLI::App& app, Session& session);
 void addPackCommand(CLI::App& app, Session& session);
 void addUnpackCommand(CLI::App& app, Session& session);
 void addUrlCommand(CLI::App& app, Session& session);
+void addMimeCommand(CLI::App& app, Session& session);
 void addGatherCommand(CLI::App& app, Session& session);
 
 /// In the order of the help.
 inline constexpr void (*AllCommands[])(CLI::App&, Session&) = {
-    addGatherCommand,   addTextCommand,     addLinksCommand,  addCharsetCommand,
-    addWordsCommand,    addMatchCommand,    addFindCommand,   addQueryCommand,
-    addExcerptsCommand, addLanguageCommand, addLinesCommand,  addCleanCommand,
-    addDigestCommand,   addPackCommand,     addUnpackCommand, addUrlCommand,
+    addGatherCommand, addTextCommand,  addLinksCommand,  addCharsetCommand,  addWordsCommand,
+    addMatchCommand,  addFindCommand,  addQueryCommand,  addExcerptsCommand, addLanguageCommand,
+    addLinesCommand,  addCleanCommand, addDigestCommand, addPackCommand,     addUnpackCommand,
+    addUrlCommand,    addMimeCommand,
 };
 
 }  // namespace velmo::tool

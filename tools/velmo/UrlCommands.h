@@ -14,10 +14,16 @@
 
 namespace velmo::tool {
 
+void addUrlAcceptCommand(CLI::App& url, Session& session);
+void addUrlUnwrapCommand(CLI::App& url, Session& session);
+void addUrlClassifyCommand(CLI::App& url, Session& session);
 void addUrlRepairCommand(CLI::App& url, Session& session);
 
 /// In the order of the help.
 inline constexpr void (*UrlCommands[])(CLI::App&, Session&) = {
+    addUrlAcceptCommand,
+    addUrlUnwrapCommand,
+    addUrlClassifyCommand,
     addUrlRepairCommand,
 };
 

@@ -1,0 +1,28 @@
+#include <velmocore/url/LinkFollowing.h>
+
+#include <velmocore/url/URLPaths.h>
+#include <velmocore/url/URLSchemes.h>
+
+namespace velmo {
+
+bool shouldFollowLink(const URL& link, std::int64_t mode, std::int64_t level, const URL& base) {
+    switch (mode) {
+        case FollowSameHost:
+            return isHostEqualTo(link, base);
+        case FollowSameFolder:
+            return isHostEqualTo(link, base) &&
+                   standardizedBaseDirectory(link) == standardizedBaseDirectory(base);
+        case FollowSameFolders:
+            return isHostEqualTo(link, base) && standardizedBaseDirectory(link).view().starts_with(
+                                                    standardizedBaseDirectory(base));
+        default:
+            return shouldFollowLink(mode, level);
+    }
+}
+
+bool shouldFollowLink(std::int64_t mode, std::int64_t level) {
+    if (mode >= FollowLevels) return level <= mode - FollowEverything;
+    return mode > FollowNothing;
+}
+
+}  // namespace velmo

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/url/URL.h>
+
+namespace velmo {
+
+/// How far a gatherer goes from the page it began with. Values from FollowLevels on limit
+/// the depth: with FollowLevels + n it follows links up to the level n + 1, wherever they lead.
+enum FollowMode : std::int64_t {
+    FollowNothing = 0,
+    FollowSameHost = 1,
+    FollowSameFolder = 2,   ///< of the same host
+    FollowSameFolders = 3,  ///< those whose path begins with that of the base's folder
+    FollowEverything = 4,
+    FollowLevels = 5,
+};
+
+/// Whether a gatherer follows a link of the given depth that was found under the base. A
+/// mode that is no FollowMode and below FollowLevels follows nothing.
+///
+///     const URL base = URL::URLWithString(u"http://h.org/docs/index.html");
+///     shouldFollowLink(URL::URLWithString(u"http://h.org/x/y.html"), FollowSameFolders, 1, base);
+///     // false
+VELMO_API bool shouldFollowLink(const URL& link, std::int64_t mode, std::int64_t level,
+                                const URL& base);
+
+/// The same where no base is known: only the depth limits.
+VELMO_API bool shouldFollowLink(std::int64_t mode, std::int64_t level);
+
+}  // namespace velmo
