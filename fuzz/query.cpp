@@ -1,7 +1,11 @@
-// Queries against texts: the input is split at its first zero byte. The parser's tree is
-// well formed, and evaluation ends.
+// Queries against texts, with plain words and with wildcards: the input is split at its
+// first zero byte, and its first byte chooses how units are compared. The parser's tree is
+// well formed, evaluation ends, what a query is written as is read again to the same, and
+// excerpts hold what they say.
+#include <velmocore/query/Occurrences.h>
+#include <velmocore/query/QueryDump.h>
 #include <velmocore/query/QueryEvaluation.h>
-#include <velmocore/query/QueryTerms.h>
+#include <velmocore/query/QueryRewriting.h>
 #include <velmocore/query/WordSearch.h>
 
 #include <algorithm>
@@ -10,21 +14,78 @@
 #include "Input.h"
 
 using namespace velmo;
+using fuzz::require;
+
+namespace {
+
+void evaluate(const QueryTerms& terms, const String& text, WildcardComparison comparison) {
+    const bool matches = terms.matchesString(text, !isCaseInsensitive(comparison));
+    require(!text.isEmpty() || !matches);
+    terms.containsString(text, !isCaseInsensitive(comparison));
+    terms.matchesString(text, comparison);
+    terms.containsString(text, comparison);
+}
+
+void rewrite(const QueryTerms& terms, std::uint64_t flags) {
+    require(terms.queryTermsForOperators(flags).size() == 1);
+    require(!terms.description().isAbsent() && !terms.standardizedQueryTerm().isAbsent());
+    dumpOfQueryTerms(terms);
+    const std::vector<String> parts = terms.plusParts();
+    require(terms.plusTerms().size() == parts.size());
+    require(terms.minTermLen() == 0 || !parts.empty());
+    require(terms.plusWildcards().has_value() == terms.isValid());
+    require(terms.extendedPlusWildcards().has_value() == terms.isValid());
+    // Words that were quoted twice, or hold what means something outside quotes, may change.
+    const String text = terms.normalizedQueryTerm();
+    const auto isPlain = [](char16_t unit) { return unit < 128 && unit != u'"' && unit != u'['; };
+    if (std::ranges::all_of(text, isPlain) &&
+        text.view().find_first_of(u"&^!~+-]") == text.view().npos)
+        require(normalizedQueryTerm(text) == text);
+}
+
+void excerpt(const String& text, const std::vector<String>& wildcards,
+             WildcardComparison comparison, std::uint64_t limit) {
+    const String summary = assembleOccurrencesOfWildcards(text, wildcards,
+                                                          {.comparison = comparison,
+                                                           .paragraphs = limit % 2 == 1,
+                                                           .onlyOccurrences = true,
+                                                           .ellipsizeAfterNCharacters = limit});
+    std::uint64_t behind = 0;
+    const auto records = getOccurrencesOfWildcards(
+        text, wildcards,
+        {.comparison = comparison, .paragraphs = limit % 2 == 1, .minEnclosingWords = limit / 8});
+    for (const Occurrence& record : records) {
+        require(record.range.end() <= text.length() && record.range.end() > behind);
+        require(record.string.view().find(text.view().substr(
+                    record.range.location, record.range.length)) != std::u16string_view::npos);
+        behind = record.range.end();
+    }
+    require(summary.isEmpty() || !records.empty());
+    getOccurrencesOfString(text, text.view().substr(0, limit % 4));
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 1) return 0;
+    const std::uint8_t choice = data[0];
+    const auto comparison = static_cast<WildcardComparison>(choice % 8);
     const auto split = static_cast<std::size_t>(std::find(data, data + size, 0) - data);
     // Many terms on a long text are slow by nature; the target looks for faults.
     const String query = fuzz::unitsOf(data, std::min<std::size_t>(split, 300));
     const String text = fuzz::unitsOf(data + std::min(split + 1, size),
                                       std::min<std::size_t>(size - std::min(split + 1, size), 600));
-    const QueryTerms terms(query);
-    const bool matches = terms.matchesString(text, false);
-    fuzz::require(!text.isEmpty() || !matches);
-    terms.matchesString(text, true);
-    terms.containsString(text, false);
+    for (bool wildcard : {false, true}) {
+        const QueryTerms terms(query, {.wildcard = wildcard});
+        evaluate(terms, text, comparison);
+        rewrite(terms, std::uint64_t{choice} << 10 | split);
+        excerpt(text, terms.plusWildcards().value_or(std::vector<String>()), comparison,
+                choice / 8);
+    }
+    queryTermWithoutSiteOperator(query);
 
     const Range range = rangeOfWord(text, query, false);
-    fuzz::require(!range.isFound() || range.end() <= text.length());
-    fuzz::require(range.isFound() == (countWord(text, query, false) > 0));
+    require(!range.isFound() || range.end() <= text.length());
+    require(range.isFound() == (countWord(text, query, false) > 0));
     return 0;
 }

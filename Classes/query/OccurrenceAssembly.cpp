@@ -95,13 +95,16 @@ private:
 };
 
 /// The part that does not depend on how hits are found.
-template <class Hits>
-String assemble(const String& text, bool isSought, Hits hits, const AssemblyOptions& options) {
+template <class MakeHits>
+String assemble(const String& text, bool isSought, MakeHits makeHits,
+                const AssemblyOptions& options) {
     if (text.isEmpty()) return {};
     const std::uint64_t limit = options.ellipsizeAfterNCharacters;
     if (!options.onlyOccurrences && limit && text.length() <= limit) return text;
-    if (isSought)
-        if (String summary = Assembly(text, options).of(hits); !summary.isAbsent()) return summary;
+    if (isSought) {
+        String summary = Assembly(text, options).of(makeHits());
+        if (!summary.isAbsent()) return summary;
+    }
     return options.onlyOccurrences ? String() : stringByEllipsizingAfterNCharacters(text, limit);
 }
 
@@ -109,15 +112,16 @@ String assemble(const String& text, bool isSought, Hits hits, const AssemblyOpti
 
 String assembleOccurrencesOfWildcards(const String& text, std::span<const String> wildcards,
                                       const AssemblyOptions& options) {
-    return assemble(
-        text, !wildcards.empty(),
-        detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters), options);
+    const auto makeHits = [&] {
+        return detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters);
+    };
+    return assemble(text, !wildcards.empty(), makeHits, options);
 }
 
 String assembleOccurrencesOfString(const String& text, std::u16string_view sought,
                                    const AssemblyOptions& options) {
-    return assemble(text, !sought.empty(), detail::StringHits(text, sought, options.comparison),
-                    options);
+    const auto makeHits = [&] { return detail::StringHits(text, sought, options.comparison); };
+    return assemble(text, !sought.empty(), makeHits, options);
 }
 
 }  // namespace velmo

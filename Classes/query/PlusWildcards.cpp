@@ -57,7 +57,7 @@ private:
             wordsUsingWildcardSeparation(text, node.phrase ? nullptr : &hyphenated);
         if (words.empty()) return {};
         if (!extended_) found_.push_back(text);
-        String value = joinedWords(words, u" ");
+        String value = words.size() == 1 ? words.front() : joinedWords(words, u" ");
         found_.push_back(value);
         if (hyphenated) found_.push_back(value = joinedWords(words, u""));
         return value;

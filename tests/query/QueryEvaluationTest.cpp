@@ -168,6 +168,7 @@ TEST(QueryEvaluation, ThreadsShareAQuery) {
         threads.emplace_back([&] {
             for (int i = 0; i < 500; ++i) {
                 EXPECT_TRUE(query.matchesString(u"one and two", true));
+                EXPECT_TRUE(query.matchesString(u"ONE and two", WildcardComparison::Insensitive));
                 EXPECT_FALSE(query.child(0).matchesString(u"one a b c d two", true));
             }
         });
@@ -252,6 +253,9 @@ TEST(QueryEvaluation, DeepTrees) {
         EXPECT_EQ(QueryTerms(repeated(u"(a NEXT -", depth) + u"b c").matchesString(text, true),
                   QueryTerms(repeated(u"(a NEXT -", 100) + u"b c").matchesString(text, true));
     EXPECT_FALSE(QueryTerms(repeated(u"-(b ", depth) + u"a").containsString(u"c", true));
+    const QueryTerms wildcards(nested(u"b*", u" NEAR", depth), {.wildcard = true});
+    EXPECT_TRUE(wildcards.matchesString(u"a bc", WildcardComparison::Exact));
+    EXPECT_FALSE(wildcards.matchesString(u"a c", WildcardComparison::Exact));
     const QueryTerms wide(repeated(u"b OR ", depth) + u"a");
     EXPECT_TRUE(wide.matchesString(u"a", true) && wide.containsString(u"a", true));
 }

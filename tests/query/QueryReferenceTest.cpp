@@ -148,12 +148,6 @@ std::string rewritingOf(const RandomCase& c, const QueryTerms& terms, const test
     if (!std::ranges::equal(plus, test::refPlusTerms(reference, mask), {}, &QueryTerms::word,
                             [](const test::RefNode* node) { return View(node->word); }))
         return "has other positive words";
-    for (bool extended : {false, true}) {
-        const auto wildcards = extended ? terms.extendedPlusWildcards() : terms.plusWildcards();
-        if (wildcards.has_value() != !reference.children.empty()) return "has wildcards or not";
-        if (wildcards && unitsOf(*wildcards) != test::refPlusWildcards(reference, extended))
-            return extended ? "has other extended wildcards" : "has other wildcards";
-    }
     return {};
 }
 
@@ -181,6 +175,16 @@ std::string excerptsOf(const RandomCase& c, const std::vector<String>& wildcards
                : "has other occurrences";
 }
 
+std::string wildcardsOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
+    const auto wildcards = terms.plusWildcards();
+    if (wildcards.has_value() != !reference.children.empty()) return "has wildcards or not";
+    if (!wildcards) return {};
+    if (unitsOf(*wildcards) != test::refPlusWildcards(reference, false)) return "has other wildcards";
+    if (c.flags % 8 < 2 && unitsOf(*terms.extendedPlusWildcards()) != test::refPlusWildcards(reference, true))
+        return "has other extended wildcards";
+    return wildcards->empty() ? std::string() : excerptsOf(c, *wildcards);
+}
+
 /// Where the library and the reference differ; empty if they do not.
 std::string differenceOf(const RandomCase& c) {
     test::RefNode reference;
@@ -190,11 +194,9 @@ std::string differenceOf(const RandomCase& c) {
     const QueryTerms terms(c.query, c.options);
     if (const std::string dump = dumpOfQueryTerms(terms); dump != test::refDump(reference))
         return "parsed as\n" + dump + "and not as\n" + test::refDump(reference);
-    std::string difference = evaluationOf(c, terms, reference);
-    if (difference.empty()) difference = rewritingOf(c, terms, reference);
-    const auto wildcards = terms.plusWildcards();
-    if (difference.empty() && wildcards && !wildcards->empty()) difference = excerptsOf(c, *wildcards);
-    return difference;
+    for (const auto part : {evaluationOf, rewritingOf, wildcardsOf})
+        if (std::string difference = part(c, terms, reference); !difference.empty()) return difference;
+    return {};
 }
 
 // VELMO_QUERY_CASES sets another number of cases, VELMO_QUERY_SEED other ones.
@@ -216,7 +218,10 @@ TEST(QueryReference, RandomCasesAgree) {
         const std::size_t size = c.query.size() + c.text.size();
         if (difference.empty() || size >= smallest) continue;
         smallest = size;
-        report = "query \"" + utf8(c.query) + "\", text \"" + utf8(c.text) + "\", comparison " +
+        report = "query \"" + utf8(c.query) + "\", text \"" + utf8(c.text) + "\", wildcard " +
+                 std::to_string(c.options.wildcard) + ", operator " +
+                 std::to_string(static_cast<int>(c.options.defaultOperator)) + ", distance " +
+                 std::to_string(c.options.defaultDistance) + ", comparison " +
                  std::to_string(static_cast<int>(c.comparison)) + ", flags " + std::to_string(c.flags) + ": " +
                  difference;
     }
