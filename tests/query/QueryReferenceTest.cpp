@@ -59,7 +59,7 @@ std::u16string randomQuery(std::mt19937& random, bool wildcard) {
         u"NEAR/0 ", u"|",     u"&",          u"^",       u"!",         u"*",        u"a-",
         u"+",       u"-a ",   u"NEAR/1 -b ", u"NEXT -",  u"AFTER/2 (", u"NEAR/2 (", u"a OR b) "};
     std::u16string query;
-    for (std::size_t count = 1 + random() % 16; count > 0; --count) {
+    for (std::size_t count = 1 + random() % 11; count > 0; --count) {
         query += anyOf(random, Parts);
         if (wildcard && random() % 3 == 0) query.append(anyOf(random, Patterns)).append(u" ");
     }
@@ -97,12 +97,12 @@ RandomCase randomCase(std::mt19937& random) {
     const bool wildcard = c.options.wildcard = random() % 2 == 0;
     if (random() % 2) {
         c.query = randomQuery(random, wildcard);
-        c.text = joined(random, Words, random() % 18);
+        c.text = joined(random, Words, random() % 14);
         if (random() % 4 == 0) c.options.defaultOperator = static_cast<QueryOperator>(random() % 8);
         if (random() % 4 == 0) c.options.defaultDistance = random() % 4;
     } else {
-        addGroup(random, c.query, 1 + static_cast<int>(random() % 3), random() % 4 > 0, wildcard);
-        c.text = joined(random, Spaced, 2 + random() % 13);
+        addGroup(random, c.query, random() % 8 ? 1 : 3, random() % 4 > 0, wildcard);
+        c.text = joined(random, Spaced, 2 + random() % 11);
         if (random() % 2) c.text.pop_back();
     }
     c.comparison = static_cast<WildcardComparison>(random() % 4 ? random() % 2 : random() % 8);
