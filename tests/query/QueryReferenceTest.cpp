@@ -15,7 +15,7 @@
 #include "query/reference/ExcerptReference.h"
 #include "query/reference/QueryReference.h"
 #include "query/reference/RewritingReference.h"
-#include "query/reference/WordFinderReference.h"
+#include "query/reference/WildcardReference.h"
 
 namespace velmo {
 namespace {
@@ -117,12 +117,37 @@ RandomCase randomCase(std::mt19937& random) {
     return c;
 }
 
+// The words of a query as wildcards, by the slow search for these.
+
+std::optional<test::RefHit> hitOf(Range range) {
+    if (!range.isFound()) return {};
+    return test::RefHit{range.location, range.length};
+}
+
+test::RefFind refWildcards(const std::u16string& text, WildcardComparison comparison) {
+    test::RefSearch search{.text = text, .comparison = static_cast<unsigned>(comparison), .acceptStar = true};
+    return [search](const test::RefNode& word, std::size_t start, std::size_t end) mutable {
+        search.start = start;
+        search.end = end;
+        return hitOf(test::refFindString(search, word.word));
+    };
+}
+
+test::RefNextHit refNextWildcard(const std::u16string& text, const std::vector<std::u16string>& wildcards,
+                                 WildcardComparison comparison) {
+    test::RefSearch search{.text = text, .end = text.size(), .comparison = static_cast<unsigned>(comparison)};
+    return [search, wildcards](std::size_t from) mutable {
+        search.start = from;
+        return hitOf(test::refNearest(search, wildcards, false));
+    };
+}
+
 // The parts of a case; each gives what differs, or nothing.
 
 std::string evaluationOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
     const bool caseSensitive = !isCaseInsensitive(c.comparison);
     const test::RefFind find =
-        c.options.wildcard ? test::refWildcards(c.text, c.comparison) : test::refPlainWords(c.text, caseSensitive);
+        c.options.wildcard ? refWildcards(c.text, c.comparison) : test::refPlainWords(c.text, caseSensitive);
     const bool expected = test::refMatches(reference, c.text, find);
     if (expected !=
         (c.options.wildcard ? terms.matchesString(c.text, c.comparison) : terms.matchesString(c.text, caseSensitive)))
@@ -155,7 +180,7 @@ std::string excerptsOf(const RandomCase& c, const std::vector<String>& wildcards
     const bool strings = !c.options.wildcard;
     const String sought = wildcards.front();
     const auto next = strings ? test::refNextString(c.text, sought.view(), !isCaseInsensitive(c.comparison))
-                              : test::refNextWildcard(c.text, unitsOf(wildcards), c.comparison);
+                              : refNextWildcard(c.text, unitsOf(wildcards), c.comparison);
     const AssemblyOptions& options = c.assembly;
     const String summary = strings ? assembleOccurrencesOfString(c.text, sought, options)
                                    : assembleOccurrencesOfWildcards(c.text, wildcards, options);
