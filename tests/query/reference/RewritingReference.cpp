@@ -3,13 +3,10 @@
 #include <algorithm>
 #include <optional>
 
+#include <velmocore/query/Wildcards.h>
+
 namespace velmo::test {
 namespace {
-
-bool isWordUnit(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'*' || c == u'?' ||
-           c == u'[' || c == u']';
-}
 
 struct Rendering {
     std::uint64_t flags;
@@ -115,13 +112,13 @@ using Value = std::optional<std::u16string>;
 Value stringsFor(const RefNode& node, Strings& result, bool negated, bool extended) {
     if (node.isWord) {
         bool hyphenated = false;
-        const auto words = refWildcardWords(node.word, hyphenated);
+        const std::vector<String> words = wordsUsingWildcardSeparation(String(node.word), &hyphenated);
         if (negated || words.empty()) return {};
         if (!extended) result.insert(node.word);
-        std::u16string spaced = words[0], joined = words[0];
+        std::u16string spaced(words[0]), joined = spaced;
         for (std::size_t i = 1; i < words.size(); ++i) {
-            spaced += u" " + words[i];
-            joined += words[i];
+            spaced.append(u" ").append(words[i].view());
+            joined += words[i].view();
         }
         result.insert(spaced);
         if (words.size() == 1 || !hyphenated || node.phrase) return spaced;
@@ -147,29 +144,6 @@ Value stringsFor(const RefNode& node, Strings& result, bool negated, bool extend
 }
 
 }  // namespace
-
-std::vector<std::u16string> refWildcardWords(const std::u16string& text, bool& hyphenated) {
-    std::vector<std::u16string> words;
-    bool inWord = false, dotted = true, hyphens = true;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool is = isWordUnit(text[i]);
-        if (!is) {
-            if (text[i] != u'.') dotted = false;
-            if (text[i] != u'-') hyphens = false;
-        } else {
-            if (!inWord) words.emplace_back();
-            words.back() += text[i];
-            if (text[i] == u'[')
-                while (i + 1 < text.size() && text[i + 1] != u']') words.back() += text[++i];
-        }
-        inWord = is;
-    }
-    for (const std::u16string& word : words)
-        if (word.size() != 1 || !isWordUnit(word[0]) || word[0] < u'A' || word[0] == u'[' || word[0] == u']')
-            dotted = false;
-    hyphenated = words.size() > 1 && (dotted || hyphens);
-    return words;
-}
 
 std::u16string refRender(const RefNode& top, std::uint64_t flags, const RefDictionary& dictionary) {
     Rendering rendering{flags, dictionary, {}};

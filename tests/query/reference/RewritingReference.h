@@ -10,10 +10,6 @@ namespace velmo::test {
 
 using RefDictionary = std::map<std::u16string, std::u16string>;
 
-/// A text of words that are cut at everything but ASCII letters, digits and * ? [ ], and whether
-/// they are one term for a reader.
-std::vector<std::u16string> refWildcardWords(const std::u16string& text, bool& hyphenated);
-
 std::u16string refRender(const RefNode& top, std::uint64_t flags, const RefDictionary& dictionary);
 
 /// The nodes of the positive words: 1 without, 2 with the mark for substrings, 3 both.
