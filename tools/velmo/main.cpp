@@ -18,7 +18,6 @@ constexpr const char* Overview =
     "  velmo excerpts 'cat* NEAR/5 dog' notes.txt page.html\n"
     "  velmo query --tree '(cat OR dog) -bird'\n"
     "  velmo find 'licen?e*' notes.txt\n"
-    "  velmo excerpts 'tea OR cof*' page.html\n"
     "  velmo url simplify https://www.example.org/index.html\n"
     "  velmo language *.html\n"
     "  velmo clean --unwrap --collapse mail.txt\n"
