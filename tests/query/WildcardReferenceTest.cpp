@@ -29,24 +29,24 @@ std::u16string randomUnits(std::mt19937& random, std::u16string_view alphabet, s
 RandomCase randomCase(std::mt19937& random) {
     // Meaningless patterns test the rules of sets, meaningful ones the searches.
     static constexpr std::u16string_view Units[] = {u"ab*?[]^-| \u00E4A", u"aab*?", u"aabA\u00E4-* ?", u"[a-b]^*"};
-    static constexpr std::u16string_view Parts[] = {u"*",    u"a",   u"b", u"ab", u"[ab]",
-                                                    u"[^a]", u"[A-", u"]", u"?",  u" "};
-    static constexpr std::u16string_view Texts[] = {u"aabbA\u00E4 -.|[]^*?", u"ab ", u"aaaabbbA\u00C4 -"};
+    static constexpr std::u16string_view Parts[] = {u"*", u"*",    u"a",     u"a",    u"b", u"ab", u"[ab]",
+                                                    u"?", u"[^a]", u"[A-b]", u"[A-]", u" ", u"-"};
+    static constexpr std::u16string_view Texts[] = {u"aabbA\u00E4 -.|[]^*?", u"ab ", u"abA -"};
     RandomCase c;
     for (std::size_t i = 1 + random() % 5 / 3; i > 0; --i) {
         std::u16string wildcard;
-        if (random() % 2)
+        if (random() % 4 == 0)
             wildcard = randomUnits(random, Units[random() % std::size(Units)], random() % 9);
         else
-            for (std::size_t parts = 1 + random() % 5; parts > 0; --parts)
+            for (std::size_t parts = 1 + random() % 4; parts > 0; --parts)
                 wildcard += Parts[random() % std::size(Parts)];
         c.wildcards.push_back(wildcard);
     }
     RefSearch& search = c.search;
-    const std::size_t length = random() % 8 ? random() % 14 : random() % 120;
+    const std::size_t length = random() % 8 ? 2 + random() % 14 : random() % 120;
     search.text = randomUnits(random, Texts[random() % std::size(Texts)], length);
-    search.start = random() % 2 ? 0 : random() % (length + 1);
-    search.end = random() % 2 ? length : search.start + random() % (length - search.start + 1);
+    search.start = random() % 4 ? 0 : random() % (length + 1);
+    search.end = random() % 4 ? length : search.start + random() % (length - search.start + 1);
     search.comparison = random() % 8;
     search.minCharacters = random() % 4 ? 1 : random() % 4;
     search.minAnalogy = random() % 2 ? 0.75 : static_cast<double>(random() % 12) / 10;
@@ -194,8 +194,8 @@ TEST(WildcardReference, RandomPatternsAndTexts) {
         FAIL() << "case " << i << ": " << described(least) << ": " << differenceOf(least);
     }
     // The cases are worth something only if hits and misses are common.
-    EXPECT_GT(found, cases / 4);
-    EXPECT_LT(found, cases - cases / 4);
+    EXPECT_GT(found, cases / 5);
+    EXPECT_LT(found, cases - cases / 5);
 }
 
 }  // namespace
