@@ -116,11 +116,17 @@ struct PatternSearch {
     const WildcardPattern& pattern;
     const WordText& text;
     std::uint64_t start, end;
+    const Fold& fold;
     PatternTest<Fold> test;
 
     PatternSearch(const WildcardPattern& sought, const WordText& words, std::uint64_t from,
-                  std::uint64_t to, const Fold& fold)
-        : pattern(sought), text(words), start(from), end(to), test{sought, words, from, to, fold} {}
+                  std::uint64_t to, const Fold& folding)
+        : pattern(sought),
+          text(words),
+          start(from),
+          end(to),
+          fold(folding),
+          test{sought, words, from, to, folding} {}
 
     Range last(bool anchored) const {
         std::uint64_t position = end;
@@ -151,12 +157,22 @@ private:
     /// Word after word.
     Range firstByWords(std::uint64_t from) const {
         Range result = Range::none();
-        forEachRun(text.units.substr(from, end - from), text.termCharacters, [&](const Run& run) {
+        const std::u16string_view stretch = text.units.substr(from, end - from);
+        forEachRun(stretch, text.termCharacters, [&](const Run& run) {
             // For this scan it is the term units that are members of the set.
-            if (run.isSeparators) result = test.at(from + run.start, from + run.end, false);
+            if (run.isSeparators && mayMatch(stretch, run))
+                result = test.at(from + run.start, from + run.end, false);
             return !result.isFound();
         });
         return result;
+    }
+
+    /// Rules most words out. One rare jump for both conditions is cheaper than one for each.
+    bool mayMatch(std::u16string_view stretch, const Run& run) const {
+        const char16_t unit = fold(stretch[pattern.edgeIsEnd_ ? run.end - 1 : run.start]);
+        const bool fits =
+            run.length() - pattern.minLength_ <= pattern.maxLength_ - pattern.minLength_;
+        return fits & (((unit ^ pattern.edgeUnit_) & pattern.edgeMask_) == 0);
     }
 
     /// The next place from a position on where the anchors stand, or the end.
@@ -232,6 +248,17 @@ WildcardPattern::WildcardPattern(std::u16string_view wildcard, WildcardCompariso
         measureFuzzyLengths();
     else if (!hasOpenRange_)
         anchors_ = anchorsOf(core(), type_, table_);
+    if (anchors_.place == PatternAnchors::Nowhere && !hasOpenRange_) chooseEdge();
+}
+
+void WildcardPattern::chooseEdge() {
+    using enum WildcardType;
+    const bool isFuzzyPlain = type_ == Plain && !isDirect_;
+    if (isFuzzyPlain || type_ == Infix) return;
+    edgeIsEnd_ = type_ == Suffix || type_ == SuffixSets;
+    edgeUnit_ = edgeIsEnd_ ? core().back() : core().front();
+    constexpr std::u16string_view NoUnits = u"*?[]";
+    edgeMask_ = NoUnits.find(edgeUnit_) == NoUnits.npos ? 0xFFFF : 0;
 }
 
 /// A fuzzy pattern goes through the table once more, as both sides of the measure do.

@@ -81,6 +81,7 @@ private:
     friend struct PatternSearch;
 
     std::u16string_view core() const { return {units_.data() + core_.location, core_.length}; }
+    void chooseEdge();
     void measureFuzzyLengths();
 
     SmallBuffer<char16_t> units_;  // folded and compacted
@@ -90,8 +91,11 @@ private:
     bool isDirect_;
     bool hasOpenRange_ = false;
     std::uint64_t minLength_ = 0, maxLength_ = 0;  // of words that are compared at all
-    double minAnalogy_ = 0;                        // of a fuzzy pattern,
-    std::bitset<256> lowBytes_;                    // and the low bytes of its units
+    // The unit that a word must have at its start, or its end, if the mask is not 0.
+    char16_t edgeUnit_ = 0, edgeMask_ = 0;
+    bool edgeIsEnd_ = false;
+    double minAnalogy_ = 0;      // of a fuzzy pattern,
+    std::bitset<256> lowBytes_;  // and the low bytes of its units
     PatternAnchors anchors_;
 };
 

@@ -12,6 +12,8 @@
 #include <velmocore/platform/Range.h>
 #include <velmocore/text/CharacterSets.h>
 
+#include "text/MemberScan.h"
+
 namespace velmo::detail {
 
 /// A maximal run of separators, or of units that are none.
@@ -23,23 +25,6 @@ struct Run {
     std::size_t length() const { return end - start; }
     Range range() const { return {start, end - start}; }
 };
-
-/// Which of up to 64 units are in the set: bit i stands for units[i]. Eight at a time keep
-/// the shifts constant.
-inline std::uint64_t membersOf(const char16_t* units, std::size_t count,
-                               const CharacterSetRep& set) {
-    const auto bit = [&](std::size_t i, unsigned place) {
-        return static_cast<std::uint64_t>(set.contains(units[i])) << place;
-    };
-    std::uint64_t bits = 0;
-    const std::size_t whole = count & ~std::size_t{7};
-    for (std::size_t i = 0; i < whole; i += 8)
-        bits |= (bit(i, 0) | bit(i + 1, 1) | bit(i + 2, 2) | bit(i + 3, 3) | bit(i + 4, 4) |
-                 bit(i + 5, 5) | bit(i + 6, 6) | bit(i + 7, 7))
-                << i;
-    for (std::size_t i = whole; i < count; ++i) bits |= bit(i, 0) << i;
-    return bits;
-}
 
 /// Calls block(base, members, count) for each 64 units of the text, the last block being
 /// shorter; a result of false ends the scan.

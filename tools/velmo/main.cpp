@@ -17,7 +17,7 @@ constexpr const char* Overview =
     "  velmo match '(cat OR dog) -bird' notes.txt page.html\n"
     "  velmo excerpts 'cat* NEAR/5 dog' notes.txt page.html\n"
     "  velmo query --tree '(cat OR dog) -bird'\n"
-    "  velmo find 'licen?e*' notes.txt\n"
+    "  velmo find -r 'data* [a-d]?se' letters/\n"
     "  velmo url simplify https://www.example.org/index.html\n"
     "  velmo language *.html\n"
     "  velmo clean --unwrap --collapse mail.txt\n"

@@ -1,0 +1,202 @@
+// Wildcards on random patterns and texts beside the slow reference.
+#include <velmocore/query/WildcardSearch.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <random>
+
+#include <velmocore/query/FuzzyAnalogy.h>
+
+#include "TestSupport.h"
+#include "query/reference/WildcardReference.h"
+
+namespace velmo {
+namespace {
+
+using test::RefSearch;
+
+struct RandomCase {
+    std::vector<std::u16string> wildcards;
+    RefSearch search;  // with the text
+};
+
+std::u16string randomUnits(std::mt19937& random, std::u16string_view alphabet, std::size_t count) {
+    std::u16string units;
+    while (count-- > 0) units += alphabet[random() % alphabet.size()];
+    return units;
+}
+
+RandomCase randomCase(std::mt19937& random) {
+    // Meaningless patterns test the rules of sets, meaningful ones the searches.
+    static constexpr std::u16string_view Units[] = {u"ab*?[]^-| \u00E4A", u"aab*?", u"aabA\u00E4-* ?", u"[a-b]^*"};
+    static constexpr std::u16string_view Parts[] = {u"*", u"*",    u"a",     u"a",    u"b", u"ab", u"[ab]",
+                                                    u"?", u"[^a]", u"[A-b]", u"[A-]", u" ", u"-"};
+    static constexpr std::u16string_view Texts[] = {u"aabbA\u00E4 -.|[]^*?", u"ab ", u"abA -"};
+    RandomCase c;
+    for (std::size_t i = 1 + random() % 5 / 3; i > 0; --i) {
+        std::u16string wildcard;
+        if (random() % 4 == 0)
+            wildcard = randomUnits(random, Units[random() % std::size(Units)], random() % 9);
+        else
+            for (std::size_t parts = 1 + random() % 4; parts > 0; --parts)
+                wildcard += Parts[random() % std::size(Parts)];
+        c.wildcards.push_back(wildcard);
+    }
+    RefSearch& search = c.search;
+    const std::size_t length = random() % 8 ? 2 + random() % 14 : random() % 120;
+    search.text = randomUnits(random, Texts[random() % std::size(Texts)], length);
+    search.start = random() % 4 ? 0 : random() % (length + 1);
+    search.end = random() % 4 ? length : search.start + random() % (length - search.start + 1);
+    search.comparison = random() % 8;
+    search.minCharacters = random() % 4 ? 1 : random() % 4;
+    search.minAnalogy = random() % 2 ? 0.75 : static_cast<double>(random() % 12) / 10;
+    search.anchored = random() % 4 == 0;
+    search.forward = random() % 3 != 0;
+    search.acceptStar = random() % 2 == 0;
+    search.starIsWord = random() % 2 == 0;
+    return c;
+}
+
+/// All hits one after the other, each search going on behind the hit before.
+std::vector<Range> refAllHits(RefSearch search, const std::vector<std::u16string>& wildcards) {
+    std::vector<Range> hits;
+    search.acceptStar = false;
+    for (Range hit; (hit = refNearest(search, wildcards, false)).isFound();) {
+        hits.push_back(hit);
+        (search.forward ? search.start : search.end) = search.forward ? hit.end() : hit.location;
+    }
+    return hits;
+}
+
+template <class Value>
+std::string differs(const char* what, const Value& value, const Value& expected) {
+    if (value == expected) return "";
+    return std::string(what) + ": " + testing::PrintToString(value) + ", but the reference " +
+           testing::PrintToString(expected);
+}
+
+/// What the library and the reference disagree about, or "".
+std::string differenceOf(const RandomCase& c) {
+    const RefSearch& in = c.search;
+    const std::u16string& wildcard = c.wildcards[0];
+    const auto comparison = static_cast<WildcardComparison>(in.comparison);
+    const std::u16string_view head = std::u16string_view(in.text).substr(0, 12);
+    const ConversionTable* table = unicharTableForWildcardComparison(comparison);
+    const Range range{in.start, in.end - in.start};
+    std::string found;
+    const auto check = [&](const char* what, const auto& value, const auto& expected) {
+        if (found.empty()) found = differs(what, value, expected);
+    };
+
+    check(
+        "plain",
+        table ? stringMatchesWildcardUsingUnicharTable(head, wildcard, *table) : stringMatchesWildcard(head, wildcard),
+        test::refMatchesPlain(head, wildcard, in.comparison));
+    check("unix",
+          table ? stringMatchesUnixWildcardUsingUnicharTable(head, wildcard, *table)
+                : stringMatchesUnixWildcard(head, wildcard),
+          test::refMatchesUnix(head, wildcard, in.comparison));
+    if (!head.empty() || !wildcard.empty())  // not a number is never the same
+        check("analogy",
+              table ? stringMatchesUnixWildcardFuzzyUsingUnicharTable(head, wildcard, *table)
+                    : stringMatchesUnixWildcardFuzzy(head, wildcard),
+              test::refAnalogy(head, wildcard, in.comparison));
+    std::u16string compacted = wildcard;
+    const OptimizedWildcard optimized = optimizeWildcard(compacted, in.minCharacters);
+    const test::RefOptimized expected = test::refOptimize(wildcard, in.minCharacters);
+    check("type", static_cast<int>(optimized.type), expected.type);
+    check("core", optimized.core, expected.core);
+    check("compacted", utf8(compacted), utf8(expected.wildcard));
+
+    setMinWildcardFuzzyAnalogy(in.minAnalogy);
+    check("word",
+          FindWildcardInCharacters(in.text, range, wildcard,
+                                   {.comparison = comparison,
+                                    .minCharacters = in.minCharacters,
+                                    .anchored = in.anchored,
+                                    .backwards = !in.forward,
+                                    .acceptStar = in.acceptStar,
+                                    .starIsWord = in.starIsWord}),
+          refFind(in, wildcard));
+    check("string",
+          FindWildcardStringInCharacters(in.text, range, wildcard,
+                                         {.comparison = comparison,
+                                          .minCharacters = in.minCharacters,
+                                          .backwards = !in.forward,
+                                          .acceptStar = in.acceptStar}),
+          refFindString(in, wildcard));
+    const std::vector<String> wildcards(c.wildcards.begin(), c.wildcards.end());
+    RefSearch starless = in;
+    starless.acceptStar = false;
+    check("first", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, !in.forward, true}),
+          refNearest(starless, c.wildcards, true));
+    check("nearest", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, !in.forward, false}),
+          refNearest(starless, c.wildcards, false));
+    std::vector<Range> hits;
+    (in.forward ? forEachWildcard : forEachWildcardBackwards)(in.text, wildcards,
+                                                              [&](Range hit) { return hits.push_back(hit), true; },
+                                                              {comparison, in.minCharacters, range});
+    check("all", hits, refAllHits(in, c.wildcards));
+    setMinWildcardFuzzyAnalogy(0.75);
+    return found;
+}
+
+/// Takes units away as long as there is a difference.
+RandomCase smallest(RandomCase c) {
+    for (bool smaller = true; smaller;) {
+        smaller = false;
+        const auto keepIfFails = [&](const RandomCase& shorter) {
+            if (!smaller && !differenceOf(shorter).empty()) c = shorter, smaller = true;
+        };
+        for (std::size_t w = 0; w < c.wildcards.size(); ++w)
+            for (std::size_t i = 0; i < c.wildcards[w].size() && !smaller; ++i) {
+                RandomCase shorter = c;
+                shorter.wildcards[w].erase(i, 1);
+                keepIfFails(shorter);
+            }
+        for (std::size_t i = 0; i < c.search.text.size() && !smaller; ++i) {
+            RandomCase shorter = c;
+            shorter.search.text.erase(i, 1);
+            shorter.search.start -= i < shorter.search.start;
+            shorter.search.end -= i < shorter.search.end;
+            keepIfFails(shorter);
+        }
+        if (c.wildcards.size() > 1 && !smaller) {
+            RandomCase shorter = c;
+            shorter.wildcards.pop_back();
+            keepIfFails(shorter);
+        }
+    }
+    return c;
+}
+
+std::string described(const RandomCase& c) {
+    std::string line;
+    for (const std::u16string& wildcard : c.wildcards) line += "'" + utf8(wildcard) + "' ";
+    const RefSearch& in = c.search;
+    return line + "in '" + utf8(in.text) + "' from " + std::to_string(in.start) + " to " + std::to_string(in.end) +
+           ", comparison " + std::to_string(in.comparison) + ", at least " + std::to_string(in.minCharacters) +
+           " and " + std::to_string(in.minAnalogy) + (in.anchored ? ", anchored" : "") +
+           (in.forward ? "" : ", backwards") + (in.acceptStar ? ", star" : "") + (in.starIsWord ? " as word" : "");
+}
+
+TEST(WildcardReference, RandomPatternsAndTexts) {
+    // VELMO_QUERY_CASES sets another number of cases.
+    const char* wanted = std::getenv("VELMO_QUERY_CASES");
+    const unsigned long cases = wanted ? std::strtoul(wanted, nullptr, 10) : 200'000;
+    std::mt19937 random(2026);
+    unsigned long found = 0;
+    for (unsigned long i = 0; i < cases; ++i) {
+        const RandomCase c = randomCase(random);
+        found += refNearest(c.search, c.wildcards, true).isFound();
+        if (differenceOf(c).empty()) continue;
+        const RandomCase least = smallest(c);
+        FAIL() << "case " << i << ": " << described(least) << ": " << differenceOf(least);
+    }
+    // The cases are worth something only if hits and misses are common.
+    EXPECT_GT(found, cases / 5);
+    EXPECT_LT(found, cases - cases / 5);
+}
+
+}  // namespace
+}  // namespace velmo
