@@ -176,6 +176,19 @@ void unescapeVelmo(benchmark::State& state) {
 }
 BENCHMARK(unescapeVelmo)->Name("percent-decode/velmo")->Unit(benchmark::kMillisecond);
 
+/// The peer gives bytes; this is what it takes to have the text.
+void unescapeTextCurl(benchmark::State& state) {
+    eachText(state, escapedTerms(), [](const Text& term) {
+        int length = 0;
+        char* text = curl_easy_unescape(nullptr, term.utf8.data(),
+                                        static_cast<int>(term.utf8.size()), &length);
+        benchmark::DoNotOptimize(String::fromUTF8({text, static_cast<std::size_t>(length)}));
+        curl_free(text);
+    });
+}
+BENCHMARK(unescapeVelmo)->Name("percent-decode-text/velmo")->Unit(benchmark::kMillisecond);
+BENCHMARK(unescapeTextCurl)->Name("percent-decode-text/libcurl")->Unit(benchmark::kMillisecond);
+
 void unescapeStandardVelmo(benchmark::State& state) {
     eachText(state, escapedTerms(), [](const Text& term) {
         benchmark::DoNotOptimize(stringByReplacingStandardPercentEscapesOfURL(term.units));

@@ -23,9 +23,9 @@ bool appendBytes(StringBuilder& out, std::u16string_view units, StringEncoding e
 /// the stack and copied once; of a long one the room that is left goes back.
 class Room {
 public:
-    explicit Room(std::size_t units) {
-        units_ = units <= std::size(small_) ? small_ : builder_.prepare(units);
-    }
+    static constexpr std::size_t Short = 4096;
+
+    explicit Room(std::size_t units) { units_ = units <= Short ? small_ : builder_.prepare(units); }
     Room(const Room&) = delete;
     Room& operator=(const Room&) = delete;
 
@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    char16_t small_[4096];
+    char16_t small_[Short];
     StringBuilder builder_;
     char16_t* units_;
 };
@@ -81,10 +81,21 @@ inline char16_t* writeEscapes(char16_t* write, char32_t c) noexcept {
     return writeEscape(write, 0x80 | (c & 0x3F));
 }
 
+/// The room that writeUtf8() needs for a text.
+template <class Keep>
+std::size_t roomForUtf8(std::u16string_view text, Keep keep) {
+    constexpr std::size_t MostUnits = 9;  // the escapes of three bytes
+    std::size_t room = text.size() * MostUnits;
+    if (room + sizeof(Spelling) > Room::Short) {
+        room = 0;
+        for (std::size_t i = 0; i < text.size(); ++i)
+            room += keep(i) ? 1 : text[i] < 0x80 ? 3 : text[i] < 0x800 ? 6 : MostUnits;
+    }
+    return room + sizeof(Spelling);
+}
+
 /// Writes a text: the units that keep(index) wants as they are, all others as the escapes of
-/// their UTF-8. There must be room for MostUnitsEscaped for each unit and a Spelling. Gives
-/// the end of what was written, null for a lone surrogate.
-inline constexpr std::size_t MostUnitsEscaped = 9;  // those of three bytes
+/// their UTF-8. Gives the end of what was written, null for a lone surrogate.
 template <class Keep>
 char16_t* writeUtf8(char16_t* write, std::u16string_view text, Keep keep) {
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -113,7 +124,7 @@ char16_t* writeUtf8(char16_t* write, std::u16string_view text, Keep keep) {
 template <class Keep>
 String escaped(std::u16string_view text, StringEncoding encoding, Keep keep) {
     if (encoding == UTF8StringEncoding) {
-        Room room(text.size() * MostUnitsEscaped + sizeof(Spelling));
+        Room room(roomForUtf8(text, keep));
         const char16_t* const end = writeUtf8(room.units(), text, keep);
         return end ? room.finish(end) : String();
     }

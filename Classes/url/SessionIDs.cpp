@@ -86,6 +86,8 @@ constexpr ParameterMask rowsOf(unsigned traits) {
 constexpr ParameterMask SessionRows = rowsOf(IsSession), NumberRows = rowsOf(IsIfNoNumber),
                         SeenRows = rowsOf(SessionSeen);
 constexpr ParameterMask bitOf(std::size_t row) { return ParameterMask(1) << row; }
+constexpr ParameterMask KindRows = rowsOf(StaticPage | ScriptPage | ServerPage),
+                        TopicRows = rowsOf(Topic) | bitOf(SessionOfTopic), NewsRows = rowsOf(News);
 
 /// What the URL is by the ending in front of a ?, of which the first kind counts.
 unsigned kindOf(Units text) {
@@ -112,10 +114,13 @@ bool isNews(Units text) {
     return false;
 }
 
-unsigned traitsOf(Units text) {
-    unsigned traits = Always | kindOf(text);
-    if ((traits & ScriptPage) && stringURLIsTopicOrThread(text)) traits |= Topic;
-    if (isNews(text)) traits |= News;
+/// What is known of a URL, as far as one of the rows asks for it.
+unsigned traitsOf(Units text, ParameterMask rows) {
+    unsigned traits = Always;
+    if (rows & (KindRows | TopicRows)) traits |= kindOf(text);
+    if ((traits & ScriptPage) && (rows & TopicRows) && stringURLIsTopicOrThread(text))
+        traits |= Topic;
+    if ((rows & NewsRows) && isNews(text)) traits |= News;
     return traits;
 }
 
@@ -125,7 +130,7 @@ public:
 
     void run() {
         if (!finder_.parameters()) return;
-        const unsigned traits = traitsOf(text_.view());
+        const unsigned traits = traitsOf(text_.view(), finder_.present());
         isTopic_ = traits & Topic;
         rows_ = rowsOf(traits);
         for (ParameterMask found; (found = next());)

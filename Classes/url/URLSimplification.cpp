@@ -21,10 +21,13 @@ using Units = std::u16string_view;
 
 /// Where a slash stands behind another that is not behind a colon; the end if nowhere.
 std::size_t firstExtraSlash(Units text, std::size_t end) noexcept {
-    for (std::size_t i = indexOf(text, u'/', std::min<std::size_t>(1, end)); i < end;
-         i = indexOf(text, u'/', i + 1))
-        if (text[i - 1] == u'/' && (i == 1 || text[i - 2] != u':')) return i;
-    return end;
+    const char16_t* const start = text.data();
+    const char16_t* const last = start + end;
+    for (const char16_t* slash = start;; ++slash) {
+        slash = scan::findDoubled(slash, last, u'/');
+        if (slash == last) return end;
+        if (slash == start || slash[-1] != u':') return static_cast<std::size_t>(slash + 1 - start);
+    }
 }
 
 /// The length without "/." and "/.." at the end, or without "." and ".." if that is all.
