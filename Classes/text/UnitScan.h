@@ -82,6 +82,20 @@ inline const char16_t* findEither(const char16_t* from, const char16_t* to, char
 #endif
 }
 
+/// The first position that holds the unit and is followed by another of it; to if there is none.
+inline const char16_t* findDoubled(const char16_t* from, const char16_t* to, char16_t unit) {
+#if defined(__SSE2__)
+    while (to - from > BlockUnits) {
+        const __m128i both =
+            _mm_and_si128(equalTo(loadBlock(from), unit), equalTo(loadBlock(from + 1), unit));
+        if (const int mask = _mm_movemask_epi8(both)) return from + firstOf(mask);
+        from += BlockUnits;
+    }
+#endif
+    while (to - from > 1 && (from[0] != unit || from[1] != unit)) ++from;
+    return to - from > 1 ? from : to;
+}
+
 /// The first position that holds one of the units; to if there is none.
 template <char16_t... Units>
 inline const char16_t* findAnyOf(const char16_t* from, const char16_t* to) {

@@ -6,49 +6,53 @@
 
 #include <velmocore/text/StringFiles.h>
 
-#include "platform/Utf8.h"
-
 namespace velmo::escapes {
 namespace {
 
 using Units = std::u16string_view;
 
-bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
-
-bool hasLoneSurrogate(Units units) {
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        if (!isSurrogate(units[i])) continue;
-        if (units[i] >= 0xDC00 || i + 1 == units.size() || (units[i + 1] & 0xFC00) != 0xDC00)
-            return true;
-        ++i;
+/// Decodes the UTF-8 of one character, whose escapes stand at read, and moves both on. False if
+/// it is broken.
+bool decodeCharacter(int lead, const char16_t*& read, const char16_t* end, char16_t*& write) {
+    read += 3;
+    if (lead < 0x80) {
+        *write++ = static_cast<char16_t>(lead);
+        return true;
     }
-    return false;
+    if (lead < 0xC2 || lead > 0xF4) return false;
+    const int further = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+    auto c = static_cast<char32_t>(lead & (0x3F >> further));
+    for (int n = 0; n < further; ++n, read += 3) {
+        if (end - read < 3 || *read != u'%') return false;
+        const int byte = escapeValue(read);
+        if ((byte & ~0x3F) != 0x80) return false;
+        c = (c << 6) | static_cast<char32_t>(byte & 0x3F);
+    }
+    constexpr char32_t Least[] = {0, 0x80, 0x800, 0x10000};
+    if (c < Least[further] || c > 0x10FFFF || isSurrogate(c)) return false;
+    if (c < 0x10000) {
+        *write++ = static_cast<char16_t>(c);
+    } else {
+        *write++ = static_cast<char16_t>(0xD7C0 + (c >> 10));
+        *write++ = static_cast<char16_t>(0xDC00 | (c & 0x3FF));
+    }
+    return true;
 }
 
-/// The bytes of units; none if the encoding cannot hold them.
-std::optional<Data> encoded(Units units, StringEncoding encoding) {
-    if (encoding != UTF8StringEncoding) return dataUsingEncoding(units, encoding);
-    if (hasLoneSurrogate(units)) return std::nullopt;
-    Data bytes(units.size() * 3);
-    bytes.resize(detail::encodeUtf8(units, reinterpret_cast<char*>(bytes.data())));
-    return bytes;
-}
-
-/// Whether the text has broken bytes replaced: more U+FFFD than stood in the bytes.
-bool hasReplacements(const String& text, std::string_view utf8) {
-    constexpr std::string_view Replacement = "\xEF\xBF\xBD";
-    std::ptrdiff_t expected = 0;
-    for (std::size_t i = utf8.find(Replacement); i != utf8.npos; i = utf8.find(Replacement, i + 3))
-        ++expected;
-    return std::count(text.begin(), text.end(), u'\uFFFD') != expected;
+/// The text with its escapes decoded as UTF-8; absent if one is broken.
+String decodedUtf8(Units text) {
+    Room room(text.size() + CopySlack);
+    const char16_t* const end = text.data() + text.size();
+    bool sound = true;
+    const char16_t* const written =
+        copyReplacing(text, room.units(), [&](int value, const char16_t*& read, char16_t*& write) {
+            return sound = decodeCharacter(value, read, end, write);
+        });
+    return sound ? room.finish(written) : String();
 }
 
 /// The text of bytes; absent if they are nothing in the encoding.
 String stringOf(std::string_view bytes, StringEncoding encoding) {
-    if (encoding == UTF8StringEncoding) {
-        const String text = String::fromUTF8(bytes);
-        return hasReplacements(text, bytes) ? String() : text;
-    }
     const String text = stringWithData(bytesOf(bytes), encoding);
     const bool failed =
         encoding == ASCIIStringEncoding && text.view().find(u'\uFFFD') != Units::npos;
@@ -64,24 +68,21 @@ bool holdsAscii(StringEncoding encoding) {
 }  // namespace
 
 bool appendBytes(StringBuilder& out, Units units, StringEncoding encoding) {
-    constexpr char16_t Digits[] = u"0123456789ABCDEF";
-    const std::optional<Data> bytes = encoded(units, encoding);
+    const std::optional<Data> bytes = dataUsingEncoding(units, encoding);
     if (!bytes) return false;
-    char16_t* write = out.prepare(bytes->size() * 3);
-    for (std::uint8_t value : *bytes) {
-        *write++ = u'%';
-        *write++ = Digits[value >> 4];
-        *write++ = Digits[value & 15];
-    }
+    char16_t* write = out.prepare(bytes->size() * 3 + 1);
+    for (std::uint8_t byte : *bytes) write = writeEscape(write, byte);
     out.commit(bytes->size() * 3);
     return true;
 }
 
 String decoded(const String& text, StringEncoding encoding) {
     const Units units = text;
-    std::size_t i = 0;
-    while (i < units.size() && escapeAt(units, i) < 0) ++i;
-    if (i == units.size()) return text;
+    const char16_t* percent = scan::find(text.begin(), text.end(), u'%');
+    while (percent < text.end() && (text.end() - percent < 3 || escapeValue(percent) < 0))
+        percent = scan::find(percent + 1, text.end(), u'%');
+    if (percent == text.end()) return text;
+    if (encoding == UTF8StringEncoding) return decodedUtf8(units);
     // ASCII between escapes may be the second byte of a character: it is decoded along.
     const bool takesAscii = holdsAscii(encoding);
     const auto byteAt = [=](std::size_t at) {
@@ -90,7 +91,7 @@ String decoded(const String& text, StringEncoding encoding) {
     };
     StringBuilder out(units.size());
     std::string bytes;
-    for (i = 0; i < units.size();) {
+    for (std::size_t i = 0; i < units.size();) {
         bytes.clear();
         for (int byte; i < units.size() && (byte = byteAt(i)) >= 0;) {
             i += escapeAt(units, i) < 0 ? 1 : 3;

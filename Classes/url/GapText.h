@@ -9,6 +9,8 @@
 
 #include <velmocore/platform/String.h>
 
+#include "text/UnitScan.h"
+
 namespace velmo::detail {
 
 /// Up to 256 units stand on the stack.
@@ -46,11 +48,23 @@ public:
     std::u16string_view view() noexcept { return {data(), size()}; }
 
     /// The first position from a start on that holds one of the units; else size().
-    template <class... Unit>
-    std::size_t find(std::size_t from, Unit... units) const noexcept {
-        std::size_t i = from;
-        while (i < size() && !(((*this)[i] == units) || ...)) ++i;
-        return std::min(i, size());
+    template <char16_t... Units>
+    std::size_t find(std::size_t from) const noexcept {
+        const std::size_t gap = right_ - left_;
+        if (from < left_) {
+            const char16_t* const end = units_ + left_;
+            const char16_t* const hit = scan::findAnyOf<Units...>(units_ + from, end);
+            if (hit != end) return static_cast<std::size_t>(hit - units_);
+            from = left_;
+        }
+        const char16_t* const hit = scan::findAnyOf<Units...>(units_ + from + gap, units_ + end_);
+        return static_cast<std::size_t>(hit - units_) - gap;
+    }
+
+    /// The units of a range, if the gap is not among them; else null.
+    const char16_t* range(std::size_t from, std::size_t length) const noexcept {
+        if (from >= left_) return units_ + from + (right_ - left_);
+        return from + length <= left_ ? units_ + from : nullptr;
     }
 
     /// The text as a string: the original if it is as long, as nothing but cuts was made.

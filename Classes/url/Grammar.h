@@ -72,11 +72,20 @@ bool isPathUnit(char16_t unit) noexcept;
 /// Whether the unit may stand anywhere in a URL as itself, % aside.
 bool isURLUnit(char16_t unit) noexcept;
 
+inline constexpr std::array<std::int8_t, 256> HexDigitValues = [] {
+    std::array<std::int8_t, 256> values{};
+    values.fill(-1);
+    for (std::size_t digit = 0; digit < 16; ++digit) {
+        values[static_cast<unsigned char>("0123456789abcdef"[digit])] =
+            static_cast<std::int8_t>(digit);
+        values[static_cast<unsigned char>("0123456789ABCDEF"[digit])] =
+            static_cast<std::int8_t>(digit);
+    }
+    return values;
+}();
 /// The value of a hexadecimal digit; -1 for any other unit.
 constexpr int hexDigitValue(char16_t unit) noexcept {
-    if (unit >= u'0' && unit <= u'9') return unit - u'0';
-    const char16_t lower = unit | 0x20;
-    return lower >= u'a' && lower <= u'f' ? lower - u'a' + 10 : -1;
+    return unit < 256 ? HexDigitValues[unit] : -1;
 }
 
 }  // namespace velmo::grammar

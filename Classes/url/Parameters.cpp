@@ -1,17 +1,28 @@
 #include "url/Parameters.h"
 
+#include <bit>
+
 #include "text/Keyword.h"
 
 namespace velmo::detail {
 namespace {
 
+/// Compares from the end, where names that are sought together differ the least.
 bool standsAt(const GapText& text, const ParameterName& name, std::size_t position) {
-    if (text.size() - position < name.text.size()) return false;
-    for (std::size_t i = 0; i < name.text.size(); ++i) {
-        const char16_t unit = text[position + i];
+    const std::size_t length = name.text.size();
+    if (text.size() - position < length) return false;
+    const char16_t* const units = text.range(position, length);
+    for (std::size_t i = length; i-- > 0;) {
+        const char16_t unit = units ? units[i] : text[position + i];
         if ((name.anyCase ? keyword::upper(unit) : unit) != name.text[i]) return false;
     }
     return true;
+}
+
+/// Calls the work for the number of each bit.
+template <class Work>
+void eachBit(ParameterMask mask, Work work) {
+    for (; mask; mask &= mask - 1) work(static_cast<std::size_t>(std::countr_zero(mask)));
 }
 
 }  // namespace
@@ -23,8 +34,8 @@ std::size_t findName(const GapText& text, const ParameterName& name, std::size_t
 }
 
 std::size_t endOfParameter(const GapText& text, std::size_t separator) {
-    return text[separator] == u';' ? text.find(separator + 1, u'&', u';', u'?')
-                                   : text.find(separator + 1, u'&', u'?');
+    return text[separator] == u';' ? text.find<u'&', u';', u'?'>(separator + 1)
+                                   : text.find<u'&', u'?'>(separator + 1);
 }
 
 std::size_t removeParameter(GapText& text, std::size_t separator) {
@@ -37,39 +48,53 @@ std::size_t removeParameter(GapText& text, std::size_t separator) {
     return separator;
 }
 
-ParameterFinder::ParameterFinder(GapText& text, std::span<const ParameterName> names)
-    : text_(text), names_(names) {
-    positions_.fill(NotThere);
-    locate();
+ParameterFinder::ParameterFinder(GapText& text, const ParameterList& list)
+    : text_(text), list_(list) {
+    if (text_.size() < 2) return;
+    for (std::size_t i = text_.find<u'='>(1); i < text_.size(); i = text_.find<u'='>(i + 1))
+        locate(i);
 }
 
-void ParameterFinder::locate() {
-    for (std::size_t i = text_.find(0, u'='); i < text_.size(); i = text_.find(i + 1, u'=')) {
-        for (std::size_t n = 0; n < names_.size(); ++n) {
-            const std::size_t length = names_[n].text.size();
-            if (positions_[n] == NotThere && i + 1 >= length &&
-                standsAt(text_, names_[n], i + 1 - length))
-                positions_[n] = i + 1 - length;
-        }
-    }
+/// Looks for the names that end at a = and were not found before it.
+void ParameterFinder::locate(std::size_t equals) {
+    const char16_t third = equals < 3 ? u'\0' : text_[equals - 3];
+    eachBit(list_.candidates(text_[equals - 1], third) & ~present_, [&](std::size_t name) {
+        const std::size_t length = list_.names[name].text.size();
+        if (equals + 1 >= length && standsAt(text_, list_.names[name], equals + 1 - length))
+            note(name, equals + 1 - length);
+    });
+}
+
+void ParameterFinder::note(std::size_t name, std::size_t position) {
+    const ParameterMask bit = ParameterMask(1) << name;
+    positions_[name] = position;
+    present_ &= ~bit;
+    parameters_ &= ~bit;
+    if (position == NotThere) return;
+    present_ |= bit;
+    if (position > 0 && isParameterSeparator(text_[position - 1])) parameters_ |= bit;
 }
 
 void ParameterFinder::remove(std::size_t name) {
     const std::size_t before = text_.size();
     const std::size_t joint = removeParameter(text_, separatorOf(name));
-    const std::size_t removed = before - text_.size();
-    for (std::size_t n = 0; n < names_.size(); ++n) positions_[n] = moved(n, joint, removed);
+    eachBit(present_, [&](std::size_t n) { relocate(n, joint, before - text_.size()); });
+    eachBit(list_.crossing, [&](std::size_t n) {
+        const bool isBefore = (present_ >> n & 1) && positions_[n] + 1 < joint;
+        if (joint > 0 && !isBefore && standsAt(text_, list_.names[n], joint - 1))
+            note(n, joint - 1);
+    });
 }
 
-/// Where a name stands after units were removed behind the joint.
-std::size_t ParameterFinder::moved(std::size_t name, std::size_t joint, std::size_t removed) const {
-    const std::size_t length = names_[name].text.size();
+/// Notes where a name stands after units were removed behind the joint. In front of a name
+/// that has moved up to the joint there is a separator, now as before.
+void ParameterFinder::relocate(std::size_t name, std::size_t joint, std::size_t removed) {
     const std::size_t old = positions_[name];
-    if (old < joint && old + length <= joint) return old;
-    for (std::size_t i = joint - std::min(joint, length - 1); i < joint; ++i)
-        if (standsAt(text_, names_[name], i)) return i;
-    if (old == NotThere) return NotThere;
-    return old >= joint + removed ? old - removed : findName(text_, names_[name], joint);
+    if (old + list_.names[name].text.size() <= joint) return;
+    if (old >= joint + removed)
+        positions_[name] = old - removed;
+    else
+        note(name, findName(text_, list_.names[name], joint));
 }
 
 }  // namespace velmo::detail

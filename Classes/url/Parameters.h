@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -15,7 +16,7 @@ struct ParameterName {
     bool anyCase = true;
 };
 
-inline bool isParameterSeparator(char16_t unit) noexcept {
+constexpr bool isParameterSeparator(char16_t unit) noexcept {
     return unit == u'&' || unit == u';' || unit == u'?';
 }
 
@@ -29,30 +30,72 @@ std::size_t endOfParameter(const GapText& text, std::size_t separator);
 /// Gives where what is left of the text was joined.
 std::size_t removeParameter(GapText& text, std::size_t separator);
 
-/// The names of a list, each of which ends with =, and where each first stands. A walk over
-/// the text finds all of them, and a removal only moves them.
+/// Some names of a list, as bits.
+using ParameterMask = std::uint32_t;
+inline constexpr std::size_t MostParameterNames = 32;
+
+/// A list of names, each of which ends with =, and which of them may end where certain letters
+/// stand. No name holds a separator, unless as its first unit.
+class ParameterList {
+public:
+    constexpr explicit ParameterList(std::span<const ParameterName> list) : names(list) {
+        for (std::size_t n = 0; n < names.size(); ++n) {
+            const std::u16string_view text = names[n].text;
+            note(last_, text, 2, n);
+            note(third_, text, 4, n);
+            if (isParameterSeparator(text[0])) crossing |= ParameterMask(1) << n;
+        }
+    }
+
+    /// The names that may stand in front of a =, by its last letter and the third one from there.
+    ParameterMask candidates(char16_t last, char16_t third) const {
+        if (last >= 128) return 0;
+        return third < 128 ? last_[last] & third_[third] : last_[last];
+    }
+
+    std::span<const ParameterName> names;
+    ParameterMask crossing = 0;  ///< those that may come together where a text is joined
+
+private:
+    using Table = std::array<ParameterMask, 128>;
+
+    /// Notes which unit the name has that far from its end; any, if it is shorter.
+    constexpr void note(Table& table, std::u16string_view text, std::size_t fromEnd,
+                        std::size_t n) {
+        const ParameterMask bit = ParameterMask(1) << n;
+        for (char16_t unit = 0; unit < 128; ++unit) {
+            const bool isLower = unit >= u'a' && unit <= u'z';
+            const char16_t folded = names[n].anyCase && isLower ? unit - 32 : unit;
+            if (text.size() < fromEnd || text[text.size() - fromEnd] == folded) table[unit] |= bit;
+        }
+    }
+
+    Table last_{}, third_{};
+};
+
+/// Where each name of a list first stands. One walk over the text finds all of them, and a
+/// removal only moves them.
 class ParameterFinder {
 public:
-    static constexpr std::size_t MostNames = 32;
+    ParameterFinder(GapText& text, const ParameterList& list);
 
-    ParameterFinder(GapText& text, std::span<const ParameterName> names);
+    /// The names that stand somewhere, and those whose first occurrence is a parameter.
+    ParameterMask present() const { return present_; }
+    ParameterMask parameters() const { return parameters_; }
 
-    bool contains(std::size_t name) const { return positions_[name] != NotThere; }
-    /// Whether the first occurrence of the name is a parameter.
-    bool isParameter(std::size_t name) const {
-        const std::size_t position = positions_[name];
-        return position != NotThere && position > 0 && isParameterSeparator(text_[position - 1]);
-    }
     std::size_t separatorOf(std::size_t name) const { return positions_[name] - 1; }
     void remove(std::size_t name);
 
 private:
-    void locate();
-    std::size_t moved(std::size_t name, std::size_t joint, std::size_t removed) const;
+    void locate(std::size_t equals);
+    void relocate(std::size_t name, std::size_t joint, std::size_t removed);
+    void note(std::size_t name, std::size_t position);
 
     GapText& text_;
-    std::span<const ParameterName> names_;
-    std::array<std::size_t, MostNames> positions_;
+    const ParameterList& list_;
+    ParameterMask present_ = 0;
+    ParameterMask parameters_ = 0;
+    std::array<std::size_t, MostParameterNames> positions_;
 };
 
 }  // namespace velmo::detail

@@ -40,13 +40,47 @@ constexpr UnitTable ASCIIEscaped = [] {
     return table;
 }();
 
+bool containsUnit(Units text, char16_t unit) {
+    const char16_t* const end = text.data() + text.size();
+    return scan::find(text.data(), end, unit) != end;
+}
+
+/// Which escapes of a text are decoded, by their values.
+class Decoding {
+public:
+    Decoding(Units text, bool standard)
+        : table_(standard ? StandardDecoded : ASCII),
+          questionMark_(standard && !containsUnit(text, u'?') ? u'?' : -1) {}
+
+    bool decodes(int value) const {
+        return static_cast<bool>(table_[static_cast<std::size_t>(value)] |
+                                 (value == questionMark_));
+    }
+
+private:
+    const UnitTable& table_;
+    int questionMark_;  ///< its value if it is decoded
+};
+
 String stringByReplacing(const String& string, bool standard) {
-    const std::size_t first = string.view().find(u'%');
-    if (first == Units::npos) return string;
-    StringBuilder out(string.length());
-    out.append(string.view());
-    out.truncate(convertPercentEscapesOfURL(out.data(), out.length(), standard));
-    return out.length() == string.length() ? string : out.finish();
+    const Units text = string;
+    if (!containsUnit(text, u'%')) return string;
+    const Decoding decoding(text, standard);
+    escapes::Room room(text.size() + escapes::CopySlack);
+    const char16_t* const end = escapes::copyReplacing(
+        text, room.units(), [&](int value, const char16_t*& read, char16_t*& write) {
+            // Without a branch: whether an escape stays is hard to foretell.
+            const std::size_t decodes = decoding.decodes(value);
+            const char16_t first[] = {u'%', static_cast<char16_t>(value)};
+            write[0] = first[decodes];
+            write[1] = read[1];
+            write[2] = read[2];
+            write += 3 - 2 * decodes;
+            read += 3;
+            return true;
+        });
+    const bool isSame = end == room.units() + text.size();
+    return isSame ? string : room.finish(end);
 }
 
 String stringByEscapingUnits(const String& string, const UnitTable& escaped) {
@@ -56,53 +90,77 @@ String stringByEscapingUnits(const String& string, const UnitTable& escaped) {
     constexpr char16_t Digits[] = u"0123456789abcdef";
     const std::size_t length = string.length() + 2 * static_cast<std::size_t>(escapes);
     StringBuilder out;
-    char16_t* write = out.prepare(length);
+    char16_t* write = out.prepare(length + 2);
     for (char16_t unit : string) {
-        if (!isEscaped(unit)) {
-            *write++ = unit;
-            continue;
-        }
-        *write++ = u'%';
-        *write++ = Digits[unit >> 4];
-        *write++ = Digits[unit & 15];
+        // Without a branch: the digits are written in any case, and gone over by what follows.
+        const std::size_t isEscape = isEscaped(unit);
+        const char16_t first[] = {unit, u'%'};
+        write[0] = first[isEscape];
+        write[1] = Digits[unit >> 4 & 15];
+        write[2] = Digits[unit & 15];
+        write += 1 + 2 * isEscape;
     }
     out.commit(length);
     return out.finish();
 }
 
-/// Whether the units and their escapes are where a URL holds them: an escape, the # of the
-/// fragment, the brackets of an IP literal.
+/// What becomes of a unit.
+enum class Fate : std::uint8_t { Escaped, Kept, ByPlace };
+using Fates = std::array<Fate, 128>;
+
+/// Those of a URL. A % is one of an escape, a # that of the fragment and a bracket that of an
+/// IP literal only by its place.
+const Fates& urlFates() {
+    static const Fates made = [] {
+        Fates fates{};
+        for (char16_t unit = 0; unit < 128; ++unit)
+            if (grammar::isURLUnit(unit)) fates[unit] = Fate::Kept;
+        for (char16_t unit : u"%#[]"sv) fates[unit] = Fate::ByPlace;
+        return fates;
+    }();
+    return made;
+}
+
+/// Which units of a text stay as they are.
 class URLUnits {
 public:
     URLUnits(Units text, const PercentEscapeOptions& options)
         : text_(text),
           leave_(options.leaveUnescaped),
-          escape_(options.toBeEscaped.data() ? options.toBeEscaped : Units(u":?&;@")),
-          fragment_(text.find(u'#')) {
-        if (text.find(u'[') != text.npos) findHostBrackets();
+          escape_(options.toBeEscaped.data() ? options.toBeEscaped : Units(u":?&;@")) {
+        for (char16_t unit : leave_)
+            if (unit < 128 && !isIn(escape_, unit)) fates_[unit] = Fate::Kept;
+        for (char16_t unit : escape_)
+            if (unit < 128) fates_[unit] = fateOfListed(unit);
+        if (fates_[u'#'] == Fate::ByPlace) fragment_ = text.find(u'#');
+        if (fates_[u'['] == Fate::ByPlace || fates_[u']'] == Fate::ByPlace) findHostBrackets();
     }
 
     bool keeps(std::size_t i) const {
         const char16_t unit = text_[i];
-        if (isLegal(i)) return escape_.empty() || escape_.find(unit) == escape_.npos;
-        return !leave_.empty() && leave_.find(unit) != leave_.npos;
+        if (unit >= 128) return isIn(leave_, unit);
+        const Fate fate = fates_[unit];
+        return fate == Fate::ByPlace ? keepsByPlace(i) : fate == Fate::Kept;
     }
 
 private:
-    bool isLegal(std::size_t i) const {
-        switch (text_[i]) {
-            case u'%':
-                return escapeAt(text_, i) >= 0;
-            case u'#':
-                return i == fragment_;
-            case u'[':
-            case u']':
-                return i == open_ || i == close_;
-            default:
-                return grammar::isURLUnit(text_[i]);
-        }
+    /// Of a unit that is to be escaped, if it is legal, but may be one to leave, if it is not.
+    Fate fateOfListed(char16_t unit) const {
+        if (!isIn(leave_, unit)) return Fate::Escaped;
+        const Fate fate = urlFates()[unit];
+        return fate == Fate::Escaped ? Fate::Kept : fate == Fate::Kept ? Fate::Escaped : fate;
+    }
+    static bool isIn(Units list, char16_t unit) { return list.find(unit) != list.npos; }
+
+    bool keepsByPlace(std::size_t i) const {
+        const char16_t unit = text_[i];
+        const bool isLegal = unit == u'%'   ? escapeAt(text_, i) >= 0
+                             : unit == u'#' ? i == fragment_
+                                            : i == open_ || i == close_;
+        return isLegal ? !isIn(escape_, unit) : isIn(leave_, unit);
     }
     void findHostBrackets() {
+        if (!containsUnit(text_, u'[')) return;
         const std::size_t slashes = text_.find(u"//");
         if (slashes == text_.npos) return;
         const Units authority = text_.substr(0, text_.find_first_of(u"/?#", slashes + 2));
@@ -115,7 +173,8 @@ private:
     }
 
     Units text_, leave_, escape_;
-    std::size_t fragment_;
+    Fates fates_ = urlFates();
+    std::size_t fragment_ = Units::npos;
     std::size_t open_ = Units::npos, close_ = Units::npos;
 };
 
@@ -126,13 +185,11 @@ std::size_t convertPercentEscapesOfURL(char16_t* characters, std::size_t length,
     const char16_t* const end = characters + length;
     const char16_t* read = scan::find(characters, end, u'%');
     if (end - read < 3) return length;
-    const bool decodesQuestionMark = standard && scan::find(characters, end, u'?') == end;
-    const UnitTable& decoded = standard ? StandardDecoded : ASCII;
+    const Decoding decoding({characters, length}, standard);
     char16_t* write = characters + (read - characters);
     while (read < end) {
         const int value = escapeAt({read, static_cast<std::size_t>(end - read)}, 0);
-        const bool decodes = value >= 0 && (decoded[static_cast<std::size_t>(value)] ||
-                                            (value == u'?' && decodesQuestionMark));
+        const bool decodes = value >= 0 && decoding.decodes(value);
         *write++ = decodes ? static_cast<char16_t>(value) : *read;
         read += decodes ? 3 : 1;
     }
@@ -165,11 +222,8 @@ String stringByAddingPercentEscapesToURL(const String& string,
     std::size_t first = 0;
     while (first < string.length() && units.keeps(first)) ++first;
     if (first == string.length()) return string;
-    StringBuilder out(string.length() + string.length() / 2 + 16);
-    if (!escapes::append(out, string, options.encoding,
-                         [&](std::size_t i) { return units.keeps(i); }))
-        return {};
-    return out.finish();
+    return escapes::escaped(string, options.encoding,
+                            [&units](std::size_t i) { return units.keeps(i); });
 }
 
 String stringByFormattingQueryTerm(const String& term, StringEncoding encoding,

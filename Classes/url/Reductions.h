@@ -6,9 +6,16 @@
 
 #include <velmocore/url/URL.h>
 
+#include "text/UnitScan.h"
 #include "url/GapText.h"
 
 namespace velmo::detail {
+
+/// The first position from a start on that holds the unit; else the size.
+inline std::size_t indexOf(std::u16string_view text, char16_t unit, std::size_t from = 0) noexcept {
+    const char16_t* const start = text.data();
+    return static_cast<std::size_t>(scan::find(start + from, start + text.size(), unit) - start);
+}
 
 /// The text in front of a #, unless that belongs to the address: #! or #/ and more.
 std::u16string_view withoutAnchor(std::u16string_view text) noexcept;

@@ -22,6 +22,7 @@ namespace velmo {
 namespace {
 
 using Units = std::u16string_view;
+using detail::indexOf;
 
 bool begins(Units text, std::string_view capitals) { return keyword::beginsWith(text, capitals); }
 
@@ -104,11 +105,26 @@ URL madeOf(const String& text, StringEncoding encoding, Make make) {
     return escaped.isAbsent() || escaped.isIdenticalTo(text) ? URL() : make(escaped);
 }
 
+bool hasDotBesideSlash(Units path) {
+    for (std::size_t i = indexOf(path, u'.'); i < path.size(); i = indexOf(path, u'.', i + 1))
+        if ((i > 0 && path[i - 1] == u'/') || (i + 1 < path.size() && path[i + 1] == u'/'))
+            return true;
+    return false;
+}
+
+/// The position of the first "://"; the size if there is none.
+std::size_t indexOfScheme(Units text) {
+    std::size_t i = indexOf(text, u':');
+    while (i < text.size() && !text.substr(i + 1).starts_with(u"//"))
+        i = indexOf(text, u':', i + 1);
+    return i;
+}
+
 /// The URL with the dot segments of its path resolved, as long as there are any.
 URL withoutDotSegments(URL url) {
     for (;;) {
         const Units path = url.part(URLPart::Path);
-        if (path.find(u"./") == path.npos && path.find(u"/.") == path.npos) return url;
+        if (!hasDotBesideSlash(path)) return url;
         const URL next = url.standardizedURL();
         if (next.isAbsent() || next == url) return url;
         url = next;
@@ -171,9 +187,9 @@ URL URLRelativeTo(const URL& base, const String& link, const RelativeURLOptions&
     if (string.view().starts_with(u"//"))
         return absoluteURL(base, concatenated(base.scheme(), concatenated(u":", string)), false,
                            options);
-    const std::size_t scheme = string.view().find(u"://");
+    const std::size_t scheme = indexOfScheme(string);
     if (scheme == 0) return {};
-    if (scheme != Units::npos && isAbsolute(string, scheme))
+    if (scheme < string.length() && isAbsolute(string, scheme))
         return absoluteURL(base, string, true, options);
     return base.isFileURL() ? fileURL(base, string) : webURL(base, string, options);
 }

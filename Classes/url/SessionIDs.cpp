@@ -1,10 +1,8 @@
+#include <bit>
 #include <iterator>
 
 #include <velmocore/text/CharacterSets.h>
-#include <velmocore/text/CharacterTests.h>
-#include <velmocore/text/Comparison.h>
-#include <velmocore/text/FastSearch.h>
-#include <velmocore/text/Removal.h>
+#include <velmocore/url/URLClassification.h>
 
 #include "text/Keyword.h"
 #include "url/Parameters.h"
@@ -75,12 +73,26 @@ constexpr auto Names = [] {
     for (std::size_t i = 0; i < NumberOfRows; ++i) names[i] = Rows[i].name;
     return names;
 }();
-static_assert(NumberOfRows <= ParameterFinder::MostNames);
+static_assert(NumberOfRows <= MostParameterNames);
+constexpr ParameterList List(Names);
+
+/// The rows that go with one of the traits.
+constexpr ParameterMask rowsOf(unsigned traits) {
+    ParameterMask rows = 0;
+    for (std::size_t i = 0; i < NumberOfRows; ++i)
+        if (Rows[i].needs & traits) rows |= ParameterMask(1) << i;
+    return rows;
+}
+constexpr ParameterMask SessionRows = rowsOf(IsSession), NumberRows = rowsOf(IsIfNoNumber),
+                        SeenRows = rowsOf(SessionSeen);
+constexpr ParameterMask bitOf(std::size_t row) { return ParameterMask(1) << row; }
+constexpr ParameterMask KindRows = rowsOf(StaticPage | ScriptPage | ServerPage),
+                        TopicRows = rowsOf(Topic) | bitOf(SessionOfTopic), NewsRows = rowsOf(News);
 
 /// What the URL is by the ending in front of a ?, of which the first kind counts.
 unsigned kindOf(Units text) {
     unsigned kinds = 0;
-    for (std::size_t i = text.find(u'?'); i != Units::npos; i = text.find(u'?', i + 1)) {
+    for (std::size_t i = indexOf(text, u'?'); i < text.size(); i = indexOf(text, u'?', i + 1)) {
         const Units page = text.substr(0, i);
         const auto endsWith = [page](std::string_view ending) {
             return page.size() >= ending.size() &&
@@ -95,58 +107,56 @@ unsigned kindOf(Units text) {
     return 0;
 }
 
-bool isTopicOrThread(Units text) {
-    constexpr std::string_view Topics[] = {"viewtopic.php", "viewthread.php", "showtopic.php",
-                                           "showpost.php", "showthread.php"};
-    if (text.size() >= 13 && fastContainsSubCStrings(text, Topics, &lowerCharsTable())) return true;
-    return countNumbers(text) >= 2 && hasSuffixNoCase(stringByRemovingDigits(text), u"-t-.html");
+bool isNews(Units text) {
+    constexpr std::string_view Host = "//GROUPS.GOOGLE.COM/";
+    for (std::size_t i = indexOf(text, u'/'); i < text.size(); i = indexOf(text, u'/', i + 1))
+        if (keyword::beginsWith(text.substr(i), Host)) return true;
+    return false;
 }
 
-unsigned traitsOf(Units text) {
-    unsigned traits = Always | kindOf(text);
-    if ((traits & ScriptPage) && isTopicOrThread(text)) traits |= Topic;
-    if (keyword::contains(text, "//GROUPS.GOOGLE.COM/")) traits |= News;
+/// What is known of a URL, as far as one of the rows asks for it.
+unsigned traitsOf(Units text, ParameterMask rows) {
+    unsigned traits = Always;
+    if (rows & (KindRows | TopicRows)) traits |= kindOf(text);
+    if ((traits & ScriptPage) && (rows & TopicRows) && stringURLIsTopicOrThread(text))
+        traits |= Topic;
+    if ((rows & NewsRows) && isNews(text)) traits |= News;
     return traits;
 }
 
 class SessionRemover {
 public:
-    explicit SessionRemover(GapText& text)
-        : text_(text), traits_(traitsOf(text.view())), finder_(text, Names) {}
+    explicit SessionRemover(GapText& text) : text_(text), finder_(text, List) {}
 
     void run() {
-        for (std::size_t row; (row = next()) != NotThere;) finder_.remove(row);
+        if (!finder_.parameters()) return;
+        const unsigned traits = traitsOf(text_.view(), finder_.present());
+        isTopic_ = traits & Topic;
+        rows_ = rowsOf(traits);
+        for (ParameterMask found; (found = next());)
+            finder_.remove(static_cast<std::size_t>(std::countr_zero(found)));
     }
 
 private:
-    /// The row of the parameter to take out; NotThere if none is left.
-    std::size_t next() {
-        unsigned traits = traits_;
-        if (!finder_.contains(AnyID)) {
-            if ((traits & Topic) && finder_.contains(PageOfTopic) &&
-                finder_.isParameter(SessionOfTopic))
-                return SessionOfTopic;
+    /// The parameters to take out next, of which the first one counts.
+    ParameterMask next() {
+        const ParameterMask parameters = finder_.parameters();
+        bool seen = seen_;
+        if (!(finder_.present() & bitOf(AnyID))) {
+            const ParameterMask session = parameters & bitOf(SessionOfTopic);
+            if (isTopic_ && session && (finder_.present() & bitOf(PageOfTopic))) return session;
+        } else if (const ParameterMask sessions = parameters & SessionRows) {
+            seen_ = true;
+            return sessions;
+        } else if (const ParameterMask numbers = parameters & NumberRows) {
+            if (hasLetterInValue(static_cast<std::size_t>(std::countr_zero(numbers))))
+                return numbers;
         } else {
-            std::size_t row = firstOf(IsSession);
-            if (row != NotThere) {
-                traits_ |= SessionSeen;
-                return row;
-            }
-            row = firstOf(IsIfNoNumber);
-            if (row == NotThere)
-                traits |= SessionSeen;
-            else if (hasLetterInValue(row))
-                return row;
+            seen = true;
         }
-        const std::size_t row = firstOf(traits);
-        if (row != NotThere) traits_ |= traits & SessionSeen;
-        return row;
-    }
-
-    std::size_t firstOf(unsigned traits) const {
-        for (std::size_t row = 0; row < NumberOfRows; ++row)
-            if ((Rows[row].needs & traits) && finder_.isParameter(row)) return row;
-        return NotThere;
+        const ParameterMask others = parameters & (rows_ | (seen ? SeenRows : 0));
+        if (others) seen_ = seen;
+        return others;
     }
 
     /// A number is no session. The value is looked for behind a name of three letters, so
@@ -161,34 +171,28 @@ private:
     }
 
     GapText& text_;
-    unsigned traits_;
     ParameterFinder finder_;
+    ParameterMask rows_ = 0;
+    bool isTopic_ = false;
+    bool seen_ = false;  ///< what may be an id of a session was there
 };
 
 /// What stands in front of the ? of a page that only asks for a login or shows a widget.
 void cutAtForms(GapText& text) {
-    const struct {
-        std::u16string_view form;
-        std::size_t questionMark;
-    } forms[] = {{u"/login?", 6}, {u"/register?", 9}, {u".html?widgetType=", 5}};
-    for (bool cut = true; cut;) {
-        cut = false;
-        for (const auto& [form, questionMark] : forms) {
-            const std::size_t position = text.view().find(form);
-            if (position == Units::npos) continue;
-            text.truncate(position + questionMark);
-            cut = true;
-            break;
-        }
+    const Units units = text.view();
+    for (std::size_t i = indexOf(units, u'?'); i < units.size(); i = indexOf(units, u'?', i + 1)) {
+        const Units page = units.substr(0, i);
+        if (page.ends_with(u"/login") || page.ends_with(u"/register") ||
+            (page.ends_with(u".html") && units.substr(i + 1).starts_with(u"widgetType=")))
+            return text.truncate(i);
     }
 }
 
 }  // namespace
 
 void removeSessionIDs(GapText& text) {
-    const Units units = text.view();
-    if (units.find(u'=') != Units::npos) SessionRemover(text).run();
-    if (text.view().find(u'?') != Units::npos) cutAtForms(text);
+    SessionRemover(text).run();
+    cutAtForms(text);
 }
 
 }  // namespace velmo::detail

@@ -35,10 +35,10 @@ String decodedOrRaw(std::u16string_view raw) {
     return decoded.isAbsent() ? text : decoded;
 }
 
-/// Appends a path with an escape for every unit that a file URL's path cannot hold as it
-/// is. False for a lone surrogate.
-bool appendFilePath(StringBuilder& out, std::u16string_view path) {
-    return escapes::append(out, path, UTF8StringEncoding, [path](std::size_t i) {
+/// The path with an escape for every unit that a file URL's path cannot hold as it is. Absent
+/// for a lone surrogate.
+String escapedFilePath(std::u16string_view path) {
+    return escapes::escaped(path, UTF8StringEncoding, [path](std::size_t i) {
         return grammar::isPathUnit(path[i]) && path[i] != u';';
     });
 }
@@ -68,15 +68,16 @@ URL URL::URLWithString(const String& string, const URL& base) {
 
 URL URL::fileURLWithPath(const String& path) {
     if (path.isEmpty()) return {};
-    StringBuilder out(path.length() + 16);
-    out.append(u"file://");
+    std::u16string absolute(path);
     if (path[0] != u'/') {
         std::error_code error;
         const std::filesystem::path current = std::filesystem::current_path(error);
-        if (error || !appendFilePath(out, String::fromUTF8(current.native()))) return {};
-        if (out.back() != u'/') out.append(u'/');
+        if (error) return {};
+        const String folder = String::fromUTF8(current.native());
+        absolute = appendedComponent(folder, path);
     }
-    return appendFilePath(out, path) ? URLWithString(out.finish()) : URL();
+    const String escaped = escapedFilePath(absolute);
+    return escaped.isAbsent() ? URL() : URLWithString(u"file://" + std::u16string(escaped));
 }
 
 const String& URL::absoluteString() const noexcept {

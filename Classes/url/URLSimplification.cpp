@@ -1,5 +1,7 @@
 #include <velmocore/url/URLSimplification.h>
 
+#include <bit>
+
 #include <velmocore/text/Comparison.h>
 #include <velmocore/text/Normalisation.h>
 #include <velmocore/text/Paths.h>
@@ -19,9 +21,13 @@ using Units = std::u16string_view;
 
 /// Where a slash stands behind another that is not behind a colon; the end if nowhere.
 std::size_t firstExtraSlash(Units text, std::size_t end) noexcept {
-    for (std::size_t i = 1; i < end; ++i)
-        if (text[i] == u'/' && text[i - 1] == u'/' && (i == 1 || text[i - 2] != u':')) return i;
-    return end;
+    const char16_t* const start = text.data();
+    const char16_t* const last = start + end;
+    for (const char16_t* slash = start;; ++slash) {
+        slash = scan::findDoubled(slash, last, u'/');
+        if (slash == last) return end;
+        if (slash == start || slash[-1] != u':') return static_cast<std::size_t>(slash + 1 - start);
+    }
 }
 
 /// The length without "/." and "/.." at the end, or without "." and ".." if that is all.
@@ -39,8 +45,8 @@ std::size_t lengthWithoutDots(Units text) noexcept {
 }  // namespace
 
 Units withoutAnchor(Units text) noexcept {
-    const std::size_t anchor = text.find(u'#');
-    if (anchor == Units::npos) return text;
+    const std::size_t anchor = indexOf(text, u'#');
+    if (anchor == text.size()) return text;
     const Units rest = text.substr(anchor + 1);
     const bool isAddress = rest.size() > 1 && (rest[0] == u'!' || rest[0] == u'/');
     return isAddress ? text : text.substr(0, anchor);
@@ -103,23 +109,14 @@ Units withoutScheme(Units text) {
 
 Units withoutSuffixSlashes(Units text) { return trimmedView(text, Ends::Right, OneUnit{u'/'}); }
 
-bool hasParameters(Units text) { return text.find(u'=') != Units::npos; }
-bool hasAnalytics(Units text) { return hasParameters(text) && keyword::contains(text, "UTM_"); }
-
 void removeAnalytics(GapText& text) {
     static constexpr ParameterName Names[] = {
         {u"UTM_SOURCE="}, {u"UTM_MEDIUM="},  {u"UTM_CAMPAIGN="},
         {u"UTM_TERM="},   {u"UTM_CONTENT="}, {u"UTM_NOOVERRIDE="},
     };
-    ParameterFinder finder(text, Names);
-    for (std::size_t name = 0; name < std::size(Names);) {
-        if (finder.isParameter(name)) {
-            finder.remove(name);
-            name = 0;
-        } else {
-            ++name;
-        }
-    }
+    static constexpr ParameterList List(Names);
+    for (ParameterFinder finder(text, List); finder.parameters();)
+        finder.remove(static_cast<std::size_t>(std::countr_zero(finder.parameters())));
 }
 
 void removeQueryParam(GapText& text, Units capitals) {
@@ -145,14 +142,14 @@ std::size_t separatorOfName(const GapText& text, std::size_t equals) {
 
 /// "?&" becomes "?".
 void removeSeparatorsBehindQuestionMarks(GapText& text) {
-    for (std::size_t i = 0; (i = text.find(i, u'?')) + 1 < text.size(); ++i)
+    for (std::size_t i = 0; (i = text.find<u'?'>(i)) + 1 < text.size(); ++i)
         if (text[i + 1] == u'&') text.erase(i + 1, i + 2);
 }
 
 void removeEmptyParams(GapText& text) {
     std::size_t position = 0;
     while (position < text.size()) {
-        const std::size_t equals = text.find(position, u'=');
+        const std::size_t equals = text.find<u'='>(position);
         if (equals == text.size()) break;
         position = equals + 1;
         if (position < text.size() && text[position] != u'\0' &&
@@ -172,13 +169,12 @@ void removeEmptyParams(GapText& text) {
 
 /// The text without an index page at its end.
 Units withoutIndexPage(Units text) {
-    for (const std::string_view page :
-         {"/INDEX.SHTML", "/INDEX.PHTML", "/INDEX.JHTML", "/INDEX.HTML", "/INDEX.HTM", "/INDEX.PHP",
-          "/INDEX.CHM", "/INDEX.ASP", "/INDEX.CGI"}) {
-        if (text.size() < page.size()) continue;
-        const Units rest = text.substr(0, text.size() - page.size());
-        if (keyword::equals(text.substr(rest.size()), page)) return rest;
-    }
+    const std::size_t slash = text.rfind(u'/');
+    if (slash == Units::npos || !keyword::beginsWith(text.substr(slash), "/INDEX.")) return text;
+    const Units extension = text.substr(slash + 7);
+    for (const std::string_view known :
+         {"SHTML", "PHTML", "JHTML", "HTML", "HTM", "PHP", "CHM", "ASP", "CGI"})
+        if (keyword::equals(extension, known)) return text.substr(0, slash);
     return text;
 }
 
@@ -205,12 +201,21 @@ String lowercased(GapText& text, const String& original) {
     std::transform(units, end, units, [](char16_t unit) {
         return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
     });
-    return text.view() == original.view() ? original : String(text.view());
+    const bool isSame =
+        text.size() == original.length() && std::equal(units, end, original.begin());
+    return isSame ? original : String(text.view());
 }
 
 constexpr Units MainPage = u"/?page=main.php";
-/// Where the search for patents has its own parameter.
-constexpr std::string_view Patents = "GOOGLE.COM/PATENTS/";
+/// A page of the search for patents, which has a parameter of its own.
+bool isOfPatents(Units text) {
+    constexpr std::string_view Host = "GOOGLE.COM", Path = "/PATENTS/";
+    for (std::size_t i = indexOf(text, u'/'); i < text.size(); i = indexOf(text, u'/', i + 1))
+        if (i >= Host.size() && keyword::beginsWith(text.substr(i), Path) &&
+            keyword::beginsWith(text.substr(i - Host.size()), Host))
+            return true;
+    return false;
+}
 
 /// What is compared of a text as a URL.
 Units comparedPart(GapText& text) {
@@ -258,7 +263,7 @@ String stringURLByRemovingSessionIDs(const String& string) {
 }
 
 String stringURLByRemovingAnalytics(const String& string) {
-    if (!hasAnalytics(string)) return string;
+    if (!keyword::contains(string, "UTM_")) return string;
     GapText text(string);
     removeAnalytics(text);
     return text.orOriginal(string);
@@ -290,10 +295,9 @@ String simplifiedStringURL(const String& string, const SimplifyOptions& options)
     if (options.anchors) text.truncate(withoutAnchor(text.view()).size());
     text.truncate(standardize(text.data(), text.size()));
     if (options.sessionIDs) removeSessionIDs(text);
-    if (options.analytics && hasAnalytics(text.view())) removeAnalytics(text);
+    if (options.analytics) removeAnalytics(text);
     if (options.emptyParams) removeEmptyParams(text);
-    if (hasParameters(text.view()) && keyword::contains(string, Patents))
-        removeQueryParam(text, u"VED=");
+    if (text.find<u'='>(0) < text.size() && isOfPatents(string)) removeQueryParam(text, u"VED=");
     if (options.indexPages) {
         if (options.sessionIDs && text.view().ends_with(MainPage))
             text.truncate(text.size() - MainPage.size() + 1);

@@ -299,13 +299,13 @@ Text randomURL(std::mt19937& random) {
 TEST(URLSimplification, AgreesWithTheSlowWay) {
     std::mt19937 random(11);
     int changed = 0;
-    for (int round = 0; round < 60000; ++round) {
+    for (int round = 0; round < 20000; ++round) {
         const Text url = randomURL(random);
         const String result = stringURLByRemovingSessionIDs(url);
         ASSERT_EQ(result, withoutSessionsSlowly(url)) << String(url);
         changed += result != url;
     }
-    EXPECT_GT(changed, 10000);
+    EXPECT_GT(changed, 4000);
 }
 
 TEST(URLSimplification, MakesOneKeyOfAPage) {
@@ -349,6 +349,28 @@ TEST(URLSimplification, ComparesTexts) {
     for (const auto& c : cases) EXPECT_EQ(isEqualToStringURL(c.a, c.b), c.equal) << String(c.a) << ' ' << String(c.b);
 }
 
+TEST(URLSimplification, StandardizesAsTheSlowWayDoes) {
+    std::mt19937 random(17);
+    for (int round = 0; round < 20000; ++round) {
+        Text text, slow;
+        for (unsigned n = random() % 50; n > 0; --n) text += u"////:..aab?"[random() % (n < 8 ? 11 : 10)];
+        bool plain = true;
+        for (const char16_t unit : text) {
+            plain = plain && unit != u'?';
+            const bool extra = plain && unit == u'/' && slow.ends_with(u'/') && !slow.ends_with(u":/");
+            if (!extra) slow += unit;
+        }
+        for (bool goesOn = plain; goesOn;) {
+            const std::size_t cut = slow == u"." || slow.ends_with(u"/.")     ? std::min<std::size_t>(2, slow.size())
+                                    : slow == u".." || slow.ends_with(u"/..") ? std::min<std::size_t>(3, slow.size())
+                                                                              : 0;
+            slow.resize(slow.size() - cut);
+            goesOn = cut > 0;
+        }
+        ASSERT_EQ(standardizedStringURL(text), slow) << String(text);
+    }
+}
+
 /// How often a rewriter has to run at most until nothing changes any more.
 int roundsUntilStable(Rewriter rewrite, const std::vector<String>& urls) {
     int most = 0;
@@ -365,7 +387,7 @@ String simplified(const String& string) { return simplifiedStringURL(string); }
 TEST(URLSimplification, IsStableSoon) {
     std::mt19937 random(5);
     std::vector<String> urls;
-    while (urls.size() < 60000) urls.push_back(randomURL(random));
+    while (urls.size() < 20000) urls.push_back(randomURL(random));
     const struct {
         Rewriter rewrite;
         int rounds;
@@ -388,7 +410,7 @@ TEST(URLSimplification, IsStableSoon) {
 // Many cuts take no longer than one walk.
 TEST(URLSimplification, TakesLongTexts) {
     Text sessions = u"h/?", campaigns = u"h/?x=1", empties = u"h/?x=1";
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < 50000; ++i) {
         sessions += u"sid=a&nats=b&";
         campaigns += u"&utm_term=1";
         empties += u"&ab=";

@@ -1,12 +1,12 @@
 // The main job: pages of folders, each decoded, turned into text and links and asked a query.
 #include <velmocore/markup/FileTypes.h>
 #include <velmocore/markup/LinkNormalising.h>
-#include <velmocore/markup/Links.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/platform/Resources.h>
 #include <velmocore/query/Occurrences.h>
 #include <velmocore/query/QueryRewriting.h>
+#include <velmocore/url/LinkFollowing.h>
 #include <velmocore/words/LanguageFilter.h>
 #include <velmocore/words/Words.h>
 
@@ -18,6 +18,7 @@
 
 #include "Commands.h"
 #include "Input.h"
+#include "PageLinks.h"
 #include "Progress.h"
 #include "Resolving.h"
 
@@ -33,6 +34,7 @@ struct Options {
     std::vector<std::string> paths;
     PageOptions page;
     std::string base, query;
+    PageLinkOptions links;
 };
 
 /// A file to read, and where it stands under the folder that was named.
@@ -46,8 +48,7 @@ struct GatheredPage {
     std::string encoding;
     String language;  ///< absent if it is not clear
     std::uint64_t words = 0;
-    std::size_t links = 0;
-    std::set<String> distinct;  ///< resolved
+    PageLinks links;
     bool matches = false;
     String excerpt;  ///< absent if there is none
 };
@@ -55,7 +56,7 @@ struct GatheredPage {
 struct Summary {
     std::size_t pages = 0, links = 0, distinct = 0, matching = 0;
     std::uint64_t words = 0;
-    std::set<String> urls;
+    std::set<String> urls;                ///< the keys of the pages
     std::map<String, std::size_t> hosts;  ///< how many links go there
 };
 
@@ -117,17 +118,12 @@ const LanguageFilter& languageFilter() {
     return filter;
 }
 
-GatheredPage gather(const Page& page, const URL& url, const PageQuery& query) {
+GatheredPage gather(const Page& page, const URL& url, const PageQuery& query,
+                    const PageLinkOptions& linkOptions) {
     GatheredPage gathered;
     gathered.encoding = page.encoding;
     gathered.title = singleLine(normalizedHtmlString(htmlFrames(page.units).title));
-
-    const HtmlLinks links = htmlLinks(page.units);
-    const URL& base = links.baseURL.isAbsent() ? url : links.baseURL;
-    gathered.links = links.links.size();
-    for (const String& link : links.links)
-        if (const URL resolved = resolve(link, base); !resolved.isAbsent())
-            gathered.distinct.insert(resolved.absoluteString());
+    gathered.links = linksOfPage(page.units, url, linkOptions);
 
     const String text = stringByConvertingHtml2PlainText(page.units);
     gathered.words = numberOfWordsUsingDefaultSeparation(text);
@@ -140,25 +136,34 @@ GatheredPage gather(const Page& page, const URL& url, const PageQuery& query) {
 void add(Summary& summary, const GatheredPage& page) {
     ++summary.pages;
     summary.words += page.words;
-    summary.links += page.links;
+    summary.links += page.links.number;
     summary.matching += page.matches;
-    for (const String& url : page.distinct) {
-        if (const String host = URL::URLWithString(url).host(); !host.isEmpty())
-            ++summary.hosts[host];
-        summary.urls.insert(url);
+    for (const auto& [key, url] : page.links.distinct) {
+        if (const String host = url.host(); !host.isEmpty()) ++summary.hosts[host];
+        summary.urls.insert(key);
     }
 }
 
-void printJson(Session& session, const std::string& file, const GatheredPage& page, bool asked) {
-    session.printObject({{"file", text(file)},
-                         {"title", text(page.title)},
-                         {"encoding", page.encoding},
-                         {"language", text(page.language)},
-                         {"words", page.words},
-                         {"links", page.links},
-                         {"distinct", page.distinct.size()},
-                         {"matches", asked ? Json(page.matches) : Json(nullptr)},
-                         {"excerpt", text(page.excerpt)}});
+Json followedOf(const GatheredPage& page) {
+    Json urls = Json::array();
+    for (const URL& url : page.links.followed) urls.push_back(text(url.absoluteString()));
+    return urls;
+}
+
+void printJson(Session& session, const std::string& file, const GatheredPage& page,
+               const Options& options) {
+    const bool asked = !options.query.empty();
+    Json object{{"file", text(file)},
+                {"title", text(page.title)},
+                {"encoding", page.encoding},
+                {"language", text(page.language)},
+                {"words", page.words},
+                {"links", page.links.number},
+                {"distinct", page.links.distinct.size()},
+                {"matches", asked ? Json(page.matches) : Json(nullptr)},
+                {"excerpt", text(page.excerpt)}};
+    if (options.links.follow) object["follow"] = followedOf(page);
+    session.printObject(object);
 }
 
 void printLines(Session& session, const std::string& file, const GatheredPage& page, bool asked) {
@@ -166,11 +171,13 @@ void printLines(Session& session, const std::string& file, const GatheredPage& p
     session.printLine(fmt::format("  {}", page.title.isEmpty() ? "(no title)" : page.title.utf8()));
     session.printLine(fmt::format("  {}, {}, {} words, {} links, {} distinct{}", page.encoding,
                                   page.language.isAbsent() ? "--" : page.language.utf8(),
-                                  page.words, page.links, page.distinct.size(),
+                                  page.words, page.links.number, page.links.distinct.size(),
                                   !asked         ? ""
                                   : page.matches ? ", matches"
                                                  : ", no match"));
     if (!page.excerpt.isEmpty()) session.printLine(fmt::format("  > {}", page.excerpt.utf8()));
+    for (const URL& url : page.links.followed)
+        session.printLine(fmt::format("  -> {}", url.absoluteString().utf8()));
 }
 
 void printLines(Session& session, const Summary& summary, bool asked) {
@@ -201,11 +208,11 @@ void run(Session& session, const Options& options) {
             const auto bytes = readFile(session, file.file.string());
             if (!bytes) continue;
             const GatheredPage page =
-                gather(decodePage(*bytes, options.page), urlOf(file, base), query);
+                gather(decodePage(*bytes, options.page), urlOf(file, base), query, options.links);
             add(summary, page);
             progress.hide();
             if (session.json)
-                printJson(session, file.file.string(), page, asked);
+                printJson(session, file.file.string(), page, options);
             else
                 printLines(session, file.file.string(), page, asked);
         }
@@ -233,6 +240,19 @@ void addGatherCommand(CLI::App& app, Session& session) {
     command->add_option("PATH", options->paths, "folders, or pages")->required();
     command->add_option("--base", options->base, "where the folders stand on the web");
     command->add_option("--query", options->query, "what to look for; see velmo match --help");
+    command->add_flag("--all", options->links.all,
+                      "count links that lead to no page, and advertisements, too");
+    const std::map<std::string, std::int64_t> modes = {{"none", FollowNothing},
+                                                       {"host", FollowSameHost},
+                                                       {"folder", FollowSameFolder},
+                                                       {"folders", FollowSameFolders},
+                                                       {"all", FollowEverything}};
+    command
+        ->add_option(
+            "--follow", options->links.follow,
+            "print the links to follow: none, host, folder, folders or all, or a mode's number")
+        ->option_text("MODE")
+        ->transform(CLI::Transformer(modes, CLI::ignore_case));
     command->add_option("--http-charset", options->page.httpCharset,
                         "the charset that the HTTP headers named");
     command->add_flag("--json", session.json, "one JSON object a page, and one that sums up");

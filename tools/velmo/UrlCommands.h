@@ -14,6 +14,11 @@
 
 namespace velmo::tool {
 
+void addUrlResolveCommand(CLI::App& url, Session& session);
+void addUrlSimplifyCommand(CLI::App& url, Session& session);
+void addUrlParseCommand(CLI::App& url, Session& session);
+void addUrlPathCommand(CLI::App& url, Session& session);
+void addUrlParamsCommand(CLI::App& url, Session& session);
 void addUrlAcceptCommand(CLI::App& url, Session& session);
 void addUrlUnwrapCommand(CLI::App& url, Session& session);
 void addUrlClassifyCommand(CLI::App& url, Session& session);
@@ -21,10 +26,9 @@ void addUrlRepairCommand(CLI::App& url, Session& session);
 
 /// In the order of the help.
 inline constexpr void (*UrlCommands[])(CLI::App&, Session&) = {
-    addUrlAcceptCommand,
-    addUrlUnwrapCommand,
-    addUrlClassifyCommand,
-    addUrlRepairCommand,
+    addUrlResolveCommand, addUrlSimplifyCommand, addUrlParseCommand,
+    addUrlPathCommand,    addUrlParamsCommand,   addUrlAcceptCommand,
+    addUrlUnwrapCommand,  addUrlClassifyCommand, addUrlRepairCommand,
 };
 
 /// Lets a subcommand take its URLs as arguments or, without any, a line each from standard

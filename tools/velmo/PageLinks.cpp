@@ -1,0 +1,47 @@
+#include "PageLinks.h"
+
+#include <velmocore/markup/Links.h>
+#include <velmocore/url/LinkFilter.h>
+#include <velmocore/url/LinkFollowing.h>
+#include <velmocore/url/RelativeURLs.h>
+#include <velmocore/url/URLClassification.h>
+#include <velmocore/url/URLSimplification.h>
+
+#include "Resolving.h"
+
+namespace velmo::tool {
+namespace {
+
+/// The URL of a link; absent if it leads to no page, or to an advertisement.
+URL pageOfLink(const String& link, const URL& base) {
+    if (filterLink(link)) return {};
+    // On a file base the resolver takes a # for a part of the path.
+    const URL url = URLRelativeTo(base, stringURLWithoutAnchor(link));
+    const bool isRefused = filterLink(url.absoluteString()) || stringURLIsAdvertisement(url);
+    return isRefused ? URL() : url;
+}
+
+/// The URL of any link that has one.
+URL urlOfLink(const String& link, const URL& base) {
+    const URL url = URLRelativeTo(base, stringURLWithoutAnchor(link));
+    return url.isAbsent() ? resolve(link, base) : url;
+}
+
+}  // namespace
+
+PageLinks linksOfPage(const String& page, const URL& url, const PageLinkOptions& options) {
+    const HtmlLinks found = htmlLinks(page);
+    const URL& base = found.baseURL.isAbsent() ? url : found.baseURL;
+    PageLinks links;
+    links.number = found.links.size();
+    for (const String& link : found.links) {
+        const URL target = options.all ? urlOfLink(link, base) : pageOfLink(link, base);
+        if (!target.isAbsent()) links.distinct.emplace(simplifiedStringURL(target), target);
+    }
+    if (options.follow)
+        for (const auto& [key, target] : links.distinct)
+            if (shouldFollowLink(target, *options.follow, 1, url)) links.followed.push_back(target);
+    return links;
+}
+
+}  // namespace velmo::tool
