@@ -20,6 +20,7 @@
 #include "Input.h"
 #include "PageLinks.h"
 #include "Progress.h"
+#include "QueryOptions.h"
 #include "Resolving.h"
 
 namespace velmo::tool {
@@ -34,6 +35,7 @@ struct Options {
     std::vector<std::string> paths;
     PageOptions page;
     std::string base, query;
+    QueryParseOptions parse;
     PageLinkOptions links;
 };
 
@@ -98,9 +100,17 @@ URL urlOf(const PageFile& page, const URL& base) {
 struct PageQuery {
     QueryTerms terms;
     std::vector<String> wildcards;  ///< for the excerpts
+    bool isWildcard;
 
-    explicit PageQuery(const String& query)
-        : terms(query), wildcards(plusWildcards(query).value_or(std::vector<String>())) {}
+    PageQuery(const String& query, const QueryOptions& options)
+        : terms(query, options),
+          wildcards(plusWildcards(query).value_or(std::vector<String>())),
+          isWildcard(options.wildcard) {}
+
+    bool holdsFor(std::u16string_view text) const {
+        return isWildcard ? terms.matchesString(text, WildcardComparison::CaseInsensitive)
+                          : terms.matchesString(text, false);
+    }
 };
 
 /// The sentences with a hit, on one line.
@@ -128,7 +138,7 @@ GatheredPage gather(const Page& page, const URL& url, const PageQuery& query,
     const String text = stringByConvertingHtml2PlainText(page.units);
     gathered.words = numberOfWordsUsingDefaultSeparation(text);
     gathered.language = languageFilter().languageOfText(text);
-    gathered.matches = query.terms.matchesString(text, false);
+    gathered.matches = query.holdsFor(text);
     if (gathered.matches) gathered.excerpt = excerptOf(text, query);
     return gathered;
 }
@@ -195,7 +205,7 @@ void printLines(Session& session, const Summary& summary, bool asked) {
 
 void run(Session& session, const Options& options) {
     const bool asked = !options.query.empty();
-    const PageQuery query(String::fromUTF8(options.query));
+    const PageQuery query(String::fromUTF8(options.query), options.parse.read());
     const URL base =
         URL::URLWithString(options.base.empty() ? String() : String::fromUTF8(options.base));
     const std::vector<PageFile> files = listPages(session, options.paths);
@@ -240,6 +250,7 @@ void addGatherCommand(CLI::App& app, Session& session) {
     command->add_option("PATH", options->paths, "folders, or pages")->required();
     command->add_option("--base", options->base, "where the folders stand on the web");
     command->add_option("--query", options->query, "what to look for; see velmo match --help");
+    addQueryParseOptions(*command, options->parse);
     command->add_flag("--all", options->links.all,
                       "count links that lead to no page, and advertisements, too");
     const std::map<std::string, std::int64_t> modes = {{"none", FollowNothing},
