@@ -21,10 +21,10 @@ bool decodeCharacter(int lead, const char16_t*& read, const char16_t* end, char1
     }
     if (lead < 0xC2 || lead > 0xF4) return false;
     const int further = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
+    if (end - read < 3 * further) return false;
     auto c = static_cast<char32_t>(lead & (0x3F >> further));
     for (int n = 0; n < further; ++n, read += 3) {
-        if (end - read < 3 || *read != u'%') return false;
-        const int byte = escapeValue(read);
+        const int byte = *read == u'%' ? escapeValue(read) : -1;
         if ((byte & ~0x3F) != 0x80) return false;
         c = (c << 6) | static_cast<char32_t>(byte & 0x3F);
     }

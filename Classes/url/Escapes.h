@@ -81,15 +81,13 @@ inline char16_t* writeEscapes(char16_t* write, char32_t c) noexcept {
     return writeEscape(write, 0x80 | (c & 0x3F));
 }
 
-/// The room that writeUtf8() needs for a text.
-template <class Keep>
-std::size_t roomForUtf8(std::u16string_view text, Keep keep) {
+/// The room that writeUtf8() needs for a text at most.
+inline std::size_t roomForUtf8(std::u16string_view text) noexcept {
     constexpr std::size_t MostUnits = 9;  // the escapes of three bytes
     std::size_t room = text.size() * MostUnits;
     if (room + sizeof(Spelling) > Room::Short) {
         room = 0;
-        for (std::size_t i = 0; i < text.size(); ++i)
-            room += keep(i) ? 1 : text[i] < 0x80 ? 3 : text[i] < 0x800 ? 6 : MostUnits;
+        for (char16_t unit : text) room += unit < 0x80 ? 3 : unit < 0x800 ? 6 : MostUnits;
     }
     return room + sizeof(Spelling);
 }
@@ -124,7 +122,7 @@ char16_t* writeUtf8(char16_t* write, std::u16string_view text, Keep keep) {
 template <class Keep>
 String escaped(std::u16string_view text, StringEncoding encoding, Keep keep) {
     if (encoding == UTF8StringEncoding) {
-        Room room(roomForUtf8(text, keep));
+        Room room(roomForUtf8(text));
         const char16_t* const end = writeUtf8(room.units(), text, keep);
         return end ? room.finish(end) : String();
     }
@@ -144,7 +142,8 @@ String escaped(std::u16string_view text, StringEncoding encoding, Keep keep) {
 /// The value of the escape whose % stands there, with two units behind it; below 0 if it is
 /// none.
 inline int escapeValue(const char16_t* percent) noexcept {
-    const int high = grammar::hexDigitValue(percent[1]), low = grammar::hexDigitValue(percent[2]);
+    if ((percent[1] | percent[2]) > 0xFF) return -1;
+    const int high = grammar::HexDigitValues[percent[1]], low = grammar::HexDigitValues[percent[2]];
     return (high * 16) | low;  // a value below 0 has all its high bits set
 }
 /// The value of the escape that stands at a position; below 0 if none does.

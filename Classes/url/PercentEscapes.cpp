@@ -105,7 +105,7 @@ String stringByEscapingUnits(const String& string, const UnitTable& escaped) {
 }
 
 /// What becomes of a unit.
-enum class Fate : std::uint8_t { Escaped, Kept, ByPlace };
+enum class Fate : std::uint8_t { Escaped = 0, Kept = 1, ByPlace = 2 };
 using Fates = std::array<Fate, 128>;
 
 /// Those of a URL. A % is one of an escape, a # that of the fragment and a bracket that of an
@@ -140,7 +140,7 @@ public:
         const char16_t unit = text_[i];
         if (unit >= 128) return isIn(leave_, unit);
         const Fate fate = fates_[unit];
-        return fate == Fate::ByPlace ? keepsByPlace(i) : fate == Fate::Kept;
+        return fate == Fate::ByPlace ? keepsByPlace(i) : static_cast<bool>(fate);
     }
 
 private:
