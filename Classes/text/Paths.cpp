@@ -9,12 +9,15 @@
 #include <velmocore/text/Normalisation.h>
 
 #include "text/PathParts.h"
+#include "text/Surrogates.h"
 #include "text/Trim.h"
 
 namespace velmo {
 namespace {
 
 using View = std::u16string_view;
+using detail::isHighSurrogate;
+using detail::isLowSurrogate;
 
 constexpr std::size_t LongestName = 250;  ///< in units, and in bytes of UTF-8
 constexpr std::size_t LongestExtension = 17;
@@ -33,9 +36,6 @@ String appendedExtension(View path, View extension) {
     std::u16string result(withoutTrailingSlashes(path));
     return result.append(u".").append(extension);
 }
-
-bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
-bool isLowSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
 /// The units of the text's start that take no more than so many bytes of UTF-8.
 std::size_t unitsWithinBytes(View text, std::size_t bytes) {

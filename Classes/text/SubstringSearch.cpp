@@ -10,6 +10,7 @@
 
 #include "platform/Unicode.h"
 #include "text/PatternScan.h"
+#include "text/Surrogates.h"
 #include "text/UnitFold.h"
 
 namespace velmo::detail {
@@ -20,7 +21,6 @@ using View = std::u16string_view;
 constexpr char16_t FirstMark = 0x300;
 constexpr char16_t FirstWidthForm = 0xFF00, LastWidthForm = 0xFFEE;
 
-bool isHighSurrogate(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 bool isMark(char16_t unit) {
     return unit >= FirstMark && (unicode::categoriesOf(unit) & unicode::Mark);
 }

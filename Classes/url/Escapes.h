@@ -10,6 +10,7 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Encodings.h>
 
+#include "text/Surrogates.h"
 #include "text/UnitScan.h"
 #include "url/Grammar.h"
 
@@ -61,9 +62,9 @@ inline char16_t* writeEscape(char16_t* write, char32_t byte) noexcept {
     return write + 3;
 }
 
-constexpr bool isHighSurrogate(char32_t unit) noexcept { return (unit & 0xFFFFFC00) == 0xD800; }
-constexpr bool isLowSurrogate(char32_t unit) noexcept { return (unit & 0xFFFFFC00) == 0xDC00; }
-constexpr bool isSurrogate(char32_t unit) noexcept { return (unit & 0xFFFFF800) == 0xD800; }
+using detail::isHighSurrogate;
+using detail::isLowSurrogate;
+using detail::isSurrogate;
 
 /// Writes the escapes of the UTF-8 of a character outside ASCII, and one unit more.
 inline char16_t* writeEscapes(char16_t* write, char32_t c) noexcept {

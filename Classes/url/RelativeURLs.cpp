@@ -15,6 +15,7 @@
 #include "platform/Unicode.h"
 #include "text/Keyword.h"
 #include "text/PathParts.h"
+#include "text/Pieces.h"
 #include "text/Trim.h"
 #include "url/Reductions.h"
 
@@ -22,17 +23,11 @@ namespace velmo {
 namespace {
 
 using Units = std::u16string_view;
+using detail::concatenated;
 using detail::indexOf;
+using detail::pieceOf;
 
 bool begins(Units text, std::string_view capitals) { return keyword::beginsWith(text, capitals); }
-
-String pieceOf(const String& string, Units piece) {
-    return piece.size() == string.length() ? string : String(piece);
-}
-
-String concatenated(Units first, Units second) {
-    return String(std::u16string(first).append(second));
-}
 
 /// The link without its anchor and the white space around it.
 String trimmed(const String& link, bool trimAnchor) {

@@ -12,11 +12,13 @@
 
 #include "text/Keyword.h"
 #include "text/PathParts.h"
+#include "text/Pieces.h"
 
 namespace velmo {
 namespace {
 
 using Units = std::u16string_view;
+using detail::concatenated;
 
 /// Groups of schemes, as bits of a mask.
 enum SchemeGroup { Web = 1, FTP = 2, Feed = 4, File = 8 };
@@ -79,13 +81,6 @@ bool isMailDomain(Units text) {
     const std::size_t end = ending.find_first_of(u":@/?.,");
     if (end == Units::npos) return ending.size() < 5;
     return (ending[end] == u'?' || ending[end] == u'.') && end < 5;
-}
-
-String concatenated(Units first, Units second) {
-    StringBuilder out(first.size() + second.size());
-    out.append(first);
-    out.append(second);
-    return out.finish();
 }
 
 /// The rest of a feed: link that is to be loaded by another scheme; null if the link stands.

@@ -8,6 +8,7 @@
 #include <velmocore/url/PercentEscapes.h>
 
 #include "text/Keyword.h"
+#include "text/Pieces.h"
 #include "text/Trim.h"
 #include "text/UnitScan.h"
 #include "url/Parameters.h"
@@ -95,11 +96,6 @@ String withoutCredentials(const URL& url) {
 namespace {
 
 using namespace detail;
-
-/// A piece of a string; the string itself if that is all of it.
-String pieceOf(const String& string, Units piece) {
-    return piece.size() == string.length() ? string : String(piece);
-}
 
 Units withoutScheme(Units text) {
     const std::size_t end = text.find_first_of(u":/;?");
