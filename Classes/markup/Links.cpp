@@ -27,10 +27,10 @@ public:
     bool operator()(const Tag& tag) {
         if (hasLinkText_) linkText_ += tag.text();
         if (tag.nameLength == 1) {
-            if (isNamed(tag, "A")) retrieveAnchor(tag);
+            if (tag.isNamed("A")) retrieveAnchor(tag);
         } else if (tag.nameLength == 4 && isOpening(tag)) {
-            if (isNamed(tag, "BASE")) applyBaseRule(tag, baseURL_);
-            if (!wantsText_ && isNamed(tag, "AREA")) add(hrefOf(tag));
+            if (tag.isNamed("BASE")) applyBaseRule(tag, baseURL_);
+            if (!wantsText_ && tag.isNamed("AREA")) add(hrefOf(tag));
         }
         return false;
     }

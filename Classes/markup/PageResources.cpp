@@ -66,7 +66,7 @@ public:
     bool operator()(const Tag& tag) {
         switch (tag.nameLength) {
             case 1:
-                if (isNamed(tag, "A")) addLink(tag);
+                if (tag.isNamed("A")) addLink(tag);
                 break;
             case 3:
                 noteFeed(tag, "RSS");
@@ -75,11 +75,11 @@ public:
                 retrieveShortTag(tag);
                 break;
             case 5:
-                if (isNamed(tag, "FRAME")) addFrame(tag);
-                if (isNamed(tag, "TITLE")) retrieveTitle(tag);
+                if (tag.isNamed("FRAME")) addFrame(tag);
+                if (tag.isNamed("TITLE")) retrieveTitle(tag);
                 break;
             case 6:
-                if (isNamed(tag, "IFRAME")) addFrame(tag);
+                if (tag.isNamed("IFRAME")) addFrame(tag);
                 break;
             case 7:
                 noteFeed(tag, "RDF:RDF");
@@ -92,16 +92,16 @@ public:
 
 private:
     void retrieveShortTag(const Tag& tag) {
-        if (isNamed(tag, "LINK")) {
+        if (tag.isNamed("LINK")) {
             if (String favIcon = getFavIcon(tag); !favIcon.isAbsent())
                 result_.favIcon = std::move(favIcon);
-        } else if (isNamed(tag, "META")) {
+        } else if (tag.isNamed("META")) {
             retrieveMeta(tag.whole());
-        } else if (isNamed(tag, "AREA")) {
+        } else if (tag.isNamed("AREA")) {
             addLink(tag);
-        } else if (isNamed(tag, "BASE")) {
+        } else if (tag.isNamed("BASE")) {
             if (isOpening(tag)) applyBaseRule(tag, result_.baseURL);
-        } else if (isNamed(tag, "HTML") || isNamed(tag, "HEAD") || isNamed(tag, "BODY")) {
+        } else if (tag.isNamed("HTML") || tag.isNamed("HEAD") || tag.isNamed("BODY")) {
             sawHTML_ = true;
         } else {
             noteFeed(tag, "FEED");
@@ -109,7 +109,7 @@ private:
     }
 
     void noteFeed(const Tag& tag, std::string_view root) {
-        if (!sawHTML_ && isNamed(tag, root)) result_.isFeed = true;
+        if (!sawHTML_ && tag.isNamed(root)) result_.isFeed = true;
     }
 
     void addLink(const Tag& tag) {
@@ -198,11 +198,11 @@ HtmlReferences htmlLinksAndFrames(Units page) { return referencesOf(page, true);
 std::set<String> htmlImages(Units page) {
     return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
         const Units whole = tag.whole();
-        if (isNamed(tag, "IMG"))
+        if (tag.isNamed("IMG"))
             references.addNormalized(attributeOf(whole, "SRC"));
-        else if (isNamed(tag, "BODY"))
+        else if (tag.isNamed("BODY"))
             references.addNormalized(attributeOf(whole, "BACKGROUND"));
-        else if (isNamed(tag, "LINK") && relContains(whole, 4, {"ICON", "IMAGE"}))
+        else if (tag.isNamed("LINK") && relContains(whole, 4, {"ICON", "IMAGE"}))
             references.addRelLink(attributeOf(whole, "HREF"));
     });
 }
@@ -210,9 +210,9 @@ std::set<String> htmlImages(Units page) {
 std::set<String> htmlStylesheetsAndScripts(Units page) {
     return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
         const Units whole = tag.whole();
-        if (isNamed(tag, "SCRIPT") || isNamed(tag, "STYLE"))
+        if (tag.isNamed("SCRIPT") || tag.isNamed("STYLE"))
             addSheetOrScriptToSet(references, whole);
-        else if (isNamed(tag, "LINK") && relContains(whole, 5, {"STYLE", "SHEET", "SCRIPT"}))
+        else if (tag.isNamed("LINK") && relContains(whole, 5, {"STYLE", "SHEET", "SCRIPT"}))
             references.addRelLink(attributeOf(whole, "HREF"));
     });
 }
@@ -220,9 +220,9 @@ std::set<String> htmlStylesheetsAndScripts(Units page) {
 std::set<String> htmlEmbeddedObjects(Units page) {
     return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
         if (tag.nameLength < 5 || tag.nameLength > 6) return;
-        const bool isObject = isNamed(tag, "OBJECT");
-        if (isObject || isNamed(tag, "SOURCE") || isNamed(tag, "AUDIO") || isNamed(tag, "VIDEO") ||
-            isNamed(tag, "TRACK") || isNamed(tag, "EMBED"))
+        const bool isObject = tag.isNamed("OBJECT");
+        if (isObject || tag.isNamed("SOURCE") || tag.isNamed("AUDIO") || tag.isNamed("VIDEO") ||
+            tag.isNamed("TRACK") || tag.isNamed("EMBED"))
             references.addNormalized(attributeOf(tag.whole(), isObject ? "DATA" : "SRC"));
     });
 }
@@ -237,7 +237,7 @@ String htmlFavIcon(Units page) {
 }
 
 String getFavIcon(const Tag& tag) {
-    if (!isNamed(tag, "LINK") || !isOpening(tag)) return {};
+    if (!tag.isNamed("LINK") || !isOpening(tag)) return {};
     const Units whole = tag.whole();
     if (!relContains(whole, 13, {"SHORTCUT ICON"})) return {};
     return normalizedRelLink(attributeOf(whole, "HREF"));

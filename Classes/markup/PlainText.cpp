@@ -564,7 +564,7 @@ String convert(const String& page, PlainTextOptions options, Handler handler,
     for (;;) {
         Converter converter(options);
         const bool scanned =
-            parseXmlWithHandler(page, [&](const Tag& tag) { return (converter.*handler)(tag); });
+            GetTagsOfString(page, [&](const Tag& tag) { return (converter.*handler)(tag); });
         if (converter.didOutput()) {
             if (didRemoveJunk) *didRemoveJunk = converter.didRemoveJunk();
             return converter.finish();

@@ -10,11 +10,6 @@
 
 namespace velmo {
 
-/// Whether the tag has that name, which is given in capitals.
-inline bool isNamed(const Tag& tag, std::string_view name) {
-    return tag.nameLength == name.size() && keyword::beginsWith(tag.name(), name);
-}
-
 /// Whether the tag opens an element: at least three units, and no / behind the <.
 inline bool isOpening(const Tag& tag) { return tag.tagLength >= 3 && !tag.isClosing(); }
 

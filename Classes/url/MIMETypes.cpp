@@ -141,11 +141,11 @@ String MIMETypeForExtension(Units extension) {
 
 String extensionForMIMEType(Units type) {
     const Units name = withoutParameters(type);
-    const String known = stringOf(detail::MIMEDatabase::installed().extensionOf(keyOf(name)));
-    if (!known.isAbsent()) return known;
+    // Two names of old browsers come first: the database may have them as aliases or not, and
+    // the answer is not to depend on the machine.
     if (name == u"image/pjpg") return u"jpg";
     if (name == u"image/pjpeg") return u"jpeg";
-    return {};
+    return stringOf(detail::MIMEDatabase::installed().extensionOf(keyOf(name)));
 }
 
 }  // namespace velmo

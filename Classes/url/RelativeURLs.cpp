@@ -156,7 +156,8 @@ URL fileURL(const URL& base, const String& link) {
     } else if (link[0] != u'/') {
         path = appendedComponent(stringByDeletingFileComponent(base.path()), link);
     }
-    return URL::fileURLWithPath(standardizedPath(path));
+    // What climbs above the root is a path from the root still, not from the current folder.
+    return URL::fileURLWithPath(appendedComponent(u"/", standardizedPath(path)));
 }
 
 URL webURL(const URL& base, const String& link, const RelativeURLOptions& options) {

@@ -40,7 +40,8 @@ VELMO_API HtmlReferences htmlLinksAndFrames(std::u16string_view page);
 /// Images, the background of the body, and icons.
 VELMO_API std::set<String> htmlImages(std::u16string_view page);
 /// Sources of scripts, linked sheets, and the first import of each script or style element
-/// without a source.
+/// without a source. The SRC of a script is read from its opening tag only: the element comes
+/// with its body, and what a program says there of sources is no attribute.
 VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
 /// Objects, embedded content, audio, video, their sources and tracks.
 VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);
