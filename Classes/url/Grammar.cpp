@@ -1,9 +1,9 @@
 #include "url/Grammar.h"
 
 #include <algorithm>
-#include <boost/url/ipv6_address.hpp>
 
 #include "text/Keyword.h"
+#include "url/IPv6.h"
 
 namespace velmo::grammar {
 namespace {
@@ -82,12 +82,7 @@ bool isIPLiteral(std::u16string_view text) noexcept {
                std::all_of(text.begin() + static_cast<std::ptrdiff_t>(dot) + 1, text.end(),
                            [](char16_t unit) { return isIn(unit, InUserInfo); });
     }
-    constexpr std::size_t Longest = 45;  // six groups and a dotted address
-    if (text.size() > Longest) return false;
-    char narrow[Longest];
-    for (std::size_t i = 0; i < text.size(); ++i)
-        narrow[i] = text[i] < 128 ? static_cast<char>(text[i]) : '?';
-    return boost::urls::parse_ipv6_address({narrow, text.size()}).has_value();
+    return detail::isIPv6Address(text);
 }
 
 bool isPort(std::u16string_view digits) noexcept {

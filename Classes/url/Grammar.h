@@ -1,6 +1,6 @@
 // The grammar of RFC 3986 on UTF-16 units: where the parts of a URL stand, and how a
 // reference is resolved. URLs are made for every link of every page, so one pass finds
-// the parts and nothing is allocated; the addresses in brackets are left to Boost.URL.
+// the parts and nothing is allocated.
 #pragma once
 
 #include <array>

@@ -18,7 +18,7 @@ VELMO_API std::vector<String> HTMLFileTypes();
 /// The extensions under the user-default key "AdditionalXMLExtensions", kept for the life
 /// of the process once there are any.
 VELMO_API std::vector<String> CustomXMLFileTypes();
-/// The extensions of XML files; then each custom one as it stands and in capitals.
+/// The extensions of XML files; then each custom one as it stands and in upper case.
 VELMO_API std::vector<String> XMLFileTypes();
 VELMO_API std::vector<String> PropertyListFileTypes();
 /// XMLFileTypes(), then HTMLFileTypes(), then PropertyListFileTypes().

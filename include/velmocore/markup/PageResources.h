@@ -13,7 +13,7 @@ namespace velmo {
 // What a page points at and is made of. References are normalised but not resolved. Any
 // thread.
 //
-//     for (const String& image : htmlImages(page)) URL::URLWithString(image, base);
+//     *htmlImages(u"<img src='a.png'><img src=' a.png'>").begin();    // a.png
 
 /// What one pass over a page tells.
 struct HtmlReferences {

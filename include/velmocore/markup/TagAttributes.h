@@ -10,7 +10,7 @@
 namespace velmo {
 
 // Attributes of one tag. The tag is its whole text, angle brackets included. Names are
-// given in capitals and compared without regard to case. Entities are not decoded. An
+// given in upper case and compared without regard to case. Entities are not decoded. An
 // attribute that is missing, empty or broken is absent.
 //
 //     attributeOfTagCharacters(u"<a href='x' id=y>", "HREF");   // x
@@ -31,7 +31,7 @@ VELMO_API String attributeOfTagWithName(std::u16string_view tag, std::u16string_
 /// Reads a style declaration list, as "width: 3px; height: 4px".
 VELMO_API String attributeOfStyleWithName(std::u16string_view style, std::u16string_view name);
 
-// NAME=value in a header line. The name is given in capitals and matches at the end of a
+// NAME=value in a header line. The name is given in upper case and matches at the end of a
 // longer word too.
 
 struct HeaderFieldOptions {
