@@ -60,6 +60,7 @@ public:
 
     HtmlReferences finish() {
         result_.references = references_.finish();
+        if (!robots_.empty()) result_.robots = robots_;
         return std::move(result_);
     }
 
@@ -138,14 +139,14 @@ private:
     }
 
     void addRobots(const String& content) {
-        String& robots = result_.robots;
-        if (content.isEmpty() || isEqualToStringNoCase(content, robots)) return;
-        robots = robots.isEmpty() ? content
-                                  : String(std::u16string(robots) + u',' + std::u16string(content));
+        if (content.isEmpty() || isEqualToStringNoCase(content, robots_)) return;
+        if (!robots_.empty()) robots_ += u',';
+        robots_ += content;
     }
 
     HtmlReferences result_;
     References references_;
+    std::u16string robots_;  ///< grows with each tag, of which a page may have very many
     const bool wantsLinks_;
     bool sawHTML_ = false;
 };

@@ -89,8 +89,8 @@ String invertedPathRelativeToDirectory(const URL& url, const String& directory,
     const String& extension = options.pathExtension;
     const std::size_t room = extension.isEmpty() ? 0 : extension.length() + 1;
     if (!list.empty()) list.back() = detail::fittingComponent(list.back(), room);
-    String path = directory.isAbsent() ? String::empty() : directory;
-    for (const String& component : list) path = appendedComponent(path, component);
+    const String path = list.empty() ? String(directory.isAbsent() ? u"" : directory.view())
+                                     : detail::pathOfComponents(directory, list);
     if (room == 0 || path.isEmpty()) return path;
     return std::u16string(path).append(u".").append(extension);
 }

@@ -161,18 +161,23 @@ private:
 
     /// A number is no session. The value is looked for behind a name of three letters, so
     /// that the longer name has letters of its own there and always goes.
-    bool hasLetterInValue(std::size_t row) const {
+    bool hasLetterInValue(std::size_t row) {
+        // A long number beside many other parameters is asked for with each of these.
+        numbers_ &= ~finder_.takeChanged();
+        if (numbers_ & bitOf(row)) return false;
         const std::size_t separator = finder_.separatorOf(row);
         const std::size_t end = endOfParameter(text_, separator);
         const CharacterSetRep& letters = alphaCharacterSetRep();
         for (std::size_t i = separator + 4; i < end; ++i)
             if (letters.contains(text_[i])) return true;
+        numbers_ |= bitOf(row);
         return false;
     }
 
     GapText& text_;
     ParameterFinder finder_;
     ParameterMask rows_ = 0;
+    ParameterMask numbers_ = 0;  ///< those whose value is known to be a number
     bool isTopic_ = false;
     bool seen_ = false;  ///< what may be an id of a session was there
 };

@@ -67,10 +67,8 @@ std::vector<String> invertedHostComponents(const URL& url, std::uint64_t maximum
 String stringByAppendingInvertedHostComponents(Units host, std::uint64_t maximum,
                                                const String& toPath) {
     if (toPath.isAbsent()) return toPath;
-    String path = toPath;
-    for (const String& part : invertedHostComponents(host, maximum))
-        path = appendedComponent(path, part);
-    return path;
+    const std::vector<String> parts = invertedHostComponents(host, maximum);
+    return parts.empty() ? toPath : detail::pathOfComponents(toPath, parts);
 }
 
 }  // namespace velmo
