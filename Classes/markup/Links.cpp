@@ -8,6 +8,7 @@
 #include "markup/BaseRule.h"
 #include "markup/NormalizedLink.h"
 #include "markup/TagSupport.h"
+#include "markup/TagWalk.h"
 #include "markup/UniqueLinks.h"
 
 namespace velmo {
@@ -85,11 +86,15 @@ private:
 
 }  // namespace
 
-HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
+HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
     HtmlLinks result;
     RetrieveLinksHandler handler(result, options);
-    GetTagsOfString(page, handler);
+    walk(handler);
     return result;
+}
+
+HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
+    return detail::linksOf(detail::scanOf(page), options);
 }
 
 }  // namespace velmo

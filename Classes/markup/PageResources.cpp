@@ -14,6 +14,7 @@
 #include "markup/BaseRule.h"
 #include "markup/NormalizedLink.h"
 #include "markup/TagSupport.h"
+#include "markup/TagWalk.h"
 #include "markup/UniqueLinks.h"
 
 namespace velmo {
@@ -151,17 +152,11 @@ private:
     bool sawHTML_ = false;
 };
 
-HtmlReferences referencesOf(Units page, bool wantsLinks) {
-    RetrieveLinksAndFramesHandler handler(wantsLinks);
-    GetTagsOfString(page, handler);
-    return handler.finish();
-}
-
-/// The references that add takes from the opening tags of a page.
+/// The references that add takes from the opening tags of a walk.
 template <class Add>
-std::set<String> referencesOfOpeningTags(Units page, Add add) {
+std::set<String> referencesOfOpeningTags(detail::TagWalk walk, Add add) {
     References references;
-    GetTagsOfString(page, [&](const Tag& tag) {
+    walk([&](const Tag& tag) {
         if (tag.nameLength > 2 && isOpening(tag)) add(references, tag);
         return false;
     });
@@ -193,11 +188,14 @@ void addSheetOrScriptToSet(References& references, Units element) {
 
 }  // namespace
 
-HtmlReferences htmlFrames(Units page) { return referencesOf(page, false); }
-HtmlReferences htmlLinksAndFrames(Units page) { return referencesOf(page, true); }
+HtmlReferences detail::referencesOf(TagWalk walk, bool wantsLinks) {
+    RetrieveLinksAndFramesHandler handler(wantsLinks);
+    walk(handler);
+    return handler.finish();
+}
 
-std::set<String> htmlImages(Units page) {
-    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+std::set<String> detail::imagesOf(TagWalk walk) {
+    return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
         const Units whole = tag.whole();
         if (tag.isNamed("IMG"))
             references.addNormalized(attributeOf(whole, "SRC"));
@@ -208,8 +206,8 @@ std::set<String> htmlImages(Units page) {
     });
 }
 
-std::set<String> htmlStylesheetsAndScripts(Units page) {
-    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+std::set<String> detail::stylesheetsAndScriptsOf(TagWalk walk) {
+    return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
         const Units whole = tag.whole();
         if (tag.isNamed("SCRIPT") || tag.isNamed("STYLE"))
             addSheetOrScriptToSet(references, whole);
@@ -218,14 +216,28 @@ std::set<String> htmlStylesheetsAndScripts(Units page) {
     });
 }
 
-std::set<String> htmlEmbeddedObjects(Units page) {
-    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+std::set<String> detail::embeddedObjectsOf(TagWalk walk) {
+    return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
         if (tag.nameLength < 5 || tag.nameLength > 6) return;
         const bool isObject = tag.isNamed("OBJECT");
         if (isObject || tag.isNamed("SOURCE") || tag.isNamed("AUDIO") || tag.isNamed("VIDEO") ||
             tag.isNamed("TRACK") || tag.isNamed("EMBED"))
             references.addNormalized(attributeOf(tag.whole(), isObject ? "DATA" : "SRC"));
     });
+}
+
+HtmlReferences htmlFramesSet(Units page) {
+    return detail::referencesOf(detail::scanOf(page), false);
+}
+HtmlReferences htmlLinksAndFramesSet(Units page) {
+    return detail::referencesOf(detail::scanOf(page), true);
+}
+std::set<String> htmlImages(Units page) { return detail::imagesOf(detail::scanOf(page)); }
+std::set<String> htmlStylesheetsAndScripts(Units page) {
+    return detail::stylesheetsAndScriptsOf(detail::scanOf(page));
+}
+std::set<String> htmlEmbeddedObjects(Units page) {
+    return detail::embeddedObjectsOf(detail::scanOf(page));
 }
 
 String htmlFavIcon(Units page) {

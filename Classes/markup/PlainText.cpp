@@ -17,10 +17,11 @@
 #include <velmocore/markup/TagScanner.h>
 
 #include "markup/TagName.h"
-#include "markup/WhiteRuns.h"
+#include "markup/TagWalk.h"
 #include "text/Keyword.h"
 #include "text/LeadingInteger.h"
 #include "text/UnitScan.h"
+#include "text/WhiteRuns.h"
 
 namespace velmo {
 namespace {
@@ -62,7 +63,7 @@ bool isHiddenStyle(Units tag) {
     if (keyword::contains(style, "POSITION:ABSOLUTE") &&
         (styleNumber(style, u"TOP") < -1000 || styleNumber(style, u"LEFT") < -1000))
         return true;
-    const TagSize size = getTagWidthHeight(tag);
+    const TagSize size = getTagWidth(tag);
     return size && (isOneToThree(size.width) || size.height < 0 || isOneToThree(size.height));
 }
 
@@ -556,29 +557,33 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
 
 using Handler = bool (Converter::*)(const Tag&);
 
-/// Runs a handler over the page; a page of which only the body is asked for and that has
-/// none is run again as a whole.
-String convert(const String& page, PlainTextOptions options, Handler handler,
+/// Hands the tags of a walk over the page to a handler; a page of which only the body is asked
+/// for and that has none is walked again as a whole.
+String convert(const String& page, detail::TagWalk walk, PlainTextOptions options, Handler handler,
                bool* didRemoveJunk = nullptr) {
     if (didRemoveJunk) *didRemoveJunk = false;
     for (;;) {
         Converter converter(options);
-        const bool scanned =
-            GetTagsOfString(page, [&](const Tag& tag) { return (converter.*handler)(tag); });
+        walk([&](const Tag& tag) { return (converter.*handler)(tag); });
         if (converter.didOutput()) {
             if (didRemoveJunk) *didRemoveJunk = converter.didRemoveJunk();
             return converter.finish();
         }
-        if (!options.onlyBody || !scanned) return page;
+        if (!options.onlyBody || page.isEmpty()) return page;
         options.onlyBody = false;
     }
 }
 
 }  // namespace
 
+String detail::plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options,
+                           bool* didRemoveJunk) {
+    return convert(page, walk, options, &Converter::handle, didRemoveJunk);
+}
+
 String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options,
                                         bool* didRemoveJunk) {
-    return convert(page, options, &Converter::handle, didRemoveJunk);
+    return detail::plainTextOf(page, detail::scanOf(page), options, didRemoveJunk);
 }
 
 String stringByConvertingHtml2ReformattedPlainText(const String& page) {
@@ -586,7 +591,7 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
 }
 
 String stringByConvertingHtml2SimplifiedPlainText(const String& page) {
-    return convert(page, {.onlyBody = true}, &Converter::handleSimply);
+    return convert(page, detail::scanOf(page), {.onlyBody = true}, &Converter::handleSimply);
 }
 
 }  // namespace velmo

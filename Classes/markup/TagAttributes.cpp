@@ -272,7 +272,7 @@ String headerRefresh(Units refresh) {
 
 std::int64_t refreshInterval(Units refresh) { return leadingInteger(refresh); }
 
-TagSize getTagWidthHeight(Units tag) {
+TagSize getTagWidth(Units tag) {
     if (tag.size() < 10) return {};
     const auto attribute = [&](std::string_view name) {
         return numberOf(tag, rangeOfAttributeOfTagCharacters(tag, name));

@@ -33,9 +33,13 @@ struct HtmlReferences {
 };
 
 /// The sources of frame and iframe tags, and the rest of HtmlReferences.
-VELMO_API HtmlReferences htmlFrames(std::u16string_view page);
+VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page);
+inline HtmlReferences htmlFramesBaseURL(std::u16string_view page) { return htmlFramesSet(page); }
 /// These and the references of a and area tags.
-VELMO_API HtmlReferences htmlLinksAndFrames(std::u16string_view page);
+VELMO_API HtmlReferences htmlLinksAndFramesSet(std::u16string_view page);
+inline HtmlReferences htmlLinksAndFramesBaseURL(std::u16string_view page) {
+    return htmlLinksAndFramesSet(page);
+}
 
 /// Images, the background of the body, and icons.
 VELMO_API std::set<String> htmlImages(std::u16string_view page);

@@ -31,6 +31,19 @@ struct PlainTextOptions {
 VELMO_API String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options = {},
                                                   bool* didRemoveJunk = nullptr);
 
+// The same under the names that tell the first of the options.
+
+inline String stringByConvertingHtml2PlainTextNonUmlauted(const String& page, bool nonUmlauted,
+                                                          PlainTextOptions options = {}) {
+    options.nonUmlauted = nonUmlauted;
+    return stringByConvertingHtml2PlainText(page, options);
+}
+inline String stringByConvertingHtml2PlainTextEntities(const String& page, bool entities,
+                                                       PlainTextOptions options = {}) {
+    options.entities = entities;
+    return stringByConvertingHtml2PlainText(page, options);
+}
+
 /// With reformat.
 VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
 

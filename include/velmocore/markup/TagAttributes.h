@@ -58,7 +58,7 @@ struct TagSize {
     explicit operator bool() const { return width > 0; }
 };
 /// From "WIDTH" and "HEIGHT", else from the tag's style.
-VELMO_API TagSize getTagWidthHeight(std::u16string_view tag);
+VELMO_API TagSize getTagWidth(std::u16string_view tag);
 
 /// The URL of a background image that does not repeat, named in the tag's style.
 VELMO_API String backgroundStyleURLOfTagCharacters(std::u16string_view tag);
