@@ -13,6 +13,7 @@
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLSchemes.h>
+#include <velmocore/url/URLSimplification.h>
 
 #include "markup/TagWalk.h"
 
@@ -120,7 +121,13 @@ const String& Page::plainText() const {
 
 const std::vector<URL>& Page::links() const {
     return state_->links.get([this] {
-        return state_->resolvedOf(detail::linksOf(state_->tags(), {.filter = true}).links);
+        std::vector<String> links = detail::linksOf(state_->tags(), {}).links;
+        // On a file base a # would be a part of the path; on others the anchor is cut anyway.
+        if (baseURL().isFileURL())
+            for (String& link : links) link = stringURLWithoutAnchor(link);
+        std::vector<URL> urls = state_->resolvedOf(links);
+        std::erase_if(urls, [](const URL& url) { return !isWebKitURL(url); });
+        return urls;
     });
 }
 

@@ -58,7 +58,8 @@ public:
     // References, resolved, in page order or else in that of their texts, each once. What cannot be
     // resolved is left out: all that is relative, if it is not known to what.
 
-    /// Of a and area tags, but for what filterLink() finds not worth following.
+    /// Of a and area tags, without anchors: those that lead to the web, to FTP, to feeds or to
+    /// files.
     const std::vector<URL>& links() const;
     const std::vector<URL>& frames() const;
     const std::vector<URL>& images() const;
