@@ -9,7 +9,7 @@
 
 #include "markup/TagSupport.h"
 
-namespace velmo {
+namespace velmo::detail {
 
 void applyBaseRule(const Tag& tag, URL& baseURL) {
     String href = normalizedStringURL(attributeOf(tag.whole(), "HREF"));
@@ -25,4 +25,4 @@ void applyBaseRule(const Tag& tag, URL& baseURL) {
         log(fmt::format("Invalid base: '{}'", href.utf8()));
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

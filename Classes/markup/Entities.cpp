@@ -15,6 +15,8 @@
 namespace velmo {
 namespace {
 
+using namespace detail;
+
 using Units = std::u16string_view;
 using Traits = std::char_traits<char16_t>;
 
@@ -107,7 +109,7 @@ Reference readName(Units text) {
     char name[MaxRun];
     const std::size_t length = run.end - 1;
     for (std::size_t i = 0; i < length; ++i) name[i] = static_cast<char>(text[i + 1]);
-    const char16_t unit = detail::unitOfEntity({name, length});
+    const char16_t unit = unitOfEntity({name, length});
     return unit ? plainUnit(run.taken, unit) : Reference();
 }
 
@@ -247,7 +249,7 @@ String stringByConvertingStandardEntitiesToCharacters(const String& string) {
 String stringByConvertingCharactersToEntities(const String& string) {
     return rewriteRuns(string, &scan::findNonAscii,
                        [](const char16_t* at, const char16_t*, StringBuilder& out) {
-                           const std::string_view name = detail::entityOfUnit(*at);
+                           const std::string_view name = entityOfUnit(*at);
                            if (name.empty()) {
                                appendNumber(out, *at);
                            } else {

@@ -6,6 +6,8 @@
 namespace velmo {
 namespace {
 
+using namespace detail;
+
 unsigned hexDigit(char16_t unit) {
     if (unit >= u'0' && unit <= u'9') return unit - u'0';
     if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;

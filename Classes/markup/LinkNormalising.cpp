@@ -18,6 +18,8 @@
 namespace velmo {
 namespace {
 
+using namespace detail;
+
 using Units = std::u16string_view;
 
 /// The first unit that normalising may touch: all but printable ASCII, and " & and \ of that.

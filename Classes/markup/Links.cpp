@@ -14,6 +14,8 @@
 namespace velmo {
 namespace {
 
+using namespace detail;
+
 using Units = std::u16string_view;
 
 /// Gathers links as they come, or, if their text is asked for, when they are closed.
@@ -94,7 +96,7 @@ HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
 }
 
 HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
-    return detail::linksOf(detail::scanOf(page), options);
+    return linksOf(scanOf(page), options);
 }
 
 }  // namespace velmo

@@ -20,6 +20,8 @@
 namespace velmo {
 namespace {
 
+using namespace detail;
+
 using Units = std::u16string_view;
 
 /// References as they come, each once; most of a page's come more than once. They are put
@@ -154,7 +156,7 @@ private:
 
 /// The references that add takes from the opening tags of a walk.
 template <class Add>
-std::set<String> referencesOfOpeningTags(detail::TagWalk walk, Add add) {
+std::set<String> referencesOfOpeningTags(TagWalk walk, Add add) {
     References references;
     walk([&](const Tag& tag) {
         if (tag.nameLength > 2 && isOpening(tag)) add(references, tag);
@@ -226,19 +228,13 @@ std::set<String> detail::embeddedObjectsOf(TagWalk walk) {
     });
 }
 
-HtmlReferences htmlFramesSet(Units page) {
-    return detail::referencesOf(detail::scanOf(page), false);
-}
-HtmlReferences htmlLinksAndFramesSet(Units page) {
-    return detail::referencesOf(detail::scanOf(page), true);
-}
-std::set<String> htmlImages(Units page) { return detail::imagesOf(detail::scanOf(page)); }
+HtmlReferences htmlFramesSet(Units page) { return referencesOf(scanOf(page), false); }
+HtmlReferences htmlLinksAndFramesSet(Units page) { return referencesOf(scanOf(page), true); }
+std::set<String> htmlImages(Units page) { return imagesOf(scanOf(page)); }
 std::set<String> htmlStylesheetsAndScripts(Units page) {
-    return detail::stylesheetsAndScriptsOf(detail::scanOf(page));
+    return stylesheetsAndScriptsOf(scanOf(page));
 }
-std::set<String> htmlEmbeddedObjects(Units page) {
-    return detail::embeddedObjectsOf(detail::scanOf(page));
-}
+std::set<String> htmlEmbeddedObjects(Units page) { return embeddedObjectsOf(scanOf(page)); }
 
 String htmlFavIcon(Units page) {
     String favIcon;

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <random>
 
-namespace velmo {
+namespace velmo::detail {
 namespace {
 
 std::uint64_t mixed(std::uint64_t a, std::uint64_t b) {
@@ -66,4 +66,4 @@ void UniqueLinks::grow() {
         if (slot.number) slotFor(slot.hash, links_[slot.number - 1]) = slot;
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

@@ -5,7 +5,7 @@
 #include "text/Keyword.h"
 #include "url/IPv6.h"
 
-namespace velmo::grammar {
+namespace velmo::detail::grammar {
 namespace {
 
 /// What a unit may be part of as it stands; escapes are looked at apart.
@@ -343,4 +343,4 @@ Composed withoutDotSegments(const Reference& reference) {
     return target.finish();
 }
 
-}  // namespace velmo::grammar
+}  // namespace velmo::detail::grammar

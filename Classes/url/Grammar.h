@@ -9,7 +9,7 @@
 
 #include <velmocore/url/URL.h>
 
-namespace velmo::grammar {
+namespace velmo::detail::grammar {
 
 /// Where one part stands. Its location is Missing if the URL does not have it.
 struct Span {
@@ -88,4 +88,4 @@ constexpr int hexDigitValue(char16_t unit) noexcept {
     return unit < 256 ? HexDigitValues[unit] : -1;
 }
 
-}  // namespace velmo::grammar
+}  // namespace velmo::detail::grammar

@@ -18,6 +18,7 @@
 namespace velmo {
 namespace {
 
+namespace markers = detail::markers;
 using Units = std::u16string_view;
 
 constexpr std::size_t npos = Units::npos;

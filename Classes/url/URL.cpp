@@ -11,6 +11,9 @@
 
 namespace velmo {
 
+namespace escapes = detail::escapes;
+namespace grammar = detail::grammar;
+
 struct URL::Rep {
     String string;
     grammar::Parts parts;
