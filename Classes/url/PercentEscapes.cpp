@@ -10,12 +10,12 @@
 #include "url/Grammar.h"
 
 namespace velmo {
+namespace {
+
 namespace escapes = detail::escapes;
 namespace grammar = detail::grammar;
 using Units = std::u16string_view;
 
-namespace escapes = detail::escapes;
-namespace grammar = detail::grammar;
 using escapes::escapeAt;
 using namespace std::string_view_literals;
 
