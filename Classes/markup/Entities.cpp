@@ -1,3 +1,9 @@
+// References are looked for from & to &, and what stands between is moved in one piece. At each &
+// three readers are asked in turn: the few references that need no semicolon, a number, a name.
+// None of them looks farther than MaxRun units, so that a text of nothing but & is linear.
+//
+// A reference is never shorter than what it stands for, which is why the decoder may work in the
+// place of its source.
 #include <velmocore/markup/Entities.h>
 
 #include <fmt/format.h>

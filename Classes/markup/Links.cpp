@@ -28,6 +28,7 @@ public:
           links_(result.links) {}
 
     bool operator()(const Tag& tag) {
+        // The text of a link may hold tags of its own, as images or bold type.
         if (hasLinkText_) linkText_ += tag.text();
         if (tag.nameLength == 1) {
             if (tag.isNamed("A")) retrieveAnchor(tag);
@@ -45,6 +46,7 @@ private:
         } else if (isOpening(tag)) {
             openLink(hrefOf(tag));
         } else {
+            // Only now all of the text is known; a link that is never closed has none.
             if (hasLinkText_ && isKept()) add(href_);
             openLink({});
         }

@@ -1,3 +1,6 @@
+// One handler a kind of page part, each of which takes references from the tags that it knows.
+// Tags are told apart by the length of their name first: most tags of a page are of no interest to
+// a handler, and a switch tells so without looking at a unit.
 #include <velmocore/markup/PageResources.h>
 
 #include <algorithm>
@@ -112,6 +115,7 @@ private:
         }
     }
 
+    /// The root of a feed only counts in front of any page: blogs show feeds in their pages.
     void noteFeed(const Tag& tag, std::string_view root) {
         if (!sawHTML_ && tag.isNamed(root)) result_.isFeed = true;
     }
@@ -125,11 +129,13 @@ private:
         if (!tag.isClosing()) references_.addNormalized(attributeOf(tag.whole(), "SRC"));
     }
 
+    /// The title is the text in front of its closing tag, where all of it has been seen.
     void retrieveTitle(const Tag& tag) {
         if (isTagClosed(tag.whole())) result_.title = tag.hasText() ? tag.text() : Units(u"");
     }
 
     void retrieveMeta(Units tag) {
+        // A tag that refreshes is nothing else, whatever its name says.
         if (keyword::equals(attributeOf(tag, "HTTP-EQUIV"), "REFRESH")) {
             result_.refresh = contentAttributeOfTagCharacters(tag);
             return;
@@ -141,6 +147,7 @@ private:
             result_.revisit = contentAttributeOfTagCharacters(tag);
     }
 
+    /// Many pages say the same twice, for two kinds of robots.
     void addRobots(const String& content) {
         if (content.isEmpty() || isEqualToStringNoCase(content, robots_)) return;
         if (!robots_.empty()) robots_ += u',';

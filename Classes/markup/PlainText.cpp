@@ -150,6 +150,7 @@ private:
         backgroundColor_ = String();
     }
 
+    /// What was hidden before the body does not hide the body: heads are full of open tags.
     void enterBody(Units tag) {
         changeDepth(tag, +1);
         clearElements();
@@ -157,6 +158,8 @@ private:
         backgroundColor_ = attributeOfTagCharacters(tag, "BGCOLOR");
     }
 
+    /// Comments with which a site keeps parts of its pages out of an index. Each names the uses it
+    /// switches; text counts as long as it may be indexed.
     void noteGoogleComment(const Tag& tag) {
         if (!options_.googleTags || tag.tagLength < ShortestGoogleComment) return;
         const Units comment = tag.whole();
@@ -265,6 +268,7 @@ private:
         out_.oweSpace();
     }
 
+    /// Letters in the colour of the page, or too small to read, are there for search engines.
     void font(Units tag) {
         const String color = attributeOfTagCharacters(tag, "COLOR");
         hiddenFont_ = !backgroundColor_.isAbsent() && keyword::equalNoCase(color, backgroundColor_);

@@ -1,3 +1,9 @@
+// A URL is cut from the left to the right, as the standard's own expression does: scheme,
+// authority, path, query, fragment. Each unit is looked up once in a table of classes, and a unit
+// that may not stand in its part ends the cut, and with it the URL.
+//
+// Resolving writes the parts of reference and base behind each other and notes where each stands,
+// so that what was put together need not be cut again.
 #include "url/Grammar.h"
 
 #include <algorithm>
@@ -95,7 +101,8 @@ bool isPort(std::u16string_view digits) noexcept {
     return true;
 }
 
-/// Cuts user information, host and port. The text ends where the authority ends.
+/// The last @ would be the host's for some readers and the first for others; a second one is no
+/// URL. Cuts user information, host and port. The text ends where the authority ends.
 bool cutAuthority(std::u16string_view text, std::uint32_t start, Parts& parts) noexcept {
     const auto end = static_cast<std::uint32_t>(text.size());
     std::uint32_t host = start;

@@ -30,7 +30,7 @@ std::u16string marked(char16_t mark, Units part) {
     return part.empty() ? std::u16string() : mark + withHyphens(part);
 }
 
-/// Parameters and query as they are added to the path.
+/// Parameters and query as they are added to the path: pages that differ in these are two files.
 String additionOf(const URL& url, bool removeSessionIDs) {
     const Units query = url.part(URLPart::Query);
     const Units parameters = url.part(URLPart::Parameters);
@@ -108,6 +108,7 @@ String pathRelativeToDirectory(const URL& url, const String& directory,
             stringByCreatingFileSystemRepresentation(stringByCreatingFilename(path));
         return appendedComponent(folder, name.isEmpty() ? DefaultComponent : name.view());
     }
+    // A folder's page needs a name of its own, as the folder will hold others.
     const bool isFolder = path.empty() || (options.defaultPathComponent && isBaseDirectory(url));
     if (isFolder) path.append(u"/").append(DefaultComponent);
     return pathWithin(folder, path);

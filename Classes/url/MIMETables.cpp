@@ -1,3 +1,6 @@
+// What this library says of its own, with or without the database of the machine: which types the
+// extensions of the web have, and which extensions are usual. The first row of a type has the
+// extension to give.
 #include "url/MIMEDatabase.h"
 
 namespace velmo::detail {

@@ -1,3 +1,9 @@
+// Servers write one type in many ways: with "x-", with parameters, in other groups. So the tests
+// look for what tells the kind, at the start, at the end or anywhere, and not for whole types.
+// A few words count in exact case only; callers rely on that.
+//
+// Extensions and types are looked up in url/MIMEDatabase.h; what that does not know is told by the
+// kind of the file, so that an image gets a type of an image.
 #include <velmocore/url/MIMETypes.h>
 
 #include <algorithm>

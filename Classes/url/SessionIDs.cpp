@@ -1,3 +1,8 @@
+// Parameters that only name a session are taken out one after the other, and each removal may
+// change what else is to be removed: the same name may come again, or what was seen before may
+// allow more. So the rules are a table, in the order in which they are tried, and the loop asks
+// for the first row that applies until there is none. What would make that slow is kept: where
+// each name stands (see url/Parameters.h), and which values are known to be numbers.
 #include <bit>
 #include <iterator>
 

@@ -50,6 +50,7 @@ String invertedHost(Units host) {
 }
 String invertedHost(const URL& url) { return invertedHost(hostOf(url)); }
 
+// Hosts are inverted so that those of one domain stand beside each other in lists and folders.
 std::vector<String> invertedHostComponents(Units host, std::uint64_t maximum) {
     if (host.empty()) return {};
     std::vector<String> parts = invertedPartsOf(host);

@@ -13,8 +13,8 @@ namespace velmo {
 //
 //     const URL page = URL::URLWithString(u"http://duckduckgo.com/html/?q=ferret");
 //     acceptStringURL(u"/l/?uddg=http%3A%2F%2Fexample.org%2F", page);   // http://example.org/
-//     acceptStringURL(u"/about", page);                                 // absent
-//     resolveStringURL(u"/about", page);                                // http://duckduckgo.com/about
+//     acceptStringURL(u"/about", page);     // absent
+//     resolveStringURL(u"/about", page);    // http://duckduckgo.com/about
 //
 // Any thread may call these.
 
