@@ -280,6 +280,6 @@ String stringByConvertingCharactersToStandardEntities(const String& string) {
                        });
 }
 
-void initConversionTables() { alphaNumCharacterSetRep(); }
+void initConversionTables() { (void)alphaNumCharacterSetRep(); }
 
 }  // namespace velmo

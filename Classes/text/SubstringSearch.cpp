@@ -107,11 +107,13 @@ Range searchCharacters(View text, View sought, SearchOptions options) {
 }
 
 Range searchUnits(View text, View sought, SearchOptions options) {
-    return withFold(!(options & CaseInsensitiveSearch), [&](const auto& fold) {
-        const std::uint64_t hit = options & BackwardsSearch ? lastOccurrence(text, sought, fold)
-                                                            : firstOccurrence(text, sought, fold);
-        return hit == NotFound ? Range::none() : Range{hit, sought.size()};
-    });
+    return withFold(options & CaseInsensitiveSearch ? Case::Insensitive : Case::Sensitive,
+                    [&](const auto& fold) {
+                        const std::uint64_t hit = options & BackwardsSearch
+                                                      ? lastOccurrence(text, sought, fold)
+                                                      : firstOccurrence(text, sought, fold);
+                        return hit == NotFound ? Range::none() : Range{hit, sought.size()};
+                    });
 }
 
 }  // namespace

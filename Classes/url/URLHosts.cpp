@@ -50,7 +50,7 @@ String invertedHost(Units host) {
 }
 String invertedHost(const URL& url) { return invertedHost(hostOf(url)); }
 
-std::vector<String> invertedHostComponents(Units host, std::uint64_t maximum) {
+std::vector<String> invertedHostComponents(Units host, std::size_t maximum) {
     if (host.empty()) return {};
     std::vector<String> parts = invertedPartsOf(host);
     std::erase_if(parts, [](const String& part) { return part.isEmpty(); });
@@ -60,11 +60,11 @@ std::vector<String> invertedHostComponents(Units host, std::uint64_t maximum) {
     }
     return parts;
 }
-std::vector<String> invertedHostComponents(const URL& url, std::uint64_t maximum) {
+std::vector<String> invertedHostComponents(const URL& url, std::size_t maximum) {
     return invertedHostComponents(hostOf(url), maximum);
 }
 
-String stringByAppendingInvertedHostComponents(Units host, std::uint64_t maximum,
+String stringByAppendingInvertedHostComponents(Units host, std::size_t maximum,
                                                const String& toPath) {
     if (toPath.isAbsent()) return toPath;
     String path = toPath;

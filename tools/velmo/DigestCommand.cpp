@@ -16,7 +16,7 @@ struct Options {
 
 void run(Session& session, const Options& options) {
     forEachFile(session, options.files, [&](const std::string& file, const std::string& content) {
-        const Bytes bytes = bytesOf(content);
+        const Bytes bytes = Bytes(content);
         Json object = {{"file", text(file)}};
         if (options.md5) object["md5"] = MD5DigestStringValue(bytes).utf8();
         if (options.sha1) object["sha1"] = SHA1DigestStringValue(bytes).utf8();

@@ -109,7 +109,7 @@ struct PageQuery {
 
     bool holdsFor(std::u16string_view text) const {
         return isWildcard ? terms.matchesString(text, WildcardComparison::CaseInsensitive)
-                          : terms.matchesString(text, false);
+                          : terms.matchesString(text, Case::Insensitive);
     }
 };
 

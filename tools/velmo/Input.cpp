@@ -63,7 +63,7 @@ std::optional<std::string> readFile(Session& session, const std::string& file) {
 
 Page decodePage(const std::string& bytes, const PageOptions& options) {
     const String charset = String::fromUTF8(options.httpCharset);
-    const MarkupDecoding decoding = decodeMarkup(bytesOf(bytes), {.encodingName = charset});
+    const MarkupDecoding decoding = decodeMarkup(Bytes(bytes), {.encodingName = charset});
     return {decoding.text, std::string(ianaName(decoding.encoding)), nameOf(decoding.declared)};
 }
 

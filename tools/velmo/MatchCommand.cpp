@@ -47,7 +47,7 @@ void run(Session& session, const Options& options) {
                   const bool matches =
                       options.parse.wildcard
                           ? holds(terms, content, options.contains, comparison)
-                          : holds(terms, content, options.contains, !isCaseInsensitive(comparison));
+                          : holds(terms, content, options.contains, letterCaseOf(comparison));
                   report.noteHit(matches);
                   if (report.json)
                       report.printObject({{"file", text(file)}, {"matches", matches}});

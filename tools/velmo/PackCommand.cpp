@@ -55,7 +55,7 @@ void deliver(Session& session, const Options& options, const std::string& file,
 
 void pack(Session& session, const Options& options) {
     forEachFile(session, options.files, [&](const std::string& file, const std::string& content) {
-        const auto packed = dataByCompressingBytes(bytesOf(content), options.level, !options.zlib);
+        const auto packed = dataByCompressingBytes(Bytes(content), options.level, !options.zlib);
         if (!packed) return session.fail(file, "nothing to compress");
         const auto suffix = options.zlib ? ZlibSuffix : GzipSuffix;
         deliver(session, options, file, file + std::string(suffix), content.size(), *packed);
@@ -72,7 +72,7 @@ std::string unpackedName(const std::string& file) {
 
 void unpack(Session& session, const Options& options) {
     forEachFile(session, options.files, [&](const std::string& file, const std::string& content) {
-        const auto inflated = dataByInflatingData(bytesOf(content), options.limit);
+        const auto inflated = dataByInflatingData(Bytes(content), options.limit);
         if (!inflated)
             return session.fail(file, "not in gzip or zlib format, damaged, or above the limit");
         deliver(session, options, file, unpackedName(file), content.size(), *inflated);

@@ -28,13 +28,14 @@ struct PlainTextOptions {
 //     stringByConvertingHtml2PlainText(page, {.onlyBody = true, .removeJunk = true});
 
 /// @param didRemoveJunk  if given, tells whether junk was met and, with removeJunk, dropped
-VELMO_API String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options = {},
-                                                  bool* didRemoveJunk = nullptr);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2PlainText(const String& page,
+                                                                PlainTextOptions options = {},
+                                                                bool* didRemoveJunk = nullptr);
 
 /// With reformat.
-VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
 
 /// The bare text of the body, each span behind a blank, without any structure.
-VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
 
 }  // namespace velmo

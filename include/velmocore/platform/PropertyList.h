@@ -28,6 +28,6 @@ struct PropertyList {
 /// list as XML text in UTF-8; otherwise absent. Bytes that are damaged, lists nested deeper
 /// than 256 levels, and binary ones that share objects so that they unfold to much more than
 /// their size, give absent.
-VELMO_API std::optional<Data> propertyListAsXML(Bytes bytes);
+[[nodiscard]] VELMO_API std::optional<Data> propertyListAsXML(Bytes bytes);
 
 }  // namespace velmo
