@@ -8,18 +8,17 @@
 #include <velmocore/text/Finding.h>
 #include <velmocore/text/Normalisation.h>
 
+#include "platform/Surrogates.h"
 #include "text/PathParts.h"
-#include "text/Surrogates.h"
 #include "text/Trim.h"
 
 namespace velmo {
 namespace {
 
 using View = std::u16string_view;
-using detail::isHighSurrogate;
-using detail::isLowSurrogate;
 
-constexpr std::size_t LongestName = 250;  ///< in units, and in bytes of UTF-8
+constexpr std::size_t LongestName = 250;      ///< in units, and in bytes of UTF-8
+constexpr std::size_t LongestFilename = 255;  ///< in bytes, as file systems have it
 constexpr std::size_t LongestExtension = 17;
 
 String joined(std::span<const String> components) {
@@ -37,16 +36,15 @@ String appendedExtension(View path, View extension) {
     return result.append(u".").append(extension);
 }
 
-/// The units of the text's start that take no more than so many bytes of UTF-8.
+/// The units of the text's start that take no more than so many bytes of UTF-8. Pairs stay
+/// whole; a lone half takes what U+FFFD does.
 std::size_t unitsWithinBytes(View text, std::size_t bytes) {
     std::size_t i = 0;
     while (i < text.size()) {
         const char16_t unit = text[i];
-        std::size_t units = 1, size = unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
-        if (isHighSurrogate(unit) && i + 1 < text.size() && isLowSurrogate(text[i + 1]))
-            units = 2, size = 4;
-        else if (isHighSurrogate(unit) || isLowSurrogate(unit))
-            break;
+        const bool isPair = detail::isPairAt(text, i);
+        const std::size_t units = isPair ? 2 : 1;
+        const std::size_t size = isPair ? 4 : unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
         if (size > bytes) break;
         bytes -= size;
         i += units;
@@ -54,8 +52,16 @@ std::size_t unitsWithinBytes(View text, std::size_t bytes) {
     return i;
 }
 
+/// At most 250 units, and so many bytes.
 void cutName(std::u16string& name, std::size_t bytes) {
-    name.resize(unitsWithinBytes(View(name).substr(0, LongestName), bytes));
+    const std::size_t units = detail::wholePairs(name, LongestName);
+    name.resize(unitsWithinBytes(View(name).substr(0, units), bytes));
+}
+
+/// Cuts at a lone half too, which has no representation in the file system.
+void cutRepresentation(std::u16string& name, std::size_t bytes) {
+    name.resize(std::min(detail::findLoneSurrogate(name), name.size()));
+    cutName(name, bytes);
 }
 
 }  // namespace
@@ -155,13 +161,13 @@ String stringByCreatingFileSystemRepresentationByAppendingExtension(View name, V
     return result;
 }
 
-void createFileSystemRepresentation(std::u16string& name) { cutName(name, LongestName); }
+void createFileSystemRepresentation(std::u16string& name) { cutRepresentation(name, LongestName); }
 
 void createFileSystemRepresentationAndAppendExtension(std::u16string& name, View extension) {
     if (extension.empty() || extension.size() > LongestExtension)
         return createFileSystemRepresentation(name);
     const std::u16string suffix = u"." + std::u16string(extension);
-    cutName(name, LongestName - utf8(suffix).size());
+    cutRepresentation(name, LongestName - utf8(suffix).size());
     if (!View(name).ends_with(suffix)) name += suffix;
 }
 
@@ -176,8 +182,8 @@ void createFilename(std::u16string& text) {
     detail::trimInPlace(text, detail::Ends::Both, [](char16_t unit) {
         return unit == u'.' || unit == u'/' || unit == u':' || unit == u'_';
     });
-    if (text.size() > LongestName) text.resize(LongestName);
-    constexpr View Illegal = u"*/:<>?\\|";
+    cutName(text, LongestFilename);
+    constexpr View Illegal(u"*/:<>?\\|\0", 9);
     std::replace_if(
         text.begin(), text.end(), [&](char16_t unit) { return Illegal.find(unit) != View::npos; },
         u'-');

@@ -10,7 +10,7 @@
 
 #include "platform/Unicode.h"
 #include "text/PatternScan.h"
-#include "text/Surrogates.h"
+#include "platform/Surrogates.h"
 #include "text/UnitFold.h"
 
 namespace velmo::detail {
