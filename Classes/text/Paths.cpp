@@ -21,9 +21,23 @@ constexpr std::size_t LongestName = 250;      ///< in units, and in bytes of UTF
 constexpr std::size_t LongestFilename = 255;  ///< in bytes, as file systems have it
 constexpr std::size_t LongestExtension = 17;
 
-String joined(std::span<const String> components) {
+/// The components that are left of a path when it is standardised.
+std::vector<View> keptComponents(View path) {
+    std::vector<View> kept;
+    for (const View component : componentsOfPath(path)) {
+        const bool isRoot = component.data() == path.data();  // and no slash at the end
+        if (component == u"." || (component == u"/" && !isRoot)) continue;
+        if (component != u"..")
+            kept.push_back(component);
+        else if (!kept.empty())
+            kept.pop_back();
+    }
+    return kept;
+}
+
+std::u16string joined(std::span<const View> components) {
     std::u16string path;
-    for (const String& component : components) {
+    for (const View component : components) {
         if (!path.empty() && path != u"/") path += u'/';
         path += component;
     }
@@ -67,8 +81,7 @@ void cutRepresentation(std::u16string& name, std::size_t bytes) {
 }  // namespace
 
 String relativePathToDirectory(View path, View directory) {
-    const auto own = standardizedPathComponents(path);
-    const auto other = standardizedPathComponents(directory);
+    const std::vector<View> own = keptComponents(path), other = keptComponents(directory);
     const auto [ownRest, otherRest] =
         std::mismatch(own.begin(), own.end(), other.begin(), other.end());
     std::u16string result = otherRest == other.end() ? u"./" : u"";
@@ -78,9 +91,7 @@ String relativePathToDirectory(View path, View directory) {
 
 bool pathIsInDirectory(const String& path, const String& directory) {
     if (directory.isAbsent() || path.isIdenticalTo(directory)) return false;
-    const View folder = directory.view().substr(0, directory.view().find_last_not_of(u'/') + 1);
-    if (folder.empty() || !path.view().starts_with(folder)) return false;
-    return path.length() == folder.size() || path[folder.size()] == u'/';
+    return liesIn(path, withoutSlashesAtEnd(directory));
 }
 
 bool pathIsInDirectories(const String& path, std::span<const String> directories) {
@@ -94,19 +105,11 @@ String stringByDeletingFileComponent(View path) {
 }
 
 std::vector<String> standardizedPathComponents(View path) {
-    std::vector<View> kept;
-    for (const View component : componentsOfPath(path)) {
-        const bool isRoot = component.data() == path.data();  // and no slash at the end
-        if (component == u"." || (component == u"/" && !isRoot)) continue;
-        if (component != u"..")
-            kept.push_back(component);
-        else if (!kept.empty())
-            kept.pop_back();
-    }
+    const std::vector<View> kept = keptComponents(path);
     return {kept.begin(), kept.end()};
 }
 
-String standardizedPath(View path) { return joined(standardizedPathComponents(path)); }
+String standardizedPath(View path) { return joined(keptComponents(path)); }
 
 String stringByAppendingPathExtensionIfNecessary(const String& path, const String& extension) {
     if (extension.isAbsent()) return path;
