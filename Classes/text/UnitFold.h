@@ -94,6 +94,15 @@ bool sameUnits(const char16_t* a, const Unit* b, std::size_t count, const Fold& 
     return true;
 }
 
+/// How many units at the start are the same after folding.
+template <class Unit, class Fold>
+std::size_t equalUnits(const char16_t* a, const Unit* b, std::size_t count,
+                       const Fold& fold) noexcept {
+    std::size_t i = 0;
+    while (i < count && sameUnit(a[i], widened(b[i]), fold)) ++i;
+    return i;
+}
+
 inline bool sameUnits(const char16_t* a, const char16_t* b, std::size_t count, NoFold) noexcept {
     return std::char_traits<char16_t>::compare(a, b, count) == 0;
 }

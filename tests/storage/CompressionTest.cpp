@@ -3,6 +3,7 @@
 #include <random>
 
 #include "TestSupport.h"
+#include "storage/CompressionPieces.h"
 
 namespace velmo {
 namespace {
@@ -28,6 +29,24 @@ TEST(Compression, BothFormatsComeBackAtEveryLevel) {
     EXPECT_LT(dataByGzippingData(Bytes(text), 9)->size(), dataByGzippingData(Bytes(text), 1)->size());
     EXPECT_FALSE(dataByGzippingData({}));
     EXPECT_FALSE(dataByInflatingData({}));
+}
+
+// Input beyond 32 bits goes to zlib in pieces; a small piece stands for a large input.
+TEST(Compression, PiecesMakeNoDifference) {
+    const std::string text = test::readPage("httpd-de-iso-8859-1.html").substr(0, 5000);
+    for (const bool gzip : {false, true}) {
+        const Data whole = *dataByCompressingBytes(bytesOf(text), 6, gzip);
+        for (const std::size_t piece : {1u, 2u, 7u, 4999u, 5000u}) {
+            EXPECT_EQ(detail::deflated(bytesOf(text), 6, gzip, piece), whole) << piece;
+            Data data;
+            EXPECT_TRUE(detail::inflateInto(data, whole, NoInflatedLimit, piece)) << piece;
+            EXPECT_EQ(data, dataOf(text));
+            Data longer = whole;
+            longer.push_back(0);
+            EXPECT_FALSE(detail::inflateInto(data, longer, NoInflatedLimit, piece)) << piece;
+            EXPECT_FALSE(detail::inflateInto(data, Bytes(whole).first(whole.size() - 1), NoInflatedLimit, piece));
+        }
+    }
 }
 
 TEST(Compression, RealFiles) {

@@ -154,6 +154,35 @@ TEST(Encodings, EncodingKeepsWhatItCanOrSaysSo) {
     EXPECT_EQ(decoded(ShiftJISTextEncoding, charsOf(*dataUsingEncoding(longText, ShiftJISStringEncoding))), longText);
 }
 
+// Nothing is lost on the way: what was written strictly is read again as it was, units that
+// converters like to pass over among it.
+TEST(Encodings, StrictMeansStrict) {
+    constexpr std::u16string_view Unseen = u"\u00AD\u034F\u061C\u115F\u180E\u200B\u200D\u2060\u3164\uFE0F\uFEFF\uFFA0";
+    std::mt19937 random(3);
+    std::size_t refused = 0;
+    for (const detail::EncodingRow& row : detail::encodingRows()) {
+        const StringEncoding encoding = stringEncodingOf(row.number);
+        for (int round = 0; round < 400; ++round) {
+            const unsigned kind = random() % 3;
+            const char16_t unit = kind == 0   ? Unseen[random() % Unseen.size()]
+                                  : kind == 1 ? static_cast<char16_t>(0xA0 + random() % 0xD700)
+                                              : static_cast<char16_t>(0xE000 + random() % 0x2000);
+            const String text(std::u16string{u'a', unit, u'z'});
+            const auto strict = dataUsingEncoding(text, encoding);
+            if (strict) {
+                ASSERT_EQ(decoded(row.number, charsOf(*strict)), text) << row.iana << ' ' << unsigned{unit};
+                continue;
+            }
+            ++refused;
+            const auto lossy = dataUsingEncoding(text, encoding, true);
+            ASSERT_TRUE(lossy && lossy->size() >= 3) << row.iana << ' ' << unsigned{unit};
+            if (kind == 0) { EXPECT_EQ(decoded(row.number, charsOf(*lossy)), u"a?z") << row.iana; }
+        }
+    }
+    EXPECT_GT(refused, 10000u);
+    EXPECT_FALSE(dataUsingEncoding(u"a\u00ADb", JapaneseEUCStringEncoding));
+}
+
 std::string randomBytes(std::mt19937& random, std::size_t size) {
     // Mostly ASCII and the bytes that sequences are made of.
     static constexpr unsigned char Likely[] = {0x1B, 0x24, 0x42, 0x81, 0x8E, 0x8F, 0xA1, 0xB0, 0xC3, 0xE2, 0x82, 0xAC,

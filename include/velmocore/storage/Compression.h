@@ -10,8 +10,8 @@
 namespace velmo {
 
 // Bytes compressed and inflated in memory, in the zlib format (RFC 1950) or that of gzip
-// (RFC 1952). Results are absent if something failed, if there are no bytes, or 2^32 and more;
-// no message is written. Any thread may call these.
+// (RFC 1952). Results are absent if something failed or there are no bytes; no message is
+// written. Any thread may call these.
 //
 //     std::optional<Data> packed = dataByGzippingData(bytes);
 //     std::optional<Data> again = dataByInflatingData(*packed);    // either format

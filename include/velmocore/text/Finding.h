@@ -14,7 +14,8 @@ namespace velmo {
 
 // Substrings of any length. Without regard to case, two units are equal if the upper-case or
 // the lower-case table makes them so; an occurrence always has the length of what is sought.
-// An absent string is an empty one; nothing occurs in it, and it occurs nowhere.
+// An absent string is an empty one; nothing occurs in it, and it occurs nowhere. The time is
+// linear in the lengths of both, whatever they hold.
 //
 //     containsSubstring(u"a Title", u"title", Case::Insensitive);    // true
 //     countSubstring(u"aaaa", u"aa");                    // 2

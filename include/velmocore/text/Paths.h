@@ -77,8 +77,9 @@ VELMO_API void createFileSystemRepresentation(std::u16string& name);
 VELMO_API void createFileSystemRepresentationAndAppendExtension(std::u16string& name,
                                                                 std::u16string_view extension);
 
-/// A legal file name of any text: in form C, without . / : and _ at its ends, of 250 units at
-/// most, and with a hyphen for each of * / : < > ? \ |.
+/// A legal file name of any text: in form C, without . / : and _ at its ends, of 250 units and
+/// 255 bytes of UTF-8 at most, and with a hyphen for each of * / : < > ? \ | and NUL. No
+/// surrogate pair is cut.
 [[nodiscard]] VELMO_API String stringByCreatingFilename(std::u16string_view text);
 VELMO_API void createFilename(std::u16string& text);
 

@@ -39,8 +39,10 @@ namespace velmo {
                                                         StringEncoding* usedEncoding = nullptr);
 
 /// Writes a string to a file. Atomically: it goes to a file beside it first, which then takes
-/// its place. False if the string is absent, has a character that the encoding does not have,
-/// or cannot be written; the file is then as it was.
+/// its place and its permissions; a symbolic link stays one. False if the string is absent or
+/// has a character that the encoding does not have: nothing is touched then. False also if the
+/// bytes could not be stored: written atomically the file is then as it was; otherwise it is cut
+/// or missing, with any part of the bytes in it.
 VELMO_API bool writeToFile(const String& string, const String& path, bool atomically,
                            StringEncoding encoding);
 
@@ -55,7 +57,7 @@ VELMO_API bool writeToFileUsingFastestEncoding(const String& string, const Strin
                                                bool atomically,
                                                StringEncoding* usedEncoding = nullptr);
 /// In the first of ASCII, Latin 1 that has all of its characters; else in the shorter of UTF-8
-/// and UTF-16.
+/// and UTF-16, which alone has half a surrogate pair.
 VELMO_API bool writeToFileUsingSmallestEncoding(const String& string, const String& path,
                                                 bool atomically,
                                                 StringEncoding* usedEncoding = nullptr);
