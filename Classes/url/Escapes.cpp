@@ -6,7 +6,7 @@
 
 #include <velmocore/text/StringFiles.h>
 
-namespace velmo::escapes {
+namespace velmo::detail::escapes {
 namespace {
 
 using Units = std::u16string_view;
@@ -105,4 +105,4 @@ String decoded(const String& text, StringEncoding encoding) {
     return out.finish();
 }
 
-}  // namespace velmo::escapes
+}  // namespace velmo::detail::escapes

@@ -1,3 +1,7 @@
+// Engines wrap the targets of their results in links to themselves. How, differs from one to the
+// next and changes with the years; old forms stay, as pages that were kept have them still. One
+// function a group of engines takes the target out; what comes out of it is a link like any other,
+// or a target that is taken as it is, or nothing.
 #include <velmocore/url/LinkAcceptance.h>
 
 #include <algorithm>
@@ -18,6 +22,7 @@
 namespace velmo {
 namespace {
 
+namespace markers = detail::markers;
 using Units = std::u16string_view;
 
 constexpr std::size_t npos = Units::npos;
@@ -204,6 +209,7 @@ URL acceptedURL(const String& link, const String& decoded) {
 
 URL resolve(const String& link, const URL& base, Purpose purpose) {
     if (link.isEmpty()) return {};
+    // The engine's own copies are refused before anything is unwrapped: they carry the target too.
     if (purpose == Purpose::Accept) {
         const URLClasses classes = classesOfStringURL(link);
         if (classes.cached || classes.translation || classes.recaptcha) return {};
@@ -211,6 +217,8 @@ URL resolve(const String& link, const URL& base, Purpose purpose) {
     const Units host = base.part(URLPart::Host);
     const Unwrapped found = host.empty() ? asLink(link) : unwrap(link, host, purpose);
     if (found.kind == Unwrapped::Target) return ifRemote(URL::URLWithString(found.link));
+    // A target in a parameter was escaped once more than a link; what that breaks is tried again
+    // as it stood.
     const String decoded = stringByReplacingStandardPercentEscapesOfURL(found.link);
     if (decoded.isEmpty()) return {};
     if (purpose == Purpose::Accept) return acceptedURL(found.link, decoded);

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "TestSupport.h"
-#include "markup/WhiteRuns.h"
+#include "text/WhiteRuns.h"
 
 namespace velmo {
 namespace {

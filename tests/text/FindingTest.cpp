@@ -79,7 +79,8 @@ TEST(Finding, TextsThatRepeatThemselves) {
         ASSERT_EQ(countSubstring(text, sought), hits.size());
         ASSERT_EQ(countSubstring(upper, sought, false), hits.size());
         const Range first = findString(text, sought, {0, 0}),
-                    last = findString(upper, sought, {text.size(), 0}, {.caseSensitive = false, .forward = false});
+                    last = findString(upper, sought, {text.size(), 0},
+                                      {.letterCase = Case::Insensitive, .direction = Direction::Backward});
         const auto back = slowOccurrences(text, sought, false);
         ASSERT_EQ(first.location, hits.empty() ? NotFound : hits.front());
         ASSERT_EQ(last.location, back.empty() ? NotFound : back.front());

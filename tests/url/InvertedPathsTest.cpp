@@ -75,8 +75,10 @@ TEST(InvertedPaths, MapsURLsDirectly) {
         {u"http://h/", u"/m/h/index.html", u"/m/h", u"/m/h/index.html"},
         {u"http://h/a/B", u"/m/h/a/B/index.html", u"/m/h/a/B", u"/m/h/a-B"},
         {u"http://h/a/b.c;d/e?f/g:h", u"/m/h/a/b.c;d-e?f-g:h", u"/m/h/a/b.c;d-e?f-g:h", u"/m/h/a-b.c;d-e-f-g-h"},
-        {u"http://h/../../../a.b", u"/m/a.b", u"/m/a.b", u"/m/h/a.b"},
-        {u"http://../a.b", u"/m/a.b", u"/m/a.b", u"/m/a.b"},
+        {u"http://h/../../../a.b", u"/m/h/a.b", u"/m/h/a.b", u"/m/h/a.b"},
+        {u"http://h/a/../..", u"/m/h/index.html", u"/m/h", u"/m/h/a"},
+        {u"http://../a.b", u"/m/-/a.b", u"/m/-/a.b", u"/m/-/a.b"},
+        {u"x:/h/a.b", u"/m/-/h/a.b", u"/m/-/h/a.b", u"/m/-/h-a.b"},
         {u"file:///a/./b%20c", u"/m/a/b c", u"/m/a/b c", u"/m/a/b c"},
     };
     for (const auto& c : cases) {

@@ -132,7 +132,7 @@ GatheredPage gather(const Page& page, const URL& url, const PageQuery& query,
                     const PageLinkOptions& linkOptions) {
     GatheredPage gathered;
     gathered.encoding = page.encoding;
-    gathered.title = singleLine(normalizedHtmlString(htmlFrames(page.units).title));
+    gathered.title = singleLine(normalizedHtmlString(htmlFramesSet(page.units).title));
     gathered.links = linksOfPage(page.units, url, linkOptions);
 
     const String text = stringByConvertingHtml2PlainText(page.units);

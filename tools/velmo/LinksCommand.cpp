@@ -35,7 +35,7 @@ Found find(const String& page, const Options& options) {
         case Kind::Links:
             break;
         case Kind::Frames:
-            found.links = listOf(htmlLinksAndFrames(page).references);
+            found.links = listOf(htmlLinksAndFramesSet(page).references);
             break;
         case Kind::Images:
             found.links = listOf(htmlImages(page));

@@ -22,7 +22,7 @@ namespace velmo {
 /// >, which are left-overs of templates.
 [[nodiscard]] VELMO_API StringEncoding charset2NSStringEncoding(std::u16string_view name);
 
-/// The encoding of a Mac script by what stands behind "mac" in a charset's name, in lower
+/// The encoding of a Mac script by what follows "mac" in a charset's name, in lower
 /// case; nothing is Mac Roman, 0.
 [[nodiscard]] VELMO_API TextEncoding macEncoding(std::u16string_view rest);
 

@@ -18,7 +18,7 @@ namespace velmo {
 /// The extensions under the user-default key "AdditionalXMLExtensions", kept for the life
 /// of the process once there are any.
 [[nodiscard]] VELMO_API std::vector<String> CustomXMLFileTypes();
-/// The extensions of XML files; then each custom one as it stands and in capitals.
+/// The extensions of XML files; then each custom one as it stands and in upper case.
 [[nodiscard]] VELMO_API std::vector<String> XMLFileTypes();
 [[nodiscard]] VELMO_API std::vector<String> PropertyListFileTypes();
 /// XMLFileTypes(), then HTMLFileTypes(), then PropertyListFileTypes().

@@ -12,13 +12,12 @@ namespace velmo {
 //     normalizedStringURL(u" a&amp;b\n%20");   // a&b
 //     normalizedRelLink(u"a.ico");             // /a.ico
 
-/// A reference without the line ends, tabs, blanks, quotes and trailing escapes that pages
-/// leave around it: feeds and tabs go everywhere, white space and pairs of " at the ends.
+/// A reference without the line ends, tabs, spaces, quotes and trailing escapes that pages
+/// leave around it: feeds and tabs are removed everywhere, white space and pairs of " at the ends.
 /// Numeric and standard entities are decoded, \ becomes / unless there is a query, and
 /// quotes escaped for a script are undone. Absent if nothing is left. The result is never
 /// longer than the value.
-/// @param decodePercentEscapes  whether convertPercentEscapesOfURL() runs too, in its standard
-///                              mode
+/// @param decodePercentEscapes  whether the standard mode of convertPercentEscapesOfURL() runs too
 [[nodiscard]] VELMO_API String normalizedStringURL(std::u16string_view value,
                                                    bool decodePercentEscapes = false);
 

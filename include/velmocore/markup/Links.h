@@ -33,8 +33,8 @@ struct LinkOptions {
 /// The references of the a and area tags of a page. If the text of links is asked for, only a
 /// tags that are closed count.
 ///
-///     const HtmlLinks found = htmlLinks(page);
-///     for (const String& link : found.links) URL::URLWithString(link, found.baseURL);
+///     const HtmlLinks found = htmlLinks(u"<base href='http://h.org/'><a href=' a.html'>A</a>");
+///     URL::URLWithString(found.links[0], found.baseURL);   // http://h.org/a.html
 ///
 /// Time is linear in the page. Any thread.
 [[nodiscard]] VELMO_API HtmlLinks htmlLinks(std::u16string_view page,

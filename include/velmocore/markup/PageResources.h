@@ -13,7 +13,7 @@ namespace velmo {
 // What a page points at and is made of. References are normalised but not resolved. Any
 // thread.
 //
-//     for (const String& image : htmlImages(page)) URL::URLWithString(image, base);
+//     *htmlImages(u"<img src='a.png'><img src=' a.png'>").begin();    // a.png
 
 /// What one pass over a page tells.
 struct HtmlReferences {
@@ -33,14 +33,21 @@ struct HtmlReferences {
 };
 
 /// The sources of frame and iframe tags, and the rest of HtmlReferences.
-[[nodiscard]] VELMO_API HtmlReferences htmlFrames(std::u16string_view page);
+[[nodiscard]] VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page);
+[[nodiscard]] inline HtmlReferences htmlFramesBaseURL(std::u16string_view page) {
+    return htmlFramesSet(page);
+}
 /// These and the references of a and area tags.
-[[nodiscard]] VELMO_API HtmlReferences htmlLinksAndFrames(std::u16string_view page);
+[[nodiscard]] VELMO_API HtmlReferences htmlLinksAndFramesSet(std::u16string_view page);
+[[nodiscard]] inline HtmlReferences htmlLinksAndFramesBaseURL(std::u16string_view page) {
+    return htmlLinksAndFramesSet(page);
+}
 
 /// Images, the background of the body, and icons.
 [[nodiscard]] VELMO_API std::set<String> htmlImages(std::u16string_view page);
 /// Sources of scripts, linked sheets, and the first import of each script or style element
-/// without a source.
+/// without a source. The SRC of a script is read from its opening tag only: the element comes
+/// with its body, and what a program says there of sources is no attribute.
 [[nodiscard]] VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
 /// Objects, embedded content, audio, video, their sources and tracks.
 [[nodiscard]] VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);

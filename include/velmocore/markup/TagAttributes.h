@@ -10,7 +10,7 @@
 namespace velmo {
 
 // Attributes of one tag. The tag is its whole text, angle brackets included. Names are
-// given in capitals and compared without regard to case. Entities are not decoded. An
+// given in upper case and compared without regard to case. Entities are not decoded. An
 // attribute that is missing, empty or broken is absent.
 //
 //     attributeOfTagCharacters(u"<a href='x' id=y>", "HREF");   // x
@@ -35,7 +35,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API String attributeOfStyleWithName(std::u16string_view style,
                                                         std::u16string_view name);
 
-// NAME=value in a header line. The name is given in capitals and matches at the end of a
+// NAME=value in a header line. The name is given in upper case and matches at the end of a
 // longer word too.
 
 struct HeaderFieldOptions {
@@ -64,7 +64,7 @@ struct TagSize {
     explicit operator bool() const { return width > 0; }
 };
 /// From "WIDTH" and "HEIGHT", else from the tag's style.
-[[nodiscard]] VELMO_API TagSize getTagWidthHeight(std::u16string_view tag);
+[[nodiscard]] VELMO_API TagSize getTagWidth(std::u16string_view tag);
 
 /// The URL of a background image that does not repeat, named in the tag's style.
 [[nodiscard]] VELMO_API String backgroundStyleURLOfTagCharacters(std::u16string_view tag);

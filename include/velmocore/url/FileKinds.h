@@ -13,7 +13,7 @@ namespace velmo {
 // which cases names come, stands in markup/FileTypes.h.
 //
 //     isArchiveType(u"ZIP");                        // true
-//     officeTypesIncluding({.PDF = false});         // xls, xlsx, ... without pdf
+//     officeTypesIncluding({.PDF = false})[0];      // xls
 //
 // Any thread may call these.
 

@@ -33,7 +33,8 @@ struct DirectPathOptions {
     bool simplified = false;           ///< one file name for path, parameters and query
     bool defaultPathComponent = true;  ///< index.html for a folder
 };
-/// The host as it stands, then path, parameters and query.
+/// The host as it stands, then path, parameters and query. What a path would climb above its
+/// host is left out, so that two hosts never share a file; an empty host, . and .. become -.
 [[nodiscard]] VELMO_API String pathRelativeToDirectory(const URL& url, const String& directory,
                                                        const DirectPathOptions& options = {});
 

@@ -12,9 +12,9 @@ namespace velmo {
 // itself is refused. A refused link, like an absent or empty one, is the absent URL.
 //
 //     const URL page = URL::URLWithString(u"http://duckduckgo.com/html/?q=ferret");
-//     acceptStringURL(u"/l/?kh=-1&uddg=http%3A%2F%2Fexample.org%2F", page);   //
-//     http://example.org/ acceptStringURL(u"/about", page); // absent resolveStringURL(u"/about",
-//     page);    // http://duckduckgo.com/about
+//     acceptStringURL(u"/l/?uddg=http%3A%2F%2Fexample.org%2F", page);   // http://example.org/
+//     acceptStringURL(u"/about", page);     // absent
+//     resolveStringURL(u"/about", page);    // http://duckduckgo.com/about
 //
 // Any thread may call these.
 

@@ -18,7 +18,7 @@ namespace velmo {
 //
 //     queryParamNamed(u"http://h/p?q=ferret&n=5", u"n");    // 5
 //
-// The forms of a string look behind its first ?, and have no pairs without one; those of a
+// The forms of a string look after its first ?, and have no pairs without one; those of a
 // URL look at its query. An absent or empty name has no value anywhere.
 
 using QueryParams = std::map<String, String>;

@@ -33,7 +33,7 @@ URLWithNormalizedStringURL(const String& string, StringEncoding encoding = UTF8S
 /// for strings, %d for integers and so on. An absent argument is empty; a conversion without
 /// one stays as it stands, which is no URL.
 ///
-///     URLWithFormat(u"%@://%@:%d/", {scheme, host, 8080});
+///     URLWithFormat(u"%@://%@:%d/", {u"http", u"h.org", 8080});   // http://h.org:8080/
 [[nodiscard]] VELMO_API URL URLWithFormat(std::u16string_view format,
                                           std::initializer_list<FormatArgument> arguments);
 

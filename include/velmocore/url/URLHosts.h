@@ -15,8 +15,8 @@ namespace velmo {
 // The parts of a host between its full stops. Inverted they stand with the top-level domain
 // first and in lower case, so that what belongs together is sorted together.
 //
-//     invertedHost(u"www.Example.org");                // org.example.www
-//     invertedHostComponents(u"a.b.example.org", 2);   // org, example.b.a
+//     invertedHost(u"www.Example.org");                     // org.example.www
+//     invertedHostComponents(u"a.b.example.org", 2)[1];   // example.b.a
 //
 // The forms of a URL look at its host; without one they answer as to an empty text.
 

@@ -64,8 +64,8 @@ namespace velmo {
 /// Begins with /, ~ or file://.
 [[nodiscard]] VELMO_API bool isFileStringURL(std::u16string_view string);
 
-/// Whether the text is a mail address, or a mailto: link of at least 12 units. What stands
-/// behind the first full stop of the domain may be four units long at most.
+/// Whether the text is a mail address, or a mailto: link of at least 12 units. What
+/// follows the first full stop of the domain may be four units long at most.
 [[nodiscard]] VELMO_API bool isMailStringURL(std::u16string_view string);
 
 /// What stands in front of the first : unless one of / ; ? comes before it; else absent.
@@ -73,7 +73,7 @@ namespace velmo {
 ///     stringURLScheme(u"feed:h/rss");   // feed
 [[nodiscard]] VELMO_API String stringURLScheme(std::u16string_view string);
 
-/// The extension of a URL's path, without what follows it behind ? & ; = or #. Absent if
+/// The extension of a URL's path, without what follows it after ? & ; = or #. Absent if
 /// there is none. A text with a scheme is looked at from the end of its host on.
 ///
 ///     stringURLPathExtension(u"http://h.org/a/b.html?q");   // html

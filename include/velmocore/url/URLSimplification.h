@@ -13,24 +13,23 @@ namespace velmo {
 // What has nothing to do gives the string itself, an absent one too; what leaves nothing
 // gives the empty string.
 //
-//     stringURLByRemovingSessionIDs(u"http://h/?sid=a1&n=2");             // http://h/?n=2
-//     simplifiedStringURL(u"https://www.h.org/a//index.html?utm_term=x#b");
-//                                                         // http://h.org/a/index.html
-//     simplifiedStringURL(u"http://h.org/a/index.html");  // http://h.org/a
+//     stringURLByRemovingSessionIDs(u"http://h/?sid=a1&n=2");                 // http://h/?n=2
+//     simplifiedStringURL(u"https://www.h.org/A//b.html?utm_term=x#c");   // http://h.org/a/b.html
+//     simplifiedStringURL(u"http://h.org/a/index.html");                  // http://h.org/a
 //
-// A parameter is known by its name and =, if the first place where they stand is behind one
-// of & ; ?. A later parameter of that name is not seen then. The separator in front of a
-// parameter that goes stays, and that behind it goes, unless it was the last one.
+// A parameter is known by its name and =, if the first place where they stand is after one
+// of & ; ?. A later parameter of that name is not seen then. Of a parameter that is removed
+// the separator before it stays and the one after it is removed, unless it was the last one.
 //
 // The form of a URL is that of its whole text; a file URL gives its standardized path, but
 // for stringURLWithoutAnchor().
 
-/// Runs of slashes become one, but for two behind a colon; "/.", "/.." and what else of dots
-/// stands alone at the end goes. What follows a ? or ; stays, and then the end too.
+/// Runs of slashes become one, but for two after a colon; "/.", "/.." and what else of dots
+/// stands alone at the end is removed. What follows a ? or ; stays, and then the end too.
 [[nodiscard]] VELMO_API String standardizedStringURL(const String& string);
 [[nodiscard]] VELMO_API String standardizedStringURL(const URL& url);
 
-/// Without the fragment, unless it is part of the address: #! or #/ with a unit behind.
+/// Without the fragment, unless it is part of the address: #! or #/ and more.
 [[nodiscard]] VELMO_API String stringURLWithoutAnchor(const String& string);
 [[nodiscard]] VELMO_API String stringURLWithoutAnchor(const URL& url);
 /// Without the scheme, its colon and the slashes that follow.
@@ -50,8 +49,8 @@ namespace velmo {
 /// Without an index page and its slash at the end.
 [[nodiscard]] VELMO_API String stringURLByRemovingIndexPages(const String& string);
 [[nodiscard]] VELMO_API String stringURLByRemovingIndexPages(const URL& url);
-/// Without parameters that have no value. One that stands right behind another that goes
-/// may stay.
+/// Without parameters that have no value. One that stands right after another that is
+/// removed may stay.
 [[nodiscard]] VELMO_API String stringURLByRemovingEmptyParams(const String& string);
 [[nodiscard]] VELMO_API String stringURLByRemovingEmptyParams(const URL& url);
 /// Without the parameters of one name, in any case. The name is given with its =.

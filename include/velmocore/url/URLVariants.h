@@ -13,7 +13,7 @@ namespace velmo {
 //     URLWithUser(URL::URLWithString(u"http://h:8/a"), u"me", u"p@");  // http://me:p%40@h:8/a
 
 /// The URL with another scheme, host and credentials, which stand as they are given. They
-/// count only if neither the user nor the password is empty; a port of 0 goes.
+/// count only if neither the user nor the password is empty; a port of 0 is removed.
 [[nodiscard]] VELMO_API URL URLWithSchemeHostUserPassword(const URL& url, const String& scheme,
                                                           const String& host, const String& user,
                                                           const String& password);
@@ -23,7 +23,7 @@ namespace velmo {
 /// With another scheme, unless it is empty or this is a file URL.
 [[nodiscard]] VELMO_API URL URLWithScheme(const URL& url, const String& scheme);
 
-// A # with ! or / and more behind it is part of the address and no anchor, as for
+// A # with ! or / and more after it is part of the address and no anchor, as for
 // stringURLWithoutAnchor().
 
 [[nodiscard]] VELMO_API URL URLWithoutAnchor(const URL& url);
