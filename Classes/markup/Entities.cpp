@@ -288,6 +288,6 @@ String stringByConvertingCharactersToStandardEntities(const String& string) {
                        });
 }
 
-void initConversionTables() { alphaNumCharacterSetRep(); }
+void initConversionTables() { (void)alphaNumCharacterSetRep(); }
 
 }  // namespace velmo

@@ -10,7 +10,7 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Encodings.h>
 
-#include "text/Surrogates.h"
+#include "platform/Surrogates.h"
 #include "text/UnitScan.h"
 #include "url/Grammar.h"
 

@@ -39,9 +39,9 @@ String additionOf(const URL& url, bool removeSessionIDs) {
     return removeSessionIDs ? stringURLByRemovingSessionIDs(addition) : addition;
 }
 
-void appendComponents(std::vector<String>& list, Units path, bool caseInsensitive) {
+void appendComponents(std::vector<String>& list, Units path, Case letterCase) {
     std::u16string text(path);
-    if (caseInsensitive) lowercase(text);
+    if (letterCase == Case::Insensitive) lowercase(text);
     const std::vector<String> components = standardizedPathComponents(text);
     list.insert(list.end(), components.begin(), components.end());
 }
@@ -49,13 +49,13 @@ void appendComponents(std::vector<String>& list, Units path, bool caseInsensitiv
 std::vector<String> componentsOf(const URL& url, const InvertedPathOptions& options) {
     std::vector<String> list;
     if (url.isFileURL()) {
-        appendComponents(list, url.path(), options.caseInsensitive);
+        appendComponents(list, url.path(), options.letterCase);
         return list;
     }
     list = invertedHostComponents(url, options.maxHostComponents);
     const String addition = additionOf(url, options.removeSessionIDs);
     const std::u16string path = std::u16string(url.part(URLPart::Path)).append(addition);
-    appendComponents(list, path, options.caseInsensitive);
+    appendComponents(list, path, options.letterCase);
     const bool isFolder =
         isBaseDirectory(url) || (addition.isEmpty() && Units(path).ends_with(u'/'));
     if (path.empty() || isFolder) list.push_back(DefaultComponent);

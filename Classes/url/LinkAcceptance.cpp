@@ -48,8 +48,9 @@ bool containsAny(Units text, std::span<const Units> markers) {
 }
 
 bool containsAnyNoCase(Units text, std::span<const Units> markers) {
-    return std::any_of(markers.begin(), markers.end(),
-                       [text](Units marker) { return containsSubstring(text, marker, false); });
+    return std::any_of(markers.begin(), markers.end(), [text](Units marker) {
+        return containsSubstring(text, marker, Case::Insensitive);
+    });
 }
 
 /// What stands behind the mark; no data if the mark is not there. Where a mark ends in
@@ -107,10 +108,10 @@ Unwrapped unwrapInfoRedirect(Units s) {
 }
 
 Unwrapped unwrapInfo(const String& s) {
-    if (containsSubstring(s, u"redirpaid.htm?", false) ||
+    if (containsSubstring(s, u"redirpaid.htm?", Case::Insensitive) ||
         containsAnyNoCase(s, markers::InfoAdvertisers))
         return refused();
-    if (containsSubstring(s, u"redirfree.htm?", false)) return unwrapInfoRedirect(s);
+    if (containsSubstring(s, u"redirfree.htm?", Case::Insensitive)) return unwrapInfoRedirect(s);
     if (contains(s, u"&rawto=http")) return linkBehind(s, u"&rawto=http");
     constexpr Units Clicks[] = {u"ClickHandler.ashx?ru=", u"ClickHandler.ashx?du="};
     if (const Units value = behindOneOf(s, Clicks); value.data())
@@ -125,7 +126,7 @@ Unwrapped unwrapDuckDuckGo(const String& s) {
 
 /// The target in a link of the Yahoo group; absent if there is none.
 String yahooTarget(Units s) {
-    if (containsSubstring(s, markers::MSNRedirect, false)) return {};
+    if (containsSubstring(s, markers::MSNRedirect, Case::Insensitive)) return {};
     if (contains(s, markers::AlltheWebClick) && contains(s, u"/http/"))
         return u"http://" + std::u16string(behind(s, u"/http/"));
     if (const Units value = behind(s, u"&rurl=http"); value.data()) return upTo(value, u"&");

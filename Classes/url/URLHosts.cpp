@@ -61,11 +61,11 @@ std::vector<String> invertedHostComponents(Units host, std::uint64_t maximum) {
     }
     return parts;
 }
-std::vector<String> invertedHostComponents(const URL& url, std::uint64_t maximum) {
+std::vector<String> invertedHostComponents(const URL& url, std::size_t maximum) {
     return invertedHostComponents(hostOf(url), maximum);
 }
 
-String stringByAppendingInvertedHostComponents(Units host, std::uint64_t maximum,
+String stringByAppendingInvertedHostComponents(Units host, std::size_t maximum,
                                                const String& toPath) {
     if (toPath.isAbsent()) return toPath;
     const std::vector<String> parts = invertedHostComponents(host, maximum);

@@ -143,7 +143,7 @@ TEST(PageResources, RealPages) {
     for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) {
         const std::string name = entry.path().filename();
         ++pages;
-        const String page = stringWithMarkupData(bytesOf(test::readPage(name)));
+        const String page = stringWithMarkupData(Bytes(test::readPage(name)));
         const HtmlLinks links = htmlLinks(page);
         const std::set<String> frames = htmlFramesSet(page).references;
         const Counts counts{links.links.size(), htmlImages(page).size(), htmlStylesheetsAndScripts(page).size(),

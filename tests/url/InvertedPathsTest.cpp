@@ -18,7 +18,7 @@ TEST(InvertedPaths, MapsURLs) {
     } cases[] = {
         {u"http://www.H.org", {}, u"/m/org/h/www/index.html"},
         {u"http://h.org/A/b.html", {}, u"/m/org/h/a/b.html"},
-        {u"http://h.org/A/b.html", {.caseInsensitive = false}, u"/m/org/h/A/b.html"},
+        {u"http://h.org/A/b.html", {.letterCase = Case::Sensitive}, u"/m/org/h/A/b.html"},
         {u"http://h.org/a", {}, u"/m/org/h/a/index.html"},
         {u"http://h.org/a/", {}, u"/m/org/h/a/index.html"},
         {u"http://h.org/a.d/", {}, u"/m/org/h/a.d/index.html"},

@@ -18,17 +18,18 @@ namespace velmo {
 /// quotes escaped for a script are undone. Absent if nothing is left. The result is never
 /// longer than the value.
 /// @param decodePercentEscapes  whether the standard mode of convertPercentEscapesOfURL() runs too
-VELMO_API String normalizedStringURL(std::u16string_view value, bool decodePercentEscapes = false);
+[[nodiscard]] VELMO_API String normalizedStringURL(std::u16string_view value,
+                                                   bool decodePercentEscapes = false);
 
 /// The same for the reference of a link tag, which counts from the root: a / is put in front
 /// unless it begins with . or / or holds "://".
-VELMO_API String normalizedRelLink(std::u16string_view value);
+[[nodiscard]] VELMO_API String normalizedRelLink(std::u16string_view value);
 
 /// Entities decoded, and white space cut at both ends.
-VELMO_API String normalizedHtmlString(const String& string);
+[[nodiscard]] VELMO_API String normalizedHtmlString(const String& string);
 
 /// The seconds that a value like "7 days" stands for: its number times what "hour", "day" or
 /// "week" says, else the number itself. 0 if it does not begin with a number above 0.
-VELMO_API double revisitAfter(std::u16string_view value);
+[[nodiscard]] VELMO_API double revisitAfter(std::u16string_view value);
 
 }  // namespace velmo

@@ -37,20 +37,26 @@ struct LinkOptions {
 ///     URL::URLWithString(found.links[0], found.baseURL);   // http://h.org/a.html
 ///
 /// Time is linear in the page. Any thread.
-VELMO_API HtmlLinks htmlLinks(std::u16string_view page, const LinkOptions& options = {});
+[[nodiscard]] VELMO_API HtmlLinks htmlLinks(std::u16string_view page,
+                                            const LinkOptions& options = {});
 
-inline HtmlLinks htmlLinksBaseURL(std::u16string_view page) { return htmlLinks(page); }
-inline HtmlLinks htmlLinksContaining(std::u16string_view page, std::u16string_view text,
-                                     bool useRelNoFollow) {
+[[nodiscard]] inline HtmlLinks htmlLinksBaseURL(std::u16string_view page) {
+    return htmlLinks(page);
+}
+[[nodiscard]] inline HtmlLinks htmlLinksContaining(std::u16string_view page,
+                                                   std::u16string_view text, bool useRelNoFollow) {
     return htmlLinks(page, {.containing = text, .useRelNoFollow = useRelNoFollow});
 }
 
 // These filter nothing, whatever their names say: they give what the forms above give. To
 // filter, set the option.
 
-inline HtmlLinks filteredHtmlLinksBaseURL(std::u16string_view page) { return htmlLinks(page); }
-inline HtmlLinks filteredHtmlLinksContaining(std::u16string_view page, std::u16string_view text,
-                                             bool useRelNoFollow) {
+[[nodiscard]] inline HtmlLinks filteredHtmlLinksBaseURL(std::u16string_view page) {
+    return htmlLinks(page);
+}
+[[nodiscard]] inline HtmlLinks filteredHtmlLinksContaining(std::u16string_view page,
+                                                           std::u16string_view text,
+                                                           bool useRelNoFollow) {
     return htmlLinksContaining(page, text, useRelNoFollow);
 }
 

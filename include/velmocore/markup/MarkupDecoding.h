@@ -39,16 +39,18 @@ struct MarkupDecoding {
     String declared = String::empty();
 };
 
-VELMO_API MarkupDecoding decodeMarkup(Bytes data, const MarkupDecodingOptions& options = {});
+[[nodiscard]] VELMO_API MarkupDecoding decodeMarkup(Bytes data,
+                                                    const MarkupDecodingOptions& options = {});
 
 /// The text only.
-VELMO_API String stringWithMarkupData(Bytes data, const MarkupDecodingOptions& options = {});
+[[nodiscard]] VELMO_API String stringWithMarkupData(Bytes data,
+                                                    const MarkupDecodingOptions& options = {});
 
 /// Reads and decodes a file, for which the charset that the page names counts for more than
 /// it does for a page from the web. A property list, binary or by its name, is given in its XML
 /// form; the encoding is then unknown. Absent for a file that cannot be read or gives no text.
 /// @param usedEncoding  if given, the encoding that the page was taken to have
-VELMO_API String stringWithMarkupContentsOfFile(const String& path, StringEncoding defaultEncoding,
-                                                StringEncoding* usedEncoding = nullptr);
+[[nodiscard]] VELMO_API String stringWithMarkupContentsOfFile(
+    const String& path, StringEncoding defaultEncoding, StringEncoding* usedEncoding = nullptr);
 
 }  // namespace velmo

@@ -39,38 +39,38 @@ public:
     /// without bytes, or that no encoding can read, is empty.
     explicit Page(Bytes bytes, const PageOptions& options = {});
     /// A page that is text already; its encoding is UnknownStringEncoding.
-    static Page pageWithString(const String& markup, const URL& url = {});
+    [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {});
 
     /// The text of the page, with its tags.
-    const String& markup() const noexcept;
+    [[nodiscard]] const String& markup() const noexcept;
     /// The encoding that it was in.
-    StringEncoding encoding() const noexcept;
+    [[nodiscard]] StringEncoding encoding() const noexcept;
     /// Where it comes from; absent if that was not told.
-    const URL& url() const noexcept;
+    [[nodiscard]] const URL& url() const noexcept;
     /// What its links are relative to: its base tag, else where it comes from.
-    const URL& baseURL() const;
+    [[nodiscard]] const URL& baseURL() const;
 
     /// What stands in its first title tag, on one line; empty if there is none.
-    const String& title() const;
+    [[nodiscard]] const String& title() const;
     /// As stringByConvertingHtml2PlainText() makes it.
-    const String& plainText() const;
+    [[nodiscard]] const String& plainText() const;
 
     // References, resolved, in page order or else in that of their texts, each once. What cannot be
     // resolved is left out: all that is relative, if it is not known to what.
 
     /// Of a and area tags, without anchors: those that lead to the web, to FTP, to feeds or to
     /// files.
-    const std::vector<URL>& links() const;
-    const std::vector<URL>& frames() const;
-    const std::vector<URL>& images() const;
-    const std::vector<URL>& stylesheetsAndScripts() const;
-    const std::vector<URL>& embeddedObjects() const;
+    [[nodiscard]] const std::vector<URL>& links() const;
+    [[nodiscard]] const std::vector<URL>& frames() const;
+    [[nodiscard]] const std::vector<URL>& images() const;
+    [[nodiscard]] const std::vector<URL>& stylesheetsAndScripts() const;
+    [[nodiscard]] const std::vector<URL>& embeddedObjects() const;
     /// Absent if it names none.
-    const URL& favIcon() const;
+    [[nodiscard]] const URL& favIcon() const;
 
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.
-    String language(const LanguageFilter& filter) const;
+    [[nodiscard]] String language(const LanguageFilter& filter) const;
 
 private:
     struct State;

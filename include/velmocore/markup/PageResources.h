@@ -33,31 +33,33 @@ struct HtmlReferences {
 };
 
 /// The sources of frame and iframe tags, and the rest of HtmlReferences.
-VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page);
-inline HtmlReferences htmlFramesBaseURL(std::u16string_view page) { return htmlFramesSet(page); }
+[[nodiscard]] VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page);
+[[nodiscard]] inline HtmlReferences htmlFramesBaseURL(std::u16string_view page) {
+    return htmlFramesSet(page);
+}
 /// These and the references of a and area tags.
-VELMO_API HtmlReferences htmlLinksAndFramesSet(std::u16string_view page);
-inline HtmlReferences htmlLinksAndFramesBaseURL(std::u16string_view page) {
+[[nodiscard]] VELMO_API HtmlReferences htmlLinksAndFramesSet(std::u16string_view page);
+[[nodiscard]] inline HtmlReferences htmlLinksAndFramesBaseURL(std::u16string_view page) {
     return htmlLinksAndFramesSet(page);
 }
 
 /// Images, the background of the body, and icons.
-VELMO_API std::set<String> htmlImages(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlImages(std::u16string_view page);
 /// Sources of scripts, linked sheets, and the first import of each script or style element
 /// without a source. The SRC of a script is read from its opening tag only: the element comes
 /// with its body, and what a program says there of sources is no attribute.
-VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
 /// Objects, embedded content, audio, video, their sources and tracks.
-VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);
 
 /// The reference of the first shortcut icon, from the root of the site; absent if there is
 /// none. A plain icon does not count.
-VELMO_API String htmlFavIcon(std::u16string_view page);
+[[nodiscard]] VELMO_API String htmlFavIcon(std::u16string_view page);
 /// The same of one tag of a scan.
-VELMO_API String getFavIcon(const Tag& tag);
+[[nodiscard]] VELMO_API String getFavIcon(const Tag& tag);
 
 /// The attribute that holds the reference of a tag of that name: "HREF", "SRC" or "DATA";
 /// empty if it has none. Names are compared in any case.
-VELMO_API std::string_view getLinkAttribute(std::u16string_view name);
+[[nodiscard]] VELMO_API std::string_view getLinkAttribute(std::u16string_view name);
 
 }  // namespace velmo

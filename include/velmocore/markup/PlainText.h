@@ -28,26 +28,27 @@ struct PlainTextOptions {
 //     stringByConvertingHtml2PlainText(u"x<body>a</body>y", {.onlyBody = true});    // a
 
 /// @param didRemoveJunk  if given, tells whether junk was met and, with removeJunk, dropped
-VELMO_API String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options = {},
-                                                  bool* didRemoveJunk = nullptr);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2PlainText(const String& page,
+                                                                PlainTextOptions options = {},
+                                                                bool* didRemoveJunk = nullptr);
 
 // The same under the names that tell the first of the options.
 
-inline String stringByConvertingHtml2PlainTextNonUmlauted(const String& page, bool nonUmlauted,
-                                                          PlainTextOptions options = {}) {
+[[nodiscard]] inline String stringByConvertingHtml2PlainTextNonUmlauted(
+    const String& page, bool nonUmlauted, PlainTextOptions options = {}) {
     options.nonUmlauted = nonUmlauted;
     return stringByConvertingHtml2PlainText(page, options);
 }
-inline String stringByConvertingHtml2PlainTextEntities(const String& page, bool entities,
-                                                       PlainTextOptions options = {}) {
+[[nodiscard]] inline String stringByConvertingHtml2PlainTextEntities(
+    const String& page, bool entities, PlainTextOptions options = {}) {
     options.entities = entities;
     return stringByConvertingHtml2PlainText(page, options);
 }
 
 /// With reformat.
-VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
 
 /// The bare text of the body, each span after a space, without any structure.
-VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
 
 }  // namespace velmo

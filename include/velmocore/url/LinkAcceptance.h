@@ -20,11 +20,11 @@ namespace velmo {
 
 /// The true target of a link on a page with that base. A link without one is resolved
 /// against the base, as URLRelativeTo() does. Absent without a base.
-VELMO_API URL resolveStringURL(const String& link, const URL& base);
+[[nodiscard]] VELMO_API URL resolveStringURL(const String& link, const URL& base);
 
 /// The true target of a link if it is a real result: an absolute URL of the web, of FTP or
 /// of a feed, that is no cached or translated page, no captcha and no search engine's.
 /// Without a base the link is judged as it is.
-VELMO_API URL acceptStringURL(const String& link, const URL& base);
+[[nodiscard]] VELMO_API URL acceptStringURL(const String& link, const URL& base);
 
 }  // namespace velmo

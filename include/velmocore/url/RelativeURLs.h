@@ -31,11 +31,11 @@ struct RelativeURLOptions {
 ///
 /// Absent if the link or the base is absent, if the link is empty or only an anchor, and if it
 /// is no URL even with escapes.
-VELMO_API URL URLRelativeTo(const URL& base, const String& link,
-                            const RelativeURLOptions& options = {});
+[[nodiscard]] VELMO_API URL URLRelativeTo(const URL& base, const String& link,
+                                          const RelativeURLOptions& options = {});
 
 /// The same, with URLWithNormalizedStringURL() for an absent base. An empty text is absent.
-VELMO_API URL URLWithStringRelativeTo(const String& string, const URL& base,
-                                      const RelativeURLOptions& options = {});
+[[nodiscard]] VELMO_API URL URLWithStringRelativeTo(const String& string, const URL& base,
+                                                    const RelativeURLOptions& options = {});
 
 }  // namespace velmo
