@@ -329,7 +329,7 @@ TEST(URLSimplification, StandardizesAsTheSlowWayDoes) {
 // A key is not always its own key at once, as a cut may bring together what is cut too, but soon.
 TEST(URLSimplification, IsStableSoon) {
     std::mt19937 random(5);
-    const auto rounds = [](const auto& rewrite, String url) {
+    const auto rounds = [](Rewriter rewrite, String url) {
         int count = 0;
         for (String next; (next = rewrite(url)) != url; url = next) ++count;
         return count;
