@@ -74,8 +74,8 @@ private:
 /// stands. An absent format replaces nothing.
 ///
 ///     replaceStringWithFormat(page, u"$PAGE", u"%d of %d", {3, 12});
-[[nodiscard]] VELMO_API std::size_t replaceStringWithFormat(
-    std::u16string& text, std::u16string_view sought, std::u16string_view format,
-    std::initializer_list<FormatArgument> arguments);
+VELMO_API std::size_t replaceStringWithFormat(std::u16string& text, std::u16string_view sought,
+                                              std::u16string_view format,
+                                              std::initializer_list<FormatArgument> arguments);
 
 }  // namespace velmo
