@@ -79,7 +79,7 @@ public:
         return isSound ? std::optional(list) : std::nullopt;
     }
 
-    std::uint64_t count() const { return count_; }
+    std::size_t count() const { return count_; }
     std::uint64_t root() const { return root_; }
 
     /// The object of a number below count(); absent if it does not lie within the bytes.

@@ -148,12 +148,13 @@ public:
     }
 
     static Range searchUnits(View text, View sought, SearchOptions options) {
-        return withFold(!(options & CaseInsensitiveSearch), [&](const auto& fold) {
-            const std::uint64_t hit = options & BackwardsSearch
-                                          ? lastOccurrence(text, sought, fold)
-                                          : firstOccurrence(text, sought, fold);
-            return hit == NotFound ? Range::none() : Range{hit, sought.size()};
-        });
+        return withFold(options & CaseInsensitiveSearch ? Case::Insensitive : Case::Sensitive,
+                        [&](const auto& fold) {
+                            const std::uint64_t hit = options & BackwardsSearch
+                                                          ? lastOccurrence(text, sought, fold)
+                                                          : firstOccurrence(text, sought, fold);
+                            return hit == NotFound ? Range::none() : Range{hit, sought.size()};
+                        });
     }
 
 private:

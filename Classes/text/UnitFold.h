@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/text/ConversionTables.h>
 
 #include "platform/Ascii.h"
@@ -72,8 +73,8 @@ auto withFold(const ConversionTable* table, Function function) {
 
 /// Calls the function with the folding of a case flag.
 template <class Function>
-auto withFold(bool caseSensitive, Function function) {
-    return caseSensitive ? function(NoFold{}) : function(CaseFold{});
+auto withFold(Case letterCase, Function function) {
+    return letterCase == Case::Sensitive ? function(NoFold{}) : function(CaseFold{});
 }
 
 template <class Fold>

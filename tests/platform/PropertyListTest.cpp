@@ -52,14 +52,14 @@ std::string nestedXML(int levels, std::string_view open, std::string_view close)
     return text + "</plist>";
 }
 
-bool isRead(std::string_view bytes) { return propertyListAsXML(bytesOf(bytes)).has_value(); }
+bool isRead(std::string_view bytes) { return propertyListAsXML(Bytes(bytes)).has_value(); }
 
 TEST(PropertyListAsXML, ReadsBothForms) {
     const std::string xml = test::readData("locations/pliststyle.webloc");
-    const auto binary = propertyListAsXML(bytesOf(test::readData("locations/oldstyle.webloc")));
+    const auto binary = propertyListAsXML(Bytes(test::readData("locations/oldstyle.webloc")));
     ASSERT_TRUE(binary);
     EXPECT_EQ(charsOf(*binary), xml);
-    EXPECT_EQ(propertyListAsXML(bytesOf(xml)), binary);
+    EXPECT_EQ(propertyListAsXML(Bytes(xml)), binary);
     EXPECT_FALSE(isRead("") || isRead("bplist00") || isRead("<html><p>no list</p></html>"));
 }
 

@@ -17,16 +17,16 @@ TEST(Compression, BothFormatsComeBackAtEveryLevel) {
         while (text.size() < length) text += "abcd "[random() % 5];
         for (int level = -2; level <= 12; ++level)
             for (const bool gzip : {false, true}) {
-                const auto packed = dataByCompressingBytes(bytesOf(text), level, gzip);
+                const auto packed = dataByCompressingBytes(Bytes(text), level, gzip);
                 ASSERT_TRUE(packed);
                 EXPECT_EQ((*packed)[0], gzip ? 0x1F : 0x78);
                 EXPECT_EQ(dataByInflatingData(*packed), dataOf(text));
             }
     }
     const std::string text = test::readPage("httpd-de-iso-8859-1.html");
-    EXPECT_EQ(dataByDeflatingData(bytesOf(text), 0), dataByDeflatingData(bytesOf(text), 1));
-    EXPECT_EQ(dataByGzippingData(bytesOf(text), 12), dataByGzippingData(bytesOf(text), 9));
-    EXPECT_LT(dataByGzippingData(bytesOf(text), 9)->size(), dataByGzippingData(bytesOf(text), 1)->size());
+    EXPECT_EQ(dataByDeflatingData(Bytes(text), 0), dataByDeflatingData(Bytes(text), 1));
+    EXPECT_EQ(dataByGzippingData(Bytes(text), 12), dataByGzippingData(Bytes(text), 9));
+    EXPECT_LT(dataByGzippingData(Bytes(text), 9)->size(), dataByGzippingData(Bytes(text), 1)->size());
     EXPECT_FALSE(dataByGzippingData({}));
     EXPECT_FALSE(dataByInflatingData({}));
 }
@@ -50,7 +50,7 @@ TEST(Compression, PiecesMakeNoDifference) {
 }
 
 TEST(Compression, RealFiles) {
-    const auto inflated = [](const char* name) { return dataByInflatingData(bytesOf(test::readData(name))); };
+    const auto inflated = [](const char* name) { return dataByInflatingData(Bytes(test::readData(name))); };
     const Data page = dataOf(test::readData("compressed/gzip.html"));
     EXPECT_EQ(inflated("compressed/gzip.html.gz"), page);
     EXPECT_EQ(inflated("compressed/gzip.html.z"), page);
@@ -64,7 +64,7 @@ TEST(Compression, RealFiles) {
 TEST(Compression, EveryTruncationAndDamageIsSeen) {
     const std::string text = "The quick brown fox jumps over the lazy dog, and the lazy dog sleeps.";
     for (const bool gzip : {false, true}) {
-        const Data packed = *dataByCompressingBytes(bytesOf(text), 9, gzip);
+        const Data packed = *dataByCompressingBytes(Bytes(text), 9, gzip);
         for (std::size_t length = 0; length < packed.size(); ++length)
             EXPECT_FALSE(dataByInflatingData(Bytes(packed).first(length))) << length;
         Data longer = packed;
@@ -90,7 +90,7 @@ TEST(Compression, LimitAndWhatIsLeftAfterFailures) {
     EXPECT_EQ(target, Data(20000, 0));
     EXPECT_FALSE(setDataByInflating(target, {}));
     EXPECT_EQ(target.size(), 20000u);
-    EXPECT_TRUE(setDataByInflating(target, *dataByDeflatingData(bytesOf("x"))));
+    EXPECT_TRUE(setDataByInflating(target, *dataByDeflatingData(Bytes("x"))));
     EXPECT_EQ(target, Data{'x'});
     target = bomb;
     EXPECT_TRUE(setDataByInflatingBytes(target, target));

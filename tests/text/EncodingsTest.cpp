@@ -16,7 +16,7 @@ namespace {
 String decoded(TextEncoding encoding, std::string_view bytes) {
     std::vector<char16_t> units(bytes.size() + 32);
     std::size_t count = 0;
-    EXPECT_EQ(convertEncodingToUnicode(bytesOf(bytes), encoding, units, count), 1);
+    EXPECT_EQ(convertEncodingToUnicode(Bytes(bytes), encoding, units, count), 1);
     return String(std::u16string_view(units.data(), count));
 }
 
@@ -112,7 +112,7 @@ TEST(Encodings, NamesAreReadAsPagesMeanThem) {
 TEST(Encodings, EightBitTextIsNotUTF16) {
     char16_t units[64];
     std::size_t count = 1;
-    EXPECT_EQ(convertEncodingToUnicode(bytesOf("<meta charset=utf-16>"), 256, units, count), 0);
+    EXPECT_EQ(convertEncodingToUnicode(Bytes("<meta charset=utf-16>"), 256, units, count), 0);
     EXPECT_EQ(count, 0u);
 }
 
@@ -206,8 +206,8 @@ TEST(Encodings, OutputStaysWithinItsRoom) {
         const TextEncoding encoding = round % 2 ? UTF8TextEncoding : rows[random() % rows.size()].number;
         std::vector<char16_t> whole(bytes.size() + 64), part(random() % 330, u'#');
         std::size_t wholeCount = 0, partCount = 0;
-        const int wholeStatus = convertEncodingToUnicode(bytesOf(bytes), encoding, whole, wholeCount);
-        const int status = convertEncodingToUnicode(bytesOf(bytes), encoding, part, partCount);
+        const int wholeStatus = convertEncodingToUnicode(Bytes(bytes), encoding, whole, wholeCount);
+        const int status = convertEncodingToUnicode(Bytes(bytes), encoding, part, partCount);
         SCOPED_TRACE(encoding);
         EXPECT_LE(wholeCount, std::max<std::size_t>(bytes.size(), 32));
         ASSERT_LE(partCount, part.size());
@@ -246,7 +246,7 @@ TEST(Encodings, PairsAgreeWithTheStream) {
             for (char& byte : bytes)
                 if (random() % 3 == 0) byte = static_cast<char>(0x80 | random());
             char16_t units[128];
-            const detail::Decoding expected = detail::decodeWithIcu(row, bytesOf(bytes), units);
+            const detail::Decoding expected = detail::decodeWithIcu(row, Bytes(bytes), units);
             ASSERT_EQ(utf8(decoded(row.number, bytes)), utf8({units, expected.written}))
                 << row.iana << testing::PrintToString(bytes);
         }
@@ -257,11 +257,11 @@ TEST(Encodings, PairsAgreeWithTheStream) {
 TEST(Encodings, StatusesAreTold) {
     char16_t units[4];
     std::size_t count = 7;
-    EXPECT_NE(convertEncodingToUnicode(bytesOf("a"), 1296, units, count), 0);
+    EXPECT_NE(convertEncodingToUnicode(Bytes("a"), 1296, units, count), 0);
     EXPECT_EQ(count, 0u);
     initUnicodeConverters();
-    EXPECT_EQ(convertUTF8ToUnicode(bytesOf("abcd"), units), 0);
-    EXPECT_NE(convertUTF8ToUnicode(bytesOf("abc\xF0\x9F\x98\x80"), units, &count), 0);
+    EXPECT_EQ(convertUTF8ToUnicode(Bytes("abcd"), units), 0);
+    EXPECT_NE(convertUTF8ToUnicode(Bytes("abc\xF0\x9F\x98\x80"), units, &count), 0);
     EXPECT_EQ(count, 3u);
     std::uint8_t bytes[4];
     EXPECT_NE(convertUnicodeToUTF8(u"\u20AC\u20AC", bytes, &count), 0);

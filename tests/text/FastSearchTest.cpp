@@ -38,7 +38,7 @@ TEST(FastSearch, TheLastStartIsNotTriedByOneOfThem) {
         EXPECT_EQ(fastContainsUnichars(c.text, c.pattern), c.odd) << utf8(c.text);
         EXPECT_EQ(fastUnicharsContainChars(c.text, utf8(c.pattern)), c.others);
         EXPECT_EQ(fastCaseInsensitiveContainsUnichars(c.text, c.pattern), c.others);
-        EXPECT_EQ(positionOfCharacters(utf8(c.pattern), c.text, false), c.others);
+        EXPECT_EQ(positionOfCharacters(utf8(c.pattern), c.text, Case::Insensitive), c.others);
     }
 }
 

@@ -29,6 +29,6 @@ struct PropertyList {
 /// nested deeper than 256 levels, dictionaries of more than 16384 keys, and binary lists that
 /// share objects so that the text would be longer than 64 times their size and a megabyte.
 /// The time is linear in the bytes.
-VELMO_API std::optional<Data> propertyListAsXML(Bytes bytes);
+[[nodiscard]] VELMO_API std::optional<Data> propertyListAsXML(Bytes bytes);
 
 }  // namespace velmo

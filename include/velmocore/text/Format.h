@@ -23,7 +23,7 @@ public:
     FormatArgument(const char16_t* value) : value_(String(value)) {}
     FormatArgument(const char* utf8) : value_(utf8 ? String::fromUTF8(utf8) : String()) {}
 
-    const std::variant<std::int64_t, double, String>& value() const { return value_; }
+    [[nodiscard]] const std::variant<std::int64_t, double, String>& value() const { return value_; }
 
 private:
     std::variant<std::int64_t, double, String> value_;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Format.h>
 
@@ -23,24 +24,30 @@ namespace velmo {
 
 /// Always case sensitive for a unit that has two cases, whatever the flag says;
 /// replaceCharacter() honours it.
-VELMO_API String stringByReplacingCharacter(const String& string, char16_t from, char16_t to,
-                                            bool caseSensitive = true);
+[[nodiscard]] VELMO_API String stringByReplacingCharacter(const String& string, char16_t from,
+                                                          char16_t to,
+                                                          Case letterCase = Case::Sensitive);
 /// An absent replacement gives the string itself; an empty one deletes.
-VELMO_API String stringByReplacingString(const String& string, std::u16string_view sought,
-                                         const String& replacement, bool caseSensitive = true);
+[[nodiscard]] VELMO_API String stringByReplacingString(const String& string,
+                                                       std::u16string_view sought,
+                                                       const String& replacement,
+                                                       Case letterCase = Case::Sensitive);
 
 /// Moves the letters a to z and A to Z on by so many places of the alphabet, round its end;
 /// other units stay. A multiple of 26 gives the string itself, else it is a new one.
-VELMO_API String stringByRotating(const String& string, std::int64_t places);
-inline String stringByRotating13(const String& string) { return stringByRotating(string, 13); }
+[[nodiscard]] VELMO_API String stringByRotating(const String& string, std::int64_t places);
+[[nodiscard]] inline String stringByRotating13(const String& string) {
+    return stringByRotating(string, 13);
+}
 
 // In place; the result is the number of replacements.
 
 /// An absent replacement is an empty one.
 VELMO_API std::size_t replaceString(std::u16string& text, std::u16string_view sought,
-                                    std::u16string_view replacement, bool caseSensitive = true);
+                                    std::u16string_view replacement,
+                                    Case letterCase = Case::Sensitive);
 VELMO_API std::size_t replaceCharacter(std::u16string& text, char16_t from, char16_t to,
-                                       bool caseSensitive = true);
+                                       Case letterCase = Case::Sensitive);
 inline std::size_t deleteString(std::u16string& text, std::u16string_view sought) {
     return replaceString(text, sought, u"");
 }
