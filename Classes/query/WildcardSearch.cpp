@@ -12,7 +12,6 @@
 namespace velmo {
 namespace {
 
-using detail::TermChoice;
 using detail::WildcardTerm;
 using detail::WordText;
 
@@ -26,11 +25,12 @@ Range cutAt(std::u16string_view text, Range range) {
     return {start, std::min<std::uint64_t>(range.length, text.size() - start)};
 }
 
+template <class Walk>
 std::uint64_t walk(std::u16string_view text, std::span<const String> wildcards,
-                   WildcardHandler handler, const WildcardSearchOptions& options, bool backwards) {
+                   WildcardHandler handler, const WildcardSearchOptions& options) {
     const Range range = cutAt(text, options.range);
-    detail::WildcardWalk hits(wordText(text), range.location, range.end(), wildcards,
-                              options.comparison, options.minCharacters, backwards);
+    Walk hits({wordText(text), range.location, range.end(), wildcards, options.comparison,
+               options.minCharacters});
     std::uint64_t calls = 0;
     for (Range hit; (hit = hits.next()).isFound();) {
         ++calls;
@@ -123,13 +123,13 @@ Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> wor
 
 std::uint64_t forEachWildcard(std::u16string_view text, std::span<const String> wildcards,
                               WildcardHandler handler, const WildcardSearchOptions& options) {
-    return walk(text, wildcards, handler, options, false);
+    return walk<detail::WildcardWalk>(text, wildcards, handler, options);
 }
 
 std::uint64_t forEachWildcardBackwards(std::u16string_view text, std::span<const String> wildcards,
                                        WildcardHandler handler,
                                        const WildcardSearchOptions& options) {
-    return walk(text, wildcards, handler, options, true);
+    return walk<detail::WildcardWalkBack>(text, wildcards, handler, options);
 }
 
 std::optional<std::set<String>> findStringsMatchingWildcards(std::u16string_view text,
