@@ -9,17 +9,18 @@ namespace {
 Range findPhraseWord(const WildcardPattern& pattern, const WordText& text, std::uint64_t start,
                      std::uint64_t end, WordChoice choice) {
     if (start >= end) return Range::none();
-    if (pattern.isLoneStar()) return findLoneStar(text, start, end, choice.backwards, true);
+    if (pattern.isLoneStar()) return findLoneStar(text, start, end, choice.direction, true);
     return pattern.find(text, start, end, choice);
 }
 
 }  // namespace
 
-Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end, bool backwards,
-                   bool starIsWord) {
+Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end,
+                   Direction direction, bool starIsWord) {
     if (!starIsWord) return {start, end - start};
     const bool beginsInside = text.isAfterTerm(start);
-    if (backwards) return !beginsInside && text.isTerm(start) ? Range{start, 1} : Range::none();
+    if (direction == Direction::Backward)
+        return !beginsInside && text.isTerm(start) ? Range{start, 1} : Range::none();
     std::uint64_t word = beginsInside ? text.endOfRun(start, end) : start;
     while (word < end && !text.isTerm(word)) ++word;
     return word < end ? Range{word, text.endOfRun(word, end) - word} : Range::none();
@@ -36,21 +37,24 @@ Range WildcardSequence::find(const WordText& text, std::uint64_t start, std::uin
     if (start >= end) return Range::none();
     if (!isPhrase()) {
         if (choice.acceptStar && isLoneStar())
-            return findLoneStar(text, start, end, choice.backwards, false);
-        return first_.find(text, start, end, {.backwards = choice.backwards});
+            return findLoneStar(text, start, end, choice.direction, false);
+        return first_.find(text, start, end, {.direction = choice.direction});
     }
     for (;;) {
-        const Range hit = findFirst(text, start, end, choice.backwards);
+        const Range hit = findFirst(text, start, end, choice.direction);
         if (!hit.isFound()) return hit;
         const std::uint64_t last = endOfRest(text, hit.end(), end);
         if (last != NotFound) return {hit.location, last - hit.location};
-        (choice.backwards ? end : start) = choice.backwards ? hit.location : hit.end();
+        if (choice.direction == Direction::Backward)
+            end = hit.location;
+        else
+            start = hit.end();
     }
 }
 
 Range WildcardSequence::findFirst(const WordText& text, std::uint64_t start, std::uint64_t end,
-                                  bool backwards) const {
-    return findPhraseWord(first_, text, start, end, {.backwards = backwards});
+                                  Direction direction) const {
+    return findPhraseWord(first_, text, start, end, {.direction = direction});
 }
 
 std::uint64_t WildcardSequence::endOfRest(const WordText& text, std::uint64_t position,

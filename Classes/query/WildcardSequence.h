@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 
 #include "query/WildcardPattern.h"
@@ -15,13 +16,13 @@ namespace velmo::detail {
 
 /// How a sequence is looked for.
 struct SequenceChoice {
-    bool backwards = false;
+    Direction direction = Direction::Forward;
     bool acceptStar = false;  // a lone * finds the whole stretch; in a phrase it is any word
 };
 
 /// What FindWildcardInCharacters() makes of a lone star.
-Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end, bool backwards,
-                   bool starIsWord);
+Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end,
+                   Direction direction, bool starIsWord);
 
 /// Any number of threads may share it.
 class WildcardSequence {
@@ -42,7 +43,7 @@ public:
 
     /// The next place of the first word of a phrase, or the last one.
     Range findFirst(const WordText& text, std::uint64_t start, std::uint64_t end,
-                    bool backwards = false) const;
+                    Direction direction = Direction::Forward) const;
     /// Where the other words end if they follow from a position on, or NotFound.
     std::uint64_t endOfRest(const WordText& text, std::uint64_t position, std::uint64_t end) const;
 

@@ -29,7 +29,7 @@ Range WildcardWalk::next() {
     return best;
 }
 
-constexpr SequenceChoice Backwards{.backwards = true};
+constexpr SequenceChoice Backwards{.direction = Direction::Backward};
 
 WildcardWalkBack::WildcardWalkBack(const WildcardSearch& search)
     : text_(search.text), start_(search.start), end_(search.end) {
@@ -102,7 +102,7 @@ Range WildcardWalkBack::placeBefore(const WildcardSequence& sequence, Memory& me
     const auto known = std::ranges::lower_bound(memory.places, end, std::greater(), &Range::end);
     if (known != memory.places.end()) return *known;
     for (memory.scanned = std::min(memory.scanned, end_); memory.scanned > start_;) {
-        const Range place = sequence.findFirst(text_, start_, memory.scanned, true);
+        const Range place = sequence.findFirst(text_, start_, memory.scanned, Direction::Backward);
         memory.scanned = place.isFound() ? text_.startOfRun(place.end(), start_) : start_;
         if (!place.isFound()) break;
         memory.places.push_back(place);

@@ -11,14 +11,19 @@ TEST_F(FindTool, TellsWhereHitsStand) {
     EXPECT_EQ(found.code, 0);
     EXPECT_EQ(found.out, file + ":2:4:\xF0\x9F\x98\x80 database\n" + file + ":4:1:data base\n");
     EXPECT_EQ(run("find -e nothing -e 'ba?e' --color=always - ", "\tbase\x1B[2J").out,
-              "\x1B[35m-\x1B[m:\x1B[32m1\x1B[m:\x1B[32m2\x1B[m: \x1B[1;31mbase\x1B[m [2J\n");
+              "\x1B[35m-\x1B[m:\x1B[32m1\x1B[m:\x1B[32m2\x1B[m:\t\x1B[1;31mbase\x1B[m^[[2J\n");
 
     const std::vector<Json> hits = run("find -e 'data base' -e '*base' --json " + file).lines();
     ASSERT_EQ(hits.size(), 2u);
-    EXPECT_EQ(hits[0],
-              Json({{"file", file}, {"range", {14, 8}}, {"bytes", {17, 8}}, {"line", 1}, {"text", "database"}}));
-    EXPECT_EQ(hits[1],
-              Json({{"file", file}, {"range", {24, 9}}, {"bytes", {27, 9}}, {"line", 3}, {"text", "data base"}}));
+    EXPECT_EQ(hits[0], Json({{"file", file},
+                             {"range", {14, 8}},
+                             {"bytes", {17, 8}},
+                             {"line", 2},
+                             {"column", 4},
+                             {"text", "database"},
+                             {"lineText", "\xF0\x9F\x98\x80 database"}}));
+    EXPECT_EQ(hits[1]["bytes"], Json({27, 9}));
+    EXPECT_EQ(hits[1]["line"], 4);
     EXPECT_EQ(run("find --previous --max-count 1 'd*' --json " + file).lines().at(0)["range"], Json({24, 4}));
 }
 

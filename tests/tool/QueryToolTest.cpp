@@ -21,8 +21,8 @@ TEST_F(Tool, TellsTheFormsOfAQuery) {
     const struct {
         const char *arguments, *tree;
     } cases[] = {
-        {"'~a [b c]*'", "AND group of 2 (AND)\n  AND ~a\n  AND *\n"},
-        {"--wildcard '~a [b c]*'", "AND group of 2 (AND)\n  AND ~*a*\n  AND [b c]*\n"},
+        {"--plain '~a [b c]*'", "AND group of 2 (AND)\n  AND ~a\n  AND *\n"},
+        {"'~a [b c]*'", "AND group of 2 (AND)\n  AND ~*a*\n  AND [b c]*\n"},
         {"--default-operator=near --default-distance=4 'a b'", "NEAR/4 group of 2 (NEAR)\n  NEAR/4 a\n  NEAR/4 b\n"},
         {"--without-site 'site:c a'", "AND group of 1 (NONE)\n  AND a\n"},
     };
@@ -40,14 +40,14 @@ TEST_F(Tool, MatchesManyFiles) {
         bool holds;
     } cases[] = {
         {"database", true},
-        {"'data*'", false},
-        {"--wildcard 'data* NEAR/2 z*'", true},
-        {"--wildcard zurich", false},
-        {"--wildcard --comparison=both zurich", true},
-        {"--wildcard --comparison=diacritics zurich", false},
+        {"--plain 'data*'", false},
+        {"'data* NEAR/2 z*'", true},
+        {"zurich", false},
+        {"--comparison=both zurich", true},
+        {"--comparison=diacritics zurich", false},
         {"--comparison=exact zurich", false},
-        {"--wildcard --comparison=case+fuzzy databasis", true},
-        {"--wildcard --contains 'zz data?ase'", true},
+        {"--comparison=case+fuzzy databasis", true},
+        {"--contains 'zz data?ase'", true},
     };
     for (const auto& c : cases) {
         const Outcome outcome = run("match " + c.arguments + " " + notes + " " + other);
@@ -59,7 +59,7 @@ TEST_F(Tool, MatchesManyFiles) {
     EXPECT_GT(std::ranges::count(all, '\n'), 30);
     EXPECT_EQ(run("match -r --jobs=7 --files-with-matches -- '-zyzzyva' " VELMO_PAGES).out, all);
     EXPECT_EQ(run("match DATABASE", "database").out, "-\n");
-    for (const char* wrong : {"match --comparison=both a", "match --comparison=some a", "match --json -l a"})
+    for (const char* wrong : {"match --plain --comparison=both a", "match --comparison=some a", "match --json -l a"})
         EXPECT_EQ(run(wrong).code, 2) << wrong;
 }
 

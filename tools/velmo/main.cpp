@@ -1,51 +1,204 @@
-// velmo: the library from a shell.
-#include <CLI/CLI.hpp>
+// velmo: the library from a shell. Finds the command, and sees to it that every run ends with
+// an exit code and never with an exception.
+#include <fmt/core.h>
 
-#include <clocale>
+#include <csignal>
+#include <iostream>
+#include <new>
 
-#include "Commands.h"
+#include <velmocore/platform/Log.h>
 
+#include "commands/Commands.h"
+#include "commands/QueryHelp.h"
+
+namespace velmo::tool {
 namespace {
 
-constexpr const char* Overview =
+/// In the order of the help.
+const std::vector<CommandEntry>& allCommands() {
+    static const std::vector<CommandEntry> commands = {
+        {"gather", makeGatherCommand},
+        {"text", makeTextCommand},
+        {"links", makeLinksCommand},
+        {"charset", makeCharsetCommand},
+        {"words", makeWordsCommand},
+        {"match", makeMatchCommand},
+        {"find", makeFindCommand},
+        {"query", makeQueryCommand},
+        {"excerpts", makeExcerptsCommand},
+        {"language", makeLanguageCommand},
+        {"lines", makeLinesCommand},
+        {"clean", makeCleanCommand},
+        {"digest", makeDigestCommand},
+        {"pack", makePackCommand},
+        {"unpack", makeUnpackCommand},
+        {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs"},
+        {"mime", makeMimeCommand},
+    };
+    return commands;
+}
+
+constexpr std::string_view OverviewHead =
     "Examples:\n"
     "  velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'\n"
     "  velmo text page.html --only-body\n"
     "  velmo links page.html --base https://example.org/page.html --json\n"
-    "  velmo charset *.html\n"
-    "  velmo words --list notes.txt\n"
     "  velmo match '(cat OR dog) -bird' notes.txt page.html\n"
     "  velmo excerpts 'cat* NEAR/5 dog' notes.txt page.html\n"
-    "  velmo query --tree '(cat OR dog) -bird'\n"
     "  velmo find -r 'data* [a-d]?se' letters/\n"
     "  velmo url simplify https://www.example.org/index.html\n"
-    "  velmo language *.html\n"
-    "  velmo clean --unwrap --collapse mail.txt\n"
-    "  velmo digest --sha1 *.html\n"
+    "  velmo help query\n"
     "\n"
     "Reads pages and texts: charsets, plain text, links, words, languages and queries.\n"
-    "FILE may be -, which is standard input.\n"
+    "\n"
+    "Usage: velmo COMMAND [OPTION...] [ARGUMENT...]\n";
+
+constexpr std::string_view OverviewTail =
+    "\n"
+    "velmo help COMMAND tells the options of a command, velmo help query the query language,\n"
+    "man velmo everything. Each command takes --json, and FILE may be -, which is standard input.\n"
     "Exit codes: 0 done or a hit, 1 no hit, 2 an input failed or the usage was wrong.\n";
 
+std::string listOf(std::span<const CommandEntry> commands, Session& session) {
+    std::string list;
+    for (const CommandEntry& entry : commands)
+        list += fmt::format("  {:11}{}\n", entry.name,
+                            entry.make ? entry.make(session).summary : entry.summary);
+    return list;
+}
+
+/// The entry of that name; throws a UsageError with the nearest name if there is none.
+const CommandEntry& entryOf(std::span<const CommandEntry> commands, std::string_view name) {
+    std::vector<std::string_view> names;
+    for (const CommandEntry& entry : commands) {
+        if (entry.name == name) return entry;
+        names.push_back(entry.name);
+    }
+    throw UsageError(fmt::format("unknown command {}{}", name, suggestion(name, names)));
+}
+
+bool isHelp(std::string_view argument) { return argument == "--help" || argument == "-h"; }
+
+/// One run of the tool with its arguments.
+class Run {
+public:
+    Run(Session& session, std::vector<std::string> arguments)
+        : session_(session), report_(session), arguments_(std::move(arguments)) {}
+
+    void run() {
+        const std::string first = arguments_.empty() ? "" : arguments_.front();
+        if (first == "--version" || first == "-V")
+            report_.printLine("velmo " VELMO_VERSION);
+        else if (first == "help")
+            runHelp({arguments_.begin() + 1, arguments_.end()});
+        else if (isHelp(first))
+            runHelp({});
+        else
+            runCommand();
+        report_.flush();
+    }
+
+    /// The words of the command line that name the command, as far as it has been found.
+    const std::string& path() const { return path_; }
+
+private:
+    void printOverview() {
+        report_.printLine(std::string(OverviewHead) + "\nCommands:\n" +
+                          listOf(allCommands(), session_) + std::string(OverviewTail));
+    }
+
+    void runHelp(const std::vector<std::string>& names) {
+        if (names.empty()) return printOverview();
+        if (names.front() == "query" && names.size() == 1)
+            report_.printLine(std::string(QueryHelp));
+        arguments_ = names;
+        runHelpOf(allCommands());
+    }
+
+    void runHelpOf(std::span<const CommandEntry> commands) {
+        const CommandEntry* entry = find(commands);
+        if (entry->make)
+            report_.printLine(helpOf(entry->make(session_), path_));
+        else
+            printActions(*entry);
+    }
+
+    void printActions(const CommandEntry& group) {
+        report_.printLine(
+            fmt::format("{}\n\nUsage: velmo {} ACTION [OPTION...] [URL...]\n\nActions:\n{}\n"
+                        "velmo help {} ACTION tells the options of an action.",
+                        group.summary, group.name, listOf(group.actions, session_), group.name));
+    }
+
+    /// Takes the words that name a command off the arguments.
+    const CommandEntry* find(std::span<const CommandEntry> commands) {
+        const CommandEntry* entry = nullptr;
+        do {
+            if (arguments_.empty() || isHelp(arguments_.front())) break;
+            entry = &entryOf(entry ? entry->actions : commands, arguments_.front());
+            path_ += (path_.empty() ? "" : " ") + arguments_.front();
+            arguments_.erase(arguments_.begin());
+        } while (!entry->make);
+        return entry;
+    }
+
+    void runCommand() {
+        const CommandEntry* entry = find(allCommands());
+        if (!entry) throw UsageError("a command is missing");
+        if (!entry->make) {
+            if (arguments_.empty()) throw UsageError("an action is missing");
+            return printActions(*entry);
+        }
+        Command command = entry->make(session_);
+        if (parseArguments(command, arguments_))
+            command.run(report_);
+        else
+            report_.printLine(helpOf(command, path_));
+    }
+
+    Session& session_;
+    Report report_;
+    std::vector<std::string> arguments_;
+    std::string path_;
+};
+
+/// What an OutputError makes of the exit code: a reader who has gone has all that he wanted.
+int exitCodeAfter(const OutputError& error, Session& session) {
+    if (!error.isClosedPipe()) session.fail("standard output", error.what());
+    return session.exitCode();
+}
+
+int runTool(Session& session, Run& run) {
+    try {
+        run.run();
+    } catch (const UsageError& error) {
+        const std::string where = run.path().empty() ? "" : run.path() + ": ";
+        session.console.complain(where + error.what());
+        session.console.complain(
+            fmt::format("see velmo help{}{}", run.path().empty() ? "" : " ", run.path()));
+        return Failure;
+    } catch (const OutputError& error) {
+        return exitCodeAfter(error, session);
+    } catch (const std::bad_alloc&) {
+        session.console.complain("not enough memory");
+        return Failure;
+    } catch (const std::exception& error) {
+        session.console.complain(error.what());
+        return Failure;
+    }
+    return session.exitCode();
+}
+
 }  // namespace
+}  // namespace velmo::tool
 
 int main(int argc, char** argv) {
     using namespace velmo::tool;
-
-    CLI::App app(Overview);
-    app.name("velmo");
-    app.set_version_flag("--version", "velmo " VELMO_VERSION);
-    app.require_subcommand(1);
-    app.get_formatter()->column_width(34);
-
+    // Writing to a closed pipe is told by the call that writes.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::ios::sync_with_stdio(false);
+    velmo::setLogHandler(Report::logLine);
     Session session;
-    for (const auto add : AllCommands) add(app, session);
-
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        // Help and version come this way too, with the code 0.
-        return app.exit(error) == 0 ? int(Done) : int(Failure);
-    }
-    return session.exitCode();
+    Run run(session, {argv + 1, argv + argc});
+    return runTool(session, run);
 }

@@ -13,6 +13,6 @@ namespace velmo {
 /// if there is none.
 ///
 ///     LanguageFilter filter(velmoResourcesDirectory());
-VELMO_API std::string velmoResourcesDirectory();
+[[nodiscard]] VELMO_API std::string velmoResourcesDirectory();
 
 }  // namespace velmo

@@ -1,0 +1,30 @@
+// The commands of the tool. Each makes itself, with its options, for one run.
+#pragma once
+
+#include <span>
+
+#include "frame/Command.h"
+
+namespace velmo::tool {
+
+Command makeCharsetCommand(Session& session);
+Command makeCleanCommand(Session& session);
+Command makeDigestCommand(Session& session);
+Command makeExcerptsCommand(Session& session);
+Command makeFindCommand(Session& session);
+Command makeGatherCommand(Session& session);
+Command makeLanguageCommand(Session& session);
+Command makeLinesCommand(Session& session);
+Command makeLinksCommand(Session& session);
+Command makeMatchCommand(Session& session);
+Command makeMimeCommand(Session& session);
+Command makePackCommand(Session& session);
+Command makeQueryCommand(Session& session);
+Command makeTextCommand(Session& session);
+Command makeUnpackCommand(Session& session);
+Command makeWordsCommand(Session& session);
+
+/// The actions of "velmo url".
+std::span<const CommandEntry> urlActions();
+
+}  // namespace velmo::tool

@@ -1,0 +1,276 @@
+// The main job: pages of folders, each decoded, turned into text and links and asked a query.
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/PageResources.h>
+#include <velmocore/markup/PlainText.h>
+#include <velmocore/platform/Resources.h>
+#include <velmocore/query/Occurrences.h>
+#include <velmocore/query/QueryRewriting.h>
+#include <velmocore/url/LinkFollowing.h>
+#include <velmocore/url/URLConstruction.h>
+#include <velmocore/words/LanguageFilter.h>
+#include <velmocore/words/Words.h>
+
+#include "Commands.h"
+#include "PageLinks.h"
+#include "QueryOptions.h"
+#include "SearchOptions.h"
+#include "frame/FileRun.h"
+
+namespace velmo::tool {
+namespace {
+
+constexpr std::size_t MostLinkedHosts = 10;
+constexpr std::uint64_t ExcerptUnits = 300;
+
+struct Options {
+    InputOptions input;
+    std::string base, query;
+    QueryParseOptions parse;
+    WildcardComparison comparison = WildcardComparison::CaseInsensitive;
+    PageLinkOptions links;
+};
+
+struct GatheredPage {
+    String title;
+    std::string encoding;
+    String language;  ///< absent if it is not clear
+    std::uint64_t words = 0;
+    PageLinks links;
+    bool matches = false;
+    String excerpt;  ///< absent if there is none
+};
+
+/// All pages together; any thread may add one.
+class Summary {
+public:
+    void add(const GatheredPage& page) {
+        const std::scoped_lock lock(mutex_);
+        ++pages;
+        words += page.words;
+        links += page.links.number;
+        matching += page.matches;
+        for (const auto& [key, url] : page.links.distinct) {
+            if (const String host = url.host(); !host.isEmpty()) ++hosts[host];
+            urls.insert(key);
+        }
+    }
+
+    std::size_t pages = 0, links = 0, matching = 0;
+    std::uint64_t words = 0;
+    std::set<String> urls;                ///< the keys of the pages that are linked
+    std::map<String, std::size_t> hosts;  ///< how many links go there
+
+private:
+    std::mutex mutex_;
+};
+
+/// A path as a relative reference: what has a meaning in one is escaped.
+std::string escapedPath(std::string_view path) {
+    constexpr std::string_view Plain = "-._~!$&'()*+,;=@/";
+    std::string escaped;
+    for (const char byte : path) {
+        const bool isPlain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
+                             (byte >= '0' && byte <= '9') || Plain.find(byte) != Plain.npos;
+        escaped += isPlain ? std::string(1, byte)
+                           : fmt::format("%{:02X}", static_cast<unsigned char>(byte));
+    }
+    return escaped;
+}
+
+/// Where a page stands on the web, or else on the disk.
+URL urlOf(const FileName& file, const URL& base) {
+    if (base.isAbsent()) return URL::fileURLWithPath(String::fromUTF8(file.path));
+    std::string_view relative = file.path;
+    if (file.wasNamed())
+        relative.remove_prefix(relative.rfind('/') + 1);
+    else
+        relative.remove_prefix(file.folder.size());
+    while (relative.starts_with('/')) relative.remove_prefix(1);
+    return URL::URLWithString(String::fromUTF8(escapedPath(relative)), base);
+}
+
+const LanguageFilter& languageFilter() {
+    static const LanguageFilter filter(velmoResourcesDirectory());
+    return filter;
+}
+
+/// Gathers one page after the other, on any threads.
+class Gatherer {
+public:
+    Gatherer(const Options& options, const URL& base, const Query& query)
+        : options_(options),
+          base_(base),
+          query_(query),
+          wildcards_(plusWildcards(query.text).value_or(std::vector<String>())) {}
+
+    GatheredPage gather(const FileName& file, const Content& content) const {
+        GatheredPage page;
+        page.encoding = content.encoding;
+        String text = content.units;
+        if (content.kind == Kind::Page) {
+            page.title = singleLine(normalizedHtmlString(htmlFrames(content.units).title));
+            page.links = linksOfPage(content.units, urlOf(file, base_), options_.links);
+            text = stringByConvertingHtml2PlainText(content.units);
+        }
+        page.words = numberOfWordsUsingDefaultSeparation(text);
+        page.language = languageFilter().languageOfText(text);
+        page.matches = query_.holdsFor(text);
+        if (page.matches) page.excerpt = excerptOf(text);
+        return page;
+    }
+
+private:
+    /// The sentences with a hit, on one line.
+    String excerptOf(const String& text) const {
+        return singleLine(
+            assembleOccurrencesOfWildcards(text, wildcards_,
+                                           {.comparison = query_.comparison,
+                                            .singleWords = true,
+                                            .onlyOccurrences = true,
+                                            .ellipsizeAfterNCharacters = ExcerptUnits}));
+    }
+
+    const Options& options_;
+    const URL& base_;
+    const Query& query_;
+    const std::vector<String> wildcards_;
+};
+
+void printObject(const std::string& file, const GatheredPage& page, const Options& options,
+                 Report& report) {
+    JsonObject object =
+        fileObject(file, {{"title", page.title},
+                          {"encoding", page.encoding},
+                          {"language", page.language},
+                          {"words", page.words},
+                          {"links", page.links.number},
+                          {"distinct", page.links.distinct.size()},
+                          {"matches", options.query.empty() ? Json() : Json(page.matches)},
+                          {"excerpt", page.excerpt}});
+    if (options.links.follow) {
+        JsonArray urls;
+        for (const URL& url : page.links.followed) urls.push_back(url.absoluteString());
+        object.push_back({"follow", std::move(urls)});
+    }
+    report.printObject(object);
+}
+
+void printLines(const std::string& file, const GatheredPage& page, bool asked, Report& report) {
+    report.printLine(report.line().add(Line::Color::File, file));
+    report.printLine("  " + (page.title.isEmpty() ? "(no title)" : page.title.utf8()));
+    report.printLine(fmt::format("  {}, {}, {} words, {} links, {} distinct{}", page.encoding,
+                                 page.language.isAbsent() ? "--" : page.language.utf8(), page.words,
+                                 page.links.number, page.links.distinct.size(),
+                                 !asked         ? ""
+                                 : page.matches ? ", matches"
+                                                : ", no match"));
+    if (!page.excerpt.isEmpty()) report.printLine("  > " + page.excerpt.utf8());
+    for (const URL& url : page.links.followed)
+        report.printLine("  -> " + url.absoluteString().utf8());
+}
+
+void printObject(const Summary& summary, Report& report) {
+    report.printObject({{"summary", JsonObject{{"pages", summary.pages},
+                                               {"words", summary.words},
+                                               {"links", summary.links},
+                                               {"distinct", summary.urls.size()},
+                                               {"matching", summary.matching}}}});
+}
+
+void printLines(const Summary& summary, bool asked, Report& report) {
+    report.printLine(fmt::format("\n{} pages, {} words, {} links, {} distinct{}", summary.pages,
+                                 summary.words, summary.links, summary.urls.size(),
+                                 asked ? fmt::format(", {} matching", summary.matching) : ""));
+    std::vector<std::pair<String, std::size_t>> hosts(summary.hosts.begin(), summary.hosts.end());
+    std::ranges::stable_sort(hosts, std::greater(), [](const auto& host) { return host.second; });
+    if (hosts.size() > MostLinkedHosts) hosts.resize(MostLinkedHosts);
+    if (!hosts.empty()) report.printLine("most linked hosts:");
+    for (const auto& [host, count] : hosts)
+        report.printLine(fmt::format("{:6} {}", count, host.utf8()));
+}
+
+void run(Report& report, const Options& options) {
+    const bool asked = !options.query.empty();
+    const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
+    if (base.isAbsent() && !options.base.empty()) return report.fail(options.base, "not a URL");
+    const Query query =
+        asked ? readQuery(report, options.query, options.parse, options.comparison) : Query();
+    report.flush();
+    const Gatherer gatherer(options, base, query);
+    Summary summary;
+    forEachContent(
+        report, options.input, [&](const FileName& file, Content&& content, Report& own) {
+            if (content.kind == Kind::Text && options.input.content.forced == Kind::Unclear) return;
+            const GatheredPage page = gatherer.gather(file, content);
+            summary.add(page);
+            if (own.json())
+                printObject(file.path, page, options, own);
+            else
+                printLines(file.path, page, asked, own);
+        });
+    if (summary.pages == 0) report.warn("gather", "no page found");
+    if (asked || summary.pages == 0) report.noteHit(summary.matching > 0);
+    if (report.json())
+        printObject(summary, report);
+    else
+        printLines(summary, asked, report);
+}
+
+Option followOption(PageLinkOptions& links) {
+    return {
+        .names = "--follow",
+        .value = "MODE",
+        .help = "print the links to follow: none, host, folder, folders or all, or a mode's number",
+        .take = [&links](const std::string& given) {
+            constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
+            constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
+                                              FollowSameFolders, FollowEverything};
+            std::string name = given;
+            std::ranges::transform(name, name.begin(), [](unsigned char c) {
+                return static_cast<char>(std::tolower(c));
+            });
+            if (const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
+                std::ranges::all_of(name, isDigit)) {
+                std::uint64_t mode = 0;
+                number("--follow", "MODE", mode, "").take(name);
+                links.follow = static_cast<std::int64_t>(mode);
+            } else {
+                links.follow = Modes[indexOfName(name, Names)];
+            }
+        }};
+}
+
+}  // namespace
+
+Command makeGatherCommand(Session& session) {
+    auto options = std::make_shared<Options>();
+    Command command = {
+        .summary = "Walk folders for pages: titles, charsets, words, links and hits",
+        .examples = {"velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'"},
+        .run = [options](Report& report) { run(report, *options); },
+    };
+    options->input.names.recursive = true;
+    command.add({
+        text("--base", "URL", options->base, "where the folders stand on the web"),
+        text("--query", "QUERY", options->query, "what to look for; see velmo help query"),
+        flag("--all", options->links.all,
+             "count links that lead to no page, and advertisements, too"),
+        followOption(options->links),
+    });
+    command.add(queryParseOptions(options->parse));
+    command.add(comparisonOptions(options->comparison));
+    addContentOptions(command, session, options->input, Kind::Page);
+    command.add(
+        {colorOption(session), jsonFlag(session, "one JSON object a page, and one that sums up")});
+    return command;
+}
+
+}  // namespace velmo::tool

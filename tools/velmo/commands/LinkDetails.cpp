@@ -1,0 +1,132 @@
+#include "LinkDetails.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/TagAttributes.h>
+#include <velmocore/markup/TagScanner.h>
+
+#include "frame/Content.h"
+
+namespace velmo::tool {
+namespace {
+
+/// A tag with a reference, and the attribute that holds it.
+struct Pointer {
+    std::u16string_view tag;
+    std::string_view attribute;
+    LinkKind kind;
+};
+
+constexpr Pointer Pointers[] = {
+    {u"a", "HREF", LinkKind::A},          {u"area", "HREF", LinkKind::Area},
+    {u"frame", "SRC", LinkKind::Frame},   {u"iframe", "SRC", LinkKind::Frame},
+    {u"img", "SRC", LinkKind::Image},     {u"body", "BACKGROUND", LinkKind::Image},
+    {u"script", "SRC", LinkKind::Script}, {u"object", "DATA", LinkKind::Media},
+    {u"embed", "SRC", LinkKind::Media},   {u"audio", "SRC", LinkKind::Media},
+    {u"video", "SRC", LinkKind::Media},   {u"source", "SRC", LinkKind::Media},
+    {u"track", "SRC", LinkKind::Media},
+};
+
+char16_t lower(char16_t unit) { return unit >= u'A' && unit <= u'Z' ? unit + 32 : unit; }
+
+std::u16string lowered(std::u16string_view text) {
+    std::u16string out(text);
+    std::ranges::transform(out, out.begin(), lower);
+    return out;
+}
+
+/// A tag without the body that a script or style is scanned with: up to its first > outside
+/// quotes.
+std::u16string_view openingTag(std::u16string_view tag) {
+    char16_t quote = 0;
+    for (std::size_t i = 0; i < tag.size(); ++i) {
+        const char16_t unit = tag[i];
+        if (quote != 0)
+            quote = unit == quote ? u'\0' : quote;
+        else if (unit == u'"' || unit == u'\'')
+            quote = unit;
+        else if (unit == u'>')
+            return tag.substr(0, i + 1);
+    }
+    return tag;
+}
+
+/// What a link tag of the head points at, by its rel: a sheet or an icon.
+std::optional<LinkKind> kindOfLinkTag(std::u16string_view tag) {
+    const std::u16string rel = lowered(attributeOfTagCharacters(tag, "REL"));
+    if (rel.find(u"stylesheet") != rel.npos) return LinkKind::Script;
+    if (rel.find(u"icon") != rel.npos) return LinkKind::Image;
+    return std::nullopt;
+}
+
+std::optional<Pointer> pointerOf(std::u16string_view name, std::u16string_view tag) {
+    if (name == u"link") {
+        const auto kind = kindOfLinkTag(tag);
+        return kind ? std::optional<Pointer>({name, "HREF", *kind}) : std::nullopt;
+    }
+    const auto found = std::ranges::find(Pointers, name, &Pointer::tag);
+    return found == std::end(Pointers) ? std::nullopt : std::optional<Pointer>(*found);
+}
+
+String cleanText(const String& text) {
+    const String clean = singleLine(normalizedHtmlString(text));
+    return clean.isEmpty() ? String() : clean;
+}
+
+/// Collects what the tags of one scan point at.
+class Collector {
+public:
+    bool take(const Tag& tag) {
+        if (openLink_) text_ += tag.text();
+        if (tag.kind == TagKind::End) closeLink();
+        if (tag.kind == TagKind::Element) takeElement(tag);
+        return false;
+    }
+    std::vector<LinkDetails> links;
+
+private:
+    void takeElement(const Tag& tag) {
+        const std::u16string name = lowered(tag.name());
+        if (name == u"a") closeLink();
+        if (tag.isClosing()) return;
+        const std::u16string_view opening = openingTag(tag.whole());
+        const auto pointer = pointerOf(name, opening);
+        if (!pointer) return;
+        const String raw = attributeOfTagCharacters(opening, pointer->attribute);
+        const String link = normalizedStringURL(raw);
+        if (link.isAbsent()) return;
+        const bool isImage = pointer->kind == LinkKind::Image;
+        links.push_back({pointer->kind, raw, link,
+                         isImage ? cleanText(attributeOfTagCharacters(opening, "ALT")) : String(),
+                         cleanText(attributeOfTagCharacters(opening, "TITLE")),
+                         cleanText(attributeOfTagCharacters(opening, "REL"))});
+        if (pointer->kind == LinkKind::A) openLink_ = links.size() - 1;
+    }
+
+    void closeLink() {
+        if (openLink_) links[*openLink_].text = cleanText(String(text_));
+        openLink_.reset();
+        text_.clear();
+    }
+
+    std::optional<std::size_t> openLink_;
+    std::u16string text_;
+};
+
+}  // namespace
+
+std::string_view nameOf(LinkKind kind) {
+    constexpr std::string_view Names[] = {"a", "area", "frame", "image", "script", "media"};
+    return Names[static_cast<std::size_t>(kind)];
+}
+
+std::vector<LinkDetails> linkDetails(std::u16string_view page) {
+    Collector collector;
+    GetTagsOfString(page, [&](const Tag& tag) { return collector.take(tag); });
+    return std::move(collector.links);
+}
+
+}  // namespace velmo::tool

@@ -1,0 +1,109 @@
+// Files compressed and inflated beside themselves, or to standard output.
+#include <fmt/core.h>
+
+#include <memory>
+
+#include <velmocore/storage/Compression.h>
+
+#include "Commands.h"
+#include "frame/FileBytes.h"
+#include "frame/FileRun.h"
+#include "frame/NewFile.h"
+
+namespace velmo::tool {
+namespace {
+
+struct Options {
+    InputOptions input;
+    bool zlib = false, toStandardOutput = false, force = false;
+    std::uint64_t level = 0, limit = UsualLimit;
+};
+
+constexpr std::string_view GzipSuffix = ".gz", ZlibSuffix = ".z";
+
+/// What was made of a file, and where it goes.
+struct Made {
+    const std::string& file;
+    std::string output;
+    std::size_t before;
+    Bytes bytes;
+};
+
+void deliver(const Options& options, const Made& made, Report& report) {
+    if (options.toStandardOutput || made.file == "-") return report.printBytes(charsOf(made.bytes));
+    writeNewFile(made.output, made.bytes, options.force, made.file);
+    if (report.json())
+        report.printObject(fileObject(
+            made.file,
+            {{"output", made.output}, {"before", made.before}, {"after", made.bytes.size()}}));
+    else
+        report.printLine(fmt::format("{} -> {}, {} -> {} bytes", made.file, made.output,
+                                     made.before, made.bytes.size()));
+}
+
+void pack(Report& report, const Options& options) {
+    const int level =
+        options.level == 0 ? DefaultCompressionLevel : static_cast<int>(options.level);
+    const std::string suffix(options.zlib ? ZlibSuffix : GzipSuffix);
+    forEachFile(report, options.input, [&](const FileName& file, Data&& bytes, Report& own) {
+        const auto packed = dataByCompressingBytes(bytes, level, !options.zlib);
+        if (!packed) throw InputError("nothing to compress");
+        deliver(options, {file.path, file.path + suffix, bytes.size(), *packed}, own);
+    });
+}
+
+/// The name without the suffix of packed files; with ".unpacked" if it has none.
+std::string unpackedName(const std::string& file) {
+    for (const std::string_view suffix : {GzipSuffix, ZlibSuffix})
+        if (file.size() > suffix.size() && file.ends_with(suffix))
+            return file.substr(0, file.size() - suffix.size());
+    return file + ".unpacked";
+}
+
+void unpack(Report& report, const Options& options) {
+    forEachFile(report, options.input, [&](const FileName& file, Data&& bytes, Report& own) {
+        const Data made = inflated(bytes, options.limit);
+        deliver(options, {file.path, unpackedName(file.path), bytes.size(), made}, own);
+    });
+}
+
+/// What both commands share.
+void addOptions(Command& command, Session& session, Options& options) {
+    addFileOptions(command, session, options.input,
+                   "any files; none, or -, goes from standard input to standard output");
+    command.add({
+        flag("--stdout", options.toStandardOutput, "write to standard output"),
+        flag("--force", options.force, "replace files that are there"),
+        jsonFlag(session, "one JSON object a file"),
+    });
+}
+
+}  // namespace
+
+Command makePackCommand(Session& session) {
+    auto options = std::make_shared<Options>();
+    Command command = {
+        .summary = "Compress each file to FILE.gz",
+        .examples = {"velmo pack --level 9 archive.txt"},
+        .run = [options](Report& report) { pack(report, *options); },
+    };
+    command.add({flag("--zlib", options->zlib, "in zlib format, to FILE.z"),
+                 number("--level", "N", options->level, "1 (fast) to 9 (small)", 1, 9)});
+    addOptions(command, session, *options);
+    return command;
+}
+
+Command makeUnpackCommand(Session& session) {
+    auto options = std::make_shared<Options>();
+    Command command = {
+        .summary = "Inflate each file, of gzip or zlib format, to its name without suffix",
+        .examples = {"velmo unpack archive.txt.gz"},
+        .run = [options](Report& report) { unpack(report, *options); },
+    };
+    command.add({number("--limit", "BYTES", options->limit,
+                        fmt::format("most bytes that a file may become; {}", UsualLimit))});
+    addOptions(command, session, *options);
+    return command;
+}
+
+}  // namespace velmo::tool

@@ -1,0 +1,52 @@
+#include "PageLinks.h"
+
+#include <velmocore/markup/Links.h>
+#include <velmocore/url/LinkFilter.h>
+#include <velmocore/url/LinkFollowing.h>
+#include <velmocore/url/PercentEscapes.h>
+#include <velmocore/url/RelativeURLs.h>
+#include <velmocore/url/URLClassification.h>
+#include <velmocore/url/URLSimplification.h>
+
+namespace velmo::tool {
+namespace {
+
+/// By the rules of URLs alone; what no URL may hold is escaped.
+URL resolvedPlainly(const String& link, const URL& base) {
+    const URL url = URL::URLWithString(link, base);
+    return url.isAbsent() ? URL::URLWithString(stringByAddingPercentEscapesToURL(link), base) : url;
+}
+
+/// The URL of a link; absent if it leads to no page, or to an advertisement.
+URL pageOfLink(const String& link, const URL& base) {
+    if (filterLink(link)) return {};
+    // On a file base the resolver takes a # for a part of the path.
+    const URL url = URLRelativeTo(base, stringURLWithoutAnchor(link));
+    const bool isRefused = filterLink(url.absoluteString()) || stringURLIsAdvertisement(url);
+    return isRefused ? URL() : url;
+}
+
+}  // namespace
+
+URL urlOfLink(const String& link, const URL& base, bool keepAnchor) {
+    const URL url = keepAnchor ? URLRelativeTo(base, link, {.trimAnchor = false})
+                               : URLRelativeTo(base, stringURLWithoutAnchor(link));
+    return url.isAbsent() ? resolvedPlainly(link, base) : url;
+}
+
+PageLinks linksOfPage(const String& page, const URL& url, const PageLinkOptions& options) {
+    const HtmlLinks found = htmlLinks(page);
+    const URL& base = found.baseURL.isAbsent() ? url : found.baseURL;
+    PageLinks links;
+    links.number = found.links.size();
+    for (const String& link : found.links) {
+        const URL target = options.all ? urlOfLink(link, base, false) : pageOfLink(link, base);
+        if (!target.isAbsent()) links.distinct.emplace(simplifiedStringURL(target), target);
+    }
+    if (options.follow)
+        for (const auto& [key, target] : links.distinct)
+            if (shouldFollowLink(target, *options.follow, 1, url)) links.followed.push_back(target);
+    return links;
+}
+
+}  // namespace velmo::tool

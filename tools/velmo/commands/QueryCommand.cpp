@@ -1,0 +1,85 @@
+// What a query means: its tree, and its other forms.
+#include <fmt/core.h>
+
+#include <memory>
+
+#include <velmocore/query/QueryDump.h>
+#include <velmocore/query/QueryRewriting.h>
+
+#include "Commands.h"
+#include "QueryOptions.h"
+
+namespace velmo::tool {
+namespace {
+
+struct Options {
+    std::string query;
+    QueryParseOptions parse;
+    bool withoutSite = false;
+    bool tree = false;
+};
+
+/// What is told of a query, in the order of the output.
+JsonObject formsOf(const Query& query, const QueryOptions& options) {
+    // Searches and excerpts take the words as wildcards, however the query is read otherwise.
+    QueryOptions asWildcards = options;
+    asWildcards.wildcard = true;
+    const auto wildcards = QueryTerms(query.text, asWildcards).plusWildcards();
+    const QueryTerms& terms = query.terms;
+    return {{"valid", terms.isValid()},
+            {"tree", dumpOfQueryTerms(terms)},
+            {"standardized", terms.standardizedQueryTerm()},
+            {"normalized", terms.normalizedQueryTerm()},
+            {"description", terms.description()},
+            {"plusWords", jsonArray(terms.plusWords())},
+            {"wildcards", wildcards ? Json(jsonArray(*wildcards)) : Json()},
+            {"minTermLen", terms.minTermLen()}};
+}
+
+void printLines(const JsonObject& forms, Report& report) {
+    for (const auto& [name, value] : forms) {
+        if (name.plain() == "tree") continue;
+        std::string line;
+        if (const JsonArray* words = value.values())
+            for (const Json& word : *words) line += (line.empty() ? "" : ", ") + word.plain();
+        else
+            line = value.plain();
+        report.printLine(fmt::format("{:14}{}", name.plain() + ":", line));
+    }
+}
+
+void run(Report& report, const Options& options) {
+    std::string text = options.query;
+    if (options.withoutSite) text = queryTermWithoutSiteOperator(String::fromUTF8(text)).utf8();
+    const Query query = readQuery(report, text, options.parse, WildcardComparison::CaseInsensitive);
+    if (options.tree) {
+        std::string tree = dumpOfQueryTerms(query.terms);
+        if (tree.ends_with('\n')) tree.pop_back();
+        return report.printLine(tree);
+    }
+    const JsonObject forms = formsOf(query, options.parse.read());
+    if (report.json())
+        report.printObject(forms);
+    else
+        printLines(forms, report);
+}
+
+}  // namespace
+
+Command makeQueryCommand(Session& session) {
+    auto options = std::make_shared<Options>();
+    Command command = {
+        .summary = "Tell how a query is understood, and its other forms",
+        .examples = {"velmo query --tree '(tea OR coffee) NEAR/5 cup -sugar'"},
+        .arguments = {required("QUERY", options->query, "see velmo help query")},
+        .run = [options](Report& report) { run(report, *options); },
+    };
+    command.add(queryParseOptions(options->parse));
+    command.add({flag("--without-site", options->withoutSite, "leave out words such as site:host"),
+                 flag("--tree", options->tree, "the tree, one line a node")});
+    command.options.back().excludes = "--json";
+    command.add({jsonFlag(session, "one JSON object")});
+    return command;
+}
+
+}  // namespace velmo::tool

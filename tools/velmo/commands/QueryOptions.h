@@ -1,0 +1,44 @@
+// Options that the commands with queries share, and how they all read one.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <velmocore/query/QueryTerms.h>
+#include <velmocore/query/Wildcards.h>
+
+#include "frame/Command.h"
+
+namespace velmo::tool {
+
+/// How a query is read.
+struct QueryParseOptions {
+    bool plain = false;   ///< words are no patterns
+    bool strict = false;  ///< a query that cannot mean what was written is a failure
+    QueryOperator defaultOperator = QueryOperator::And;
+    std::uint64_t defaultDistance = QueryOptions().defaultDistance;
+
+    QueryOptions read() const;
+};
+
+/// --plain, --strict, --default-operator and --default-distance.
+std::vector<Option> queryParseOptions(QueryParseOptions& options);
+
+/// A query and how it is asked.
+struct Query {
+    String text;
+    QueryTerms terms;
+    bool plain;
+    WildcardComparison comparison;
+
+    bool holdsFor(std::u16string_view text) const;
+    /// Whether a positive word occurs.
+    bool occursIn(std::u16string_view text) const;
+};
+
+/// Reads a query and tells what in it cannot mean what was written. Throws a UsageError for a
+/// comparison that plain words do not know.
+Query readQuery(Report& report, const std::string& text, const QueryParseOptions& options,
+                WildcardComparison comparison);
+
+}  // namespace velmo::tool

@@ -1,0 +1,74 @@
+#include "SearchOptions.h"
+
+namespace velmo::tool {
+namespace {
+
+using enum WildcardComparison;
+
+Option comparisonFlag(std::string_view names, WildcardComparison& comparison,
+                      WildcardComparison value, std::string help) {
+    return {.names = names,
+            .value = {},
+            .help = std::move(help),
+            .take = [&comparison, value](const auto&) { comparison = value; }};
+}
+
+}  // namespace
+
+std::vector<Option> comparisonOptions(WildcardComparison& comparison) {
+    Option named = choice("--comparison", "NAME", comparison,
+                          "what may differ: nothing (exact), case, diacritics or both; fuzzy, or "
+                          "case+fuzzy and so on, for words that only resemble the sought ones",
+                          {{"exact", Exact},
+                           {"case", CaseInsensitive},
+                           {"diacritics", DiacriticsInsensitive},
+                           {"both", Insensitive},
+                           {"fuzzy", CaseInsensitive | Fuzzy},
+                           {"exact+fuzzy", Exact | Fuzzy},
+                           {"case+fuzzy", CaseInsensitive | Fuzzy},
+                           {"diacritics+fuzzy", DiacriticsInsensitive | Fuzzy},
+                           {"both+fuzzy", Insensitive | Fuzzy}});
+    Option exact =
+        comparisonFlag("--case-sensitive", comparison, Exact, "the same as --comparison exact");
+    exact.excludes = "--comparison";
+    return {std::move(named),
+            comparisonFlag("-i,--ignore-case", comparison, CaseInsensitive,
+                           "the same as --comparison case: the default"),
+            std::move(exact)};
+}
+
+std::vector<Option> hitOptions(Session& session, HitOptions& options, std::string countHelp) {
+    Option count = flag("-c,--count", options.countOnly, std::move(countHelp));
+    count.excludes = "--json";
+    Option names = flag("-l,--files-with-matches", options.namesOnly,
+                        "only the names of the files with a hit");
+    names.excludes = "--json";
+    return {std::move(count), std::move(names),
+            flag("-q,--quiet", session.isQuiet, "print nothing, and end at the first hit")};
+}
+
+Option colorOption(Session& session) {
+    enum class When { Auto, Always, Never };
+    session.hasColors = isColorTerminal();
+    return {.names = "--color",
+            .value = "WHEN",
+            .help = "auto, always or never",
+            .take = [&session](const std::string& when) {
+                constexpr std::string_view Whens[] = {"auto", "always", "never"};
+                const auto chosen = static_cast<When>(indexOfName(when, Whens));
+                session.hasColors =
+                    chosen == When::Always || (chosen == When::Auto && isColorTerminal());
+            }};
+}
+
+void addHighlighted(Line& line, std::u16string_view text, std::span<const Range> hits) {
+    std::uint64_t written = 0;
+    for (const Range& hit : hits) {
+        line.add(oneLine(text.substr(written, hit.location - written)));
+        line.add(Line::Color::Hit, oneLine(text.substr(hit.location, hit.length)));
+        written = hit.end();
+    }
+    line.add(oneLine(text.substr(written)));
+}
+
+}  // namespace velmo::tool

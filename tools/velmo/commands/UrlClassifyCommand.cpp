@@ -1,0 +1,70 @@
+#include <fmt/core.h>
+
+#include <velmocore/url/SearchEngines.h>
+#include <velmocore/url/URLClassification.h>
+#include <velmocore/url/URLConstruction.h>
+#include <velmocore/url/URLSchemes.h>
+
+#include <memory>
+
+#include "UrlCommands.h"
+
+namespace velmo::tool {
+namespace {
+
+struct Options {
+    std::vector<std::string> urls;
+    bool noCommonHosts = false;
+};
+
+JsonObject classesOf(const String& url, bool includingCommonHosts) {
+    const URLClasses classes = classesOfStringURL(url, includingCommonHosts);
+    return {{"advertisement", classes.advertisement},
+            {"imageAd", classes.imageAd},
+            {"adSense", classes.adSense},
+            {"bookmarklet", classes.bookmarklet},
+            {"recaptcha", classes.recaptcha},
+            {"translation", classes.translation},
+            {"topic", classes.topicOrThread},
+            {"forum", classes.forum},
+            {"cached", classes.cached},
+            {"searchEngine", isSearchEngine(URLWithNormalizedStringURL(url))}};
+}
+
+std::string namesOf(const JsonObject& classes) {
+    std::string names;
+    for (const auto& [name, holds] : classes)
+        if (holds.plain() == "true") names += (names.empty() ? "" : ", ") + name.plain();
+    return names.empty() ? "nothing known" : names;
+}
+
+void run(Report& report, const Options& options) {
+    forEachUrl(report, options.urls, [&](const String& url) {
+        const JsonObject classes = classesOf(url, !options.noCommonHosts);
+        if (!report.json())
+            return report.printLine(fmt::format("{}: {}", url.utf8(), namesOf(classes)));
+        JsonObject object{{"url", url}};
+        object.insert(object.end(), classes.begin(), classes.end());
+        object.push_back({"scheme", stringURLScheme(url)});
+        object.push_back({"extension", stringURLPathExtension(url)});
+        report.printObject(object);
+    });
+}
+
+}  // namespace
+
+Command makeUrlClassifyCommand(Session& session) {
+    auto options = std::make_shared<Options>();
+    Command command = {
+        .summary = "Tell by their looks what URLs lead to",
+        .examples = {"velmo url classify https://example.org/viewtopic.php?t=1"},
+        .run = [options](Report& report) { run(report, *options); },
+    };
+    addUrlArguments(command, options->urls);
+    command.add({flag("--no-common-hosts", options->noCommonHosts,
+                      "well-known advertisers and surveys are no advertisements"),
+                 jsonFlag(session, "one JSON object a URL")});
+    return command;
+}
+
+}  // namespace velmo::tool

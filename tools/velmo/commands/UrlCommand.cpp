@@ -1,0 +1,39 @@
+#include <iostream>
+
+#include <velmocore/text/Trimming.h>
+
+#include "Commands.h"
+#include "UrlCommands.h"
+
+namespace velmo::tool {
+
+void addUrlArguments(Command& command, std::vector<std::string>& urls, std::string_view name) {
+    command.arguments.push_back(list(name, urls, "without any, a line each from standard input"));
+}
+
+void forEachUrl(Report& report, const std::vector<std::string>& urls,
+                const std::function<void(const String& url)>& work) {
+    for (const std::string& url : urls) work(String::fromUTF8(url));
+    if (!urls.empty()) return;
+    for (std::string line; std::getline(std::cin, line);) {
+        const String url = stringByTrimmingWhiteSpaces(String::fromUTF8(line));
+        if (!url.isEmpty()) work(url);
+        // A program that asks line by line waits for each answer.
+        if (std::cin.rdbuf()->in_avail() <= 0) report.flush();
+    }
+    if (std::cin.bad()) report.fail("-", "cannot be read");
+}
+
+std::span<const CommandEntry> urlActions() {
+    // In the order of the help.
+    static const CommandEntry actions[] = {
+        {"resolve", makeUrlResolveCommand}, {"simplify", makeUrlSimplifyCommand},
+        {"parse", makeUrlParseCommand},     {"path", makeUrlPathCommand},
+        {"params", makeUrlParamsCommand},   {"accept", makeUrlAcceptCommand},
+        {"unwrap", makeUrlUnwrapCommand},   {"classify", makeUrlClassifyCommand},
+        {"repair", makeUrlRepairCommand},
+    };
+    return actions;
+}
+
+}  // namespace velmo::tool

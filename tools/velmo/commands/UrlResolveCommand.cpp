@@ -1,0 +1,51 @@
+#include <velmocore/url/RelativeURLs.h>
+#include <velmocore/url/URLConstruction.h>
+
+#include <memory>
+
+#include "UrlCommands.h"
+
+namespace velmo::tool {
+namespace {
+
+struct Options {
+    std::string base;
+    std::vector<std::string> links;
+    bool keepAnchor = false, noStandardize = false;
+};
+
+void run(Report& report, const Options& options) {
+    const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
+    if (base.isAbsent()) return report.fail(options.base, "not a URL");
+    forEachUrl(report, options.links, [&](const String& link) {
+        const URL url = URLRelativeTo(
+            base, link, {.trimAnchor = !options.keepAnchor, .standardize = !options.noStandardize});
+        report.noteHit(!url.isAbsent());
+        if (report.json())
+            report.printObject({{"link", link}, {"url", url.absoluteString()}});
+        else if (!url.isAbsent())
+            report.printLine(url.absoluteString().utf8());
+    });
+}
+
+}  // namespace
+
+Command makeUrlResolveCommand(Session& session) {
+    auto options = std::make_shared<Options>();
+    Command command = {
+        .summary = "Resolve links against the URL of their page, and put damaged ones right",
+        .examples = {"velmo url resolve https://example.org/docs/page.html ../img/x.gif"},
+        .run = [options](Report& report) { run(report, *options); },
+    };
+    command.arguments = {required("BASE", options->base, "the URL of the page with the links")};
+    addUrlArguments(command, options->links, "LINK");
+    command.add({
+        flag("--keep-anchor", options->keepAnchor, "keep what stands after a #"),
+        flag("--no-standardize", options->noStandardize,
+             "keep double slashes, and dot segments of absolute links"),
+        jsonFlag(session, "one JSON object a link, null for one to nowhere"),
+    });
+    return command;
+}
+
+}  // namespace velmo::tool

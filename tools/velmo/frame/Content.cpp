@@ -1,0 +1,152 @@
+// Decoding. The bytes of a large text are given back to the system while they are decoded, so
+// that a text never stands in memory twice.
+#include "Content.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <utility>
+
+#include <velmocore/markup/Charsets.h>
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/PlainText.h>
+#include <velmocore/text/Collapsing.h>
+#include <velmocore/text/Trimming.h>
+
+#include "FileBytes.h"
+#include "Marks.h"
+
+namespace velmo::tool {
+namespace {
+
+constexpr std::size_t PieceSize = std::size_t{4} << 20;
+constexpr char16_t Replacement = 0xFFFD;
+constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";
+constexpr std::size_t PageSize = 4096;
+
+/// The length of the next piece, which ends between two UTF-8 sequences if there are any.
+std::size_t pieceOf(Bytes bytes) {
+    if (bytes.size() <= PieceSize) return bytes.size();
+    std::size_t end = PieceSize;
+    while (end > PieceSize - 4 && (bytes[end] & 0xC0) == 0x80) --end;
+    return end;
+}
+
+std::size_t countOf(std::string_view bytes, std::string_view sought) {
+    std::size_t count = 0;
+    for (std::size_t at = 0; (at = bytes.find(sought, at)) != bytes.npos; at += sought.size())
+        ++count;
+    return count;
+}
+
+/// Whether bytes are UTF-8: decoding them gives no U+FFFD but those that are in them.
+bool isUTF8(Bytes bytes) {
+    while (!bytes.empty()) {
+        const std::string_view piece = charsOf(bytes.first(pieceOf(bytes)));
+        const String units = String::fromUTF8(piece);
+        if (static_cast<std::size_t>(std::ranges::count(units, Replacement)) !=
+            countOf(piece, ReplacementUtf8))
+            return false;
+        bytes = bytes.subspan(piece.size());
+    }
+    return true;
+}
+
+/// Gives the whole memory pages of bytes that are not needed any more back to the system.
+void discard(Bytes bytes) {
+    const auto begin = reinterpret_cast<std::uintptr_t>(bytes.data());
+    const std::uintptr_t first = (begin + PageSize - 1) / PageSize * PageSize;
+    const std::uintptr_t end = (begin + bytes.size()) / PageSize * PageSize;
+    if (first < end) madvise(reinterpret_cast<void*>(first), end - first, MADV_DONTNEED);
+}
+
+String decodedUTF8(Data&& owned) {
+    const Data data = std::move(owned);
+    if (data.size() <= PieceSize) return String::fromUTF8(charsOf(data));
+    StringBuilder units(data.size());
+    for (Bytes rest = data; !rest.empty();) {
+        const Bytes piece = rest.first(pieceOf(rest));
+        units.append(String::fromUTF8(charsOf(piece)));
+        discard(piece);
+        rest = rest.subspan(piece.size());
+    }
+    return units.finish();
+}
+
+/// Bytes in a given encoding, without their mark; what has no meaning there becomes U+FFFD.
+String decoded(Data&& data, StringEncoding encoding) {
+    if (encoding == UTF8StringEncoding) {
+        const auto mark = static_cast<std::ptrdiff_t>(
+            markOf(data).encoding == encoding ? markOf(data).bytes.size() : 0);
+        data.erase(data.begin(), data.begin() + mark);
+        return decodedUTF8(std::move(data));
+    }
+    const Data owned = std::move(data);
+    StringBuilder units(owned.size());
+    std::size_t count = 0;
+    convertEncodingToUnicode(owned, textEncodingOf(encoding),
+                             {units.prepare(owned.size()), owned.size()}, count);
+    units.commit(count);
+    return units.finish();
+}
+
+StringEncoding encodingOfText(Bytes bytes) {
+    if (const StringEncoding marked = markOf(bytes).encoding) return marked;
+    const StringEncoding wide = encodingOfZeros(bytes.first(std::min(bytes.size(), HeadSize)));
+    if (wide != UnknownStringEncoding) return wide;
+    return isUTF8(bytes) ? UTF8StringEncoding : WindowsCP1252StringEncoding;
+}
+
+/// A charset name of a page: the IANA name of what it means, or the name itself if it means
+/// nothing; absent for none.
+String nameOf(const String& charset) {
+    if (charset.isEmpty()) return {};
+    const StringEncoding encoding = charset2NSStringEncoding(charset);
+    return encoding == UnknownStringEncoding ? charset : String::fromUTF8(ianaName(encoding));
+}
+
+Content decodedPage(const Data& bytes, const ContentOptions& options) {
+    const String charset = String::fromUTF8(options.httpCharset);
+    MarkupDecoding decoding = decodeMarkup(bytes, {.encodingName = charset});
+    return {Kind::Page, std::move(decoding.text), std::string(ianaName(decoding.encoding)),
+            nameOf(decoding.declared)};
+}
+
+Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
+    StringEncoding encoding = UnknownStringEncoding;
+    if (!options.charset.empty())
+        encoding = charset2NSStringEncoding(String::fromUTF8(options.charset));
+    else if (kind == Kind::Text)
+        encoding = encodingOfText(bytes);
+    else if (markOf(bytes).encoding == 0)
+        encoding = encodingOfZeros(Bytes(bytes).first(std::min(bytes.size(), HeadSize)));
+    if (encoding == UnknownStringEncoding) return decodedPage(bytes, options);
+    return {kind, decoded(std::move(bytes), encoding), std::string(ianaName(encoding)), {}};
+}
+
+}  // namespace
+
+Content decode(Data&& bytes, const std::string& name, const ContentOptions& options) {
+    if (isGzip(bytes)) bytes = inflated(bytes, UsualLimit);
+    Kind kind = options.forced;
+    if (kind == Kind::Unclear)
+        kind = kindOf(Bytes(bytes).first(std::min(bytes.size(), HeadSize)), name);
+    if (kind == Kind::Unclear) kind = options.unclear;
+    if (kind == Kind::Binary) throw InputError("a binary file");
+    return decodedBytes(std::move(bytes), kind, options);
+}
+
+String readableText(Content&& content) {
+    const String units = std::move(content.units);
+    return content.kind == Kind::Page ? stringByConvertingHtml2PlainText(units) : units;
+}
+
+bool isKnownCharset(const std::string& name) {
+    return charset2NSStringEncoding(String::fromUTF8(name)) != UnknownStringEncoding;
+}
+
+String singleLine(const String& string) {
+    return stringByRemovingMultipleWhiteSpaces(stringByTrimmingSpacesAndFeeds(string, true));
+}
+
+}  // namespace velmo::tool

@@ -1,0 +1,53 @@
+// What an input is and what it says: pages and texts told apart, charsets, decoding.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo::tool {
+
+enum class Kind : std::uint8_t { Unclear, Page, Text, Binary };
+
+/// How inputs are taken, where the command line overrules what their content says.
+struct ContentOptions {
+    Kind forced = Kind::Unclear;  ///< by --page and --text
+    /// What an input is that neither its content nor its name tells.
+    Kind unclear = Kind::Text;
+    std::string charset;      ///< by --charset; empty is none
+    std::string httpCharset;  ///< the charset that the HTTP header named; empty if none
+};
+
+/// An input that was decoded.
+struct Content {
+    Kind kind;             ///< Page or Text
+    String units;          ///< a page with its markup, or a text
+    std::string encoding;  ///< IANA name in lower case
+    String declared;       ///< IANA name of the charset that a page names, or absent
+};
+
+/// So many bytes of an input tell what it is.
+inline constexpr std::size_t HeadSize = 8192;
+
+/// What the first bytes of a file and its name tell. Its content goes first: marks of byte order,
+/// zeros, the signatures of other formats, markup at its start. Where that leaves it open, a name
+/// such as page.html or page.html.fr makes it a page.
+Kind kindOf(Bytes head, const std::string& name);
+
+/// Decodes what was read from a file, gzip or not, and forgets the bytes. A page goes through the
+/// rules for pages. A text is in the encoding of its byte-order mark, in UTF-16 if the zeros of
+/// its bytes say so, in UTF-8 if its bytes are, and else in windows-1252. Throws an InputError.
+Content decode(Data&& bytes, const std::string& name, const ContentOptions& options);
+
+/// What there is to read: the plain text of a page, or the text itself. Forgets the content.
+String readableText(Content&& content);
+
+/// Whether a charset of that name is known.
+bool isKnownCharset(const std::string& name);
+
+/// A text on one line: white space at its ends is cut, and each run of it becomes a space.
+String singleLine(const String& string);
+
+}  // namespace velmo::tool

@@ -1,0 +1,166 @@
+// Files are read by the calls of the system, so that each failure has its own reason, and not
+// mapped: a mapped file that is cut short while it is read would end the program.
+#include "FileBytes.h"
+
+#include <fcntl.h>
+#include <fmt/core.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+#include <memory>
+#include <system_error>
+
+namespace velmo::tool {
+namespace {
+
+constexpr std::size_t PortionSize = std::size_t{1} << 18;
+constexpr int AnyFormat = 15 + 32;  // windows of any size; gzip and zlib by their first bytes
+constexpr std::string_view Damaged = "damaged gzip or zlib data";
+
+[[noreturn]] void throwError(int number) {
+    throw InputError(std::generic_category().message(number));
+}
+
+/// An open file; standard input stays open.
+class Descriptor {
+public:
+    explicit Descriptor(const std::string& name)
+        : number_(name == "-" ? STDIN_FILENO : ::open(name.c_str(), O_RDONLY | O_CLOEXEC)) {
+        if (number_ < 0) throwError(errno);
+    }
+    ~Descriptor() {
+        if (number_ != STDIN_FILENO) ::close(number_);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    /// The size that the system tells, 0 for what is no regular file.
+    std::size_t size() const {
+        struct stat status = {};
+        if (::fstat(number_, &status) != 0) throwError(errno);
+        if (S_ISDIR(status.st_mode)) throwError(EISDIR);
+        return S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
+    }
+    /// As many bytes as there are at once; 0 at the end.
+    std::size_t read(std::uint8_t* bytes, std::size_t count) const {
+        for (;;) {
+            const ssize_t got = ::read(number_, bytes, count);
+            if (got >= 0) return static_cast<std::size_t>(got);
+            if (errno != EINTR) throwError(errno);
+        }
+    }
+
+private:
+    int number_;
+};
+
+/// Reads to the end, or until there are that many bytes.
+Data readUpTo(const Descriptor& file, std::size_t count) {
+    Data bytes;
+    // A file tells its size, and one byte more finds its end without another growth.
+    const std::size_t size = file.size();
+    bytes.resize(std::min(count, size > 0 ? size + 1 : PortionSize));
+    std::size_t length = 0;
+    while (const std::size_t got = file.read(bytes.data() + length, bytes.size() - length)) {
+        length += got;
+        if (length == count) break;
+        if (length == bytes.size()) bytes.resize(std::min(count, 2 * length));
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+/// The state of one inflation.
+class Inflation {
+public:
+    explicit Inflation(Bytes bytes) : rest_(bytes) {
+        if (inflateInit2(&stream_, AnyFormat) != Z_OK) throw std::bad_alloc();
+    }
+    ~Inflation() { inflateEnd(&stream_); }
+    Inflation(const Inflation&) = delete;
+    Inflation& operator=(const Inflation&) = delete;
+
+    /// Inflates into a portion and gives how much came out; 0 only at the end.
+    std::size_t next(std::span<std::uint8_t> portion) {
+        stream_.next_out = portion.data();
+        stream_.avail_out = static_cast<uInt>(portion.size());
+        while (stream_.avail_out > 0 && !isAtEnd_) step();
+        return portion.size() - stream_.avail_out;
+    }
+
+private:
+    void step() {
+        if (stream_.avail_in == 0) {
+            const std::size_t given = std::min(rest_.size(), PortionSize);
+            stream_.next_in = const_cast<Bytef*>(rest_.data());
+            stream_.avail_in = static_cast<uInt>(given);
+            rest_ = rest_.subspan(given);
+        }
+        const int status = inflate(&stream_, Z_NO_FLUSH);
+        if (status == Z_STREAM_END)
+            endMember();
+        else if (status == Z_MEM_ERROR)
+            throw std::bad_alloc();
+        else if (status != Z_OK || (stream_.avail_in == 0 && rest_.empty() && !hasPending()))
+            throw InputError(std::string(Damaged));
+    }
+
+    /// Whether more may come out without more going in.
+    bool hasPending() const { return stream_.avail_out == 0; }
+
+    /// Goes on with the next member, if there is one; zeros may fill up a block of a tape.
+    void endMember() {
+        const Bytes left(rest_.data() - stream_.avail_in, rest_.size() + stream_.avail_in);
+        isAtEnd_ = std::ranges::all_of(left, [](std::uint8_t byte) { return byte == 0; });
+        if (isAtEnd_) return;
+        if (!isGzip(left) || inflateReset(&stream_) != Z_OK)
+            throw InputError("more bytes after the end of the compressed data");
+    }
+
+    z_stream stream_ = {};
+    Bytes rest_;
+    bool isAtEnd_ = false;
+};
+
+}  // namespace
+
+Data readFile(const std::string& name) {
+    return readUpTo(Descriptor(name), std::numeric_limits<std::size_t>::max());
+}
+
+Data readHead(const std::string& name, std::size_t count) {
+    return readUpTo(Descriptor(name), count);
+}
+
+bool isGzip(Bytes bytes) {
+    return bytes.size() > 3 && bytes[0] == 0x1F && bytes[1] == 0x8B && bytes[2] == 8;
+}
+
+Data inflated(Bytes bytes, std::size_t limit) {
+    Inflation inflation(bytes);
+    Data out;
+    Data portion(PortionSize);
+    while (const std::size_t count = inflation.next(portion)) {
+        if (count > limit - out.size())
+            throw InputError(fmt::format("more than {} bytes come out", limit));
+        out.insert(out.end(), portion.begin(),
+                   portion.begin() + static_cast<std::ptrdiff_t>(count));
+    }
+    return out;
+}
+
+Data inflatedHead(Bytes bytes, std::size_t count) {
+    Data head(count);
+    try {
+        head.resize(Inflation(bytes).next(head));
+    } catch (const InputError&) {
+        head.clear();
+    }
+    return head;
+}
+
+}  // namespace velmo::tool

@@ -1,0 +1,24 @@
+// What the bytes of a text tell of its encoding.
+#pragma once
+
+#include <string_view>
+
+#include <velmocore/text/Encodings.h>
+
+#include "Content.h"
+
+namespace velmo::tool {
+
+struct ByteOrderMark {
+    std::string_view bytes = {};
+    StringEncoding encoding = 0;  ///< 0 if there is no mark
+};
+
+/// The mark that bytes begin with.
+ByteOrderMark markOf(Bytes bytes);
+
+/// UTF-16 without a mark: zeros at every other place only, as of spaces and Latin letters.
+/// UnknownStringEncoding if it is not that.
+StringEncoding encodingOfZeros(Bytes head);
+
+}  // namespace velmo::tool
