@@ -38,12 +38,12 @@ std::vector<Option> queryParseOptions(QueryParseOptions& options) {
 }
 
 bool Query::holdsFor(std::u16string_view units) const {
-    return plain ? terms.matchesString(units, !isCaseInsensitive(comparison))
+    return plain ? terms.matchesString(units, letterCaseOf(comparison))
                  : terms.matchesString(units, comparison);
 }
 
 bool Query::occursIn(std::u16string_view units) const {
-    return plain ? terms.containsString(units, !isCaseInsensitive(comparison))
+    return plain ? terms.containsString(units, letterCaseOf(comparison))
                  : terms.containsString(units, comparison);
 }
 
