@@ -75,7 +75,8 @@ void Report::printText(std::u16string_view text) {
 void Report::printBytes(std::string_view bytes) {
     flush();
     if (turn_) turn_();
-    session_.console.writeOutput(bytes);
+    const bool visible = session_.console.outputIsTerminal();
+    session_.console.writeOutput(visible ? shown(bytes) : bytes);
 }
 
 void Report::printObject(const JsonObject& members) {
