@@ -31,7 +31,7 @@ Corpus makeCorpus() {
     corpus.pages = readPages();
     std::size_t bytes = 0;
     for (const std::string& page : corpus.pages) {
-        const String units = stringWithMarkupData(bytesOf(page));
+        const String units = stringWithMarkupData(Bytes(page));
         const String text = stringByConvertingHtml2PlainText(units);
         corpus.utf8.push_back(units.utf8());
         corpus.texts.push_back(text);

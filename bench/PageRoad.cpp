@@ -37,7 +37,7 @@ BENCHMARK(utf8Icu)->Name("utf8-to-string/icu")->Unit(benchmark::kMillisecond);
 
 void linksVelmo(benchmark::State& state) {
     eachPage(state, corpus().pages, [](const std::string& page) {
-        const String units = stringWithMarkupData(bytesOf(page));
+        const String units = stringWithMarkupData(Bytes(page));
         benchmark::DoNotOptimize(htmlLinks(units));
     });
 }
@@ -45,7 +45,7 @@ BENCHMARK(linksVelmo)->Name("links/velmo")->Unit(benchmark::kMillisecond);
 
 void textVelmo(benchmark::State& state) {
     eachPage(state, corpus().pages, [](const std::string& page) {
-        const String units = stringWithMarkupData(bytesOf(page));
+        const String units = stringWithMarkupData(Bytes(page));
         benchmark::DoNotOptimize(stringByConvertingHtml2PlainText(units));
     });
 }

@@ -64,7 +64,7 @@ void matchVelmo(benchmark::State& state, const MatchCase& c) {
     const QueryTerms query(c.query);
     std::size_t hits = 0;
     eachPage(state, corpus().texts,
-             [&](const String& text) { hits += query.matchesString(text, false); });
+             [&](const String& text) { hits += query.matchesString(text, Case::Insensitive); });
     state.counters["hits"] = static_cast<double>(hits / state.iterations());
 }
 
@@ -158,7 +158,7 @@ void excerptVelmo(benchmark::State& state) {
                                   .ellipsizeAfterNCharacters = 300};
     std::size_t hits = 0;
     eachPage(state, corpus().texts, [&](const String& page) {
-        if (!query.matchesString(page, false)) return;
+        if (!query.matchesString(page, Case::Insensitive)) return;
         ++hits;
         benchmark::DoNotOptimize(assembleOccurrencesOfWildcards(page, wildcards, options));
     });

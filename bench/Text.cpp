@@ -25,7 +25,7 @@ void wordsVelmo(benchmark::State& state) {
     for (const char* word : Words) words.push_back(String::fromUTF8(word));
     std::uint64_t hits = 0;
     eachPage(state, corpus().texts, [&](const String& text) {
-        for (const String& word : words) hits += countWord(text, word, false);
+        for (const String& word : words) hits += countWord(text, word, Case::Insensitive);
     });
     state.counters["hits"] = static_cast<double>(hits / state.iterations());
 }
@@ -69,7 +69,7 @@ BENCHMARK(countIcu)->Name("word-count/icu")->Unit(benchmark::kMillisecond);
 
 void crcVelmo(benchmark::State& state) {
     eachPage(state, corpus().pages,
-             [](const std::string& page) { benchmark::DoNotOptimize(CRC32(bytesOf(page))); });
+             [](const std::string& page) { benchmark::DoNotOptimize(CRC32(Bytes(page))); });
 }
 BENCHMARK(crcVelmo)->Name("crc32/velmo")->Unit(benchmark::kMillisecond);
 

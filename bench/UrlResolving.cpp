@@ -34,7 +34,7 @@ const std::vector<Text>& links() {
     static const std::vector<Text> made = [] {
         std::vector<Text> texts;
         for (const std::string& page : corpus().pages)
-            for (const String& link : htmlLinks(stringWithMarkupData(bytesOf(page))).links)
+            for (const String& link : htmlLinks(stringWithMarkupData(Bytes(page))).links)
                 texts.push_back(textOf(link));
         return texts;
     }();

@@ -27,7 +27,7 @@ const std::vector<URL>& links() {
         const URL base = URL::URLWithString(u"https://www.example.org/docs/index.html");
         std::vector<URL> urls;
         for (const std::string& page : corpus().pages)
-            for (const String& link : htmlLinks(stringWithMarkupData(bytesOf(page))).links)
+            for (const String& link : htmlLinks(stringWithMarkupData(Bytes(page))).links)
                 if (const URL url = URL::URLWithString(link, base); !url.isAbsent())
                     urls.push_back(url);
         return urls;

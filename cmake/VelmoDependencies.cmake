@@ -3,7 +3,6 @@
 include(CMakeFindDependencyMacro)
 find_dependency(ICU COMPONENTS uc)
 find_dependency(fmt)
-find_dependency(Boost 1.81 COMPONENTS url)
 find_dependency(ZLIB)
 find_dependency(OpenSSL COMPONENTS Crypto)
 find_dependency(PkgConfig)

@@ -30,7 +30,6 @@ if(BUILD_SHARED_LIBS)
   set(VELMO_PC_REQUIRES "Requires.private")
 else()
   set(VELMO_PC_REQUIRES "Requires")
-  string(APPEND VELMO_PC_LIBS "-lboost_url -lboost_system")
 endif()
 # From the file to the prefix, so that an installed copy can be moved.
 file(RELATIVE_PATH VELMO_PC_PREFIX

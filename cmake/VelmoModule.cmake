@@ -6,6 +6,12 @@
 # for what its row does not name.
 set(VELMO_MODULES "")
 
+# While the major number is 0, a minor one may change what programs were compiled with.
+set(VELMO_SOVERSION ${PROJECT_VERSION_MAJOR})
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  string(APPEND VELMO_SOVERSION ".${PROJECT_VERSION_MINOR}")
+endif()
+
 function(velmo_module name)
   cmake_parse_arguments(MODULE "" "" "USES;PRIVATE" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/Classes/${name}/*.cpp)
@@ -30,7 +36,7 @@ function(velmo_module name)
   add_library(velmo-${name} ${sources} ${stamp})
   add_library(velmo::${name} ALIAS velmo-${name})
   set_target_properties(velmo-${name} PROPERTIES EXPORT_NAME ${name}
-    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    VERSION ${PROJECT_VERSION} SOVERSION ${VELMO_SOVERSION}
     OUTPUT_NAME velmocore-${name})
   target_compile_features(velmo-${name} PUBLIC cxx_std_20)
   target_include_directories(velmo-${name}

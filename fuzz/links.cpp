@@ -46,12 +46,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::require(filtered.links.size() <= all.links.size());
     checkLinks(htmlLinksContaining(page, u"a", false));
 
-    const HtmlReferences references = htmlLinksAndFrames(page);
+    const HtmlReferences references = htmlLinksAndFramesSet(page);
     fuzz::require(references.baseURL == all.baseURL);
     fuzz::require(std::all_of(all.links.begin(), all.links.end(), [&](const String& link) {
         return references.references.contains(link);
     }));
-    htmlFrames(page);
+    htmlFramesSet(page);
     htmlImages(page);
     htmlStylesheetsAndScripts(page);
     htmlEmbeddedObjects(page);

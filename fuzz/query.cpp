@@ -84,8 +84,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     queryTermWithoutSiteOperator(query);
 
-    const Range range = rangeOfWord(text, query, false);
+    const Range range = rangeOfWord(text, query, Case::Insensitive);
     require(!range.isFound() || range.end() <= text.length());
-    require(range.isFound() == (countWord(text, query, false) > 0));
+    require(range.isFound() == (countWord(text, query, Case::Insensitive) > 0));
     return 0;
 }

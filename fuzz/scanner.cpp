@@ -23,7 +23,7 @@ void readAttributes(std::u16string_view tag) {
     HTTPHeaderFieldNamed(tag, u"A");
     headerCharset(tag);
     headerRefresh(tag);
-    getTagWidthHeight(tag);
+    getTagWidth(tag);
     backgroundStyleURLOfTagCharacters(tag);
     fuzz::require(!isMetaTag(tag) || !isRemarkTag(tag));
 }

@@ -9,14 +9,16 @@
 
 #include "markup/TagSupport.h"
 
-namespace velmo {
+namespace velmo::detail {
 
 void applyBaseRule(const Tag& tag, URL& baseURL) {
     String href = normalizedStringURL(attributeOf(tag.whole(), "HREF"));
     if (href.isAbsent()) return;
+    // A later base that is no good takes the earlier one back: it was meant to replace it.
     baseURL = URL();
     const bool isRelative = href[0] == u'.' || href[0] == u'/';
     if (href[0] == u'#' || (isRelative && href.length() < 2)) return;
+    // The scheme of the page is not known here, and http is what servers redirect from.
     if (href.view().starts_with(u"//")) href = u"http:" + std::u16string(href);
     URL url = URLWithNormalizedStringURL(href);
     if (isRemoteWebKitURL(url))
@@ -25,4 +27,4 @@ void applyBaseRule(const Tag& tag, URL& baseURL) {
         log(fmt::format("Invalid base: '{}'", href.utf8()));
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

@@ -4,10 +4,10 @@
 #include <velmocore/markup/TagScanner.h>
 #include <velmocore/url/URL.h>
 
-namespace velmo {
+namespace velmo::detail {
 
 /// Sets the base that an opening base tag names: a URL of the web, else none, which is
 /// logged where something else was meant to be one. A tag that names nothing changes nothing.
 void applyBaseRule(const Tag& tag, URL& baseURL);
 
-}  // namespace velmo
+}  // namespace velmo::detail

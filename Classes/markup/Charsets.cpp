@@ -75,6 +75,8 @@ TextEncoding macEncoding(std::u16string_view rest) {
 }
 
 TextEncoding charset2CFStringEncoding(std::u16string_view name) {
+    // Most names hold the number of a standard or a code page, by which far more misspellings are
+    // known than could be listed.
     const std::u16string normal = normalized(name);
     if (normal.size() < 3) return UnknownTextEncoding;
     if (const auto number = firstNumber(normal)) {

@@ -1,3 +1,9 @@
+// References are looked for from & to &, and what stands between is moved in one piece. At each &
+// three readers are asked in turn: the few references that need no semicolon, a number, a name.
+// None of them looks farther than MaxRun units, so that a text of nothing but & is linear.
+//
+// A reference is never shorter than what it stands for, which is why the decoder may work in the
+// place of its source.
 #include <velmocore/markup/Entities.h>
 
 #include <fmt/format.h>
@@ -14,6 +20,8 @@
 
 namespace velmo {
 namespace {
+
+using namespace detail;
 
 using Units = std::u16string_view;
 using Traits = std::char_traits<char16_t>;
@@ -107,7 +115,7 @@ Reference readName(Units text) {
     char name[MaxRun];
     const std::size_t length = run.end - 1;
     for (std::size_t i = 0; i < length; ++i) name[i] = static_cast<char>(text[i + 1]);
-    const char16_t unit = detail::unitOfEntity({name, length});
+    const char16_t unit = unitOfEntity({name, length});
     return unit ? plainUnit(run.taken, unit) : Reference();
 }
 
@@ -247,7 +255,7 @@ String stringByConvertingStandardEntitiesToCharacters(const String& string) {
 String stringByConvertingCharactersToEntities(const String& string) {
     return rewriteRuns(string, &scan::findNonAscii,
                        [](const char16_t* at, const char16_t*, StringBuilder& out) {
-                           const std::string_view name = detail::entityOfUnit(*at);
+                           const std::string_view name = entityOfUnit(*at);
                            if (name.empty()) {
                                appendNumber(out, *at);
                            } else {
@@ -280,6 +288,6 @@ String stringByConvertingCharactersToStandardEntities(const String& string) {
                        });
 }
 
-void initConversionTables() { alphaNumCharacterSetRep(); }
+void initConversionTables() { (void)alphaNumCharacterSetRep(); }
 
 }  // namespace velmo

@@ -10,6 +10,7 @@
 
 #include "platform/Unicode.h"
 #include "text/Keyword.h"
+#include "text/PathParts.h"
 
 namespace velmo {
 namespace {
@@ -65,15 +66,6 @@ bool isOneOf(std::u16string_view extension, Keywords keywords) {
     return false;
 }
 
-/// What stands behind the last full stop of the last component; a name that begins with
-/// its only full stop has no extension.
-std::u16string_view extensionOf(std::u16string_view path) {
-    while (path.size() > 1 && path.back() == u'/') path.remove_suffix(1);
-    path = path.substr(path.rfind(u'/') + 1);
-    const std::size_t stop = path.rfind(u'.');
-    return stop == 0 || stop == path.npos ? std::u16string_view() : path.substr(stop + 1);
-}
-
 }  // namespace
 
 std::vector<String> HTMLFileTypes() { return listOf(HTMLNames); }
@@ -122,11 +114,11 @@ bool isMarkupExtension(std::u16string_view extension) {
            isPropertyListExtension(extension);
 }
 
-bool isHTMLFile(std::u16string_view path) { return isHTMLExtension(extensionOf(path)); }
-bool isXMLFile(std::u16string_view path) { return isXMLExtension(extensionOf(path)); }
+bool isHTMLFile(std::u16string_view path) { return isHTMLExtension(extensionOfPath(path)); }
+bool isXMLFile(std::u16string_view path) { return isXMLExtension(extensionOfPath(path)); }
 bool isPropertyListFile(std::u16string_view path) {
-    return isPropertyListExtension(extensionOf(path));
+    return isPropertyListExtension(extensionOfPath(path));
 }
-bool isMarkupFile(std::u16string_view path) { return isMarkupExtension(extensionOf(path)); }
+bool isMarkupFile(std::u16string_view path) { return isMarkupExtension(extensionOfPath(path)); }
 
 }  // namespace velmo

@@ -6,6 +6,8 @@
 namespace velmo {
 namespace {
 
+using namespace detail;
+
 unsigned hexDigit(char16_t unit) {
     if (unit >= u'0' && unit <= u'9') return unit - u'0';
     if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;
@@ -20,7 +22,8 @@ char16_t readHex(const char16_t*& at, const char16_t* end, int digits) {
     return static_cast<char16_t>(value);
 }
 
-/// Decodes the escape at a backslash.
+/// Decodes the escape at a backslash. What is no escape loses its backslash, as scripts have it:
+/// pages escape slashes and quotes that need none.
 const char16_t* decodeEscape(const char16_t* at, const char16_t* end, StringBuilder& out,
                              bool isJavaScript) {
     if (at + 1 == end) {

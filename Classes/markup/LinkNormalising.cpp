@@ -1,3 +1,6 @@
+// Nearly all references of a page are normal already, which one look for a suspect unit tells, and
+// are then given back where they stand. The others are copied once, without the units that are
+// removed everywhere; every later step only shortens the copy, at its ends or in its place.
 #include <velmocore/markup/LinkNormalising.h>
 
 #include <algorithm>
@@ -17,6 +20,8 @@
 
 namespace velmo {
 namespace {
+
+using namespace detail;
 
 using Units = std::u16string_view;
 

@@ -8,10 +8,13 @@
 #include "markup/BaseRule.h"
 #include "markup/NormalizedLink.h"
 #include "markup/TagSupport.h"
+#include "markup/TagWalk.h"
 #include "markup/UniqueLinks.h"
 
 namespace velmo {
 namespace {
+
+using namespace detail;
 
 using Units = std::u16string_view;
 
@@ -25,12 +28,13 @@ public:
           links_(result.links) {}
 
     bool operator()(const Tag& tag) {
+        // The text of a link may hold tags of its own, as images or bold type.
         if (hasLinkText_) linkText_ += tag.text();
         if (tag.nameLength == 1) {
-            if (isNamed(tag, "A")) retrieveAnchor(tag);
+            if (tag.isNamed("A")) retrieveAnchor(tag);
         } else if (tag.nameLength == 4 && isOpening(tag)) {
-            if (isNamed(tag, "BASE")) applyBaseRule(tag, baseURL_);
-            if (!wantsText_ && isNamed(tag, "AREA")) add(hrefOf(tag));
+            if (tag.isNamed("BASE")) applyBaseRule(tag, baseURL_);
+            if (!wantsText_ && tag.isNamed("AREA")) add(hrefOf(tag));
         }
         return false;
     }
@@ -42,6 +46,7 @@ private:
         } else if (isOpening(tag)) {
             openLink(hrefOf(tag));
         } else {
+            // Only now all of the text is known; a link that is never closed has none.
             if (hasLinkText_ && isKept()) add(href_);
             openLink({});
         }
@@ -85,11 +90,15 @@ private:
 
 }  // namespace
 
-HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
+HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
     HtmlLinks result;
     RetrieveLinksHandler handler(result, options);
-    GetTagsOfString(page, handler);
+    walk(handler);
     return result;
+}
+
+HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
+    return linksOf(scanOf(page), options);
 }
 
 }  // namespace velmo

@@ -41,6 +41,7 @@ NamedCharset findCharset(std::u16string_view page, bool* reachesFarther = nullpt
         } else if (keyword::equals(name, "XML") && tag.whole()[1] == u'?') {
             charset = attributeOfTagCharacters(tag.whole(), "ENCODING");
         }
+        // A tag that names none does not end the search: pages have many meta tags.
         if (charset.isAbsent()) return false;
         found = {charset, {tag.tagLocation, tag.tagLength}};
         return true;

@@ -1,3 +1,10 @@
+// What a page says of its charset is often wrong, and its header is as well. So both are tried: a
+// reading that cannot be made falls out, and between two that can, the one with less units U+FFFD
+// wins. The order of the trials decides ties, and differs between the web, where a header may have
+// named the charset, and files, which have only what they say themselves.
+//
+// Each reading is a pass over the whole page; where the head tells by itself that another reading
+// will win, the first one is never made.
 #include <velmocore/markup/MarkupDecoding.h>
 
 #include <velmocore/markup/Charsets.h>

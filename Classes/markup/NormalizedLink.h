@@ -5,7 +5,7 @@
 #include <memory>
 #include <string_view>
 
-namespace velmo {
+namespace velmo::detail {
 
 class NormalizedLink {
 public:
@@ -27,4 +27,4 @@ private:
     std::u16string_view link_;
 };
 
-}  // namespace velmo
+}  // namespace velmo::detail

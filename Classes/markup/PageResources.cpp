@@ -1,3 +1,6 @@
+// One handler a kind of page part, each of which takes references from the tags that it knows.
+// Tags are told apart by the length of their name first: most tags of a page are of no interest to
+// a handler, and a switch tells so without looking at a unit.
 #include <velmocore/markup/PageResources.h>
 
 #include <algorithm>
@@ -14,10 +17,13 @@
 #include "markup/BaseRule.h"
 #include "markup/NormalizedLink.h"
 #include "markup/TagSupport.h"
+#include "markup/TagWalk.h"
 #include "markup/UniqueLinks.h"
 
 namespace velmo {
 namespace {
+
+using namespace detail;
 
 using Units = std::u16string_view;
 
@@ -60,13 +66,14 @@ public:
 
     HtmlReferences finish() {
         result_.references = references_.finish();
+        if (!robots_.empty()) result_.robots = robots_;
         return std::move(result_);
     }
 
     bool operator()(const Tag& tag) {
         switch (tag.nameLength) {
             case 1:
-                if (isNamed(tag, "A")) addLink(tag);
+                if (tag.isNamed("A")) addLink(tag);
                 break;
             case 3:
                 noteFeed(tag, "RSS");
@@ -75,11 +82,11 @@ public:
                 retrieveShortTag(tag);
                 break;
             case 5:
-                if (isNamed(tag, "FRAME")) addFrame(tag);
-                if (isNamed(tag, "TITLE")) retrieveTitle(tag);
+                if (tag.isNamed("FRAME")) addFrame(tag);
+                if (tag.isNamed("TITLE")) retrieveTitle(tag);
                 break;
             case 6:
-                if (isNamed(tag, "IFRAME")) addFrame(tag);
+                if (tag.isNamed("IFRAME")) addFrame(tag);
                 break;
             case 7:
                 noteFeed(tag, "RDF:RDF");
@@ -92,24 +99,25 @@ public:
 
 private:
     void retrieveShortTag(const Tag& tag) {
-        if (isNamed(tag, "LINK")) {
+        if (tag.isNamed("LINK")) {
             if (String favIcon = getFavIcon(tag); !favIcon.isAbsent())
                 result_.favIcon = std::move(favIcon);
-        } else if (isNamed(tag, "META")) {
+        } else if (tag.isNamed("META")) {
             retrieveMeta(tag.whole());
-        } else if (isNamed(tag, "AREA")) {
+        } else if (tag.isNamed("AREA")) {
             addLink(tag);
-        } else if (isNamed(tag, "BASE")) {
+        } else if (tag.isNamed("BASE")) {
             if (isOpening(tag)) applyBaseRule(tag, result_.baseURL);
-        } else if (isNamed(tag, "HTML") || isNamed(tag, "HEAD") || isNamed(tag, "BODY")) {
+        } else if (tag.isNamed("HTML") || tag.isNamed("HEAD") || tag.isNamed("BODY")) {
             sawHTML_ = true;
         } else {
             noteFeed(tag, "FEED");
         }
     }
 
+    /// The root of a feed only counts in front of any page: blogs show feeds in their pages.
     void noteFeed(const Tag& tag, std::string_view root) {
-        if (!sawHTML_ && isNamed(tag, root)) result_.isFeed = true;
+        if (!sawHTML_ && tag.isNamed(root)) result_.isFeed = true;
     }
 
     void addLink(const Tag& tag) {
@@ -121,11 +129,13 @@ private:
         if (!tag.isClosing()) references_.addNormalized(attributeOf(tag.whole(), "SRC"));
     }
 
+    /// The title is the text in front of its closing tag, where all of it has been seen.
     void retrieveTitle(const Tag& tag) {
         if (isTagClosed(tag.whole())) result_.title = tag.hasText() ? tag.text() : Units(u"");
     }
 
     void retrieveMeta(Units tag) {
+        // A tag that refreshes is nothing else, whatever its name says.
         if (keyword::equals(attributeOf(tag, "HTTP-EQUIV"), "REFRESH")) {
             result_.refresh = contentAttributeOfTagCharacters(tag);
             return;
@@ -137,30 +147,25 @@ private:
             result_.revisit = contentAttributeOfTagCharacters(tag);
     }
 
+    /// Many pages say the same twice, for two kinds of robots.
     void addRobots(const String& content) {
-        String& robots = result_.robots;
-        if (content.isEmpty() || isEqualToStringNoCase(content, robots)) return;
-        robots = robots.isEmpty() ? content
-                                  : String(std::u16string(robots) + u',' + std::u16string(content));
+        if (content.isEmpty() || isEqualToStringNoCase(content, robots_)) return;
+        if (!robots_.empty()) robots_ += u',';
+        robots_ += content;
     }
 
     HtmlReferences result_;
     References references_;
+    std::u16string robots_;  ///< grows with each tag, of which a page may have very many
     const bool wantsLinks_;
     bool sawHTML_ = false;
 };
 
-HtmlReferences referencesOf(Units page, bool wantsLinks) {
-    RetrieveLinksAndFramesHandler handler(wantsLinks);
-    GetTagsOfString(page, handler);
-    return handler.finish();
-}
-
-/// The references that add takes from the opening tags of a page.
+/// The references that add takes from the opening tags of a walk.
 template <class Add>
-std::set<String> referencesOfOpeningTags(Units page, Add add) {
+std::set<String> referencesOfOpeningTags(TagWalk walk, Add add) {
     References references;
-    GetTagsOfString(page, [&](const Tag& tag) {
+    walk([&](const Tag& tag) {
         if (tag.nameLength > 2 && isOpening(tag)) add(references, tag);
         return false;
     });
@@ -192,40 +197,51 @@ void addSheetOrScriptToSet(References& references, Units element) {
 
 }  // namespace
 
-HtmlReferences htmlFrames(Units page) { return referencesOf(page, false); }
-HtmlReferences htmlLinksAndFrames(Units page) { return referencesOf(page, true); }
+HtmlReferences detail::referencesOf(TagWalk walk, bool wantsLinks) {
+    RetrieveLinksAndFramesHandler handler(wantsLinks);
+    walk(handler);
+    return handler.finish();
+}
 
-std::set<String> htmlImages(Units page) {
-    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+std::set<String> detail::imagesOf(TagWalk walk) {
+    return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
         const Units whole = tag.whole();
-        if (isNamed(tag, "IMG"))
+        if (tag.isNamed("IMG"))
             references.addNormalized(attributeOf(whole, "SRC"));
-        else if (isNamed(tag, "BODY"))
+        else if (tag.isNamed("BODY"))
             references.addNormalized(attributeOf(whole, "BACKGROUND"));
-        else if (isNamed(tag, "LINK") && relContains(whole, 4, {"ICON", "IMAGE"}))
+        else if (tag.isNamed("LINK") && relContains(whole, 4, {"ICON", "IMAGE"}))
             references.addRelLink(attributeOf(whole, "HREF"));
     });
 }
 
-std::set<String> htmlStylesheetsAndScripts(Units page) {
-    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+std::set<String> detail::stylesheetsAndScriptsOf(TagWalk walk) {
+    return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
         const Units whole = tag.whole();
-        if (isNamed(tag, "SCRIPT") || isNamed(tag, "STYLE"))
+        if (tag.isNamed("SCRIPT") || tag.isNamed("STYLE"))
             addSheetOrScriptToSet(references, whole);
-        else if (isNamed(tag, "LINK") && relContains(whole, 5, {"STYLE", "SHEET", "SCRIPT"}))
+        else if (tag.isNamed("LINK") && relContains(whole, 5, {"STYLE", "SHEET", "SCRIPT"}))
             references.addRelLink(attributeOf(whole, "HREF"));
     });
 }
 
-std::set<String> htmlEmbeddedObjects(Units page) {
-    return referencesOfOpeningTags(page, [](References& references, const Tag& tag) {
+std::set<String> detail::embeddedObjectsOf(TagWalk walk) {
+    return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
         if (tag.nameLength < 5 || tag.nameLength > 6) return;
-        const bool isObject = isNamed(tag, "OBJECT");
-        if (isObject || isNamed(tag, "SOURCE") || isNamed(tag, "AUDIO") || isNamed(tag, "VIDEO") ||
-            isNamed(tag, "TRACK") || isNamed(tag, "EMBED"))
+        const bool isObject = tag.isNamed("OBJECT");
+        if (isObject || tag.isNamed("SOURCE") || tag.isNamed("AUDIO") || tag.isNamed("VIDEO") ||
+            tag.isNamed("TRACK") || tag.isNamed("EMBED"))
             references.addNormalized(attributeOf(tag.whole(), isObject ? "DATA" : "SRC"));
     });
 }
+
+HtmlReferences htmlFramesSet(Units page) { return referencesOf(scanOf(page), false); }
+HtmlReferences htmlLinksAndFramesSet(Units page) { return referencesOf(scanOf(page), true); }
+std::set<String> htmlImages(Units page) { return imagesOf(scanOf(page)); }
+std::set<String> htmlStylesheetsAndScripts(Units page) {
+    return stylesheetsAndScriptsOf(scanOf(page));
+}
+std::set<String> htmlEmbeddedObjects(Units page) { return embeddedObjectsOf(scanOf(page)); }
 
 String htmlFavIcon(Units page) {
     String favIcon;
@@ -237,7 +253,7 @@ String htmlFavIcon(Units page) {
 }
 
 String getFavIcon(const Tag& tag) {
-    if (!isNamed(tag, "LINK") || !isOpening(tag)) return {};
+    if (!tag.isNamed("LINK") || !isOpening(tag)) return {};
     const Units whole = tag.whole();
     if (!relContains(whole, 13, {"SHORTCUT ICON"})) return {};
     return normalizedRelLink(attributeOf(whole, "HREF"));

@@ -1,39 +1,35 @@
-// A handler on the tag scanner that writes the text between the tags to one output and
-// decides at each tag whether a break or a blank is due. Breaks need text between them: a
-// tag writes one only while text is pending, that is, written since the last break. Flags
-// of hidden elements do not nest; the last tag seen decides.
+// A handler on the tag scanner that decides which text between the tags counts, and at each tag
+// whether a break or a space is due. Flags of hidden elements do not nest: the last tag seen
+// decides, as pages forget their closing tags.
 //
-// What each tag does stands in two places: TagRules, the table of the tags, says which break
-// a tag writes and which state it leaves; what is more than that stands in the member that
-// its row names.
+// What each tag does stands in two places: the table of the tags says which break a tag writes and
+// which state it leaves; what is more than that stands in the member that its row names. How text,
+// breaks and spaces are written is the matter of markup/PlainTextOutput.h.
 #include <velmocore/markup/PlainText.h>
 
 #include <array>
 #include <string>
 
-#include <velmocore/markup/Entities.h>
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/PlainTextOutput.h"
 #include "markup/TagName.h"
-#include "markup/WhiteRuns.h"
+#include "markup/TagSupport.h"
+#include "markup/TagWalk.h"
 #include "text/Keyword.h"
 #include "text/LeadingInteger.h"
-#include "text/UnitScan.h"
 
 namespace velmo {
 namespace {
 
 using Units = std::u16string_view;
+using detail::Break;
 
 /// What a body must not count down to when everything counts as body.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
-constexpr std::size_t JunkSpan = 10001;     ///< a span this long is no text
-constexpr std::size_t JunkLinkText = 3501;  ///< nor is one in a link or a heading
-constexpr std::size_t JunkRun = 20001;      ///< nor is a run without any break
-constexpr std::size_t ShortestEncoded = 4;  ///< shorter spans hold no entity
 constexpr std::size_t ShortestGoogleComment = 19;
 
 enum GoogleBits : unsigned { Index = 1, Snippet = 2, Anchor = 4, AllBits = 7 };
@@ -62,7 +58,7 @@ bool isHiddenStyle(Units tag) {
     if (keyword::contains(style, "POSITION:ABSOLUTE") &&
         (styleNumber(style, u"TOP") < -1000 || styleNumber(style, u"LEFT") < -1000))
         return true;
-    const TagSize size = getTagWidthHeight(tag);
+    const TagSize size = getTagWidth(tag);
     return size && (isOneToThree(size.width) || size.height < 0 || isOneToThree(size.height));
 }
 
@@ -82,7 +78,7 @@ bool isTinyFont(Units style) {
 class Converter {
 public:
     explicit Converter(const PlainTextOptions& options)
-        : options_(options), bodyDepth_(options.onlyBody ? 0 : WholePage) {}
+        : options_(options), out_(options), bodyDepth_(options.onlyBody ? 0 : WholePage) {}
 
     bool handle(const Tag& tag) {
         if (bodyDepth_ < 1) {
@@ -98,10 +94,9 @@ public:
     /// A text span goes out behind a blank, a tag only opens and closes the body.
     bool handleSimply(const Tag& tag) {
         if (tag.hasText() && bodyDepth_ >= 1) {
-            const Units text = decoded(tag.text(), {});
+            const Units text = out_.decoded(tag.text(), {});
             if (!text.empty()) {
-                out_.append(u' ');
-                out_.append(text);
+                out_.appendBare(text);
                 didOutput_ = true;
             }
         }
@@ -113,12 +108,10 @@ public:
     }
 
     bool didOutput() const { return didOutput_; }
-    bool didRemoveJunk() const { return didRemoveJunk_; }
+    bool didRemoveJunk() const { return out_.didRemoveJunk(); }
     String finish() { return out_.finish(); }
 
 private:
-    enum class Break { None, Line, Paragraph };
-
     struct TagRule {
         std::string_view name;
         Break breakIfPending;
@@ -157,6 +150,7 @@ private:
         backgroundColor_ = String();
     }
 
+    /// What was hidden before the body does not hide the body: heads are full of open tags.
     void enterBody(Units tag) {
         changeDepth(tag, +1);
         clearElements();
@@ -164,6 +158,8 @@ private:
         backgroundColor_ = attributeOfTagCharacters(tag, "BGCOLOR");
     }
 
+    /// Comments with which a site keeps parts of its pages out of an index. Each names the uses it
+    /// switches; text counts as long as it may be indexed.
     void noteGoogleComment(const Tag& tag) {
         if (!options_.googleTags || tag.tagLength < ShortestGoogleComment) return;
         const Units comment = tag.whole();
@@ -186,7 +182,7 @@ private:
         if (isHeldBack())
             noteKeywordStuffing(tag.text());
         else
-            appendRangeToPlainText(tag.text());
+            out_.appendSpan(tag.text(), linkDepth_ > 0);
     }
 
     bool isHeldBack() const {
@@ -199,8 +195,8 @@ private:
     /// search engines only.
     void noteKeywordStuffing(Units text) {
         constexpr std::size_t Shortest = 100, Separators = 5, WordLength = 6;
-        if (!hiddenFont_ || didRemoveJunk_ || text.size() < Shortest) return;
-        text = trimmed(decoded(text, {}));
+        if (!hiddenFont_ || out_.didRemoveJunk() || text.size() < Shortest) return;
+        text = out_.trimmed(out_.decoded(text, {}));
         if (text.size() < Shortest) return;
         const CharacterSetRep& alphaNum = alphaNumCharacterSetRep();
         std::size_t separators = 0, units = 0;
@@ -212,155 +208,8 @@ private:
             inSeparator = !isWordUnit;
         }
         if (units >= Shortest && separators >= Separators && units / separators >= WordLength)
-            didRemoveJunk_ = true;
+            out_.noteJunk();
     }
-
-    /// Writes one span of text.
-    void appendRangeToPlainText(Units span) {
-        if (options_.removeJunk && ((span.size() >= JunkSpan && collapseWhite_) ||
-                                    (span.size() >= JunkLinkText && linkDepth_ > 0))) {
-            didRemoveJunk_ = true;
-            blankOwed_ = collapseWhite_;
-            return;
-        }
-        if (collapseWhite_ && !mapsUnits_ && copyUnlessEncoded(span)) return;
-        Units text = decoded(span, options_);
-        if (text.empty()) {
-            blankOwed_ = collapseWhite_;
-            return;
-        }
-        const bool startsWhite = isWhite(text.front());
-        const bool endsWhite = isWhite(text.back());
-        if (collapseWhite_) {
-            text = trimmed(text);
-            if (text.empty()) {
-                blankOwed_ = true;
-                return;
-            }
-        }
-        beginSpan(text.size(), startsWhite);
-        if (collapseWhite_ || !options_.reformat) {
-            out_.commit(static_cast<std::size_t>(copied<0>(text) - out_.end()));
-            endSpan(endsWhite);
-        } else {
-            copyReformatted(text);
-        }
-    }
-
-    /// The short way for the many spans without entities: white space at the end is cut when
-    /// it stands as one blank in the output. False, and nothing done, if there is an &.
-    bool copyUnlessEncoded(Units span) {
-        std::size_t start = 0;
-        while (start < span.size() && isWhite(span[start])) ++start;
-        if (start == span.size()) {
-            blankOwed_ = true;
-            return true;
-        }
-        const std::size_t length = out_.length();
-        const bool wasOwed = blankOwed_;
-        beginSpan(span.size(), start > 0);
-        const char16_t* const end = copied<u'&'>(span.substr(start));
-        if (!end) {
-            out_.truncate(length);
-            blankOwed_ = wasOwed;
-            return false;
-        }
-        const bool endsWhite = end[-1] == u' ';
-        out_.commit(static_cast<std::size_t>(end - out_.end()) - endsWhite);
-        endSpan(endsWhite);
-        return true;
-    }
-
-    /// Makes room and writes the blank that is due in front of a span.
-    void beginSpan(std::size_t units, bool startsWhite) {
-        out_.prepare(units + 2);
-        if (startsWhite) blankOwed_ = true;
-        if (blankOwed_ && (pendingText_ || (!collapseWhite_ && !lastIsWhite()))) out_.append(u' ');
-    }
-
-    void endSpan(bool endsWhite) {
-        if (dropJunkRun()) return;
-        blankOwed_ = endsWhite;
-        pendingText_ = true;
-    }
-
-    /// Copies text behind the output, and gives the end of what was copied.
-    template <char16_t Stop>
-    const char16_t* copied(Units text) {
-        return detail::copyCollapsingWhite<Stop>(text.data(), text.data() + text.size(), out_.end(),
-                                                 white_);
-    }
-
-    /// Copies preformatted text and takes its soft line wraps apart.
-    void copyReformatted(Units text) {
-        for (std::size_t i = 0; i < text.size();) {
-            const std::size_t feeds = skipFeeds(text, i);
-            if (feeds >= 2 || (feeds == 1 && i < text.size() && keepsBreak(text[i]))) {
-                if (dropJunkRun()) return;
-                out_.append(feeds >= 2 ? Units(u"\n\n") : Units(u"\n"));
-                lastBreak_ = out_.length();
-            } else if (feeds == 1 && i < text.size() && !lastIsWhite()) {
-                out_.append(u' ');
-            }
-            if (i < text.size() && space_.contains(text[i])) {
-                while (i < text.size() && space_.contains(text[i])) ++i;
-                out_.append(u' ');
-            }
-            if (i < text.size() && !isFeedUnit(text[i])) out_.append(text[i++]);
-        }
-        if (dropJunkRun()) return;
-        if (out_.length() > lastBreak_) pendingText_ = true;
-    }
-
-    /// Skips line endings, CR LF counting as one, and gives their number.
-    static std::size_t skipFeeds(Units text, std::size_t& i) {
-        std::size_t count = 0;
-        for (; i < text.size() && isFeedUnit(text[i]); ++i, ++count)
-            if (text[i] == u'\r' && i + 1 < text.size() && text[i + 1] == u'\n') ++i;
-        return count;
-    }
-
-    /// Whether a line that starts with the unit is indented text, a list, a path, a quote
-    /// or the end of a block, so that the line break before it is meant.
-    static bool keepsBreak(char16_t unit) {
-        return unit == u' ' || unit == u'-' || unit == u'/' || unit == u'>' || unit == u'}';
-    }
-
-    /// Takes back what was written since the last break if it is too long to be text.
-    bool dropJunkRun() {
-        if (!options_.removeJunk || out_.length() - lastBreak_ < JunkRun) return false;
-        didRemoveJunk_ = true;
-        out_.truncate(lastBreak_);
-        return true;
-    }
-
-    /// The span with its entities decoded; a view of the span itself if it has none.
-    Units decoded(Units span, const PlainTextOptions& options) {
-        if (span.size() < ShortestEncoded) return span;
-        const bool maps = options.entities && options.nonUmlauted;
-        if (!options.entities && !options.stdEntities) return span;
-        if (!maps &&
-            scan::find(span.data(), span.data() + span.size(), u'&') == span.data() + span.size())
-            return span;
-        scratch_.assign(span);
-        const std::size_t length =
-            options.entities
-                ? convertEntities2Characters(
-                      scratch_.data(), scratch_.data(), 0, scratch_.size(),
-                      {.convertStandard = options.stdEntities, .nonUmlauted = options.nonUmlauted})
-                : convertStdEntities2Characters(scratch_.data(), scratch_.size());
-        return Units(scratch_).substr(0, length);
-    }
-
-    Units trimmed(Units text) const {
-        while (!text.empty() && isWhite(text.front())) text.remove_prefix(1);
-        while (!text.empty() && isWhite(text.back())) text.remove_suffix(1);
-        return text;
-    }
-
-    bool isWhite(char16_t unit) const { return detail::isWhiteUnit(unit, white_); }
-    /// True if nothing is written yet.
-    bool lastIsWhite() const { return out_.isEmpty() || isWhite(out_.back()); }
 
     // --- tags -------------------------------------------------------------------------
 
@@ -371,21 +220,10 @@ private:
         }
         const TagRule* rule = ruleOf(tag);
         if (!rule) return;
-        if (pendingText_ && rule->breakIfPending != Break::None) writeBreak(rule->breakIfPending);
+        if (out_.hasPendingText() && rule->breakIfPending != Break::None)
+            out_.writeBreak(rule->breakIfPending);
         if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
         if (rule->then) (this->*rule->then)(tag.whole());
-    }
-
-    void writeBreak(Break kind) {
-        out_.append(kind == Break::Paragraph ? Units(u"\n\n") : Units(u"\n"));
-        lastBreak_ = out_.length();
-        pendingText_ = blankOwed_ = false;
-    }
-
-    /// Writes a blank behind text, or owes it where one stands already.
-    void separate() {
-        blankOwed_ = lastIsWhite();
-        if (!blankOwed_) out_.append(u' ');
     }
 
     void changeLinkDepth(Units tag) {
@@ -395,62 +233,42 @@ private:
 
     void link(Units tag) {
         changeLinkDepth(tag);
-        blankOwed_ = true;
+        out_.oweSpace();
     }
 
-    void tableRow(Units) {
-        if (!out_.isEmpty() && !isFeedUnit(out_.back())) writeBreak(Break::Line);
-    }
-
-    void tableCell(Units) {
-        if (pendingText_) {
-            separate();
-            pendingText_ = false;
-        } else if (!lastIsWhite()) {
-            out_.append(u' ');
-        }
-    }
-
-    void table(Units) {
-        if (out_.length() < 2) return;
-        const Units written = out_.view();
-        if (!isFeedUnit(written.back()))
-            writeBreak(Break::Paragraph);
-        else if (!isFeedUnit(written[written.size() - 2]))
-            writeBreak(Break::Line);
-    }
-
-    void citation(Units) {
-        if (!pendingText_ || lastIsWhite()) return;
-        out_.append(u' ');
-        blankOwed_ = false;
-    }
+    void tableRow(Units) { out_.endRow(); }
+    void tableCell(Units) { out_.separateCell(); }
+    void table(Units) { out_.endTable(); }
+    void citation(Units) { out_.separateCitation(); }
 
     void code(Units tag) {
-        citation(tag);
-        collapseWhite_ = !opens(tag);
+        out_.separateCitation();
+        out_.setPreformatted(opens(tag));
     }
 
     void preformatted(Units tag) {
-        collapseWhite_ = !opens(tag);
-        if (!collapseWhite_ && (pendingText_ || blankOwed_)) writeBreak(Break::Paragraph);
+        if (opens(tag))
+            out_.beginPreformatted();
+        else
+            out_.setPreformatted(false);
     }
 
     void plaintext(Units tag) {
-        collapseWhite_ = !opens(tag);
-        if (!collapseWhite_) writeBreak(Break::Paragraph);
+        out_.setPreformatted(opens(tag));
+        if (opens(tag)) out_.writeBreak(Break::Paragraph);
     }
 
     void image(Units tag) {
         if (!options_.imageAlts) return;
-        blankOwed_ = true;
-        Range text = rangeOfAttributeOfTagCharacters(tag, "ALT");
-        if (!text.isFound()) text = rangeOfAttributeOfTagCharacters(tag, "TITLE");
-        if (!text.isFound()) return;
-        appendRangeToPlainText(tag.substr(text.location, text.length));
-        blankOwed_ = true;
+        out_.oweSpace();
+        Units text = detail::attributeOf(tag, "ALT");
+        if (text.empty()) text = detail::attributeOf(tag, "TITLE");
+        if (text.empty()) return;
+        out_.appendSpan(text, linkDepth_ > 0);
+        out_.oweSpace();
     }
 
+    /// Letters in the colour of the page, or too small to read, are there for search engines.
     void font(Units tag) {
         const String color = attributeOfTagCharacters(tag, "COLOR");
         hiddenFont_ = !backgroundColor_.isAbsent() && keyword::equalNoCase(color, backgroundColor_);
@@ -458,7 +276,7 @@ private:
         feedDate_ = attributeOfTagCharacters(tag, "CLASS") == u"feed_date";
     }
 
-    void input(Units) { separate(); }
+    void input(Units) { out_.separate(); }
     void division(Units tag) { hiddenDiv_ = isHiddenElement(tag); }
     void span(Units tag) { hiddenSpan_ = isHiddenElement(tag); }
     void option(Units tag) { inOption_ = opens(tag); }
@@ -469,10 +287,7 @@ private:
     void noScript(Units tag) { inNoScript_ = opens(tag); }
 
     const PlainTextOptions options_;
-    const bool mapsUnits_ = options_.entities && options_.nonUmlauted;  ///< text without &, too
-    StringBuilder out_;
-    std::u16string scratch_;      ///< a span while its entities are decoded
-    std::size_t lastBreak_ = 0;   ///< length of the output behind its last break
+    detail::PlainTextOutput out_;
     String backgroundColor_;      ///< "BGCOLOR" of the body
     std::int64_t bodyDepth_;      ///< text counts while this is above 0
     std::int64_t linkDepth_ = 0;  ///< open links and headings
@@ -481,17 +296,11 @@ private:
     bool inFrameAlternative_ = false, inNoScript_ = false;
     bool hiddenFont_ = false, feedDate_ = false;
     bool hiddenDiv_ = false, hiddenSpan_ = false, inOption_ = false;
-    bool pendingText_ = false;   ///< text was written since the last break
-    bool collapseWhite_ = true;  ///< outside preformatted text
-    bool blankOwed_ = false;     ///< the next text starts with a blank
-    bool didOutput_ = false;     ///< the body was reached
-    bool didRemoveJunk_ = false;
-    const CharacterSetRep& white_ = whiteCharacterSetRep();
-    const CharacterSetRep& space_ = spaceCharacterSetRep();
+    bool didOutput_ = false;  ///< the body was reached
 };
 
 const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
-    using enum Break;
+    using enum detail::Break;
     using C = Converter;
     static constexpr TagRule Rules[] = {
         {"a", None, false, &C::link},
@@ -556,29 +365,33 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
 
 using Handler = bool (Converter::*)(const Tag&);
 
-/// Runs a handler over the page; a page of which only the body is asked for and that has
-/// none is run again as a whole.
-String convert(const String& page, PlainTextOptions options, Handler handler,
+/// Hands the tags of a walk over the page to a handler; a page of which only the body is asked
+/// for and that has none is walked again as a whole.
+String convert(const String& page, detail::TagWalk walk, PlainTextOptions options, Handler handler,
                bool* didRemoveJunk = nullptr) {
     if (didRemoveJunk) *didRemoveJunk = false;
     for (;;) {
         Converter converter(options);
-        const bool scanned =
-            parseXmlWithHandler(page, [&](const Tag& tag) { return (converter.*handler)(tag); });
+        walk([&](const Tag& tag) { return (converter.*handler)(tag); });
         if (converter.didOutput()) {
             if (didRemoveJunk) *didRemoveJunk = converter.didRemoveJunk();
             return converter.finish();
         }
-        if (!options.onlyBody || !scanned) return page;
+        if (!options.onlyBody || page.isEmpty()) return page;
         options.onlyBody = false;
     }
 }
 
 }  // namespace
 
+String detail::plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options,
+                           bool* didRemoveJunk) {
+    return convert(page, walk, options, &Converter::handle, didRemoveJunk);
+}
+
 String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options,
                                         bool* didRemoveJunk) {
-    return convert(page, options, &Converter::handle, didRemoveJunk);
+    return detail::plainTextOf(page, detail::scanOf(page), options, didRemoveJunk);
 }
 
 String stringByConvertingHtml2ReformattedPlainText(const String& page) {
@@ -586,7 +399,7 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
 }
 
 String stringByConvertingHtml2SimplifiedPlainText(const String& page) {
-    return convert(page, {.onlyBody = true}, &Converter::handleSimply);
+    return convert(page, detail::scanOf(page), {.onlyBody = true}, &Converter::handleSimply);
 }
 
 }  // namespace velmo

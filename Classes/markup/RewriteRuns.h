@@ -3,7 +3,7 @@
 
 #include <velmocore/platform/String.h>
 
-namespace velmo {
+namespace velmo::detail {
 
 /// Copies the runs between the places that find gives, each in one piece, and lets replace
 /// write what stands at such a place; it gives the position behind what it took. The string
@@ -27,4 +27,4 @@ String rewriteRuns(const String& string, Find find, Replace replace) {
     return out.finish();
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

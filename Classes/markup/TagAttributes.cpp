@@ -55,6 +55,7 @@ public:
           rules_(rules),
           first_(name.empty() ? u'\0' : keyword::upper(static_cast<char16_t>(name[0]))) {}
 
+    /// Quoted values of other attributes are passed over: what they hold is no attribute.
     Range read() const {
         if (name_.empty() || name_.size() + rules_.slack >= tag_.size()) return Range::none();
         const char16_t* const stop = tag_.data() + tag_.size() - name_.size();
@@ -97,6 +98,7 @@ private:
 #endif
     }
 
+    /// Whether the name stands there by itself: "data-href" and "xhref" are other names.
     bool isName(std::size_t i) const {
         if (i > 0) {
             const char16_t before = tag_[i - 1];
@@ -110,6 +112,8 @@ private:
         return true;
     }
 
+    /// Where the value after an assignment stands. A quoted one ends at a > too, so that a mark
+    /// that was lost costs no more than this value.
     Range valueBehind(std::size_t i) const {
         ++i;
         if (rules_.repeatedAssignments)
@@ -183,6 +187,7 @@ public:
     HeaderReader(Units text, Units name, bool tagMode, HeaderFieldOptions options)
         : text_(text), name_(name), tagMode_(tagMode), options_(options) {}
 
+    /// The first place of the name that has a value; headers repeat names without one.
     String read() const {
         if (text_.size() <= name_.size()) return {};
         for (std::size_t i = 0; i < text_.size() - name_.size(); ++i) {
@@ -272,7 +277,7 @@ String headerRefresh(Units refresh) {
 
 std::int64_t refreshInterval(Units refresh) { return leadingInteger(refresh); }
 
-TagSize getTagWidthHeight(Units tag) {
+TagSize getTagWidth(Units tag) {
     if (tag.size() < 10) return {};
     const auto attribute = [&](std::string_view name) {
         return numberOf(tag, rangeOfAttributeOfTagCharacters(tag, name));

@@ -19,6 +19,7 @@ bool isRemarkTag(std::u16string_view tag) noexcept {
     return tag.size() >= 7 && tag[1] == u'!' && tag[2] == u'-';
 }
 
+// A page is told by its first tags and not parsed: a program asks this of every text it meets.
 bool isHTML(std::u16string_view text) {
     while (!text.empty() && unicode::isWhiteSpaceOrNewline(text.front())) text.remove_prefix(1);
     while (!text.empty() && unicode::isWhiteSpaceOrNewline(text.back())) text.remove_suffix(1);

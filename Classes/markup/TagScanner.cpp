@@ -16,6 +16,7 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <new>
 #include <string>
 #include <typeinfo>
 
@@ -219,17 +220,19 @@ private:
 
     const char16_t* endOfName(const char16_t* at, const char16_t* last) const {
 #if defined(__SSE2__)
-        // Most names end within eight units. What is neither plain ASCII nor a slash ends
-        // this search, and the loop below tells what it is.
+        // Most names end within eight units. What is not plain ASCII, or a slash or a > in a
+        // quoted value, ends this search, and the loop below tells what it is.
         if (end_ - at >= scan::BlockUnits) {
             const __m128i block = scan::loadBlock(at);
-            const int plain = _mm_movemask_epi8(
-                _mm_andnot_si128(scan::equalTo(block, u'/'), scan::inRange(block, 0x21, 0x7F)));
+            const __m128i ends =
+                _mm_or_si128(scan::equalTo(block, u'/'), scan::equalTo(block, u'>'));
+            const int plain =
+                _mm_movemask_epi8(_mm_andnot_si128(ends, scan::inRange(block, 0x21, 0x7F)));
             at = std::min(at + scan::firstOf(~plain), last);
             if (at == last || *at == u' ') return at;
         }
 #endif
-        while (at < last && *at != u'/' && !white_.contains(*at)) ++at;
+        while (at < last && *at != u'/' && *at != u'>' && !white_.contains(*at)) ++at;
         return at;
     }
 
@@ -302,6 +305,12 @@ void logException(const std::string& name, const char* reason) {
 
 }  // namespace
 
+bool Tag::hasNameUnits(std::string_view ascii) const {
+    return std::equal(ascii.begin(), ascii.end(), name().begin(), [](char letter, char16_t unit) {
+        return keyword::upper(static_cast<unsigned char>(letter)) == keyword::upper(unit);
+    });
+}
+
 bool GetTagsOfString(std::u16string_view string, TagHandler handler) {
     if (string.empty()) return false;
     Scanner(string, handler).run();
@@ -311,6 +320,8 @@ bool GetTagsOfString(std::u16string_view string, TagHandler handler) {
 bool parseXmlWithHandler(std::u16string_view string, TagHandler handler) {
     try {
         return GetTagsOfString(string, handler);
+    } catch (const std::bad_alloc&) {
+        throw;  // the caller could not tell what was found so far from all that there is
     } catch (const std::exception& exception) {
         logException(demangled(typeid(exception).name()), exception.what());
     } catch (...) {

@@ -8,12 +8,7 @@
 
 #include "text/Keyword.h"
 
-namespace velmo {
-
-/// Whether the tag has that name, which is given in capitals.
-inline bool isNamed(const Tag& tag, std::string_view name) {
-    return tag.nameLength == name.size() && keyword::beginsWith(tag.name(), name);
-}
+namespace velmo::detail {
 
 /// Whether the tag opens an element: at least three units, and no / behind the <.
 inline bool isOpening(const Tag& tag) { return tag.tagLength >= 3 && !tag.isClosing(); }
@@ -24,4 +19,4 @@ inline std::u16string_view attributeOf(std::u16string_view tag, std::string_view
     return range.isFound() ? tag.substr(range.location, range.length) : std::u16string_view();
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

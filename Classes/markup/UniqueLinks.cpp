@@ -3,7 +3,7 @@
 #include <cstring>
 #include <random>
 
-namespace velmo {
+namespace velmo::detail {
 namespace {
 
 std::uint64_t mixed(std::uint64_t a, std::uint64_t b) {
@@ -50,6 +50,7 @@ void UniqueLinks::add(std::u16string_view link) {
     slot = {hash, links_.size()};
 }
 
+// A slot that is taken is followed by the next one: with half of them free, runs are short.
 UniqueLinks::Slot& UniqueLinks::slotFor(std::uint64_t hash, std::u16string_view link) {
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
@@ -61,9 +62,10 @@ UniqueLinks::Slot& UniqueLinks::slotFor(std::uint64_t hash, std::u16string_view 
 void UniqueLinks::grow() {
     std::vector<Slot> old = std::move(slots_);
     slots_.assign(old.empty() ? 128 : old.size() * 2, Slot());
+    // Room for as many links as the table will take, so that both grow together.
     links_.reserve(slots_.size() / 2);
     for (const Slot& slot : old)
         if (slot.number) slotFor(slot.hash, links_[slot.number - 1]) = slot;
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

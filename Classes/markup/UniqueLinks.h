@@ -7,7 +7,7 @@
 
 #include <velmocore/platform/String.h>
 
-namespace velmo {
+namespace velmo::detail {
 
 /// Keeps a table of hashes beside the list. A String is made only for a link that is new.
 class UniqueLinks {
@@ -32,4 +32,4 @@ private:
     std::vector<Slot> slots_;  // a power of two of them, at least half of them free
 };
 
-}  // namespace velmo
+}  // namespace velmo::detail

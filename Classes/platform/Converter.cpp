@@ -10,6 +10,7 @@
 #include "platform/IcuConverter.h"
 #include "platform/PairDecoder.h"
 #include "platform/RowCache.h"
+#include "platform/Surrogates.h"
 #include "platform/Utf8.h"
 
 namespace velmo::detail {
@@ -108,7 +109,7 @@ Decoding decodeUtf8Within(Bytes bytes, Units out) {
             decodeUtf8(charsOf(piece), direct ? out.data() + written : buffer);
         if (!direct) {
             std::size_t fitting = std::min(count, room);
-            if (fitting < count && fitting && (buffer[fitting - 1] & 0xFC00) == 0xD800) --fitting;
+            if (fitting < count && fitting && isHighSurrogate(buffer[fitting - 1])) --fitting;
             std::copy_n(buffer, fitting, out.data() + written);
             if (fitting < count) return {written + fitting, false};
         }
@@ -128,17 +129,6 @@ bool wasReplaced(Bytes bytes, Units units) {
          i = text.find("\xEF\xBF\xBD", i + 3))
         ++spelt;
     return replaced > spelt;
-}
-
-bool hasLoneSurrogate(std::u16string_view text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if ((text[i] & 0xF800) != 0xD800) continue;
-        const bool paired =
-            text[i] < 0xDC00 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
-        if (!paired) return true;
-        ++i;
-    }
-    return false;
 }
 
 std::optional<Data> encodeUtf8Data(std::u16string_view text, bool lossy) {
@@ -258,6 +248,25 @@ String decodedString(std::uint32_t encoding, Bytes bytes, Decode how) {
     return builder.finish();
 }
 
+namespace {
+
+/// Some encodings are read by a larger set than they are written in, and the two do not agree on
+/// a few private and rare characters: what another one would come back for is lacking too.
+bool comesBack(const EncodingRow& row, Bytes bytes, std::u16string_view text) {
+    std::u16string again(std::max<std::size_t>(bytes.size(), 32), u'\0');
+    const Decoding result = decodeRow(row, bytes, again, false);
+    return result.complete && std::u16string_view(again).substr(0, result.written) == text;
+}
+
+std::optional<Data> encodeRow(const EncodingRow& row, std::u16string_view text, bool lossy) {
+    std::optional<Data> bytes = encodeWithIcu(row, text, lossy);
+    const bool mayDiffer = row.encoder || row.kind == EncodingKind::DoubleByte;
+    if (bytes && !lossy && mayDiffer && !comesBack(row, *bytes, text)) return std::nullopt;
+    return bytes;
+}
+
+}  // namespace
+
 std::optional<Data> encode(std::uint32_t encoding, std::u16string_view text, bool lossy) {
     const EncodingRow* const row = encodingRow(encoding);
     if (!row) return std::nullopt;
@@ -276,7 +285,7 @@ std::optional<Data> encode(std::uint32_t encoding, std::u16string_view text, boo
             return encodeSingleBytes(*row, text, lossy);
         case EncodingKind::DoubleByte:
         case EncodingKind::Streamed:
-            return encodeWithIcu(*row, text, lossy);
+            return encodeRow(*row, text, lossy);
     }
     return std::nullopt;
 }

@@ -142,7 +142,7 @@ constexpr EncodingRow Rows[] = {
     {3, DoubleByte, "x-mac-korean", Korean, nullptr, {}, KoreanFF},
     {6, SingleByte, "x-mac-greek", "macos-6_2-10.4"},
     {7, SingleByte, "x-mac-cyrillic", "macos-7_3-10.2"},
-    {25, DoubleByte, "x-mac-chinesesimp", Chinese, ChineseEncoder},
+    {25, DoubleByte, "x-mac-chinesesimp", Chinese, ChineseEncoder, EuroSign},
     {29, SingleByte, "x-mac-ce", "macos-29-10.2"},
     {35, SingleByte, "x-mac-turkish", "macos-35-10.2"},
     {36, SingleByte, "x-mac-croatian", "macos-0_2-10.2", nullptr, MacCroatian},

@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/Surrogates.h"
+
 namespace velmo::detail {
 namespace {
 
@@ -65,6 +67,12 @@ void replaceBytes(const void* context, UConverterToUnicodeArgs* arguments, const
     *status = U_ZERO_ERROR;
     ucnv_cbToUWriteUChars(arguments, &unit, 1, 0, status);
 }
+
+/// ICU's own callback for stopping passes over units that are not to be seen (soft hyphens, zero-
+/// width spaces, ...), and the text comes back without them. This one leaves the error standing
+/// for them too.
+void refuseUnits(const void*, UConverterFromUnicodeArgs*, const char16_t*, std::int32_t, UChar32,
+                 UConverterCallbackReason, UErrorCode*) {}
 
 void replaceUnits(const void*, UConverterFromUnicodeArgs* arguments, const char16_t*, std::int32_t,
                   UChar32, UConverterCallbackReason reason, UErrorCode* status) {
@@ -125,7 +133,7 @@ Decoding decodeWithIcu(const EncodingRow& row, Bytes bytes, std::span<char16_t> 
     ucnv_reset(converter);
 
     auto written = static_cast<std::size_t>(target - out.data());
-    if (status == U_BUFFER_OVERFLOW_ERROR && written && (out[written - 1] & 0xFC00) == 0xD800)
+    if (status == U_BUFFER_OVERFLOW_ERROR && written && isHighSurrogate(out[written - 1]))
         --written;
     repair(row.repairs, bytes, out.first(written));
     return {written, U_SUCCESS(status) != 0, reading.broken};
@@ -136,8 +144,8 @@ std::optional<Data> encodeWithIcu(const EncodingRow& row, std::u16string_view te
     if (!converter) return std::nullopt;
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setFallback(converter, false);
-    ucnv_setFromUCallBack(converter, lossy ? &replaceUnits : &UCNV_FROM_U_CALLBACK_STOP, nullptr,
-                          nullptr, nullptr, &status);
+    ucnv_setFromUCallBack(converter, lossy ? &replaceUnits : &refuseUnits, nullptr, nullptr,
+                          nullptr, &status);
     std::u16string changed;
     if (!row.repairs.empty()) text = changed = unrepaired(row.repairs, text);
 

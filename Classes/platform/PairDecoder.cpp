@@ -96,7 +96,7 @@ Decoding decodePairs(const EncodingRow& row, Bytes bytes, std::span<char16_t> ou
             continue;
         }
         const Byte* const next = safeEnd(in, end);
-        const Decoding part = decodeWithIcu(row, {in, next}, {to, limit});
+        const Decoding part = decodeWithIcu(row, std::span(in, next), {to, limit});
         to += part.written;
         broken |= part.broken;
         if (!part.complete) break;

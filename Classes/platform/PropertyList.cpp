@@ -25,8 +25,10 @@ Node parse(Bytes bytes) {
 
 std::optional<Data> propertyListAsXML(Bytes bytes) {
     // The parser looks at the first units without asking for the length.
-    if (bytes.size() < 8 || !detail::isHarmlessPropertyList(bytes)) return std::nullopt;
-    const Node root = parse(bytes);
+    if (bytes.size() < 8) return std::nullopt;
+    const detail::HarmlessList list = detail::harmlessPropertyList(bytes);
+    if (!list.isHarmless) return std::nullopt;
+    const Node root = parse(list.instead ? Bytes(*list.instead) : bytes);
     if (!root) return std::nullopt;
     char* xml = nullptr;
     std::uint32_t length = 0;

@@ -22,9 +22,38 @@ std::uint64_t readNumber(Bytes bytes, std::size_t location, std::size_t size) {
     return value;
 }
 
-/// An object: what it holds of its own, and its references to others.
+/// What an object is written as: bytes at most, and lines, each of which gets a tab more for
+/// every container around it.
+struct Extent {
+    std::uint64_t bytes = 0, lines = 0;
+};
+
+/// Tags, digits and line ends of an object of the type that the marker tells, without the units
+/// of a text or the bytes of data.
+constexpr Extent frameOf(unsigned marker) {
+    switch (marker >> 4) {
+        case 0x0:  // a boolean
+            return {10, 1};
+        case 0x8:  // a reference, written as a dictionary
+            return {90, 4};
+        case 0xA:
+        case 0xB:
+        case 0xC:
+        case 0xD:
+            return {18, 2};
+        default:  // the longest are numbers and dates
+            return {50, 1};
+    }
+}
+
+/// A unit of text takes as many bytes at most: "&" is written as "&amp;".
+constexpr std::uint64_t BytesOfUnit = 5;
+/// A byte of data takes as many: base64 in short lines that are set in by up to eight tabs.
+constexpr std::uint64_t BytesOfDataByte = 3;
+
+/// An object: what it takes of its own, and its references to others.
 struct ListObject {
-    std::uint64_t ownBytes = 1;
+    Extent own;
     std::uint64_t firstReference = 0;  ///< location in the bytes
     std::uint64_t references = 0;
 };
@@ -50,7 +79,7 @@ public:
         return isSound ? std::optional(list) : std::nullopt;
     }
 
-    std::uint64_t count() const { return count_; }
+    std::size_t count() const { return count_; }
     std::uint64_t root() const { return root_; }
 
     /// The object of a number below count(); absent if it does not lie within the bytes.
@@ -71,21 +100,23 @@ public:
         }
         switch (marker >> 4) {
             case 0x4:  // data
+                return leaf(marker, length, BytesOfDataByte);
             case 0x5:  // ASCII
             case 0x6:  // UTF-16
             case 0x7:  // UTF-8
-                return ListObject{1 + std::min<std::uint64_t>(length, bytes_.size()) * 3};
+                return leaf(marker, length, BytesOfUnit);
             case 0xA:  // array
             case 0xB:
             case 0xC:  // sets
             case 0xD:  // dictionary
                 break;
             default:
-                return ListObject{};
+                return leaf(marker, 0, 0);
         }
         const std::uint64_t each = referenceSize_ * ((marker >> 4) == 0xD ? 2u : 1u);
         if (length > (bytes_.size() - location) / each) return std::nullopt;
-        return ListObject{1, location, length * each / referenceSize_};
+        if ((marker >> 4) == 0xD && length > MaxListKeys) return std::nullopt;
+        return ListObject{frameOf(marker), location, length * each / referenceSize_};
     }
 
     /// The number of an object that another one refers to.
@@ -94,6 +125,14 @@ public:
     }
 
 private:
+    /// A length that does not lie within the bytes is for the parser to refuse.
+    ListObject leaf(unsigned marker, std::uint64_t length, std::uint64_t each) const {
+        Extent extent = frameOf(marker);
+        extent.bytes += std::min<std::uint64_t>(length, bytes_.size()) * each;
+        if ((marker >> 4) == 0x4) extent.lines = 2;  // its own lines are set in no further
+        return {extent};
+    }
+
     Bytes bytes_;  // without the trailer
     std::size_t offsetSize_ = 0;
     std::size_t referenceSize_ = 0;
@@ -103,7 +142,7 @@ private:
 };
 
 /// Walks the objects from the root on, each of them once, and sums up bottom to top how deep
-/// they nest and how much they unfold to.
+/// they nest and how much they are written as.
 class BinaryWalk {
 public:
     BinaryWalk(const BinaryList& list, std::uint64_t maxBytes)
@@ -129,9 +168,9 @@ public:
     }
 
 private:
-    /// What is known of an object: levels of containers in it, and its unfolded bytes.
+    /// What is known of an object: levels of containers in it, and what it is written as.
     struct Sum {
-        std::uint64_t bytes = 0;
+        Extent extent;
         std::uint32_t levels = 0;
         bool isDone = false;
         bool isOpen = false;
@@ -148,7 +187,7 @@ private:
         // An object within itself has no end.
         if (!object || sum.isOpen) return false;
         sum.isOpen = true;
-        sum.bytes = object->ownBytes;
+        sum.extent = object->own;
         path_.push_back({number, *object});
         // The last of a path may be a leaf.
         return path_.size() <= MaxListLevels + 1;
@@ -160,15 +199,17 @@ private:
         sum.isDone = true;
         sum.isOpen = false;
         path_.pop_back();
-        return path_.empty() ? sum.levels <= MaxListLevels && sum.bytes <= maxBytes_ : add(sum);
+        return path_.empty() ? sum.levels <= MaxListLevels && sum.extent.bytes <= maxBytes_
+                             : add(sum);
     }
 
     /// Adds a finished object to the one that holds it.
     bool add(const Sum& child) {
         Sum& sum = objects_[path_.back().number];
-        sum.bytes += child.bytes;
+        sum.extent.bytes += child.extent.bytes + child.extent.lines;
+        sum.extent.lines += child.extent.lines;
         sum.levels = std::max(sum.levels, child.levels);
-        return sum.bytes <= maxBytes_ && sum.levels < MaxListLevels;
+        return sum.extent.bytes <= maxBytes_ && sum.levels < MaxListLevels;
     }
 
     const BinaryList& list_;
@@ -189,18 +230,56 @@ bool isHarmlessBinary(Bytes bytes) {
 /// could read differently is refused.
 class XMLWalk {
 public:
-    explicit XMLWalk(std::string_view text) : text_(text) {}
+    explicit XMLWalk(std::string_view text) : whole_(text), text_(text) {}
 
     bool run() {
         if (text_.find('\0') != text_.npos) return false;
         for (std::size_t at; (at = text_.find('<')) != text_.npos;) {
+            readText(text_.substr(0, at));
             text_.remove_prefix(at);
             if (!readMarkup()) return false;
         }
         return true;
     }
 
+    /// The text with a comment wherever one is to be set in; absent if none is.
+    std::optional<Data> parted() const {
+        if (breaks_.empty()) return std::nullopt;
+        constexpr std::string_view Comment = "<!---->";
+        Data result;
+        result.reserve(whole_.size() + breaks_.size() * Comment.size());
+        std::size_t done = 0;
+        const auto append = [&](std::string_view part) {
+            result.insert(result.end(), part.begin(), part.end());
+        };
+        for (const std::size_t next : breaks_) {
+            append(whole_.substr(done, next - done));
+            append(Comment);
+            done = next;
+        }
+        append(whole_.substr(done));
+        return result;
+    }
+
 private:
+    /// The parser moves the rest of a text for each entity in it. A comment ends the text for
+    /// it, but not the string, so that long texts with entities are broken by some.
+    void readText(std::string_view text) {
+        if (text.size() <= LongestText || text.find('&') == text.npos) return;
+        for (;;) {
+            std::size_t cut = LongestText;
+            if (text.size() <= cut) return;
+            const std::size_t entity = text.rfind('&', cut - 1);
+            if (entity != text.npos) {
+                const std::size_t end = text.find(';', entity);
+                if (end == text.npos) return;
+                cut = std::max(cut, end + 1);
+            }
+            breaks_.push_back(static_cast<std::size_t>(text.data() - whole_.data()) + cut);
+            text.remove_prefix(cut);
+        }
+    }
+
     bool readMarkup() {
         if (text_.starts_with("<!--")) return skipTo("-->", 4);
         if (text_.starts_with("<![CDATA[")) return skipTo("]]>", 9);
@@ -238,11 +317,14 @@ private:
         if (isClosing) tag.remove_prefix(1);
         const std::string_view name = tag.substr(0, tag.find_first_of(" \r\n\t"));
         if (isClosing) {
-            if (open_.empty() || open_.back() != name) return false;
+            if (open_.empty() || open_.back().name != name) return false;
             open_.pop_back();
             levels_ -= isContainer(name);
-        } else if (!isEmpty) {
-            open_.push_back(name);
+            return true;
+        }
+        if (name == "key" && !open_.empty() && ++open_.back().keys > MaxListKeys) return false;
+        if (!isEmpty) {
+            open_.push_back({name});
             levels_ += isContainer(name);
         }
         // Besides the containers there are "plist" around and one other element within.
@@ -251,16 +333,27 @@ private:
 
     static bool isContainer(std::string_view name) { return name == "array" || name == "dict"; }
 
-    std::string_view text_;
-    std::vector<std::string_view> open_;
+    static constexpr std::size_t LongestText = 1024;
+
+    struct Element {
+        std::string_view name;
+        std::size_t keys = 0;
+    };
+
+    std::string_view whole_, text_;
+    std::vector<Element> open_;
+    std::vector<std::size_t> breaks_;  // places in the whole
     std::size_t levels_ = 0;
 };
 
 }  // namespace
 
-bool isHarmlessPropertyList(Bytes bytes) {
+HarmlessList harmlessPropertyList(Bytes bytes) {
     const std::string_view text = charsOf(bytes);
-    return text.starts_with("bplist00") ? isHarmlessBinary(bytes) : XMLWalk(text).run();
+    if (text.starts_with("bplist00")) return {isHarmlessBinary(bytes), std::nullopt};
+    XMLWalk walk(text);
+    if (!walk.run()) return {false, std::nullopt};
+    return {true, walk.parted()};
 }
 
 }  // namespace velmo::detail

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <new>
 #include <ostream>
 
@@ -44,6 +45,14 @@ String String::substring(Range range) const {
     return String(view().substr(start, count));
 }
 
+String String::joined(std::u16string_view first, std::u16string_view second) {
+    if (!first.data() && !second.data()) return {};
+    StringBuilder builder(first.size() + second.size());
+    builder.append(first);
+    builder.append(second);
+    return builder.finish();
+}
+
 void String::destroy(Rep* rep) noexcept { std::free(rep); }
 
 std::ostream& operator<<(std::ostream& stream, const String& string) {
@@ -69,6 +78,15 @@ void StringBuilder::grow(std::size_t count) {
     if (!block) throw std::bad_alloc();
     units_ = reinterpret_cast<char16_t*>(static_cast<String::Rep*>(block) + 1);
     capacity_ = capacity;
+}
+
+std::u16string_view StringBuilder::makeRoomFor(std::u16string_view units) {
+    // The array may move, and what is to be appended with it.
+    const std::less<const char16_t*> before;
+    const bool isOwn = units_ && !before(units.data(), units_) && before(units.data(), end());
+    const std::size_t offset = isOwn ? static_cast<std::size_t>(units.data() - units_) : 0;
+    grow(units.size());
+    return isOwn ? view().substr(offset, units.size()) : units;
 }
 
 String StringBuilder::finish() {

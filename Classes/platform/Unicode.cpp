@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
+
+#include "platform/MarkRuns.h"
 
 namespace velmo::unicode {
 namespace {
@@ -141,6 +144,8 @@ char16_t withoutDiacritics(char16_t unit) noexcept {
 }
 
 String normalized(std::u16string_view text, Form form) {
+    const std::optional<std::u16string> ordered = detail::withMarksInOrder(text);
+    if (ordered) text = *ordered;
     const std::int32_t length = lengthOf(text);
     return filled(text.size() + text.size() / 32 + 8, [&](char16_t* out, std::int32_t capacity,
                                                           UErrorCode* status) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "platform/AsciiRun.h"
+#include "platform/Surrogates.h"
 
 namespace velmo::detail {
 namespace {
@@ -65,7 +66,7 @@ inline std::uint32_t nextFour(const Byte* in) {
 
 bool isPair(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
 bool isTriple(std::uint32_t four) { return (four & 0xC0C0F0) == 0x8080E0; }
-bool isOverlongOrSurrogate(std::uint32_t unit) { return unit < 0x800 || (unit & 0xF800) == 0xD800; }
+bool isOverlongOrSurrogate(std::uint32_t unit) { return unit < 0x800 || isSurrogate(unit); }
 
 /// The slow gear: decodes sequences and stray ASCII, with one look at four bytes for the
 /// two common lengths, which come in runs. Ends where four bytes of ASCII stand in a row.
@@ -131,11 +132,10 @@ std::size_t encodeUtf8(std::u16string_view units, char* const out) noexcept {
             put(0x80 | (point & 0x3F));
             continue;
         }
-        if ((point & 0xF800) == 0xD800) {
-            const bool paired =
-                point < 0xDC00 && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
-            if (paired) {
-                point = 0x10000 + ((point & 0x3FF) << 10) + (units[++i] & 0x3FFu);
+        if (isSurrogate(point)) {
+            if (isPairAt(units, i)) {
+                point = characterOfPair(units[i], units[i + 1]);
+                ++i;
                 put(0xF0 | (point >> 18));
                 put(0x80 | ((point >> 12) & 0x3F));
                 put(0x80 | ((point >> 6) & 0x3F));

@@ -5,6 +5,7 @@
 #include <span>
 #include <string_view>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/text/CharacterSets.h>
@@ -21,7 +22,7 @@ public:
     WildcardHits(std::u16string_view text, std::span<const String> wildcards,
                  WildcardComparison comparison, std::uint64_t minCharacters)
         : walk_({text, queryTermCharacters()}, 0, text.size(), wildcards, comparison, minCharacters,
-                false) {}
+                Direction::Forward) {}
 
     /// The first hit from a position on. Positions must not go back.
     Range next(std::uint64_t from) {
@@ -37,10 +38,10 @@ private:
 class StringHits {
 public:
     StringHits(std::u16string_view text, std::u16string_view sought, WildcardComparison comparison)
-        : text_(text), sought_(sought), caseSensitive_(!isCaseInsensitive(comparison)) {}
+        : text_(text), sought_(sought), letterCase_(letterCaseOf(comparison)) {}
 
     Range next(std::uint64_t from) const {
-        const std::uint64_t found = withFold(caseSensitive_, [&](const auto& fold) {
+        const std::uint64_t found = withFold(letterCase_, [&](const auto& fold) {
             return firstOccurrence(text_.substr(from), sought_, fold);
         });
         return found == NotFound ? Range::none() : Range{from + found, sought_.size()};
@@ -48,7 +49,7 @@ public:
 
 private:
     std::u16string_view text_, sought_;
-    bool caseSensitive_;
+    Case letterCase_;
 };
 
 /// A text as excerpts see it.

@@ -59,7 +59,7 @@ std::vector<String> QueryTerms::plusWords(std::uint32_t kinds) const {
     return words;
 }
 
-std::uint64_t QueryTerms::minTermLen() const {
+std::size_t QueryTerms::minTermLen() const {
     if (isAbsent()) return 0;
     constexpr std::uint64_t None = 0x7FFFFFFFFFFFFFFF;
     std::uint64_t shortest = None;

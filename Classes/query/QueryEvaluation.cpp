@@ -35,10 +35,10 @@ std::vector<std::size_t> firstOfSameWords(const QueryTree& tree, bool keeps) {
 class PlainWords {
 public:
     /// If the words are asked for over and over, as proximity does, their places are kept.
-    PlainWords(const QueryTree& tree, std::u16string_view text, bool caseSensitive, bool keeps)
+    PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, bool keeps)
         : tree_(tree),
           text_(text),
-          caseSensitive_(caseSensitive),
+          letterCase_(letterCase),
           firsts_(firstOfSameWords(tree, keeps)),
           occurrences_(firsts_.size()) {}
 
@@ -47,8 +47,7 @@ public:
         const std::u16string_view word = tree_.wordOf(node);
         if (word.empty()) return Range::none();
         if (word.front() == u'*') return {start, word.size()};
-        const detail::SoughtWord sought{text_, word, caseSensitive_, !node.substring,
-                                        termCharacters_};
+        const detail::SoughtWord sought{text_, word, letterCase_, !node.substring, termCharacters_};
         const std::uint64_t found = occurrences_.empty()
                                         ? detail::scanForWord(sought, start, end)
                                         : occurrences_[firsts_[index]].find(sought, start, end);
@@ -67,7 +66,7 @@ public:
 private:
     const QueryTree& tree_;
     std::u16string_view text_;
-    bool caseSensitive_;
+    Case letterCase_;
     const CharacterSetRep& termCharacters_ = queryTermCharacters();
     std::vector<std::size_t> firsts_;
     std::vector<detail::WordOccurrences> occurrences_;  // by node
@@ -133,10 +132,9 @@ const CharacterSetRep& queryTermCharacters() {
 
 void setQueryTermCharacters(const CharacterSetRep* set) noexcept { currentTermCharacters = set; }
 
-bool QueryTerms::matchesString(std::u16string_view text, bool caseSensitive) const {
+bool QueryTerms::matchesString(std::u16string_view text, Case letterCase) const {
     if (isAbsent() || text.empty()) return false;
-    return matches(*tree_, index_, text,
-                   PlainWords(*tree_, text, caseSensitive, node().hasProximity));
+    return matches(*tree_, index_, text, PlainWords(*tree_, text, letterCase, node().hasProximity));
 }
 
 bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comparison) const {
@@ -145,9 +143,9 @@ bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comp
                    WildcardWords(*tree_, text, comparison, node().hasProximity));
 }
 
-bool QueryTerms::containsString(std::u16string_view text, bool caseSensitive) const {
+bool QueryTerms::containsString(std::u16string_view text, Case letterCase) const {
     if (isAbsent() || text.empty()) return false;
-    return contains(*tree_, index_, text, PlainWords(*tree_, text, caseSensitive, false));
+    return contains(*tree_, index_, text, PlainWords(*tree_, text, letterCase, false));
 }
 
 bool QueryTerms::containsString(std::u16string_view text, WildcardComparison comparison) const {

@@ -7,34 +7,35 @@
 namespace velmo {
 namespace {
 
-struct Direction {
-    bool backwards;
+/// A direction with what follows from it.
+struct Way {
+    Direction direction;
 
     bool isNearer(Range a, Range b) const {
-        return backwards ? a.location > b.location : a.location < b.location;
+        return direction == Direction::Backward ? a.location > b.location : a.location < b.location;
     }
     /// What is still to be searched once a hit is known: going forward, only what lies
     /// before it can beat it.
     Range left(Range range, Range best) const {
-        if (backwards || !best.isFound()) return range;
+        if (direction == Direction::Backward || !best.isFound()) return range;
         return {range.location, best.location - range.location};
     }
 };
 
-Range findTerm(const String& term, std::u16string_view text, Range range, Direction direction,
+Range findTerm(const String& term, std::u16string_view text, Range range, Way way,
                const TermSearchOptions& options) {
     if (term.isEmpty() || term.length() > range.length || term == u"*") return Range::none();
     if (!options.exactPhrase && term.length() >= 3) {
         const std::vector<String> words = wordsUsingDefaultSeparation(term);
         if (words.size() > 1)
             return FindNonExactPhraseInString(text, range, words,
-                                              {.caseSensitive = options.caseSensitive,
-                                               .backwards = direction.backwards,
+                                              {.letterCase = options.letterCase,
+                                               .direction = way.direction,
                                                .exact = options.anchored});
     }
     const std::uint64_t location = FindWordInString(text, range, term,
-                                                    {.caseSensitive = options.caseSensitive,
-                                                     .backwards = direction.backwards,
+                                                    {.letterCase = options.letterCase,
+                                                     .direction = way.direction,
                                                      .wholeWord = options.anchored});
     return location == NotFound ? Range::none() : Range{location, term.length()};
 }
@@ -44,26 +45,26 @@ struct Nearest {
     std::size_t missed = 0;  ///< so many terms, from the first on, do not occur in the range
 };
 
-Nearest nearestTerm(std::span<const String> terms, std::u16string_view text, Range range,
-                    Direction direction, const TermSearchOptions& options) {
+Nearest nearestTerm(std::span<const String> terms, std::u16string_view text, Range range, Way way,
+                    const TermSearchOptions& options) {
     Nearest best;
     if (range.location >= text.size()) return best;
     range.length = std::min<std::uint64_t>(range.length, text.size() - range.location);
     for (const String& term : terms) {
-        const Range left = direction.left(range, best.range);
-        const Range hit = findTerm(term, text, left, direction, options);
+        const Range left = way.left(range, best.range);
+        const Range hit = findTerm(term, text, left, way, options);
         // Once there is a hit, a miss proves nothing.
         if (!best.range.isFound() && !hit.isFound())
             ++best.missed;
-        else if (!best.range.isFound() || (hit.isFound() && direction.isNearer(hit, best.range)))
+        else if (!best.range.isFound() || (hit.isFound() && way.isNearer(hit, best.range)))
             best.range = hit;
     }
     return best;
 }
 
-Range nearestTerm(std::vector<String>* terms, std::u16string_view text, Range range,
-                  Direction direction, const TermSearchOptions& options) {
-    const Nearest best = nearestTerm(*terms, text, range, direction, options);
+Range nearestTerm(std::vector<String>* terms, std::u16string_view text, Range range, Way way,
+                  const TermSearchOptions& options) {
+    const Nearest best = nearestTerm(*terms, text, range, way, options);
     terms->erase(terms->begin(), terms->begin() + static_cast<std::ptrdiff_t>(best.missed));
     return best.range;
 }
@@ -72,22 +73,22 @@ Range nearestTerm(std::vector<String>* terms, std::u16string_view text, Range ra
 
 Range findNextQueryTerm(std::span<const String> terms, std::u16string_view text, Range range,
                         const TermSearchOptions& options) {
-    return nearestTerm(terms, text, range, Direction{false}, options).range;
+    return nearestTerm(terms, text, range, Way{Direction::Forward}, options).range;
 }
 
 Range findPreviousQueryTerm(std::span<const String> terms, std::u16string_view text, Range range,
                             const TermSearchOptions& options) {
-    return nearestTerm(terms, text, range, Direction{true}, options).range;
+    return nearestTerm(terms, text, range, Way{Direction::Backward}, options).range;
 }
 
 Range findNextQueryTerm(std::vector<String>* terms, std::u16string_view text, Range range,
                         const TermSearchOptions& options) {
-    return nearestTerm(terms, text, range, Direction{false}, options);
+    return nearestTerm(terms, text, range, Way{Direction::Forward}, options);
 }
 
 Range findPreviousQueryTerm(std::vector<String>* terms, std::u16string_view text, Range range,
                             const TermSearchOptions& options) {
-    return nearestTerm(terms, text, range, Direction{true}, options);
+    return nearestTerm(terms, text, range, Way{Direction::Backward}, options);
 }
 
 }  // namespace velmo

@@ -56,7 +56,7 @@ bool QueryTerms::isValid() const noexcept { return node().isWord || node().count
 bool QueryTerms::isWord() const noexcept { return node().isWord; }
 QueryOperator QueryTerms::queryOperator() const noexcept { return node().op; }
 QueryOperator QueryTerms::commonOperator() const noexcept { return node().common; }
-std::uint64_t QueryTerms::proximityDistance() const noexcept { return node().distance; }
+std::size_t QueryTerms::proximityDistance() const noexcept { return node().distance; }
 bool QueryTerms::queryNot() const noexcept { return node().negated; }
 bool QueryTerms::querySubstring() const noexcept { return node().substring; }
 bool QueryTerms::queryPhrase() const noexcept { return node().phrase; }

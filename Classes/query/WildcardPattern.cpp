@@ -22,16 +22,16 @@ struct PatternTest {
     const Fold& fold;
 
     /// What is found at a word: for most patterns the word, if it matches.
-    Range at(std::uint64_t from, std::uint64_t to, bool backwards) const {
+    Range at(std::uint64_t from, std::uint64_t to, Direction direction) const {
         const std::uint64_t length = to - from;
         if (length < pattern.minLength_ || length > pattern.maxLength_) return Range::none();
         const bool hit = !pattern.isDirect_ ? matches(text.units.substr(from, length))
-                         : backwards        ? standsBefore(to)
-                                            : standsAt(from);
+                         : direction == Direction::Backward ? standsBefore(to)
+                                                            : standsAt(from);
         if (!hit) return Range::none();
         if (!pattern.isDirect_) return {from, length};
         const std::uint64_t units = pattern.core_.length;
-        return {backwards ? to - units : from, units};
+        return {direction == Direction::Backward ? to - units : from, units};
     }
 
     /// Whether the core stands at a position, up to the end of the stretch or of a word.
@@ -136,7 +136,7 @@ struct PatternSearch {
             if (position == start) return Range::none();
             const std::uint64_t to = position;
             position = text.startOfRun(to, start);
-            const Range hit = test.at(position, to, true);
+            const Range hit = test.at(position, to, Direction::Backward);
             if (hit.isFound() || anchored) return hit;
         }
     }
@@ -151,7 +151,8 @@ struct PatternSearch {
 private:
     Range firstWord(std::uint64_t from) const {
         while (from < end && !text.isTerm(from)) ++from;
-        return from < end ? test.at(from, text.endOfRun(from, end), false) : Range::none();
+        return from < end ? test.at(from, text.endOfRun(from, end), Direction::Forward)
+                          : Range::none();
     }
 
     /// Word after word.
@@ -161,7 +162,7 @@ private:
         forEachRun(stretch, text.termCharacters, [&](const Run& run) {
             // For this scan it is the term units that are members of the set.
             if (run.isSeparators && mayMatch(stretch, run))
-                result = test.at(from + run.start, from + run.end, false);
+                result = test.at(from + run.start, from + run.end, Direction::Forward);
             return !result.isFound();
         });
         return result;
@@ -202,7 +203,7 @@ private:
                 ++place;
                 continue;
             }
-            const Range hit = test.at(word.location, word.end(), false);
+            const Range hit = test.at(word.location, word.end(), Direction::Forward);
             if (hit.isFound()) return hit;
             place = word.end();
         }
@@ -298,7 +299,8 @@ Range WildcardPattern::find(const WordText& text, std::uint64_t start, std::uint
     if (start >= end || type_ == WildcardType::Unusable) return Range::none();
     return withFold(table_, [&](const auto& fold) {
         const PatternSearch search(*this, text, start, end, fold);
-        return choice.backwards ? search.last(choice.anchored) : search.first(choice.anchored);
+        return choice.direction == Direction::Backward ? search.last(choice.anchored)
+                                                       : search.first(choice.anchored);
     });
 }
 

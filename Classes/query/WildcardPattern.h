@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/query/Wildcards.h>
 #include <velmocore/text/CharacterSets.h>
@@ -39,8 +40,8 @@ struct WordText {
 
 /// Which word of a stretch is looked for.
 struct WordChoice {
-    bool backwards = false;  // the last and not the first that matches
-    bool anchored = false;   // only the first, or last, word of all is looked at
+    Direction direction = Direction::Forward;  // the last and not the first that matches
+    bool anchored = false;                     // only the first, or last, word of all is looked at
 };
 
 /// Two units of a pattern that stand at fixed places in it, by which a text is searched.

@@ -27,10 +27,11 @@ Range cutAt(std::u16string_view text, Range range) {
 }
 
 std::uint64_t walk(std::u16string_view text, std::span<const String> wildcards,
-                   WildcardHandler handler, const WildcardSearchOptions& options, bool backwards) {
+                   WildcardHandler handler, const WildcardSearchOptions& options,
+                   Direction direction) {
     const Range range = cutAt(text, options.range);
     detail::WildcardWalk hits(wordText(text), range.location, range.end(), wildcards,
-                              options.comparison, options.minCharacters, backwards);
+                              options.comparison, options.minCharacters, direction);
     std::uint64_t calls = 0;
     for (Range hit; (hit = hits.next()).isFound();) {
         ++calls;
@@ -39,8 +40,8 @@ std::uint64_t walk(std::u16string_view text, std::span<const String> wildcards,
     return calls;
 }
 
-NearestWildcardOptions nearest(const WildcardSearchOptions& options, bool backwards) {
-    return {options.comparison, options.minCharacters, backwards, false};
+NearestWildcardOptions nearest(const WildcardSearchOptions& options, Direction direction) {
+    return {options.comparison, options.minCharacters, direction, false};
 }
 
 }  // namespace
@@ -52,10 +53,10 @@ Range FindWildcardInCharacters(std::u16string_view text, Range range, std::u16st
     const WordText words = wordText(text, options.termCharacters);
     const detail::WildcardPattern pattern(wildcard, options.comparison, options.minCharacters);
     if (options.acceptStar && pattern.isLoneStar())
-        return findLoneStar(words, range.location, range.end(), options.backwards,
+        return findLoneStar(words, range.location, range.end(), options.direction,
                             options.starIsWord);
     return pattern.find(words, range.location, range.end(),
-                        {.backwards = options.backwards, .anchored = options.anchored});
+                        {.direction = options.direction, .anchored = options.anchored});
 }
 
 Range FindWildcardStringInCharacters(std::u16string_view text, Range range,
@@ -65,7 +66,7 @@ Range FindWildcardStringInCharacters(std::u16string_view text, Range range,
     if (wildcard.empty()) return Range::none();
     const WildcardTerm term(wildcard, options.comparison, options.minCharacters);
     return term.find(wordText(text, options.termCharacters), range.location, range.end(),
-                     {options.backwards, options.acceptStar});
+                     {options.direction, options.acceptStar});
 }
 
 Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const String> wildcards,
@@ -76,11 +77,12 @@ Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const Str
     for (const String& wildcard : wildcards) {
         if (start >= end) break;
         const WildcardTerm term(wildcard, options.comparison, options.minCharacters);
-        const Range hit = term.find(wordText(text), start, end, {.backwards = options.backwards});
+        const Range hit = term.find(wordText(text), start, end, {.direction = options.direction});
         if (!hit.isFound()) continue;
         best = hit;
         if (options.firstHit) break;
-        (options.backwards ? start : end) = options.backwards ? hit.end() : hit.location;
+        (options.direction == Direction::Backward ? start : end) =
+            options.direction == Direction::Backward ? hit.end() : hit.location;
     }
     return best;
 }
@@ -88,18 +90,20 @@ Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const Str
 bool containsAnyWildcard(std::u16string_view text, std::span<const String> wildcards,
                          const WildcardSearchOptions& options) {
     return rangeOfWildcard(text, options.range, wildcards,
-                           {options.comparison, options.minCharacters, false, true})
+                           {.comparison = options.comparison,
+                            .minCharacters = options.minCharacters,
+                            .firstHit = true})
         .isFound();
 }
 
 Range findNextWildcard(std::u16string_view text, std::span<const String> wildcards,
                        const WildcardSearchOptions& options) {
-    return rangeOfWildcard(text, options.range, wildcards, nearest(options, false));
+    return rangeOfWildcard(text, options.range, wildcards, nearest(options, Direction::Forward));
 }
 
 Range findPreviousWildcard(std::u16string_view text, std::span<const String> wildcards,
                            const WildcardSearchOptions& options) {
-    return rangeOfWildcard(text, options.range, wildcards, nearest(options, true));
+    return rangeOfWildcard(text, options.range, wildcards, nearest(options, Direction::Backward));
 }
 
 Range rangeOfWildcard(std::u16string_view text, std::u16string_view wildcard,
@@ -121,15 +125,15 @@ Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> wor
     return rangeOfWildcard(text, phrase + u'"', options);
 }
 
-std::uint64_t forEachWildcard(std::u16string_view text, std::span<const String> wildcards,
-                              WildcardHandler handler, const WildcardSearchOptions& options) {
-    return walk(text, wildcards, handler, options, false);
+std::size_t forEachWildcard(std::u16string_view text, std::span<const String> wildcards,
+                            WildcardHandler handler, const WildcardSearchOptions& options) {
+    return walk(text, wildcards, handler, options, Direction::Forward);
 }
 
-std::uint64_t forEachWildcardBackwards(std::u16string_view text, std::span<const String> wildcards,
-                                       WildcardHandler handler,
-                                       const WildcardSearchOptions& options) {
-    return walk(text, wildcards, handler, options, true);
+std::size_t forEachWildcardBackwards(std::u16string_view text, std::span<const String> wildcards,
+                                     WildcardHandler handler,
+                                     const WildcardSearchOptions& options) {
+    return walk(text, wildcards, handler, options, Direction::Backward);
 }
 
 std::optional<std::set<String>> findStringsMatchingWildcards(std::u16string_view text,

@@ -10,25 +10,26 @@ Range findPattern(const WildcardPattern& pattern, const WordText& text, std::uin
                   std::uint64_t end, TermChoice choice) {
     if (start >= end) return Range::none();
     if (choice.acceptStar && pattern.isLoneStar())
-        return findLoneStar(text, start, end, choice.backwards, false);
-    return pattern.find(text, start, end, {.backwards = choice.backwards});
+        return findLoneStar(text, start, end, choice.direction, false);
+    return pattern.find(text, start, end, {.direction = choice.direction});
 }
 
 /// A word of a phrase, in which a lone star is any word.
 Range findPhraseWord(const WildcardPattern& pattern, const WordText& text, std::uint64_t start,
                      std::uint64_t end, WordChoice choice) {
     if (start >= end) return Range::none();
-    if (pattern.isLoneStar()) return findLoneStar(text, start, end, choice.backwards, true);
+    if (pattern.isLoneStar()) return findLoneStar(text, start, end, choice.direction, true);
     return pattern.find(text, start, end, choice);
 }
 
 }  // namespace
 
-Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end, bool backwards,
-                   bool starIsWord) {
+Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end,
+                   Direction direction, bool starIsWord) {
     if (!starIsWord) return {start, end - start};
     const bool beginsInside = text.isBehindTerm(start);
-    if (backwards) return !beginsInside && text.isTerm(start) ? Range{start, 1} : Range::none();
+    if (direction == Direction::Backward)
+        return !beginsInside && text.isTerm(start) ? Range{start, 1} : Range::none();
     std::uint64_t word = beginsInside ? text.endOfRun(start, end) : start;
     while (word < end && !text.isTerm(word)) ++word;
     return word < end ? Range{word, text.endOfRun(word, end) - word} : Range::none();
@@ -65,11 +66,12 @@ Range WildcardTerm::findWords(const WordText& text, std::uint64_t start, std::ui
                               TermChoice choice) const {
     if (!isPhrase()) return findPattern(first_, text, start, end, choice);
     for (;;) {
-        const Range hit = findPhraseWord(first_, text, start, end, {.backwards = choice.backwards});
+        const Range hit = findPhraseWord(first_, text, start, end, {.direction = choice.direction});
         if (!hit.isFound()) return hit;
         const std::uint64_t last = endOfRest(text, hit.end(), end);
         if (last != NotFound) return {hit.location, last - hit.location};
-        (choice.backwards ? end : start) = choice.backwards ? hit.location : hit.end();
+        (choice.direction == Direction::Backward ? end : start) =
+            choice.direction == Direction::Backward ? hit.location : hit.end();
     }
 }
 

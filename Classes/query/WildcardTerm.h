@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 
 #include "query/WildcardPattern.h"
@@ -14,13 +15,13 @@ namespace velmo::detail {
 
 /// How a term is looked for.
 struct TermChoice {
-    bool backwards = false;
+    Direction direction = Direction::Forward;
     bool acceptStar = false;  // a lone * finds the whole stretch; in a phrase it is any word
 };
 
 /// What FindWildcardInCharacters() makes of a lone star.
-Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end, bool backwards,
-                   bool starIsWord);
+Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end,
+                   Direction direction, bool starIsWord);
 
 /// Answers what FindWildcardStringInCharacters() answers, for any stretches of any texts.
 /// Any number of threads may share it.

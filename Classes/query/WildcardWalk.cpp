@@ -4,8 +4,8 @@ namespace velmo::detail {
 
 WildcardWalk::WildcardWalk(const WordText& text, std::uint64_t start, std::uint64_t end,
                            std::span<const String> wildcards, WildcardComparison comparison,
-                           std::uint64_t minCharacters, bool backwards)
-    : text_(text), start_(start), end_(end), choice_{.backwards = backwards} {
+                           std::uint64_t minCharacters, Direction direction)
+    : text_(text), start_(start), end_(end), choice_{.direction = direction} {
     tracks_.reserve(wildcards.size());
     for (const String& wildcard : wildcards) {
         WildcardTerm term(wildcard, comparison, minCharacters);
@@ -22,10 +22,12 @@ Range WildcardWalk::next() {
         const Range hit = hitOf(track, start, end);
         if (!hit.isFound()) continue;
         best = hit;
-        (choice_.backwards ? start : end) = choice_.backwards ? hit.end() : hit.location;
+        (choice_.direction == Direction::Backward ? start : end) =
+            choice_.direction == Direction::Backward ? hit.end() : hit.location;
     }
     if (best.isFound())
-        (choice_.backwards ? end_ : start_) = choice_.backwards ? best.location : best.end();
+        (choice_.direction == Direction::Backward ? end_ : start_) =
+            choice_.direction == Direction::Backward ? best.location : best.end();
     else
         start_ = end_;
     return best;
@@ -35,8 +37,8 @@ Range WildcardWalk::next() {
 Range WildcardWalk::hitOf(Track& track, std::uint64_t start, std::uint64_t end) {
     // What is left over begins behind a word. Backwards, a word at its very end is then left
     // out, which no other stretch does; so nothing that is remembered tells of it.
-    const bool leavesOut =
-        choice_.backwards && start > start_ && text_.isBehindTerm(start) && text_.isBehindTerm(end);
+    const bool leavesOut = choice_.direction == Direction::Backward && start > start_ &&
+                           text_.isBehindTerm(start) && text_.isBehindTerm(end);
     if (!track.canRemember || leavesOut) return track.term.find(text_, start, end, choice_);
     const Range hit = remembered(track, track.words, &WildcardTerm::findWords, start, end);
     return hit.isFound() ? hit
@@ -46,7 +48,7 @@ Range WildcardWalk::hitOf(Track& track, std::uint64_t start, std::uint64_t end) 
 Range WildcardWalk::remembered(const Track& track, Known& known, Search search, std::uint64_t start,
                                std::uint64_t end) {
     const auto isPassed = [&](Range hit) {
-        return choice_.backwards ? hit.end() > end_ : hit.location < start_;
+        return choice_.direction == Direction::Backward ? hit.end() > end_ : hit.location < start_;
     };
     if (!known.isKnown || (known.hit.isFound() && isPassed(known.hit)))
         known = {true, (track.term.*search)(text_, start_, end_, choice_)};

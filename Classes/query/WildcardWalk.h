@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 
 #include "query/WildcardTerm.h"
@@ -21,7 +22,7 @@ class WildcardWalk {
 public:
     WildcardWalk(const WordText& text, std::uint64_t start, std::uint64_t end,
                  std::span<const String> wildcards, WildcardComparison comparison,
-                 std::uint64_t minCharacters, bool backwards);
+                 std::uint64_t minCharacters, Direction direction);
 
     /// The next hit, or no range; then the walk is over.
     Range next();

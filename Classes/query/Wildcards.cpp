@@ -82,7 +82,7 @@ void prepareWildcardUsingUnicharTable(std::u16string& wildcard, const Conversion
     for (char16_t& unit : wildcard) unit = table[unit];
 }
 
-OptimizedWildcard optimizeWildcard(std::u16string& wildcard, std::uint64_t minCharacters) {
+OptimizedWildcard optimizeWildcard(std::u16string& wildcard, std::size_t minCharacters) {
     const detail::WildcardShape shape =
         detail::shapeWildcard(wildcard.data(), wildcard.size(), minCharacters);
     wildcard.resize(shape.length);
@@ -96,16 +96,16 @@ WildcardType wildcardType(std::u16string_view wildcard) {
     return detail::shapeWildcard(units.data(), units.size(), 1).optimized.type;
 }
 
-std::uint64_t wildcardLength(std::u16string_view wildcard) { return minWildcardLen(wildcard); }
+std::size_t wildcardLength(std::u16string_view wildcard) { return minWildcardLen(wildcard); }
 
-std::uint64_t minWildcardLen(std::u16string_view wildcard) {
+std::size_t minWildcardLen(std::u16string_view wildcard) {
     std::uint64_t elements = 0;
     for (std::size_t at = 0; at < wildcard.size(); at = detail::behindElement(wildcard, at))
         elements += wildcard[at] != u'*';
     return elements;
 }
 
-std::uint64_t maxWildcardLen(std::u16string_view wildcard) {
+std::size_t maxWildcardLen(std::u16string_view wildcard) {
     std::uint64_t elements = 0;
     for (std::size_t at = 0; at < wildcard.size(); at = detail::behindElement(wildcard, at)) {
         if (wildcard[at] == u'*') return UnboundedWildcardLength;
@@ -148,11 +148,11 @@ std::vector<String> wordsUsingWildcardSeparation(const String& text, bool* hyphe
         text, {.separators = &defaultWildcardSeparators(), .wildcard = true}, hyphenated);
 }
 
-std::uint64_t numberOfWordsUsingWildcardSeparation(std::u16string_view text) {
+std::size_t numberOfWordsUsingWildcardSeparation(std::u16string_view text) {
     return numberOfWordsUsingSeparators(text, &defaultWildcardSeparators(), 1, true);
 }
 
-void initWildcardSeparators() { defaultWildcardSeparators(); }
+void initWildcardSeparators() { (void)defaultWildcardSeparators(); }
 
 void initWildcardTables() { initUpperUmlautsCharsTable(); }
 
@@ -160,7 +160,7 @@ void initSeparatorsAndTables() {
     initSeparators();
     initWildcardSeparators();
     initWildcardTables();
-    defaultSentenceSeparators();
+    (void)defaultSentenceSeparators();
     for (const CharacterSetRep& (*set)() :
          {emptyCharacterSetRep, spaceCharacterSetRep, whiteCharacterSetRep, alphaCharacterSetRep,
           alphaNumCharacterSetRep, digitCharacterSetRep, lowerCharacterSetRep,

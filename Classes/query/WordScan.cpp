@@ -45,7 +45,7 @@ bool wordStandsAt(const SoughtWord& sought, std::uint64_t position, std::uint64_
     if (position < start || !fits(sought, position, end)) return false;
     const char16_t* units = sought.text.data() + position;
     const char16_t* word = sought.word.data();
-    const bool same = sought.caseSensitive
+    const bool same = sought.letterCase == Case::Sensitive
                           ? sameUnits(units, word, sought.word.size(), NoFold{})
                           : sameUnits(units, word, sought.word.size(), UpperFold{});
     return same && accepts(sought, position, start, end);
@@ -53,8 +53,8 @@ bool wordStandsAt(const SoughtWord& sought, std::uint64_t position, std::uint64_
 
 std::uint64_t scanForWord(const SoughtWord& sought, std::uint64_t start, std::uint64_t end) {
     if (!fits(sought, start, end)) return NotFound;
-    return sought.caseSensitive ? firstAccepted(sought, start, end, NoFold{})
-                                : firstAccepted(sought, start, end, UpperFold{});
+    return sought.letterCase == Case::Sensitive ? firstAccepted(sought, start, end, NoFold{})
+                                                : firstAccepted(sought, start, end, UpperFold{});
 }
 
 std::uint64_t scanBackForWord(const SoughtWord& sought, std::uint64_t start, std::uint64_t end) {

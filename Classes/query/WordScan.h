@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
@@ -15,7 +16,7 @@ namespace velmo::detail {
 struct SoughtWord {
     std::u16string_view text;
     std::u16string_view word;
-    bool caseSensitive;
+    Case letterCase;
     bool wholeWord;  // no term unit may adjoin the word
     const CharacterSetRep& termCharacters;
 };

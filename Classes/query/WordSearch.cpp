@@ -31,38 +31,37 @@ Range rangeOf(std::uint64_t location, std::u16string_view word, std::u16string_v
 /// Calls found(location) for each occurrence of a whole word, without overlaps, until it
 /// gives false.
 template <class Found>
-void forEachWord(std::u16string_view text, std::u16string_view word, bool caseSensitive,
-                 Found found) {
+void forEachWord(std::u16string_view text, std::u16string_view word, Case letterCase, Found found) {
     for (std::uint64_t from = 0; from < text.size(); from += word.size()) {
-        from = FindWordInString(text, {from, text.size() - from}, word,
-                                {.caseSensitive = caseSensitive});
+        from = FindWordInString(text, {from, text.size() - from}, word, {.letterCase = letterCase});
         if (from == NotFound || !found(from)) return;
     }
 }
 
 Range findWord(std::u16string_view text, std::u16string_view word, Range range,
-               const TermSearchOptions& options, bool backwards) {
+               const TermSearchOptions& options, Direction direction) {
     const bool isInside = range.location < text.size() && range.length > 0 &&
                           range.length <= text.size() - range.location;
     if (!isInside || word.empty() || word.size() > text.size()) return Range::none();
     return rangeOf(FindWordInString(text, range, word,
-                                    {.caseSensitive = options.caseSensitive,
-                                     .backwards = backwards,
+                                    {.letterCase = options.letterCase,
+                                     .direction = direction,
                                      .wholeWord = options.anchored}),
                    word, text);
 }
 
 }  // namespace
 
-std::uint64_t FindWordInString(std::u16string_view text, Range range, std::u16string_view word,
-                               const FindWordOptions& options) {
+std::size_t FindWordInString(std::u16string_view text, Range range, std::u16string_view word,
+                             const FindWordOptions& options) {
     if (word.empty()) return NotFound;
     if (word.front() == u'*') return range.location;
     range = cutAt(text, range);
-    const detail::SoughtWord sought{text, word, options.caseSensitive, options.wholeWord,
+    const detail::SoughtWord sought{text, word, options.letterCase, options.wholeWord,
                                     setOrDefault(options.termCharacters)};
-    return options.backwards ? detail::scanBackForWord(sought, range.location, range.end())
-                             : detail::scanForWord(sought, range.location, range.end());
+    return options.direction == Direction::Backward
+               ? detail::scanBackForWord(sought, range.location, range.end())
+               : detail::scanForWord(sought, range.location, range.end());
 }
 
 Range FindNonExactPhraseInString(std::u16string_view text, Range range,
@@ -70,10 +69,10 @@ Range FindNonExactPhraseInString(std::u16string_view text, Range range,
     if (words.empty()) return Range::none();
     range = cutAt(text, range);
     const CharacterSetRep& term = setOrDefault(options.termCharacters);
-    const FindWordOptions first{options.caseSensitive, options.backwards, true, &term};
+    const FindWordOptions first{options.letterCase, options.direction, true, &term};
     const auto agrees = [&](std::uint64_t position, const String& word) {
         const char16_t* units = text.data() + position;
-        return options.caseSensitive
+        return options.letterCase == Case::Sensitive
                    ? detail::sameUnits(units, word.characters(), word.length(), detail::NoFold{})
                    : detail::sameUnits(units, word.characters(), word.length(),
                                        detail::UpperFold{});
@@ -99,68 +98,69 @@ Range FindNonExactPhraseInString(std::u16string_view text, Range range,
         const std::uint64_t behind = hit + words[0].length();
         const std::uint64_t last = behind < end ? endOfRest(behind, end) : NotFound;
         if (last != NotFound) return {hit, last - hit};
-        if (options.backwards ? hit <= start : behind >= end) return Range::none();
-        (options.backwards ? end : start) = options.backwards ? hit : behind;
+        if (options.direction == Direction::Backward ? hit <= start : behind >= end)
+            return Range::none();
+        (options.direction == Direction::Backward ? end : start) =
+            options.direction == Direction::Backward ? hit : behind;
     }
 }
 
-std::uint64_t NWordsForward(std::uint64_t n, std::u16string_view text,
-                            const CharacterSetRep& termCharacters, std::uint64_t position,
-                            std::uint64_t end) {
+std::size_t NWordsForward(std::size_t n, std::u16string_view text,
+                          const CharacterSetRep& termCharacters, std::size_t position,
+                          std::size_t end) {
     return detail::wordsForward(text, termCharacters, position,
                                 std::min<std::uint64_t>(end, text.size()), n);
 }
 
-std::uint64_t NWordsBack(std::uint64_t n, std::u16string_view text,
-                         const CharacterSetRep& termCharacters, std::uint64_t position,
-                         std::uint64_t start) {
+std::size_t NWordsBack(std::size_t n, std::u16string_view text,
+                       const CharacterSetRep& termCharacters, std::size_t position,
+                       std::size_t start) {
     return detail::wordsBack(text, termCharacters, std::min<std::uint64_t>(position, text.size()),
                              start, n);
 }
 
-Range rangeOfWord(std::u16string_view text, std::u16string_view word, bool caseSensitive) {
+Range rangeOfWord(std::u16string_view text, std::u16string_view word, Case letterCase) {
     Range result = Range::none();
-    forEachWord(text, word, caseSensitive, [&](std::uint64_t location) {
+    forEachWord(text, word, letterCase, [&](std::uint64_t location) {
         result = rangeOf(location, word, text);
         return false;
     });
     return result;
 }
 
-std::uint64_t countWord(std::u16string_view text, std::u16string_view word, bool caseSensitive) {
+std::size_t countWord(std::u16string_view text, std::u16string_view word, Case letterCase) {
     std::uint64_t count = 0;
-    forEachWord(text, word, caseSensitive, [&](std::uint64_t) {
+    forEachWord(text, word, letterCase, [&](std::uint64_t) {
         ++count;
         return true;
     });
     return count;
 }
 
-Range rangeOfAnyWord(std::u16string_view text, std::span<const String> words, bool caseSensitive) {
+Range rangeOfAnyWord(std::u16string_view text, std::span<const String> words, Case letterCase) {
     for (const String& word : words) {
         if (word.length() > text.size()) continue;
-        const Range found = rangeOfWord(text, word, caseSensitive);
+        const Range found = rangeOfWord(text, word, letterCase);
         if (found.isFound()) return found;
     }
     return Range::none();
 }
 
-std::uint64_t countAnyWord(std::u16string_view text, std::span<const String> words,
-                           bool caseSensitive) {
+std::size_t countAnyWord(std::u16string_view text, std::span<const String> words, Case letterCase) {
     std::uint64_t count = 0;
     for (const String& word : words)
-        if (word.length() <= text.size()) count += countWord(text, word, caseSensitive);
+        if (word.length() <= text.size()) count += countWord(text, word, letterCase);
     return count;
 }
 
 Range findNextWord(std::u16string_view text, std::u16string_view word, Range range,
                    const TermSearchOptions& options) {
-    return findWord(text, word, range, options, false);
+    return findWord(text, word, range, options, Direction::Forward);
 }
 
 Range findPreviousWord(std::u16string_view text, std::u16string_view word, Range range,
                        const TermSearchOptions& options) {
-    return findWord(text, word, range, options, true);
+    return findWord(text, word, range, options, Direction::Backward);
 }
 
 }  // namespace velmo

@@ -49,7 +49,7 @@ String encodeBase64Bytes(Bytes bytes, char16_t padding) {
     return out.finish();
 }
 
-String encodebase64(const String& string) { return encodeBase64Bytes(bytesOf(string.utf8()), 0); }
+String encodebase64(const String& string) { return encodeBase64Bytes(Bytes(string.utf8()), 0); }
 
 std::optional<Data> decodedBase64Data(std::u16string_view string) {
     Data result;
@@ -72,7 +72,7 @@ String decodebase64UsingEncoding(const String& string, StringEncoding encoding) 
     if (!bytes) return {};
     const auto end = std::find(bytes->begin(), bytes->end(), 0);
     if (end == bytes->begin()) return {};
-    return stringWithData(Bytes(bytes->begin(), end), encoding);
+    return stringWithData({bytes->begin(), end}, encoding);
 }
 
 bool isBase64String(std::u16string_view string) {

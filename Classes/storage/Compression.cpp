@@ -7,31 +7,47 @@
 #include <cstdint>
 #include <utility>
 
+#include "storage/CompressionPieces.h"
+
 namespace velmo {
 namespace {
 
 constexpr int ZlibWindowBits = 15, GzipWindowBits = 31, AnyWindowBits = 47;
 constexpr int MemoryLevel = 8;
-constexpr std::size_t LongestInput = 0xFFFFFFFF;
 constexpr std::size_t PortionSize = 16384;
 
 int usableLevel(int level) {
     return level == DefaultCompressionLevel ? level : std::clamp(level, 1, 9);
 }
 
-z_stream streamOver(Bytes bytes) {
-    z_stream stream = {};
-    stream.next_in = const_cast<Bytef*>(bytes.data());
-    stream.avail_in = static_cast<uInt>(bytes.size());
-    return stream;
-}
+/// The input of a stream, which zlib counts in 32 bits: longer ones are handed on in pieces.
+class Input {
+public:
+    Input(Bytes bytes, std::size_t piece) : rest_(bytes), piece_(piece) {}
+
+    /// Gives the stream the next piece when it has used up the one before.
+    void feed(z_stream& stream) {
+        if (stream.avail_in > 0) return;
+        const Bytes next = rest_.first(std::min(rest_.size(), piece_));
+        stream.next_in = const_cast<Bytef*>(next.data());
+        stream.avail_in = static_cast<uInt>(next.size());
+        rest_ = rest_.subspan(next.size());
+    }
+    /// Whether the stream has its last piece.
+    bool isLast() const { return rest_.empty(); }
+
+private:
+    Bytes rest_;
+    std::size_t piece_;
+};
 
 /// Runs the step, with an output portion on the stack each time, until it reports the end of
 /// the stream. False if it reports anything else, or more than the limit comes out.
 template <class Step>
-bool runToEnd(z_stream& stream, Data& out, std::size_t limit, Step step) {
+bool runToEnd(z_stream& stream, Input& input, Data& out, std::size_t limit, Step step) {
     std::array<std::uint8_t, PortionSize> portion;
     for (;;) {
+        input.feed(stream);
         stream.next_out = portion.data();
         stream.avail_out = static_cast<uInt>(portion.size());
         const int status = step(stream);
@@ -54,31 +70,41 @@ struct StreamGuard {
 
 }  // namespace
 
-std::optional<Data> dataByCompressingBytes(Bytes bytes, int compressionLevel, bool useGzip) {
-    if (bytes.empty() || bytes.size() > LongestInput) return std::nullopt;
-    z_stream stream = streamOver(bytes);
-    if (deflateInit2(&stream, usableLevel(compressionLevel), Z_DEFLATED,
+std::optional<Data> detail::deflated(Bytes bytes, int level, bool useGzip, std::size_t piece) {
+    if (bytes.empty()) return std::nullopt;
+    z_stream stream = {};
+    if (deflateInit2(&stream, usableLevel(level), Z_DEFLATED,
                      useGzip ? GzipWindowBits : ZlibWindowBits, MemoryLevel,
                      Z_DEFAULT_STRATEGY) != Z_OK)
         return std::nullopt;
     const StreamGuard<deflateEnd> guard{stream};
+    Input input(bytes, piece);
     Data result;
     result.reserve(bytes.size() / 4);
-    if (!runToEnd(stream, result, NoInflatedLimit,
-                  [](z_stream& s) { return deflate(&s, Z_FINISH); }))
+    if (!runToEnd(stream, input, result, NoInflatedLimit,
+                  [&](z_stream& s) { return deflate(&s, input.isLast() ? Z_FINISH : Z_NO_FLUSH); }))
         return std::nullopt;
     return result;
 }
 
-bool setDataByInflating(Data& data, Bytes bytes, std::size_t maximumLength) {
-    if (bytes.empty() || bytes.size() > LongestInput) return false;
-    z_stream stream = streamOver(bytes);
+bool detail::inflateInto(Data& data, Bytes bytes, std::size_t maximumLength, std::size_t piece) {
+    if (bytes.empty()) return false;
+    z_stream stream = {};
     if (inflateInit2(&stream, AnyWindowBits) != Z_OK) return false;
     const StreamGuard<inflateEnd> guard{stream};
+    Input input(bytes, piece);
     const Data former = std::exchange(data, {});  // may hold the bytes
-    return runToEnd(stream, data, maximumLength,
+    return runToEnd(stream, input, data, maximumLength,
                     [](z_stream& s) { return inflate(&s, Z_NO_FLUSH); }) &&
-           stream.avail_in == 0;
+           stream.avail_in == 0 && input.isLast();
+}
+
+std::optional<Data> dataByCompressingBytes(Bytes bytes, int compressionLevel, bool useGzip) {
+    return detail::deflated(bytes, compressionLevel, useGzip);
+}
+
+bool setDataByInflating(Data& data, Bytes bytes, std::size_t maximumLength) {
+    return detail::inflateInto(data, bytes, maximumLength);
 }
 
 std::optional<Data> dataByInflatingData(Bytes bytes, std::size_t maximumLength) {

@@ -1,8 +1,7 @@
 #include <velmocore/text/Arrays.h>
 
-#include <velmocore/text/Paths.h>
-
 #include "text/Format.h"
+#include "text/PathParts.h"
 
 namespace velmo {
 
@@ -14,10 +13,15 @@ void appendFormat(std::vector<String>& array, std::u16string_view format,
 void minimumCoverOfPaths(std::vector<String>& paths) {
     if (paths.size() < 2) return;
     std::sort(paths.begin(), paths.end());
-    std::size_t kept = 1;
-    for (std::size_t next = 1; next < paths.size(); ++next)
-        if (!pathIsInDirectory(paths[next], paths[kept - 1])) std::swap(paths[kept++], paths[next]);
-    paths.resize(kept);
+    // The slashes at the end of a folder are looked at once, however many paths follow.
+    String folder = paths.front();
+    std::u16string_view name = withoutSlashesAtEnd(folder);
+    std::erase_if(paths, [&](const String& path) {
+        if (!path.isIdenticalTo(folder) && liesIn(path, name)) return true;
+        folder = path;
+        name = withoutSlashesAtEnd(folder);
+        return false;
+    });
 }
 
 }  // namespace velmo

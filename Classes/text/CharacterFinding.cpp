@@ -23,10 +23,11 @@ std::size_t startIn(View string, CharacterSearch search) {
 /// Calls the function with the unit to look for and the folding of the text's units, by the
 /// case rule.
 template <class Function>
-auto withCaseRule(char16_t unit, bool caseInsensitive, Function function) {
+auto withCaseRule(char16_t unit, Case letterCase, Function function) {
     const char16_t upper = toUpper(unit);
     if (upper == toLower(unit)) return function(unit, NoFold{});
-    return caseInsensitive ? function(upper, UpperFold{}) : function(upper, NoFold{});
+    return letterCase == Case::Insensitive ? function(upper, UpperFold{})
+                                           : function(upper, NoFold{});
 }
 
 std::uint64_t indexIn(View string, const char16_t* hit) {
@@ -47,18 +48,18 @@ constexpr auto MaskBits = [] {
 
 }  // namespace
 
-std::uint64_t findCharacter(View string, char16_t unit, CharacterSearch search) {
+std::size_t findCharacter(View string, char16_t unit, CharacterSearch search) {
     const std::size_t start = startIn(string, search);
     return withCaseRule(
-        unit, search.caseInsensitive, [&](char16_t sought, const auto& fold) -> std::uint64_t {
+        unit, search.letterCase, [&](char16_t sought, const auto& fold) -> std::uint64_t {
             const std::uint64_t hit = firstOccurrence(string.substr(start), View(&sought, 1), fold);
             return hit == NotFound ? NotFound : start + hit;
         });
 }
 
-std::uint64_t findLastCharacter(View string, char16_t unit, CharacterSearch search) {
+std::size_t findLastCharacter(View string, char16_t unit, CharacterSearch search) {
     const std::size_t start = startIn(string, search);
-    return withCaseRule(unit, search.caseInsensitive,
+    return withCaseRule(unit, search.letterCase,
                         [&](char16_t sought, const auto& fold) -> std::uint64_t {
                             for (std::size_t i = string.size(); i-- > start;)
                                 if (fold(string[i]) == sought) return i;
@@ -68,14 +69,14 @@ std::uint64_t findLastCharacter(View string, char16_t unit, CharacterSearch sear
 
 std::size_t countCharacter(View string, char16_t unit, CharacterSearch search) {
     const View part = string.substr(startIn(string, search));
-    return withCaseRule(unit, search.caseInsensitive, [&](char16_t sought, const auto& fold) {
+    return withCaseRule(unit, search.letterCase, [&](char16_t sought, const auto& fold) {
         std::size_t count = 0;
         for (const char16_t c : part) count += fold(c) == sought;
         return count;
     });
 }
 
-std::uint64_t findOneOf(View string, View units, CharacterSearch search) {
+std::size_t findOneOf(View string, View units, CharacterSearch search) {
     if (units.empty()) return NotFound;
     const auto find = [&](const auto& fold) {
         CharacterSetRep sought;
@@ -84,7 +85,7 @@ std::uint64_t findOneOf(View string, View units, CharacterSearch search) {
         return indexIn(string, std::find_if(string.data() + startIn(string, search), end,
                                             [&](char16_t c) { return sought.contains(fold(c)); }));
     };
-    return search.caseInsensitive ? find(UpperFold{}) : find(NoFold{});
+    return search.letterCase == Case::Insensitive ? find(UpperFold{}) : find(NoFold{});
 }
 
 bool containsCharacters(View string, unsigned mask) {

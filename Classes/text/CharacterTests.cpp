@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text/PatternScan.h"
 #include "text/Remove.h"
 
 namespace velmo {
@@ -136,9 +137,12 @@ bool containsNumberWithNDigits(View string, std::size_t digits) {
 bool containsNumber(View string, View digits) {
     if (digits.empty()) return false;
     // The search goes on behind a hit that did not stand alone.
-    for (std::size_t hit = 0; (hit = string.find(digits, hit)) != View::npos;
-         hit += digits.size()) {
-        const std::size_t end = hit + digits.size();
+    std::uint64_t found;
+    for (std::size_t from = 0, end; (found = detail::firstOccurrence(string.substr(from), digits,
+                                                                     detail::NoFold{})) != NotFound;
+         from = end) {
+        const std::size_t hit = from + found;
+        end = hit + digits.size();
         if (hit > 0 && isAsciiDigit(string[hit - 1])) continue;
         if (end < string.size() && isAsciiDigit(string[end])) continue;
         return true;

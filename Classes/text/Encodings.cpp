@@ -4,6 +4,7 @@
 #include <atomic>
 
 #include "platform/Converter.h"
+#include "platform/Surrogates.h"
 #include "platform/Utf8.h"
 
 namespace velmo {
@@ -37,16 +38,6 @@ constexpr EncodingPair Pairs[] = {
 constexpr std::uint32_t OtherBit = 0x80000000;
 
 std::atomic<StringEncoding> processEncoding = UTF8StringEncoding;
-
-bool startsWithPair(std::u16string_view units) {
-    return units.size() > 1 && (units[0] & 0xFC00) == 0xD800 && (units[1] & 0xFC00) == 0xDC00;
-}
-
-/// How many units of at most that many can be cut off without cutting a surrogate pair.
-std::size_t wholePairs(std::u16string_view units, std::size_t most) {
-    if (most >= units.size()) return units.size();
-    return most && (units[most - 1] & 0xFC00) == 0xD800 ? most - 1 : most;
-}
 
 }  // namespace
 
@@ -96,13 +87,13 @@ int convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> des
     int status = 0;
     while (!source.empty()) {
         const std::size_t room = destination.size() - written;
-        std::size_t count = wholePairs(source, room / 3);
+        std::size_t count = detail::wholePairs(source, room / 3);
         if (count) {
             written += detail::encodeUtf8(source.substr(0, count),
                                           reinterpret_cast<char*>(destination.data() + written));
         } else {
             char bytes[4];
-            count = startsWithPair(source) ? 2 : 1;
+            count = detail::isPairAt(source, 0) ? 2 : 1;
             const std::size_t length = detail::encodeUtf8(source.substr(0, count), bytes);
             if (length > room) {
                 status = ConverterOutputBufferFull;

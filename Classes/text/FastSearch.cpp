@@ -53,22 +53,22 @@ bool containsAny(std::u16string_view text, std::span<const std::string_view> key
 
 }  // namespace
 
-std::uint64_t fastContainsUnichars(std::u16string_view text, std::u16string_view pattern) {
+std::size_t fastContainsUnichars(std::u16string_view text, std::u16string_view pattern) {
     if (pattern.empty() || pattern.size() >= text.size()) return NotFound;
     return firstOccurrence(text.data(), text.size() - pattern.size(), pattern, NoFold{});
 }
 
-std::uint64_t fastCaseInsensitiveContainsUnichars(std::u16string_view text,
-                                                  std::u16string_view pattern) {
+std::size_t fastCaseInsensitiveContainsUnichars(std::u16string_view text,
+                                                std::u16string_view pattern) {
     return firstOccurrence(text, pattern, UpperFold{});
 }
 
-std::uint64_t fastUnicharsContainChars(std::u16string_view text, std::string_view pattern) {
+std::size_t fastUnicharsContainChars(std::u16string_view text, std::string_view pattern) {
     return firstOccurrence(text, pattern, NoFold{});
 }
 
-std::uint64_t fastCaseInsensitiveUnicharsContainChars(std::u16string_view text,
-                                                      std::string_view pattern) {
+std::size_t fastCaseInsensitiveUnicharsContainChars(std::u16string_view text,
+                                                    std::string_view pattern) {
     return firstOccurrence(text, pattern, UpperFold{});
 }
 

@@ -14,24 +14,24 @@ using View = std::u16string_view;
 
 /// Searches one part of the text, and gives the range in the whole.
 template <class Fold>
-Range findInPart(View text, std::size_t start, std::size_t end, View sought, bool forward,
+Range findInPart(View text, std::size_t start, std::size_t end, View sought, Direction direction,
                  const Fold& fold) {
     const View part = text.substr(start, end - start);
-    const std::uint64_t hit =
-        forward ? firstOccurrence(part, sought, fold) : lastOccurrence(part, sought, fold);
+    const std::uint64_t hit = direction == Direction::Forward ? firstOccurrence(part, sought, fold)
+                                                              : lastOccurrence(part, sought, fold);
     return hit == NotFound ? Range::none() : Range{start + hit, sought.size()};
 }
 
 }  // namespace
 
-bool containsSubstring(View string, View substring, bool caseSensitive) {
-    return withFold(caseSensitive, [&](const auto& fold) {
+bool containsSubstring(View string, View substring, Case letterCase) {
+    return withFold(letterCase, [&](const auto& fold) {
         return firstOccurrence(string, substring, fold) != NotFound;
     });
 }
 
-std::size_t countSubstring(View string, View substring, bool caseSensitive) {
-    return withFold(caseSensitive, [&](const auto& fold) {
+std::size_t countSubstring(View string, View substring, Case letterCase) {
+    return withFold(letterCase, [&](const auto& fold) {
         std::size_t count = 0;
         std::uint64_t hit;
         for (View rest = string; (hit = firstOccurrence(rest, substring, fold)) != NotFound;
@@ -41,36 +41,36 @@ std::size_t countSubstring(View string, View substring, bool caseSensitive) {
     });
 }
 
-bool containsSubstrings(View string, std::span<const String> substrings, bool caseSensitive) {
+bool containsSubstrings(View string, std::span<const String> substrings, Case letterCase) {
     return std::ranges::any_of(substrings, [&](const String& substring) {
-        return containsSubstring(string, substring, caseSensitive);
+        return containsSubstring(string, substring, letterCase);
     });
 }
 
-bool containsSubCStrings(View string, std::span<const std::string_view> keywords,
-                         bool caseSensitive) {
-    return fastContainsSubCStrings(string, keywords, caseSensitive ? nullptr : &lowerCharsTable());
+bool containsSubCStrings(View string, std::span<const std::string_view> keywords, Case letterCase) {
+    return fastContainsSubCStrings(string, keywords,
+                                   letterCase == Case::Sensitive ? nullptr : &lowerCharsTable());
 }
 
 Range findString(View string, View sought, Range selection, FindOptions options) {
     const std::size_t start = std::min<std::size_t>(selection.location, string.size());
     const std::size_t end = start + std::min<std::size_t>(selection.length, string.size() - start);
-    return withFold(options.caseSensitive, [&](const auto& fold) {
+    return withFold(options.letterCase, [&](const auto& fold) {
         const auto before = [&] {
-            return findInPart(string, 0, start, sought, options.forward, fold);
+            return findInPart(string, 0, start, sought, options.direction, fold);
         };
         const auto behind = [&] {
-            return findInPart(string, end, string.size(), sought, options.forward, fold);
+            return findInPart(string, end, string.size(), sought, options.direction, fold);
         };
-        const Range near = options.forward ? behind() : before();
+        const Range near = options.direction == Direction::Forward ? behind() : before();
         if (near.isFound() || !options.wrap) return near;
-        return options.forward ? before() : behind();
+        return options.direction == Direction::Forward ? before() : behind();
     });
 }
 
-std::uint64_t indexOfStringInArray(std::span<const String> array, View string, bool caseSensitive) {
+std::size_t indexOfStringInArray(std::span<const String> array, View string, Case letterCase) {
     if (string.empty()) return NotFound;
-    return withFold(caseSensitive, [&](const auto& fold) -> std::uint64_t {
+    return withFold(letterCase, [&](const auto& fold) -> std::uint64_t {
         for (std::size_t i = 0; i < array.size(); ++i)
             if (array[i].length() == string.size() &&
                 sameUnits(array[i].characters(), string.data(), string.size(), fold))

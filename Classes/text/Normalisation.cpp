@@ -4,6 +4,7 @@
 
 #include <velmocore/text/Folding.h>
 
+#include "platform/Surrogates.h"
 #include "platform/Unicode.h"
 #include "text/Composition.h"
 #include "text/UnitFold.h"
@@ -17,7 +18,7 @@ using View = std::u16string_view;
 
 /// What must not be kept in stored text.
 bool isUnsafe(char16_t unit) {
-    return unit == 0 || (unit >= 0xD800 && unit <= 0xDFFF) || (unit >= 0xF400 && unit <= 0xF8FF);
+    return unit == 0 || isSurrogate(unit) || (unit >= 0xF400 && unit <= 0xF8FF);
 }
 
 /// Below U+0300 the table says the same as the full mapping, but for U+0130.

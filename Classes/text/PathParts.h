@@ -37,6 +37,18 @@ inline std::u16string_view withoutTrailingSlashes(std::u16string_view path) {
     return path.substr(0, end == 0 && !path.empty() ? 1 : end);
 }
 
+/// Without the slashes at its end, of which the root is nothing else.
+inline std::u16string_view withoutSlashesAtEnd(std::u16string_view path) {
+    return path.substr(0, path.find_last_not_of(u'/') + 1);
+}
+
+/// Whether a path is that of a folder, which has no slash at its end, or lies below it. Nothing
+/// lies in a folder without a name.
+inline bool liesIn(std::u16string_view path, std::u16string_view folder) {
+    if (folder.empty() || !path.starts_with(folder)) return false;
+    return path.size() == folder.size() || path[folder.size()] == u'/';
+}
+
 /// The path of what holds the last component: "/" for a component of the root, empty for a
 /// path of one component.
 inline std::u16string_view parentOfPath(std::u16string_view path) {

@@ -8,23 +8,36 @@
 #include <velmocore/text/Finding.h>
 #include <velmocore/text/Normalisation.h>
 
+#include "platform/Surrogates.h"
 #include "text/PathParts.h"
-#include "text/Surrogates.h"
 #include "text/Trim.h"
 
 namespace velmo {
 namespace {
 
 using View = std::u16string_view;
-using detail::isHighSurrogate;
-using detail::isLowSurrogate;
 
-constexpr std::size_t LongestName = 250;  ///< in units, and in bytes of UTF-8
+constexpr std::size_t LongestName = 250;      ///< in units, and in bytes of UTF-8
+constexpr std::size_t LongestFilename = 255;  ///< in bytes, as file systems have it
 constexpr std::size_t LongestExtension = 17;
 
-String joined(std::span<const String> components) {
+/// The components that are left of a path when it is standardised.
+std::vector<View> keptComponents(View path) {
+    std::vector<View> kept;
+    for (const View component : componentsOfPath(path)) {
+        const bool isRoot = component.data() == path.data();  // and no slash at the end
+        if (component == u"." || (component == u"/" && !isRoot)) continue;
+        if (component != u"..")
+            kept.push_back(component);
+        else if (!kept.empty())
+            kept.pop_back();
+    }
+    return kept;
+}
+
+std::u16string joined(std::span<const View> components) {
     std::u16string path;
-    for (const String& component : components) {
+    for (const View component : components) {
         if (!path.empty() && path != u"/") path += u'/';
         path += component;
     }
@@ -37,16 +50,15 @@ String appendedExtension(View path, View extension) {
     return result.append(u".").append(extension);
 }
 
-/// The units of the text's start that take no more than so many bytes of UTF-8.
+/// The units of the text's start that take no more than so many bytes of UTF-8. Pairs stay
+/// whole; a lone half takes what U+FFFD does.
 std::size_t unitsWithinBytes(View text, std::size_t bytes) {
     std::size_t i = 0;
     while (i < text.size()) {
         const char16_t unit = text[i];
-        std::size_t units = 1, size = unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
-        if (isHighSurrogate(unit) && i + 1 < text.size() && isLowSurrogate(text[i + 1]))
-            units = 2, size = 4;
-        else if (isHighSurrogate(unit) || isLowSurrogate(unit))
-            break;
+        const bool isPair = detail::isPairAt(text, i);
+        const std::size_t units = isPair ? 2 : 1;
+        const std::size_t size = isPair ? 4 : unit < 0x80 ? 1 : unit < 0x800 ? 2 : 3;
         if (size > bytes) break;
         bytes -= size;
         i += units;
@@ -54,15 +66,22 @@ std::size_t unitsWithinBytes(View text, std::size_t bytes) {
     return i;
 }
 
+/// At most 250 units, and so many bytes.
 void cutName(std::u16string& name, std::size_t bytes) {
-    name.resize(unitsWithinBytes(View(name).substr(0, LongestName), bytes));
+    const std::size_t units = detail::wholePairs(name, LongestName);
+    name.resize(unitsWithinBytes(View(name).substr(0, units), bytes));
+}
+
+/// Cuts at a lone half too, which has no representation in the file system.
+void cutRepresentation(std::u16string& name, std::size_t bytes) {
+    name.resize(std::min(detail::findLoneSurrogate(name), name.size()));
+    cutName(name, bytes);
 }
 
 }  // namespace
 
 String relativePathToDirectory(View path, View directory) {
-    const auto own = standardizedPathComponents(path);
-    const auto other = standardizedPathComponents(directory);
+    const std::vector<View> own = keptComponents(path), other = keptComponents(directory);
     const auto [ownRest, otherRest] =
         std::mismatch(own.begin(), own.end(), other.begin(), other.end());
     std::u16string result = otherRest == other.end() ? u"./" : u"";
@@ -72,9 +91,7 @@ String relativePathToDirectory(View path, View directory) {
 
 bool pathIsInDirectory(const String& path, const String& directory) {
     if (directory.isAbsent() || path.isIdenticalTo(directory)) return false;
-    const View folder = directory.view().substr(0, directory.view().find_last_not_of(u'/') + 1);
-    if (folder.empty() || !path.view().starts_with(folder)) return false;
-    return path.length() == folder.size() || path[folder.size()] == u'/';
+    return liesIn(path, withoutSlashesAtEnd(directory));
 }
 
 bool pathIsInDirectories(const String& path, std::span<const String> directories) {
@@ -88,19 +105,11 @@ String stringByDeletingFileComponent(View path) {
 }
 
 std::vector<String> standardizedPathComponents(View path) {
-    std::vector<View> kept;
-    for (const View component : componentsOfPath(path)) {
-        const bool isRoot = component.data() == path.data();  // and no slash at the end
-        if (component == u"." || (component == u"/" && !isRoot)) continue;
-        if (component != u"..")
-            kept.push_back(component);
-        else if (!kept.empty())
-            kept.pop_back();
-    }
+    const std::vector<View> kept = keptComponents(path);
     return {kept.begin(), kept.end()};
 }
 
-String standardizedPath(View path) { return joined(standardizedPathComponents(path)); }
+String standardizedPath(View path) { return joined(keptComponents(path)); }
 
 String stringByAppendingPathExtensionIfNecessary(const String& path, const String& extension) {
     if (extension.isAbsent()) return path;
@@ -155,13 +164,13 @@ String stringByCreatingFileSystemRepresentationByAppendingExtension(View name, V
     return result;
 }
 
-void createFileSystemRepresentation(std::u16string& name) { cutName(name, LongestName); }
+void createFileSystemRepresentation(std::u16string& name) { cutRepresentation(name, LongestName); }
 
 void createFileSystemRepresentationAndAppendExtension(std::u16string& name, View extension) {
     if (extension.empty() || extension.size() > LongestExtension)
         return createFileSystemRepresentation(name);
     const std::u16string suffix = u"." + std::u16string(extension);
-    cutName(name, LongestName - utf8(suffix).size());
+    cutRepresentation(name, LongestName - utf8(suffix).size());
     if (!View(name).ends_with(suffix)) name += suffix;
 }
 
@@ -176,8 +185,8 @@ void createFilename(std::u16string& text) {
     detail::trimInPlace(text, detail::Ends::Both, [](char16_t unit) {
         return unit == u'.' || unit == u'/' || unit == u':' || unit == u'_';
     });
-    if (text.size() > LongestName) text.resize(LongestName);
-    constexpr View Illegal = u"*/:<>?\\|";
+    cutName(text, LongestFilename);
+    constexpr View Illegal(u"*/:<>?\\|\0", 9);
     std::replace_if(
         text.begin(), text.end(), [&](char16_t unit) { return Illegal.find(unit) != View::npos; },
         u'-');

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <vector>
 
 #include "text/UnitScan.h"
 
@@ -112,6 +113,42 @@ std::size_t next(const char16_t* text, std::size_t start, std::size_t starts, co
 
 #endif
 
+/// The units that fold to one and the same, for each one that several fold to.
+class FoldClasses {
+public:
+    FoldClasses() {
+        const CaseFold fold;
+        std::vector<Member> all;
+        for (unsigned unit = 0; unit < 65536; ++unit)
+            all.push_back({fold(static_cast<char16_t>(unit)), static_cast<char16_t>(unit)});
+        std::ranges::stable_sort(all, {}, &Member::key);
+        for (auto first = all.begin(); first != all.end();) {
+            const auto last = std::ranges::find_if(
+                first, all.end(), [&](const Member& member) { return member.key != first->key; });
+            if (last - first > 1) members_.insert(members_.end(), first, last);
+            first = last;
+        }
+    }
+
+    std::optional<Anchor> anchor(std::size_t offset, char16_t unit) const {
+        const auto members = std::ranges::equal_range(members_, fold_(unit), {}, &Member::key);
+        if (members.size() > 3) return std::nullopt;
+        if (members.empty()) return exactAnchor(offset, unit);
+        const auto variant = [&](std::size_t i) {
+            return members[std::min(i, members.size() - 1)].unit;
+        };
+        return Anchor{offset, {variant(0), variant(1), variant(2)}};
+    }
+
+private:
+    struct Member {
+        char16_t key, unit;
+    };
+
+    const CaseFold fold_;
+    std::vector<Member> members_;  // in the order of the keys
+};
+
 int variantsOf(const Anchor& anchor) noexcept {
     const auto& v = anchor.variants;
     if (v[2] != v[0] && v[2] != v[1]) return 3;
@@ -130,6 +167,12 @@ std::size_t nextCandidate(const char16_t* text, std::size_t start, std::size_t s
         default:
             return next<3>(text, start, starts, first, second);
     }
+}
+
+std::optional<Anchor> anyCaseAnchor(std::size_t offset, char16_t unit) {
+    if (unit <= 127) return caseAnchor(offset, unit);
+    static const auto& classes = *new FoldClasses;
+    return classes.anchor(offset, unit);
 }
 
 }  // namespace velmo::detail

@@ -28,10 +28,10 @@ std::size_t appendReplacing(Out& out, View text, View sought, View replacement, 
 }  // namespace
 
 String stringByReplacingCharacter(const String& string, char16_t from, char16_t to,
-                                  bool caseSensitive) {
+                                  Case letterCase) {
     if (from == to) return string;
     const char16_t upper = toUpper(from);
-    const bool literal = caseSensitive || upper != toLower(from);
+    const bool literal = letterCase == Case::Sensitive || upper != toLower(from);
     const UpperFold fold;
     const auto isHit = [&](char16_t c) { return literal ? c == from : fold(c) == upper; };
     if (std::none_of(string.begin(), string.end(), isHit)) return string;
@@ -42,9 +42,9 @@ String stringByReplacingCharacter(const String& string, char16_t from, char16_t 
 }
 
 String stringByReplacingString(const String& string, View sought, const String& replacement,
-                               bool caseSensitive) {
+                               Case letterCase) {
     if (replacement.isAbsent()) return string;
-    return withFold(caseSensitive, [&](const auto& fold) {
+    return withFold(letterCase, [&](const auto& fold) {
         StringBuilder out;
         return appendReplacing(out, string, sought, replacement, fold) ? out.finish() : string;
     });
@@ -65,17 +65,17 @@ String stringByRotating(const String& string, std::int64_t places) {
     return out.finish();
 }
 
-std::size_t replaceString(std::u16string& text, View sought, View replacement, bool caseSensitive) {
+std::size_t replaceString(std::u16string& text, View sought, View replacement, Case letterCase) {
     std::u16string out;
-    const std::size_t count = withFold(caseSensitive, [&](const auto& fold) {
+    const std::size_t count = withFold(letterCase, [&](const auto& fold) {
         return appendReplacing(out, text, sought, replacement, fold);
     });
     if (count) text = std::move(out);
     return count;
 }
 
-std::size_t replaceCharacter(std::u16string& text, char16_t from, char16_t to, bool caseSensitive) {
-    return withFold(caseSensitive, [&](const auto& fold) {
+std::size_t replaceCharacter(std::u16string& text, char16_t from, char16_t to, Case letterCase) {
+    return withFold(letterCase, [&](const auto& fold) {
         std::size_t count = 0;
         for (char16_t& unit : text) {
             if (!sameUnit(unit, from, fold)) continue;

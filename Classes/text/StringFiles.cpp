@@ -5,6 +5,7 @@
 
 #include "platform/Converter.h"
 #include "platform/Files.h"
+#include "platform/Surrogates.h"
 
 namespace velmo {
 namespace {
@@ -102,10 +103,11 @@ StringEncoding smallestEncoding(std::u16string_view string) noexcept {
     for (char16_t unit : string) {
         all |= unit;
         // A surrogate pair has four bytes, two for each half.
-        bytes += unit < 0x80 ? 1 : unit < 0x800 || (unit & 0xF800) == 0xD800 ? 2 : 3;
+        bytes += unit < 0x80 ? 1 : unit < 0x800 || detail::isSurrogate(unit) ? 2 : 3;
     }
     if (all < 0x80) return ASCIIStringEncoding;
     if (all < 0x100) return ISOLatin1StringEncoding;
+    if (detail::hasLoneSurrogate(string)) return UTF16StringEncoding;
     // UTF-16 has a byte-order mark besides.
     return bytes <= 2 * string.size() + 2 ? UTF8StringEncoding : UTF16StringEncoding;
 }

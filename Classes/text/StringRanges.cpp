@@ -63,8 +63,8 @@ void deleteCharactersInStringRange(std::u16string& text, const StringRange& rang
     deleteCharactersInRangeWithStart(text, range.start(), range.end(), options);
 }
 
-std::uint64_t findStrings(View string, std::initializer_list<String> sought, SearchOptions options,
-                          std::uint64_t startAt) {
+std::size_t findStrings(View string, std::initializer_list<String> sought, SearchOptions options,
+                        std::size_t startAt) {
     if (startAt >= string.size()) return NotFound;
     for (const String& each : sought) {
         if (each.isAbsent()) break;

@@ -44,28 +44,27 @@ bool isTrailer(char16_t unit, bool mail) {
 
 }  // namespace
 
-Range getWordRangeAtIndex(View string, std::uint64_t index) {
+Range getWordRangeAtIndex(View string, std::size_t index) {
     if (index == NotFound && !string.empty()) index = string.size() - 1;
     return membersAround(string, index, detail::InSet{alphaNumCharacterSetRep()});
 }
 
-String getWordAtIndex(View string, std::uint64_t index) {
+String getWordAtIndex(View string, std::size_t index) {
     return stringOf(string, getWordRangeAtIndex(string, index));
 }
 
 String firstWord(View string) { return getWordAtIndex(string, 0); }
 String lastWord(View string) { return getWordAtIndex(string, NotFound); }
 
-Range getSubstringRangeAtIndex(View string, std::uint64_t index,
-                               const CharacterSetRep& separators) {
+Range getSubstringRangeAtIndex(View string, std::size_t index, const CharacterSetRep& separators) {
     return membersAround(string, index, detail::NotInSet{separators});
 }
 
-String getSubstringAtIndex(View string, std::uint64_t index, const CharacterSetRep& separators) {
+String getSubstringAtIndex(View string, std::size_t index, const CharacterSetRep& separators) {
     return stringOf(string, getSubstringRangeAtIndex(string, index, separators));
 }
 
-Range getLinkRangeAtIndex(View string, std::uint64_t index) {
+Range getLinkRangeAtIndex(View string, std::size_t index) {
     if (index >= string.size()) return Range::none();
     const bool mail = string[index] == u'@';
     if (mail && index == 0) return Range::none();
@@ -88,7 +87,7 @@ Range getLinkRangeAtIndex(View string, std::uint64_t index) {
     return rangeBetween(start, end);
 }
 
-String getLinkAtIndex(View string, std::uint64_t index) {
+String getLinkAtIndex(View string, std::size_t index) {
     return stringOf(string, getLinkRangeAtIndex(string, index));
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 
+#include <velmocore/platform/Matching.h>
 #include <velmocore/text/ConversionTables.h>
 
 namespace velmo::detail {
@@ -76,8 +77,8 @@ auto withFold(const ConversionTable* table, Function function) {
 
 /// Calls the function with the folding of a case flag.
 template <class Function>
-auto withFold(bool caseSensitive, Function function) {
-    return caseSensitive ? function(NoFold{}) : function(CaseFold{});
+auto withFold(Case letterCase, Function function) {
+    return letterCase == Case::Sensitive ? function(NoFold{}) : function(CaseFold{});
 }
 
 template <class Fold>
@@ -91,6 +92,15 @@ bool sameUnits(const char16_t* a, const Unit* b, std::size_t count, const Fold& 
     for (std::size_t i = 0; i < count; ++i)
         if (!sameUnit(a[i], widened(b[i]), fold)) return false;
     return true;
+}
+
+/// How many units at the start are the same after folding.
+template <class Unit, class Fold>
+std::size_t equalUnits(const char16_t* a, const Unit* b, std::size_t count,
+                       const Fold& fold) noexcept {
+    std::size_t i = 0;
+    while (i < count && sameUnit(a[i], widened(b[i]), fold)) ++i;
+    return i;
 }
 
 inline bool sameUnits(const char16_t* a, const char16_t* b, std::size_t count, NoFold) noexcept {

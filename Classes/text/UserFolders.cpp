@@ -42,9 +42,8 @@ String orElse(const String& folder, const String& parent, std::u16string_view fa
 }
 
 std::string settings(const String& path) {
-    const std::optional<Data> bytes = readFile(path.utf8());
-    if (!bytes || bytes->size() > LongestSettings) return {};
-    return std::string(charsOf(*bytes));
+    const std::optional<Data> bytes = readRegularFile(path.utf8(), LongestSettings);
+    return bytes ? std::string(charsOf(*bytes)) : std::string();
 }
 
 /// A value of user-dirs.dirs: quoted, with backslashes before special characters, and absolute
@@ -57,7 +56,7 @@ String folderOfSetting(std::string_view quoted, const String& home) {
         value += quoted[i];
     }
     constexpr std::string_view Home = "$HOME";
-    if (value.starts_with(Home)) value.replace(0, Home.size(), home.utf8());
+    if (value == Home || value.starts_with("$HOME/")) value.replace(0, Home.size(), home.utf8());
     return absoluteFolder(value);
 }
 

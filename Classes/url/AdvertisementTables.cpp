@@ -1,3 +1,5 @@
+// What tells advertisements. The rows are looked for all at once, by one automaton, so that their
+// number and order do not matter; they stand grouped by what they are.
 #include "url/ClassificationTables.h"
 
 namespace velmo::detail {

@@ -6,7 +6,7 @@
 
 #include <velmocore/text/StringFiles.h>
 
-namespace velmo::escapes {
+namespace velmo::detail::escapes {
 namespace {
 
 using Units = std::u16string_view;
@@ -53,7 +53,7 @@ String decodedUtf8(Units text) {
 
 /// The text of bytes; absent if they are nothing in the encoding.
 String stringOf(std::string_view bytes, StringEncoding encoding) {
-    const String text = stringWithData(bytesOf(bytes), encoding);
+    const String text = stringWithData(Bytes(bytes), encoding);
     const bool failed =
         encoding == ASCIIStringEncoding && text.view().find(u'\uFFFD') != Units::npos;
     return failed ? String() : text;
@@ -105,4 +105,4 @@ String decoded(const String& text, StringEncoding encoding) {
     return out.finish();
 }
 
-}  // namespace velmo::escapes
+}  // namespace velmo::detail::escapes

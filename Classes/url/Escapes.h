@@ -10,11 +10,11 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Encodings.h>
 
-#include "text/Surrogates.h"
+#include "platform/Surrogates.h"
 #include "text/UnitScan.h"
 #include "url/Grammar.h"
 
-namespace velmo::escapes {
+namespace velmo::detail::escapes {
 
 /// Appends the bytes of units as escapes, with capital digits. False if the encoding
 /// cannot hold them.
@@ -195,4 +195,4 @@ char16_t* copyReplacing(std::u16string_view text, char16_t* write, Replace repla
 /// the encoding; the text itself if it has no escapes.
 String decoded(const String& text, StringEncoding encoding);
 
-}  // namespace velmo::escapes
+}  // namespace velmo::detail::escapes

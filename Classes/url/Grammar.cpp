@@ -1,11 +1,17 @@
+// A URL is cut from the left to the right, as the standard's own expression does: scheme,
+// authority, path, query, fragment. Each unit is looked up once in a table of classes, and a unit
+// that may not stand in its part ends the cut, and with it the URL.
+//
+// Resolving writes the parts of reference and base behind each other and notes where each stands,
+// so that what was put together need not be cut again.
 #include "url/Grammar.h"
 
 #include <algorithm>
-#include <boost/url/ipv6_address.hpp>
 
 #include "text/Keyword.h"
+#include "url/IPv6.h"
 
-namespace velmo::grammar {
+namespace velmo::detail::grammar {
 namespace {
 
 /// What a unit may be part of as it stands; escapes are looked at apart.
@@ -82,12 +88,7 @@ bool isIPLiteral(std::u16string_view text) noexcept {
                std::all_of(text.begin() + static_cast<std::ptrdiff_t>(dot) + 1, text.end(),
                            [](char16_t unit) { return isIn(unit, InUserInfo); });
     }
-    constexpr std::size_t Longest = 45;  // six groups and a dotted address
-    if (text.size() > Longest) return false;
-    char narrow[Longest];
-    for (std::size_t i = 0; i < text.size(); ++i)
-        narrow[i] = text[i] < 128 ? static_cast<char>(text[i]) : '?';
-    return boost::urls::parse_ipv6_address({narrow, text.size()}).has_value();
+    return detail::isIPv6Address(text);
 }
 
 bool isPort(std::u16string_view digits) noexcept {
@@ -100,7 +101,8 @@ bool isPort(std::u16string_view digits) noexcept {
     return true;
 }
 
-/// Cuts user information, host and port. The text ends where the authority ends.
+/// The last @ would be the host's for some readers and the first for others; a second one is no
+/// URL. Cuts user information, host and port. The text ends where the authority ends.
 bool cutAuthority(std::u16string_view text, std::uint32_t start, Parts& parts) noexcept {
     const auto end = static_cast<std::uint32_t>(text.size());
     std::uint32_t host = start;
@@ -348,4 +350,4 @@ Composed withoutDotSegments(const Reference& reference) {
     return target.finish();
 }
 
-}  // namespace velmo::grammar
+}  // namespace velmo::detail::grammar

@@ -1,6 +1,6 @@
 // The grammar of RFC 3986 on UTF-16 units: where the parts of a URL stand, and how a
 // reference is resolved. URLs are made for every link of every page, so one pass finds
-// the parts and nothing is allocated; the addresses in brackets are left to Boost.URL.
+// the parts and nothing is allocated.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 #include <velmocore/url/URL.h>
 
-namespace velmo::grammar {
+namespace velmo::detail::grammar {
 
 /// Where one part stands. Its location is Missing if the URL does not have it.
 struct Span {
@@ -88,4 +88,4 @@ constexpr int hexDigitValue(char16_t unit) noexcept {
     return unit < 256 ? HexDigitValues[unit] : -1;
 }
 
-}  // namespace velmo::grammar
+}  // namespace velmo::detail::grammar

@@ -30,7 +30,7 @@ std::u16string marked(char16_t mark, Units part) {
     return part.empty() ? std::u16string() : mark + withHyphens(part);
 }
 
-/// Parameters and query as they are added to the path.
+/// Parameters and query as they are added to the path: pages that differ in these are two files.
 String additionOf(const URL& url, bool removeSessionIDs) {
     const Units query = url.part(URLPart::Query);
     const Units parameters = url.part(URLPart::Parameters);
@@ -39,9 +39,9 @@ String additionOf(const URL& url, bool removeSessionIDs) {
     return removeSessionIDs ? stringURLByRemovingSessionIDs(addition) : addition;
 }
 
-void appendComponents(std::vector<String>& list, Units path, bool caseInsensitive) {
+void appendComponents(std::vector<String>& list, Units path, Case letterCase) {
     std::u16string text(path);
-    if (caseInsensitive) lowercase(text);
+    if (letterCase == Case::Insensitive) lowercase(text);
     const std::vector<String> components = standardizedPathComponents(text);
     list.insert(list.end(), components.begin(), components.end());
 }
@@ -49,28 +49,29 @@ void appendComponents(std::vector<String>& list, Units path, bool caseInsensitiv
 std::vector<String> componentsOf(const URL& url, const InvertedPathOptions& options) {
     std::vector<String> list;
     if (url.isFileURL()) {
-        appendComponents(list, url.path(), options.caseInsensitive);
+        appendComponents(list, url.path(), options.letterCase);
         return list;
     }
     list = invertedHostComponents(url, options.maxHostComponents);
     const String addition = additionOf(url, options.removeSessionIDs);
     const std::u16string path = std::u16string(url.part(URLPart::Path)).append(addition);
-    appendComponents(list, path, options.caseInsensitive);
+    appendComponents(list, path, options.letterCase);
     const bool isFolder =
         isBaseDirectory(url) || (addition.isEmpty() && Units(path).ends_with(u'/'));
     if (path.empty() || isFolder) list.push_back(DefaultComponent);
     return list;
 }
 
-/// A host is the name of a folder, but for one that would lead out of it.
+/// The folder of a host, which is its name. No host is named as what stands for those that would
+/// lead out of the folder or be none: two sites never share one.
 Units hostFolderOf(const URL& url) {
     const Units host = url.part(URLPart::Host);
-    return host == u"." || host == u".." ? Units() : host;
+    return host.empty() || host == u"." || host == u".." ? Units(u"-") : host;
 }
 
-/// The path below the directory, which no .. leads out of.
-String pathWithin(Units directory, Units path) {
-    return standardizedPath(appendedComponent(directory, standardizedPath(path)));
+/// The path below the folder, which no .. leads out of.
+String pathWithin(Units folder, Units path) {
+    return appendedComponent(standardizedPath(folder), standardizedPath(path));
 }
 
 }  // namespace
@@ -88,8 +89,8 @@ String invertedPathRelativeToDirectory(const URL& url, const String& directory,
     const String& extension = options.pathExtension;
     const std::size_t room = extension.isEmpty() ? 0 : extension.length() + 1;
     if (!list.empty()) list.back() = detail::fittingComponent(list.back(), room);
-    String path = directory.isAbsent() ? String::empty() : directory;
-    for (const String& component : list) path = appendedComponent(path, component);
+    const String path = list.empty() ? String(directory.isAbsent() ? u"" : directory.view())
+                                     : detail::pathOfComponents(directory, list);
     if (room == 0 || path.isEmpty()) return path;
     return std::u16string(path).append(u".").append(extension);
 }
@@ -98,19 +99,19 @@ String pathRelativeToDirectory(const URL& url, const String& directory,
                                const DirectPathOptions& options) {
     if (url.isAbsent()) return {};
     if (url.isFileURL()) return pathWithin(directory, url.path());
-    const Units host = hostFolderOf(url);
-    const std::u16string path = std::u16string(url.part(URLPart::Path)) +
-                                marked(u';', url.part(URLPart::Parameters)) +
-                                marked(u'?', url.part(URLPart::Query));
+    const String folder = appendedComponent(directory, hostFolderOf(url));
+    std::u16string path = std::u16string(url.part(URLPart::Path)) +
+                          marked(u';', url.part(URLPart::Parameters)) +
+                          marked(u'?', url.part(URLPart::Query));
     if (options.simplified) {
         const String name =
             stringByCreatingFileSystemRepresentation(stringByCreatingFilename(path));
-        return appendedComponent(appendedComponent(directory, host),
-                                 name.isEmpty() ? DefaultComponent : name.view());
+        return appendedComponent(folder, name.isEmpty() ? DefaultComponent : name.view());
     }
-    const String inner = path.empty() ? String(host) : appendedComponent(host, path);
+    // A folder's page needs a name of its own, as the folder will hold others.
     const bool isFolder = path.empty() || (options.defaultPathComponent && isBaseDirectory(url));
-    return pathWithin(directory, isFolder ? appendedComponent(inner, DefaultComponent) : inner);
+    if (isFolder) path.append(u"/").append(DefaultComponent);
+    return pathWithin(folder, path);
 }
 
 }  // namespace velmo

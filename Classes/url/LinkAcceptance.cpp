@@ -1,3 +1,7 @@
+// Engines wrap the targets of their results in links to themselves. How, differs from one to the
+// next and changes with the years; old forms stay, as pages that were kept have them still. One
+// function a group of engines takes the target out; what comes out of it is a link like any other,
+// or a target that is taken as it is, or nothing.
 #include <velmocore/url/LinkAcceptance.h>
 
 #include <algorithm>
@@ -18,6 +22,7 @@
 namespace velmo {
 namespace {
 
+namespace markers = detail::markers;
 using Units = std::u16string_view;
 
 constexpr std::size_t npos = Units::npos;
@@ -43,8 +48,9 @@ bool containsAny(Units text, std::span<const Units> markers) {
 }
 
 bool containsAnyNoCase(Units text, std::span<const Units> markers) {
-    return std::any_of(markers.begin(), markers.end(),
-                       [text](Units marker) { return containsSubstring(text, marker, false); });
+    return std::any_of(markers.begin(), markers.end(), [text](Units marker) {
+        return containsSubstring(text, marker, Case::Insensitive);
+    });
 }
 
 /// What stands behind the mark; no data if the mark is not there. Where a mark ends in
@@ -102,10 +108,10 @@ Unwrapped unwrapInfoRedirect(Units s) {
 }
 
 Unwrapped unwrapInfo(const String& s) {
-    if (containsSubstring(s, u"redirpaid.htm?", false) ||
+    if (containsSubstring(s, u"redirpaid.htm?", Case::Insensitive) ||
         containsAnyNoCase(s, markers::InfoAdvertisers))
         return refused();
-    if (containsSubstring(s, u"redirfree.htm?", false)) return unwrapInfoRedirect(s);
+    if (containsSubstring(s, u"redirfree.htm?", Case::Insensitive)) return unwrapInfoRedirect(s);
     if (contains(s, u"&rawto=http")) return linkBehind(s, u"&rawto=http");
     constexpr Units Clicks[] = {u"ClickHandler.ashx?ru=", u"ClickHandler.ashx?du="};
     if (const Units value = behindOneOf(s, Clicks); value.data())
@@ -120,7 +126,7 @@ Unwrapped unwrapDuckDuckGo(const String& s) {
 
 /// The target in a link of the Yahoo group; absent if there is none.
 String yahooTarget(Units s) {
-    if (containsSubstring(s, markers::MSNRedirect, false)) return {};
+    if (containsSubstring(s, markers::MSNRedirect, Case::Insensitive)) return {};
     if (contains(s, markers::AlltheWebClick) && contains(s, u"/http/"))
         return u"http://" + std::u16string(behind(s, u"/http/"));
     if (const Units value = behind(s, u"&rurl=http"); value.data()) return upTo(value, u"&");
@@ -203,6 +209,7 @@ URL acceptedURL(const String& link, const String& decoded) {
 
 URL resolve(const String& link, const URL& base, Purpose purpose) {
     if (link.isEmpty()) return {};
+    // The engine's own copies are refused before anything is unwrapped: they carry the target too.
     if (purpose == Purpose::Accept) {
         const URLClasses classes = classesOfStringURL(link);
         if (classes.cached || classes.translation || classes.recaptcha) return {};
@@ -210,6 +217,8 @@ URL resolve(const String& link, const URL& base, Purpose purpose) {
     const Units host = base.part(URLPart::Host);
     const Unwrapped found = host.empty() ? asLink(link) : unwrap(link, host, purpose);
     if (found.kind == Unwrapped::Target) return ifRemote(URL::URLWithString(found.link));
+    // A target in a parameter was escaped once more than a link; what that breaks is tried again
+    // as it stood.
     const String decoded = stringByReplacingStandardPercentEscapesOfURL(found.link);
     if (decoded.isEmpty()) return {};
     if (purpose == Purpose::Accept) return acceptedURL(found.link, decoded);

@@ -28,6 +28,7 @@ bool filterLink(std::u16string_view link) {
     const auto colon = static_cast<std::size_t>(
         std::find_if_not(link.begin(), link.end(), isSchemeUnit) - link.begin());
     if (colon == 0 || colon == link.size() || link[colon] != u':') return false;
+    // Without a slash a scheme leads to a program, but for a feed, which stands before a host.
     if (colon + 1 == link.size() || link[colon + 1] != u'/') return !isFeedStringURL(link);
     const std::u16string_view scheme = link.substr(0, colon + 1);
     if (std::any_of(std::begin(Filtered), std::end(Filtered),

@@ -21,6 +21,7 @@ bool shouldFollowLink(const URL& link, std::int64_t mode, std::int64_t level, co
 }
 
 bool shouldFollowLink(std::int64_t mode, std::int64_t level) {
+    // Modes from FollowLevels on are counts: level 1 is what the first page links to.
     if (mode >= FollowLevels) return level <= mode - FollowEverything;
     return mode > FollowNothing;
 }

@@ -4,6 +4,8 @@
 
 #include <velmocore/text/Checksums.h>
 
+#include "text/PathParts.h"
+
 namespace velmo::detail {
 
 String fittingComponent(const String& component, std::size_t room) {
@@ -15,6 +17,15 @@ String fittingComponent(const String& component, std::size_t room) {
     for (char digit : fmt::format("{:08x}", crc32(component.view())))
         result += static_cast<char16_t>(digit);
     return result;
+}
+
+String pathOfComponents(std::u16string_view folder, std::span<const String> components) {
+    std::u16string path(withoutTrailingSlashes(folder));
+    for (const String& component : components) {
+        if (!path.empty() && !path.ends_with(u'/')) path += u'/';
+        path += component;
+    }
+    return path;
 }
 
 }  // namespace velmo::detail

@@ -1,6 +1,8 @@
 // Components of paths that are too long for a file system.
 #pragma once
 
+#include <span>
+#include <string>
 #include <string_view>
 
 #include <velmocore/platform/String.h>
@@ -10,6 +12,9 @@ namespace velmo::detail {
 /// The component, if it has 250 units at most with the room that something else takes; else
 /// what stays of 242, and the checksum of the whole in eight hexadecimal digits.
 String fittingComponent(const String& component, std::size_t room = 0);
+
+/// A folder and components below it as a path. The components are not empty and hold no slash.
+String pathOfComponents(std::u16string_view folder, std::span<const String> components);
 
 /// The components from a position on become one, with the unit between them.
 template <class Components>

@@ -9,15 +9,16 @@ namespace velmo::detail {
 namespace {
 
 constexpr const char* InstalledGlobs = "/usr/share/mime/globs2";
+constexpr const char* InstalledAliases = "/usr/share/mime/aliases";
 /// Far more than any machine has.
 constexpr std::size_t MostBytes = 4u << 20;
 
 /// What the database itself gives to a glob without a weight.
 constexpr int DefaultWeight = 50;
 
-std::string readInstalledGlobs() {
+std::string readInstalled(const char* path) {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        std::fopen(InstalledGlobs, "rb"), [](std::FILE* open) { return std::fclose(open); });
+        std::fopen(path, "rb"), [](std::FILE* open) { return std::fclose(open); });
     std::string text;
     if (!file) return text;
     char block[16384];
@@ -29,7 +30,15 @@ std::string readInstalledGlobs() {
     return text;
 }
 
-/// What stands in front of the separator, which goes too; all of the rest if there is none.
+/// The database writes some types with capitals; they are looked up in lower case.
+std::string lowerCase(std::string_view ascii) {
+    std::string lower(ascii);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    return lower;
+}
+
+/// What stands in front of the separator, which is removed too; all of the rest if there is none.
 std::string_view cutField(std::string_view& rest, char separator) {
     const std::size_t end = std::min(rest.find(separator), rest.size());
     const std::string_view field = rest.substr(0, end);
@@ -48,16 +57,30 @@ std::string_view ownTypeOf(std::string_view extension) {
 
 }  // namespace
 
-MIMEDatabase::MIMEDatabase(std::string_view globs) {
-    for (const MIMERow& row : mimeRows())
-        extensions_.try_emplace(std::string(row.type), row.extension);
+// The first extension that a type is given stays, so that the order of what follows tells whom
+// to believe: the database lists the extensions of a type in no order of preference.
+MIMEDatabase::MIMEDatabase(std::string_view globs, std::string_view aliases) {
+    for (const MIMERow& row : mimeRows()) prefer(row.type, row.extension);
+    for (const MIMERow& row : preferredRows()) prefer(row.type, row.extension);
     while (!globs.empty()) addLine(cutField(globs, '\n'));
     for (const MIMERow& row : mimeRows()) add(row.extension, row.type, -1);
+    while (!aliases.empty()) addAlias(cutField(aliases, '\n'));
 }
 
 const MIMEDatabase& MIMEDatabase::installed() {
-    static const MIMEDatabase database(readInstalledGlobs());
+    static const MIMEDatabase database(readInstalled(InstalledGlobs),
+                                       readInstalled(InstalledAliases));
     return database;
+}
+
+void MIMEDatabase::prefer(std::string_view type, std::string_view extension) {
+    extensions_.try_emplace(lowerCase(type), extension);
+}
+
+void MIMEDatabase::addAlias(std::string_view line) {
+    const std::string_view alias = cutField(line, ' ');
+    const std::string extension(extensionOf(lowerCase(line)));
+    if (!alias.empty() && !extension.empty()) prefer(alias, extension);
 }
 
 void MIMEDatabase::addLine(std::string_view line) {
@@ -81,7 +104,7 @@ void MIMEDatabase::add(std::string_view extension, std::string_view type, int we
     if (!isNew &&
         (weight > known.weight || (weight == known.weight && type == ownTypeOf(extension))))
         known = {std::string(type), weight};
-    extensions_.try_emplace(std::string(type), extension);
+    prefer(type, extension);
 }
 
 std::string_view MIMEDatabase::typeOf(std::string_view extension) const {

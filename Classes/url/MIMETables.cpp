@@ -1,3 +1,6 @@
+// What this library says of its own, with or without the database of the machine: which types the
+// extensions of the web have, and which extensions are usual. The first row of a type has the
+// extension to give.
 #include "url/MIMEDatabase.h"
 
 namespace velmo::detail {
@@ -137,10 +140,69 @@ constexpr MIMERow Rows[] = {
 };
 static_assert(std::size(Rows) == 118);
 
+/// 50 types of which the shared MIME database lists several extensions, and not the usual one
+/// first, or which servers send although another one is registered.
+constexpr MIMERow PreferredRows[] = {
+    // sent in place of a registered type
+    {"xml", "text/xml"},
+    {"js", "application/javascript"},
+    {"js", "application/x-javascript"},
+    {"js", "text/x-javascript"},
+    {"json", "text/json"},
+    {"rtf", "text/rtf"},
+    {"ico", "image/x-icon"},
+    {"ico", "image/ico"},
+    {"jpg", "image/jpg"},
+    {"bmp", "image/x-ms-bmp"},
+    {"png", "image/x-png"},
+    {"mp3", "audio/mp3"},
+    {"mp3", "audio/x-mp3"},
+    {"m4a", "audio/x-m4a"},
+    {"wav", "audio/wav"},
+    {"wav", "audio/wave"},
+    {"avi", "video/avi"},
+    {"m4v", "video/x-m4v"},
+    {"swf", "application/x-shockwave-flash"},
+    {"zip", "application/x-zip-compressed"},
+    {"gz", "application/x-gzip"},
+    {"rar", "application/x-rar-compressed"},
+    {"tgz", "application/x-compressed-tar"},
+    {"jar", "application/x-java-archive"},
+    {"pdf", "application/x-pdf"},
+    // with several extensions
+    {"py", "text/x-python"},
+    {"py", "text/x-python3"},
+    {"php", "application/x-php"},
+    {"php", "application/x-httpd-php"},
+    {"pl", "application/x-perl"},
+    {"cpp", "text/x-c++src"},
+    {"hpp", "text/x-c++hdr"},
+    {"f90", "text/x-fortran"},
+    {"scala", "text/x-scala"},
+    {"pas", "text/x-pascal"},
+    {"d", "text/x-dsrc"},
+    {"diff", "text/x-patch"},
+    {"tcl", "text/tcl"},
+    {"geojson", "application/geo+json"},
+    {"bz2", "application/x-bzip"},
+    {"deb", "application/vnd.debian.binary-package"},
+    {"p12", "application/pkcs12"},
+    {"pcap", "application/vnd.tcpdump.pcap"},
+    {"vsd", "application/vnd.visio"},
+    {"tga", "image/x-tga"},
+    {"jp2", "image/jp2"},
+    {"iff", "image/x-ilbm"},
+    {"eps", "image/x-eps"},
+    {"3gp", "video/3gpp"},
+    {"3g2", "video/3gpp2"},
+};
+static_assert(std::size(PreferredRows) == 50);
+
 // clang-format on
 
 }  // namespace
 
 std::span<const MIMERow> mimeRows() noexcept { return Rows; }
+std::span<const MIMERow> preferredRows() noexcept { return PreferredRows; }
 
 }  // namespace velmo::detail

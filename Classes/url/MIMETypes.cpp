@@ -1,3 +1,9 @@
+// Servers write one type in many ways: with "x-", with parameters, in other groups. So the tests
+// look for what tells the kind, at the start, at the end or anywhere, and not for whole types.
+// A few words count in exact case only; callers rely on that.
+//
+// Extensions and types are looked up in url/MIMEDatabase.h; what that does not know is told by the
+// kind of the file, so that an image gets a type of an image.
 #include <velmocore/url/MIMETypes.h>
 
 #include <algorithm>
@@ -141,11 +147,11 @@ String MIMETypeForExtension(Units extension) {
 
 String extensionForMIMEType(Units type) {
     const Units name = withoutParameters(type);
-    const String known = stringOf(detail::MIMEDatabase::installed().extensionOf(keyOf(name)));
-    if (!known.isAbsent()) return known;
+    // Two names of old browsers come first: the database may have them as aliases or not, and
+    // the answer is not to depend on the machine.
     if (name == u"image/pjpg") return u"jpg";
     if (name == u"image/pjpeg") return u"jpeg";
-    return {};
+    return stringOf(detail::MIMEDatabase::installed().extensionOf(keyOf(name)));
 }
 
 }  // namespace velmo

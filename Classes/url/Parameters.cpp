@@ -68,6 +68,7 @@ void ParameterFinder::locate(std::size_t equals) {
 void ParameterFinder::note(std::size_t name, std::size_t position) {
     const ParameterMask bit = ParameterMask(1) << name;
     positions_[name] = position;
+    changed_ |= bit;
     present_ &= ~bit;
     parameters_ &= ~bit;
     if (position == NotThere) return;
@@ -91,9 +92,10 @@ void ParameterFinder::remove(std::size_t name) {
 void ParameterFinder::relocate(std::size_t name, std::size_t joint, std::size_t removed) {
     const std::size_t old = positions_[name];
     if (old + list_.names[name].text.size() <= joint) return;
-    if (old >= joint + removed)
+    if (old >= joint + removed) {
         positions_[name] = old - removed;
-    else
+        if (positions_[name] == joint) changed_ |= ParameterMask(1) << name;
+    } else
         note(name, findName(text_, list_.names[name], joint));
 }
 

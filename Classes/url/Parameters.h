@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 
 #include "url/GapText.h"
 
@@ -86,6 +87,10 @@ public:
     std::size_t separatorOf(std::size_t name) const { return positions_[name] - 1; }
     void remove(std::size_t name);
 
+    /// The names that stand elsewhere than when this was last asked, or after another separator.
+    /// The values of all others are what they were.
+    ParameterMask takeChanged() { return std::exchange(changed_, 0); }
+
 private:
     void locate(std::size_t equals);
     void relocate(std::size_t name, std::size_t joint, std::size_t removed);
@@ -95,6 +100,7 @@ private:
     const ParameterList& list_;
     ParameterMask present_ = 0;
     ParameterMask parameters_ = 0;
+    ParameterMask changed_ = 0;
     std::array<std::size_t, MostParameterNames> positions_;
 };
 

@@ -1,3 +1,6 @@
+// Most texts have nothing to decode or escape, which is found out before anything is copied. What
+// is to be done with a unit is looked up in tables of its value; only %, # and brackets need their
+// place in the text as well, since the same unit is legal in one and not in another.
 #include <velmocore/url/PercentEscapes.h>
 
 #include <algorithm>
@@ -12,6 +15,8 @@
 namespace velmo {
 namespace {
 
+namespace escapes = detail::escapes;
+namespace grammar = detail::grammar;
 using Units = std::u16string_view;
 
 using escapes::escapeAt;

@@ -16,6 +16,7 @@ public:
     explicit Pairs(Units text, std::size_t position = 0) : text_(text), position_(position) {}
 
     /// Goes to the next pair; false if there is none.
+    /// A name goes up to its =, over all separators in between, as pages write them anyhow.
     bool next() {
         while (position_ < text_.size() && !alphanumeric_.contains(text_[position_])) ++position_;
         const std::size_t equals = text_.find(u'=', position_);

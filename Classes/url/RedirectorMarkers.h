@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-namespace velmo::markers {
+namespace velmo::detail::markers {
 
 using Marker = std::u16string_view;
 
@@ -61,4 +61,4 @@ inline constexpr Marker Medline = u"vsearch.nlm.nih.gov";
 // LexisWeb
 inline constexpr Marker LexisWeb = u"lexisweb.com";
 
-}  // namespace velmo::markers
+}  // namespace velmo::detail::markers

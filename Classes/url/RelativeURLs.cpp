@@ -1,3 +1,9 @@
+// A link on its road from a page to a URL: trimmed, its scheme put right, told apart by whether it
+// stands alone, is absolute or relative, and resolved. The anchor is cut first and links that lead
+// nowhere are filtered once, in the middle; who has done so before need not, and who comes after
+// neither.
+//
+// A text that is no URL gets a second chance with escapes for what a URL may not hold.
 #include <velmocore/url/RelativeURLs.h>
 
 #include <algorithm>
@@ -143,11 +149,14 @@ URL absoluteURL(const URL& base, const String& link, bool hasScheme,
     const String text = options.standardize ? standardizedStringURL(link) : link;
     URL url = madeOf(text, options.encoding, [](const String& s) { return URL::URLWithString(s); });
     if (url.isAbsent()) return url;
+    // A page that was read with a password links to its own site without it.
     if (areEqual(base, url, URLPart::Host) && (!hasScheme || areEqual(base, url, URLPart::Scheme)))
         url = withCredentialsOf(base, url);
     return options.standardize ? withoutDotSegments(url) : url;
 }
 
+/// Pages in files are often written for folders and not for browsers: a link is a path, in which
+/// # and % stand for themselves.
 URL fileURL(const URL& base, const String& link) {
     String path = link;
     if (link[0] == u'~') {
@@ -156,7 +165,8 @@ URL fileURL(const URL& base, const String& link) {
     } else if (link[0] != u'/') {
         path = appendedComponent(stringByDeletingFileComponent(base.path()), link);
     }
-    return URL::fileURLWithPath(standardizedPath(path));
+    // What climbs above the root is a path from the root still, not from the current folder.
+    return URL::fileURLWithPath(appendedComponent(u"/", standardizedPath(path)));
 }
 
 URL webURL(const URL& base, const String& link, const RelativeURLOptions& options) {

@@ -60,6 +60,7 @@ bool isSearchEngine(const URL& url) {
     const Units host = url.part(URLPart::Host);
     if (host.size() > WeblogsInc.size() && endsWith(host, WeblogsInc)) return false;
     if (keyword::equals(host, "ASK.COM") || keyword::equals(host, "INFO.COM")) return true;
+    // One walk over the host finds all that the tables know; most hosts are no engine's.
     const KeywordMarks marks = automaton().marksIn(host);
     if (host.size() > 5 && (marks & Listed)) return true;
     if (marks & Yahoo) return isYahooSearch(host, url);

@@ -1,3 +1,8 @@
+// Parameters that only name a session are taken out one after the other, and each removal may
+// change what else is to be removed: the same name may come again, or what was seen before may
+// allow more. So the rules are a table, in the order in which they are tried, and the loop asks
+// for the first row that applies until there is none. What would make that slow is kept: where
+// each name stands (see url/Parameters.h), and which values are known to be numbers.
 #include <bit>
 #include <iterator>
 
@@ -161,18 +166,23 @@ private:
 
     /// A number is no session. The value is looked for behind a name of three letters, so
     /// that the longer name has letters of its own there and always goes.
-    bool hasLetterInValue(std::size_t row) const {
+    bool hasLetterInValue(std::size_t row) {
+        // A long number beside many other parameters is asked for with each of these.
+        numbers_ &= ~finder_.takeChanged();
+        if (numbers_ & bitOf(row)) return false;
         const std::size_t separator = finder_.separatorOf(row);
         const std::size_t end = endOfParameter(text_, separator);
         const CharacterSetRep& letters = alphaCharacterSetRep();
         for (std::size_t i = separator + 4; i < end; ++i)
             if (letters.contains(text_[i])) return true;
+        numbers_ |= bitOf(row);
         return false;
     }
 
     GapText& text_;
     ParameterFinder finder_;
     ParameterMask rows_ = 0;
+    ParameterMask numbers_ = 0;  ///< those whose value is known to be a number
     bool isTopic_ = false;
     bool seen_ = false;  ///< what may be an id of a session was there
 };

@@ -11,6 +11,9 @@
 
 namespace velmo {
 
+namespace escapes = detail::escapes;
+namespace grammar = detail::grammar;
+
 struct URL::Rep {
     String string;
     grammar::Parts parts;
@@ -35,7 +38,8 @@ String decodedOrRaw(std::u16string_view raw) {
     return decoded.isAbsent() ? text : decoded;
 }
 
-/// The path with an escape for every unit that a file URL's path cannot hold as it is. Absent
+/// The path with an escape for every unit that a file URL's path cannot hold as it is; a
+/// semicolon would start parameters for other readers. Absent
 /// for a lone surrogate.
 String escapedFilePath(std::u16string_view path) {
     return escapes::escaped(path, UTF8StringEncoding, [path](std::size_t i) {
@@ -61,6 +65,7 @@ URL URL::URLWithString(const String& string, const URL& base) {
     if (string.isAbsent()) return {};
     grammar::Reference reference{string, {}};
     if (!grammar::cut(string, reference.parts)) return {};
+    // Most links of a page are URLs of their own with nothing to resolve; they keep their string.
     if (reference.has(URLPart::Scheme) && !hasDotSegments(reference.wholePath()))
         return Rep::urlOf(string, reference.parts);
     return Rep::urlOf(grammar::resolved(reference, base.rep_->reference()));

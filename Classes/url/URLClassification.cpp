@@ -1,3 +1,6 @@
+// A link is judged by hundreds of words, and most links hold none of them. One walk with an
+// automaton tells which tables have a word in the link, as bits; the tests then only combine bits,
+// and look at the link again where a bit says that it is worth it.
 #include <velmocore/url/URLClassification.h>
 
 #include <algorithm>

@@ -50,6 +50,7 @@ String invertedHost(Units host) {
 }
 String invertedHost(const URL& url) { return invertedHost(hostOf(url)); }
 
+// Hosts are inverted so that those of one domain stand beside each other in lists and folders.
 std::vector<String> invertedHostComponents(Units host, std::uint64_t maximum) {
     if (host.empty()) return {};
     std::vector<String> parts = invertedPartsOf(host);
@@ -60,17 +61,15 @@ std::vector<String> invertedHostComponents(Units host, std::uint64_t maximum) {
     }
     return parts;
 }
-std::vector<String> invertedHostComponents(const URL& url, std::uint64_t maximum) {
+std::vector<String> invertedHostComponents(const URL& url, std::size_t maximum) {
     return invertedHostComponents(hostOf(url), maximum);
 }
 
-String stringByAppendingInvertedHostComponents(Units host, std::uint64_t maximum,
+String stringByAppendingInvertedHostComponents(Units host, std::size_t maximum,
                                                const String& toPath) {
     if (toPath.isAbsent()) return toPath;
-    String path = toPath;
-    for (const String& part : invertedHostComponents(host, maximum))
-        path = appendedComponent(path, part);
-    return path;
+    const std::vector<String> parts = invertedHostComponents(host, maximum);
+    return parts.empty() ? toPath : detail::pathOfComponents(toPath, parts);
 }
 
 }  // namespace velmo

@@ -36,6 +36,7 @@ bool hasCredentials(const URL& url) {
     return url.part(URLPart::User).data() || url.part(URLPart::Password).data();
 }
 
+/// What has them is made by a program, and no folder, whatever its path looks like.
 bool hasParamsOrQuery(const URL& url) {
     return !url.part(URLPart::Parameters).empty() || !url.part(URLPart::Query).empty();
 }
@@ -48,6 +49,8 @@ Units withoutSlashes(Units specifier, Ends ends) {
     return mark != Units::npos && rest[mark] == u'@' ? rest.substr(mark + 1) : rest;
 }
 
+/// Without a listing of the server's folders, a path with an extension counts as a file and one
+/// without as a folder, unless a query asks for something in it.
 Units directoryOf(const URL& url, Units path) {
     if (url.isFileURL())
         return path.ends_with(u'/') ? path.substr(0, path.size() - 1) : parentOfPath(path);

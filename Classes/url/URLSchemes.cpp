@@ -1,3 +1,6 @@
+// Two families of tests, of a URL by its scheme and of a text by its first units. They differ in
+// places, which is how callers know them: texts may begin with "www." where a URL needs a scheme,
+// and some schemes are compared in exact case.
 #include <velmocore/url/URLSchemes.h>
 
 #include <sys/stat.h>
@@ -133,6 +136,7 @@ bool isUsableURL(const URL& url) {
            keyword::beginsWith(url.part(URLPart::Scheme), "APPLE");
 }
 
+// Files have no host, or any name of this machine's: they all are of one.
 bool isHostEqualTo(const URL& url, const URL& other) {
     if (other.isAbsent()) return false;
     if (url.isFileURL() || other.isFileURL()) return url.isFileURL() && other.isFileURL();
@@ -196,6 +200,7 @@ String stringURLScheme(Units string) {
 
 String stringURLPathExtension(Units string) {
     if (string.size() < 2) return {};
+    // The full stops of a host are no extensions.
     if (string[0] != u'.' && string[0] != u'/') {
         if (const std::size_t scheme = string.find(u"://"); scheme != Units::npos) {
             const std::size_t path = string.find_first_of(u"/?", scheme + 3);

@@ -1,3 +1,7 @@
+// Each reduction works in the place of a text with a gap (see url/GapText.h), so that the whole
+// chain of simplifiedStringURL() copies the URL once and makes one string. The order of the chain
+// matters: escapes come first, as they may hide what is to be removed, and the index page comes
+// last, as it is one only when nothing follows it.
 #include <velmocore/url/URLSimplification.h>
 
 #include <bit>
@@ -177,6 +181,7 @@ Units withoutIndexPage(Units text) {
 /// Without http for https, and without "www.".
 void unifyScheme(GapText& text) {
     const Units units = text.view();
+    // One page is served with and without both, so that a key has neither.
     const std::size_t http = keyword::beginsWith(units, "HTTP:")    ? 4
                              : keyword::beginsWith(units, "HTTPS:") ? 5
                                                                     : 0;
@@ -293,6 +298,7 @@ String simplifiedStringURL(const String& string, const SimplifyOptions& options)
     if (options.sessionIDs) removeSessionIDs(text);
     if (options.analytics) removeAnalytics(text);
     if (options.emptyParams) removeEmptyParams(text);
+    // The number of a result, which differs from one search to the next.
     if (text.find<u'='>(0) < text.size() && isOfPatents(string)) removeQueryParam(text, u"VED=");
     if (options.indexPages) {
         if (options.sessionIDs && text.view().ends_with(MainPage))

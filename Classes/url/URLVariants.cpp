@@ -23,6 +23,7 @@ bool fileExists(const String& path) {
     return bytes.find('\0') == bytes.npos && access(bytes.c_str(), F_OK) == 0;
 }
 
+/// feed: stands in front of a whole URL or in place of its scheme; both are found on pages.
 URL withHTTPForFeed(const URL& url) {
     const String specifier = url.resourceSpecifier();
     return keyword::beginsWith(specifier, "HTTP:") ? URL::URLWithString(specifier)
@@ -73,6 +74,7 @@ URL URLWithAnchor(const URL& url, const String& anchor) {
 
 URL WebKitURL(const URL& url) {
     if (url.isFileURL()) return url;
+    // A web view may be kept from looking up names, and this one is known.
     if (keyword::equals(url.part(URLPart::Host), "LOCALHOST"))
         return URLWithSchemeHostUserPassword(url, url.scheme(), u"127.0.0.1", url.user(),
                                              url.password());

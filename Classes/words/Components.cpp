@@ -42,24 +42,22 @@ std::uint64_t parseComponents(std::u16string_view text, const CharacterSetRep* s
 
 }  // namespace
 
-std::uint64_t componentsOfCharacters(std::u16string_view characters,
-                                     const CharacterSetRep* separators,
-                                     std::vector<Range>* ranges) {
+std::size_t componentsOfCharacters(std::u16string_view characters,
+                                   const CharacterSetRep* separators, std::vector<Range>* ranges) {
     if (ranges) ranges->clear();
     return parseComponents(characters, separators, [&](Range component) {
         if (ranges) ranges->push_back(component);
     });
 }
 
-std::uint64_t parseComponentsWithHandler(std::u16string_view text, WordHandler handler,
-                                         const CharacterSetRep* separators) {
+std::size_t parseComponentsWithHandler(std::u16string_view text, WordHandler handler,
+                                       const CharacterSetRep* separators) {
     if (!handler) return 0;
     return parseComponents(text, separators, [&](Range component) { handler(text, component); });
 }
 
-std::uint64_t parseMutableComponentsWithHandler(std::u16string_view text,
-                                                MutableWordHandler handler,
-                                                const CharacterSetRep* separators) {
+std::size_t parseMutableComponentsWithHandler(std::u16string_view text, MutableWordHandler handler,
+                                              const CharacterSetRep* separators) {
     if (!handler) return 0;
     std::u16string copy(text);
     return parseComponents(text, separators, [&](Range component) { handler(copy, component); });
@@ -77,13 +75,13 @@ std::vector<String> componentsUsingSeparators(const String& text, const Componen
     return components;
 }
 
-std::uint64_t numberOfComponentsUsingSeparators(std::u16string_view text,
-                                                const CharacterSetRep* separators) {
+std::size_t numberOfComponentsUsingSeparators(std::u16string_view text,
+                                              const CharacterSetRep* separators) {
     return componentsOfCharacters(text, separators);
 }
 
-std::uint64_t numberOfComponentsInRange(std::u16string_view text, Range range,
-                                        const CharacterSetRep* separators) {
+std::size_t numberOfComponentsInRange(std::u16string_view text, Range range,
+                                      const CharacterSetRep* separators) {
     return componentsOfCharacters(detail::unitsInRange(text, range), separators);
 }
 

@@ -19,7 +19,7 @@ String ellipsizedAt(const String& text, std::size_t length) {
 
 }  // namespace
 
-String stringByEllipsizingAfterNWords(const String& text, std::uint64_t n) {
+String stringByEllipsizingAfterNWords(const String& text, std::size_t n) {
     if (n == 0 || text.length() <= n) return text;
     std::uint64_t words = 0;
     std::size_t cut = 0;
@@ -31,7 +31,7 @@ String stringByEllipsizingAfterNWords(const String& text, std::uint64_t n) {
     return words > n ? ellipsizedAt(text, cut) : text;
 }
 
-String stringByEllipsizingAfterNCharacters(const String& text, std::uint64_t n) {
+String stringByEllipsizingAfterNCharacters(const String& text, std::size_t n) {
     if (n == 0 || text.length() <= n) return text;
     const CharacterSetRep& word = alphaNumCharacterSetRep();
     std::size_t kept = n;
@@ -40,7 +40,7 @@ String stringByEllipsizingAfterNCharacters(const String& text, std::uint64_t n) 
     return kept > 0 ? ellipsizedAt(text, kept) : text;
 }
 
-String stringByEllipsizingNLines(const String& text, std::uint64_t lines, std::uint64_t n) {
+String stringByEllipsizingNLines(const String& text, std::size_t lines, std::size_t n) {
     if (lines == 0 || text.isEmpty()) return text;
     String first;  // given back as it is if no other line follows
     StringBuilder out;

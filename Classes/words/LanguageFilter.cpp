@@ -172,7 +172,7 @@ bool LanguageFilter::writeToDirectory(const std::string& directory) const {
             lines += utf8(word);
         }
         const std::string name = std::string(FilePrefix) + state_->keys[i].utf8();
-        all &= detail::writeFile(directory + '/' + name, bytesOf(lines), true);
+        all &= detail::writeFile(directory + '/' + name, Bytes(lines), true);
     }
     return all;
 }
@@ -180,7 +180,7 @@ bool LanguageFilter::writeToDirectory(const std::string& directory) const {
 const std::vector<String>& LanguageFilter::languages() const { return state_->keys; }
 bool LanguageFilter::ignoreUmlauts() const { return state_->ignoreUmlauts; }
 String LanguageFilter::language() const { return state_->settings().language; }
-std::uint64_t LanguageFilter::minWordLen() const { return state_->settings().minWordLen; }
+std::size_t LanguageFilter::minWordLen() const { return state_->settings().minWordLen; }
 
 void LanguageFilter::setLanguage(const String& key) {
     String language;
@@ -197,7 +197,7 @@ void LanguageFilter::setLanguage(const String& key) {
     state_->current.chosen = chosen;
 }
 
-void LanguageFilter::setMinWordLen(std::uint64_t length) {
+void LanguageFilter::setMinWordLen(std::size_t length) {
     std::unique_lock lock(state_->mutex);
     state_->current.minWordLen = std::max(length, LeastMinWordLen);
 }

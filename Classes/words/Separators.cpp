@@ -77,9 +77,9 @@ const CharacterSetRep& defaultLineSeparators() {
 }
 
 void initSeparators() {
-    defaultWordSeparators();
-    defaultComponentSeparators();
-    defaultLineSeparators();
+    (void)defaultWordSeparators();
+    (void)defaultComponentSeparators();
+    (void)defaultLineSeparators();
 }
 
 }  // namespace velmo

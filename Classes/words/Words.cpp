@@ -78,8 +78,8 @@ private:
 
 }  // namespace
 
-std::uint64_t wordsOfCharacters(std::u16string_view characters, const WordOptions& options,
-                                std::vector<Range>* ranges) {
+std::size_t wordsOfCharacters(std::u16string_view characters, const WordOptions& options,
+                              std::vector<Range>* ranges) {
     std::uint64_t count = 0;
     if (ranges) {
         ranges->clear();
@@ -96,14 +96,14 @@ std::uint64_t wordsOfCharacters(std::u16string_view characters, const WordOption
     return count;
 }
 
-std::uint64_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
-                                    const WordParseOptions& options) {
+std::size_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
+                                  const WordParseOptions& options) {
     if (!handler || text.size() < options.minLen) return 0;
     return parseWords(text, options, [&](Range word) { handler(text, word); });
 }
 
-std::uint64_t parseMutableWordsWithHandler(std::u16string_view text, MutableWordHandler handler,
-                                           const WordParseOptions& options) {
+std::size_t parseMutableWordsWithHandler(std::u16string_view text, MutableWordHandler handler,
+                                         const WordParseOptions& options) {
     if (!handler || text.size() < options.minLen) return 0;
     std::u16string copy(text);
     return parseWords(text, options, [&](Range word) { handler(copy, word); });
@@ -133,26 +133,26 @@ std::vector<String> wordsUsingSeparators(const String& text, const WordOptions& 
     return words;
 }
 
-std::vector<String> wordsUsingDefaultSeparation(const String& text, std::uint64_t minLen) {
+std::vector<String> wordsUsingDefaultSeparation(const String& text, std::size_t minLen) {
     return wordsUsingSeparators(text, {.minLen = minLen});
 }
 
-std::vector<String> wordsUsingWhiteSeparation(const String& text, std::uint64_t minLen) {
+std::vector<String> wordsUsingWhiteSeparation(const String& text, std::size_t minLen) {
     return wordsUsingSeparators(text, {.separators = &whiteCharacterSetRep(), .minLen = minLen});
 }
 
-std::uint64_t numberOfWordsUsingSeparators(std::u16string_view text,
-                                           const CharacterSetRep* separators, std::uint64_t minLen,
-                                           bool wildcard) {
+std::size_t numberOfWordsUsingSeparators(std::u16string_view text,
+                                         const CharacterSetRep* separators, std::size_t minLen,
+                                         bool wildcard) {
     return wordsOfCharacters(text, {separators, false, minLen, wildcard});
 }
 
-std::uint64_t numberOfWordsUsingDefaultSeparation(std::u16string_view text, std::uint64_t minLen) {
+std::size_t numberOfWordsUsingDefaultSeparation(std::u16string_view text, std::size_t minLen) {
     return wordsOfCharacters(text, {.minLen = minLen});
 }
 
-std::uint64_t numberOfWordsInRange(std::u16string_view text, Range range,
-                                   const CharacterSetRep* separators, std::uint64_t minLen) {
+std::size_t numberOfWordsInRange(std::u16string_view text, Range range,
+                                 const CharacterSetRep* separators, std::size_t minLen) {
     return wordsOfCharacters(detail::unitsInRange(text, range), {separators, false, minLen});
 }
 

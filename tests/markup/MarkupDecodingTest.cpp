@@ -44,7 +44,7 @@ TEST(MarkupDecoding, ReadsTheSamplePages) {
         const std::string name = entry.path().filename();
         SCOPED_TRACE(name);
         const std::string bytes = test::readPage(name);
-        const MarkupDecoding page = decodeMarkup(bytesOf(bytes));
+        const MarkupDecoding page = decodeMarkup(Bytes(bytes));
         const auto known = specialPages().find(name);
         const bool isSpecial = known != specialPages().end();
         special += isSpecial;
@@ -109,7 +109,7 @@ TEST(MarkupDecoding, TriesInOrder) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.what);
         const MarkupDecoding page =
-            decodeMarkup(bytesOf(c.bytes), {.encodingName = c.header, .defaultEncoding = c.defaultEncoding});
+            decodeMarkup(Bytes(c.bytes), {.encodingName = c.header, .defaultEncoding = c.defaultEncoding});
         EXPECT_EQ(page.encoding, c.won);
         if (!c.text) {
             EXPECT_TRUE(page.text.isAbsent());
@@ -120,8 +120,8 @@ TEST(MarkupDecoding, TriesInOrder) {
         EXPECT_EQ(page.text.view().substr(tag), std::u16string_view(c.text)) << page.text;
     }
     EXPECT_TRUE(stringWithMarkupData({}).isIdenticalTo(String::empty()));
-    EXPECT_EQ(stringWithMarkupData(bytesOf(latin), {.contentType = u"text/html; charset=ISO-8859-1"}), u"caf\u00E9");
-    EXPECT_EQ(decodeMarkup(bytesOf(meta("latin1"))).declared, u"latin1");
+    EXPECT_EQ(stringWithMarkupData(Bytes(latin), {.contentType = u"text/html; charset=ISO-8859-1"}), u"caf\u00E9");
+    EXPECT_EQ(decodeMarkup(Bytes(meta("latin1"))).declared, u"latin1");
 }
 
 class MarkupFile : public testing::Test {
@@ -193,8 +193,8 @@ TEST(CzechEncodings, ReadEveryByte) {
         std::u16string_view start;  ///< from 0x80 on
     };
     const Case cases[] = {
-        {stringWithKamenickyData(bytesOf(bytes)), 129, u"\u010C\u00FC\u00E9\u010F"},
-        {stringWithKoi8cs2Data(bytesOf(bytes)), 82, u"\x80\x81\x82\x83"},
+        {stringWithKamenickyData(Bytes(bytes)), 129, u"\u010C\u00FC\u00E9\u010F"},
+        {stringWithKoi8cs2Data(Bytes(bytes)), 82, u"\x80\x81\x82\x83"},
     };
     for (const Case& c : cases) {
         ASSERT_EQ(c.text.length(), 256u);

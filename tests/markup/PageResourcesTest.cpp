@@ -56,7 +56,7 @@ TEST(PageResources, LinksAndFrames) {
         u"content=''>"
         u"<meta name=revisit-after content='7 days'></head>"
         u"<frame src=f><iframe src='g '></iframe src=h><a href=l><area href=m></a href=n><rss>";
-    const HtmlReferences frames = htmlFrames(page), all = htmlLinksAndFrames(page);
+    const HtmlReferences frames = htmlFramesSet(page), all = htmlLinksAndFramesSet(page);
     EXPECT_EQ(joined(frames.references), "f g");
     EXPECT_EQ(joined(all.references), "f g l m");
     EXPECT_EQ(all.baseURL.absoluteString(), u"http://h/");
@@ -67,9 +67,9 @@ TEST(PageResources, LinksAndFrames) {
     EXPECT_FALSE(all.isFeed || all.isFrameSet);
     // The text between two tags: here that behind <b>.
     EXPECT_EQ(all.title, u"");
-    EXPECT_EQ(htmlFrames(u"<title>x</title><title>a &amp; b</title>").title, u"a &amp; b");
-    EXPECT_EQ(htmlFrames(u"<title>x</title>y<title/>").title, u"y");
-    const HtmlReferences none = htmlFrames(u"<p>");
+    EXPECT_EQ(htmlFramesSet(u"<title>x</title><title>a &amp; b</title>").title, u"a &amp; b");
+    EXPECT_EQ(htmlFramesSet(u"<title>x</title>y<title/>").title, u"y");
+    const HtmlReferences none = htmlFramesSet(u"<p>");
     EXPECT_TRUE(none.title.isAbsent() && none.favIcon.isAbsent() && none.refresh.isAbsent());
     EXPECT_TRUE(none.revisit.isAbsent() && none.baseURL.isAbsent());
     EXPECT_EQ(none.robots, u"");
@@ -84,7 +84,7 @@ TEST(PageResources, Feeds) {
         {u"<rdf-rdf>", false},    {u"<html><rss>", false},   {u"<Body><feed>", false},
         {u"<head/><rss>", false}, {u"<rss><html>", true},    {u"<p><rss>", true},
     };
-    for (const auto& c : cases) EXPECT_EQ(htmlFrames(c.page).isFeed, c.isFeed) << String(c.page);
+    for (const auto& c : cases) EXPECT_EQ(htmlFramesSet(c.page).isFeed, c.isFeed) << String(c.page);
 }
 
 TEST(PageResources, FavIcons) {
@@ -137,16 +137,16 @@ TEST(PageResources, RealPages) {
     for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) {
         const std::string name = entry.path().filename();
         ++pages;
-        const String page = stringWithMarkupData(bytesOf(test::readPage(name)));
+        const String page = stringWithMarkupData(Bytes(test::readPage(name)));
         const HtmlLinks links = htmlLinks(page);
-        const std::set<String> frames = htmlFrames(page).references;
+        const std::set<String> frames = htmlFramesSet(page).references;
         const Counts counts{links.links.size(), htmlImages(page).size(), htmlStylesheetsAndScripts(page).size(),
                             htmlEmbeddedObjects(page).size(), frames.size()};
         const auto row = expected.find(name);
         EXPECT_EQ(counts, row == expected.end() ? Counts() : row->second) << name;
         std::set<String> all(links.links.begin(), links.links.end());
         all.insert(frames.begin(), frames.end());
-        EXPECT_EQ(htmlLinksAndFrames(page).references, all) << name;
+        EXPECT_EQ(htmlLinksAndFramesSet(page).references, all) << name;
     }
     setLogHandler(nullptr);
     EXPECT_GE(pages, expected.size());

@@ -4,20 +4,21 @@
 #include <string>
 
 #include "TestSupport.h"
-#include "markup/WhiteRuns.h"
+#include "text/WhiteRuns.h"
 
 namespace velmo {
 namespace {
 
-struct Case {
+struct Sample {
     const char16_t* page;
     const char16_t* text;
     PlainTextOptions options = {};
 };
 
 template <std::size_t N>
-void expectTexts(const Case (&cases)[N]) {
-    for (const Case& c : cases) EXPECT_EQ(stringByConvertingHtml2PlainText(c.page, c.options), c.text) << utf8(c.page);
+void expectTexts(const Sample (&cases)[N]) {
+    for (const Sample& c : cases)
+        EXPECT_EQ(stringByConvertingHtml2PlainText(c.page, c.options), c.text) << utf8(c.page);
 }
 
 TEST(PlainText, WritesBreaksBetweenText) {
@@ -163,7 +164,8 @@ TEST(PlainText, RemovesJunk) {
         String(u"<font style='font-size:1pt'>" + words(200) + u"</font>y"), {.removeJunk = true}, &did);
     EXPECT_EQ(keep, u"y");
     EXPECT_TRUE(did);
-    stringByConvertingHtml2PlainText(u"<font style='font-size:1pt'>a short text</font>y", {.removeJunk = true}, &did);
+    (void)stringByConvertingHtml2PlainText(u"<font style='font-size:1pt'>a short text</font>y", {.removeJunk = true},
+                                           &did);
     EXPECT_FALSE(did);
 }
 

@@ -103,7 +103,7 @@ TEST(TagAttributes, ReadsSizes) {
         {u"<width=1>", 0, 0},
     };
     for (const auto& c : cases) {
-        const TagSize size = getTagWidthHeight(c.tag);
+        const TagSize size = getTagWidth(c.tag);
         EXPECT_EQ(size.width, c.width) << utf8(c.tag);
         EXPECT_EQ(size.height, c.height) << utf8(c.tag);
         EXPECT_EQ(static_cast<bool>(size), c.width > 0);

@@ -1,5 +1,6 @@
 #include <velmocore/markup/TagScanner.h>
 
+#include <new>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -31,6 +32,7 @@ TEST(TagScanner, DecidesWhereATagEnds) {
     } cases[] = {
         {u"plain", "0  [] plain"},
         {u"<a title=\"x>y\">z", "1 a [<a title=\"x>y\">] \n0  [] z"},
+        {u"<a=\"x>y\">z", "1 a=\"x [<a=\"x>y\">] \n0  [] z"},
         {u"<a title\"x>y\">z", "1 a [<a title\"x>] \n0  [] y\">z"},
         {u"<a href=\"x>y", "0  [] <a href=\"x>y"},
         {u"<a b=\"'\" c='\"'>d", "1 a [<a b=\"'\" c='\"'>] \n0  [] d"},
@@ -56,6 +58,15 @@ TEST(TagScanner, DecidesWhereATagEnds) {
     };
     for (const auto& c : cases) EXPECT_EQ(scanned(c.page), c.calls) << utf8(c.page);
     EXPECT_EQ(scanned(u""), "");
+}
+
+TEST(TagScanner, TellsNamesInAnyCase) {
+    std::vector<bool> named;
+    GetTagsOfString(u"<IMG><img/><Im><img2></img><\u0131mg>", [&](const Tag& tag) {
+        EXPECT_EQ(tag.isNamed("Img"), tag.isNamed("IMG"));
+        return named.push_back(tag.isNamed("img")), false;
+    });
+    EXPECT_EQ(named, (std::vector<bool>{true, true, false, false, true, true, false}));
 }
 
 TEST(TagScanner, SwallowsScriptAndStyle) {
@@ -100,6 +111,8 @@ TEST(TagScanner, LogsExceptionsUnderItsGuard) {
     EXPECT_TRUE(logged.starts_with("parseXmlWithHandler:context:mutable: (String): std::runtime_error\nno way\n"));
     setLogHandler(nullptr);
     EXPECT_THROW(GetTagsOfString(u"<a>", fail), std::runtime_error);
+    const auto noMemory = [](const Tag&) -> bool { throw std::bad_alloc(); };
+    EXPECT_THROW(parseXmlWithHandler(u"<a>", noMemory), std::bad_alloc);
 }
 
 TEST(TagScanner, FixesControlUnits) {
@@ -166,7 +179,7 @@ std::vector<Tag> scanSlowly(const std::u16string& s) {
                     while (k < i && !isLetter(s[k])) ++k;
                     if (k < i) {
                         name = k;
-                        while (k < i && s[k] != u' ' && s[k] != u'/') ++k;
+                        while (k < i && s[k] != u' ' && s[k] != u'/' && s[k] != u'>') ++k;
                         nameLength = k - name;
                     }
                     const std::u16string tagName = name == NotFound ? u"" : low.substr(name, nameLength);

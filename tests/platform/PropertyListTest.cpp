@@ -52,14 +52,14 @@ std::string nestedXML(int levels, std::string_view open, std::string_view close)
     return text + "</plist>";
 }
 
-bool isRead(std::string_view bytes) { return propertyListAsXML(bytesOf(bytes)).has_value(); }
+bool isRead(std::string_view bytes) { return propertyListAsXML(Bytes(bytes)).has_value(); }
 
 TEST(PropertyListAsXML, ReadsBothForms) {
     const std::string xml = test::readData("locations/pliststyle.webloc");
-    const auto binary = propertyListAsXML(bytesOf(test::readData("locations/oldstyle.webloc")));
+    const auto binary = propertyListAsXML(Bytes(test::readData("locations/oldstyle.webloc")));
     ASSERT_TRUE(binary);
     EXPECT_EQ(charsOf(*binary), xml);
-    EXPECT_EQ(propertyListAsXML(bytesOf(xml)), binary);
+    EXPECT_EQ(propertyListAsXML(Bytes(xml)), binary);
     EXPECT_FALSE(isRead("") || isRead("bplist00") || isRead("<html><p>no list</p></html>"));
 }
 
@@ -81,6 +81,65 @@ TEST(PropertyListAsXML, RefusesWhatWouldRecurseOrUnfold) {
                 isRead(nestedXML(255, "<dict><key>a</key>", "</dict>")));
     for (std::string_view open : {"<array>", "<dict><key>a</key>", "<plist version=\"1.0\">"})
         EXPECT_FALSE(isRead(nestedXML(100000, open, ""))) << open;
+}
+
+// An array of one byte a reference, again and again the same object.
+TEST(PropertyListAsXML, BoundsWhatIsWritten) {
+    std::size_t read = 0;
+    for (std::uint32_t levels = 1; levels <= 24; ++levels)
+        for (std::size_t times : {2u, 5u, 12u}) {
+            const std::string list = nestedBinary(levels, times);
+            const auto xml = propertyListAsXML(bytesOf(list));
+            if (!xml) continue;
+            ++read;
+            EXPECT_LE(xml->size(), 64 * list.size() + (1 << 20)) << levels << ' ' << times;
+        }
+    EXPECT_GT(read, 20u);
+    for (const std::string& leaf : {std::string("\x09"), "\x53" + std::string("&&&"), "\x43" + std::string("abc"),
+                                    "\x80" + std::string("\x01"), "\x13" + std::string(8, '\xFF'),
+                                    "\x23" + std::string("\xC1\x01\x01\x01\x01\x01\x01\x01")}) {
+        const std::string list = binaryList({arrayOf(std::vector<std::uint32_t>(1000, 1)), leaf});
+        const auto xml = propertyListAsXML(bytesOf(list));
+        if (xml) { EXPECT_LE(xml->size(), 64 * list.size() + (1 << 20)); }
+    }
+}
+
+TEST(PropertyListAsXML, BoundsTheKeysOfADictionary) {
+    for (const std::uint32_t keys : {16384u, 16385u}) {
+        std::string xml = "<plist version=\"1.0\"><dict>", binary = "\xDF\x12";
+        appendNumber(binary, keys, 4);
+        std::vector<std::string> objects(1);
+        for (std::uint32_t i = 0; i < keys; ++i) {
+            const std::string key = std::to_string(100000 + i);
+            xml += "<key>" + key + "</key><true/>";
+            appendNumber(binary, objects.size(), 4);
+            objects.push_back("\x56" + key);
+        }
+        for (std::uint32_t i = 0; i < keys; ++i) appendNumber(binary, 1, 4);
+        objects[0] = binary;
+        EXPECT_EQ(isRead(xml + "</dict></plist>"), keys == 16384);
+        EXPECT_EQ(isRead(binaryList(objects)), keys == 16384);
+    }
+}
+
+// Long texts with entities are parted for the parser; what they say stays the same.
+TEST(PropertyListAsXML, KeepsLongTextsWithEntities) {
+    for (const std::string& part : {std::string("&amp;"), std::string("a&lt;b&#65;"), std::string(1500, 'x') + "&gt;",
+                                    std::string("&amp;") + std::string(3000, 'y'), std::string(1021, 'z') + "&quot;"}) {
+        std::string text;
+        for (int i = 0; i < 3000; ++i) text += part;
+        const std::string list = "<plist version=\"1.0\"><dict><key>" + text + "</key><string>" + text +
+                                 "</string></dict></plist>";
+        const auto xml = propertyListAsXML(bytesOf(list));
+        ASSERT_TRUE(xml) << part.substr(0, 20);
+        std::string expected = text;
+        for (const auto& [from, to] : {std::pair<std::string, std::string>{"&#65;", "A"}, {"&quot;", "\""}})
+            for (std::size_t at; (at = expected.find(from)) != expected.npos;) expected.replace(at, from.size(), to);
+        EXPECT_TRUE(charsOf(*xml).find("<string>" + expected + "</string>") != std::string_view::npos)
+            << part.substr(0, 20);
+        EXPECT_TRUE(charsOf(*xml).find("<key>" + expected + "</key>") != std::string_view::npos);
+    }
+    EXPECT_FALSE(isRead("<plist version=\"1.0\"><string>" + std::string(5000, '&') + "</string></plist>"));
 }
 
 // Closing tags that the parser does not see must not be counted.

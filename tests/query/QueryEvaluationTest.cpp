@@ -85,25 +85,25 @@ TEST(QueryEvaluation, Operators) {
     for (const auto& c : cases) {
         SCOPED_TRACE(utf8(c.query) + " / " + utf8(c.text));
         const QueryTerms query(c.query);
-        EXPECT_EQ(query.matchesString(c.text, true), c.matches);
-        EXPECT_EQ(query.containsString(c.text, true), c.contains);
-        EXPECT_EQ(matchesQueryTerms(c.text, query, true), c.matches);
-        EXPECT_EQ(containsQueryTerms(c.text, query, true), c.contains);
+        EXPECT_EQ(query.matchesString(c.text, Case::Sensitive), c.matches);
+        EXPECT_EQ(query.containsString(c.text, Case::Sensitive), c.contains);
+        EXPECT_EQ(matchesQueryTerms(c.text, query, Case::Sensitive), c.matches);
+        EXPECT_EQ(containsQueryTerms(c.text, query, Case::Sensitive), c.contains);
     }
 }
 
 TEST(QueryEvaluation, CaseAbsentAndParts) {
     const QueryTerms query(u"\u00C4b (x OR -Y)");
-    EXPECT_FALSE(query.matchesString(u"\u00E4B", true));
-    EXPECT_TRUE(query.matchesString(u"\u00E4B", false));
-    EXPECT_FALSE(query.matchesString(u"\u00E4B y", false));
-    EXPECT_FALSE(matchesQueryTerms(u"a", QueryTerms(), false));
-    EXPECT_FALSE(containsQueryTerms(u"a", QueryTerms(), false));
+    EXPECT_FALSE(query.matchesString(u"\u00E4B", Case::Sensitive));
+    EXPECT_TRUE(query.matchesString(u"\u00E4B", Case::Insensitive));
+    EXPECT_FALSE(query.matchesString(u"\u00E4B y", Case::Insensitive));
+    EXPECT_FALSE(matchesQueryTerms(u"a", QueryTerms(), Case::Insensitive));
+    EXPECT_FALSE(containsQueryTerms(u"a", QueryTerms(), Case::Insensitive));
     // A node below the top is a query of its own.
-    EXPECT_TRUE(query.child(1).matchesString(u"z", true));
-    EXPECT_FALSE(query.child(1).containsString(u"Y", true));
-    EXPECT_TRUE(query.child(1).child(1).containsString(u"Y", true));
-    EXPECT_FALSE(QueryTerms::queryTermsWithWord(u"", {}).matchesString(u"a", true));
+    EXPECT_TRUE(query.child(1).matchesString(u"z", Case::Sensitive));
+    EXPECT_FALSE(query.child(1).containsString(u"Y", Case::Sensitive));
+    EXPECT_TRUE(query.child(1).child(1).containsString(u"Y", Case::Sensitive));
+    EXPECT_FALSE(QueryTerms::queryTermsWithWord(u"", {}).matchesString(u"a", Case::Sensitive));
 }
 
 TEST(QueryEvaluation, Wildcards) {
@@ -153,11 +153,11 @@ TEST(QueryEvaluation, TermCharacters) {
     CharacterSetRep dashes = alphaNumCharacterSetRep();
     dashes.add(u'-');
     const QueryTerms query(u"a NEXT b");
-    EXPECT_TRUE(query.matchesString(u"x a-y b", true) == false &&
-                QueryTerms(u"y NEXT b").matchesString(u"x a-y b", true));
+    EXPECT_TRUE(query.matchesString(u"x a-y b", Case::Sensitive) == false &&
+                QueryTerms(u"y NEXT b").matchesString(u"x a-y b", Case::Sensitive));
     setQueryTermCharacters(&dashes);
-    EXPECT_FALSE(QueryTerms(u"y NEXT b").matchesString(u"x a-y b", true));
-    EXPECT_TRUE(QueryTerms(u"a-y NEXT b").matchesString(u"x a-y b", true));
+    EXPECT_FALSE(QueryTerms(u"y NEXT b").matchesString(u"x a-y b", Case::Sensitive));
+    EXPECT_TRUE(QueryTerms(u"a-y NEXT b").matchesString(u"x a-y b", Case::Sensitive));
     setQueryTermCharacters(nullptr);
 }
 
@@ -167,9 +167,9 @@ TEST(QueryEvaluation, ThreadsShareAQuery) {
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([&] {
             for (int i = 0; i < 500; ++i) {
-                EXPECT_TRUE(query.matchesString(u"one and two", true));
+                EXPECT_TRUE(query.matchesString(u"one and two", Case::Sensitive));
                 EXPECT_TRUE(query.matchesString(u"ONE and two", WildcardComparison::Insensitive));
-                EXPECT_FALSE(query.child(0).matchesString(u"one a b c d two", true));
+                EXPECT_FALSE(query.child(0).matchesString(u"one a b c d two", Case::Sensitive));
             }
         });
     for (auto& thread : threads) thread.join();
@@ -185,7 +185,7 @@ struct CountingFinder {
         ++asked;
         const View word = tree.wordOf(tree.nodes[node]);
         const std::uint64_t found =
-            detail::scanForWord({text, word, true, true, alphaNumCharacterSetRep()}, start, end);
+            detail::scanForWord({text, word, Case::Sensitive, true, alphaNumCharacterSetRep()}, start, end);
         return found == NotFound ? Range::none() : Range{found, word.size()};
     }
     bool isOneRun(std::size_t) const { return true; }
@@ -245,19 +245,19 @@ TEST(QueryEvaluation, NestedWindowsDoNotMultiply) {
 
 TEST(QueryEvaluation, DeepTrees) {
     const int depth = 100000;
-    EXPECT_TRUE(QueryTerms(nested(u"b", u" AND", depth)).matchesString(u"a b", true));
-    EXPECT_FALSE(QueryTerms(nested(u"c", u" OR b AND", depth)).matchesString(u"a", true));
-    EXPECT_TRUE(QueryTerms(nested(u"b", u" NEAR", depth)).matchesString(u"a b", true));
-    EXPECT_FALSE(QueryTerms(nested(u"c", u" NEAR", depth)).matchesString(u"a b", true));
+    EXPECT_TRUE(QueryTerms(nested(u"b", u" AND", depth)).matchesString(u"a b", Case::Sensitive));
+    EXPECT_FALSE(QueryTerms(nested(u"c", u" OR b AND", depth)).matchesString(u"a", Case::Sensitive));
+    EXPECT_TRUE(QueryTerms(nested(u"b", u" NEAR", depth)).matchesString(u"a b", Case::Sensitive));
+    EXPECT_FALSE(QueryTerms(nested(u"c", u" NEAR", depth)).matchesString(u"a b", Case::Sensitive));
     for (View text : {u"a b", u"b", u"a a", u"b a c"})
-        EXPECT_EQ(QueryTerms(repeated(u"(a NEXT -", depth) + u"b c").matchesString(text, true),
-                  QueryTerms(repeated(u"(a NEXT -", 100) + u"b c").matchesString(text, true));
-    EXPECT_FALSE(QueryTerms(repeated(u"-(b ", depth) + u"a").containsString(u"c", true));
+        EXPECT_EQ(QueryTerms(repeated(u"(a NEXT -", depth) + u"b c").matchesString(text, Case::Sensitive),
+                  QueryTerms(repeated(u"(a NEXT -", 100) + u"b c").matchesString(text, Case::Sensitive));
+    EXPECT_FALSE(QueryTerms(repeated(u"-(b ", depth) + u"a").containsString(u"c", Case::Sensitive));
     const QueryTerms wildcards(nested(u"b*", u" NEAR", depth), {.wildcard = true});
     EXPECT_TRUE(wildcards.matchesString(u"a bc", WildcardComparison::Exact));
     EXPECT_FALSE(wildcards.matchesString(u"a c", WildcardComparison::Exact));
     const QueryTerms wide(repeated(u"b OR ", depth) + u"a");
-    EXPECT_TRUE(wide.matchesString(u"a", true) && wide.containsString(u"a", true));
+    EXPECT_TRUE(wide.matchesString(u"a", Case::Sensitive) && wide.containsString(u"a", Case::Sensitive));
 }
 
 }  // namespace

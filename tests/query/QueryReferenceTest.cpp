@@ -145,16 +145,16 @@ test::RefNextHit refNextWildcard(const std::u16string& text, const std::vector<s
 // The parts of a case; each gives what differs, or nothing.
 
 std::string evaluationOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
-    const bool caseSensitive = !isCaseInsensitive(c.comparison);
+    const Case letterCase = letterCaseOf(c.comparison);
     const test::RefFind find =
-        c.options.wildcard ? refWildcards(c.text, c.comparison) : test::refPlainWords(c.text, caseSensitive);
+        c.options.wildcard ? refWildcards(c.text, c.comparison) : test::refPlainWords(c.text, letterCase);
     const bool expected = test::refMatches(reference, c.text, find);
     if (expected !=
-        (c.options.wildcard ? terms.matchesString(c.text, c.comparison) : terms.matchesString(c.text, caseSensitive)))
+        (c.options.wildcard ? terms.matchesString(c.text, c.comparison) : terms.matchesString(c.text, letterCase)))
         return "does" + std::string(expected ? " not" : "") + " match";
     const bool contained = test::refContains(reference, c.text, find);
     if (contained !=
-        (c.options.wildcard ? terms.containsString(c.text, c.comparison) : terms.containsString(c.text, caseSensitive)))
+        (c.options.wildcard ? terms.containsString(c.text, c.comparison) : terms.containsString(c.text, letterCase)))
         return "does" + std::string(contained ? " not" : "") + " contain";
     return {};
 }
@@ -179,7 +179,7 @@ std::string rewritingOf(const RandomCase& c, const QueryTerms& terms, const test
 std::string excerptsOf(const RandomCase& c, const std::vector<String>& wildcards) {
     const bool strings = !c.options.wildcard;
     const String sought = wildcards.front();
-    const auto next = strings ? test::refNextString(c.text, sought.view(), !isCaseInsensitive(c.comparison))
+    const auto next = strings ? test::refNextString(c.text, sought.view(), letterCaseOf(c.comparison))
                               : refNextWildcard(c.text, unitsOf(wildcards), c.comparison);
     const AssemblyOptions& options = c.assembly;
     const String summary = strings ? assembleOccurrencesOfString(c.text, sought, options)
@@ -239,7 +239,7 @@ TEST(QueryReference, RandomCasesAgree) {
         if (i < 20000)
             matches[c.options.wildcard] += c.options.wildcard
                                                ? QueryTerms(c.query, c.options).matchesString(c.text, c.comparison)
-                                               : QueryTerms(c.query, c.options).matchesString(c.text, true);
+                                               : QueryTerms(c.query, c.options).matchesString(c.text, Case::Sensitive);
         const std::size_t size = c.query.size() + c.text.size();
         if (difference.empty() || size >= smallest) continue;
         smallest = size;

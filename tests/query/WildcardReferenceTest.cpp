@@ -109,12 +109,13 @@ std::string differenceOf(const RandomCase& c) {
     check("compacted", utf8(compacted), utf8(expected.wildcard));
 
     setMinWildcardFuzzyAnalogy(in.minAnalogy);
+    const Direction direction = in.forward ? Direction::Forward : Direction::Backward;
     check("word",
           FindWildcardInCharacters(in.text, range, wildcard,
                                    {.comparison = comparison,
                                     .minCharacters = in.minCharacters,
                                     .anchored = in.anchored,
-                                    .backwards = !in.forward,
+                                    .direction = direction,
                                     .acceptStar = in.acceptStar,
                                     .starIsWord = in.starIsWord}),
           refFind(in, wildcard));
@@ -122,15 +123,15 @@ std::string differenceOf(const RandomCase& c) {
           FindWildcardStringInCharacters(in.text, range, wildcard,
                                          {.comparison = comparison,
                                           .minCharacters = in.minCharacters,
-                                          .backwards = !in.forward,
+                                          .direction = direction,
                                           .acceptStar = in.acceptStar}),
           refFindString(in, wildcard));
     const std::vector<String> wildcards(c.wildcards.begin(), c.wildcards.end());
     RefSearch starless = in;
     starless.acceptStar = false;
-    check("first", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, !in.forward, true}),
+    check("first", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, direction, true}),
           refNearest(starless, c.wildcards, true));
-    check("nearest", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, !in.forward, false}),
+    check("nearest", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, direction, false}),
           refNearest(starless, c.wildcards, false));
     std::vector<Range> hits;
     (in.forward ? forEachWildcard : forEachWildcardBackwards)(in.text, wildcards,

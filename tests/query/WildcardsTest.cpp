@@ -173,7 +173,7 @@ TEST(Wildcards, Separation) {
     EXPECT_EQ(wordsUsingWildcardSeparation(u"data* [a d]?x|y", &hyphenated),
               (std::vector<String>{u"data*", u"[a d]?x", u"y"}));
     EXPECT_FALSE(hyphenated);
-    wordsUsingWildcardSeparation(u"e-m?il", &hyphenated);
+    (void)wordsUsingWildcardSeparation(u"e-m?il", &hyphenated);
     EXPECT_TRUE(hyphenated);
     EXPECT_EQ(numberOfWordsUsingWildcardSeparation(u"[a b] c"), 2u);
     initSeparatorsAndTables();

@@ -30,17 +30,17 @@ TEST(WordSearch, FindWord) {
         {u"concatenate", u"cat", {3, 4}, {}, NotFound},
         {u"concatenate", u"cat", {4, 99}, {}, NotFound},
         {u"a Cat", u"cAT", {0, 5}, {}, NotFound},
-        {u"a Cat", u"cAT", {0, 5}, {.caseSensitive = false}, 2},
+        {u"a Cat", u"cAT", {0, 5}, {.letterCase = Case::Insensitive}, 2},
         {u"a", u"", {0, 1}, {}, NotFound},
         {u"", u"a", {0, 0}, {}, NotFound},
         {u"ab", u"abc", {0, 2}, {}, NotFound},
         {u"xyz", u"*abc", {1, 1}, {}, 1},
         {u"a-b a", u"a-b", {0, 5}, {}, 0},
-        {u"a a a", u"a", {0, 5}, {.backwards = true}, 4},
-        {u"a a ab", u"a", {0, 6}, {.backwards = true}, 2},
-        {u"a a ab", u"a", {0, 5}, {.backwards = true}, 4},
-        {u"ba", u"a", {0, 2}, {.backwards = true}, NotFound},
-        {u"\u00E9t\u00C9", u"\u00C9T\u00E9", {0, 3}, {.caseSensitive = false}, 0},
+        {u"a a a", u"a", {0, 5}, {.direction = Direction::Backward}, 4},
+        {u"a a ab", u"a", {0, 6}, {.direction = Direction::Backward}, 2},
+        {u"a a ab", u"a", {0, 5}, {.direction = Direction::Backward}, 4},
+        {u"ba", u"a", {0, 2}, {.direction = Direction::Backward}, NotFound},
+        {u"\u00E9t\u00C9", u"\u00C9T\u00E9", {0, 3}, {.letterCase = Case::Insensitive}, 0},
         {u"a", u"a", {UINT64_MAX, UINT64_MAX}, {}, NotFound},
         {u"b a", u"a", {0, UINT64_MAX}, {}, 2},
     };
@@ -65,18 +65,18 @@ TEST(WordSearch, Phrases) {
         {u"database data x base ", {u"data", u"base"}, {}, Range::none()},
         {u"data bases ", {u"data", u"base"}, {}, {0, 9}},
         {u"data bases ", {u"data", u"base"}, {.exact = true}, Range::none()},
-        {u"data Data BASE ", {u"data", u"base"}, {.caseSensitive = false}, {5, 9}},
+        {u"data Data BASE ", {u"data", u"base"}, {.letterCase = Case::Insensitive}, {5, 9}},
         {u"data Data BASE ", {u"data", u"base"}, {}, Range::none()},
         {u"a a a b ", {u"a", u"a", u"b"}, {}, {2, 5}},
-        {u"x y x y x ", {u"x", u"y"}, {.backwards = true}, {4, 3}},
-        {u"x y x", {u"x", u"y"}, {.backwards = true}, {0, 3}},
-        {u"x z x", {u"x", u"y"}, {.backwards = true}, Range::none()},
+        {u"x y x y x ", {u"x", u"y"}, {.direction = Direction::Backward}, {4, 3}},
+        {u"x y x", {u"x", u"y"}, {.direction = Direction::Backward}, {0, 3}},
+        {u"x z x", {u"x", u"y"}, {.direction = Direction::Backward}, Range::none()},
         {u"x ", {u"x"}, {}, {0, 1}},
         {u"x", {u"x"}, {}, Range::none()},
         {u"x y ", {}, {}, Range::none()},
         {u"x y ", {u"*", u"y"}, {}, {0, 3}},
         {u"x y ", {u"*", u"z"}, {}, Range::none()},
-        {u"x y ", {u"*", u"z"}, {.backwards = true}, Range::none()},
+        {u"x y ", {u"*", u"z"}, {.direction = Direction::Backward}, Range::none()},
     };
     for (const auto& c : cases)
         EXPECT_EQ(FindNonExactPhraseInString(c.text, {0, c.text.size()}, c.words, c.options), c.expected)
@@ -84,17 +84,17 @@ TEST(WordSearch, Phrases) {
 }
 
 TEST(WordSearch, RangesAndCounts) {
-    EXPECT_EQ(countWord(u"aa aa aa", u"aa", true), 3u);
-    EXPECT_EQ(countWord(u"Aa aaa aA", u"aa", false), 2u);
-    EXPECT_EQ(countWord(u"a", u"", true), 0u);
-    EXPECT_EQ(countWord(u"abcd", u"*x", true), 2u);
-    EXPECT_EQ(rangeOfWord(u"ab a", u"a", true), (Range{3, 1}));
-    EXPECT_EQ(rangeOfWord(u"", u"*a", true), Range::none());
-    EXPECT_EQ(rangeOfWord(u"ab", u"*abcd", true), (Range{0, 2}));  // cut at the end of the text
+    EXPECT_EQ(countWord(u"aa aa aa", u"aa", Case::Sensitive), 3u);
+    EXPECT_EQ(countWord(u"Aa aaa aA", u"aa", Case::Insensitive), 2u);
+    EXPECT_EQ(countWord(u"a", u"", Case::Sensitive), 0u);
+    EXPECT_EQ(countWord(u"abcd", u"*x", Case::Sensitive), 2u);
+    EXPECT_EQ(rangeOfWord(u"ab a", u"a", Case::Sensitive), (Range{3, 1}));
+    EXPECT_EQ(rangeOfWord(u"", u"*a", Case::Sensitive), Range::none());
+    EXPECT_EQ(rangeOfWord(u"ab", u"*abcd", Case::Sensitive), (Range{0, 2}));  // cut at the end of the text
     const Strings words = {u"", u"longer than the text", u"two", u"one"};
-    EXPECT_EQ(rangeOfAnyWord(u"one two one", words, true), (Range{4, 3}));
-    EXPECT_EQ(countAnyWord(u"one two one", words, true), 3u);
-    EXPECT_EQ(rangeOfAnyWord(u"three", words, true), Range::none());
+    EXPECT_EQ(rangeOfAnyWord(u"one two one", words, Case::Sensitive), (Range{4, 3}));
+    EXPECT_EQ(countAnyWord(u"one two one", words, Case::Sensitive), 3u);
+    EXPECT_EQ(rangeOfAnyWord(u"three", words, Case::Sensitive), Range::none());
 
     const View text = u"cat concat Cat";
     const struct {
@@ -103,7 +103,7 @@ TEST(WordSearch, RangesAndCounts) {
         Range next, previous;
     } cases[] = {
         {{0, 14}, {}, {0, 3}, {0, 3}},
-        {{0, 14}, {.caseSensitive = false}, {0, 3}, {11, 3}},
+        {{0, 14}, {.letterCase = Case::Insensitive}, {0, 3}, {11, 3}},
         {{0, 14}, {.anchored = false}, {0, 3}, {7, 3}},
         {{1, 13}, {}, Range::none(), Range::none()},
         {{0, 15}, {}, Range::none(), Range::none()},  // not inside the text
@@ -121,7 +121,7 @@ TEST(WordSearch, RangesAndCounts) {
 TEST(WordSearch, QueryTerms) {
     const View text = u"Boston, New   York and new york.";
     const Range whole{0, text.size()};
-    const TermSearchOptions noCase{.caseSensitive = false};
+    const TermSearchOptions noCase{.letterCase = Case::Insensitive};
     const struct {
         Strings terms;
         TermSearchOptions options;
@@ -132,7 +132,7 @@ TEST(WordSearch, QueryTerms) {
         {{u"new york", u"new"}, noCase, {8, 10}, {23, 8}, 2},
         {{u"new", u"new york"}, noCase, {8, 3}, {23, 3}, 2},
         {{u"new york"}, {}, {23, 8}, {23, 8}, 1},
-        {{u"new york"}, {.caseSensitive = false, .exactPhrase = true}, {23, 8}, {23, 8}, 1},
+        {{u"new york"}, {.letterCase = Case::Insensitive, .exactPhrase = true}, {23, 8}, {23, 8}, 1},
         {{u"or"}, noCase, Range::none(), Range::none(), 0},
         {{u"or"}, {.anchored = false}, {15, 2}, {28, 2}, 1},
         {{u"", u"*", u"and"}, {}, {19, 3}, {19, 3}, 1},
@@ -157,9 +157,9 @@ TEST(WordSearch, QueryTerms) {
 TEST(WordSearch, SetTermCharacters) {
     CharacterSetRep letters;
     letters.add(u"abc-");
-    EXPECT_EQ(countWord(u"a-b a", u"a", true), 2u);
+    EXPECT_EQ(countWord(u"a-b a", u"a", Case::Sensitive), 2u);
     setQueryTermCharacters(&letters);
-    EXPECT_EQ(countWord(u"a-b a", u"a", true), 1u);
+    EXPECT_EQ(countWord(u"a-b a", u"a", Case::Sensitive), 1u);
     EXPECT_EQ(&queryTermCharacters(), &letters);
     setQueryTermCharacters(nullptr);
     EXPECT_EQ(&queryTermCharacters(), &alphaNumCharacterSetRep());
@@ -174,7 +174,7 @@ std::u16string randomText(std::mt19937& random, View alphabet, std::size_t longe
 /// All positions at which a word stands in a stretch, unit by unit.
 std::vector<std::uint64_t> slowPositions(const detail::SoughtWord& sought, std::uint64_t start, std::uint64_t end) {
     std::vector<std::uint64_t> positions;
-    const auto fold = [&](char16_t unit) { return sought.caseSensitive ? unit : toUpper(unit); };
+    const auto fold = [&](char16_t unit) { return sought.letterCase == Case::Sensitive ? unit : toUpper(unit); };
     for (std::uint64_t i = start; i + sought.word.size() <= end; ++i) {
         bool same = true;
         for (std::size_t k = 0; k < sought.word.size(); ++k) same &= fold(sought.text[i + k]) == fold(sought.word[k]);
@@ -195,14 +195,15 @@ TEST(WordSearch, RandomScansAgreeWithASlowOne) {
         const std::u16string text = randomText(random, alphabet, random() % 8 ? 24 : 120);
         const std::u16string word = randomText(random, alphabet, 1 + random() % 4);
         if (word.empty()) continue;
-        const detail::SoughtWord sought{text, word, random() % 2 == 0, random() % 2 == 0, alphaNumCharacterSetRep()};
+        const detail::SoughtWord sought{text, word, random() % 2 ? Case::Insensitive : Case::Sensitive,
+                                        random() % 2 == 0, alphaNumCharacterSetRep()};
         detail::WordOccurrences occurrences;
         for (int stretch = 0; stretch < 4; ++stretch) {
             const std::uint64_t a = random() % (text.size() + 1), b = random() % (text.size() + 1);
             const std::uint64_t start = stretch ? std::min(a, b) : 0;
             const std::uint64_t end = stretch ? std::max(a, b) : text.size();
             SCOPED_TRACE(utf8(text) + " / " + utf8(word) + " / " + std::to_string(start) + "-" + std::to_string(end) +
-                         (sought.wholeWord ? " whole" : "") + (sought.caseSensitive ? " case" : ""));
+                         (sought.wholeWord ? " whole" : "") + (sought.letterCase == Case::Sensitive ? " case" : ""));
             const auto expected = slowPositions(sought, start, end);
             const std::uint64_t first = expected.empty() ? NotFound : expected.front();
             ASSERT_EQ(detail::scanForWord(sought, start, end), first);

@@ -23,7 +23,7 @@ TEST(Base64, PublishedVectorsWithAndWithoutPadding) {
                  {"fooba", u"Zm9vYmE=", u"Zm9vYmE"},
                  {"foobar", u"Zm9vYmFy", u"Zm9vYmFy"}};
     for (const auto& c : cases) {
-        EXPECT_EQ(encodedBase64Data(bytesOf(c.text)), c.padded);
+        EXPECT_EQ(encodedBase64Data(Bytes(c.text)), c.padded);
         EXPECT_EQ(encodebase64(String::fromUTF8(c.text)), c.bare);
         EXPECT_EQ(decoded(c.padded), c.text);
         EXPECT_EQ(decodebase64(c.padded).utf8(), c.text);
@@ -31,7 +31,7 @@ TEST(Base64, PublishedVectorsWithAndWithoutPadding) {
         EXPECT_TRUE(isBase64String(c.padded) && isBase64String(c.bare));
     }
     EXPECT_TRUE(encodedBase64Data({}).isAbsent());
-    EXPECT_EQ(encodeBase64Bytes(bytesOf("f"), u'.'), u"Zg..");
+    EXPECT_EQ(encodeBase64Bytes(Bytes("f"), u'.'), u"Zg..");
 }
 
 TEST(Base64, DamageShiftsNothingAndEqualSignsCount) {

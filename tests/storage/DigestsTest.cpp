@@ -25,8 +25,8 @@ TEST(Digests, PublishedVectors) {
         {std::string(1000000, 'a'), nullptr, "34aa973cd4c4daa4f61eeb2bdbad27316534016f"},
     };
     for (const auto& c : cases) {
-        if (c.md5) { EXPECT_EQ(MD5DigestStringValue(bytesOf(c.text)).utf8(), c.md5); }
-        if (c.sha1) { EXPECT_EQ(SHA1DigestStringValue(bytesOf(c.text)).utf8(), c.sha1); }
+        if (c.md5) { EXPECT_EQ(MD5DigestStringValue(Bytes(c.text)).utf8(), c.md5); }
+        if (c.sha1) { EXPECT_EQ(SHA1DigestStringValue(Bytes(c.text)).utf8(), c.sha1); }
     }
     EXPECT_EQ(hexStringValue(Data{0x0A, 0xFF}), u"0aff");
     EXPECT_EQ(hexStringValue({}), u"");
@@ -39,7 +39,7 @@ TEST(Digests, PiecesAreTheWhole) {
         isc_sha1_t sha1;
         isc_md5_init(md5);
         isc_sha1_init(sha1);
-        for (Bytes rest = bytesOf(text); !rest.empty(); rest = rest.subspan(std::min(piece, rest.size()))) {
+        for (Bytes rest = Bytes(text); !rest.empty(); rest = rest.subspan(std::min(piece, rest.size()))) {
             isc_md5_update(md5, rest.first(std::min(piece, rest.size())));
             isc_sha1_update(sha1, rest.first(std::min(piece, rest.size())));
         }
@@ -47,22 +47,22 @@ TEST(Digests, PiecesAreTheWhole) {
         std::array<std::uint8_t, SHA1DigestSize> sha1Digest;
         isc_md5_final(md5, md5Digest);
         isc_sha1_final(sha1, sha1Digest);
-        EXPECT_EQ(md5Digest, MD5Digest(bytesOf(text)));
-        EXPECT_EQ(sha1Digest, SHA1Digest(bytesOf(text)));
+        EXPECT_EQ(md5Digest, MD5Digest(Bytes(text)));
+        EXPECT_EQ(sha1Digest, SHA1Digest(Bytes(text)));
         // Ended and forgotten contexts are those of no bytes.
         isc_md5_final(md5, md5Digest);
         EXPECT_EQ(md5Digest, MD5Digest({}));
         isc_sha1_init(sha1);
-        isc_sha1_update(sha1, bytesOf(text));
+        isc_sha1_update(sha1, Bytes(text));
         isc_sha1_invalidate(sha1);
-        isc_sha1_update(sha1, bytesOf(text));
+        isc_sha1_update(sha1, Bytes(text));
         isc_sha1_final(sha1, sha1Digest);
         EXPECT_EQ(sha1Digest, SHA1Digest({}));
     }
 }
 
 TEST(Digests, SaltComesInEveryRound) {
-    const auto hash = [](const std::string& text) { return SHA1DigestStringValue(bytesOf(text)).utf8(); };
+    const auto hash = [](const std::string& text) { return SHA1DigestStringValue(Bytes(text)).utf8(); };
     const std::string salt = "K7Q.XM27182818_ZEND-";
     const std::string once = hash("secret" + salt);
     EXPECT_EQ(saltedHash(u"secret").utf8(), once);

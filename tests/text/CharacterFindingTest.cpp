@@ -18,9 +18,9 @@ TEST(CharacterFinding, TheCaseRule) {
         {u"aaa", u'a', {}, NotFound, NotFound, 0},  // only the capital is looked for
         {u"aAaA", u'a', {}, 1, 3, 2},
         {u"aAaA", u'A', {}, 1, 3, 2},
-        {u"aAaA", u'a', {.caseInsensitive = true}, 0, 3, 4},
-        {u"x\u00E9\u00C9", u'\u00E9', {.caseInsensitive = true}, 1, 2, 2},
-        {u"\u0131I\u017F", u'i', {.caseInsensitive = true}, 0, 1, 2},
+        {u"aAaA", u'a', {.letterCase = Case::Insensitive}, 0, 3, 4},
+        {u"x\u00E9\u00C9", u'\u00E9', {.letterCase = Case::Insensitive}, 1, 2, 2},
+        {u"\u0131I\u017F", u'i', {.letterCase = Case::Insensitive}, 0, 1, 2},
         {u"a.b.c", u'.', {}, 1, 3, 2},
         {u"a.b.c", u'.', {.startAt = 2}, 3, 3, 1},
         {u"a.b", u'.', {.startAt = 3}, NotFound, NotFound, 0},
@@ -43,7 +43,7 @@ TEST(CharacterFinding, OneOfSeveral) {
     EXPECT_EQ(findOneOf(u"path?a#b", u"#?"), 4u);
     EXPECT_EQ(findOneOf(u"path?a#b", u"#?", {.startAt = 5}), 6u);
     EXPECT_EQ(findOneOf(u"abc", u"C"), NotFound);
-    EXPECT_EQ(findOneOf(u"abc", u"C", {.caseInsensitive = true}), 2u);
+    EXPECT_EQ(findOneOf(u"abc", u"C", {.letterCase = Case::Insensitive}), 2u);
     EXPECT_EQ(findOneOf(u"abc", u"c"), 2u);  // no replacement by the capital here
     EXPECT_EQ(findOneOf(u"abc", View()), NotFound);
     EXPECT_EQ(findOneOf(u"abc", u"c", {.startAt = 3}), NotFound);

@@ -18,18 +18,18 @@ std::uint32_t slowCrc(Bytes bytes) {
 }
 
 TEST(Checksums, KnownValues) {
-    EXPECT_EQ(CRC32(bytesOf("123456789")), 0x2DFD2D88u);
-    EXPECT_EQ(CRC32(bytesOf("\x01")), 0x77073096u);
+    EXPECT_EQ(CRC32(Bytes("123456789")), 0x2DFD2D88u);
+    EXPECT_EQ(CRC32(Bytes("\x01")), 0x77073096u);
     EXPECT_EQ(CRC32({}), 0u);
     EXPECT_EQ(crc32(u""), 0u);
     EXPECT_EQ(crc32(Data()), 0u);
-    EXPECT_EQ(CRC32UniChars(u"1"), CRC32(bytesOf({"\0"
-                                                  "1",
-                                                  2})));
-    EXPECT_EQ(crc32(u"\u3132"), CRC32(bytesOf("12")));
+    EXPECT_EQ(CRC32UniChars(u"1"), CRC32(std::string_view("\0"
+                                                          "1",
+                                                          2)));
+    EXPECT_EQ(crc32(u"\u3132"), CRC32(Bytes("12")));
     // A leading zero byte does not change a register of 0.
-    EXPECT_EQ(crc32(u"a"), CRC32(bytesOf("a")));
-    EXPECT_NE(crc32(u"aa"), CRC32(bytesOf("aa")));
+    EXPECT_EQ(crc32(u"a"), CRC32(Bytes("a")));
+    EXPECT_NE(crc32(u"aa"), CRC32(Bytes("aa")));
 }
 
 TEST(Checksums, AgreeWithTheBitwiseOne) {

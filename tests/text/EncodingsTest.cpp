@@ -16,7 +16,7 @@ namespace {
 String decoded(TextEncoding encoding, std::string_view bytes) {
     std::vector<char16_t> units(bytes.size() + 32);
     std::size_t count = 0;
-    EXPECT_EQ(convertEncodingToUnicode(bytesOf(bytes), encoding, units, count), 1);
+    EXPECT_EQ(convertEncodingToUnicode(Bytes(bytes), encoding, units, count), 1);
     return String(std::u16string_view(units.data(), count));
 }
 
@@ -112,7 +112,7 @@ TEST(Encodings, NamesAreReadAsPagesMeanThem) {
 TEST(Encodings, EightBitTextIsNotUTF16) {
     char16_t units[64];
     std::size_t count = 1;
-    EXPECT_EQ(convertEncodingToUnicode(bytesOf("<meta charset=utf-16>"), 256, units, count), 0);
+    EXPECT_EQ(convertEncodingToUnicode(Bytes("<meta charset=utf-16>"), 256, units, count), 0);
     EXPECT_EQ(count, 0u);
 }
 
@@ -154,6 +154,35 @@ TEST(Encodings, EncodingKeepsWhatItCanOrSaysSo) {
     EXPECT_EQ(decoded(ShiftJISTextEncoding, charsOf(*dataUsingEncoding(longText, ShiftJISStringEncoding))), longText);
 }
 
+// Nothing is lost on the way: what was written strictly is read again as it was, units that
+// converters like to pass over among it.
+TEST(Encodings, StrictMeansStrict) {
+    constexpr std::u16string_view Unseen = u"\u00AD\u034F\u061C\u115F\u180E\u200B\u200D\u2060\u3164\uFE0F\uFEFF\uFFA0";
+    std::mt19937 random(3);
+    std::size_t refused = 0;
+    for (const detail::EncodingRow& row : detail::encodingRows()) {
+        const StringEncoding encoding = stringEncodingOf(row.number);
+        for (int round = 0; round < 400; ++round) {
+            const unsigned kind = random() % 3;
+            const char16_t unit = kind == 0   ? Unseen[random() % Unseen.size()]
+                                  : kind == 1 ? static_cast<char16_t>(0xA0 + random() % 0xD700)
+                                              : static_cast<char16_t>(0xE000 + random() % 0x2000);
+            const String text(std::u16string{u'a', unit, u'z'});
+            const auto strict = dataUsingEncoding(text, encoding);
+            if (strict) {
+                ASSERT_EQ(decoded(row.number, charsOf(*strict)), text) << row.iana << ' ' << unsigned{unit};
+                continue;
+            }
+            ++refused;
+            const auto lossy = dataUsingEncoding(text, encoding, true);
+            ASSERT_TRUE(lossy && lossy->size() >= 3) << row.iana << ' ' << unsigned{unit};
+            if (kind == 0) { EXPECT_EQ(decoded(row.number, charsOf(*lossy)), u"a?z") << row.iana; }
+        }
+    }
+    EXPECT_GT(refused, 10000u);
+    EXPECT_FALSE(dataUsingEncoding(u"a\u00ADb", JapaneseEUCStringEncoding));
+}
+
 std::string randomBytes(std::mt19937& random, std::size_t size) {
     // Mostly ASCII and the bytes that sequences are made of.
     static constexpr unsigned char Likely[] = {0x1B, 0x24, 0x42, 0x81, 0x8E, 0x8F, 0xA1, 0xB0, 0xC3, 0xE2, 0x82, 0xAC,
@@ -177,8 +206,8 @@ TEST(Encodings, OutputStaysWithinItsRoom) {
         const TextEncoding encoding = round % 2 ? UTF8TextEncoding : rows[random() % rows.size()].number;
         std::vector<char16_t> whole(bytes.size() + 64), part(random() % 330, u'#');
         std::size_t wholeCount = 0, partCount = 0;
-        const int wholeStatus = convertEncodingToUnicode(bytesOf(bytes), encoding, whole, wholeCount);
-        const int status = convertEncodingToUnicode(bytesOf(bytes), encoding, part, partCount);
+        const int wholeStatus = convertEncodingToUnicode(Bytes(bytes), encoding, whole, wholeCount);
+        const int status = convertEncodingToUnicode(Bytes(bytes), encoding, part, partCount);
         SCOPED_TRACE(encoding);
         EXPECT_LE(wholeCount, std::max<std::size_t>(bytes.size(), 32));
         ASSERT_LE(partCount, part.size());
@@ -217,7 +246,7 @@ TEST(Encodings, PairsAgreeWithTheStream) {
             for (char& byte : bytes)
                 if (random() % 3 == 0) byte = static_cast<char>(0x80 | random());
             char16_t units[128];
-            const detail::Decoding expected = detail::decodeWithIcu(row, bytesOf(bytes), units);
+            const detail::Decoding expected = detail::decodeWithIcu(row, Bytes(bytes), units);
             ASSERT_EQ(utf8(decoded(row.number, bytes)), utf8({units, expected.written}))
                 << row.iana << testing::PrintToString(bytes);
         }
@@ -228,11 +257,11 @@ TEST(Encodings, PairsAgreeWithTheStream) {
 TEST(Encodings, StatusesAreTold) {
     char16_t units[4];
     std::size_t count = 7;
-    EXPECT_NE(convertEncodingToUnicode(bytesOf("a"), 1296, units, count), 0);
+    EXPECT_NE(convertEncodingToUnicode(Bytes("a"), 1296, units, count), 0);
     EXPECT_EQ(count, 0u);
     initUnicodeConverters();
-    EXPECT_EQ(convertUTF8ToUnicode(bytesOf("abcd"), units), 0);
-    EXPECT_NE(convertUTF8ToUnicode(bytesOf("abc\xF0\x9F\x98\x80"), units, &count), 0);
+    EXPECT_EQ(convertUTF8ToUnicode(Bytes("abcd"), units), 0);
+    EXPECT_NE(convertUTF8ToUnicode(Bytes("abc\xF0\x9F\x98\x80"), units, &count), 0);
     EXPECT_EQ(count, 3u);
     std::uint8_t bytes[4];
     EXPECT_NE(convertUnicodeToUTF8(u"\u20AC\u20AC", bytes, &count), 0);

@@ -1,5 +1,6 @@
 #include <velmocore/text/Finding.h>
 
+#include <random>
 #include <vector>
 
 #include "TestSupport.h"
@@ -29,18 +30,62 @@ TEST(Finding, Substrings) {
     for (const auto& c : cases) {
         SCOPED_TRACE(utf8(c.text));
         EXPECT_EQ(countSubstring(c.text, c.sought), c.exact);
-        EXPECT_EQ(countSubstring(c.text, c.sought, false), c.noCase);
+        EXPECT_EQ(countSubstring(c.text, c.sought, Case::Insensitive), c.noCase);
         EXPECT_EQ(containsSubstring(c.text, c.sought), c.exact > 0);
-        EXPECT_EQ(containsSubstring(c.text, c.sought, false), c.noCase > 0);
+        EXPECT_EQ(containsSubstring(c.text, c.sought, Case::Insensitive), c.noCase > 0);
     }
     const std::vector<String> several = {u"x", String(), u"Two"};
     EXPECT_TRUE(containsSubstrings(u"one Two", several));
     EXPECT_FALSE(containsSubstrings(u"one two", several));
-    EXPECT_TRUE(containsSubstrings(u"one two", several, false));
+    EXPECT_TRUE(containsSubstrings(u"one two", several, Case::Insensitive));
     const std::vector<std::string_view> keywords = {"two", "Three"};
     EXPECT_TRUE(containsSubCStrings(u"a Three", keywords));
-    EXPECT_FALSE(containsSubCStrings(u"a Three", keywords, false));  // the list is not in lower case
-    EXPECT_TRUE(containsSubCStrings(u"a TWO", keywords, false));
+    EXPECT_FALSE(containsSubCStrings(u"a Three", keywords, Case::Insensitive));  // the list is not in lower case
+    EXPECT_TRUE(containsSubCStrings(u"a TWO", keywords, Case::Insensitive));
+}
+
+/// The occurrences that do not overlap, from the left or from the right.
+std::vector<std::size_t> slowOccurrences(View text, View sought, bool forward) {
+    std::vector<std::size_t> hits;
+    std::size_t end = text.size();
+    for (std::size_t step = 0; step < text.size(); ++step) {
+        const std::size_t i = forward ? step : text.size() - 1 - step;
+        if (i + sought.size() > end || !text.substr(i).starts_with(sought)) continue;
+        if (forward && !hits.empty() && i < hits.back() + sought.size()) continue;
+        hits.push_back(i);
+        if (!forward) end = i;
+    }
+    return hits;
+}
+
+// Runs and periods, in which a search by a few units of the pattern has many candidates.
+TEST(Finding, TextsThatRepeatThemselves) {
+    std::mt19937 random(9);
+    std::size_t found = 0;
+    for (int round = 0; round < 400; ++round) {
+        std::u16string text, period;
+        while (text.size() < 3000 + random() % 9000) {
+            period.assign(1 + random() % 4, u'\u0430');
+            if (random() % 3 == 0) period.back() = u"b\u0431\u4E00x"[random() % 4];
+            for (unsigned times = random() % 300; times > 0; --times) text += period;
+        }
+        std::u16string sought = text.substr(random() % text.size(), 1 + random() % (round % 2 ? 400 : 9));
+        if (random() % 2) sought[random() % sought.size()] = random() % 2 ? u'b' : u'\u0430';
+        std::u16string upper = text;
+        for (char16_t& unit : upper)
+            if (random() % 2) unit = toUpper(unit);
+        const auto hits = slowOccurrences(text, sought, true);
+        found += hits.size();
+        ASSERT_EQ(countSubstring(text, sought), hits.size());
+        ASSERT_EQ(countSubstring(upper, sought, false), hits.size());
+        const Range first = findString(text, sought, {0, 0}),
+                    last = findString(upper, sought, {text.size(), 0},
+                                      {.letterCase = Case::Insensitive, .direction = Direction::Backward});
+        const auto back = slowOccurrences(text, sought, false);
+        ASSERT_EQ(first.location, hits.empty() ? NotFound : hits.front());
+        ASSERT_EQ(last.location, back.empty() ? NotFound : back.front());
+    }
+    EXPECT_GT(found, 1000u);
 }
 
 TEST(Finding, FromASelection) {
@@ -52,24 +97,24 @@ TEST(Finding, FromASelection) {
     } cases[] = {
         {{0, 0}, {}, {0, 2}},
         {{0, 2}, {}, {6, 2}},
-        {{0, 2}, {.caseSensitive = false}, {3, 2}},
+        {{0, 2}, {.letterCase = Case::Insensitive}, {3, 2}},
         {{9, 2}, {}, Range::none()},
         {{9, 2}, {.wrap = true}, {0, 2}},
         {{7, 0}, {}, {9, 2}},  // an occurrence that overlaps does not count
         {{0, 11}, {.wrap = true}, Range::none()},
-        {{9, 2}, {.forward = false}, {6, 2}},
-        {{6, 2}, {.caseSensitive = false, .forward = false}, {3, 2}},
-        {{0, 2}, {.forward = false}, Range::none()},
-        {{0, 2}, {.forward = false, .wrap = true}, {9, 2}},
+        {{9, 2}, {.direction = Direction::Backward}, {6, 2}},
+        {{6, 2}, {.letterCase = Case::Insensitive, .direction = Direction::Backward}, {3, 2}},
+        {{0, 2}, {.direction = Direction::Backward}, Range::none()},
+        {{0, 2}, {.direction = Direction::Backward, .wrap = true}, {9, 2}},
         {{99, 9}, {}, Range::none()},
-        {{99, 9}, {.forward = false}, {9, 2}},
+        {{99, 9}, {.direction = Direction::Backward}, {9, 2}},
         {Range::none(), {.wrap = true}, {0, 2}},
     };
     for (const auto& c : cases)
         EXPECT_EQ(findString(text, u"ab", c.selection, c.options), c.expected)
             << c.selection.location << ' ' << c.options.forward << c.options.wrap;
     EXPECT_EQ(findString(text, u"", {0, 0}), Range::none());
-    EXPECT_EQ(findString(text, View(), {0, 0}, {.forward = false, .wrap = true}), Range::none());
+    EXPECT_EQ(findString(text, View(), {0, 0}, {.direction = Direction::Backward, .wrap = true}), Range::none());
 }
 
 TEST(Finding, InArrays) {

@@ -156,9 +156,20 @@ TEST(Paths, NamesFitTheFileSystem) {
                  {u"a*b<c>d\\e|f", u"a-b-c-d-e-f"},
                  {u"a\u0308", u"\u00E4"},
                  {u"", u""},
+                 {View(u"x\0y", 3), u"x-y"},
                  {u"x.txt_", u"x.txt"}};
     for (const auto& c : names) EXPECT_EQ(stringByCreatingFilename(c.text), c.expected);
-    EXPECT_EQ(stringByCreatingFilename(letters).length(), 250u);
+    const std::u16string late = std::u16string(249, u'a') + u"\U0001F600", half(100, u'\xD800');
+    for (const auto& [text, units] : {std::pair<View, std::size_t>{letters, 250},
+                                      {umlauts, 127},
+                                      {ideographs, 85},
+                                      {emoji, 126},
+                                      {late, 249},
+                                      {half, 85}}) {
+        const String name = stringByCreatingFilename(text);
+        EXPECT_EQ(name.length(), units) << name;
+        EXPECT_LE(name.utf8().size(), 255u);
+    }
 }
 
 }  // namespace

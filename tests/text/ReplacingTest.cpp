@@ -12,16 +12,16 @@ using View = std::u16string_view;
 TEST(Replacing, OneUnit) {
     const String text(u"aAbB--");
     EXPECT_EQ(stringByReplacingCharacter(text, u'a', u'x'), u"xAbB--");
-    EXPECT_EQ(stringByReplacingCharacter(text, u'a', u'x', false),
+    EXPECT_EQ(stringByReplacingCharacter(text, u'a', u'x', Case::Insensitive),
               u"xAbB--");  // always case sensitive
-    EXPECT_EQ(stringByReplacingCharacter(text, u'-', u'_', false), u"aAbB__");
+    EXPECT_EQ(stringByReplacingCharacter(text, u'-', u'_', Case::Insensitive), u"aAbB__");
     EXPECT_TRUE(stringByReplacingCharacter(text, u'z', u'x').isIdenticalTo(text));
     EXPECT_TRUE(stringByReplacingCharacter(text, u'a', u'a').isIdenticalTo(text));
     EXPECT_TRUE(stringByReplacingCharacter(String(), u'a', u'b').isAbsent());
 
     std::u16string units = u"aAbB";
     EXPECT_EQ(replaceCharacter(units, u'a', u'x'), 1u);
-    EXPECT_EQ(replaceCharacter(units, u'b', u'y', false), 2u);
+    EXPECT_EQ(replaceCharacter(units, u'b', u'y', Case::Insensitive), 2u);
     EXPECT_EQ(units, u"xAyy");
     EXPECT_EQ(replaceCharacter(units, u'q', u'y'), 0u);
 }
@@ -29,26 +29,26 @@ TEST(Replacing, OneUnit) {
 TEST(Replacing, Substrings) {
     const struct {
         View text, sought, replacement;
-        bool caseSensitive;
+        Case letterCase;
         View expected;
         std::size_t count;
     } cases[] = {
-        {u"aaaa", u"aa", u"a", true, u"aa", 2},
-        {u"a-b-c", u"-", u", ", true, u"a, b, c", 2},
-        {u"One one ONE", u"one", u"1", false, u"1 1 1", 3},
-        {u"One one ONE", u"one", u"1", true, u"One 1 ONE", 1},
-        {u"abc", u"abc", u"", true, u"", 1},
-        {u"abc", u"", u"x", true, u"abc", 0},
-        {u"abc", View(), u"x", true, u"abc", 0},
-        {u"", u"a", u"x", true, u"", 0},
-        {u"abc", u"b", View(), true, u"ac", 1},
+        {u"aaaa", u"aa", u"a", Case::Sensitive, u"aa", 2},
+        {u"a-b-c", u"-", u", ", Case::Sensitive, u"a, b, c", 2},
+        {u"One one ONE", u"one", u"1", Case::Insensitive, u"1 1 1", 3},
+        {u"One one ONE", u"one", u"1", Case::Sensitive, u"One 1 ONE", 1},
+        {u"abc", u"abc", u"", Case::Sensitive, u"", 1},
+        {u"abc", u"", u"x", Case::Sensitive, u"abc", 0},
+        {u"abc", View(), u"x", Case::Sensitive, u"abc", 0},
+        {u"", u"a", u"x", Case::Sensitive, u"", 0},
+        {u"abc", u"b", View(), Case::Sensitive, u"ac", 1},
     };
     for (const auto& c : cases) {
         std::u16string text(c.text);
-        EXPECT_EQ(replaceString(text, c.sought, c.replacement, c.caseSensitive), c.count);
+        EXPECT_EQ(replaceString(text, c.sought, c.replacement, c.letterCase), c.count);
         EXPECT_EQ(text, c.expected) << utf8(c.text);
         const String string(c.text);
-        const String result = stringByReplacingString(string, c.sought, c.replacement, c.caseSensitive);
+        const String result = stringByReplacingString(string, c.sought, c.replacement, c.letterCase);
         const bool unchanged = c.count == 0 || !c.replacement.data();
         EXPECT_EQ(result, unchanged ? c.text : c.expected);
         EXPECT_EQ(result.isIdenticalTo(string), unchanged);

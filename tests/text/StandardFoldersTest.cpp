@@ -1,5 +1,6 @@
 #include <velmocore/text/StandardFolders.h>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -53,7 +54,7 @@ TEST_F(StandardFolders, FallBackBelowTheHomeFolder) {
 TEST_F(StandardFolders, SettingsOfTheUserCount) {
     write(".config/user-dirs.dirs",
           "# XDG_DESKTOP_DIR=\"/wrong\"\n XDG_DESKTOP_DIR=\"$HOME/Schreib\\\"tisch\"\n"
-          "XDG_DOWNLOAD_DIR=\"relative\"\nXDG_DOWNLOAD_DIRS=\"/no\"\n");
+          "XDG_DOWNLOAD_DIR=\"relative\"\nXDG_DOWNLOAD_DIRS=\"/no\"\nXDG_DOWNLOAD_DIR=\"$HOMEX/a\"\n");
     write("other/user-dirs.dirs", "XDG_DOWNLOAD_DIR=\"/data/in/\"\nXDG_DESKTOP_DIR=unquoted\n");
     const detail::UserFolders usual = find({{"XDG_DATA_HOME", "/data/share"}, {"XDG_CACHE_HOME", "/data/cache/"}});
     EXPECT_EQ(usual.desktop, inHome("Schreib\"tisch"));
@@ -63,6 +64,16 @@ TEST_F(StandardFolders, SettingsOfTheUserCount) {
     const detail::UserFolders other = find({{"XDG_CONFIG_HOME", inHome("other").utf8()}});
     EXPECT_EQ(other.downloads, u"/data/in");
     EXPECT_EQ(other.desktop, inHome("Desktop"));
+}
+
+TEST_F(StandardFolders, SettingsThatNeverEndAreNone) {
+    std::filesystem::create_directories(home_ / ".config");
+    std::filesystem::create_directories(home_ / ".dropbox");
+    ASSERT_EQ(::mkfifo((home_ / ".config/user-dirs.dirs").c_str(), 0600), 0);
+    std::filesystem::create_symlink("/dev/zero", home_ / ".dropbox/info.json");
+    const detail::UserFolders folders = find({});
+    EXPECT_EQ(folders.desktop, inHome("Desktop"));
+    EXPECT_EQ(folders.dropbox, std::vector<String>{inHome("Dropbox")});
 }
 
 TEST_F(StandardFolders, DropboxTellsWhereItIs) {

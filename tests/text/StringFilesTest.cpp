@@ -1,10 +1,13 @@
 #include <velmocore/text/StringFiles.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <csignal>
 #include <filesystem>
 
 #include "TestSupport.h"
+#include "platform/Files.h"
 
 namespace velmo {
 namespace {
@@ -90,6 +93,8 @@ TEST_F(StringFiles, WritersChooseTheirEncoding) {
         {u"caf\u00E9 \u20AC", UTF8StringEncoding},
         {u"\u3042\u3042\u3042\u3042", UTF16StringEncoding},
         {u"\U0001F600", UTF8StringEncoding},
+        // Half a pair is in no other encoding.
+        {u"abcdefgh\xD800", UTF16StringEncoding},
     };
     for (const Case& c : cases) {
         StringEncoding used = 0;
@@ -98,6 +103,7 @@ TEST_F(StringFiles, WritersChooseTheirEncoding) {
         EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
         EXPECT_TRUE(writeToFileUsingFastestEncoding(c.text, path("s"), false, &used));
         EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
+        if (!dataUsingEncoding(c.text, UTF8StringEncoding)) continue;
         EXPECT_TRUE(writeToFileUsingDefaultEncoding(c.text, path("s"), true, &used));
         EXPECT_EQ(used, UTF8StringEncoding);
         EXPECT_EQ(bytes("s"), String(c.text).utf8());
@@ -119,14 +125,72 @@ TEST_F(StringFiles, FailedWritesLeaveTheFileAlone) {
 TEST_F(StringFiles, AtomicWritesKeepLinksAndPermissions) {
     written("target", "old");
     ::chmod((folder_ / "target").c_str(), 0640);
-    fs::create_symlink(folder_ / "target", folder_ / "link");
+    fs::create_symlink("target", folder_ / "hop");
+    fs::create_symlink(folder_ / "hop", folder_ / "link");
+    fs::create_symlink("missing", folder_ / "dangling");
+    fs::create_symlink("round", folder_ / "round");
     EXPECT_TRUE(writeToFile(u"new", path("link"), true, UTF8StringEncoding));
-    EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+    EXPECT_TRUE(writeToFile(u"made", path("dangling"), true, UTF8StringEncoding));
+    EXPECT_FALSE(writeToFile(u"no", path("round"), true, UTF8StringEncoding));
+    for (const char* link : {"link", "hop", "dangling", "round"})
+        EXPECT_TRUE(fs::is_symlink(folder_ / link)) << link;
     EXPECT_EQ(bytes("target"), "new");
+    EXPECT_EQ(bytes("missing"), "made");
     struct stat info;
     ASSERT_EQ(::stat((folder_ / "target").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0640u);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 2);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 6);
+}
+
+TEST_F(StringFiles, NamesAsLongAsTheFileSystemAllows) {
+    for (const std::size_t length : {240u, 255u, 256u}) {
+        const std::string name(length, 'n');
+        for (const bool atomically : {true, false}) {
+            EXPECT_EQ(writeToFile(u"a", path(name.c_str()), atomically, UTF8StringEncoding), length < 256);
+            std::error_code ignored;
+            fs::remove(folder_ / name, ignored);
+        }
+    }
+}
+
+TEST_F(StringFiles, NoPathIsCutAtANUL) {
+    const String cut = String(path("cut").view()), whole = std::u16string(cut.view()) + u'\0' + u"x";
+    written("cut", "old");
+    EXPECT_TRUE(stringWithContentsOfFile(whole, UTF8StringEncoding).isAbsent());
+    for (const bool atomically : {true, false})
+        EXPECT_FALSE(writeToFile(u"new", whole, atomically, UTF8StringEncoding));
+    EXPECT_EQ(bytes("cut"), "old");
+}
+
+TEST_F(StringFiles, WhatIsNoFileIsNotReplaced) {
+    ASSERT_EQ(::mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    for (const char* name : {"pipe", "."})
+        EXPECT_FALSE(writeToFile(u"a", path(name), true, UTF8StringEncoding)) << name;
+    EXPECT_TRUE(fs::is_fifo(folder_ / "pipe"));
+    EXPECT_FALSE(detail::readRegularFile((folder_ / "pipe").string(), 10));
+    EXPECT_FALSE(detail::readRegularFile("/dev/zero", 10));
+    const std::string file = folder_ / "file";
+    written("file", "0123456789");
+    EXPECT_TRUE(detail::readRegularFile(file, 10));
+    EXPECT_FALSE(detail::readRegularFile(file, 9));
+    EXPECT_FALSE(detail::readRegularFile("/proc/self/status", 9));  // of no size, it says
+}
+
+// A limit on the size of files stands for a disk that gets full.
+TEST_F(StringFiles, FullDisksAreNoticed) {
+    EXPECT_FALSE(writeToFile(u"a", u"/dev/full", false, UTF8StringEncoding));
+    written("old", "old");
+    rlimit limit;
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+    const auto former = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{8192, limit.rlim_max};
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const bool wasWritten = writeToFile(std::u16string(20000, u'x'), path("old"), true, UTF8StringEncoding);
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, former);
+    EXPECT_FALSE(wasWritten);
+    EXPECT_EQ(bytes("old"), "old");
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_), {}), 1);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ TEST(InvertedPaths, MapsURLs) {
     } cases[] = {
         {u"http://www.H.org", {}, u"/m/org/h/www/index.html"},
         {u"http://h.org/A/b.html", {}, u"/m/org/h/a/b.html"},
-        {u"http://h.org/A/b.html", {.caseInsensitive = false}, u"/m/org/h/A/b.html"},
+        {u"http://h.org/A/b.html", {.letterCase = Case::Sensitive}, u"/m/org/h/A/b.html"},
         {u"http://h.org/a", {}, u"/m/org/h/a/index.html"},
         {u"http://h.org/a/", {}, u"/m/org/h/a/index.html"},
         {u"http://h.org/a.d/", {}, u"/m/org/h/a.d/index.html"},
@@ -75,8 +75,10 @@ TEST(InvertedPaths, MapsURLsDirectly) {
         {u"http://h/", u"/m/h/index.html", u"/m/h", u"/m/h/index.html"},
         {u"http://h/a/B", u"/m/h/a/B/index.html", u"/m/h/a/B", u"/m/h/a-B"},
         {u"http://h/a/b.c;d/e?f/g:h", u"/m/h/a/b.c;d-e?f-g:h", u"/m/h/a/b.c;d-e?f-g:h", u"/m/h/a-b.c;d-e-f-g-h"},
-        {u"http://h/../../../a.b", u"/m/a.b", u"/m/a.b", u"/m/h/a.b"},
-        {u"http://../a.b", u"/m/a.b", u"/m/a.b", u"/m/a.b"},
+        {u"http://h/../../../a.b", u"/m/h/a.b", u"/m/h/a.b", u"/m/h/a.b"},
+        {u"http://h/a/../..", u"/m/h/index.html", u"/m/h", u"/m/h/a"},
+        {u"http://../a.b", u"/m/-/a.b", u"/m/-/a.b", u"/m/-/a.b"},
+        {u"x:/h/a.b", u"/m/-/h/a.b", u"/m/-/h/a.b", u"/m/-/h-a.b"},
         {u"file:///a/./b%20c", u"/m/a/b c", u"/m/a/b c", u"/m/a/b c"},
     };
     for (const auto& c : cases) {

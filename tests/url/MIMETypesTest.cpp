@@ -63,8 +63,11 @@ TEST(MIMETypes, FromExtensionsAndBack) {
     EXPECT_EQ(extensionForMIMEType(u"Text/HTML ; charset=utf-8"), u"html");
     EXPECT_EQ(extensionForMIMEType(u"image/pjpg"), u"jpg");
     EXPECT_EQ(extensionForMIMEType(u"image/pjpeg"), u"jpeg");
-    EXPECT_TRUE(extensionForMIMEType(u"image/PJPEG").isAbsent());
     EXPECT_TRUE(extensionForMIMEType({}).isAbsent());
+    EXPECT_EQ(extensionForMIMEType(u"text/xml"), u"xml");
+    EXPECT_EQ(extensionForMIMEType(u"image/X-Icon"), u"ico");
+    EXPECT_EQ(extensionForMIMEType(u"audio/mp3"), u"mp3");
+    EXPECT_EQ(extensionForMIMEType(u"application/javascript"), u"js");
 }
 
 TEST(MIMETypes, ReadsTheDatabase) {
@@ -80,11 +83,20 @@ TEST(MIMETypes, ReadsTheDatabase) {
     for (const auto& c : types) EXPECT_EQ(database.typeOf(c.extension), c.type) << c.extension;
     EXPECT_EQ(database.extensionOf("a/first"), "xyz");
     EXPECT_EQ(database.extensionOf("text/html"), "html");
+    const detail::MIMEDatabase named(
+        "50:x/doc.macroEnabled:*.docm\n60:text/x-python:*.wsgi\n60:text/x-python:*.py\n50:text/x-c++src:*.c++",
+        "a/other x/doc.macroEnabled\nA/Third text/html\ntext/x-c++src text/html\na/b no/such\n\n \na/c");
+    EXPECT_EQ(named.typeOf("docm"), "x/doc.macroEnabled");
+    const struct {
+        const char *type, *extension;
+    } extensions[] = {{"x/doc.macroenabled", "docm"}, {"a/other", "docm"},      {"a/third", "html"}, {"a/b", ""},
+                      {"text/x-python", "py"},        {"text/x-c++src", "cpp"}, {"a/c", ""},         {"", ""}};
+    for (const auto& c : extensions) EXPECT_EQ(named.extensionOf(c.type), c.extension) << c.type;
     const detail::MIMEDatabase ownOnly("");
-    std::set<std::string_view> extensions;
+    std::set<std::string_view> seen;
     for (const detail::MIMERow& row : detail::mimeRows()) {
         EXPECT_EQ(ownOnly.typeOf(row.extension), row.type);
-        EXPECT_TRUE(extensions.insert(row.extension).second) << row.extension;
+        EXPECT_TRUE(seen.insert(row.extension).second) << row.extension;
     }
 }
 

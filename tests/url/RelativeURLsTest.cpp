@@ -97,12 +97,10 @@ TEST(RelativeURLs, TakesPathsOnAFileBase) {
     const URL base = URL::URLWithString(u"file:///a/b%20c/d.html");
     const struct {
         const char16_t *link, *path;
-    } cases[] = {{u"e", u"/a/b c/e"},
-                 {u"../e/./f", u"/a/e/f"},
-                 {u"/e//f", u"/e/f"},
-                 {u"e#x", u"/a/b c/e#x"},
-                 {u"a%20b", u"/a/b c/a%20b"}};
+    } cases[] = {{u"e", u"/a/b c/e"},    {u"../e/./f", u"/a/e/f"}, {u"/e//f", u"/e/f"},        {u"e#x", u"/a/b c/e#x"},
+                 {u"../../../e", u"/e"}, {u"../../../..", u"/"},   {u"a%20b", u"/a/b c/a%20b"}};
     for (const auto& c : cases) EXPECT_EQ(URLRelativeTo(base, c.link).path(), c.path) << String(c.link);
+    EXPECT_EQ(URLRelativeTo(URL::URLWithString(u"file:a/b"), u"c").path(), u"/a/c");
     EXPECT_EQ(URLRelativeTo(base, u"~/e").path().utf8(), homeDirectory().utf8() + "/e");
     EXPECT_EQ(URLRelativeTo(base, u"http://h/e").absoluteString(), u"http://h/e");
 }

@@ -49,7 +49,7 @@ struct Reference {
         const std::string name = std::filesystem::path(trimmed.utf8()).filename().string();
         if (name.size() < 8) return false;
         const String units = String::fromUTF8(name);
-        return (name.size() >= 11 && has(units, u"counter") && containsSubstring(units, u"htm", false)) ||
+        return (name.size() >= 11 && has(units, u"counter") && containsSubstring(units, u"htm", Case::Insensitive)) ||
                hasPrefixNoCase(units, u"banner.");
     }
     bool isAdvertisement(const String& s, bool common) const {

@@ -12,13 +12,13 @@ namespace {
 using Units = std::u16string_view;
 using Rewriter = String (*)(const String&);
 
-struct Case {
+struct Sample {
     const char16_t *string, *expected;  ///< null: the string itself
 };
 
 template <std::size_t N>
-void check(Rewriter rewriter, const Case (&cases)[N]) {
-    for (const Case& c : cases) {
+void check(Rewriter rewriter, const Sample (&cases)[N]) {
+    for (const Sample& c : cases) {
         const String string(c.string), result = rewriter(string);
         EXPECT_EQ(result, c.expected ? c.expected : c.string) << string;
         EXPECT_EQ(result.isIdenticalTo(string), !c.expected) << string;

@@ -1,5 +1,6 @@
 #include <velmocore/url/URL.h>
 
+#include <boost/url/ipv6_address.hpp>
 #include <boost/url/parse.hpp>
 #include <boost/url/url_view.hpp>
 #include <filesystem>
@@ -273,6 +274,21 @@ TEST(URL, AgreesWithASecondReading) {
         }
     }
     EXPECT_GT(taken, 10000);
+}
+
+TEST(URL, AgreesOnAddresses) {
+    std::mt19937 random(11);
+    const char* pieces[] = {":", ":", ":", "::", "0", "aB", "1f:", "12345", "1.2.3.4", "255.", "256", "01", ".", "g"};
+    int taken = 0;
+    for (int round = 0; round < 200000; ++round) {
+        std::string address;
+        for (unsigned n = random() % 12; n > 0; --n) address += pieces[random() % std::size(pieces)];
+        for (unsigned n = random() % 9; n > 0; --n) address.insert(0, "ab:");
+        const bool isTaken = !URL::URLWithString(String::fromUTF8("http://[" + address + "]")).isAbsent();
+        ASSERT_EQ(isTaken, boost::urls::parse_ipv6_address(address).has_value()) << address;
+        taken += isTaken;
+    }
+    EXPECT_GT(taken, 1000);
 }
 
 // Whatever is resolved is a URL again, and resolving it once more changes nothing.

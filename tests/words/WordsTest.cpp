@@ -67,7 +67,7 @@ TEST(Words, Hyphenated) {
     };
     for (const auto& c : cases) {
         bool hyphenated = !c.expected;
-        wordsUsingSeparators(c.text, {.withSeparators = c.withSeparators, .minLen = c.minLen}, &hyphenated);
+        (void)wordsUsingSeparators(c.text, {.withSeparators = c.withSeparators, .minLen = c.minLen}, &hyphenated);
         EXPECT_EQ(hyphenated, c.expected) << c.text;
     }
 }

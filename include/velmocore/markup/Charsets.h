@@ -15,22 +15,22 @@ namespace velmo {
 
 /// UnknownTextEncoding for a name that is not known, and for one of less than three
 /// alphanumeric units.
-VELMO_API TextEncoding charset2CFStringEncoding(std::u16string_view name);
+[[nodiscard]] VELMO_API TextEncoding charset2CFStringEncoding(std::u16string_view name);
 
 /// UnknownStringEncoding for a name that is not known or whose encoding is not available.
 /// This is logged, except for an empty name, "auto", and names that begin with %, /, 0, < or
 /// >, which are left-overs of templates.
-VELMO_API StringEncoding charset2NSStringEncoding(std::u16string_view name);
+[[nodiscard]] VELMO_API StringEncoding charset2NSStringEncoding(std::u16string_view name);
 
-/// The encoding of a Mac script by what stands behind "mac" in a charset's name, in lower
+/// The encoding of a Mac script by what follows "mac" in a charset's name, in lower
 /// case; nothing is Mac Roman, 0.
-VELMO_API TextEncoding macEncoding(std::u16string_view rest);
+[[nodiscard]] VELMO_API TextEncoding macEncoding(std::u16string_view rest);
 
 // The same under the names they have on strings.
-inline TextEncoding CFEncodingFromName(std::u16string_view name) {
+[[nodiscard]] inline TextEncoding CFEncodingFromName(std::u16string_view name) {
     return charset2CFStringEncoding(name);
 }
-inline StringEncoding NSEncodingFromName(std::u16string_view name) {
+[[nodiscard]] inline StringEncoding NSEncodingFromName(std::u16string_view name) {
     return charset2NSStringEncoding(name);
 }
 

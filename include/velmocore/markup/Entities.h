@@ -34,26 +34,27 @@ VELMO_API std::size_t convertEntities2Characters(const char16_t* source, char16_
 
 /// The string itself if its length would not change, even with nonUmlauted, and if it has
 /// less than 4 units.
-VELMO_API String stringByConvertingEntitiesToCharacters(const String& string,
-                                                        EntityOptions options = {});
-VELMO_API String stringByConvertingEntitiesToCharactersNonUmlauted(const String& string,
-                                                                   bool nonUmlauted);
+[[nodiscard]] VELMO_API String stringByConvertingEntitiesToCharacters(const String& string,
+                                                                      EntityOptions options = {});
+[[nodiscard]] VELMO_API String
+stringByConvertingEntitiesToCharactersNonUmlauted(const String& string, bool nonUmlauted);
 
 /// Decodes in place the references &quot; &amp; &lt; &gt; &#34; &#38; &#60; and &#62; only, all
 /// with their semicolon. Gives the new length.
 VELMO_API std::size_t convertStdEntities2Characters(char16_t* characters, std::size_t length);
 /// The string itself if nothing changes, and if it has less than 4 units.
-VELMO_API String stringByConvertingStandardEntitiesToCharacters(const String& string);
+[[nodiscard]] VELMO_API String stringByConvertingStandardEntitiesToCharacters(const String& string);
 
 /// Every unit above 127 as a reference, by name where there is one, else by number; each half
 /// of a surrogate pair by itself. ASCII stays as it is, < and & included.
-VELMO_API String stringByConvertingCharactersToEntities(const String& string);
+[[nodiscard]] VELMO_API String stringByConvertingCharactersToEntities(const String& string);
 
 /// Two tasks: with highOnly every unit above 127 as a reference by number, else the units ",
 /// &, < and > as references by name. The string itself if nothing changes.
-VELMO_API String stringByConvertingCharactersToEntities(const String& string, bool highOnly);
-VELMO_API String stringByConvertingHighCharactersToEntities(const String& string);
-VELMO_API String stringByConvertingCharactersToStandardEntities(const String& string);
+[[nodiscard]] VELMO_API String stringByConvertingCharactersToEntities(const String& string,
+                                                                      bool highOnly);
+[[nodiscard]] VELMO_API String stringByConvertingHighCharactersToEntities(const String& string);
+[[nodiscard]] VELMO_API String stringByConvertingCharactersToStandardEntities(const String& string);
 
 /// Makes ready what the decoder needs; otherwise its first use does.
 VELMO_API void initConversionTables();

@@ -14,26 +14,26 @@ namespace velmo {
 //     isMarkupFile(u"index.xhtml");   // true
 
 /// The extensions of pages, in both cases each.
-VELMO_API std::vector<String> HTMLFileTypes();
+[[nodiscard]] VELMO_API std::vector<String> HTMLFileTypes();
 /// The extensions under the user-default key "AdditionalXMLExtensions", kept for the life
 /// of the process once there are any.
-VELMO_API std::vector<String> CustomXMLFileTypes();
-/// The extensions of XML files; then each custom one as it stands and in capitals.
-VELMO_API std::vector<String> XMLFileTypes();
-VELMO_API std::vector<String> PropertyListFileTypes();
+[[nodiscard]] VELMO_API std::vector<String> CustomXMLFileTypes();
+/// The extensions of XML files; then each custom one as it stands and in upper case.
+[[nodiscard]] VELMO_API std::vector<String> XMLFileTypes();
+[[nodiscard]] VELMO_API std::vector<String> PropertyListFileTypes();
 /// XMLFileTypes(), then HTMLFileTypes(), then PropertyListFileTypes().
-VELMO_API std::vector<String> MarkupFileTypes();
+[[nodiscard]] VELMO_API std::vector<String> MarkupFileTypes();
 
 /// Up to the first ? of the extension, without regard to case.
-VELMO_API bool isHTMLExtension(std::u16string_view extension);
-VELMO_API bool isXMLExtension(std::u16string_view extension);
-VELMO_API bool isPropertyListExtension(std::u16string_view extension);
-VELMO_API bool isMarkupExtension(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isHTMLExtension(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isXMLExtension(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isPropertyListExtension(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isMarkupExtension(std::u16string_view extension);
 
 // The same tests on the extension of a path.
-VELMO_API bool isHTMLFile(std::u16string_view path);
-VELMO_API bool isXMLFile(std::u16string_view path);
-VELMO_API bool isPropertyListFile(std::u16string_view path);
-VELMO_API bool isMarkupFile(std::u16string_view path);
+[[nodiscard]] VELMO_API bool isHTMLFile(std::u16string_view path);
+[[nodiscard]] VELMO_API bool isXMLFile(std::u16string_view path);
+[[nodiscard]] VELMO_API bool isPropertyListFile(std::u16string_view path);
+[[nodiscard]] VELMO_API bool isMarkupFile(std::u16string_view path);
 
 }  // namespace velmo

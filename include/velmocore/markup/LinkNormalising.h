@@ -12,24 +12,24 @@ namespace velmo {
 //     normalizedStringURL(u" a&amp;b\n%20");   // a&b
 //     normalizedRelLink(u"a.ico");             // /a.ico
 
-/// A reference without the line ends, tabs, blanks, quotes and trailing escapes that pages
-/// leave around it: feeds and tabs go everywhere, white space and pairs of " at the ends.
+/// A reference without the line ends, tabs, spaces, quotes and trailing escapes that pages
+/// leave around it: feeds and tabs are removed everywhere, white space and pairs of " at the ends.
 /// Numeric and standard entities are decoded, \ becomes / unless there is a query, and
 /// quotes escaped for a script are undone. Absent if nothing is left. The result is never
 /// longer than the value.
-/// @param decodePercentEscapes  whether convertPercentEscapesOfURL() runs too, in its standard
-///                              mode
-VELMO_API String normalizedStringURL(std::u16string_view value, bool decodePercentEscapes = false);
+/// @param decodePercentEscapes  whether the standard mode of convertPercentEscapesOfURL() runs too
+[[nodiscard]] VELMO_API String normalizedStringURL(std::u16string_view value,
+                                                   bool decodePercentEscapes = false);
 
 /// The same for the reference of a link tag, which counts from the root: a / is put in front
 /// unless it begins with . or / or holds "://".
-VELMO_API String normalizedRelLink(std::u16string_view value);
+[[nodiscard]] VELMO_API String normalizedRelLink(std::u16string_view value);
 
 /// Entities decoded, and white space cut at both ends.
-VELMO_API String normalizedHtmlString(const String& string);
+[[nodiscard]] VELMO_API String normalizedHtmlString(const String& string);
 
 /// The seconds that a value like "7 days" stands for: its number times what "hour", "day" or
 /// "week" says, else the number itself. 0 if it does not begin with a number above 0.
-VELMO_API double revisitAfter(std::u16string_view value);
+[[nodiscard]] VELMO_API double revisitAfter(std::u16string_view value);
 
 }  // namespace velmo

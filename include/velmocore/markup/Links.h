@@ -33,24 +33,30 @@ struct LinkOptions {
 /// The references of the a and area tags of a page. If the text of links is asked for, only a
 /// tags that are closed count.
 ///
-///     const HtmlLinks found = htmlLinks(page);
-///     for (const String& link : found.links) URL::URLWithString(link, found.baseURL);
+///     const HtmlLinks found = htmlLinks(u"<base href='http://h.org/'><a href=' a.html'>A</a>");
+///     URL::URLWithString(found.links[0], found.baseURL);   // http://h.org/a.html
 ///
 /// Time is linear in the page. Any thread.
-VELMO_API HtmlLinks htmlLinks(std::u16string_view page, const LinkOptions& options = {});
+[[nodiscard]] VELMO_API HtmlLinks htmlLinks(std::u16string_view page,
+                                            const LinkOptions& options = {});
 
-inline HtmlLinks htmlLinksBaseURL(std::u16string_view page) { return htmlLinks(page); }
-inline HtmlLinks htmlLinksContaining(std::u16string_view page, std::u16string_view text,
-                                     bool useRelNoFollow) {
+[[nodiscard]] inline HtmlLinks htmlLinksBaseURL(std::u16string_view page) {
+    return htmlLinks(page);
+}
+[[nodiscard]] inline HtmlLinks htmlLinksContaining(std::u16string_view page,
+                                                   std::u16string_view text, bool useRelNoFollow) {
     return htmlLinks(page, {.containing = text, .useRelNoFollow = useRelNoFollow});
 }
 
 // These filter nothing, whatever their names say: they give what the forms above give. To
 // filter, set the option.
 
-inline HtmlLinks filteredHtmlLinksBaseURL(std::u16string_view page) { return htmlLinks(page); }
-inline HtmlLinks filteredHtmlLinksContaining(std::u16string_view page, std::u16string_view text,
-                                             bool useRelNoFollow) {
+[[nodiscard]] inline HtmlLinks filteredHtmlLinksBaseURL(std::u16string_view page) {
+    return htmlLinks(page);
+}
+[[nodiscard]] inline HtmlLinks filteredHtmlLinksContaining(std::u16string_view page,
+                                                           std::u16string_view text,
+                                                           bool useRelNoFollow) {
     return htmlLinksContaining(page, text, useRelNoFollow);
 }
 

@@ -18,23 +18,23 @@ namespace velmo {
 //     markupCharset(u"<meta charset='koi8-r'>");   // koi8-r
 
 /// Empty if there is none.
-VELMO_API String markupCharset(std::u16string_view page);
+[[nodiscard]] VELMO_API String markupCharset(std::u16string_view page);
 /// The whole tag that names it.
-VELMO_API Range markupCharsetRange(std::u16string_view page);
+[[nodiscard]] VELMO_API Range markupCharsetRange(std::u16string_view page);
 
 /// The encoding of markupCharset(), or of the charset in a Content-Type value;
 /// UnknownStringEncoding if there is none or its name is not known, which is logged.
-VELMO_API StringEncoding markupEncoding(std::u16string_view page);
-VELMO_API StringEncoding headerEncoding(std::u16string_view contentType);
+[[nodiscard]] VELMO_API StringEncoding markupEncoding(std::u16string_view page);
+[[nodiscard]] VELMO_API StringEncoding headerEncoding(std::u16string_view contentType);
 
 /// The encoding for percent escapes in the page's URLs: Latin 1 for a page in it, else UTF-8.
-VELMO_API StringEncoding defaultURLEncoding(std::u16string_view page);
+[[nodiscard]] VELMO_API StringEncoding defaultURLEncoding(std::u16string_view page);
 
 /// The page's bytes in the encoding that it names. If it names none that is known, in ASCII,
 /// with all other units as references. Absent if the encoding does not have all characters
 /// of the page; no bytes for an empty or absent page.
 /// @param usedEncoding  if given, the encoding of the bytes; ASCIIStringEncoding for no bytes
-VELMO_API std::optional<Data> markupData(const String& page,
-                                         StringEncoding* usedEncoding = nullptr);
+[[nodiscard]] VELMO_API std::optional<Data> markupData(const String& page,
+                                                       StringEncoding* usedEncoding = nullptr);
 
 }  // namespace velmo

@@ -14,8 +14,10 @@ namespace velmo {
 // units U+FFFD decides between two readings, find the encoding. Nothing fails for bad bytes;
 // the text has at most as many units as there are bytes, or 32. Any thread.
 //
-//     const String page = stringWithMarkupData(bytes, {.contentType = u"text/html;
-//     charset=utf-8"});
+//     const std::string bytes = "<meta charset=koi8-r><p>\xC4\xC1";
+//     const MarkupDecoding page = decodeMarkup(bytes, {.contentType = u"text/html"});
+//     page.declared;                  // koi8-r
+//     page.text.view().substr(24);    // \u0434\u0430
 
 /// What is known of a page besides its bytes.
 struct MarkupDecodingOptions {
@@ -37,16 +39,18 @@ struct MarkupDecoding {
     String declared = String::empty();
 };
 
-VELMO_API MarkupDecoding decodeMarkup(Bytes data, const MarkupDecodingOptions& options = {});
+[[nodiscard]] VELMO_API MarkupDecoding decodeMarkup(Bytes data,
+                                                    const MarkupDecodingOptions& options = {});
 
 /// The text only.
-VELMO_API String stringWithMarkupData(Bytes data, const MarkupDecodingOptions& options = {});
+[[nodiscard]] VELMO_API String stringWithMarkupData(Bytes data,
+                                                    const MarkupDecodingOptions& options = {});
 
-/// Reads and decodes a file, for which the charset that the page names goes for more than it
-/// does for a page from the web. A property list, binary or by its name, is given in its XML
+/// Reads and decodes a file, for which the charset that the page names counts for more than
+/// it does for a page from the web. A property list, binary or by its name, is given in its XML
 /// form; the encoding is then unknown. Absent for a file that cannot be read or gives no text.
 /// @param usedEncoding  if given, the encoding that the page was taken to have
-VELMO_API String stringWithMarkupContentsOfFile(const String& path, StringEncoding defaultEncoding,
-                                                StringEncoding* usedEncoding = nullptr);
+[[nodiscard]] VELMO_API String stringWithMarkupContentsOfFile(
+    const String& path, StringEncoding defaultEncoding, StringEncoding* usedEncoding = nullptr);
 
 }  // namespace velmo

@@ -13,7 +13,7 @@ namespace velmo {
 // What a page points at and is made of. References are normalised but not resolved. Any
 // thread.
 //
-//     for (const String& image : htmlImages(page)) URL::URLWithString(image, base);
+//     *htmlImages(u"<img src='a.png'><img src=' a.png'>").begin();    // a.png
 
 /// What one pass over a page tells.
 struct HtmlReferences {
@@ -33,26 +33,33 @@ struct HtmlReferences {
 };
 
 /// The sources of frame and iframe tags, and the rest of HtmlReferences.
-VELMO_API HtmlReferences htmlFrames(std::u16string_view page);
+[[nodiscard]] VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page);
+[[nodiscard]] inline HtmlReferences htmlFramesBaseURL(std::u16string_view page) {
+    return htmlFramesSet(page);
+}
 /// These and the references of a and area tags.
-VELMO_API HtmlReferences htmlLinksAndFrames(std::u16string_view page);
+[[nodiscard]] VELMO_API HtmlReferences htmlLinksAndFramesSet(std::u16string_view page);
+[[nodiscard]] inline HtmlReferences htmlLinksAndFramesBaseURL(std::u16string_view page) {
+    return htmlLinksAndFramesSet(page);
+}
 
 /// Images, the background of the body, and icons.
-VELMO_API std::set<String> htmlImages(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlImages(std::u16string_view page);
 /// Sources of scripts, linked sheets, and the first import of each script or style element
-/// without a source.
-VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
+/// without a source. The SRC of a script is read from its opening tag only: the element comes
+/// with its body, and what a program says there of sources is no attribute.
+[[nodiscard]] VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
 /// Objects, embedded content, audio, video, their sources and tracks.
-VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);
 
 /// The reference of the first shortcut icon, from the root of the site; absent if there is
 /// none. A plain icon does not count.
-VELMO_API String htmlFavIcon(std::u16string_view page);
+[[nodiscard]] VELMO_API String htmlFavIcon(std::u16string_view page);
 /// The same of one tag of a scan.
-VELMO_API String getFavIcon(const Tag& tag);
+[[nodiscard]] VELMO_API String getFavIcon(const Tag& tag);
 
 /// The attribute that holds the reference of a tag of that name: "HREF", "SRC" or "DATA";
 /// empty if it has none. Names are compared in any case.
-VELMO_API std::string_view getLinkAttribute(std::u16string_view name);
+[[nodiscard]] VELMO_API std::string_view getLinkAttribute(std::u16string_view name);
 
 }  // namespace velmo

@@ -18,23 +18,37 @@ struct PlainTextOptions {
 };
 
 // The text of a page, for indexing, word counts and previews. Tags become line breaks,
-// paragraph breaks (two LF), blanks or nothing; hidden elements, scripts, forms' contents
+// paragraph breaks (two LF), spaces or nothing; hidden elements, scripts, forms' contents
 // and the alternatives of frames are left out.
 //
 // A page without anything to convert comes back as it is, as does an empty or absent one.
 // Time is linear in the page; no operation fails. Any thread.
 //
 //     stringByConvertingHtml2PlainText(u"<p>a &amp; b</p><p>c");   // "a & b\n\nc"
-//     stringByConvertingHtml2PlainText(page, {.onlyBody = true, .removeJunk = true});
+//     stringByConvertingHtml2PlainText(u"x<body>a</body>y", {.onlyBody = true});    // a
 
 /// @param didRemoveJunk  if given, tells whether junk was met and, with removeJunk, dropped
-VELMO_API String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options = {},
-                                                  bool* didRemoveJunk = nullptr);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2PlainText(const String& page,
+                                                                PlainTextOptions options = {},
+                                                                bool* didRemoveJunk = nullptr);
+
+// The same under the names that tell the first of the options.
+
+[[nodiscard]] inline String stringByConvertingHtml2PlainTextNonUmlauted(
+    const String& page, bool nonUmlauted, PlainTextOptions options = {}) {
+    options.nonUmlauted = nonUmlauted;
+    return stringByConvertingHtml2PlainText(page, options);
+}
+[[nodiscard]] inline String stringByConvertingHtml2PlainTextEntities(
+    const String& page, bool entities, PlainTextOptions options = {}) {
+    options.entities = entities;
+    return stringByConvertingHtml2PlainText(page, options);
+}
 
 /// With reformat.
-VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
 
-/// The bare text of the body, each span behind a blank, without any structure.
-VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
+/// The bare text of the body, each span after a space, without any structure.
+[[nodiscard]] VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
 
 }  // namespace velmo

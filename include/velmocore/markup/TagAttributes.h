@@ -10,28 +10,32 @@
 namespace velmo {
 
 // Attributes of one tag. The tag is its whole text, angle brackets included. Names are
-// given in capitals and compared without regard to case. Entities are not decoded. An
+// given in upper case and compared without regard to case. Entities are not decoded. An
 // attribute that is missing, empty or broken is absent.
 //
 //     attributeOfTagCharacters(u"<a href='x' id=y>", "HREF");   // x
 
 /// The value of an attribute.
-VELMO_API String attributeOfTagCharacters(std::u16string_view tag, std::string_view name);
+[[nodiscard]] VELMO_API String attributeOfTagCharacters(std::u16string_view tag,
+                                                        std::string_view name);
 /// The value of "CONTENT"; markup inside a quoted value is tolerated, as meta tags need.
-VELMO_API String contentAttributeOfTagCharacters(std::u16string_view tag);
+[[nodiscard]] VELMO_API String contentAttributeOfTagCharacters(std::u16string_view tag);
 /// Where the value stands, counted from the start of the view; makes no string.
-VELMO_API Range rangeOfAttributeOfTagCharacters(std::u16string_view tag, std::string_view name);
+[[nodiscard]] VELMO_API Range rangeOfAttributeOfTagCharacters(std::u16string_view tag,
+                                                              std::string_view name);
 /// The same for "CONTENT", with the tolerance told above.
-VELMO_API Range rangeOfContentAttributeOfTagCharacters(std::u16string_view tag);
+[[nodiscard]] VELMO_API Range rangeOfContentAttributeOfTagCharacters(std::u16string_view tag);
 
 // The same task with the rules for strings: a preceding underscore does not reject a
 // name, repeated = units are not skipped.
 
-VELMO_API String attributeOfTagWithName(std::u16string_view tag, std::u16string_view name);
+[[nodiscard]] VELMO_API String attributeOfTagWithName(std::u16string_view tag,
+                                                      std::u16string_view name);
 /// Reads a style declaration list, as "width: 3px; height: 4px".
-VELMO_API String attributeOfStyleWithName(std::u16string_view style, std::u16string_view name);
+[[nodiscard]] VELMO_API String attributeOfStyleWithName(std::u16string_view style,
+                                                        std::u16string_view name);
 
-// NAME=value in a header line. The name is given in capitals and matches at the end of a
+// NAME=value in a header line. The name is given in upper case and matches at the end of a
 // longer word too.
 
 struct HeaderFieldOptions {
@@ -39,16 +43,18 @@ struct HeaderFieldOptions {
     char16_t separator = u';';  ///< 0 lets a value run to the end
 };
 /// Absent for an empty name.
-VELMO_API String headerFieldNamed(std::u16string_view header, std::u16string_view name,
-                                  HeaderFieldOptions options = {});
+[[nodiscard]] VELMO_API String headerFieldNamed(std::u16string_view header,
+                                                std::u16string_view name,
+                                                HeaderFieldOptions options = {});
 /// With quotation " and separator ,.
-VELMO_API String HTTPHeaderFieldNamed(std::u16string_view header, std::u16string_view name);
+[[nodiscard]] VELMO_API String HTTPHeaderFieldNamed(std::u16string_view header,
+                                                    std::u16string_view name);
 /// The charset of a Content-Type value.
-VELMO_API String headerCharset(std::u16string_view contentType);
+[[nodiscard]] VELMO_API String headerCharset(std::u16string_view contentType);
 /// The URL of a refresh value.
-VELMO_API String headerRefresh(std::u16string_view refresh);
+[[nodiscard]] VELMO_API String headerRefresh(std::u16string_view refresh);
 /// The leading integer of a refresh value, in seconds.
-VELMO_API std::int64_t refreshInterval(std::u16string_view refresh);
+[[nodiscard]] VELMO_API std::int64_t refreshInterval(std::u16string_view refresh);
 
 /// Width and height of a tag, in pixels as a rule.
 struct TagSize {
@@ -58,9 +64,9 @@ struct TagSize {
     explicit operator bool() const { return width > 0; }
 };
 /// From "WIDTH" and "HEIGHT", else from the tag's style.
-VELMO_API TagSize getTagWidthHeight(std::u16string_view tag);
+[[nodiscard]] VELMO_API TagSize getTagWidth(std::u16string_view tag);
 
 /// The URL of a background image that does not repeat, named in the tag's style.
-VELMO_API String backgroundStyleURLOfTagCharacters(std::u16string_view tag);
+[[nodiscard]] VELMO_API String backgroundStyleURLOfTagCharacters(std::u16string_view tag);
 
 }  // namespace velmo

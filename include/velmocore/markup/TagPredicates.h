@@ -12,16 +12,16 @@ namespace velmo {
 //     isTagClosed(u"</p>");   // true
 
 /// At least three units, and the second is not a /.
-VELMO_API bool isTagOpen(std::u16string_view tag) noexcept;
+[[nodiscard]] VELMO_API bool isTagOpen(std::u16string_view tag) noexcept;
 /// At least four units, and the second or the last but one is a /.
-VELMO_API bool isTagClosed(std::u16string_view tag) noexcept;
+[[nodiscard]] VELMO_API bool isTagClosed(std::u16string_view tag) noexcept;
 /// A declaration, as <![CDATA[ ]]>: at least seven units that begin with <![.
-VELMO_API bool isMetaTag(std::u16string_view tag) noexcept;
+[[nodiscard]] VELMO_API bool isMetaTag(std::u16string_view tag) noexcept;
 /// A comment: at least seven units that begin with <!-.
-VELMO_API bool isRemarkTag(std::u16string_view tag) noexcept;
+[[nodiscard]] VELMO_API bool isRemarkTag(std::u16string_view tag) noexcept;
 
 /// Whether a text is an HTML page: it begins with < and ends with >, white space around
 /// it aside, and holds a doctype, an html or a title tag.
-VELMO_API bool isHTML(std::u16string_view text);
+[[nodiscard]] VELMO_API bool isHTML(std::u16string_view text);
 
 }  // namespace velmo

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -13,7 +14,7 @@ namespace velmo {
 
 /// What a call of a tag handler reports.
 enum class TagKind : std::uint8_t {
-    End = 0,          ///< the final call, behind the last unit
+    End = 0,          ///< the final call, after the last unit
     Element = 1,      ///< every tag; also closing tags, <?xml ...?> and <!DOCTYPE ...>
     Comment = 2,      ///< <!- and <!--
     Declaration = 3,  ///< <![, so CDATA sections and conditional declarations alike
@@ -21,36 +22,42 @@ enum class TagKind : std::uint8_t {
 
 /// One call of a tag handler. All locations and lengths count UTF-16 units of characters.
 struct Tag {
-    std::u16string_view characters;         ///< all units of the scanned text
-    std::uint64_t nameLocation = NotFound;  ///< NotFound where the tag has no name
-    std::uint64_t nameLength = 0;
-    std::uint64_t tagLocation = 0;   ///< of the opening <; the text's length on the final call
-    std::uint64_t tagLength = 0;     ///< with both angle brackets; see whole()
-    std::uint64_t textLocation = 0;  ///< one past the end of the tag before
+    std::u16string_view characters;       ///< all units of the scanned text
+    std::size_t nameLocation = NotFound;  ///< NotFound where the tag has no name
+    std::size_t nameLength = 0;
+    std::size_t tagLocation = 0;   ///< of the opening <; the text's length on the final call
+    std::size_t tagLength = 0;     ///< with both angle brackets; see whole()
+    std::size_t textLocation = 0;  ///< one past the end of the tag before
     TagKind kind = TagKind::End;
 
     /// The name as it stands, without regard to case; a closing tag's is the same as
     /// its opening one's. Empty where there is none.
-    std::u16string_view name() const {
+    [[nodiscard]] std::u16string_view name() const {
         return nameLength ? characters.substr(nameLocation, nameLength) : std::u16string_view();
+    }
+    /// Whether the tag has that name, an ASCII one, in any case.
+    [[nodiscard]] bool isNamed(std::string_view ascii) const {
+        return nameLength == ascii.size() && hasNameUnits(ascii);
     }
     /// The tag from < to >, cut at the end of the text: a script that is never closed
     /// has a tagLength that reaches one unit too far.
-    std::u16string_view whole() const {
-        return characters.substr(std::min<std::uint64_t>(tagLocation, characters.size()),
-                                 tagLength);
+    [[nodiscard]] std::u16string_view whole() const {
+        return characters.substr(std::min<std::size_t>(tagLocation, characters.size()), tagLength);
     }
-    bool hasText() const { return tagLocation > textLocation; }
+    [[nodiscard]] bool hasText() const { return tagLocation > textLocation; }
     /// The text between the tag before and this one.
-    std::u16string_view text() const {
+    [[nodiscard]] std::u16string_view text() const {
         return hasText() ? characters.substr(textLocation, tagLocation - textLocation)
                          : std::u16string_view();
     }
-    /// Whether a / stands behind the <.
-    bool isClosing() const {
+    /// Whether a / stands after the <.
+    [[nodiscard]] bool isClosing() const {
         return tagLength > 1 && tagLocation + 1 < characters.size() &&
                characters[tagLocation + 1] == u'/';
     }
+
+private:
+    VELMO_API bool hasNameUnits(std::string_view ascii) const;
 };
 
 /// Called for each tag; true stops the scan at once.
@@ -64,23 +71,25 @@ using TagHandler = FunctionRef<bool(const Tag&)>;
 /// handler stopped the scan. An exception out of the handler passes through.
 ///
 ///     std::size_t images = 0;
-///     GetTagsOfString(page, [&](const Tag& tag) {
-///         images += tag.name() == u"img";
+///     GetTagsOfString(u"<p>a <IMG src=b>", [&](const Tag& tag) {
+///         images += tag.isNamed("IMG");
 ///         return false;
 ///     });
+///     images;   // 1
 ///
-/// Time is linear in the text. Any thread may scan; all state is on the stack.
+/// Time is linear in the text. Any thread may scan; all state is on the stack. Nothing is cut
+/// short for want of memory: here and in all that reads pages, std::bad_alloc passes through.
 VELMO_API bool GetTagsOfString(std::u16string_view string, TagHandler handler);
 
 /// The same under a guard: an exception out of the handler is logged and the result is
-/// false. Running out of memory is logged too.
+/// false. Only std::bad_alloc passes through, since a text that is cut is none.
 VELMO_API bool parseXmlWithHandler(std::u16string_view string, TagHandler handler);
 
-/// The string with every unit below 32 but tab, LF and CR replaced by a blank; the
+/// The string with every unit below 32 but tab, LF and CR replaced by a space; the
 /// string itself if there is none.
-VELMO_API String fixedXml(const String& string);
+[[nodiscard]] VELMO_API String fixedXml(const String& string);
 
 /// The string itself: its units are always directly addressable.
-inline String optimizedXml(const String& string) { return string; }
+[[nodiscard]] inline String optimizedXml(const String& string) { return string; }
 
 }  // namespace velmo

@@ -1,25 +1,72 @@
 #pragma once
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
+#include <ranges>
 #include <span>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
-namespace velmo {
+#include <velmocore/platform/Export.h>
 
-/// Bytes that are read: a view, which owns nothing.
-using Bytes = std::span<const std::uint8_t>;
+namespace velmo {
 
 /// Bytes that are owned.
 using Data = std::vector<std::uint8_t>;
 
-/// The bytes of an 8-bit text, without a copy. The text must outlive the view.
-inline Bytes bytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
+namespace detail {
+
+template <class Unit>
+concept EightBitUnit = std::same_as<Unit, std::uint8_t> || std::same_as<Unit, char> ||
+    std::same_as<Unit, char8_t> || std::same_as<Unit, std::byte>;
+
+// An array of char is a literal and ends at its zero, so it is not one of these.
+template <class Range>
+concept ByteRange =
+    std::ranges::contiguous_range<const Range> && std::ranges::sized_range<const Range> &&
+    EightBitUnit<std::ranges::range_value_t<Range>> && !std::is_array_v<Range>;
+
+}  // namespace detail
+
+/// Bytes that are read: a view, which owns nothing. It is made from anything that holds bytes
+/// in one piece - strings, string views, vectors and arrays of std::uint8_t, char or std::byte -
+/// and must not outlive it. An absent or default-made one has no bytes and a null data().
+///
+///     md5OfData("abc");                                  // the three bytes of a literal
+///     stringWithMarkupData(std::string(begin, end));     // the bytes of a string
+class Bytes : public std::span<const std::uint8_t> {
+    using Span = std::span<const std::uint8_t>;
+
+public:
+    constexpr Bytes() noexcept = default;
+    constexpr Bytes(Span bytes) noexcept : Span(bytes) {}
+    constexpr Bytes(const std::uint8_t* bytes, std::size_t count) noexcept : Span(bytes, count) {}
+    template <std::contiguous_iterator First, std::sized_sentinel_for<First> Last>
+    requires std::same_as<std::iter_value_t<First>, std::uint8_t>
+    constexpr Bytes(First first, Last last) noexcept : Span(first, last) {}
+    template <std::size_t Count>
+    constexpr Bytes(const std::uint8_t (&bytes VELMO_LIFETIME)[Count]) noexcept
+        : Span(bytes, Count) {}
+
+    /// The bytes before the terminating zero; null has none.
+    Bytes(const char* text) : Bytes(text ? std::string_view(text) : std::string_view()) {}
+
+    template <detail::ByteRange Range>
+    requires(!std::derived_from<Range, Span>) Bytes(const Range& range VELMO_LIFETIME)
+    noexcept
+        : Span(reinterpret_cast<const std::uint8_t*>(std::ranges::data(range)),
+               std::ranges::size(range)) {}
+
+    [[nodiscard]] Bytes subspan(std::size_t from, std::size_t count = std::dynamic_extent) const {
+        return Span::subspan(from, count);
+    }
+};
 
 /// The same bytes as an 8-bit text, without a copy.
-inline std::string_view charsOf(Bytes bytes) {
+[[nodiscard]] inline std::string_view charsOf(Bytes bytes) noexcept {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 

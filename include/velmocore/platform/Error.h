@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
+#include <string>
 
 #include <velmocore/platform/String.h>
 
@@ -13,5 +15,9 @@ struct Error {
     std::int64_t code = 0;  ///< a number within the domain; errno for u"posix"
     String text;            ///< for people
 };
+
+/// An error for people, as "posix 2: No such file or directory".
+[[nodiscard]] VELMO_API std::string printed(const Error& error);
+VELMO_API std::ostream& operator<<(std::ostream& stream, const Error& error);
 
 }  // namespace velmo

@@ -1,6 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iosfwd>
+#include <string>
+
+#include <velmocore/platform/Export.h>
 
 namespace velmo {
 
@@ -17,10 +22,16 @@ struct Range {
     std::uint64_t location = 0;
     std::uint64_t length = 0;
 
-    static constexpr Range none() { return {NotFound, 0}; }
-    constexpr bool isFound() const { return location != NotFound; }
-    constexpr std::uint64_t end() const { return location + length; }
+    [[nodiscard]] static constexpr Range none() { return {NotFound, 0}; }
+    [[nodiscard]] constexpr bool isFound() const { return location != NotFound; }
+    [[nodiscard]] constexpr std::uint64_t end() const { return location + length; }
     friend constexpr bool operator==(const Range&, const Range&) = default;
 };
+
+static_assert(sizeof(std::size_t) == sizeof(std::uint64_t), "velmocore needs a 64-bit platform");
+
+/// A range for people, as "{6, 5}"; "{none}" if there is none.
+[[nodiscard]] VELMO_API std::string printed(const Range& range);
+VELMO_API std::ostream& operator<<(std::ostream& stream, const Range& range);
 
 }  // namespace velmo

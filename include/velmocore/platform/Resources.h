@@ -11,6 +11,6 @@ namespace velmo {
 /// the library, else, where nothing has been installed, that of the source tree.
 ///
 ///     LanguageFilter filter(velmoResourcesDirectory());
-VELMO_API std::string velmoResourcesDirectory();
+[[nodiscard]] VELMO_API std::string velmoResourcesDirectory();
 
 }  // namespace velmo

@@ -14,6 +14,17 @@
 
 namespace velmo {
 
+class String;
+
+namespace detail {
+
+/// UTF-16 text that is no String: a view, a literal, a std::u16string.
+template <class Text>
+concept Utf16Text =
+    std::convertible_to<const Text&, std::u16string_view> && !std::derived_from<Text, String>;
+
+}  // namespace detail
+
 /// An immutable text of UTF-16 units in one contiguous array.
 ///
 /// A String is one pointer wide. Copies share the array and keep its identity, which
@@ -53,39 +64,51 @@ public:
 
     /// Decodes UTF-8. Bytes that are not UTF-8 become U+FFFD, one for each maximal
     /// part of a broken sequence; nothing fails.
-    static String fromUTF8(std::string_view bytes);
+    [[nodiscard]] static String fromUTF8(std::string_view bytes);
 
     /// The shared constant empty string.
-    static const String& empty() noexcept;
+    [[nodiscard]] static const String& empty() noexcept;
 
     /// Encodes as UTF-8. A lone surrogate, which UTF-8 cannot hold, becomes U+FFFD.
-    std::string utf8() const;
+    [[nodiscard]] std::string utf8() const;
 
-    bool isAbsent() const noexcept { return rep_ == nullptr; }
+    [[nodiscard]] bool isAbsent() const noexcept { return rep_ == nullptr; }
     /// True for the absent string too.
-    bool isEmpty() const noexcept { return length() == 0; }
+    [[nodiscard]] bool isEmpty() const noexcept { return length() == 0; }
 
     /// Number of UTF-16 units; 0 if absent.
-    std::size_t length() const noexcept { return rep_ ? rep_->length : 0; }
+    [[nodiscard]] std::size_t length() const noexcept { return rep_ ? rep_->length : 0; }
+    [[nodiscard]] std::size_t size() const noexcept { return length(); }
     /// The units, not terminated; null if absent.
-    const char16_t* characters() const noexcept { return rep_ ? rep_->units() : nullptr; }
-    std::u16string_view view() const noexcept { return {characters(), length()}; }
-    operator std::u16string_view() const noexcept { return view(); }
+    [[nodiscard]] const char16_t* characters() const noexcept VELMO_LIFETIME {
+        return rep_ ? rep_->units() : nullptr;
+    }
+    [[nodiscard]] std::u16string_view view() const noexcept VELMO_LIFETIME {
+        return {characters(), length()};
+    }
+    operator std::u16string_view() const noexcept VELMO_LIFETIME { return view(); }
 
+    /// The unit at an index below the length.
     char16_t operator[](std::size_t index) const noexcept { return rep_->units()[index]; }
-    const char16_t* begin() const noexcept { return characters(); }
-    const char16_t* end() const noexcept { return characters() + length(); }
+    [[nodiscard]] const char16_t* begin() const noexcept VELMO_LIFETIME { return characters(); }
+    [[nodiscard]] const char16_t* end() const noexcept VELMO_LIFETIME {
+        return characters() + length();
+    }
 
     /// The units of a range, which is cut at the end of the string. The whole range
     /// gives this very string; an empty one the constant empty string; none, or one of
     /// the absent string, the absent string.
-    String substring(Range range) const;
+    [[nodiscard]] String substring(Range range) const;
 
     /// Whether both are the same string and not only equal ones. Two absent strings
     /// are identical.
-    bool isIdenticalTo(const String& other) const noexcept { return rep_ == other.rep_; }
+    [[nodiscard]] bool isIdenticalTo(const String& other) const noexcept {
+        return rep_ == other.rep_;
+    }
 
-    std::size_t hash() const noexcept { return std::hash<std::u16string_view>()(view()); }
+    [[nodiscard]] std::size_t hash() const noexcept {
+        return std::hash<std::u16string_view>()(view());
+    }
 
     friend bool operator==(const String& a, const String& b) noexcept {
         return a.rep_ == b.rep_ || (a.rep_ && b.rep_ && a.view() == b.view());
@@ -95,12 +118,26 @@ public:
         if (!a.rep_ || !b.rep_) return (a.rep_ != nullptr) <=> (b.rep_ != nullptr);
         return a.view() <=> b.view();
     }
-    /// An absent string equals no view.
-    template <class Units>
-    requires(std::convertible_to<const Units&, std::u16string_view> &&
-             !std::derived_from<Units, String>) friend bool
-    operator==(const String& a, const Units& b) noexcept {
+    /// An absent string equals no view, and comes before each.
+    template <detail::Utf16Text Text>
+    friend bool operator==(const String& a, const Text& b) noexcept {
         return a.rep_ && a.view() == std::u16string_view(b);
+    }
+    template <detail::Utf16Text Text>
+    friend std::strong_ordering operator<=>(const String& a, const Text& b) noexcept {
+        if (!a.rep_) return std::strong_ordering::less;
+        return a.view() <=> std::u16string_view(b);
+    }
+
+    /// One after the other. An absent string adds nothing; two absent ones give an absent one.
+    friend String operator+(const String& a, const String& b) { return joined(a.view(), b.view()); }
+    template <detail::Utf16Text Text>
+    friend String operator+(const String& a, const Text& b) {
+        return joined(a.view(), std::u16string_view(b));
+    }
+    template <detail::Utf16Text Text>
+    friend String operator+(const Text& a, const String& b) {
+        return joined(std::u16string_view(a), b.view());
     }
 
 private:
@@ -122,15 +159,18 @@ private:
         if (rep_ && __atomic_fetch_sub(&rep_->owners, 1, __ATOMIC_ACQ_REL) == 1) destroy(rep_);
     }
     static void destroy(Rep* rep) noexcept;
+    [[nodiscard]] static String joined(std::u16string_view first, std::u16string_view second);
 
     Rep* rep_ = nullptr;
 };
 
 /// Writes the string as UTF-8; an absent one writes nothing.
 VELMO_API std::ostream& operator<<(std::ostream& stream, const String& string);
+/// The same as a std::string, for formatting; see Format.h.
+[[nodiscard]] inline std::string printed(const String& string) { return string.utf8(); }
 
 /// Encodes UTF-16 units as UTF-8; a lone surrogate becomes U+FFFD.
-VELMO_API std::string utf8(std::u16string_view units);
+[[nodiscard]] VELMO_API std::string utf8(std::u16string_view units);
 
 /// Collects units in the very array of the string that finish() gives, so that a
 /// result is built without a second copy.
@@ -151,16 +191,20 @@ public:
     StringBuilder& operator=(const StringBuilder&) = delete;
     ~StringBuilder();
 
-    std::size_t length() const noexcept { return length_; }
-    bool isEmpty() const noexcept { return length_ == 0; }
-    char16_t* data() noexcept { return units_; }
-    char16_t* end() noexcept { return units_ + length_; }
-    std::u16string_view view() const noexcept { return {units_, length_}; }
-    char16_t back() const noexcept { return units_[length_ - 1]; }
+    [[nodiscard]] std::size_t length() const noexcept { return length_; }
+    [[nodiscard]] bool isEmpty() const noexcept { return length_ == 0; }
+    [[nodiscard]] char16_t* data() noexcept VELMO_LIFETIME { return units_; }
+    [[nodiscard]] char16_t* end() noexcept VELMO_LIFETIME { return units_ + length_; }
+    /// What has been written so far; good until more is.
+    [[nodiscard]] std::u16string_view view() const noexcept VELMO_LIFETIME {
+        return {units_, length_};
+    }
+    /// The last unit; there must be one.
+    [[nodiscard]] char16_t back() const noexcept { return units_[length_ - 1]; }
 
     /// Makes sure of room for count more units and gives the place to write them to;
     /// commit() then takes over as many of them as were written.
-    char16_t* prepare(std::size_t count) {
+    char16_t* prepare(std::size_t count) VELMO_LIFETIME {
         if (capacity_ - length_ < count) grow(count);
         return units_ + length_;
     }
@@ -170,20 +214,23 @@ public:
         *prepare(1) = unit;
         ++length_;
     }
+    /// The units may be a part of the builder's own view().
     void append(std::u16string_view units) {
+        if (capacity_ - length_ < units.size()) units = makeRoomFor(units);
         if (units.empty()) return;
-        std::char_traits<char16_t>::copy(prepare(units.size()), units.data(), units.size());
+        std::char_traits<char16_t>::copy(units_ + length_, units.data(), units.size());
         length_ += units.size();
     }
-    /// Drops what is behind the given length.
+    /// Drops what comes after the given length, which must not be above length().
     void truncate(std::size_t length) noexcept { length_ = length; }
 
     /// The string; the builder is empty again. Nothing written gives the constant
     /// empty string.
-    String finish();
+    [[nodiscard]] String finish();
 
 private:
     void grow(std::size_t count);
+    std::u16string_view makeRoomFor(std::u16string_view units);
 
     char16_t* units_ = nullptr;
     std::size_t length_ = 0;
@@ -196,3 +243,19 @@ template <>
 struct std::hash<velmo::String> {
     std::size_t operator()(const velmo::String& string) const noexcept { return string.hash(); }
 };
+
+namespace velmo {
+
+/// A hash for unordered containers that are searched by views as well, without making a
+/// string. Ordered ones take std::less<>.
+///
+///     std::unordered_map<String, int, StringHash, std::equal_to<>> counts;
+///     counts.find(std::u16string_view(u"tea"));
+struct StringHash {
+    using is_transparent = void;
+    std::size_t operator()(std::u16string_view units) const noexcept {
+        return std::hash<std::u16string_view>()(units);
+    }
+};
+
+}  // namespace velmo

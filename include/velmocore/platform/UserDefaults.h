@@ -22,6 +22,6 @@ using UserDefaultsHook = std::vector<String> (*)(std::u16string_view key);
 VELMO_API void setUserDefaultsHook(UserDefaultsHook hook) noexcept;
 
 /// The list of strings under a key, through the hook.
-VELMO_API std::vector<String> userDefaultStrings(std::u16string_view key);
+[[nodiscard]] VELMO_API std::vector<String> userDefaultStrings(std::u16string_view key);
 
 }  // namespace velmo

@@ -17,18 +17,17 @@ namespace velmo {
 ///     stringMatchesUnixWildcardFuzzy(u"abcd", u"abdc");            // 0.5
 ///
 /// Time is at most the product of the lengths. Up to 512 units nothing is allocated.
-VELMO_API double stringMatchesUnixWildcardFuzzy(std::u16string_view first,
-                                                std::u16string_view second);
+[[nodiscard]] VELMO_API double stringMatchesUnixWildcardFuzzy(std::u16string_view first,
+                                                              std::u16string_view second);
 /// The same with every unit of both sides through the table.
-VELMO_API double stringMatchesUnixWildcardFuzzyUsingUnicharTable(std::u16string_view first,
-                                                                 std::u16string_view second,
-                                                                 const ConversionTable& table);
+[[nodiscard]] VELMO_API double stringMatchesUnixWildcardFuzzyUsingUnicharTable(
+    std::u16string_view first, std::u16string_view second, const ConversionTable& table);
 
 /// The resemblance that fuzzy searches ask for, and also the least quotient of the lengths
 /// of two words that they compare at all: 0.75, unless it has been set. One value for the
 /// whole process; a search reads it once.
 VELMO_API extern std::atomic<double> MinWildcardFuzzyAnalogy;
-inline double minWildcardFuzzyAnalogy() noexcept {
+[[nodiscard]] inline double minWildcardFuzzyAnalogy() noexcept {
     return MinWildcardFuzzyAnalogy.load(std::memory_order_relaxed);
 }
 inline void setMinWildcardFuzzyAnalogy(double analogy) noexcept {

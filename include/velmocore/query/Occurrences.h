@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -31,31 +31,32 @@ namespace velmo {
 /// How a summary is made.
 struct AssemblyOptions {
     WildcardComparison comparison = WildcardComparison::Exact;
-    std::uint64_t minCharacters = 1;  ///< see FindWildcardOptions
-    bool paragraphs = false;          ///< whole lines instead of sentences
+    std::size_t minCharacters = 1;  ///< see FindWildcardOptions
+    bool paragraphs = false;        ///< whole lines instead of sentences
     /// Sentences of nothing but the hit, too.
     bool singleWords = false;
     /// No hit gives the absent string, and not the beginning of the text.
     bool onlyOccurrences = false;
     String separator = {};  ///< between excerpts; absent is a blank
     /// The length that a summary may have, without the "..." at its end; 0 is no limit.
-    std::uint64_t ellipsizeAfterNCharacters = 0;
+    std::size_t ellipsizeAfterNCharacters = 0;
 };
 
 /// The sentences or paragraphs with a hit, each once. One that does not fit is cut such that
 /// its hit can still be read. Where nothing is found, or no longer text is wanted than there
 /// is, it is the text, shortened by stringByEllipsizingAfterNCharacters(). Absent for an
 /// empty text.
-VELMO_API String assembleOccurrencesOfWildcards(const String& text,
-                                                std::span<const String> wildcards,
-                                                const AssemblyOptions& options = {});
-VELMO_API String assembleOccurrencesOfString(const String& text, std::u16string_view sought,
-                                             const AssemblyOptions& options = {});
+[[nodiscard]] VELMO_API String assembleOccurrencesOfWildcards(const String& text,
+                                                              std::span<const String> wildcards,
+                                                              const AssemblyOptions& options = {});
+[[nodiscard]] VELMO_API String assembleOccurrencesOfString(const String& text,
+                                                           std::u16string_view sought,
+                                                           const AssemblyOptions& options = {});
 
 /// An excerpt with one hit or more.
 struct Occurrence {
-    Range range;             ///< in the text
-    std::uint64_t line = 0;  ///< of its start, from 0; CR with LF behind it is one line end
+    Range range;           ///< in the text
+    std::size_t line = 0;  ///< of its start, from 0; CR with LF behind it is one line end
     /// What stands in the range, with "..." at an end that crossed a boundary.
     String string;
 };
@@ -63,20 +64,19 @@ struct Occurrence {
 /// How excerpts are cut.
 struct OccurrenceOptions {
     WildcardComparison comparison = WildcardComparison::Exact;
-    std::uint64_t minCharacters = 1;
+    std::size_t minCharacters = 1;
     bool paragraphs = false;
     /// An excerpt goes on across boundaries until so many words stand on each side of the
     /// hit.
-    std::uint64_t minEnclosingWords = 0;
+    std::size_t minEnclosingWords = 0;
 };
 
 /// The sentences or paragraphs with a hit, in their order. All hits in one excerpt make one
 /// record. Empty if there is none.
-VELMO_API std::vector<Occurrence> getOccurrencesOfWildcards(std::u16string_view text,
-                                                            std::span<const String> wildcards,
-                                                            const OccurrenceOptions& options = {});
-VELMO_API std::vector<Occurrence> getOccurrencesOfString(std::u16string_view text,
-                                                         std::u16string_view sought,
-                                                         const OccurrenceOptions& options = {});
+[[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfWildcards(
+    std::u16string_view text, std::span<const String> wildcards,
+    const OccurrenceOptions& options = {});
+[[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfString(
+    std::u16string_view text, std::u16string_view sought, const OccurrenceOptions& options = {});
 
 }  // namespace velmo

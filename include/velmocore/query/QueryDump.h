@@ -18,6 +18,6 @@ namespace velmo {
 ///     AND group of 2 (NEAR)
 ///       AND a
 ///       NEAR/3 -"b c"
-VELMO_API std::string dumpOfQueryTerms(const QueryTerms& terms);
+[[nodiscard]] VELMO_API std::string dumpOfQueryTerms(const QueryTerms& terms);
 
 }  // namespace velmo

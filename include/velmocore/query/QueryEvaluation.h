@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/query/QueryTerms.h>
 #include <velmocore/text/CharacterSets.h>
 
@@ -11,8 +12,8 @@ namespace velmo {
 // Whether a query holds for a text. See QueryTerms for the operations on the query itself.
 //
 //     QueryTerms query(u"cat NEAR/3 mat");
-//     matchesQueryTerms(u"The cat sat on the mat", query, false);      // false
-//     containsQueryTerms(u"The cat sat on the mat", query, false);     // true
+//     matchesQueryTerms(u"The cat sat on the mat", query, Case::Insensitive);      // false
+//     containsQueryTerms(u"The cat sat on the mat", query, Case::Insensitive);     // true
 //
 //     QueryTerms wildcards(u"c?t BEFORE m*", {.wildcard = true});
 //     matchesQueryTerms(u"The cat sat on the mat", wildcards,
@@ -28,28 +29,28 @@ namespace velmo {
 
 /// QueryTerms::matchesString(), receiver and argument exchanged. An absent query matches
 /// nothing.
-inline bool matchesQueryTerms(std::u16string_view text, const QueryTerms& terms,
-                              bool caseSensitive) {
-    return terms.matchesString(text, caseSensitive);
+[[nodiscard]] inline bool matchesQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                                            Case letterCase) {
+    return terms.matchesString(text, letterCase);
 }
 /// QueryTerms::containsString() in the same way.
-inline bool containsQueryTerms(std::u16string_view text, const QueryTerms& terms,
-                               bool caseSensitive) {
-    return terms.containsString(text, caseSensitive);
+[[nodiscard]] inline bool containsQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                                             Case letterCase) {
+    return terms.containsString(text, letterCase);
 }
 // The same with wildcards.
-inline bool matchesQueryTerms(std::u16string_view text, const QueryTerms& terms,
-                              WildcardComparison comparison) {
+[[nodiscard]] inline bool matchesQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                                            WildcardComparison comparison) {
     return terms.matchesString(text, comparison);
 }
-inline bool containsQueryTerms(std::u16string_view text, const QueryTerms& terms,
-                               WildcardComparison comparison) {
+[[nodiscard]] inline bool containsQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                                             WildcardComparison comparison) {
     return terms.containsString(text, comparison);
 }
 
 /// What belongs to a word in searches and evaluations: alphaNumCharacterSetRep(), unless
 /// another set has been given.
-VELMO_API const CharacterSetRep& queryTermCharacters();
+[[nodiscard]] VELMO_API const CharacterSetRep& queryTermCharacters();
 
 /// Sets it for the whole process; null goes back to the default. The set stays the caller's
 /// and must outlive its use. Meant for the start of a program; the pointer is stored

@@ -16,58 +16,64 @@ namespace velmo {
 //     standardizedQueryTerm(u"tea and (milk or lemon)");       // tea (milk OR lemon)
 //     *plusWildcards(u"well-known");    // wellknown, "well known", well-known
 
-inline String plusString(const String& query, std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline String plusString(const String& query, std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithString(query).plusString(kinds);
 }
-inline std::vector<String> plusParts(const String& query, std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline std::vector<String> plusParts(const String& query,
+                                                   std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithString(query).plusParts(kinds);
 }
-inline std::vector<QueryTerms> plusTerms(const String& query, std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline std::vector<QueryTerms> plusTerms(const String& query,
+                                                       std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithString(query).plusTerms(kinds);
 }
-inline std::vector<String> plusWords(const String& query, std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline std::vector<String> plusWords(const String& query,
+                                                   std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithString(query).plusWords(kinds);
 }
-inline std::vector<String> queryTermsForOperators(const String& query, std::uint64_t flags,
-                                                  const OperatorDictionary& dictionary = {}) {
+[[nodiscard]] inline std::vector<String> queryTermsForOperators(
+    const String& query, std::uint64_t flags, const OperatorDictionary& dictionary = {}) {
     return QueryTerms::queryTermsWithString(query).queryTermsForOperators(flags, dictionary);
 }
-inline String standardizedQueryTerm(const String& query) {
+[[nodiscard]] inline String standardizedQueryTerm(const String& query) {
     return QueryTerms::queryTermsWithString(query).standardizedQueryTerm();
 }
-inline String normalizedQueryTerm(const String& query) {
+[[nodiscard]] inline String normalizedQueryTerm(const String& query) {
     return QueryTerms::queryTermsWithString(query).normalizedQueryTerm();
 }
 
 // The same with wildcards in the terms.
 
-inline String plusWildcardString(const String& query, std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline String plusWildcardString(const String& query,
+                                               std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithWildcard(query).plusString(kinds);
 }
-inline std::vector<String> plusWildcardParts(const String& query, std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline std::vector<String> plusWildcardParts(const String& query,
+                                                           std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithWildcard(query).plusParts(kinds);
 }
-inline std::vector<QueryTerms> plusWildcardTerms(const String& query,
-                                                 std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline std::vector<QueryTerms> plusWildcardTerms(const String& query,
+                                                               std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithWildcard(query).plusTerms(kinds);
 }
-inline std::vector<String> plusWildcardWords(const String& query, std::uint32_t kinds = AllWords) {
+[[nodiscard]] inline std::vector<String> plusWildcardWords(const String& query,
+                                                           std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithWildcard(query).plusWords(kinds);
 }
-inline std::optional<std::vector<String>> plusWildcards(const String& query) {
+[[nodiscard]] inline std::optional<std::vector<String>> plusWildcards(const String& query) {
     return QueryTerms::queryTermsWithWildcard(query).plusWildcards();
 }
-inline std::optional<std::vector<String>> extendedPlusWildcards(const String& query) {
+[[nodiscard]] inline std::optional<std::vector<String>> extendedPlusWildcards(const String& query) {
     return QueryTerms::queryTermsWithWildcard(query).extendedPlusWildcards();
 }
-inline std::vector<String> wildcardQueryTermsForOperators(
+[[nodiscard]] inline std::vector<String> wildcardQueryTermsForOperators(
     const String& query, std::uint64_t flags, const OperatorDictionary& dictionary = {}) {
     return QueryTerms::queryTermsWithWildcard(query).queryTermsForOperators(flags, dictionary);
 }
-inline String standardizedWildcardQueryTerm(const String& query) {
+[[nodiscard]] inline String standardizedWildcardQueryTerm(const String& query) {
     return QueryTerms::queryTermsWithWildcard(query).standardizedQueryTerm();
 }
-inline String normalizedWildcardQueryTerm(const String& query) {
+[[nodiscard]] inline String normalizedWildcardQueryTerm(const String& query) {
     return QueryTerms::queryTermsWithWildcard(query).normalizedQueryTerm();
 }
 
@@ -75,6 +81,6 @@ inline String normalizedWildcardQueryTerm(const String& query) {
 /// lower case, are left out and the others joined by single blanks.
 ///
 ///     queryTermWithoutSiteOperator(u"tea site:example.org cups");    // tea cups
-VELMO_API String queryTermWithoutSiteOperator(const String& query);
+[[nodiscard]] VELMO_API String queryTermWithoutSiteOperator(const String& query);
 
 }  // namespace velmo

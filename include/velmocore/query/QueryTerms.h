@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/query/QueryRendering.h>
 #include <velmocore/query/Wildcards.h>
@@ -28,17 +29,17 @@ enum class QueryOperator : std::int32_t {
 };
 
 /// NEAR, BEFORE, AFTER and NEXT.
-constexpr bool isProximityOperator(QueryOperator op) {
+[[nodiscard]] constexpr bool isProximityOperator(QueryOperator op) {
     return op >= QueryOperator::Near && op <= QueryOperator::Next;
 }
 
 /// The distance, in words, that stands for any distance.
-inline constexpr std::uint64_t UnboundedDistance = 0x7FFFFFFFFFFFFFFF;
+inline constexpr std::size_t UnboundedDistance = 0x7FFFFFFFFFFFFFFF;
 
 /// What a query's terms get that does not say otherwise.
 struct QueryOptions {
     QueryOperator defaultOperator = QueryOperator::And;
-    std::uint64_t defaultDistance = 10;  ///< in words
+    std::size_t defaultDistance = 10;  ///< in words
     /// Terms are wildcard patterns: a [ begins a set of characters and not a comment, and a
     /// term marked with ~ gets a star at both ends.
     bool wildcard = false;
@@ -47,7 +48,7 @@ struct QueryOptions {
 /// What a node says of itself, apart from its text or children.
 struct QueryTermFields {
     QueryOperator queryOperator = QueryOperator::And;
-    std::uint64_t proximityDistance = 10;
+    std::size_t proximityDistance = 10;
     bool queryNot = false;
     bool querySubstring = false;
 };
@@ -62,7 +63,7 @@ struct QueryTree;
 /// perhaps an empty one; nothing fails.
 ///
 ///     QueryTerms query(u"(tea OR coffee) NEAR/5 \"two cups\" -sugar");
-///     query.matchesString(u"Two cups of tea, please", false);     // true
+///     query.matchesString(u"Two cups of tea, please", Case::Insensitive);     // true
 ///     query.numberOfChildren();                                    // 3
 ///
 /// A word stands for itself. What else has a meaning: quotes for a phrase, parentheses, -
@@ -82,88 +83,90 @@ public:
                const QueryTermFields& fields);
 
     /// Absent for an absent string.
-    static QueryTerms queryTermsWithString(const String& query);
-    static QueryTerms queryTermsWithWildcard(const String& query);
+    [[nodiscard]] static QueryTerms queryTermsWithString(const String& query);
+    [[nodiscard]] static QueryTerms queryTermsWithWildcard(const String& query);
     /// A single word node; the text is taken as it is.
-    static QueryTerms queryTermsWithWord(std::u16string_view word, const QueryTermFields& fields,
-                                         bool phrase = false);
+    [[nodiscard]] static QueryTerms queryTermsWithWord(std::u16string_view word,
+                                                       const QueryTermFields& fields,
+                                                       bool phrase = false);
 
-    bool isAbsent() const noexcept { return tree_ == nullptr; }
+    [[nodiscard]] bool isAbsent() const noexcept { return tree_ == nullptr; }
     /// Whether there is something to look for: true for a word, and for a group with children.
-    bool isValid() const noexcept;
-    bool isWord() const noexcept;
+    [[nodiscard]] bool isValid() const noexcept;
+    [[nodiscard]] bool isWord() const noexcept;
 
     /// How this node joins the siblings before it. It means nothing on a first child.
-    QueryOperator queryOperator() const noexcept;
+    [[nodiscard]] QueryOperator queryOperator() const noexcept;
     /// The operator that all children from the second on share, or None.
-    QueryOperator commonOperator() const noexcept;
+    [[nodiscard]] QueryOperator commonOperator() const noexcept;
     /// In words, for the proximity operators. 0 makes such an operator a plain AND.
-    std::uint64_t proximityDistance() const noexcept;
-    bool queryNot() const noexcept;
+    [[nodiscard]] std::size_t proximityDistance() const noexcept;
+    [[nodiscard]] bool queryNot() const noexcept;
     /// Whether a word may match inside a longer one.
-    bool querySubstring() const noexcept;
+    [[nodiscard]] bool querySubstring() const noexcept;
     /// Whether a word came from quotes.
-    bool queryPhrase() const noexcept;
+    [[nodiscard]] bool queryPhrase() const noexcept;
 
     /// The text of a word; empty for a group. It lives as long as a node of its tree.
-    std::u16string_view word() const noexcept;
-    std::size_t numberOfChildren() const noexcept;
+    [[nodiscard]] std::u16string_view word() const noexcept;
+    [[nodiscard]] std::size_t numberOfChildren() const noexcept;
     /// One of the children; absent if there are not so many.
-    QueryTerms child(std::size_t index) const;
+    [[nodiscard]] QueryTerms child(std::size_t index) const;
 
     /// Whether the query holds for a text. False for an empty text.
-    bool matchesString(std::u16string_view text, bool caseSensitive) const;
+    [[nodiscard]] bool matchesString(std::u16string_view text, Case letterCase) const;
     /// Whether a word that is not negated occurs in the text; operators and distances play
     /// no role, nor does the negation of this node itself.
-    bool containsString(std::u16string_view text, bool caseSensitive) const;
+    [[nodiscard]] bool containsString(std::u16string_view text, Case letterCase) const;
     /// The same with each word as a wildcard, of one word or several; see
     /// FindWildcardStringInCharacters(). A lone * is found in every stretch of text.
-    bool matchesString(std::u16string_view text, WildcardComparison comparison) const;
-    bool containsString(std::u16string_view text, WildcardComparison comparison) const;
+    [[nodiscard]] bool matchesString(std::u16string_view text, WildcardComparison comparison) const;
+    [[nodiscard]] bool containsString(std::u16string_view text,
+                                      WildcardComparison comparison) const;
 
     // The positive words, in their order: those that are under an even number of
     // negations, that of this node not counted.
 
     /// Their texts, with blanks between them.
-    String plusString(std::uint32_t kinds = AllWords) const;
-    std::vector<String> plusParts(std::uint32_t kinds = AllWords) const;
+    [[nodiscard]] String plusString(std::uint32_t kinds = AllWords) const;
+    [[nodiscard]] std::vector<String> plusParts(std::uint32_t kinds = AllWords) const;
     /// Their nodes.
-    std::vector<QueryTerms> plusTerms(std::uint32_t kinds = AllWords) const;
+    [[nodiscard]] std::vector<QueryTerms> plusTerms(std::uint32_t kinds = AllWords) const;
     /// Their texts cut into words, as wordsUsingWildcardSeparation() cuts.
-    std::vector<String> plusWords(std::uint32_t kinds = AllWords) const;
+    [[nodiscard]] std::vector<String> plusWords(std::uint32_t kinds = AllWords) const;
     /// The length of the shortest positive word, in UTF-16 units; 0 if there is none. Here
     /// the negation of this node counts.
-    std::uint64_t minTermLen() const;
+    [[nodiscard]] std::size_t minTermLen() const;
 
     // Patterns for the search in a text, as excerpts need them: no two are the same, and
     // the shortest come first. Without a value if the query is not valid.
 
     /// The positive words as they are, as words with blanks between them, and, if they are
     /// joined by hyphens or are an abbreviation with full stops, in one piece.
-    std::optional<std::vector<String>> plusWildcards() const;
+    [[nodiscard]] std::optional<std::vector<String>> plusWildcards() const;
     /// The positive words, not as they are but in the other forms, and pairs of neighbours
     /// that must both occur, as phrases.
-    std::optional<std::vector<String>> extendedPlusWildcards() const;
+    [[nodiscard]] std::optional<std::vector<String>> extendedPlusWildcards() const;
 
     // The query as a text again. An absent one gives nothing.
 
     /// One text, written as flags of QueryTermRendering say.
-    std::vector<String> queryTermsForOperators(std::uint64_t flags,
-                                               const OperatorDictionary& dictionary = {}) const;
+    [[nodiscard]] std::vector<String> queryTermsForOperators(
+        std::uint64_t flags, const OperatorDictionary& dictionary = {}) const;
     /// In the most common form: OR, XOR, OPT, -, quotes and parentheses; proximity operators
     /// become blanks.
-    String standardizedQueryTerm() const;
+    [[nodiscard]] String standardizedQueryTerm() const;
     /// In one form for all ways to write a query: words in lower case, | for OR, BEFORE/n for
     /// NEXT.
-    String normalizedQueryTerm() const;
+    [[nodiscard]] String normalizedQueryTerm() const;
     /// With all that the query says, in words.
-    String description() const;
+    [[nodiscard]] String description() const;
 
 private:
     friend struct detail::QueryTree;
     QueryTerms(std::shared_ptr<const detail::QueryTree> tree, std::size_t index) noexcept
         : tree_(std::move(tree)), index_(index) {}
-    const detail::QueryNode& node() const noexcept;
+    [[nodiscard]] const detail::QueryNode& node() const noexcept;
 
     std::shared_ptr<const detail::QueryTree> tree_;
     std::size_t index_ = 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <span>
@@ -8,6 +8,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/FunctionRef.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/query/Wildcards.h>
@@ -37,10 +38,10 @@ namespace velmo {
 struct FindWildcardOptions {
     WildcardComparison comparison = WildcardComparison::Exact;
     /// A wildcard with a star needs so many plain units and sets.
-    std::uint64_t minCharacters = 1;
-    bool anchored = false;    ///< only the first word that is met is looked at
-    bool backwards = false;   ///< the last word that matches, and not the first
-    bool acceptStar = false;  ///< a lone * finds something: the whole range, or
+    std::size_t minCharacters = 1;
+    bool anchored = false;                     ///< only the first word that is met is looked at
+    Direction direction = Direction::Forward;  ///< the last word that matches, and not the first
+    bool acceptStar = false;                   ///< a lone * finds something: the whole range, or
     bool starIsWord = false;  ///< the first word; backwards, the first unit, if it begins one
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
 };
@@ -51,72 +52,79 @@ struct FindWildcardOptions {
 ///
 /// Whether the range begins inside a word is asked of the unit before it; backwards as well,
 /// so that a range that does leaves out a word at its very end.
-VELMO_API Range FindWildcardInCharacters(std::u16string_view text, Range range,
-                                         std::u16string_view wildcard,
-                                         const FindWildcardOptions& options = {});
+[[nodiscard]] VELMO_API Range FindWildcardInCharacters(std::u16string_view text, Range range,
+                                                       std::u16string_view wildcard,
+                                                       const FindWildcardOptions& options = {});
 
 /// How FindWildcardStringInCharacters() looks; see FindWildcardOptions.
 struct FindWildcardStringOptions {
     WildcardComparison comparison = WildcardComparison::Exact;
-    std::uint64_t minCharacters = 1;
-    bool backwards = false;
+    std::size_t minCharacters = 1;
+    Direction direction = Direction::Forward;
     bool acceptStar = false;  ///< in a phrase, a lone * is any word in any case
     const CharacterSetRep* termCharacters = nullptr;
 };
 
 /// The same for a pattern of one word or several. Backwards, a phrase is looked for from its
 /// first word on, and the words behind it must end before the last place that was tried.
-VELMO_API Range FindWildcardStringInCharacters(std::u16string_view text, Range range,
-                                               std::u16string_view wildcard,
-                                               const FindWildcardStringOptions& options = {});
+[[nodiscard]] VELMO_API Range
+FindWildcardStringInCharacters(std::u16string_view text, Range range, std::u16string_view wildcard,
+                               const FindWildcardStringOptions& options = {});
 
 /// How the nearest hit of several wildcards is looked for.
 struct NearestWildcardOptions {
     WildcardComparison comparison = WildcardComparison::Exact;
-    std::uint64_t minCharacters = 1;
-    bool backwards = false;
+    std::size_t minCharacters = 1;
+    Direction direction = Direction::Forward;
     bool firstHit = false;  ///< any hit will do: that of the first wildcard that has one
 };
 
 /// The nearest hit of any wildcard in a range. Each hit shortens the stretch for the
 /// wildcards behind it in the list: they count only if they lie wholly before it (or behind
 /// it, going backwards). A lone * finds nothing.
-VELMO_API Range rangeOfWildcard(std::u16string_view text, Range range,
-                                std::span<const String> wildcards,
-                                const NearestWildcardOptions& options);
+[[nodiscard]] VELMO_API Range rangeOfWildcard(std::u16string_view text, Range range,
+                                              std::span<const String> wildcards,
+                                              const NearestWildcardOptions& options);
 
 /// How wildcards are compared, and where.
 struct WildcardSearchOptions {
     WildcardComparison comparison = WildcardComparison::Exact;
-    std::uint64_t minCharacters = 1;
+    std::size_t minCharacters = 1;
     Range range = {0, NotFound};  ///< in units of the text
 };
 
 /// Whether any of the wildcards occurs in the range.
-VELMO_API bool containsAnyWildcard(std::u16string_view text, std::span<const String> wildcards,
-                                   const WildcardSearchOptions& options = {});
+[[nodiscard]] VELMO_API bool containsAnyWildcard(std::u16string_view text,
+                                                 std::span<const String> wildcards,
+                                                 const WildcardSearchOptions& options = {});
 /// The nearest hit from the start of the range on, or from its end back.
-VELMO_API Range findNextWildcard(std::u16string_view text, std::span<const String> wildcards,
-                                 const WildcardSearchOptions& options = {});
-VELMO_API Range findPreviousWildcard(std::u16string_view text, std::span<const String> wildcards,
-                                     const WildcardSearchOptions& options = {});
+[[nodiscard]] VELMO_API Range findNextWildcard(std::u16string_view text,
+                                               std::span<const String> wildcards,
+                                               const WildcardSearchOptions& options = {});
+[[nodiscard]] VELMO_API Range findPreviousWildcard(std::u16string_view text,
+                                                   std::span<const String> wildcards,
+                                                   const WildcardSearchOptions& options = {});
 /// The same, wildcards first.
-inline Range rangeOfNextWildcard(std::span<const String> wildcards, std::u16string_view text,
-                                 const WildcardSearchOptions& options = {}) {
+[[nodiscard]] inline Range rangeOfNextWildcard(std::span<const String> wildcards,
+                                               std::u16string_view text,
+                                               const WildcardSearchOptions& options = {}) {
     return findNextWildcard(text, wildcards, options);
 }
-inline Range rangeOfPreviousWildcard(std::span<const String> wildcards, std::u16string_view text,
-                                     const WildcardSearchOptions& options = {}) {
+[[nodiscard]] inline Range rangeOfPreviousWildcard(std::span<const String> wildcards,
+                                                   std::u16string_view text,
+                                                   const WildcardSearchOptions& options = {}) {
     return findPreviousWildcard(text, wildcards, options);
 }
 
 /// The first hit of one wildcard.
-VELMO_API Range rangeOfWildcard(std::u16string_view text, std::u16string_view wildcard,
-                                const WildcardSearchOptions& options = {});
+[[nodiscard]] VELMO_API Range rangeOfWildcard(std::u16string_view text,
+                                              std::u16string_view wildcard,
+                                              const WildcardSearchOptions& options = {});
 /// The first hit of the phrase of these words, set in quotes. The quotes part nothing from a
 /// single word: as no word begins with one, it is not found.
-VELMO_API Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> words,
-                                     const WildcardSearchOptions& options = {});
+[[nodiscard]] VELMO_API Range rangeOfWildcardWords(std::u16string_view text,
+                                                   std::span<const String> words,
+                                                   const WildcardSearchOptions& options = {});
 
 /// Takes a hit; false ends the search.
 using WildcardHandler = FunctionRef<bool(Range hit)>;
@@ -129,18 +137,18 @@ using WildcardHandler = FunctionRef<bool(Range hit)>;
 ///         print(text.substr(hit.location, hit.length));
 ///         return true;
 ///     });
-VELMO_API std::uint64_t forEachWildcard(std::u16string_view text, std::span<const String> wildcards,
-                                        WildcardHandler handler,
-                                        const WildcardSearchOptions& options = {});
+VELMO_API std::size_t forEachWildcard(std::u16string_view text, std::span<const String> wildcards,
+                                      WildcardHandler handler,
+                                      const WildcardSearchOptions& options = {});
 /// The same from the end of the range back: the hits of findPreviousWildcard().
-VELMO_API std::uint64_t forEachWildcardBackwards(std::u16string_view text,
-                                                 std::span<const String> wildcards,
-                                                 WildcardHandler handler,
-                                                 const WildcardSearchOptions& options = {});
+VELMO_API std::size_t forEachWildcardBackwards(std::u16string_view text,
+                                               std::span<const String> wildcards,
+                                               WildcardHandler handler,
+                                               const WildcardSearchOptions& options = {});
 
 /// The distinct texts that match; without regard to case, in lower case. Nothing if there is
 /// no wildcard or the text is empty.
-VELMO_API std::optional<std::set<String>> findStringsMatchingWildcards(
+[[nodiscard]] VELMO_API std::optional<std::set<String>> findStringsMatchingWildcards(
     std::u16string_view text, std::span<const String> wildcards,
     const WildcardSearchOptions& options = {});
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/CharacterSets.h>
@@ -66,12 +68,17 @@ constexpr WildcardComparison operator&(WildcardComparison a, WildcardComparison 
     return static_cast<WildcardComparison>(static_cast<std::uint32_t>(a) &
                                            static_cast<std::uint32_t>(b));
 }
-constexpr bool isFuzzy(WildcardComparison comparison) {
+[[nodiscard]] constexpr bool isFuzzy(WildcardComparison comparison) {
     return (comparison & WildcardComparison::Fuzzy) == WildcardComparison::Fuzzy;
 }
-constexpr bool isCaseInsensitive(WildcardComparison comparison) {
+[[nodiscard]] constexpr bool isCaseInsensitive(WildcardComparison comparison) {
     return (comparison & WildcardComparison::CaseInsensitive) ==
            WildcardComparison::CaseInsensitive;
+}
+
+/// What a comparison says of case alone.
+[[nodiscard]] constexpr Case letterCaseOf(WildcardComparison comparison) {
+    return isCaseInsensitive(comparison) ? Case::Insensitive : Case::Sensitive;
 }
 
 // Matching. With a table, each unit of the string goes through it before it is compared; the
@@ -82,24 +89,27 @@ constexpr bool isCaseInsensitive(WildcardComparison comparison) {
 // before the -, so that in [-x] it is the bracket; the upper end may be a ] and the set then
 // runs on behind it; a set that never ends takes one unit, and matches if it is negated.
 
-VELMO_API bool stringMatchesWildcard(std::u16string_view string, std::u16string_view wildcard);
-VELMO_API bool stringMatchesWildcardUsingUnicharTable(std::u16string_view string,
-                                                      std::u16string_view wildcard,
-                                                      const ConversionTable& table);
-VELMO_API bool stringMatchesUnixWildcard(std::u16string_view string, std::u16string_view wildcard);
-VELMO_API bool stringMatchesUnixWildcardUsingUnicharTable(std::u16string_view string,
-                                                          std::u16string_view wildcard,
-                                                          const ConversionTable& table);
+[[nodiscard]] VELMO_API bool stringMatchesWildcard(std::u16string_view string,
+                                                   std::u16string_view wildcard);
+[[nodiscard]] VELMO_API bool stringMatchesWildcardUsingUnicharTable(std::u16string_view string,
+                                                                    std::u16string_view wildcard,
+                                                                    const ConversionTable& table);
+[[nodiscard]] VELMO_API bool stringMatchesUnixWildcard(std::u16string_view string,
+                                                       std::u16string_view wildcard);
+[[nodiscard]] VELMO_API bool stringMatchesUnixWildcardUsingUnicharTable(
+    std::u16string_view string, std::u16string_view wildcard, const ConversionTable& table);
 
 // The same for people: neither an empty string nor an empty wildcard matches, and without
 // regard to case both sides go through upperCharsTable().
 
-VELMO_API bool isLikeWildcard(std::u16string_view string, std::u16string_view wildcard);
-VELMO_API bool isCaseInsensitiveLikeWildcard(std::u16string_view string,
-                                             std::u16string_view wildcard);
-VELMO_API bool isLikeUnixWildcard(std::u16string_view string, std::u16string_view wildcard);
-VELMO_API bool isCaseInsensitiveLikeUnixWildcard(std::u16string_view string,
-                                                 std::u16string_view wildcard);
+[[nodiscard]] VELMO_API bool isLikeWildcard(std::u16string_view string,
+                                            std::u16string_view wildcard);
+[[nodiscard]] VELMO_API bool isCaseInsensitiveLikeWildcard(std::u16string_view string,
+                                                           std::u16string_view wildcard);
+[[nodiscard]] VELMO_API bool isLikeUnixWildcard(std::u16string_view string,
+                                                std::u16string_view wildcard);
+[[nodiscard]] VELMO_API bool isCaseInsensitiveLikeUnixWildcard(std::u16string_view string,
+                                                               std::u16string_view wildcard);
 
 /// Every unit of the wildcard through the table, in place.
 VELMO_API void prepareWildcardUsingUnicharTable(std::u16string& wildcard,
@@ -122,36 +132,37 @@ struct OptimizedWildcard {
 ///     std::u16string wildcard = u"**[|a|b]x*";
 ///     optimizeWildcard(wildcard);     // GeneralSets, {0, 7}; the wildcard is *[ab]x*
 VELMO_API OptimizedWildcard optimizeWildcard(std::u16string& wildcard,
-                                             std::uint64_t minCharacters = 1);
+                                             std::size_t minCharacters = 1);
 
 /// The type of a wildcard as it is written; Plain for an empty one.
-VELMO_API WildcardType wildcardType(std::u16string_view wildcard);
+[[nodiscard]] VELMO_API WildcardType wildcardType(std::u16string_view wildcard);
 /// The number of elements of a wildcard as it is written, a set without end being one.
-VELMO_API std::uint64_t wildcardLength(std::u16string_view wildcard);
+[[nodiscard]] VELMO_API std::size_t wildcardLength(std::u16string_view wildcard);
 
 /// The lengths of the strings that an optimized wildcard can match: the number of its
 /// elements, and for the longest UnboundedWildcardLength if it holds a star.
-VELMO_API std::uint64_t minWildcardLen(std::u16string_view wildcard);
-VELMO_API std::uint64_t maxWildcardLen(std::u16string_view wildcard);
-inline constexpr std::uint64_t UnboundedWildcardLength = 0x7FFFFFFFFFFFFFFF;
+[[nodiscard]] VELMO_API std::size_t minWildcardLen(std::u16string_view wildcard);
+[[nodiscard]] VELMO_API std::size_t maxWildcardLen(std::u16string_view wildcard);
+inline constexpr std::size_t UnboundedWildcardLength = 0x7FFFFFFFFFFFFFFF;
 
 /// The table that a comparison folds through; null if it is exact.
-VELMO_API const ConversionTable* unicharTableForWildcardComparison(WildcardComparison comparison);
+[[nodiscard]] VELMO_API const ConversionTable* unicharTableForWildcardComparison(
+    WildcardComparison comparison);
 /// Whether folding through conversion does all that folding through table does. False if
 /// either is null.
-VELMO_API bool isUnicharTablePartOfConversionTable(const ConversionTable* table,
-                                                   const ConversionTable* conversion);
+[[nodiscard]] VELMO_API bool isUnicharTablePartOfConversionTable(const ConversionTable* table,
+                                                                 const ConversionTable* conversion);
 
 // Words that may contain wildcards: cut as by defaultWordSeparators(), but * ? [ and ]
 // belong to words, and a set is not cut by what stands in it.
 //
 //     wordsUsingWildcardSeparation(u"data* [a-d]ing");     // data*, [a-d]ing
 
-VELMO_API const CharacterSetRep& defaultWildcardSeparators();
+[[nodiscard]] VELMO_API const CharacterSetRep& defaultWildcardSeparators();
 /// See wordsUsingSeparators() for hyphenated.
-VELMO_API std::vector<String> wordsUsingWildcardSeparation(const String& text,
-                                                           bool* hyphenated = nullptr);
-VELMO_API std::uint64_t numberOfWordsUsingWildcardSeparation(std::u16string_view text);
+[[nodiscard]] VELMO_API std::vector<String> wordsUsingWildcardSeparation(
+    const String& text, bool* hyphenated = nullptr);
+[[nodiscard]] VELMO_API std::size_t numberOfWordsUsingWildcardSeparation(std::u16string_view text);
 
 // All tables and sets are made at first use, on whatever thread. A program may have them
 // made while it starts, so that no later call pays for it.

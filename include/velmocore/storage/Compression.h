@@ -10,8 +10,8 @@
 namespace velmo {
 
 // Bytes compressed and inflated in memory, in the zlib format (RFC 1950) or that of gzip
-// (RFC 1952). Results are absent if something failed, if there are no bytes, or 2^32 and more;
-// no message is written. Any thread may call these.
+// (RFC 1952). Results are absent if something failed or there are no bytes; no message is
+// written. Any thread may call these.
 //
 //     std::optional<Data> packed = dataByGzippingData(bytes);
 //     std::optional<Data> again = dataByInflatingData(*packed);    // either format
@@ -20,22 +20,23 @@ namespace velmo {
 
 inline constexpr int DefaultCompressionLevel = -1;
 
-VELMO_API std::optional<Data> dataByCompressingBytes(Bytes bytes, int compressionLevel,
-                                                     bool useGzip);
-inline std::optional<Data> dataByGzippingData(Bytes bytes,
-                                              int compressionLevel = DefaultCompressionLevel) {
+[[nodiscard]] VELMO_API std::optional<Data> dataByCompressingBytes(Bytes bytes,
+                                                                   int compressionLevel,
+                                                                   bool useGzip);
+[[nodiscard]] inline std::optional<Data> dataByGzippingData(
+    Bytes bytes, int compressionLevel = DefaultCompressionLevel) {
     return dataByCompressingBytes(bytes, compressionLevel, true);
 }
-inline std::optional<Data> dataByDeflatingData(Bytes bytes,
-                                               int compressionLevel = DefaultCompressionLevel) {
+[[nodiscard]] inline std::optional<Data> dataByDeflatingData(
+    Bytes bytes, int compressionLevel = DefaultCompressionLevel) {
     return dataByCompressingBytes(bytes, compressionLevel, false);
 }
-inline std::optional<Data> dataByGzippingBytes(Bytes bytes,
-                                               int compressionLevel = DefaultCompressionLevel) {
+[[nodiscard]] inline std::optional<Data> dataByGzippingBytes(
+    Bytes bytes, int compressionLevel = DefaultCompressionLevel) {
     return dataByGzippingData(bytes, compressionLevel);
 }
-inline std::optional<Data> dataByDeflatingBytes(Bytes bytes,
-                                                int compressionLevel = DefaultCompressionLevel) {
+[[nodiscard]] inline std::optional<Data> dataByDeflatingBytes(
+    Bytes bytes, int compressionLevel = DefaultCompressionLevel) {
     return dataByDeflatingData(bytes, compressionLevel);
 }
 
@@ -45,15 +46,15 @@ inline constexpr std::size_t NoInflatedLimit = std::numeric_limits<std::size_t>:
 // breaks off, and if more than maximumLength bytes would come out: a few bytes can stand for
 // gigabytes, so give a limit for bytes from outside.
 
-VELMO_API std::optional<Data> dataByInflatingData(Bytes bytes,
-                                                  std::size_t maximumLength = NoInflatedLimit);
+[[nodiscard]] VELMO_API std::optional<Data> dataByInflatingData(
+    Bytes bytes, std::size_t maximumLength = NoInflatedLimit);
 /// Replaces the content of the data; true on success. After a failure it holds what came out
 /// until then, or what it held before if nothing could be tried. The bytes may be its own.
 VELMO_API bool setDataByInflating(Data& data, Bytes bytes,
                                   std::size_t maximumLength = NoInflatedLimit);
 
-inline std::optional<Data> dataByInflatingBytes(Bytes bytes,
-                                                std::size_t maximumLength = NoInflatedLimit) {
+[[nodiscard]] inline std::optional<Data> dataByInflatingBytes(
+    Bytes bytes, std::size_t maximumLength = NoInflatedLimit) {
     return dataByInflatingData(bytes, maximumLength);
 }
 inline bool setDataByInflatingBytes(Data& data, Bytes bytes,

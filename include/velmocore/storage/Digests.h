@@ -16,18 +16,22 @@ namespace velmo {
 // MD5 (RFC 1321) and SHA-1 (FIPS 180): fingerprints of data, for telling files apart and for
 // formats that hold them. Neither withstands someone who wants two files to look the same.
 //
-//     hexStringValue(SHA1Digest(bytesOf("abc")));    // a9993e364706816aba3e25717850c26c9cd0d89d
+//     hexStringValue(SHA1Digest(Bytes("abc")));    // a9993e364706816aba3e25717850c26c9cd0d89d
 
 inline constexpr std::size_t MD5DigestSize = 16;
 inline constexpr std::size_t SHA1DigestSize = 20;
 
 /// Lower-case hexadecimal, two digits a byte; the empty string for no bytes.
-VELMO_API String hexStringValue(Bytes bytes);
+[[nodiscard]] VELMO_API String hexStringValue(Bytes bytes);
 
-VELMO_API std::array<std::uint8_t, MD5DigestSize> MD5Digest(Bytes bytes);
-VELMO_API std::array<std::uint8_t, SHA1DigestSize> SHA1Digest(Bytes bytes);
-inline String MD5DigestStringValue(Bytes bytes) { return hexStringValue(MD5Digest(bytes)); }
-inline String SHA1DigestStringValue(Bytes bytes) { return hexStringValue(SHA1Digest(bytes)); }
+[[nodiscard]] VELMO_API std::array<std::uint8_t, MD5DigestSize> MD5Digest(Bytes bytes);
+[[nodiscard]] VELMO_API std::array<std::uint8_t, SHA1DigestSize> SHA1Digest(Bytes bytes);
+[[nodiscard]] inline String MD5DigestStringValue(Bytes bytes) {
+    return hexStringValue(MD5Digest(bytes));
+}
+[[nodiscard]] inline String SHA1DigestStringValue(Bytes bytes) {
+    return hexStringValue(SHA1Digest(bytes));
+}
 
 /// A digest that is fed piece by piece. Not to be shared between threads.
 class VELMO_API DigestContext {
@@ -68,11 +72,12 @@ inline constexpr char16_t DefaultSalt[] = u"K7Q.XM27182818_ZEND-";
 struct SaltedHashOptions {
     String salt = DefaultSalt;  ///< absent or empty for none
     StringEncoding encoding = UTF8StringEncoding;
-    std::uint64_t times = 1;  ///< 0 counts as 1
+    std::size_t times = 1;  ///< 0 counts as 1
 };
 /// SHA-1, in hexadecimal, of the string with the salt behind it; so many times over, each time
 /// of the text before. Absent for an absent or empty string, and for one that the encoding
 /// does not have. Not for passwords: it is fast to guess.
-VELMO_API String saltedHash(const String& string, const SaltedHashOptions& options = {});
+[[nodiscard]] VELMO_API String saltedHash(const String& string,
+                                          const SaltedHashOptions& options = {});
 
 }  // namespace velmo

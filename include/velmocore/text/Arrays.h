@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <span>
@@ -112,25 +111,25 @@ bool containsObjectIdenticalTo(const std::vector<T>& array, const T& object) {
 /// The index of an element for which the comparison (below 0, 0 or above 0) is 0, else of the
 /// first that is greater, which may be the end. The array must be sorted by the comparison.
 template <class Array, class T, class Compare>
-std::uint64_t indexOfObject(const Array& array, Range range, const T& object, Compare&& compare) {
-    const std::uint64_t size = std::size(array);
-    const std::uint64_t from = std::min(range.location, size);
-    const std::uint64_t count = std::min(range.length, size - from);
+std::size_t indexOfObject(const Array& array, Range range, const T& object, Compare&& compare) {
+    const std::size_t size = std::size(array);
+    const std::size_t from = std::min(range.location, size);
+    const std::size_t count = std::min(range.length, size - from);
     const auto first = std::data(array) + from;
     const auto place = std::lower_bound(
         first, first + count, object, [&](const auto& a, const T& b) { return compare(a, b) < 0; });
-    return static_cast<std::uint64_t>(place - std::data(array));
+    return static_cast<std::size_t>(place - std::data(array));
 }
 template <class Array, class T, class Compare>
-std::uint64_t indexOfObject(const Array& array, const T& object, Compare&& compare) {
+std::size_t indexOfObject(const Array& array, const T& object, Compare&& compare) {
     return indexOfObject(array, Range{0, std::size(array)}, object, compare);
 }
 
 /// Calls the function with each element of the range, which is cut at the end.
 template <class Array, class Function>
 void applyFunction(const Array& array, Range range, Function&& function) {
-    const std::uint64_t size = std::size(array), from = std::min(range.location, size);
-    const std::uint64_t count = std::min(range.length, size - from);
+    const std::size_t size = std::size(array), from = std::min(range.location, size);
+    const std::size_t count = std::min(range.length, size - from);
     std::for_each_n(std::data(array) + from, count, function);
 }
 template <class Array, class Function>

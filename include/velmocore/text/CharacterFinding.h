@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 
 namespace velmo {
@@ -13,37 +14,37 @@ namespace velmo {
 // behind the text's end gives none.
 //
 // Mind the case rule of findCharacter(), findLastCharacter(), countCharacter() and
-// containsCharacter(): without caseInsensitive a unit that has two cases is looked for in
-// UPPER case, so that a search for a letter a finds only A. With it, upper-case forms are
-// compared. A unit without case is looked for as it is.
+// containsCharacter(): where case counts, a unit that has two cases is looked for in
+// UPPER case, so that a search for a letter a finds only A. Where it does not, upper-case
+// forms are compared. A unit without case is looked for as it is.
 //
 //     findCharacter(u"www.example.com", u'.');                           // 3
 //     containsCharacter(u"aaa", u'a');                                   // false
-//     containsCharacter(u"aaa", u'a', {.caseInsensitive = true});        // true
+//     containsCharacter(u"aaa", u'a', {.letterCase = Case::Insensitive});        // true
 
 struct CharacterSearch {
     std::int64_t startAt = 0;  ///< below 0 counts as 0
-    bool caseInsensitive = false;
+    Case letterCase = Case::Sensitive;
 };
 
 /// The first hit from the start index upward.
-VELMO_API std::uint64_t findCharacter(std::u16string_view string, char16_t unit,
-                                      CharacterSearch search = {});
+[[nodiscard]] VELMO_API std::size_t findCharacter(std::u16string_view string, char16_t unit,
+                                                  CharacterSearch search = {});
 /// The last hit that is not below the start index.
-VELMO_API std::uint64_t findLastCharacter(std::u16string_view string, char16_t unit,
-                                          CharacterSearch search = {});
+[[nodiscard]] VELMO_API std::size_t findLastCharacter(std::u16string_view string, char16_t unit,
+                                                      CharacterSearch search = {});
 /// The number of hits from the start index upward.
-VELMO_API std::size_t countCharacter(std::u16string_view string, char16_t unit,
-                                     CharacterSearch search = {});
-inline bool containsCharacter(std::u16string_view string, char16_t unit,
-                              CharacterSearch search = {}) {
+[[nodiscard]] VELMO_API std::size_t countCharacter(std::u16string_view string, char16_t unit,
+                                                   CharacterSearch search = {});
+[[nodiscard]] inline bool containsCharacter(std::u16string_view string, char16_t unit,
+                                            CharacterSearch search = {}) {
     return findCharacter(string, unit, search) != NotFound;
 }
 
-/// The first hit of any of the units, from the start index upward. Without caseInsensitive
+/// The first hit of any of the units, from the start index upward. Where case counts,
 /// the units are looked for as they are, in both cases.
-VELMO_API std::uint64_t findOneOf(std::u16string_view string, std::u16string_view units,
-                                  CharacterSearch search = {});
+[[nodiscard]] VELMO_API std::size_t findOneOf(std::u16string_view string, std::u16string_view units,
+                                              CharacterSearch search = {});
 
 /// Punctuation marks, for containsCharacters().
 enum CharacterMask : unsigned {
@@ -57,7 +58,7 @@ enum CharacterMask : unsigned {
     DollarSignMask = 128,
 };
 /// Whether all units of the mask occur; false for a mask of 0. Stops at the last one needed.
-VELMO_API bool containsCharacters(std::u16string_view string, unsigned mask);
+[[nodiscard]] VELMO_API bool containsCharacters(std::u16string_view string, unsigned mask);
 
 /// The numbers of < and > of a text.
 struct AngleBrackets {
@@ -66,6 +67,6 @@ struct AngleBrackets {
     /// Whether there are as many of the one as of the other, and any at all.
     explicit operator bool() const { return LT == GT && LT > 0; }
 };
-VELMO_API AngleBrackets countLTGT(std::u16string_view string);
+[[nodiscard]] VELMO_API AngleBrackets countLTGT(std::u16string_view string);
 
 }  // namespace velmo

@@ -17,7 +17,9 @@ namespace velmo {
 struct CharacterSetRep {
     std::uint8_t bits[8192] = {};
 
-    bool contains(char16_t unit) const noexcept { return (bits[unit >> 3] >> (unit & 7)) & 1; }
+    [[nodiscard]] bool contains(char16_t unit) const noexcept {
+        return (bits[unit >> 3] >> (unit & 7)) & 1;
+    }
     void add(char16_t unit) noexcept {
         bits[unit >> 3] = static_cast<std::uint8_t>(bits[unit >> 3] | 1u << (unit & 7));
     }
@@ -33,25 +35,25 @@ struct CharacterSetRep {
 // of the process.
 
 /// No unit.
-VELMO_API const CharacterSetRep& emptyCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& emptyCharacterSetRep();
 /// The blanks of a line: category Zs, tab and NUL.
-VELMO_API const CharacterSetRep& spaceCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& spaceCharacterSetRep();
 /// Every kind of white space: Zs, Zl, Zp, U+0009 to U+000D, U+0085, NUL and the feed units.
-VELMO_API const CharacterSetRep& whiteCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& whiteCharacterSetRep();
 /// Categories L and M, so that a decomposed word stays in one piece.
-VELMO_API const CharacterSetRep& alphaCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& alphaCharacterSetRep();
 /// Categories L, M and N.
-VELMO_API const CharacterSetRep& alphaNumCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& alphaNumCharacterSetRep();
 /// Category Nd.
-VELMO_API const CharacterSetRep& digitCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& digitCharacterSetRep();
 /// Category Ll.
-VELMO_API const CharacterSetRep& lowerCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& lowerCharacterSetRep();
 /// Categories Lu and Lt.
-VELMO_API const CharacterSetRep& upperCharacterSetRep();
+[[nodiscard]] VELMO_API const CharacterSetRep& upperCharacterSetRep();
 
 /// Feed units end a line or stand for a break: U+0003, U+000A, U+000C, U+000D, U+2028,
 /// U+2029, U+FEFF and U+FFFC. All of them are white, but not all that is white is a feed.
-constexpr bool isFeedUnit(char16_t unit) noexcept {
+[[nodiscard]] constexpr bool isFeedUnit(char16_t unit) noexcept {
     // With 16-bit wrap-around, unit + 4 is below 18 for U+FFFC and up and for U+000D and
     // below; the mask holds the five feeds among these.
     const auto low = static_cast<char16_t>(unit + 4);

@@ -14,26 +14,28 @@ namespace velmo {
 // register starts at 0 and is not inverted at the end. The values differ from those of zlib;
 // stored data holds them. No data gives 0. Any thread may call these; nothing is allocated.
 //
-//     CRC32(bytesOf("123456789"));    // 0x2DFD2D88
+//     CRC32(Bytes("123456789"));    // 0x2DFD2D88
 
 /// Of bytes, in order.
-VELMO_API std::uint32_t CRC32(Bytes bytes);
-inline std::uint32_t crc32(Bytes data) { return CRC32(data); }
+[[nodiscard]] VELMO_API std::uint32_t CRC32(Bytes bytes);
+[[nodiscard]] inline std::uint32_t crc32(Bytes data) { return CRC32(data); }
 
 /// Of units, each as two bytes, the high one first: the same on every machine. With a table,
 /// each unit is mapped through it first; null means as it is.
-VELMO_API std::uint32_t CRC32UniCharsUsingConversionTable(std::u16string_view units,
-                                                          const ConversionTable* table);
-inline std::uint32_t CRC32UniChars(std::u16string_view units) {
+[[nodiscard]] VELMO_API std::uint32_t CRC32UniCharsUsingConversionTable(
+    std::u16string_view units, const ConversionTable* table);
+[[nodiscard]] inline std::uint32_t CRC32UniChars(std::u16string_view units) {
     return CRC32UniCharsUsingConversionTable(units, nullptr);
 }
-inline std::uint32_t stringCRC32UsingConversionTable(std::u16string_view string,
-                                                     const ConversionTable* table) {
+[[nodiscard]] inline std::uint32_t stringCRC32UsingConversionTable(std::u16string_view string,
+                                                                   const ConversionTable* table) {
     return CRC32UniCharsUsingConversionTable(string, table);
 }
-inline std::uint32_t crc32(std::u16string_view string) { return CRC32UniChars(string); }
-inline std::uint32_t crc32UsingConversionTable(std::u16string_view string,
-                                               const ConversionTable* table) {
+[[nodiscard]] inline std::uint32_t crc32(std::u16string_view string) {
+    return CRC32UniChars(string);
+}
+[[nodiscard]] inline std::uint32_t crc32UsingConversionTable(std::u16string_view string,
+                                                             const ConversionTable* table) {
     return CRC32UniCharsUsingConversionTable(string, table);
 }
 
@@ -41,13 +43,13 @@ inline std::uint32_t crc32UsingConversionTable(std::u16string_view string,
 // CRC-32 of the units in the set, in upper case.
 
 /// 0 for a null set.
-VELMO_API std::uint32_t caseInsensitiveCrc32UsingCharactersPartOfCharacterSetRep(
+[[nodiscard]] VELMO_API std::uint32_t caseInsensitiveCrc32UsingCharactersPartOfCharacterSetRep(
     std::u16string_view string, const CharacterSetRep* set);
 /// Letters and marks only.
-VELMO_API std::uint32_t caseInsensitiveCrc32ByRemovingNonAlphaCharacters(
+[[nodiscard]] VELMO_API std::uint32_t caseInsensitiveCrc32ByRemovingNonAlphaCharacters(
     std::u16string_view string);
 /// Letters, marks and numbers only.
-VELMO_API std::uint32_t caseInsensitiveCrc32ByRemovingNonAlphaNumericCharacters(
+[[nodiscard]] VELMO_API std::uint32_t caseInsensitiveCrc32ByRemovingNonAlphaNumericCharacters(
     std::u16string_view string);
 
 }  // namespace velmo

@@ -23,15 +23,14 @@ enum class RunClass : std::uint8_t {
 //     stringByRemovingMultipleWhiteSpaces(u"one \r\n two");    // one two
 //     stringByRemovingMultipleFeeds(u"one\r\n\r\ntwo");        // two lines, ended by LF
 
-VELMO_API String stringByRemovingMultipleWhiteSpaces(const String& string,
-                                                     RunClass runs = RunClass::WhiteSpaces,
-                                                     char16_t replacement = u' ');
+[[nodiscard]] VELMO_API String stringByRemovingMultipleWhiteSpaces(
+    const String& string, RunClass runs = RunClass::WhiteSpaces, char16_t replacement = u' ');
 /// Spaces become a blank: a lone tab does too.
-inline String stringByRemovingMultipleSpaces(const String& string) {
+[[nodiscard]] inline String stringByRemovingMultipleSpaces(const String& string) {
     return stringByRemovingMultipleWhiteSpaces(string, RunClass::Spaces);
 }
 /// Feeds become LF, so that no empty line is left. Two feeds with a blank between stay two.
-inline String stringByRemovingMultipleFeeds(const String& string) {
+[[nodiscard]] inline String stringByRemovingMultipleFeeds(const String& string) {
     return stringByRemovingMultipleWhiteSpaces(string, RunClass::Feeds, u'\n');
 }
 

@@ -24,27 +24,33 @@ namespace velmo {
 //     isEqualToStringNoCase(u"Title", u"TITLE");                    // true
 //     isAsciiEqualToStringNoCase(u"\u00C4rger", u"arger");          // true
 
-VELMO_API bool isEqualToStringNoCase(std::u16string_view string, std::u16string_view other);
-VELMO_API bool isAsciiEqualToStringNoCase(std::u16string_view string, std::u16string_view other);
-VELMO_API bool isNonUmlautedEqualToStringNoCase(std::u16string_view string,
-                                                std::u16string_view other);
+[[nodiscard]] VELMO_API bool isEqualToStringNoCase(std::u16string_view string,
+                                                   std::u16string_view other);
+[[nodiscard]] VELMO_API bool isAsciiEqualToStringNoCase(std::u16string_view string,
+                                                        std::u16string_view other);
+[[nodiscard]] VELMO_API bool isNonUmlautedEqualToStringNoCase(std::u16string_view string,
+                                                              std::u16string_view other);
 
 // The same tests of a range against a whole string. A range that does not lie in the string
 // equals nothing. In the first two an empty range equals an absent string too.
 
 /// Unit by unit.
-VELMO_API bool rangeIsEqualTo(std::u16string_view string, Range range, std::u16string_view other);
-VELMO_API bool rangeIsEqualToNoCase(std::u16string_view string, Range range,
-                                    std::u16string_view other);
-VELMO_API bool rangeIsAsciiEqualToNoCase(std::u16string_view string, Range range,
-                                         std::u16string_view other);
-VELMO_API bool rangeIsNonUmlautedEqualToNoCase(std::u16string_view string, Range range,
-                                               std::u16string_view other);
+[[nodiscard]] VELMO_API bool rangeIsEqualTo(std::u16string_view string, Range range,
+                                            std::u16string_view other);
+[[nodiscard]] VELMO_API bool rangeIsEqualToNoCase(std::u16string_view string, Range range,
+                                                  std::u16string_view other);
+[[nodiscard]] VELMO_API bool rangeIsAsciiEqualToNoCase(std::u16string_view string, Range range,
+                                                       std::u16string_view other);
+[[nodiscard]] VELMO_API bool rangeIsNonUmlautedEqualToNoCase(std::u16string_view string,
+                                                             Range range,
+                                                             std::u16string_view other);
 
 /// Whether the string begins with the prefix, without regard to case. No string has an
 /// empty or absent prefix.
-VELMO_API bool hasPrefixNoCase(std::u16string_view string, std::u16string_view prefix);
+[[nodiscard]] VELMO_API bool hasPrefixNoCase(std::u16string_view string,
+                                             std::u16string_view prefix);
 /// The same for its end.
-VELMO_API bool hasSuffixNoCase(std::u16string_view string, std::u16string_view suffix);
+[[nodiscard]] VELMO_API bool hasSuffixNoCase(std::u16string_view string,
+                                             std::u16string_view suffix);
 
 }  // namespace velmo

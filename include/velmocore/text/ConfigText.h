@@ -20,23 +20,23 @@ namespace velmo {
 
 /// The lines that mean something, without the white space at their ends: no comments, no
 /// empty lines and none of a single unit.
-VELMO_API std::vector<String> configLines(std::u16string_view string);
+[[nodiscard]] VELMO_API std::vector<String> configLines(std::u16string_view string);
 
 /// The value of a line that begins with the key, without regard to case. Absent if the line
 /// has another key, or no value.
-VELMO_API String configValueForKey(std::u16string_view line, std::u16string_view key);
+[[nodiscard]] VELMO_API String configValueForKey(std::u16string_view line, std::u16string_view key);
 
 /// The index of the first key that equals the string without regard to case, or NotFound.
 /// The keys end at the first absent one.
-VELMO_API std::uint64_t typedValueForKeys(std::u16string_view string,
-                                          std::span<const std::u16string_view> keys);
-inline std::uint64_t typedValueForKeys(std::u16string_view string,
-                                       std::initializer_list<std::u16string_view> keys) {
+[[nodiscard]] VELMO_API std::uint64_t typedValueForKeys(std::u16string_view string,
+                                                        std::span<const std::u16string_view> keys);
+[[nodiscard]] inline std::uint64_t typedValueForKeys(
+    std::u16string_view string, std::initializer_list<std::u16string_view> keys) {
     return typedValueForKeys(string, std::span(keys.begin(), keys.size()));
 }
 
 /// Whether the string begins with an integer other than 0, or is "true", "yes" or "on" in
 /// any case.
-VELMO_API bool boolValue(std::u16string_view string);
+[[nodiscard]] VELMO_API bool boolValue(std::u16string_view string);
 
 }  // namespace velmo

@@ -20,15 +20,15 @@ struct ConversionTable {
 //     bool same = upper[u'\u00E4'] == upper[u'\u00C4'];   // true
 
 /// Lower case of every upper-case letter.
-VELMO_API const ConversionTable& lowerCharsTable();
+[[nodiscard]] VELMO_API const ConversionTable& lowerCharsTable();
 /// Upper case of every lower-case letter.
-VELMO_API const ConversionTable& upperCharsTable();
+[[nodiscard]] VELMO_API const ConversionTable& upperCharsTable();
 /// Every letter without its diacritics; case stays.
-VELMO_API const ConversionTable& umlautsCharsTable();
+[[nodiscard]] VELMO_API const ConversionTable& umlautsCharsTable();
 /// Without diacritics, then in lower case.
-VELMO_API const ConversionTable& lowerUmlautsCharsTable();
+[[nodiscard]] VELMO_API const ConversionTable& lowerUmlautsCharsTable();
 /// Without diacritics, then in upper case.
-VELMO_API const ConversionTable& upperUmlautsCharsTable();
+[[nodiscard]] VELMO_API const ConversionTable& upperUmlautsCharsTable();
 
 // The same tables under the names that warm them up ahead of time.
 inline const ConversionTable& initLowerCharsTable() { return lowerCharsTable(); }
@@ -38,17 +38,17 @@ inline const ConversionTable& initLowerUmlautsCharsTable() { return lowerUmlauts
 inline const ConversionTable& initUpperUmlautsCharsTable() { return upperUmlautsCharsTable(); }
 
 // One unit through a table.
-VELMO_API char16_t toLower(char16_t unit);
-VELMO_API char16_t toUpper(char16_t unit);
+[[nodiscard]] VELMO_API char16_t toLower(char16_t unit);
+[[nodiscard]] VELMO_API char16_t toUpper(char16_t unit);
 /// The unit without diacritics. Not limited to ASCII, despite the name.
-VELMO_API char16_t umlautsToAscii(char16_t unit);
-VELMO_API char16_t umlautsToUpperAscii(char16_t unit);
-VELMO_API char16_t umlautsToLowerAscii(char16_t unit);
+[[nodiscard]] VELMO_API char16_t umlautsToAscii(char16_t unit);
+[[nodiscard]] VELMO_API char16_t umlautsToUpperAscii(char16_t unit);
+[[nodiscard]] VELMO_API char16_t umlautsToLowerAscii(char16_t unit);
 
 // One unit to ASCII: without diacritics, and 32 if that is not below 128.
-VELMO_API char16_t toAscii(char16_t unit);
+[[nodiscard]] VELMO_API char16_t toAscii(char16_t unit);
 /// The same, then in upper or lower case by the ASCII rule.
-VELMO_API char16_t toUpperAscii(char16_t unit);
-VELMO_API char16_t toLowerAscii(char16_t unit);
+[[nodiscard]] VELMO_API char16_t toUpperAscii(char16_t unit);
+[[nodiscard]] VELMO_API char16_t toLowerAscii(char16_t unit);
 
 }  // namespace velmo

@@ -55,29 +55,30 @@ inline constexpr TextEncoding UTF8TextEncoding = 0x08000100;
 inline constexpr TextEncoding UnknownTextEncoding = 0xFFFFFFFF;
 
 /// The same encoding in the other number space; unknown gives unknown.
-VELMO_API StringEncoding stringEncodingOf(TextEncoding encoding) noexcept;
-VELMO_API TextEncoding textEncodingOf(StringEncoding encoding) noexcept;
+[[nodiscard]] VELMO_API StringEncoding stringEncodingOf(TextEncoding encoding) noexcept;
+[[nodiscard]] VELMO_API TextEncoding textEncodingOf(StringEncoding encoding) noexcept;
 
 /// Whether the library converts from and to an encoding.
-VELMO_API bool isEncodingAvailable(TextEncoding encoding) noexcept;
+[[nodiscard]] VELMO_API bool isEncodingAvailable(TextEncoding encoding) noexcept;
 
 /// The name that pages and headers use for an encoding, in lower case, as "utf-8" and
 /// "iso-8859-1"; empty if the encoding is not available.
 ///
 ///     ianaName(WindowsCP1252StringEncoding);   // "windows-1252"
-VELMO_API std::string_view ianaName(StringEncoding encoding) noexcept;
+[[nodiscard]] VELMO_API std::string_view ianaName(StringEncoding encoding) noexcept;
 
 /// The encoding of the process, UTF-8 at the start, which operations without one of their
 /// own use. Any value is taken. May be read and set on any thread.
-VELMO_API StringEncoding defaultEncoding() noexcept;
+[[nodiscard]] VELMO_API StringEncoding defaultEncoding() noexcept;
 VELMO_API void setDefaultEncoding(StringEncoding encoding) noexcept;
 
 /// The string's bytes in an encoding. A character that the encoding does not have makes the
 /// result absent, or with lossy becomes "?". So do an absent string and an encoding that is
 /// not available. UTF-16 and UTF-32 begin with a byte-order mark unless the encoding names
 /// the order.
-VELMO_API std::optional<Data> dataUsingEncoding(const String& string, StringEncoding encoding,
-                                                bool lossy = false);
+[[nodiscard]] VELMO_API std::optional<Data> dataUsingEncoding(const String& string,
+                                                              StringEncoding encoding,
+                                                              bool lossy = false);
 
 // Converters on plain arrays. Nothing is written beyond the destination, and no half of a
 // surrogate pair or of a UTF-8 sequence at its end. Bytes without a meaning become U+FFFD, a

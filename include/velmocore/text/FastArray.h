@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <span>
@@ -130,11 +129,11 @@ public:
         return indexOfObjectIdenticalTo(object) != NotFound;
     }
     /// The first index, or NotFound.
-    std::uint64_t indexOfObject(const T* object) const {
+    std::size_t indexOfObject(const T* object) const {
         if (!object) return NotFound;
         return indexOf(std::find_if(begin(), end(), [&](const T* o) { return *o == *object; }));
     }
-    std::uint64_t indexOfObjectIdenticalTo(const T* object) const noexcept {
+    std::size_t indexOfObjectIdenticalTo(const T* object) const noexcept {
         return indexOf(std::find(begin(), end(), object));
     }
 
@@ -237,8 +236,8 @@ private:
     void removeIf(Predicate predicate) {
         _count = static_cast<std::size_t>(std::remove_if(begin(), end(), predicate) - begin());
     }
-    std::uint64_t indexOf(T* const* place) const noexcept {
-        return place == end() ? NotFound : static_cast<std::uint64_t>(place - begin());
+    std::size_t indexOf(T* const* place) const noexcept {
+        return place == end() ? NotFound : static_cast<std::size_t>(place - begin());
     }
 
     std::size_t _capacity = LeastCapacity;

@@ -20,34 +20,38 @@ namespace velmo {
 //     fastCompareUnichars(u"abc", u"ab") > 0;                               // true
 //     fastCaseInsensitiveCompareUnicharsWithChars(u"Href", "HREF") == 0;    // true
 
-VELMO_API std::int64_t fastCompareUnichars(std::u16string_view a, std::u16string_view b);
-VELMO_API std::int64_t fastCompareUnicharsWithChars(std::u16string_view a, std::string_view b);
+[[nodiscard]] VELMO_API std::int64_t fastCompareUnichars(std::u16string_view a,
+                                                         std::u16string_view b);
+[[nodiscard]] VELMO_API std::int64_t fastCompareUnicharsWithChars(std::u16string_view a,
+                                                                  std::string_view b);
 /// Bytes as signed values.
-VELMO_API std::int64_t fastCompareChars(std::string_view a, std::string_view b);
+[[nodiscard]] VELMO_API std::int64_t fastCompareChars(std::string_view a, std::string_view b);
 
 /// Both through the table; null means as they are.
-VELMO_API std::int64_t fastCompareUnicharsUsingConversionTable(std::u16string_view a,
-                                                               std::u16string_view b,
-                                                               const ConversionTable* table);
+[[nodiscard]] VELMO_API std::int64_t fastCompareUnicharsUsingConversionTable(
+    std::u16string_view a, std::u16string_view b, const ConversionTable* table);
 
-VELMO_API std::int64_t fastCaseInsensitiveCompareUnichars(std::u16string_view a,
-                                                          std::u16string_view b);
-VELMO_API std::int64_t fastCaseInsensitiveCompareUnicharsWithChars(std::u16string_view a,
-                                                                   std::string_view b);
-VELMO_API std::int64_t fastCaseInsensitiveCompareChars(std::string_view a, std::string_view b);
+[[nodiscard]] VELMO_API std::int64_t fastCaseInsensitiveCompareUnichars(std::u16string_view a,
+                                                                        std::u16string_view b);
+[[nodiscard]] VELMO_API std::int64_t fastCaseInsensitiveCompareUnicharsWithChars(
+    std::u16string_view a, std::string_view b);
+[[nodiscard]] VELMO_API std::int64_t fastCaseInsensitiveCompareChars(std::string_view a,
+                                                                     std::string_view b);
 
 // The same under the names for strings.
 
-inline std::int64_t compareCharacters(std::u16string_view a, std::u16string_view b) {
+[[nodiscard]] inline std::int64_t compareCharacters(std::u16string_view a, std::u16string_view b) {
     return fastCompareUnichars(a, b);
 }
-inline std::int64_t compareCharacters(std::u16string_view a, std::string_view b) {
+[[nodiscard]] inline std::int64_t compareCharacters(std::u16string_view a, std::string_view b) {
     return fastCompareUnicharsWithChars(a, b);
 }
-inline std::int64_t caseInsensitiveCompareCharacters(std::u16string_view a, std::u16string_view b) {
+[[nodiscard]] inline std::int64_t caseInsensitiveCompareCharacters(std::u16string_view a,
+                                                                   std::u16string_view b) {
     return fastCaseInsensitiveCompareUnichars(a, b);
 }
-inline std::int64_t caseInsensitiveCompareCharacters(std::u16string_view a, std::string_view b) {
+[[nodiscard]] inline std::int64_t caseInsensitiveCompareCharacters(std::u16string_view a,
+                                                                   std::string_view b) {
     return fastCaseInsensitiveCompareUnicharsWithChars(a, b);
 }
 

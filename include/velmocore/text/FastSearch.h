@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <span>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/text/ConversionTables.h>
 
@@ -19,19 +20,20 @@ namespace velmo {
 
 /// Mind that the last possible start is never tried: a pattern at the very end of the text,
 /// or one as long as the text, is not found. Callers count on it; the others find it.
-VELMO_API std::uint64_t fastContainsUnichars(std::u16string_view text, std::u16string_view pattern);
-VELMO_API std::uint64_t fastCaseInsensitiveContainsUnichars(std::u16string_view text,
-                                                            std::u16string_view pattern);
-VELMO_API std::uint64_t fastUnicharsContainChars(std::u16string_view text,
-                                                 std::string_view pattern);
-VELMO_API std::uint64_t fastCaseInsensitiveUnicharsContainChars(std::u16string_view text,
-                                                                std::string_view pattern);
+[[nodiscard]] VELMO_API std::size_t fastContainsUnichars(std::u16string_view text,
+                                                         std::u16string_view pattern);
+[[nodiscard]] VELMO_API std::size_t fastCaseInsensitiveContainsUnichars(
+    std::u16string_view text, std::u16string_view pattern);
+[[nodiscard]] VELMO_API std::size_t fastUnicharsContainChars(std::u16string_view text,
+                                                             std::string_view pattern);
+[[nodiscard]] VELMO_API std::size_t fastCaseInsensitiveUnicharsContainChars(
+    std::u16string_view text, std::string_view pattern);
 
 /// Takes the pattern first.
-inline std::uint64_t positionOfCharacters(std::string_view pattern, std::u16string_view text,
-                                          bool caseSensitive) {
-    return caseSensitive ? fastUnicharsContainChars(text, pattern)
-                         : fastCaseInsensitiveUnicharsContainChars(text, pattern);
+[[nodiscard]] inline std::size_t positionOfCharacters(std::string_view pattern,
+                                                      std::u16string_view text, Case letterCase) {
+    return letterCase == Case::Sensitive ? fastUnicharsContainChars(text, pattern)
+                                         : fastCaseInsensitiveUnicharsContainChars(text, pattern);
 }
 
 /// Whether any of the keywords occurs in the text. With a table the text is mapped through
@@ -40,8 +42,8 @@ inline std::uint64_t positionOfCharacters(std::string_view pattern, std::u16stri
 ///
 ///     constexpr std::string_view Hosts[] = {"doubleclick.net", "/adserver/"};
 ///     fastContainsSubCStrings(url, Hosts, &lowerCharsTable());
-VELMO_API bool fastContainsSubCStrings(std::u16string_view text,
-                                       std::span<const std::string_view> keywords,
-                                       const ConversionTable* table);
+[[nodiscard]] VELMO_API bool fastContainsSubCStrings(std::u16string_view text,
+                                                     std::span<const std::string_view> keywords,
+                                                     const ConversionTable* table);
 
 }  // namespace velmo

@@ -18,43 +18,43 @@ namespace velmo {
 // changes the result is the string itself.
 
 /// Without diacritics.
-VELMO_API String nonUmlautedString(const String& string);
-VELMO_API String lowercaseNonUmlautedString(const String& string);
-VELMO_API String uppercaseNonUmlautedString(const String& string);
+[[nodiscard]] VELMO_API String nonUmlautedString(const String& string);
+[[nodiscard]] VELMO_API String lowercaseNonUmlautedString(const String& string);
+[[nodiscard]] VELMO_API String uppercaseNonUmlautedString(const String& string);
 
 // These compose the text first (normalisation form C) and so remove the marks of decomposed
 // text too. The result is always a new string; its length may differ.
 
-VELMO_API String nonUmlautedNormalizedString(const String& string);
-VELMO_API String lowercaseNonUmlautedNormalizedString(const String& string);
-VELMO_API String uppercaseNonUmlautedNormalizedString(const String& string);
+[[nodiscard]] VELMO_API String nonUmlautedNormalizedString(const String& string);
+[[nodiscard]] VELMO_API String lowercaseNonUmlautedNormalizedString(const String& string);
+[[nodiscard]] VELMO_API String uppercaseNonUmlautedNormalizedString(const String& string);
 /// Without diacritics; a blank for every unit that is not ASCII then. See toAscii().
-VELMO_API String asciiString(const String& string);
-VELMO_API String lowercaseAsciiString(const String& string);
-VELMO_API String uppercaseAsciiString(const String& string);
+[[nodiscard]] VELMO_API String asciiString(const String& string);
+[[nodiscard]] VELMO_API String lowercaseAsciiString(const String& string);
+[[nodiscard]] VELMO_API String uppercaseAsciiString(const String& string);
 
 /// Every unit through the table: always a new string. A null table gives the string itself.
-VELMO_API String stringByApplyingConversionTable(const String& string,
-                                                 const ConversionTable* table);
+[[nodiscard]] VELMO_API String stringByApplyingConversionTable(const String& string,
+                                                               const ConversionTable* table);
 
 /// The units of alphaNumCharacterSetRep(), each through the table unless it is null. Always
 /// a new string.
-VELMO_API String stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(
+[[nodiscard]] VELMO_API String stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(
     const String& string, const ConversionTable* table);
 
 /// No unit above 127; true for an empty string.
-VELMO_API bool isAsciiString(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isAsciiString(std::u16string_view string);
 /// No byte above 127; true for no data.
-VELMO_API bool isAsciiString(Bytes data);
+[[nodiscard]] VELMO_API bool isAsciiString(Bytes data);
 /// Some unit has diacritics; false for an empty string.
-VELMO_API bool isUmlautedString(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isUmlautedString(std::u16string_view string);
 /// No upper-case letter; true for an empty string and for text without letters.
-VELMO_API bool isLowerCaseString(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isLowerCaseString(std::u16string_view string);
 /// No lower-case letter that has an upper-case form of one unit; true likewise.
-VELMO_API bool isUpperCaseString(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isUpperCaseString(std::u16string_view string);
 
 /// The lowest and the highest unit of alphaCharacterSetRep().
-VELMO_API char16_t firstAlphaCharacter();
-VELMO_API char16_t lastAlphaCharacter();
+[[nodiscard]] VELMO_API char16_t firstAlphaCharacter();
+[[nodiscard]] VELMO_API char16_t lastAlphaCharacter();
 
 }  // namespace velmo

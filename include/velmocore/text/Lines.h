@@ -16,15 +16,15 @@ namespace velmo {
 
 /// The number of lines, empty ones included; 0 for an empty string. A line end at the very
 /// end starts no further line.
-VELMO_API std::size_t numberOfLines(std::u16string_view string);
+[[nodiscard]] VELMO_API std::size_t numberOfLines(std::u16string_view string);
 /// The lines, each with its line end.
-VELMO_API std::vector<String> lines(std::u16string_view string);
+[[nodiscard]] VELMO_API std::vector<String> lines(std::u16string_view string);
 /// What stands before the first feed unit; the string itself if there is none. Looks no
 /// further than that.
-VELMO_API String firstLine(const String& string);
+[[nodiscard]] VELMO_API String firstLine(const String& string);
 /// The feed units at the end of the string; empty if there are none.
-VELMO_API String feedOfLine(std::u16string_view string);
+[[nodiscard]] VELMO_API String feedOfLine(std::u16string_view string);
 /// Whether the last unit is a feed unit.
-VELMO_API bool hasFeedOfLine(std::u16string_view string);
+[[nodiscard]] VELMO_API bool hasFeedOfLine(std::u16string_view string);
 
 }  // namespace velmo

@@ -14,20 +14,21 @@ enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 
 // Composed, decomposed, in lower or upper case: whole texts, where the length may change.
 // No locale has a say. Always a new string; an absent or empty one comes back as it is.
-// A text beyond 2^31 units is refused with std::bad_alloc.
+// A text beyond 2^31 units is refused with std::bad_alloc. The time is linear in the text, runs
+// of any number of combining marks included: none is cut.
 //
 //     normalizedString(u"a\u0308");                          // U+00E4
 //     fixedAndNormalizedString(u"a\U0001F600");              // a and two blanks
 
-VELMO_API String normalizedString(const String& string,
-                                  NormalizationForm form = NormalizationForm::C);
+[[nodiscard]] VELMO_API String normalizedString(const String& string,
+                                                NormalizationForm form = NormalizationForm::C);
 /// Form C, then lower case.
-VELMO_API String normalizedLowercaseString(const String& string);
+[[nodiscard]] VELMO_API String normalizedLowercaseString(const String& string);
 /// Form C, then upper case.
-VELMO_API String normalizedUppercaseString(const String& string);
+[[nodiscard]] VELMO_API String normalizedUppercaseString(const String& string);
 /// Safe for keeping: a blank for each NUL, each surrogate (a character outside the 16-bit
 /// plane so becomes two) and each unit from U+F400 to U+F8FF, then form C.
-VELMO_API String fixedAndNormalizedString(const String& string);
+[[nodiscard]] VELMO_API String fixedAndNormalizedString(const String& string);
 
 // In place.
 
@@ -47,8 +48,8 @@ VELMO_API void convertLigaturesToCharacters(std::u16string& text);
 
 /// A new string with the same units; an empty one comes back as it is. Strings are always
 /// one array, so there is nothing to gain.
-VELMO_API String optimizedString(const String& string);
-inline std::u16string optimizedMutableString(std::u16string_view string) {
+[[nodiscard]] VELMO_API String optimizedString(const String& string);
+[[nodiscard]] inline std::u16string optimizedMutableString(std::u16string_view string) {
     return std::u16string(string);
 }
 

@@ -23,59 +23,64 @@ namespace velmo {
 /// The path from the directory to the receiver: "../" for each component of the directory that
 /// they do not share, or "./" if there is none, and what is left of the receiver. Both are
 /// standardised first.
-VELMO_API String relativePathToDirectory(std::u16string_view path, std::u16string_view directory);
+[[nodiscard]] VELMO_API String relativePathToDirectory(std::u16string_view path,
+                                                       std::u16string_view directory);
 
 /// Whether the path is the directory's or lies below it. False for an absent directory, for
 /// the root, and if both are the very same string and not only equal ones.
-VELMO_API bool pathIsInDirectory(const String& path, const String& directory);
+[[nodiscard]] VELMO_API bool pathIsInDirectory(const String& path, const String& directory);
 /// The same for any of them.
-VELMO_API bool pathIsInDirectories(const String& path, std::span<const String> directories);
+[[nodiscard]] VELMO_API bool pathIsInDirectories(const String& path,
+                                                 std::span<const String> directories);
 
 /// What stands before the last component; a path that ends in a slash loses just that slash.
-VELMO_API String stringByDeletingFileComponent(std::u16string_view path);
+[[nodiscard]] VELMO_API String stringByDeletingFileComponent(std::u16string_view path);
 
 /// The components without empty ones, "." and slashes, but for a slash in the first place, the
 /// root. ".." goes with the component before it, the root too, or alone at the start.
-VELMO_API std::vector<String> standardizedPathComponents(std::u16string_view path);
+[[nodiscard]] VELMO_API std::vector<String> standardizedPathComponents(std::u16string_view path);
 /// The same, joined again.
-VELMO_API String standardizedPath(std::u16string_view path);
+[[nodiscard]] VELMO_API String standardizedPath(std::u16string_view path);
 
 /// Appends the extension, unless the path has it already in any case. An absent one gives the
 /// path itself.
-VELMO_API String stringByAppendingPathExtensionIfNecessary(const String& path,
-                                                           const String& extension);
+[[nodiscard]] VELMO_API String stringByAppendingPathExtensionIfNecessary(const String& path,
+                                                                         const String& extension);
 /// Exchanges the extension. The path itself if it has just that one, or if it is absent.
-VELMO_API String stringByReplacingPathExtensionWith(const String& path, const String& extension);
+[[nodiscard]] VELMO_API String stringByReplacingPathExtensionWith(const String& path,
+                                                                  const String& extension);
 
 /// Whether the path's extension is in the array, in any case.
-VELMO_API bool pathMatchingExtensions(std::u16string_view path, std::span<const String> extensions);
+[[nodiscard]] VELMO_API bool pathMatchingExtensions(std::u16string_view path,
+                                                    std::span<const String> extensions);
 /// The same. Types of files are kept nowhere on this platform, so that none matches.
-VELMO_API bool pathMatchingExtensionsOrTypes(std::u16string_view path,
-                                             std::span<const String> extensionsOrTypes);
+[[nodiscard]] VELMO_API bool pathMatchingExtensionsOrTypes(
+    std::u16string_view path, std::span<const String> extensionsOrTypes);
 
 /// One to 17 letters, marks and numbers.
-VELMO_API bool isValidPathExtension(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isValidPathExtension(std::u16string_view extension);
 /// The path's extension up to the first of ?&;=#, as of a URL; empty if it is not valid.
-VELMO_API String validPathExtension(std::u16string_view path);
+[[nodiscard]] VELMO_API String validPathExtension(std::u16string_view path);
 /// What stands behind the last full stop, in lower case, which may begin its component. Absent
 /// if there is none, or a slash behind it, or the path has fewer than two units.
-VELMO_API String lowercasePathExtension(std::u16string_view path);
+[[nodiscard]] VELMO_API String lowercasePathExtension(std::u16string_view path);
 
 // Names for files. The first four give a name of 250 units and 250 bytes of UTF-8 at most; it
 // ends before half a surrogate pair, which no file name can hold.
 
-VELMO_API String stringByCreatingFileSystemRepresentation(std::u16string_view name);
+[[nodiscard]] VELMO_API String stringByCreatingFileSystemRepresentation(std::u16string_view name);
 /// Room is kept for a full stop and the extension, which are appended unless they are there.
 /// An extension that is not 1 to 17 units long is ignored.
-VELMO_API String stringByCreatingFileSystemRepresentationByAppendingExtension(
+[[nodiscard]] VELMO_API String stringByCreatingFileSystemRepresentationByAppendingExtension(
     std::u16string_view name, std::u16string_view extension);
 VELMO_API void createFileSystemRepresentation(std::u16string& name);
 VELMO_API void createFileSystemRepresentationAndAppendExtension(std::u16string& name,
                                                                 std::u16string_view extension);
 
-/// A legal file name of any text: in form C, without . / : and _ at its ends, of 250 units at
-/// most, and with a hyphen for each of * / : < > ? \ |.
-VELMO_API String stringByCreatingFilename(std::u16string_view text);
+/// A legal file name of any text: in form C, without . / : and _ at its ends, of 250 units and
+/// 255 bytes of UTF-8 at most, and with a hyphen for each of * / : < > ? \ | and NUL. No
+/// surrogate pair is cut.
+[[nodiscard]] VELMO_API String stringByCreatingFilename(std::u16string_view text);
 VELMO_API void createFilename(std::u16string& text);
 
 }  // namespace velmo

@@ -17,12 +17,12 @@ namespace velmo {
 /// A break at the end goes, and every run of spaces becomes a blank.
 ///
 ///     reformattedMailing(u"one\ntwo\n> three");    // one two, and the quote on its own line
-VELMO_API String reformattedMailing(const String& string);
+[[nodiscard]] VELMO_API String reformattedMailing(const String& string);
 
 /// Unwraps a text line by line: each line is freed of the given characters and trimmed, and
 /// the lines of a paragraph are joined by blanks. Paragraphs end at empty lines, of which one
 /// is left. Runs of spaces become blanks.
-VELMO_API String reformattedStringByRemovingCharactersOfString(const String& string,
-                                                               std::u16string_view characters);
+[[nodiscard]] VELMO_API String
+reformattedStringByRemovingCharactersOfString(const String& string, std::u16string_view characters);
 
 }  // namespace velmo

@@ -18,24 +18,24 @@ namespace velmo {
 // The result is the string itself if nothing goes, the constant empty string if everything
 // does, else a new string. An absent string stays absent.
 
-VELMO_API String stringByRemovingFeeds(const String& string);
-VELMO_API String stringByRemovingTabs(const String& string);
-VELMO_API String stringByRemovingSpaces(const String& string);
-VELMO_API String stringByRemovingDigits(const String& string);
+[[nodiscard]] VELMO_API String stringByRemovingFeeds(const String& string);
+[[nodiscard]] VELMO_API String stringByRemovingTabs(const String& string);
+[[nodiscard]] VELMO_API String stringByRemovingSpaces(const String& string);
+[[nodiscard]] VELMO_API String stringByRemovingDigits(const String& string);
 /// Removes one unit, despite the plural.
-VELMO_API String stringByRemovingCharacters(const String& string, char16_t unit);
+[[nodiscard]] VELMO_API String stringByRemovingCharacters(const String& string, char16_t unit);
 /// Removes every unit that occurs in the argument.
-VELMO_API String stringByRemovingCharactersOfString(const String& string,
-                                                    std::u16string_view characters);
+[[nodiscard]] VELMO_API String stringByRemovingCharactersOfString(const String& string,
+                                                                  std::u16string_view characters);
 
 // These always give a new string, unless theirs is empty.
 
 /// Without digits, the rest in lower case.
-VELMO_API String lowercaseStringByRemovingDigits(const String& string);
+[[nodiscard]] VELMO_API String lowercaseStringByRemovingDigits(const String& string);
 /// Without digits, the rest in upper case.
-VELMO_API String uppercaseStringByRemovingDigits(const String& string);
+[[nodiscard]] VELMO_API String uppercaseStringByRemovingDigits(const String& string);
 /// Digits and full stops only.
-VELMO_API String stringByRemovingNonIPCharacters(const String& string);
+[[nodiscard]] VELMO_API String stringByRemovingNonIPCharacters(const String& string);
 
 // In place, in one pass.
 

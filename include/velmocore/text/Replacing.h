@@ -9,6 +9,7 @@
 #include <variant>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 
 namespace velmo {
@@ -24,24 +25,30 @@ namespace velmo {
 
 /// Always case sensitive for a unit that has two cases, whatever the flag says;
 /// replaceCharacter() honours it.
-VELMO_API String stringByReplacingCharacter(const String& string, char16_t from, char16_t to,
-                                            bool caseSensitive = true);
+[[nodiscard]] VELMO_API String stringByReplacingCharacter(const String& string, char16_t from,
+                                                          char16_t to,
+                                                          Case letterCase = Case::Sensitive);
 /// An absent replacement gives the string itself; an empty one deletes.
-VELMO_API String stringByReplacingString(const String& string, std::u16string_view sought,
-                                         const String& replacement, bool caseSensitive = true);
+[[nodiscard]] VELMO_API String stringByReplacingString(const String& string,
+                                                       std::u16string_view sought,
+                                                       const String& replacement,
+                                                       Case letterCase = Case::Sensitive);
 
 /// Moves the letters a to z and A to Z on by so many places of the alphabet, round its end;
 /// other units stay. A multiple of 26 gives the string itself, else it is a new one.
-VELMO_API String stringByRotating(const String& string, std::int64_t places);
-inline String stringByRotating13(const String& string) { return stringByRotating(string, 13); }
+[[nodiscard]] VELMO_API String stringByRotating(const String& string, std::int64_t places);
+[[nodiscard]] inline String stringByRotating13(const String& string) {
+    return stringByRotating(string, 13);
+}
 
 // In place; the result is the number of replacements.
 
 /// An absent replacement is an empty one.
 VELMO_API std::size_t replaceString(std::u16string& text, std::u16string_view sought,
-                                    std::u16string_view replacement, bool caseSensitive = true);
+                                    std::u16string_view replacement,
+                                    Case letterCase = Case::Sensitive);
 VELMO_API std::size_t replaceCharacter(std::u16string& text, char16_t from, char16_t to,
-                                       bool caseSensitive = true);
+                                       Case letterCase = Case::Sensitive);
 inline std::size_t deleteString(std::u16string& text, std::u16string_view sought) {
     return replaceString(text, sought, u"");
 }
@@ -56,7 +63,7 @@ public:
     FormatArgument(const char16_t* value) : value_(String(value)) {}
     FormatArgument(const char* utf8) : value_(utf8 ? String::fromUTF8(utf8) : String()) {}
 
-    const std::variant<std::int64_t, double, String>& value() const { return value_; }
+    [[nodiscard]] const std::variant<std::int64_t, double, String>& value() const { return value_; }
 
 private:
     std::variant<std::int64_t, double, String> value_;
@@ -67,8 +74,8 @@ private:
 /// stands. An absent format replaces nothing.
 ///
 ///     replaceStringWithFormat(page, u"$PAGE", u"%d of %d", {3, 12});
-VELMO_API std::size_t replaceStringWithFormat(std::u16string& text, std::u16string_view sought,
-                                              std::u16string_view format,
-                                              std::initializer_list<FormatArgument> arguments);
+[[nodiscard]] VELMO_API std::size_t replaceStringWithFormat(
+    std::u16string& text, std::u16string_view sought, std::u16string_view format,
+    std::initializer_list<FormatArgument> arguments);
 
 }  // namespace velmo

@@ -19,34 +19,36 @@ namespace velmo {
 //
 //     pathInCachesDirectory(u"thumbnails");    // /home/ada/Library/Caches/thumbnails
 
-VELMO_API const String& homeDirectory();
-VELMO_API const String& desktopDirectory();             ///< else "Desktop"
-VELMO_API const String& downloadsDirectory();           ///< else "Downloads"
-VELMO_API const String& libraryDirectory();             ///< "Library"
-VELMO_API const String& preferencesDirectory();         ///< "Preferences" in the library folder
-VELMO_API const String& cachesDirectory();              ///< else "Caches" in the library folder
-VELMO_API const String& applicationSupportDirectory();  ///< else "Application Support" in it
+[[nodiscard]] VELMO_API const String& homeDirectory();
+[[nodiscard]] VELMO_API const String& desktopDirectory();    ///< else "Desktop"
+[[nodiscard]] VELMO_API const String& downloadsDirectory();  ///< else "Downloads"
+[[nodiscard]] VELMO_API const String& libraryDirectory();    ///< "Library"
+[[nodiscard]] VELMO_API const String&
+preferencesDirectory();                                   ///< "Preferences" in the library folder
+[[nodiscard]] VELMO_API const String& cachesDirectory();  ///< else "Caches" in the library folder
+[[nodiscard]] VELMO_API const String&
+applicationSupportDirectory();  ///< else "Application Support" in it
 
-VELMO_API String pathInHomeDirectory(std::u16string_view component);
-VELMO_API String pathInLibraryDirectory(std::u16string_view component);
-VELMO_API String pathInPreferencesDirectory(std::u16string_view component);
-VELMO_API String pathInCachesDirectory(std::u16string_view component);
-VELMO_API String pathInApplicationSupportDirectory(std::u16string_view component);
+[[nodiscard]] VELMO_API String pathInHomeDirectory(std::u16string_view component);
+[[nodiscard]] VELMO_API String pathInLibraryDirectory(std::u16string_view component);
+[[nodiscard]] VELMO_API String pathInPreferencesDirectory(std::u16string_view component);
+[[nodiscard]] VELMO_API String pathInCachesDirectory(std::u16string_view component);
+[[nodiscard]] VELMO_API String pathInApplicationSupportDirectory(std::u16string_view component);
 
 /// The home folder outside any sandbox: what stands before "/Library/Containers/" in it.
-VELMO_API const String& userHomeDirectory();
+[[nodiscard]] VELMO_API const String& userHomeDirectory();
 /// "Library" in the home folder outside any sandbox.
-VELMO_API const String& userLibraryDirectory();
-VELMO_API const String& iCloudFolder();
+[[nodiscard]] VELMO_API const String& userLibraryDirectory();
+[[nodiscard]] VELMO_API const String& iCloudFolder();
 /// The folders that the client's own settings name, the personal one first; "Dropbox" in the
 /// home folder if they name none.
-VELMO_API const std::vector<String>& DropboxFolders();
+[[nodiscard]] VELMO_API const std::vector<String>& DropboxFolders();
 
 /// Whether the path lies in a folder that a service keeps in the cloud.
-VELMO_API bool isCloudFolder(const String& path);
+[[nodiscard]] VELMO_API bool isCloudFolder(const String& path);
 /// Whether the files of the folder may be elsewhere at times: those of a cloud folder.
-VELMO_API bool isVolatileFolder(const String& path);
+[[nodiscard]] VELMO_API bool isVolatileFolder(const String& path);
 /// Whether the path lies where files are kept for a while only.
-VELMO_API bool isTemporaryPath(std::u16string_view path);
+[[nodiscard]] VELMO_API bool isTemporaryPath(std::u16string_view path);
 
 }  // namespace velmo

@@ -14,18 +14,20 @@ namespace velmo {
 //
 //     stringWithCString("caf\xE9", ISOLatin1StringEncoding);
 
-VELMO_API String stringWithData(Bytes data, StringEncoding encoding);
+[[nodiscard]] VELMO_API String stringWithData(Bytes data, StringEncoding encoding);
 /// The bytes need no terminator; null is absent.
-VELMO_API String stringWithBytes(const void* bytes, std::size_t length, StringEncoding encoding);
-VELMO_API String stringWithCString(const char* cString, std::size_t length,
-                                   StringEncoding encoding);
-VELMO_API String stringWithNullTerminatedCString(const char* cString, StringEncoding encoding);
+[[nodiscard]] VELMO_API String stringWithBytes(const void* bytes, std::size_t length,
+                                               StringEncoding encoding);
+[[nodiscard]] VELMO_API String stringWithCString(const char* cString, std::size_t length,
+                                                 StringEncoding encoding);
+[[nodiscard]] VELMO_API String stringWithNullTerminatedCString(const char* cString,
+                                                               StringEncoding encoding);
 
 // Strings and files. Paths are those of the file system. No operation tells why it failed:
 // reading gives an absent string, writing false.
 
 /// Whether an encoding asks for detection: 0, and 4294967280 and above.
-constexpr bool isUnknownEncoding(StringEncoding encoding) {
+[[nodiscard]] constexpr bool isUnknownEncoding(StringEncoding encoding) {
     return encoding == 0 || encoding >= KamenickyStringEncoding;
 }
 
@@ -33,12 +35,14 @@ constexpr bool isUnknownEncoding(StringEncoding encoding) {
 /// byte-order mark, else UTF-8 if the bytes are; and if they are not, the file is read as
 /// ASCII.
 /// @param usedEncoding  if given, the encoding that the file was read in
-VELMO_API String stringWithContentsOfFile(const String& path, StringEncoding encoding,
-                                          StringEncoding* usedEncoding = nullptr);
+[[nodiscard]] VELMO_API String stringWithContentsOfFile(const String& path, StringEncoding encoding,
+                                                        StringEncoding* usedEncoding = nullptr);
 
 /// Writes a string to a file. Atomically: it goes to a file beside it first, which then takes
-/// its place. False if the string is absent, has a character that the encoding does not have,
-/// or cannot be written; the file is then as it was.
+/// its place and its permissions; a symbolic link stays one. False if the string is absent or
+/// has a character that the encoding does not have: nothing is touched then. False also if the
+/// bytes could not be stored: written atomically the file is then as it was; otherwise it is cut
+/// or missing, with any part of the bytes in it.
 VELMO_API bool writeToFile(const String& string, const String& path, bool atomically,
                            StringEncoding encoding);
 
@@ -53,13 +57,13 @@ VELMO_API bool writeToFileUsingFastestEncoding(const String& string, const Strin
                                                bool atomically,
                                                StringEncoding* usedEncoding = nullptr);
 /// In the first of ASCII, Latin 1 that has all of its characters; else in the shorter of UTF-8
-/// and UTF-16.
+/// and UTF-16, which alone has half a surrogate pair.
 VELMO_API bool writeToFileUsingSmallestEncoding(const String& string, const String& path,
                                                 bool atomically,
                                                 StringEncoding* usedEncoding = nullptr);
 
 /// The encodings that these two choose.
-VELMO_API StringEncoding fastestEncoding(std::u16string_view string) noexcept;
-VELMO_API StringEncoding smallestEncoding(std::u16string_view string) noexcept;
+[[nodiscard]] VELMO_API StringEncoding fastestEncoding(std::u16string_view string) noexcept;
+[[nodiscard]] VELMO_API StringEncoding smallestEncoding(std::u16string_view string) noexcept;
 
 }  // namespace velmo

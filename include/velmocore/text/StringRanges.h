@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -35,8 +36,8 @@ public:
         _start = start.isEmpty() ? String() : start;
         _end = end.isEmpty() ? String() : end;
     }
-    const String& start() const { return _start; }
-    const String& end() const { return _end; }
+    [[nodiscard]] const String& start() const { return _start; }
+    [[nodiscard]] const String& end() const { return _end; }
 
 private:
     String _start, _end;
@@ -50,15 +51,18 @@ private:
 /// The text between the markers, without them. Without an end marker, or if it does not occur,
 /// it goes to the end of the string; but then there is none if it is required, or with
 /// BackwardsSearch. No range without a start marker, or if that does not occur.
-VELMO_API Range stringRangeWithStart(std::u16string_view string, std::u16string_view start,
-                                     std::u16string_view end, bool isRequired,
-                                     SearchOptions options = DefaultSearch);
+[[nodiscard]] VELMO_API Range stringRangeWithStart(std::u16string_view string,
+                                                   std::u16string_view start,
+                                                   std::u16string_view end, bool isRequired,
+                                                   SearchOptions options = DefaultSearch);
 
 /// That text, the end marker not required; absent if there is none or it is empty.
-VELMO_API String substringWithStart(const String& string, std::u16string_view start,
-                                    std::u16string_view end, SearchOptions options = DefaultSearch);
-VELMO_API String substringWithStringRange(const String& string, const StringRange& range,
-                                          SearchOptions options = DefaultSearch);
+[[nodiscard]] VELMO_API String substringWithStart(const String& string, std::u16string_view start,
+                                                  std::u16string_view end,
+                                                  SearchOptions options = DefaultSearch);
+[[nodiscard]] VELMO_API String substringWithStringRange(const String& string,
+                                                        const StringRange& range,
+                                                        SearchOptions options = DefaultSearch);
 
 /// Deletes that text with both markers; nothing unless both are there.
 VELMO_API void deleteCharactersInRangeWithStart(std::u16string& text, std::u16string_view start,
@@ -70,9 +74,9 @@ VELMO_API void deleteCharactersInStringRange(std::u16string& text, const StringR
 /// Where the first of the strings that occurs does, from the index on: their order counts, not
 /// that in the text. The list ends at the first absent string. NotFound if none occurs, or the
 /// index is not below the length.
-VELMO_API std::uint64_t findStrings(std::u16string_view string,
-                                    std::initializer_list<String> sought,
-                                    SearchOptions options = DefaultSearch,
-                                    std::uint64_t startAt = 0);
+[[nodiscard]] VELMO_API std::size_t findStrings(std::u16string_view string,
+                                                std::initializer_list<String> sought,
+                                                SearchOptions options = DefaultSearch,
+                                                std::size_t startAt = 0);
 
 }  // namespace velmo

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
@@ -19,22 +19,23 @@ namespace velmo {
 
 /// The word of alphaNumCharacterSetRep() that the unit at the index belongs to; none if it is
 /// no word unit. NotFound stands for the last index.
-VELMO_API Range getWordRangeAtIndex(std::u16string_view string, std::uint64_t index);
-VELMO_API String getWordAtIndex(std::u16string_view string, std::uint64_t index);
+[[nodiscard]] VELMO_API Range getWordRangeAtIndex(std::u16string_view string, std::size_t index);
+[[nodiscard]] VELMO_API String getWordAtIndex(std::u16string_view string, std::size_t index);
 /// The word at the very start; empty if the string begins with another unit.
-VELMO_API String firstWord(std::u16string_view string);
+[[nodiscard]] VELMO_API String firstWord(std::u16string_view string);
 /// The word at the very end; empty if the string ends with another unit.
-VELMO_API String lastWord(std::u16string_view string);
+[[nodiscard]] VELMO_API String lastWord(std::u16string_view string);
 
 /// The units around the index up to the next separator on either side.
-VELMO_API Range getSubstringRangeAtIndex(std::u16string_view string, std::uint64_t index,
-                                         const CharacterSetRep& separators);
-VELMO_API String getSubstringAtIndex(std::u16string_view string, std::uint64_t index,
-                                     const CharacterSetRep& separators);
+[[nodiscard]] VELMO_API Range getSubstringRangeAtIndex(std::u16string_view string,
+                                                       std::size_t index,
+                                                       const CharacterSetRep& separators);
+[[nodiscard]] VELMO_API String getSubstringAtIndex(std::u16string_view string, std::size_t index,
+                                                   const CharacterSetRep& separators);
 
 /// The URL around the index, or the mail address if the unit at the index is its @. White
 /// space and angle brackets end it, punctuation at its end does not belong to it.
-VELMO_API Range getLinkRangeAtIndex(std::u16string_view string, std::uint64_t index);
-VELMO_API String getLinkAtIndex(std::u16string_view string, std::uint64_t index);
+[[nodiscard]] VELMO_API Range getLinkRangeAtIndex(std::u16string_view string, std::size_t index);
+[[nodiscard]] VELMO_API String getLinkAtIndex(std::u16string_view string, std::size_t index);
 
 }  // namespace velmo

@@ -19,44 +19,49 @@ namespace velmo {
 //     stringByTrimmingSpacesAndFeeds(u"  one two\r\n", true);    // one two
 //     stringByTrimmingQuotes(u"'\"x\"'");                        // x
 
-VELMO_API String stringByTrimmingSpacesAndFeeds(const String& string, bool andFeeds);
-VELMO_API String stringByTrimmingSpacesOfLeftSideAndFeeds(const String& string, bool andFeeds);
-VELMO_API String stringByTrimmingSpacesOfRightSideAndFeeds(const String& string, bool andFeeds);
+[[nodiscard]] VELMO_API String stringByTrimmingSpacesAndFeeds(const String& string, bool andFeeds);
+[[nodiscard]] VELMO_API String stringByTrimmingSpacesOfLeftSideAndFeeds(const String& string,
+                                                                        bool andFeeds);
+[[nodiscard]] VELMO_API String stringByTrimmingSpacesOfRightSideAndFeeds(const String& string,
+                                                                         bool andFeeds);
 
 /// Trims the platform's white space: Zs, Zl, Zp, U+0009 to U+000D and U+0085. It leaves NUL,
 /// U+0003, U+FEFF and U+FFFC in place. Always a new string, unless the string is empty.
-VELMO_API String stringByTrimmingWhiteSpaces(const String& string);
+[[nodiscard]] VELMO_API String stringByTrimmingWhiteSpaces(const String& string);
 
-VELMO_API String stringByTrimmingCharacter(const String& string, char16_t unit);
+[[nodiscard]] VELMO_API String stringByTrimmingCharacter(const String& string, char16_t unit);
 /// At the left end only.
-VELMO_API String stringByTrimmingPrefixCharacter(const String& string, char16_t unit);
+[[nodiscard]] VELMO_API String stringByTrimmingPrefixCharacter(const String& string, char16_t unit);
 /// At the right end only.
-VELMO_API String stringByTrimmingSuffixCharacter(const String& string, char16_t unit);
+[[nodiscard]] VELMO_API String stringByTrimmingSuffixCharacter(const String& string, char16_t unit);
 
 /// Trims the units outside the set.
-VELMO_API String stringByTrimmingCharactersNotInRep(const String& string,
-                                                    const CharacterSetRep& set);
+[[nodiscard]] VELMO_API String stringByTrimmingCharactersNotInRep(const String& string,
+                                                                  const CharacterSetRep& set);
 /// Trims ' and ", in any order.
-VELMO_API String stringByTrimmingQuotes(const String& string);
+[[nodiscard]] VELMO_API String stringByTrimmingQuotes(const String& string);
 /// Trims digitCharacterSetRep().
-VELMO_API String stringByTrimmingDigits(const String& string);
+[[nodiscard]] VELMO_API String stringByTrimmingDigits(const String& string);
 /// Trims U+2026 and full stops, in any order, at the right end only. A single full stop
 /// goes too.
-VELMO_API String stringByTrimmingEllipsis(const String& string);
+[[nodiscard]] VELMO_API String stringByTrimmingEllipsis(const String& string);
 /// Trims feed units, at the right end only.
-VELMO_API String stringByTrimmingFeeds(const String& string);
+[[nodiscard]] VELMO_API String stringByTrimmingFeeds(const String& string);
 /// Trims the unit in pairs, one at each end, as long as both ends hold it.
-VELMO_API String stringByTrimmingEnclosingCharacter(const String& string, char16_t unit);
+[[nodiscard]] VELMO_API String stringByTrimmingEnclosingCharacter(const String& string,
+                                                                  char16_t unit);
 
 // What is left of a range of the string, which is cut at the string's end. If that is
 // nothing, the result is the range's end with length 0.
 
-VELMO_API Range trimSpacesInRange(std::u16string_view string, Range range, bool andFeeds);
+[[nodiscard]] VELMO_API Range trimSpacesInRange(std::u16string_view string, Range range,
+                                                bool andFeeds);
 /// Trims whiteCharacterSetRep().
-VELMO_API Range trimWhiteSpacesInRange(std::u16string_view string, Range range);
+[[nodiscard]] VELMO_API Range trimWhiteSpacesInRange(std::u16string_view string, Range range);
 /// The units of trimSpacesInRange(): the constant empty string if there are none, absent for no
 /// range.
-VELMO_API String stringByTrimmingSpacesInRange(const String& string, Range range, bool andFeeds);
+[[nodiscard]] VELMO_API String stringByTrimmingSpacesInRange(const String& string, Range range,
+                                                             bool andFeeds);
 
 // In place.
 

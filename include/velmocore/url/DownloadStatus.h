@@ -31,18 +31,18 @@ enum URLErrorCode : std::int64_t {
 
 /// Whether a status tells that a whole document came: below 201 or from 207 to 299. The
 /// other successes, 201 to 206, bring none or only a part.
-constexpr bool isHTTPStatusCodeOkay(std::int64_t status) {
+[[nodiscard]] constexpr bool isHTTPStatusCodeOkay(std::int64_t status) {
     return status < 201 || (status >= 207 && status <= 299);
 }
 
 /// Whether another try may do better: 307, 408, 429, 500, 502 to 504, 507, 509, 510.
-VELMO_API bool isHTTPStatusCodeTemporaryError(std::int64_t status);
+[[nodiscard]] VELMO_API bool isHTTPStatusCodeTemporaryError(std::int64_t status);
 
 /// The status that says the same as an error of a download; 0 if there is none, and without
 /// an error. Only the error's code counts.
-VELMO_API std::int64_t HTTPStatusCodeForNSURLError(const Error* error);
+[[nodiscard]] VELMO_API std::int64_t HTTPStatusCodeForNSURLError(const Error* error);
 
 /// Whether another try may do better; false without an error.
-VELMO_API bool isTemporaryNSURLError(const Error* error);
+[[nodiscard]] VELMO_API bool isTemporaryNSURLError(const Error* error);
 
 }  // namespace velmo

@@ -13,21 +13,21 @@ namespace velmo {
 // which cases names come, stands in markup/FileTypes.h.
 //
 //     isArchiveType(u"ZIP");                        // true
-//     officeTypesIncluding({.PDF = false});         // xls, xlsx, ... without pdf
+//     officeTypesIncluding({.PDF = false})[0];      // xls
 //
 // Any thread may call these.
 
 // Lists in lower case, in a fixed order, made once and kept.
-VELMO_API const std::vector<String>& imageTypes();
-VELMO_API const std::vector<String>& markupTypes();
-VELMO_API const std::vector<String>& richTextTypes();
-VELMO_API const std::vector<String>& executableTypes();
-VELMO_API const std::vector<String>& multimediaTypes();
-VELMO_API const std::vector<String>& archiveTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& imageTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& markupTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& richTextTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& executableTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& multimediaTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& archiveTypes();
 /// Those of all programs.
-VELMO_API const std::vector<String>& officeTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& officeTypes();
 /// All of those above but markup, and "dat".
-VELMO_API const std::vector<String>& binaryFileTypes();
+[[nodiscard]] VELMO_API const std::vector<String>& binaryFileTypes();
 
 /// The programs whose documents count as office documents, beside those of sheets and
 /// presentations.
@@ -39,22 +39,23 @@ struct OfficePrograms {
     bool PDF = true;
     bool PostScript = true;
 };
-VELMO_API std::vector<String> officeTypesIncluding(const OfficePrograms& programs);
+[[nodiscard]] VELMO_API std::vector<String> officeTypesIncluding(const OfficePrograms& programs);
 
 struct BinaryFileOptions {
     bool richText = true;
     OfficePrograms programs;
 };
-VELMO_API std::vector<String> binaryFileTypesIncluding(const BinaryFileOptions& options);
+[[nodiscard]] VELMO_API std::vector<String> binaryFileTypesIncluding(
+    const BinaryFileOptions& options);
 
-VELMO_API bool isImageType(std::u16string_view extension);
-VELMO_API bool isMarkupType(std::u16string_view extension);
-VELMO_API bool isRichTextType(std::u16string_view extension);
-VELMO_API bool isExecutableType(std::u16string_view extension);
-VELMO_API bool isMultimediaType(std::u16string_view extension);
-VELMO_API bool isArchiveType(std::u16string_view extension);
-VELMO_API bool isOfficeType(std::u16string_view extension);
-VELMO_API bool isBinaryFileType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isImageType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isMarkupType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isRichTextType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isExecutableType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isMultimediaType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isArchiveType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isOfficeType(std::u16string_view extension);
+[[nodiscard]] VELMO_API bool isBinaryFileType(std::u16string_view extension);
 
 /// Kinds of multimedia files.
 struct MultimediaKinds {
@@ -64,6 +65,7 @@ struct MultimediaKinds {
 };
 /// Whether a file is of one of these kinds. Files that play in neither way, as play lists
 /// of some programs, are multimedia files of no kind.
-VELMO_API bool isMultimediaType(std::u16string_view extension, const MultimediaKinds& kinds);
+[[nodiscard]] VELMO_API bool isMultimediaType(std::u16string_view extension,
+                                              const MultimediaKinds& kinds);
 
 }  // namespace velmo

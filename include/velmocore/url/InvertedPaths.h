@@ -1,8 +1,9 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/url/URL.h>
 
@@ -18,22 +19,23 @@ namespace velmo {
 struct InvertedPathOptions {
     bool removeSessionIDs = true;
     String pathExtension = {};            ///< appended to the path
-    std::uint64_t maxHostComponents = 0;  ///< 0 for no limit; more are joined with full stops
-    std::uint64_t maxPathComponents = 0;  ///< host and path together; more are joined with -
-    bool caseInsensitive = true;          ///< in lower case
+    std::size_t maxHostComponents = 0;    ///< 0 for no limit; more are joined with full stops
+    std::size_t maxPathComponents = 0;    ///< host and path together; more are joined with -
+    Case letterCase = Case::Insensitive;  ///< in lower case
 };
 /// The host parts, top-level domain first, then the components of the path with parameters
 /// and query, and index.html for a folder. Those of a file URL are only its path's. An absent
 /// directory gives a path without a start.
-VELMO_API String invertedPathRelativeToDirectory(const URL& url, const String& directory,
-                                                 const InvertedPathOptions& options = {});
+[[nodiscard]] VELMO_API String invertedPathRelativeToDirectory(
+    const URL& url, const String& directory, const InvertedPathOptions& options = {});
 
 struct DirectPathOptions {
     bool simplified = false;           ///< one file name for path, parameters and query
     bool defaultPathComponent = true;  ///< index.html for a folder
 };
-/// The host as it stands, then path, parameters and query.
-VELMO_API String pathRelativeToDirectory(const URL& url, const String& directory,
-                                         const DirectPathOptions& options = {});
+/// The host as it stands, then path, parameters and query. What a path would climb above its
+/// host is left out, so that two hosts never share a file; an empty host, . and .. become -.
+[[nodiscard]] VELMO_API String pathRelativeToDirectory(const URL& url, const String& directory,
+                                                       const DirectPathOptions& options = {});
 
 }  // namespace velmo

@@ -12,6 +12,6 @@ namespace velmo {
 ///
 ///     filterLink(u"mailto:a@b.org");   // true
 ///     filterLink(u"feed:h/rss");       // false
-VELMO_API bool filterLink(std::u16string_view link);
+[[nodiscard]] VELMO_API bool filterLink(std::u16string_view link);
 
 }  // namespace velmo

@@ -22,12 +22,13 @@ enum FollowMode : std::int64_t {
 /// mode that is no FollowMode and below FollowLevels follows nothing.
 ///
 ///     const URL base = URL::URLWithString(u"http://h.org/docs/index.html");
-///     shouldFollowLink(URL::URLWithString(u"http://h.org/x/y.html"), FollowSameFolders, 1, base);
-///     // false
-VELMO_API bool shouldFollowLink(const URL& link, std::int64_t mode, std::int64_t level,
-                                const URL& base);
+///     const URL link = URL::URLWithString(u"http://h.org/x/y.html");
+///     shouldFollowLink(link, FollowSameFolders, 1, base);   // false
+///     shouldFollowLink(link, FollowSameHost, 1, base);      // true
+[[nodiscard]] VELMO_API bool shouldFollowLink(const URL& link, std::int64_t mode,
+                                              std::int64_t level, const URL& base);
 
 /// The same where no base is known: only the depth limits.
-VELMO_API bool shouldFollowLink(std::int64_t mode, std::int64_t level);
+[[nodiscard]] VELMO_API bool shouldFollowLink(std::int64_t mode, std::int64_t level);
 
 }  // namespace velmo

@@ -15,28 +15,28 @@ namespace velmo {
 //     stringByAddingPercentEscapesToURL(u"/\u00E4 b%20c");         // /%C3%A4%20b%20c
 
 // Two partial ways to decode, which leave a URL's text one:
-//   standard  Only escapes of tab, LF, CR, blank and $%&'+/:;=@~ are decoded, and one of ?
-//             if the text has no ? of its own. Letters, digits and what is above 126 stay.
-//   ASCII     Every escape of a value below 128 is decoded.
+// - standard: only escapes of tab, LF, CR, space and $%&'+/:;=@~ are decoded, and one of ? if
+//   the text has no ? of its own. Letters, digits and what is above 126 stay.
+// - ASCII: every escape of a value below 128 is decoded.
 // What an escape of % gives is not looked at again.
 
 /// Converts an array in its place and gives its new length. The array never grows.
 VELMO_API std::size_t convertPercentEscapesOfURL(char16_t* characters, std::size_t length,
                                                  bool standard) noexcept;
-VELMO_API String stringByReplacingStandardPercentEscapesOfURL(const String& string);
-VELMO_API String stringByReplacingASCIIPercentEscapesOfURL(const String& string);
+[[nodiscard]] VELMO_API String stringByReplacingStandardPercentEscapesOfURL(const String& string);
+[[nodiscard]] VELMO_API String stringByReplacingASCIIPercentEscapesOfURL(const String& string);
 
 /// Decodes every escape; a % without two hexadecimal digits stays. Absent if the bytes do
 /// not decode in the encoding.
-VELMO_API String stringByReplacingPercentEscapesOfURL(const String& string,
-                                                      StringEncoding encoding = UTF8StringEncoding);
+[[nodiscard]] VELMO_API String stringByReplacingPercentEscapesOfURL(
+    const String& string, StringEncoding encoding = UTF8StringEncoding);
 
-// Two plain ways to escape, one unit at a time, with small digits. Units above 127 stay.
+// Two plain ways to escape, one unit at a time, with lower-case digits. Units above 127 stay.
 
-/// Escapes blank, #, $, %, &, +, /, :, ;, =, ? and @.
-VELMO_API String stringByAddingStandardPercentEscapesToURL(const String& string);
+/// Escapes space, #, $, %, &, +, /, :, ;, =, ? and @.
+[[nodiscard]] VELMO_API String stringByAddingStandardPercentEscapesToURL(const String& string);
 /// Escapes every unit below 128 but ASCII letters and digits.
-VELMO_API String stringByAddingASCIIPercentEscapesToURL(const String& string);
+[[nodiscard]] VELMO_API String stringByAddingASCIIPercentEscapesToURL(const String& string);
 
 struct PercentEscapeOptions {
     StringEncoding encoding = UTF8StringEncoding;
@@ -47,18 +47,19 @@ struct PercentEscapeOptions {
     std::u16string_view toBeEscaped = u"";
 };
 
-/// Escapes what a URL may not hold, as the bytes of the units in an encoding, with capital
+/// Escapes what a URL may not hold, as the bytes of the units in an encoding, with upper-case
 /// digits: a text that is a URL but for such units becomes one. So an escape that is there
 /// stays, the first # and the brackets of an IPv6 host too, while a lone %, a further # and
 /// brackets elsewhere are escaped. Absent if the encoding cannot hold a unit.
-VELMO_API String stringByAddingPercentEscapesToURL(const String& string,
-                                                   const PercentEscapeOptions& options = {});
+[[nodiscard]] VELMO_API String
+stringByAddingPercentEscapesToURL(const String& string, const PercentEscapeOptions& options = {});
 
-/// A search term made ready to stand in a query: runs of white space become one blank, and
+/// A search term made ready to stand in a query: runs of white space become one space, and
 /// everything that is not itself in a query is escaped, % and # included. With
-/// defaultPercentEscapes a blank becomes + and a + %2B, as in forms. Absent if the encoding
+/// defaultPercentEscapes a space becomes + and a + %2B, as in forms. Absent if the encoding
 /// cannot hold a unit.
-VELMO_API String stringByFormattingQueryTerm(const String& term, StringEncoding encoding,
-                                             bool defaultPercentEscapes = true);
+[[nodiscard]] VELMO_API String stringByFormattingQueryTerm(const String& term,
+                                                           StringEncoding encoding,
+                                                           bool defaultPercentEscapes = true);
 
 }  // namespace velmo

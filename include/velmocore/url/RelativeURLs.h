@@ -15,7 +15,7 @@ namespace velmo {
 //     URLRelativeTo(page, u"hhttp://i.org/a b");   // http://i.org/a%20b
 
 struct RelativeURLOptions {
-    /// The anchor goes, unless the base is a file.
+    /// The anchor is removed, unless the base is a file.
     bool trimAnchor = true;
     /// Of the escapes for what a URL may not hold.
     StringEncoding encoding = UTF8StringEncoding;
@@ -23,7 +23,7 @@ struct RelativeURLOptions {
     bool standardize = true;
 };
 
-/// The URL of a link on a page. White space around it goes; damaged schemes as "hhttp:",
+/// The URL of a link on a page. White space around it is removed; damaged schemes as "hhttp:",
 /// "ttp://", "http://http://" and "emailto:" are repaired. Mail and chat links stand alone,
 /// other links that filterLink() holds are absent. What begins with // or with letters and
 /// :// is a URL of its own; it gets the base's credentials if it has the same host (and
@@ -31,11 +31,11 @@ struct RelativeURLOptions {
 ///
 /// Absent if the link or the base is absent, if the link is empty or only an anchor, and if it
 /// is no URL even with escapes.
-VELMO_API URL URLRelativeTo(const URL& base, const String& link,
-                            const RelativeURLOptions& options = {});
+[[nodiscard]] VELMO_API URL URLRelativeTo(const URL& base, const String& link,
+                                          const RelativeURLOptions& options = {});
 
 /// The same, with URLWithNormalizedStringURL() for an absent base. An empty text is absent.
-VELMO_API URL URLWithStringRelativeTo(const String& string, const URL& base,
-                                      const RelativeURLOptions& options = {});
+[[nodiscard]] VELMO_API URL URLWithStringRelativeTo(const String& string, const URL& base,
+                                                    const RelativeURLOptions& options = {});
 
 }  // namespace velmo

@@ -12,6 +12,6 @@ namespace velmo {
 ///
 ///     isSearchEngine(URL::URLWithString(u"https://www.google.com/search?q=x"));    // true
 ///     isSearchEngine(URL::URLWithString(u"http://code.google.com/p/x"));           // false
-VELMO_API bool isSearchEngine(const URL& url);
+[[nodiscard]] VELMO_API bool isSearchEngine(const URL& url);
 
 }  // namespace velmo

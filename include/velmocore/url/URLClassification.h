@@ -18,28 +18,28 @@ namespace velmo {
 // The forms for a URL look at the whole of it. Any thread may call these.
 
 /// An image of an ad network.
-VELMO_API bool stringURLIsImageAd(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsImageAd(std::u16string_view string);
 /// A text ad, a frame with ads, or an image of an ad network.
-VELMO_API bool stringURLIsAdSense(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsAdSense(std::u16string_view string);
 /// Any of those, a host of an ad network, or a path as advertisements have it. With
 /// includingCommonHosts the sites of well-known advertisers and of surveys count too.
-VELMO_API bool stringURLIsAdvertisementIncludingCommonHosts(std::u16string_view string,
-                                                            bool includingCommonHosts);
-inline bool stringURLIsAdvertisement(std::u16string_view string) {
+[[nodiscard]] VELMO_API bool stringURLIsAdvertisementIncludingCommonHosts(
+    std::u16string_view string, bool includingCommonHosts);
+[[nodiscard]] inline bool stringURLIsAdvertisement(std::u16string_view string) {
     return stringURLIsAdvertisementIncludingCommonHosts(string, true);
 }
 /// A page that submits another to a bookmarking or social site.
-VELMO_API bool stringURLIsBookmarklet(std::u16string_view string);
-VELMO_API bool stringURLIsRecaptcha(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsBookmarklet(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsRecaptcha(std::u16string_view string);
 /// A page that shows another in translation.
-VELMO_API bool stringURLIsTranslation(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsTranslation(std::u16string_view string);
 /// A topic or thread of a forum, by its script or by a name as "name-t-1.html" with two
 /// numbers.
-VELMO_API bool stringURLIsTopicOrThread(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsTopicOrThread(std::u16string_view string);
 /// Anything with the word forum, board or comment, or the name of a forum program.
-VELMO_API bool stringURLIsForum(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsForum(std::u16string_view string);
 /// A page that shows what another once was.
-VELMO_API bool stringURLIsCached(std::u16string_view string);
+[[nodiscard]] VELMO_API bool stringURLIsCached(std::u16string_view string);
 
 /// The answers of all these tests.
 struct URLClasses {
@@ -57,35 +57,44 @@ struct URLClasses {
 };
 
 /// All tests at once, for the price of about one of them.
-VELMO_API URLClasses classesOfStringURL(std::u16string_view string,
-                                        bool includingCommonHosts = true);
+[[nodiscard]] VELMO_API URLClasses classesOfStringURL(std::u16string_view string,
+                                                      bool includingCommonHosts = true);
 
 // The same of a URL.
 
-inline bool stringURLIsImageAd(const URL& url) { return stringURLIsImageAd(url.absoluteString()); }
-inline bool stringURLIsAdSense(const URL& url) { return stringURLIsAdSense(url.absoluteString()); }
-inline bool stringURLIsAdvertisementIncludingCommonHosts(const URL& url,
-                                                         bool includingCommonHosts) {
+[[nodiscard]] inline bool stringURLIsImageAd(const URL& url) {
+    return stringURLIsImageAd(url.absoluteString());
+}
+[[nodiscard]] inline bool stringURLIsAdSense(const URL& url) {
+    return stringURLIsAdSense(url.absoluteString());
+}
+[[nodiscard]] inline bool stringURLIsAdvertisementIncludingCommonHosts(const URL& url,
+                                                                       bool includingCommonHosts) {
     return stringURLIsAdvertisementIncludingCommonHosts(url.absoluteString(), includingCommonHosts);
 }
-inline bool stringURLIsAdvertisement(const URL& url) {
+[[nodiscard]] inline bool stringURLIsAdvertisement(const URL& url) {
     return stringURLIsAdvertisement(url.absoluteString());
 }
-inline bool stringURLIsBookmarklet(const URL& url) {
+[[nodiscard]] inline bool stringURLIsBookmarklet(const URL& url) {
     return stringURLIsBookmarklet(url.absoluteString());
 }
-inline bool stringURLIsRecaptcha(const URL& url) {
+[[nodiscard]] inline bool stringURLIsRecaptcha(const URL& url) {
     return stringURLIsRecaptcha(url.absoluteString());
 }
-inline bool stringURLIsTranslation(const URL& url) {
+[[nodiscard]] inline bool stringURLIsTranslation(const URL& url) {
     return stringURLIsTranslation(url.absoluteString());
 }
-inline bool stringURLIsTopicOrThread(const URL& url) {
+[[nodiscard]] inline bool stringURLIsTopicOrThread(const URL& url) {
     return stringURLIsTopicOrThread(url.absoluteString());
 }
-inline bool stringURLIsForum(const URL& url) { return stringURLIsForum(url.absoluteString()); }
-inline bool stringURLIsCached(const URL& url) { return stringURLIsCached(url.absoluteString()); }
-inline URLClasses classesOfStringURL(const URL& url, bool includingCommonHosts = true) {
+[[nodiscard]] inline bool stringURLIsForum(const URL& url) {
+    return stringURLIsForum(url.absoluteString());
+}
+[[nodiscard]] inline bool stringURLIsCached(const URL& url) {
+    return stringURLIsCached(url.absoluteString());
+}
+[[nodiscard]] inline URLClasses classesOfStringURL(const URL& url,
+                                                   bool includingCommonHosts = true) {
     return classesOfStringURL(url.absoluteString(), includingCommonHosts);
 }
 

@@ -22,22 +22,22 @@ namespace velmo {
 /// taken as it is. Of texts without one, mail addresses get mailto:, and those with two full
 /// stops that begin with "www" or "ftp" get http:// or ftp://. All others are absent, and
 /// so is what begins with a full stop.
-VELMO_API URL URLWithStringOrPath(const String& string);
+[[nodiscard]] VELMO_API URL URLWithStringOrPath(const String& string);
 
 /// The same, and if it fails, once more with percent escapes in the given encoding for what
 /// a URL may not hold.
-VELMO_API URL URLWithNormalizedStringURL(const String& string,
-                                         StringEncoding encoding = UTF8StringEncoding);
+[[nodiscard]] VELMO_API URL
+URLWithNormalizedStringURL(const String& string, StringEncoding encoding = UTF8StringEncoding);
 
 /// The URL of a format with its arguments, which are those of replaceStringWithFormat(): %@
 /// for strings, %d for integers and so on. An absent argument is empty; a conversion without
 /// one stays as it stands, which is no URL.
 ///
-///     URLWithFormat(u"%@://%@:%d/", {scheme, host, 8080});
-VELMO_API URL URLWithFormat(std::u16string_view format,
-                            std::initializer_list<FormatArgument> arguments);
+///     URLWithFormat(u"%@://%@:%d/", {u"http", u"h.org", 8080});   // http://h.org:8080/
+[[nodiscard]] VELMO_API URL URLWithFormat(std::u16string_view format,
+                                          std::initializer_list<FormatArgument> arguments);
 
 /// What a person typed: the same as URLWithNormalizedStringURL().
-VELMO_API URL URLWithUserTypedString(const String& string);
+[[nodiscard]] VELMO_API URL URLWithUserTypedString(const String& string);
 
 }  // namespace velmo

@@ -15,11 +15,12 @@ namespace velmo {
 /// units without white space that hold "://" or begin with "mailto:", or that hold a full
 /// stop and either begin with "www" or "ftp" or hold exactly one @. Otherwise absent. No
 /// scheme is added. With removeFeedsAndTabs a text that was wrapped is joined first.
-VELMO_API String possibleInternetLocation(const String& string, bool removeFeedsAndTabs = false);
+[[nodiscard]] VELMO_API String possibleInternetLocation(const String& string,
+                                                        bool removeFeedsAndTabs = false);
 
 /// A pasted URL without white space at its ends, without the <> around it and without feed
 /// units and other <>. Of a name in front of a mail address in <> the address is left. What
 /// begins with "message:" is trimmed only.
-VELMO_API String stringByFormattingURL(const String& string);
+[[nodiscard]] VELMO_API String stringByFormattingURL(const String& string);
 
 }  // namespace velmo

@@ -14,78 +14,78 @@ namespace velmo {
 //
 //     isDownloadableURL(URL::URLWithString(u"FTP://host/file"));   // true
 
-VELMO_API bool isHTTPURL(const URL& url);  ///< http, https
-VELMO_API bool isFTPURL(const URL& url);   ///< ftp, ftps, sftp
+[[nodiscard]] VELMO_API bool isHTTPURL(const URL& url);  ///< http, https
+[[nodiscard]] VELMO_API bool isFTPURL(const URL& url);   ///< ftp, ftps, sftp
 /// The schemes "news" and "nttp"; the second is spelt so, unlike that of isNewsStringURL().
-VELMO_API bool isNewsURL(const URL& url);
-VELMO_API bool isFeedURL(const URL& url);
-VELMO_API bool isMailURL(const URL& url);
-VELMO_API bool isJavaScriptURL(const URL& url);
-VELMO_API bool isAppleScriptURL(const URL& url);
-VELMO_API bool isDataURL(const URL& url);
-VELMO_API bool isAboutURL(const URL& url);
+[[nodiscard]] VELMO_API bool isNewsURL(const URL& url);
+[[nodiscard]] VELMO_API bool isFeedURL(const URL& url);
+[[nodiscard]] VELMO_API bool isMailURL(const URL& url);
+[[nodiscard]] VELMO_API bool isJavaScriptURL(const URL& url);
+[[nodiscard]] VELMO_API bool isAppleScriptURL(const URL& url);
+[[nodiscard]] VELMO_API bool isDataURL(const URL& url);
+[[nodiscard]] VELMO_API bool isAboutURL(const URL& url);
 /// safari-resource, safari-reader, reading-list.
-VELMO_API bool isSafariReaderURL(const URL& url);
+[[nodiscard]] VELMO_API bool isSafariReaderURL(const URL& url);
 /// The reference manager's own links, in exact case.
-VELMO_API bool isBookendsURL(const URL& url);
+[[nodiscard]] VELMO_API bool isBookendsURL(const URL& url);
 
 /// A scheme of the web or of FTP.
-VELMO_API bool isDownloadableURL(const URL& url);
+[[nodiscard]] VELMO_API bool isDownloadableURL(const URL& url);
 /// The same or a feed, or a file URL whose file is there and is no folder.
-VELMO_API bool isLoadableURL(const URL& url);
+[[nodiscard]] VELMO_API bool isLoadableURL(const URL& url);
 /// A scheme of the web, of FTP or of feeds, with a host that holds a letter or digit and
 /// not "...".
-VELMO_API bool isRemoteWebKitURL(const URL& url);
+[[nodiscard]] VELMO_API bool isRemoteWebKitURL(const URL& url);
 /// That or a file URL.
-VELMO_API bool isWebKitURL(const URL& url);
+[[nodiscard]] VELMO_API bool isWebKitURL(const URL& url);
 /// That, a script, or a scheme that begins with "apple".
-VELMO_API bool isUsableURL(const URL& url);
+[[nodiscard]] VELMO_API bool isUsableURL(const URL& url);
 
 /// Both are file URLs, or both have the same host in any case.
-VELMO_API bool isHostEqualTo(const URL& url, const URL& other);
+[[nodiscard]] VELMO_API bool isHostEqualTo(const URL& url, const URL& other);
 
 // The same questions to a text, by its first units and in any case. They take a leading
 // "www." or "ftp." for a scheme where that can be loaded.
 
-VELMO_API bool isWebKitStringURL(std::u16string_view string);
-VELMO_API bool isRemoteWebKitStringURL(std::u16string_view string);
-VELMO_API bool isDownloadableStringURL(std::u16string_view string);
-VELMO_API bool isLoadableStringURL(std::u16string_view string);
-VELMO_API bool isHTTPStringURL(std::u16string_view string);
-VELMO_API bool isFTPStringURL(std::u16string_view string);
-VELMO_API bool isNewsStringURL(std::u16string_view string);  ///< news, nntp
-VELMO_API bool isSafariReaderStringURL(std::u16string_view string);
-VELMO_API bool isFeedStringURL(std::u16string_view string);
-VELMO_API bool isJavaScriptStringURL(std::u16string_view string);
-VELMO_API bool isAppleScriptStringURL(std::u16string_view string);
-VELMO_API bool isDataStringURL(std::u16string_view string);      ///< exact case
-VELMO_API bool isAboutStringURL(std::u16string_view string);     ///< exact case
-VELMO_API bool isBookendsStringURL(std::u16string_view string);  ///< exact case
+[[nodiscard]] VELMO_API bool isWebKitStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isRemoteWebKitStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isDownloadableStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isLoadableStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isHTTPStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isFTPStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isNewsStringURL(std::u16string_view string);  ///< news, nntp
+[[nodiscard]] VELMO_API bool isSafariReaderStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isFeedStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isJavaScriptStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isAppleScriptStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isDataStringURL(std::u16string_view string);      ///< exact case
+[[nodiscard]] VELMO_API bool isAboutStringURL(std::u16string_view string);     ///< exact case
+[[nodiscard]] VELMO_API bool isBookendsStringURL(std::u16string_view string);  ///< exact case
 /// Begins with /, ~ or file://.
-VELMO_API bool isFileStringURL(std::u16string_view string);
+[[nodiscard]] VELMO_API bool isFileStringURL(std::u16string_view string);
 
-/// Whether the text is a mail address, or a mailto: link of at least 12 units. What stands
-/// behind the first full stop of the domain may be four units long at most.
-VELMO_API bool isMailStringURL(std::u16string_view string);
+/// Whether the text is a mail address, or a mailto: link of at least 12 units. What
+/// follows the first full stop of the domain may be four units long at most.
+[[nodiscard]] VELMO_API bool isMailStringURL(std::u16string_view string);
 
 /// What stands in front of the first : unless one of / ; ? comes before it; else absent.
 ///
 ///     stringURLScheme(u"feed:h/rss");   // feed
-VELMO_API String stringURLScheme(std::u16string_view string);
+[[nodiscard]] VELMO_API String stringURLScheme(std::u16string_view string);
 
-/// The extension of a URL's path, without what follows it behind ? & ; = or #. Absent if
+/// The extension of a URL's path, without what follows it after ? & ; = or #. Absent if
 /// there is none. A text with a scheme is looked at from the end of its host on.
 ///
 ///     stringURLPathExtension(u"http://h.org/a/b.html?q");   // html
-VELMO_API String stringURLPathExtension(std::u16string_view string);
+[[nodiscard]] VELMO_API String stringURLPathExtension(std::u16string_view string);
 /// Whether that extension is among the given ones, in any case.
-VELMO_API bool stringURLMatchingExtensions(std::u16string_view string,
-                                           std::span<const String> extensions);
+[[nodiscard]] VELMO_API bool stringURLMatchingExtensions(std::u16string_view string,
+                                                         std::span<const String> extensions);
 
 /// A feed: link as a link that can be loaded: feed:http://h loses the feed:, feed:h becomes
 /// http://h. Anything else comes back as it is, feed:/h and feed://h too.
-VELMO_API String validFeedStringURL(const String& string);
+[[nodiscard]] VELMO_API String validFeedStringURL(const String& string);
 /// The same, but only the feed becomes http, whatever follows: feed://h is http://h.
-VELMO_API String WebKitStringURL(const String& string);
+[[nodiscard]] VELMO_API String WebKitStringURL(const String& string);
 
 }  // namespace velmo

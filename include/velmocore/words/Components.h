@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -23,18 +23,18 @@ namespace velmo {
 
 /// Number of components. If ranges is not null, it is filled with them; each range holds its
 /// separators.
-VELMO_API std::uint64_t componentsOfCharacters(std::u16string_view characters,
-                                               const CharacterSetRep* separators = nullptr,
-                                               std::vector<Range>* ranges = nullptr);
+[[nodiscard]] VELMO_API std::size_t componentsOfCharacters(
+    std::u16string_view characters, const CharacterSetRep* separators = nullptr,
+    std::vector<Range>* ranges = nullptr);
 
 /// Calls the handler for each component and gives the number of calls; 0 if there is no
 /// handler. An exception out of the handler passes through.
-VELMO_API std::uint64_t parseComponentsWithHandler(std::u16string_view text, WordHandler handler,
-                                                   const CharacterSetRep* separators = nullptr);
+VELMO_API std::size_t parseComponentsWithHandler(std::u16string_view text, WordHandler handler,
+                                                 const CharacterSetRep* separators = nullptr);
 
 /// The same on a private copy, which the handler may change; where the components stand does
 /// not change with it.
-VELMO_API std::uint64_t parseMutableComponentsWithHandler(
+VELMO_API std::size_t parseMutableComponentsWithHandler(
     std::u16string_view text, MutableWordHandler handler,
     const CharacterSetRep* separators = nullptr);
 
@@ -46,31 +46,31 @@ struct ComponentOptions {
 };
 
 /// The components as strings; a text that is one component comes back as it is.
-VELMO_API std::vector<String> componentsUsingSeparators(const String& text,
-                                                        const ComponentOptions& options = {});
-inline std::vector<String> componentsUsingDefaultSeparation(const String& text) {
+[[nodiscard]] VELMO_API std::vector<String> componentsUsingSeparators(
+    const String& text, const ComponentOptions& options = {});
+[[nodiscard]] inline std::vector<String> componentsUsingDefaultSeparation(const String& text) {
     return componentsUsingSeparators(text);
 }
 
-VELMO_API std::uint64_t numberOfComponentsUsingSeparators(
+[[nodiscard]] VELMO_API std::size_t numberOfComponentsUsingSeparators(
     std::u16string_view text, const CharacterSetRep* separators = nullptr);
 /// The range is cut at the end of the text; one that begins there, or no range, has none.
-VELMO_API std::uint64_t numberOfComponentsInRange(std::u16string_view text, Range range,
-                                                  const CharacterSetRep* separators = nullptr);
-inline std::uint64_t numberOfComponentsOfCharacters(std::u16string_view characters,
-                                                    const CharacterSetRep* separators = nullptr) {
+[[nodiscard]] VELMO_API std::size_t numberOfComponentsInRange(
+    std::u16string_view text, Range range, const CharacterSetRep* separators = nullptr);
+[[nodiscard]] inline std::size_t numberOfComponentsOfCharacters(
+    std::u16string_view characters, const CharacterSetRep* separators = nullptr) {
     return componentsOfCharacters(characters, separators);
 }
 
 /// What numberOfParagraphs() counts.
 struct ParagraphCount {
-    std::uint64_t paragraphs = 0;
-    std::uint64_t words = 0;
+    std::size_t paragraphs = 0;
+    std::size_t words = 0;
 };
 
 /// The paragraphs of a part of the text, which are its components by defaultLineSeparators(),
 /// so that empty lines between them do not count, and its words of at least minLen units.
-VELMO_API ParagraphCount numberOfParagraphs(std::u16string_view text, Range range,
-                                            std::uint64_t minLen = 1);
+[[nodiscard]] VELMO_API ParagraphCount numberOfParagraphs(std::u16string_view text, Range range,
+                                                          std::size_t minLen = 1);
 
 }  // namespace velmo

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
@@ -14,21 +14,22 @@ namespace velmo {
 //     stringByEllipsizingAfterNCharacters(u"one two three", 9);     // "one two..."
 
 /// Cut behind the n-th word, by the default word separators; not at all for n of 0.
-VELMO_API String stringByEllipsizingAfterNWords(const String& text, std::uint64_t n);
+[[nodiscard]] VELMO_API String stringByEllipsizingAfterNWords(const String& text, std::size_t n);
 
 /// Cut behind the sixth word.
-inline String stringByEllipsizingForMenu(const String& text) {
+[[nodiscard]] inline String stringByEllipsizingForMenu(const String& text) {
     return stringByEllipsizingAfterNWords(text, 6);
 }
 
 /// Cut to less than n units, behind a word. A first word that is longer is not cut; nor is
 /// anything for n of 0.
-VELMO_API String stringByEllipsizingAfterNCharacters(const String& text, std::uint64_t n);
+[[nodiscard]] VELMO_API String stringByEllipsizingAfterNCharacters(const String& text,
+                                                                   std::size_t n);
 
 /// The first lines that are not empty, each cut to less than n units behind a word, joined
 /// by line feeds. A last line without a line end counts if it has two units or more. The
 /// text itself for 0 lines.
-VELMO_API String stringByEllipsizingNLines(const String& text, std::uint64_t lines,
-                                           std::uint64_t n);
+[[nodiscard]] VELMO_API String stringByEllipsizingNLines(const String& text, std::size_t lines,
+                                                         std::size_t n);
 
 }  // namespace velmo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -55,37 +56,37 @@ public:
     /// them could not be written.
     bool writeToDirectory(const std::string& directory) const;
 
-    const std::vector<String>& languages() const;
-    bool ignoreUmlauts() const;
+    [[nodiscard]] const std::vector<String>& languages() const;
+    [[nodiscard]] bool ignoreUmlauts() const;
 
     /// The chosen language; absent if none.
-    String language() const;
+    [[nodiscard]] String language() const;
     /// Chooses a language or a script by its key, in any case. A key that is not two units
     /// long chooses none; one that is unknown is kept, but filters nothing.
     void setLanguage(const String& key);
 
     /// The two capitals of a key as one number: 0x454E for EN. 0 if it is not two units long.
-    static std::uint16_t ISOCodeForLanguage(std::u16string_view key);
-    std::uint16_t ISOLanguageCode() const { return ISOCodeForLanguage(language()); }
-    std::uint16_t ISOLanguageCodeOfText(std::u16string_view text) const {
+    [[nodiscard]] static std::uint16_t ISOCodeForLanguage(std::u16string_view key);
+    [[nodiscard]] std::uint16_t ISOLanguageCode() const { return ISOCodeForLanguage(language()); }
+    [[nodiscard]] std::uint16_t ISOLanguageCodeOfText(std::u16string_view text) const {
         return ISOCodeForLanguage(languageOfText(text));
     }
 
     /// The shortest word that is looked at, 3 at first and never less.
-    std::uint64_t minWordLen() const;
-    void setMinWordLen(std::uint64_t length);
+    [[nodiscard]] std::size_t minWordLen() const;
+    void setMinWordLen(std::size_t length);
 
     /// The key of the text's language; absent if it is not clear.
-    String languageOfText(std::u16string_view text) const;
+    [[nodiscard]] String languageOfText(std::u16string_view text) const;
 
     /// Whether the text is clearly in another language than the chosen one. False if none is
     /// chosen.
-    bool filterText(std::u16string_view text) const;
+    [[nodiscard]] bool filterText(std::u16string_view text) const;
 
     /// The share of stop words of the language that has most of them in the text, divided by
     /// the square root of its list's length over 750, so that long lists and short ones
     /// compare. 0 if no language has enough.
-    double stopWordRatioOfText(std::u16string_view text) const;
+    [[nodiscard]] double stopWordRatioOfText(std::u16string_view text) const;
 
 private:
     struct State;

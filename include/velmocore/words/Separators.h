@@ -14,13 +14,13 @@ namespace velmo {
 /// White space, punctuation, symbols, control and unassigned units, and surrogates, so
 /// that a character outside the 16-bit plane parts two words. Letters, marks and digits
 /// of all scripts are no separators.
-VELMO_API const CharacterSetRep& defaultWordSeparators();
+[[nodiscard]] VELMO_API const CharacterSetRep& defaultWordSeparators();
 /// What ends a component: . , : ; ! ? and the feed units.
-VELMO_API const CharacterSetRep& defaultComponentSeparators();
+[[nodiscard]] VELMO_API const CharacterSetRep& defaultComponentSeparators();
 /// The component separators without the comma and the semicolon.
-VELMO_API const CharacterSetRep& defaultSentenceSeparators();
+[[nodiscard]] VELMO_API const CharacterSetRep& defaultSentenceSeparators();
 /// The feed units without U+FEFF.
-VELMO_API const CharacterSetRep& defaultLineSeparators();
+[[nodiscard]] VELMO_API const CharacterSetRep& defaultLineSeparators();
 
 /// Makes the word, component and line separators ahead of time. See also
 /// initSeparatorsAndTables() of query/Wildcards.h, which makes all sets and tables.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -26,7 +27,7 @@ namespace velmo {
 struct WordOptions {
     const CharacterSetRep* separators = nullptr;  ///< null is defaultWordSeparators()
     bool withSeparators = false;                  ///< each run of separators is an entry of its own
-    std::uint64_t minLen = 1;                     ///< shorter words are dropped; 0 means 1
+    std::size_t minLen = 1;                       ///< shorter words are dropped; 0 means 1
     /// A [ that is no separator takes all up to the next ] into its word, so that a
     /// wildcard's set of characters is not cut.
     bool wildcard = false;
@@ -35,16 +36,18 @@ struct WordOptions {
 /// The bit of a length that marks an entry as a run of separators. It leaves 31 bits for
 /// the length.
 inline constexpr std::uint64_t SeparatorMark = 1u << 31;
-constexpr bool isSeparatorEntry(Range entry) { return (entry.length & SeparatorMark) != 0; }
-constexpr Range withoutSeparatorMark(Range entry) {
+[[nodiscard]] constexpr bool isSeparatorEntry(Range entry) {
+    return (entry.length & SeparatorMark) != 0;
+}
+[[nodiscard]] constexpr Range withoutSeparatorMark(Range entry) {
     return {entry.location, entry.length & ~SeparatorMark};
 }
 
 /// Number of entries. If ranges is not null, it is filled with them; the length of a run of
 /// separators carries the SeparatorMark.
-VELMO_API std::uint64_t wordsOfCharacters(std::u16string_view characters,
-                                          const WordOptions& options = {},
-                                          std::vector<Range>* ranges = nullptr);
+[[nodiscard]] VELMO_API std::size_t wordsOfCharacters(std::u16string_view characters,
+                                                      const WordOptions& options = {},
+                                                      std::vector<Range>* ranges = nullptr);
 
 /// Takes the whole text and the range of one word in it.
 using WordHandler = FunctionRef<void(std::u16string_view text, Range word)>;
@@ -54,7 +57,7 @@ using MutableWordHandler = FunctionRef<void(std::span<char16_t> text, Range word
 /// What a handler is called for.
 struct WordParseOptions {
     const CharacterSetRep* separators = nullptr;  ///< null is defaultWordSeparators()
-    std::uint64_t minLen = 1;                     ///< 0 means 1
+    std::size_t minLen = 1;                       ///< 0 means 1
     bool wildcard = false;                        ///< see WordOptions
 };
 
@@ -65,14 +68,14 @@ struct WordParseOptions {
 ///     parseWordsWithHandler(text, [&](std::u16string_view units, Range word) {
 ///         distinct.insert(units.substr(word.location, word.length));
 ///     });
-VELMO_API std::uint64_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
-                                              const WordParseOptions& options = {});
+VELMO_API std::size_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
+                                            const WordParseOptions& options = {});
 
 /// The same on a copy that lives until the last call. What a handler changes is seen by the
 /// calls after it, but does not change where the words stand.
-VELMO_API std::uint64_t parseMutableWordsWithHandler(std::u16string_view text,
-                                                     MutableWordHandler handler,
-                                                     const WordParseOptions& options = {});
+VELMO_API std::size_t parseMutableWordsWithHandler(std::u16string_view text,
+                                                   MutableWordHandler handler,
+                                                   const WordParseOptions& options = {});
 
 /// The words as strings; with separators, so are the runs of them. A text that is one word
 /// comes back as it is.
@@ -80,29 +83,29 @@ VELMO_API std::uint64_t parseMutableWordsWithHandler(std::u16string_view text,
 /// If hyphenated is given, it tells whether a reader sees one term: more than one word was
 /// kept, and they are single letters joined by full stops (U.S.A.) or are joined by hyphens
 /// only (well-known).
-VELMO_API std::vector<String> wordsUsingSeparators(const String& text,
-                                                   const WordOptions& options = {},
-                                                   bool* hyphenated = nullptr);
-VELMO_API std::vector<String> wordsUsingDefaultSeparation(const String& text,
-                                                          std::uint64_t minLen = 1);
+[[nodiscard]] VELMO_API std::vector<String> wordsUsingSeparators(const String& text,
+                                                                 const WordOptions& options = {},
+                                                                 bool* hyphenated = nullptr);
+[[nodiscard]] VELMO_API std::vector<String> wordsUsingDefaultSeparation(const String& text,
+                                                                        std::size_t minLen = 1);
 /// Cuts at white space only.
-VELMO_API std::vector<String> wordsUsingWhiteSeparation(const String& text,
-                                                        std::uint64_t minLen = 1);
+[[nodiscard]] VELMO_API std::vector<String> wordsUsingWhiteSeparation(const String& text,
+                                                                      std::size_t minLen = 1);
 
 // Counts, which make no strings.
 
-VELMO_API std::uint64_t numberOfWordsUsingSeparators(std::u16string_view text,
-                                                     const CharacterSetRep* separators,
-                                                     std::uint64_t minLen = 1,
-                                                     bool wildcard = false);
-VELMO_API std::uint64_t numberOfWordsUsingDefaultSeparation(std::u16string_view text,
-                                                            std::uint64_t minLen = 1);
+[[nodiscard]] VELMO_API std::size_t numberOfWordsUsingSeparators(std::u16string_view text,
+                                                                 const CharacterSetRep* separators,
+                                                                 std::size_t minLen = 1,
+                                                                 bool wildcard = false);
+[[nodiscard]] VELMO_API std::size_t numberOfWordsUsingDefaultSeparation(std::u16string_view text,
+                                                                        std::size_t minLen = 1);
 /// The words of a part of the text, whose edges end words. The range is cut at the end of
 /// the text; one that begins there, or no range, has no words.
-VELMO_API std::uint64_t numberOfWordsInRange(std::u16string_view text, Range range,
-                                             const CharacterSetRep* separators = nullptr,
-                                             std::uint64_t minLen = 1);
-inline std::uint64_t numberOfWordsOfCharacters(std::u16string_view characters) {
+[[nodiscard]] VELMO_API std::size_t numberOfWordsInRange(
+    std::u16string_view text, Range range, const CharacterSetRep* separators = nullptr,
+    std::size_t minLen = 1);
+[[nodiscard]] inline std::size_t numberOfWordsOfCharacters(std::u16string_view characters) {
     return numberOfWordsUsingDefaultSeparation(characters);
 }
 

@@ -13,10 +13,10 @@ bool isBoundary(char16_t c, bool paragraphs) {
 
 }  // namespace
 
-RefNextHit refNextString(const std::u16string& text, std::u16string_view sought, bool caseSensitive) {
+RefNextHit refNextString(const std::u16string& text, std::u16string_view sought, velmo::Case letterCase) {
     const auto same = [=](char16_t a, char16_t b) {
         const auto low = [](char16_t c) { return c >= u'A' && c <= u'Z' ? c + 32 : int{c}; };
-        return a == b || (!caseSensitive && low(a) == low(b));
+        return a == b || (letterCase == Case::Insensitive && low(a) == low(b));
     };
     return [=](std::size_t from) -> std::optional<RefHit> {
         for (; from + sought.size() <= text.size(); ++from)

@@ -249,8 +249,10 @@ std::string refDump(const RefNode& node, std::size_t depth) {
     return line;
 }
 
-RefFind refPlainWords(std::u16string_view text, bool caseSensitive) {
-    const auto folded = [=](std::u16string_view units) { return caseSensitive ? std::u16string(units) : up(units); };
+RefFind refPlainWords(std::u16string_view text, velmo::Case letterCase) {
+    const auto folded = [=](std::u16string_view units) {
+        return letterCase == Case::Sensitive ? std::u16string(units) : up(units);
+    };
     return [text = folded(text), folded](const RefNode& node, std::size_t start,
                                          std::size_t end) -> std::optional<RefHit> {
         const std::u16string word = folded(node.word);

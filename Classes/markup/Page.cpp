@@ -1,0 +1,162 @@
+// One state is shared by all copies of a page. It holds the text, and each part in a box that is
+// filled once, by the first who asks. The tags are such a part too: whatever is asked for first,
+// the page is scanned for all that follows.
+#include <velmocore/markup/Page.h>
+
+#include <mutex>
+#include <optional>
+#include <set>
+
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/TagPredicates.h>
+#include <velmocore/text/Collapsing.h>
+#include <velmocore/url/RelativeURLs.h>
+#include <velmocore/url/URLSchemes.h>
+#include <velmocore/url/URLSimplification.h>
+
+#include "markup/TagWalk.h"
+
+namespace velmo {
+namespace {
+
+/// A value that is made when it is first asked for. If that throws, the next one tries again.
+template <class Value>
+class Lazy {
+public:
+    template <class Make>
+    const Value& get(Make make) const {
+        std::call_once(once_, [&] { value_.emplace(make()); });
+        return *value_;
+    }
+
+private:
+    mutable std::once_flag once_;
+    mutable std::optional<Value> value_;
+};
+
+/// What stands between the first title tag and its end. An image in the page may have titles of
+/// its own.
+String firstTitle(detail::TagWalk walk) {
+    String title = String::empty();
+    walk([&](const Tag& tag) {
+        if (!tag.isNamed("TITLE") || !isTagClosed(tag.whole())) return false;
+        title = stringByRemovingMultipleWhiteSpaces(normalizedHtmlString(tag.text()));
+        return true;
+    });
+    return title;
+}
+
+}  // namespace
+
+struct Page::State {
+    State(String text, StringEncoding used, URL from)
+        : markup(text.isAbsent() ? String::empty() : std::move(text)),
+          encoding(used),
+          url(std::move(from)) {}
+
+    const detail::TagList& tags() const {
+        return tags_.get([&] { return detail::TagList(markup); });
+    }
+    /// All that the head tells, and the frames.
+    const HtmlReferences& references() const {
+        return references_.get([&] { return detail::referencesOf(tags(), false); });
+    }
+    URL resolved(const String& reference) const {
+        // Without a base a path would be taken for one of this machine.
+        const URL& base = baseURL();
+        if (base.isAbsent() && stringURLScheme(reference).isAbsent()) return {};
+        return URLWithStringRelativeTo(reference, base);
+    }
+    const URL& baseURL() const {
+        const URL& base = references().baseURL;
+        return base.isAbsent() ? url : base;
+    }
+
+    /// The references as URLs, of which two may still be the same.
+    template <class References>
+    std::vector<URL> resolvedOf(const References& references) const {
+        std::vector<URL> urls;
+        std::set<URL> seen;
+        for (const String& reference : references)
+            if (URL link = resolved(reference); !link.isAbsent() && seen.insert(link).second)
+                urls.push_back(std::move(link));
+        return urls;
+    }
+
+    const String markup;
+    const StringEncoding encoding;
+    const URL url;
+
+    Lazy<detail::TagList> tags_;
+    Lazy<HtmlReferences> references_;
+    Lazy<String> title, plainText;
+    Lazy<URL> favIcon;
+    Lazy<std::vector<URL>> links, frames, images, stylesheetsAndScripts, embeddedObjects;
+};
+
+Page::Page(Bytes bytes, const PageOptions& options) {
+    MarkupDecoding decoded = decodeMarkup(
+        bytes, {.contentType = options.contentType, .defaultEncoding = options.defaultEncoding});
+    state_ = std::make_shared<const State>(std::move(decoded.text), decoded.encoding, options.url);
+}
+
+Page Page::pageWithString(const String& markup, const URL& url) {
+    return Page(std::make_shared<const State>(markup, UnknownStringEncoding, url));
+}
+
+const String& Page::markup() const noexcept { return state_->markup; }
+StringEncoding Page::encoding() const noexcept { return state_->encoding; }
+const URL& Page::url() const noexcept { return state_->url; }
+const URL& Page::baseURL() const { return state_->baseURL(); }
+
+const String& Page::title() const {
+    return state_->title.get([this] { return firstTitle(state_->tags()); });
+}
+
+const String& Page::plainText() const {
+    return state_->plainText.get(
+        [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}); });
+}
+
+const std::vector<URL>& Page::links() const {
+    return state_->links.get([this] {
+        std::vector<String> links = detail::linksOf(state_->tags(), {}).links;
+        // On a file base a # would be a part of the path; on others the anchor is cut anyway.
+        if (baseURL().isFileURL())
+            for (String& link : links) link = stringURLWithoutAnchor(link);
+        std::vector<URL> urls = state_->resolvedOf(links);
+        std::erase_if(urls, [](const URL& url) { return !isWebKitURL(url); });
+        return urls;
+    });
+}
+
+const std::vector<URL>& Page::frames() const {
+    return state_->frames.get(
+        [this] { return state_->resolvedOf(state_->references().references); });
+}
+
+const std::vector<URL>& Page::images() const {
+    return state_->images.get(
+        [this] { return state_->resolvedOf(detail::imagesOf(state_->tags())); });
+}
+
+const std::vector<URL>& Page::stylesheetsAndScripts() const {
+    return state_->stylesheetsAndScripts.get(
+        [this] { return state_->resolvedOf(detail::stylesheetsAndScriptsOf(state_->tags())); });
+}
+
+const std::vector<URL>& Page::embeddedObjects() const {
+    return state_->embeddedObjects.get(
+        [this] { return state_->resolvedOf(detail::embeddedObjectsOf(state_->tags())); });
+}
+
+const URL& Page::favIcon() const {
+    return state_->favIcon.get([this] { return state_->resolved(state_->references().favIcon); });
+}
+
+String Page::language(const LanguageFilter& filter) const {
+    return filter.languageOfText(plainText());
+}
+
+}  // namespace velmo

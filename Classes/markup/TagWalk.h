@@ -1,0 +1,71 @@
+// Where the handlers of a page get their tags from: one scan each, as the operations on a text
+// have it, or a scan whose tags were kept for all of them.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string_view>
+#include <vector>
+
+#include <velmocore/markup/Links.h>
+#include <velmocore/markup/PageResources.h>
+#include <velmocore/markup/PlainText.h>
+#include <velmocore/markup/TagScanner.h>
+
+namespace velmo::detail {
+
+/// Hands all tags of a page to the handler, until that wants no more.
+using TagWalk = FunctionRef<void(TagHandler)>;
+
+/// The walk that is a scan of the page.
+inline auto scanOf(std::u16string_view page) {
+    return [page](TagHandler handler) { GetTagsOfString(page, handler); };
+}
+
+/// The tags of one scan. The text must outlive them.
+class TagList {
+public:
+    explicit TagList(std::u16string_view text) : text_(text) {
+        GetTagsOfString(text, [this](const Tag& tag) {
+            tags_.push_back({static_cast<std::size_t>(tag.nameLocation), tag.nameLength,
+                             tag.tagLocation, tag.tagLength, tag.kind});
+            return false;
+        });
+    }
+
+    void operator()(TagHandler handler) const {
+        Tag tag;
+        tag.characters = text_;
+        for (const Kept& kept : tags_) {
+            tag.nameLocation = kept.nameLocation;
+            tag.nameLength = kept.nameLength;
+            tag.tagLocation = kept.tagLocation;
+            tag.tagLength = kept.tagLength;
+            tag.kind = kept.kind;
+            if (handler(tag)) return;
+            tag.textLocation = kept.tagLocation + kept.tagLength;
+        }
+    }
+
+private:
+    /// What a tag does not have in common with those beside it.
+    struct Kept {
+        std::size_t nameLocation, nameLength, tagLocation, tagLength;
+        TagKind kind;
+    };
+
+    std::u16string_view text_;
+    std::vector<Kept> tags_;
+};
+
+// What the operations of the public headers are made of. `page` is the text that is walked.
+
+HtmlLinks linksOf(TagWalk walk, const LinkOptions& options);
+HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
+std::set<String> imagesOf(TagWalk walk);
+std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
+std::set<String> embeddedObjectsOf(TagWalk walk);
+String plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options,
+                   bool* didRemoveJunk = nullptr);
+
+}  // namespace velmo::detail

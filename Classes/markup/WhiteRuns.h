@@ -1,4 +1,0 @@
-// The collapsing of white units stands with the other work on plain text.
-#pragma once
-
-#include "text/WhiteRuns.h"

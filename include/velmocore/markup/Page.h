@@ -1,0 +1,83 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/text/Encodings.h>
+#include <velmocore/url/URL.h>
+#include <velmocore/words/LanguageFilter.h>
+
+namespace velmo {
+
+/// What is known of a page besides its bytes.
+struct PageOptions {
+    URL url = {};                          ///< where it comes from
+    std::u16string_view contentType = {};  ///< the value of its Content-Type header
+    /// The encoding of pages that name none.
+    StringEncoding defaultEncoding = velmo::defaultEncoding();
+};
+
+/// A page of the web, and what most programs want to know of it; the operations of the other
+/// headers tell more, one thing at a time. It is decoded when it is made and scanned once. Each
+/// part is made when it is first asked for, and kept.
+///
+///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>.",
+///                     {.url = URL::URLWithString(u"http://h.org/a/")});
+///     page.title();        // Ferrets
+///     page.plainText();    // Ferrets\n\nThey dig.
+///     page.links()[0];     // http://h.org/a/dig.html
+///
+/// A page cannot be changed. Copies share it, and any number of threads may ask one page at a
+/// time; of several that ask for a part that is not there yet, one makes it.
+class VELMO_API Page {
+public:
+    /// Decodes the bytes, which are not needed afterwards; see markup/MarkupDecoding.h. A page
+    /// without bytes, or that no encoding can read, is empty.
+    explicit Page(Bytes bytes, const PageOptions& options = {});
+    /// A page that is text already; its encoding is UnknownStringEncoding.
+    [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {});
+
+    /// The text of the page, with its tags.
+    [[nodiscard]] const String& markup() const noexcept;
+    /// The encoding that it was in.
+    [[nodiscard]] StringEncoding encoding() const noexcept;
+    /// Where it comes from; absent if that was not told.
+    [[nodiscard]] const URL& url() const noexcept;
+    /// What its links are relative to: its base tag, else where it comes from.
+    [[nodiscard]] const URL& baseURL() const;
+
+    /// What stands in its first title tag, on one line; empty if there is none.
+    [[nodiscard]] const String& title() const;
+    /// As stringByConvertingHtml2PlainText() makes it.
+    [[nodiscard]] const String& plainText() const;
+
+    // References, resolved, in page order or else in that of their texts, each once. What cannot be
+    // resolved is left out: all that is relative, if it is not known to what.
+
+    /// Of a and area tags, without anchors: those that lead to the web, to FTP, to feeds or to
+    /// files.
+    [[nodiscard]] const std::vector<URL>& links() const;
+    [[nodiscard]] const std::vector<URL>& frames() const;
+    [[nodiscard]] const std::vector<URL>& images() const;
+    [[nodiscard]] const std::vector<URL>& stylesheetsAndScripts() const;
+    [[nodiscard]] const std::vector<URL>& embeddedObjects() const;
+    /// Absent if it names none.
+    [[nodiscard]] const URL& favIcon() const;
+
+    /// The key of the language of its plain text; absent if it is not clear. The answer is not
+    /// kept, as another filter may give another one.
+    [[nodiscard]] String language(const LanguageFilter& filter) const;
+
+private:
+    struct State;
+
+    explicit Page(std::shared_ptr<const State> state) noexcept : state_(std::move(state)) {}
+
+    std::shared_ptr<const State> state_;
+};
+
+}  // namespace velmo

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+namespace velmo {
+
+// How all operations of the library that compare or search are told what to look past and
+// which way to go.
+//
+//     containsSubstring(u"a Title", u"title", Case::Insensitive);                 // true
+//     findString(text, u"name", selection, {.direction = Direction::Backward});
+
+/// Whether upper and lower case differ. What counts as the same letter is told with each
+/// operation.
+enum class Case : std::uint8_t {
+    Sensitive,
+    Insensitive,
+};
+
+/// Which way a search goes, and so whether it gives the first hit or the last.
+enum class Direction : std::uint8_t {
+    Forward,
+    Backward,
+};
+
+}  // namespace velmo

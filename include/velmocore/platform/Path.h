@@ -1,0 +1,69 @@
+#pragma once
+
+#include <concepts>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+
+namespace velmo {
+
+/// The path of a file or folder, as operations on files take it: made from a String or other
+/// UTF-16 text, from a std::string or other 8-bit text, or from a std::filesystem::path. It
+/// holds the bytes that the file system knows, so that a name that is not UTF-8 survives.
+///
+/// A path is *absent* if what it is made from is, and if no file can have that name: with a
+/// zero unit in it, or a lone surrogate, which UTF-8 cannot hold. Operations on an absent path
+/// give their neutral result and touch no file.
+///
+///     stringWithContentsOfFile(u"notes.txt", UTF8StringEncoding);
+///     for (const auto& entry : std::filesystem::directory_iterator("letters"))
+///         stringWithContentsOfFile(entry.path(), UTF8StringEncoding);
+class VELMO_API Path {
+public:
+    Path() noexcept = default;
+
+    template <class Units>
+    requires std::convertible_to<const Units&, std::u16string_view> Path(const Units& path)
+        : Path(Utf16{std::u16string_view(path)}) {}
+    Path(const char16_t* path)
+        : Path(Utf16{path ? std::u16string_view(path) : std::u16string_view()}) {}
+
+    template <class Chars>
+    requires(std::convertible_to<const Chars&, std::string_view> &&
+             !std::convertible_to<const Chars&, std::u16string_view>) Path(const Chars& path)
+        : Path(Narrow{std::string_view(path)}) {}
+    Path(const char* path) : Path(Narrow{path ? std::string_view(path) : std::string_view()}) {}
+
+    Path(const std::filesystem::path& path) : Path(Narrow{path.native()}) {}
+
+    [[nodiscard]] bool isAbsent() const noexcept { return isAbsent_; }
+    /// The bytes, without a zero in them; empty if absent.
+    [[nodiscard]] const std::string& bytes() const noexcept VELMO_LIFETIME { return bytes_; }
+    [[nodiscard]] const char* c_str() const noexcept VELMO_LIFETIME { return bytes_.c_str(); }
+
+    /// For people and for operations on strings: bytes that are not UTF-8 become U+FFFD.
+    /// Absent if the path is.
+    [[nodiscard]] String string() const { return isAbsent_ ? String() : String::fromUTF8(bytes_); }
+    [[nodiscard]] std::filesystem::path filesystemPath() const { return bytes_; }
+
+    friend bool operator==(const Path&, const Path&) noexcept = default;
+
+private:
+    struct Utf16 {
+        std::u16string_view units;
+    };
+    struct Narrow {
+        std::string_view bytes;
+    };
+    explicit Path(Utf16 path);
+    explicit Path(Narrow path);
+
+    std::string bytes_;
+    bool isAbsent_ = true;
+};
+
+}  // namespace velmo

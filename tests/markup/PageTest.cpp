@@ -1,0 +1,112 @@
+#include <velmocore/markup/Page.h>
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <thread>
+
+#include <velmocore/markup/Links.h>
+#include <velmocore/markup/PageResources.h>
+#include <velmocore/markup/PlainText.h>
+#include <velmocore/platform/Log.h>
+#include <velmocore/platform/Resources.h>
+#include <velmocore/url/RelativeURLs.h>
+#include <velmocore/url/URLSchemes.h>
+
+#include "TestSupport.h"
+
+namespace velmo {
+namespace {
+
+std::string textOf(const std::vector<URL>& urls) {
+    std::string text;
+    for (const URL& url : urls) text += (text.empty() ? "" : " ") + url.absoluteString().utf8();
+    return text;
+}
+
+TEST(Page, TellsItsParts) {
+    const std::string bytes =
+        "<meta charset=koi8-r><link rel='shortcut icon' href=i.ico><title> \xC4\xC1 \n&amp; </title>"
+        "<a href=b>B</a><a href=./b>x</a><a href='mailto:a@b.org'>y</a><area href=http://i.org/>"
+        "<svg><title>no</title></svg><img src=b><img src=a><script src=s></script><embed src=e><iframe src=f>";
+    const Page page(bytesOf(bytes), {.url = URL::URLWithString(u"http://h.org/d/e")});
+    EXPECT_EQ(page.title(), u"\u0434\u0430 &");
+    EXPECT_EQ(textOf(page.links()), "http://h.org/d/b http://i.org/");
+    EXPECT_EQ(textOf(page.images()), "http://h.org/i.ico http://h.org/d/a http://h.org/d/b");
+    EXPECT_EQ(textOf(page.stylesheetsAndScripts()), "http://h.org/d/s");
+    EXPECT_EQ(textOf(page.embeddedObjects()), "http://h.org/d/e");
+    EXPECT_EQ(textOf(page.frames()), "http://h.org/d/f");
+    EXPECT_EQ(page.favIcon().absoluteString(), u"http://h.org/i.ico");
+    EXPECT_EQ(page.baseURL(), page.url());
+    const Page other(bytesOf(bytes.substr(21)), {.contentType = u"text/html; charset=windows-1251"});
+    EXPECT_EQ(other.encoding(), WindowsCP1251StringEncoding);
+    EXPECT_EQ(other.title(), u"\u0414\u0411 &");
+    EXPECT_EQ(textOf(other.links()), "http://i.org/");
+    EXPECT_TRUE(other.favIcon().isAbsent());
+}
+
+TEST(Page, TakesItsBaseFromItsTag) {
+    const Page page = Page::pageWithString(u"<a href=c><base href=http://b.org/>", URL::URLWithString(u"http://h/"));
+    EXPECT_EQ(page.url().absoluteString(), u"http://h/");
+    EXPECT_EQ(page.baseURL().absoluteString(), u"http://b.org/");
+    EXPECT_EQ(textOf(page.links()), "http://b.org/c");
+    const Page file = Page::pageWithString(u"<a href='c#d'>", URL::URLWithString(u"file:///a/b"));
+    EXPECT_EQ(textOf(file.links()), "file:///a/c");
+    const Page empty{Bytes()};
+    EXPECT_EQ(empty.markup(), u"");
+    EXPECT_EQ(empty.title(), u"");
+    EXPECT_EQ(empty.plainText(), u"");
+    EXPECT_TRUE(empty.links().empty() && empty.baseURL().isAbsent());
+}
+
+// One scan serves all parts: each is what its own operation says.
+TEST(Page, AgreesWithTheOperations) {
+    setLogHandler([](std::string_view) {});  // one of the pages has a relative base
+    const LanguageFilter filter(velmoResourcesDirectory());
+    const URL url = URL::URLWithString(u"http://h.org/a/b");
+    std::size_t links = 0, languages = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) {
+        const Page page(bytesOf(test::readPage(entry.path().filename())), {.url = url});
+        const String& markup = page.markup();
+        const String text = stringByConvertingHtml2PlainText(markup);
+        EXPECT_EQ(page.plainText(), text);
+        EXPECT_EQ(page.language(filter), filter.languageOfText(text));
+        languages += !page.language(filter).isAbsent();
+        const auto resolved = [&](const auto& references) {
+            std::vector<URL> urls;
+            std::set<String> seen;
+            for (const String& reference : references) {
+                const URL link = URLRelativeTo(page.baseURL(), reference);
+                if (!link.isAbsent() && seen.insert(link.absoluteString()).second) urls.push_back(link);
+            }
+            return urls;
+        };
+        links += page.links().size();
+        std::vector<URL> pages = resolved(htmlLinks(markup).links);
+        std::erase_if(pages, [](const URL& link) { return !isWebKitURL(link); });
+        EXPECT_EQ(page.links(), pages) << entry.path();
+        EXPECT_EQ(page.images(), resolved(htmlImages(markup))) << entry.path();
+        EXPECT_EQ(page.stylesheetsAndScripts(), resolved(htmlStylesheetsAndScripts(markup)));
+        EXPECT_EQ(page.embeddedObjects(), resolved(htmlEmbeddedObjects(markup)));
+    }
+    setLogHandler(nullptr);
+    EXPECT_GT(links, 500u);
+    EXPECT_GT(languages, 15u);
+}
+
+TEST(Page, IsMadeOnceByManyThreads) {
+    const Page page{bytesOf(test::readPage("httpd-de-iso-8859-1.html"))};
+    std::vector<const String*> texts(8);
+    std::vector<std::thread> threads;
+    for (const String*& text : texts)
+        threads.emplace_back([copy = page, &text] {
+            copy.links();
+            text = &copy.plainText();
+        });
+    for (std::thread& thread : threads) thread.join();
+    for (const String* text : texts) EXPECT_EQ(text, &page.plainText());
+    EXPECT_TRUE(page.title().view().starts_with(u"Dokumentation zum Apache HTTP Server"));
+}
+
+}  // namespace
+}  // namespace velmo
