@@ -114,7 +114,7 @@ void Report::logLine(std::string_view line) {
 JsonObject fileObject(std::string_view name, JsonObject more) {
     JsonObject members = {{"file", name}};
     if (String::fromUTF8(name).utf8() != name)
-        members.push_back({"fileBytes", encodedBase64Data(bytesOf(name))});
+        members.push_back({"fileBytes", encodedBase64Data(name)});
     std::ranges::move(more, std::back_inserter(members));
     return members;
 }
