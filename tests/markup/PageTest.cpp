@@ -29,7 +29,7 @@ TEST(Page, TellsItsParts) {
         "<meta charset=koi8-r><link rel='shortcut icon' href=i.ico><title> \xC4\xC1 \n&amp; </title>"
         "<a href=b>B</a><a href=./b>x</a><a href='mailto:a@b.org'>y</a><area href=http://i.org/>"
         "<svg><title>no</title></svg><img src=b><img src=a><script src=s></script><embed src=e><iframe src=f>";
-    const Page page(bytesOf(bytes), {.url = URL::URLWithString(u"http://h.org/d/e")});
+    const Page page(Bytes(bytes), {.url = URL::URLWithString(u"http://h.org/d/e")});
     EXPECT_EQ(page.title(), u"\u0434\u0430 &");
     EXPECT_EQ(textOf(page.links()), "http://h.org/d/b http://i.org/");
     EXPECT_EQ(textOf(page.images()), "http://h.org/i.ico http://h.org/d/a http://h.org/d/b");
@@ -38,7 +38,7 @@ TEST(Page, TellsItsParts) {
     EXPECT_EQ(textOf(page.frames()), "http://h.org/d/f");
     EXPECT_EQ(page.favIcon().absoluteString(), u"http://h.org/i.ico");
     EXPECT_EQ(page.baseURL(), page.url());
-    const Page other(bytesOf(bytes.substr(21)), {.contentType = u"text/html; charset=windows-1251"});
+    const Page other(Bytes(bytes.substr(21)), {.contentType = u"text/html; charset=windows-1251"});
     EXPECT_EQ(other.encoding(), WindowsCP1251StringEncoding);
     EXPECT_EQ(other.title(), u"\u0414\u0411 &");
     EXPECT_EQ(textOf(other.links()), "http://i.org/");
@@ -66,7 +66,7 @@ TEST(Page, AgreesWithTheOperations) {
     const URL url = URL::URLWithString(u"http://h.org/a/b");
     std::size_t links = 0, languages = 0;
     for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) {
-        const Page page(bytesOf(test::readPage(entry.path().filename())), {.url = url});
+        const Page page(Bytes(test::readPage(entry.path().filename())), {.url = url});
         const String& markup = page.markup();
         const String text = stringByConvertingHtml2PlainText(markup);
         EXPECT_EQ(page.plainText(), text);
@@ -95,7 +95,7 @@ TEST(Page, AgreesWithTheOperations) {
 }
 
 TEST(Page, IsMadeOnceByManyThreads) {
-    const Page page{bytesOf(test::readPage("httpd-de-iso-8859-1.html"))};
+    const Page page{Bytes(test::readPage("httpd-de-iso-8859-1.html"))};
     std::vector<const String*> texts(8);
     std::vector<std::thread> threads;
     for (const String*& text : texts)

@@ -89,7 +89,7 @@ TEST(PropertyListAsXML, BoundsWhatIsWritten) {
     for (std::uint32_t levels = 1; levels <= 24; ++levels)
         for (std::size_t times : {2u, 5u, 12u}) {
             const std::string list = nestedBinary(levels, times);
-            const auto xml = propertyListAsXML(bytesOf(list));
+            const auto xml = propertyListAsXML(Bytes(list));
             if (!xml) continue;
             ++read;
             EXPECT_LE(xml->size(), 64 * list.size() + (1 << 20)) << levels << ' ' << times;
@@ -99,7 +99,7 @@ TEST(PropertyListAsXML, BoundsWhatIsWritten) {
                                     "\x80" + std::string("\x01"), "\x13" + std::string(8, '\xFF'),
                                     "\x23" + std::string("\xC1\x01\x01\x01\x01\x01\x01\x01")}) {
         const std::string list = binaryList({arrayOf(std::vector<std::uint32_t>(1000, 1)), leaf});
-        const auto xml = propertyListAsXML(bytesOf(list));
+        const auto xml = propertyListAsXML(Bytes(list));
         if (xml) { EXPECT_LE(xml->size(), 64 * list.size() + (1 << 20)); }
     }
 }
@@ -130,7 +130,7 @@ TEST(PropertyListAsXML, KeepsLongTextsWithEntities) {
         for (int i = 0; i < 3000; ++i) text += part;
         const std::string list = "<plist version=\"1.0\"><dict><key>" + text + "</key><string>" + text +
                                  "</string></dict></plist>";
-        const auto xml = propertyListAsXML(bytesOf(list));
+        const auto xml = propertyListAsXML(Bytes(list));
         ASSERT_TRUE(xml) << part.substr(0, 20);
         std::string expected = text;
         for (const auto& [from, to] : {std::pair<std::string, std::string>{"&#65;", "A"}, {"&quot;", "\""}})

@@ -35,9 +35,9 @@ TEST(Compression, BothFormatsComeBackAtEveryLevel) {
 TEST(Compression, PiecesMakeNoDifference) {
     const std::string text = test::readPage("httpd-de-iso-8859-1.html").substr(0, 5000);
     for (const bool gzip : {false, true}) {
-        const Data whole = *dataByCompressingBytes(bytesOf(text), 6, gzip);
+        const Data whole = *dataByCompressingBytes(Bytes(text), 6, gzip);
         for (const std::size_t piece : {1u, 2u, 7u, 4999u, 5000u}) {
-            EXPECT_EQ(detail::deflated(bytesOf(text), 6, gzip, piece), whole) << piece;
+            EXPECT_EQ(detail::deflated(Bytes(text), 6, gzip, piece), whole) << piece;
             Data data;
             EXPECT_TRUE(detail::inflateInto(data, whole, NoInflatedLimit, piece)) << piece;
             EXPECT_EQ(data, dataOf(text));
