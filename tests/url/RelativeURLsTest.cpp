@@ -1,6 +1,6 @@
 #include <velmocore/url/RelativeURLs.h>
 
-#include <velmocore/text/StandardFolders.h>
+#include <velmocore/text/HomeFolder.h>
 
 #include <random>
 
