@@ -112,7 +112,7 @@ TEST(Finding, FromASelection) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(findString(text, u"ab", c.selection, c.options), c.expected)
-            << c.selection.location << ' ' << (c.options.direction == Direction::Forward) << c.options.wrap;
+            << c.selection.location << ' ' << int(c.options.direction) << c.options.wrap;
     EXPECT_EQ(findString(text, u"", {0, 0}), Range::none());
     EXPECT_EQ(findString(text, View(), {0, 0}, {.direction = Direction::Backward, .wrap = true}), Range::none());
 }
