@@ -43,7 +43,7 @@ bool containsBehind(Units text, Units first, Units second) {
 }
 
 std::int64_t styleNumber(Units style, Units name) {
-    return leadingInteger(attributeOfStyleWithName(style, name));
+    return detail::leadingInteger(attributeOfStyleWithName(style, name));
 }
 
 bool isOneToThree(std::int64_t size) { return size >= 1 && size <= 3; }

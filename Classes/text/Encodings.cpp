@@ -4,11 +4,14 @@
 #include <atomic>
 
 #include "platform/Converter.h"
+#include "platform/EncodingNumbers.h"
 #include "platform/Surrogates.h"
 #include "platform/Utf8.h"
 
 namespace velmo {
 namespace {
+
+namespace encoding = detail::encoding;
 
 struct EncodingPair {
     StringEncoding string;
@@ -18,19 +21,19 @@ struct EncodingPair {
 /// The string encodings with numbers of their own; all others are told by their top bit.
 constexpr EncodingPair Pairs[] = {
     {ASCIIStringEncoding, ASCIITextEncoding},
-    {JapaneseEUCStringEncoding, 2336},
+    {JapaneseEUCStringEncoding, encoding::EUCJP},
     {UTF8StringEncoding, UTF8TextEncoding},
     {ISOLatin1StringEncoding, ISOLatin1TextEncoding},
     {ShiftJISStringEncoding, ShiftJISTextEncoding},
-    {ISOLatin2StringEncoding, 514},
+    {ISOLatin2StringEncoding, encoding::ISOLatin2},
     {UTF16StringEncoding, UTF16TextEncoding},
-    {WindowsCP1251StringEncoding, 1282},
-    {WindowsCP1252StringEncoding, 1280},
-    {WindowsCP1253StringEncoding, 1283},
-    {WindowsCP1254StringEncoding, 1284},
-    {WindowsCP1250StringEncoding, 1281},
-    {ISO2022JPStringEncoding, 2080},
-    {MacOSRomanStringEncoding, 0},
+    {WindowsCP1251StringEncoding, encoding::Windows1251},
+    {WindowsCP1252StringEncoding, encoding::Windows1252},
+    {WindowsCP1253StringEncoding, encoding::Windows1253},
+    {WindowsCP1254StringEncoding, encoding::Windows1254},
+    {WindowsCP1250StringEncoding, encoding::Windows1250},
+    {ISO2022JPStringEncoding, encoding::ISO2022JP},
+    {MacOSRomanStringEncoding, encoding::MacRoman},
     {KamenickyStringEncoding, KamenickyTextEncoding},
     {KOI8CS2StringEncoding, KOI8CS2TextEncoding},
 };
