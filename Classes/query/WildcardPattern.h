@@ -14,7 +14,7 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
 
-#include "query/SmallBuffer.h"
+#include "text/SmallBuffer.h"
 #include "text/PatternScan.h"
 
 namespace velmo::detail {

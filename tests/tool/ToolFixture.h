@@ -36,23 +36,31 @@ protected:
         folder_ = std::filesystem::temp_directory_path() / ("velmo-tool-" + std::to_string(getpid()));
         std::filesystem::create_directory(folder_);
     }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
+    void TearDown() override {
+        std::filesystem::remove_all(folder_);
+        for (const char* stream : {".in", ".out", ".err"}) std::filesystem::remove(folder_.string() + stream);
+    }
 
     std::string write(const std::string& name, const std::string& content) const {
         const std::string path = (folder_ / name).string();
         std::ofstream(path, std::ios::binary) << content;
         return path;
     }
-    std::string read(const std::string& name) const {
-        std::ifstream file(folder_ / name, std::ios::binary);
+    std::string read(const std::string& name) const { return contentOf((folder_ / name).string()); }
+    static std::string contentOf(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
     Outcome run(const std::string& arguments, const std::string& input = "") const {
-        const std::string in = write("in", input);
-        const std::string command = VELMO_TOOL " " + arguments + " <" + in + " >" + (folder_ / "out").string() + " 2>" +
-                                    (folder_ / "err").string();
+        return shell(VELMO_TOOL " " + arguments, input);
+    }
+    /// Runs a line of the shell in the folder of the test; $V is the tool.
+    Outcome shell(const std::string& line, const std::string& input = "") const {
+        std::ofstream(folder_.string() + ".in", std::ios::binary) << input;
+        const std::string at = folder_.string(), command = "exec <" + at + ".in >" + at + ".out 2>" + at + ".err; cd " +
+                                                           at + "; V=" VELMO_TOOL "; " + line;
         const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read("out"), read("err")};
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(at + ".out"), contentOf(at + ".err")};
     }
     std::string pages() const { return VELMO_PAGES "/*html"; }
 

@@ -116,7 +116,7 @@ public:
         page.encoding = content.encoding;
         String text = content.units;
         if (content.kind == Kind::Page) {
-            page.title = singleLine(normalizedHtmlString(htmlFrames(content.units).title));
+            page.title = singleLine(normalizedHtmlString(htmlFramesSet(content.units).title));
             page.links = linksOfPage(content.units, urlOf(file, base_), options_.links);
             text = stringByConvertingHtml2PlainText(content.units);
         }

@@ -40,7 +40,7 @@ Found find(const String& page, const Options& options) {
         case LinkSet::Links:
             break;
         case LinkSet::Frames:
-            found.links = listOf(htmlLinksAndFrames(page).references);
+            found.links = listOf(htmlLinksAndFramesSet(page).references);
             break;
         case LinkSet::Images:
             found.links = listOf(htmlImages(page));

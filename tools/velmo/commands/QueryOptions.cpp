@@ -9,6 +9,10 @@ bool isForWildcards(WildcardComparison comparison) {
            isFuzzy(comparison);
 }
 
+Case caseOf(WildcardComparison comparison) {
+    return isCaseInsensitive(comparison) ? Case::Insensitive : Case::Sensitive;
+}
+
 }  // namespace
 
 QueryOptions QueryParseOptions::read() const {
@@ -38,12 +42,12 @@ std::vector<Option> queryParseOptions(QueryParseOptions& options) {
 }
 
 bool Query::holdsFor(std::u16string_view units) const {
-    return plain ? terms.matchesString(units, letterCaseOf(comparison))
+    return plain ? terms.matchesString(units, caseOf(comparison))
                  : terms.matchesString(units, comparison);
 }
 
 bool Query::occursIn(std::u16string_view units) const {
-    return plain ? terms.containsString(units, letterCaseOf(comparison))
+    return plain ? terms.containsString(units, caseOf(comparison))
                  : terms.containsString(units, comparison);
 }
 

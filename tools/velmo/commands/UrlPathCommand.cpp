@@ -25,7 +25,7 @@ String pathOf(const URL& url, const Options& options) {
             {.simplified = options.simplified, .defaultPathComponent = !options.noDefault});
     InvertedPathOptions inverted = options.inverted;
     inverted.removeSessionIDs = !options.keepSessions;
-    inverted.letterCase = options.caseSensitive ? Case::Sensitive : Case::Insensitive;
+    if (options.caseSensitive) inverted.letterCase = Case::Sensitive;
     inverted.pathExtension = String::fromUTF8(options.extension);
     return invertedPathRelativeToDirectory(url, directory, inverted);
 }

@@ -19,7 +19,7 @@
 namespace velmo::tool {
 namespace {
 
-constexpr std::size_t PieceSize = std::size_t{4} << 20;
+constexpr std::size_t PieceSize = std::size_t{1} << 20;
 constexpr char16_t Replacement = 0xFFFD;
 constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";
 constexpr std::size_t PageSize = 4096;
@@ -60,32 +60,29 @@ void discard(Bytes bytes) {
     if (first < end) madvise(reinterpret_cast<void*>(first), end - first, MADV_DONTNEED);
 }
 
-String decodedUTF8(Data&& owned) {
-    const Data data = std::move(owned);
-    if (data.size() <= PieceSize) return String::fromUTF8(charsOf(data));
-    StringBuilder units(data.size());
-    for (Bytes rest = data; !rest.empty();) {
-        const Bytes piece = rest.first(pieceOf(rest));
+/// Large UTF-8; its bytes are lost.
+String decodedInPieces(Bytes bytes) {
+    StringBuilder units(bytes.size());
+    while (!bytes.empty()) {
+        const Bytes piece = bytes.first(pieceOf(bytes));
         units.append(String::fromUTF8(charsOf(piece)));
         discard(piece);
-        rest = rest.subspan(piece.size());
+        bytes = bytes.subspan(piece.size());
     }
     return units.finish();
 }
 
 /// Bytes in a given encoding, without their mark; what has no meaning there becomes U+FFFD.
 String decoded(Data&& data, StringEncoding encoding) {
-    if (encoding == UTF8StringEncoding) {
-        const auto mark = static_cast<std::ptrdiff_t>(
-            markOf(data).encoding == encoding ? markOf(data).bytes.size() : 0);
-        data.erase(data.begin(), data.begin() + mark);
-        return decodedUTF8(std::move(data));
-    }
     const Data owned = std::move(data);
-    StringBuilder units(owned.size());
+    const ByteOrderMark mark = markOf(owned);
+    const Bytes bytes = Bytes(owned).subspan(mark.encoding == encoding ? mark.bytes.size() : 0);
+    if (encoding == UTF8StringEncoding)
+        return bytes.size() > PieceSize ? decodedInPieces(bytes) : String::fromUTF8(charsOf(bytes));
+    StringBuilder units(bytes.size());
     std::size_t count = 0;
-    convertEncodingToUnicode(owned, textEncodingOf(encoding),
-                             {units.prepare(owned.size()), owned.size()}, count);
+    convertEncodingToUnicode(bytes, textEncodingOf(encoding),
+                             {units.prepare(bytes.size()), bytes.size()}, count);
     units.commit(count);
     return units.finish();
 }
@@ -127,7 +124,7 @@ Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
 }  // namespace
 
 Content decode(Data&& bytes, const std::string& name, const ContentOptions& options) {
-    if (isGzip(bytes)) bytes = inflated(bytes, UsualLimit);
+    if (isGzip(bytes)) bytes = inflated(bytes, options.limit);
     Kind kind = options.forced;
     if (kind == Kind::Unclear)
         kind = kindOf(Bytes(bytes).first(std::min(bytes.size(), HeadSize)), name);

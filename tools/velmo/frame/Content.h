@@ -7,6 +7,8 @@
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/String.h>
 
+#include "FileBytes.h"
+
 namespace velmo::tool {
 
 enum class Kind : std::uint8_t { Unclear, Page, Text, Binary };
@@ -16,8 +18,9 @@ struct ContentOptions {
     Kind forced = Kind::Unclear;  ///< by --page and --text
     /// What an input is that neither its content nor its name tells.
     Kind unclear = Kind::Text;
-    std::string charset;      ///< by --charset; empty is none
-    std::string httpCharset;  ///< the charset that the HTTP header named; empty if none
+    std::string charset;               ///< by --charset; empty is none
+    std::string httpCharset;           ///< the charset that the HTTP header named; empty if none
+    std::uint64_t limit = UsualLimit;  ///< of what may come out of compressed bytes
 };
 
 /// An input that was decoded.

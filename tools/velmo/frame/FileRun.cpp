@@ -1,5 +1,7 @@
 #include "FileRun.h"
 
+#include <fmt/core.h>
+
 #include <new>
 
 #include "FileBytes.h"
@@ -90,6 +92,8 @@ void addContentOptions(Command& command, Session& session, InputOptions& options
              }},
         text("--http-charset", "NAME", content.httpCharset,
              "the charset that the HTTP header of pages named"),
+        number("--limit", "BYTES", content.limit,
+               fmt::format("most bytes that may come out of a compressed file; {}", UsualLimit)),
     });
 }
 

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "Terminal.h"
+
 namespace velmo::tool {
 namespace {
 
@@ -18,8 +20,8 @@ constexpr std::size_t PieceUnits = 4096;
 bool isHigh(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 bool isLow(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
-/// Controls that JSON lets pass but a terminal may obey.
-bool isLateControl(char16_t unit) { return unit >= 0x7F && unit < 0xA0; }
+/// What JSON lets pass but a terminal may obey.
+bool isLateControl(char16_t unit) { return (unit >= 0x7F && unit < 0xA0) || turnsDirection(unit); }
 
 /// How many units from the start on the library can write: up to the first lone surrogate or
 /// late control, and no more than a piece. No pair is split.

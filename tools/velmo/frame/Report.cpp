@@ -75,7 +75,8 @@ void Report::printText(std::u16string_view text) {
 void Report::printBytes(std::string_view bytes) {
     flush();
     if (turn_) turn_();
-    session_.console.writeOutput(bytes);
+    const bool visible = session_.console.outputIsTerminal();
+    session_.console.writeOutput(visible ? shown(bytes) : bytes);
 }
 
 void Report::printObject(const JsonObject& members) {
@@ -113,7 +114,7 @@ void Report::logLine(std::string_view line) {
 JsonObject fileObject(std::string_view name, JsonObject more) {
     JsonObject members = {{"file", name}};
     if (String::fromUTF8(name).utf8() != name)
-        members.push_back({"fileBytes", encodedBase64Data(Bytes(name))});
+        members.push_back({"fileBytes", encodedBase64Data(name)});
     std::ranges::move(more, std::back_inserter(members));
     return members;
 }

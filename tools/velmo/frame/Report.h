@@ -40,7 +40,7 @@ public:
     void printHeading(std::string_view name);
     /// A whole text and a line end; its lone surrogates become U+FFFD.
     void printText(std::u16string_view text);
-    /// Bytes as they are, whatever they are and wherever they go.
+    /// Bytes as they are, whatever they are; on a terminal as they can be shown.
     void printBytes(std::string_view bytes);
     /// One line for programs.
     void printObject(const JsonObject& members);

@@ -14,12 +14,6 @@ namespace {
 
 constexpr char16_t Replacement = 0xFFFD;
 
-/// The units that embed, override or isolate a direction of writing: they can make a name look
-/// like another one.
-bool turnsDirection(char16_t unit) {
-    return (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
-}
-
 bool isPlainByte(unsigned char byte) {
     return (byte >= 0x20 && byte < 0x7F) || byte == '\t' || byte == '\n';
 }
@@ -70,6 +64,10 @@ constexpr std::string_view escapeOf(Line::Color color) {
 }
 
 }  // namespace
+
+bool turnsDirection(char16_t unit) {
+    return (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069);
+}
 
 bool isTerminal(int descriptor) { return isatty(descriptor) != 0; }
 

@@ -18,6 +18,10 @@ bool isColorTerminal();
 /// not UTF-8 as <9B>. Tabs and line ends stay.
 std::string shown(std::string_view bytes);
 
+/// Whether a unit embeds, overrides or isolates a direction of writing: it can make a name look
+/// like another one.
+bool turnsDirection(char16_t unit);
+
 /// Units as one line: line ends become spaces.
 std::string oneLine(std::u16string_view units);
 
