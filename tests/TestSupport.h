@@ -3,10 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Range.h>
@@ -33,6 +36,16 @@ inline std::string readFile(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     EXPECT_TRUE(file.good()) << "missing: " << path;
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The words of a text, which stand one space apart: lists of cases without a line for each.
+inline std::vector<std::u16string> wordsOf(std::u16string_view text) {
+    std::vector<std::u16string> words;
+    for (std::size_t start = 0, end; start <= text.size(); start = end + 1) {
+        end = std::min(text.find(u' ', start), text.size());
+        words.emplace_back(text.substr(start, end - start));
+    }
+    return words;
 }
 
 /// A file of the data folder.

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "query/ProximityMemory.h"
 #include "query/QueryTree.h"
 #include "query/WordSteps.h"
 
@@ -26,6 +27,8 @@ concept WordFinder = requires(Finder finder, std::size_t node, std::uint64_t pos
     /// Whether the word occurs exactly where certain runs of term units stand, whatever
     /// stretch is looked at that does not cut a run. It saves time only.
     { finder.isOneRun(node) } -> std::same_as<bool>;
+    /// Whether an occurrence may begin or end inside a run of term units.
+    { finder.cutsRuns(node) } -> std::same_as<bool>;
 };
 
 /// Remembers is false in a test only, which shows what the memory is good for.
@@ -38,7 +41,10 @@ public:
 
     /// Whether the query below a node holds for the text.
     bool matches(std::size_t top) {
-        wordsAreRuns_ = tree_.nodes[top].hasProximity && allWordsAreRuns();
+        if (tree_.nodes[top].hasProximity) {
+            near_.resize(tree_.nodes.size());
+            findWhatShrinks();
+        }
         std::optional<bool> answer = enter({.node = top, .end = textEnd_});
         while (!stack_.empty())
             answer = tree_.nodes[stack_.back().call.node].isWord ? continueProximity(answer)
@@ -71,9 +77,12 @@ private:
         std::size_t child = 0;  // whose answer is waited for
         bool value = false;     // of the children before it
         // Of a word with a left term:
-        bool asksWhole = false;     // waits for the left term's answer on the whole stretch
-        std::uint64_t cursor = 0;   // where the next occurrence is looked for
-        std::uint64_t lastEnd = 0;  // of the windows so far
+        bool asksWhole = false;  // waits for the left term's answer on the whole stretch
+        ProximityState state = {};
+        bool known = false;  // what the rest of the stretch is known to come to
+        Stretch asked = {};  // the part that is waited for, and where a longer stretch that
+        std::uint64_t decidesAfter = UINT64_MAX;  // has this part too must end
+        std::size_t firstPassed = 0;              // of its own in passed_
     };
 
     /// Answers a call at once or leaves a frame on the stack.
@@ -85,7 +94,7 @@ private:
         if (isRemembered(call))
             if (const auto known = memory_.find(keyOf(call)); known != memory_.end())
                 return known->second;
-        stack_.push_back({.call = call, .cursor = call.start, .lastEnd = call.start});
+        stack_.push_back({.call = call});
         return std::nullopt;
     }
 
@@ -163,47 +172,96 @@ private:
 
     std::optional<bool> continueProximity(std::optional<bool> answer) {
         Frame& frame = stack_.back();
+        const Call& call = frame.call;
         if (answer) {
             // In a part, yes decides; on the whole stretch, no does.
-            if (*answer != frame.asksWhole) return finish(*answer);
-            frame.asksWhole = false;
-        } else if (canOnlyShrink(frame.call.left)) {
-            frame.asksWhole = true;
-            answer = enter(callOfLeft(frame.call, {frame.call.start, frame.call.end}));
-            if (!answer) return std::nullopt;
-            if (!*answer) return finish(false);
-            frame.asksWhole = false;
+            if (*answer != frame.asksWhole) return finishProximity(*answer);
+        } else {
+            ProximityMemory& memory = near_[call.node];
+            memory.begin(call.start, call.end);
+            if (Remembers && memory.isKnownToHold()) return finish(true);
+            frame.state = Remembers ? memory.firstState() : ProximityState{call.start, call.start};
+            frame.firstPassed = passed_.size();
+            if (shrinks_[call.left]) {
+                frame.asksWhole = true;
+                answer = enter(callOfLeft(call, {call.start, call.end}));
+                if (!answer) return std::nullopt;  // and the frame may have moved
+                if (!*answer) return finishProximity(false);
+            }
         }
+        frame.asksWhole = false;
         while (const auto part = nextPart(frame)) {
-            answer = enter(callOfLeft(frame.call, *part));
+            answer = enter(callOfLeft(call, *part));
             if (!answer) return std::nullopt;
-            if (*answer) return finish(true);
+            if (*answer) return finishProximity(true);
         }
-        return finish(false);
+        return finishProximity(frame.known);
     }
 
     static Call callOfLeft(const Call& call, Stretch stretch) {
         return {.node = call.left, .start = stretch.start, .end = stretch.end};
     }
 
-    /// The next stretch in which the left term, if it holds there, decides.
+    /// The next stretch in which the left term, if it holds there, decides. All before it have
+    /// been asked in vain.
     std::optional<Stretch> nextPart(Frame& frame) {
         const Call& call = frame.call;
+        ProximityMemory& memory = near_[call.node];
         const bool negated = tree_.nodes[call.node].negated;
-        while (frame.cursor < call.end) {
-            const Range hit = finder_.find(call.node, frame.cursor, call.end);
-            if (!hit.isFound()) {
-                frame.cursor = call.end;
-                if (negated && frame.lastEnd < call.end) return Stretch{frame.lastEnd, call.end};
+        ProximityState& state = frame.state;
+        while (state.cursor < call.end) {
+            if (Remembers) state = memory.pass(state, isRun_[call.node]);
+            if (const auto known = knownFrom(frame)) {
+                frame.known = *known;
+                frame.decidesAfter = UINT64_MAX;
                 break;
             }
-            frame.cursor = hit.end();
+            const Range hit = finder_.find(call.node, state.cursor, call.end);
+            if (!hit.isFound()) {
+                state.cursor = call.end;
+                frame.decidesAfter = UINT64_MAX;
+                if (negated && state.lastEnd < call.end) return Stretch{state.lastEnd, call.end};
+                break;
+            }
             const Stretch window = windowAround(call, hit);
-            if (!negated) return Stretch{window.start, std::min(window.end, call.end)};
-            const std::uint64_t gap = std::exchange(frame.lastEnd, window.end);
-            if (gap < window.start) return Stretch{gap, window.start};
+            const Stretch part = negated ? Stretch{state.lastEnd, window.start}
+                                         : Stretch{window.start, std::min(window.end, call.end)};
+            const Stretch before = std::exchange(frame.asked, part);
+            state = {hit.end(), window.end,
+                     negated || window.start > call.start || call.op == QueryOperator::After};
+            frame.decidesAfter = negated ? hit.end() : std::max(hit.end(), window.end);
+            if (negated ? part.start < part.end : !isAnswered(frame, before)) return part;
         }
         return std::nullopt;
+    }
+
+    /// Whether a part that holds no more than the one before it need not be asked.
+    bool isAnswered(Frame& frame, Stretch before) {
+        const Call& call = frame.call;
+        if (before.end != call.end || before.start == before.end) return false;
+        // All parts to come end with the stretch as well.
+        const bool shrinks = shrinks_[call.left], isSame = before.start == frame.asked.start;
+        if (shrinks || (isSame && call.distance >= textEnd_)) frame.state.cursor = call.end;
+        return shrinks || isSame;
+    }
+
+    /// What has been found out from the present state on.
+    std::optional<bool> knownFrom(const Frame& frame) {
+        if (!Remembers || !frame.state.isFree) return std::nullopt;
+        const ProximityMemory& memory = near_[frame.call.node];
+        const auto known = memory.verdict(frame.state);
+        if (!known && memory.sharesEnd()) passed_.push_back(frame.state);
+        return known;
+    }
+
+    std::optional<bool> finishProximity(bool value) {
+        const Frame& frame = stack_.back();
+        ProximityMemory& memory = near_[frame.call.node];
+        if (value && frame.decidesAfter < frame.call.end) memory.hold(frame.decidesAfter);
+        for (std::size_t i = frame.firstPassed; i < passed_.size(); ++i)
+            memory.remember(passed_[i], value);
+        passed_.resize(frame.firstPassed);
+        return finish(value);
     }
 
     Stretch windowAround(const Call& call, Range hit) {
@@ -245,23 +303,33 @@ private:
     }
 
     // A left term without negations that does not hold on a stretch holds on no part of it.
-    // This needs words that are runs of term units: of others, a part may hold more, since
-    // its edges cut words off. Then one question spares those on all windows.
+    // This needs words that are runs of term units, and windows that cut none: of others, a
+    // part may hold more, since its edges cut words off. Then one question spares those on all
+    // windows.
 
-    bool allWordsAreRuns() const {
-        for (std::size_t i = 0; i < tree_.nodes.size(); ++i)
-            if (tree_.nodes[i].isWord && !finder_.isOneRun(i)) return false;
-        return true;
-    }
-    bool canOnlyShrink(std::size_t node) const {
-        return wordsAreRuns_ && tree_.nodes[node].isPositive && !tree_.nodes[node].negated;
+    void findWhatShrinks() {
+        const auto cuts = [&](std::size_t i) {
+            return tree_.nodes[i].isWord && finder_.cutsRuns(i);
+        };
+        bool cutsAny = false;
+        for (std::size_t i = 0; i < tree_.nodes.size() && !cutsAny; ++i) cutsAny = cuts(i);
+        for (std::size_t i = 0; i < tree_.nodes.size(); ++i) {
+            const QueryNode& node = tree_.nodes[i];
+            isRun_.push_back(node.isWord && finder_.isOneRun(i));
+            bool shrinks = !cutsAny && !node.negated && (node.isWord ? isRun_[i] : node.isPositive);
+            for (std::size_t child : tree_.childrenOf(node)) shrinks = shrinks && shrinks_[child];
+            shrinks_.push_back(shrinks);
+        }
     }
 
     const QueryTree& tree_;
     const std::uint64_t textEnd_;
     WordSteps steps_;
     Finder& finder_;
-    bool wordsAreRuns_ = false;
+    std::vector<bool> isRun_;             // by node: see the finder
+    std::vector<bool> shrinks_;           // by node: may hold on less when it gets shorter only
+    std::vector<ProximityMemory> near_;   // by node
+    std::vector<ProximityState> passed_;  // whose outcome is to be remembered
     std::vector<Frame> stack_;
     std::unordered_map<Key, bool, KeyHash> memory_;
 };

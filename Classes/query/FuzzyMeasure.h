@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "query/SmallBuffer.h"
+#include "text/SmallBuffer.h"
 
 namespace velmo::detail {
 

@@ -21,8 +21,12 @@ class WildcardHits {
 public:
     WildcardHits(std::u16string_view text, std::span<const String> wildcards,
                  WildcardComparison comparison, std::uint64_t minCharacters)
-        : walk_({text, queryTermCharacters()}, 0, text.size(), wildcards, comparison, minCharacters,
-                Direction::Forward) {}
+        : walk_({.text = {text, queryTermCharacters()},
+                 .start = 0,
+                 .end = text.size(),
+                 .wildcards = wildcards,
+                 .comparison = comparison,
+                 .minCharacters = minCharacters}) {}
 
     /// The first hit from a position on. Positions must not go back.
     Range next(std::uint64_t from) {

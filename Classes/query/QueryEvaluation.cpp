@@ -7,7 +7,7 @@
 
 #include "query/EvaluationCore.h"
 #include "query/PositiveWords.h"
-#include "query/WildcardOccurrences.h"
+#include "query/WildcardTerm.h"
 #include "query/WordOccurrences.h"
 
 namespace velmo {
@@ -61,6 +61,12 @@ public:
                std::ranges::all_of(word, [&](char16_t u) { return termCharacters_.contains(u); });
     }
 
+    bool cutsRuns(std::size_t index) const {
+        const QueryNode& node = tree_.nodes[index];
+        const std::u16string_view word = tree_.wordOf(node);
+        return node.substring || word.empty() || word.front() == u'*';
+    }
+
     const CharacterSetRep& termCharacters() const { return termCharacters_; }
 
 private:
@@ -91,6 +97,7 @@ public:
     }
 
     bool isOneRun(std::size_t index) { return occurrencesOf(index).isOneRun(); }
+    bool cutsRuns(std::size_t) const { return false; }
 
     const CharacterSetRep& termCharacters() const { return text_.termCharacters; }
 
@@ -99,7 +106,7 @@ private:
         auto& occurrences = occurrences_[firsts_[index]];
         if (!occurrences)
             occurrences = std::make_unique<detail::WildcardOccurrences>(
-                text_, tree_.wordOf(tree_.nodes[index]), comparison_);
+                text_, tree_.wordOf(tree_.nodes[index]), comparison_, 1, true);
         return *occurrences;
     }
 

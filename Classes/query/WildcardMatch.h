@@ -18,7 +18,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "query/SmallBuffer.h"
+#include "text/SmallBuffer.h"
 
 namespace velmo::detail {
 

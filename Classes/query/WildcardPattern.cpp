@@ -45,7 +45,7 @@ struct PatternTest {
     bool standsBefore(std::uint64_t position) const {
         const std::uint64_t length = pattern.core_.length;
         if (position - start < length) return false;
-        return !text.isBehindTerm(position - length) && sameAsCore(position - length);
+        return !text.isAfterTerm(position - length) && sameAsCore(position - length);
     }
 
 private:
@@ -130,7 +130,7 @@ struct PatternSearch {
 
     Range last(bool anchored) const {
         std::uint64_t position = end;
-        if (text.isBehindTerm(start)) position = text.startOfRun(position, start);
+        if (text.isAfterTerm(start)) position = text.startOfRun(position, start);
         for (;;) {
             while (position > start && !text.isTerm(position - 1)) --position;
             if (position == start) return Range::none();
@@ -142,7 +142,7 @@ struct PatternSearch {
     }
 
     Range first(bool anchored) const {
-        const std::uint64_t from = text.isBehindTerm(start) ? text.endOfRun(start, end) : start;
+        const std::uint64_t from = text.isAfterTerm(start) ? text.endOfRun(start, end) : start;
         if (anchored) return firstWord(from);
         if (pattern.anchors_.place == PatternAnchors::Nowhere) return firstByWords(from);
         return pattern.isDirect_ ? firstStanding(from) : firstAround(from);
@@ -302,6 +302,13 @@ Range WildcardPattern::find(const WordText& text, std::uint64_t start, std::uint
         return choice.direction == Direction::Backward ? search.last(choice.anchored)
                                                        : search.first(choice.anchored);
     });
+}
+
+Range WildcardPattern::findAtEnd(const WordText& text, std::uint64_t start,
+                                 std::uint64_t end) const {
+    if (!isDirect_) return find(text, text.startOfRun(end, start), end);
+    if (end - start < core_.length) return Range::none();
+    return find(text, end - core_.length, end);
 }
 
 }  // namespace velmo::detail

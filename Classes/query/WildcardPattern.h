@@ -14,7 +14,7 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
 
-#include "query/SmallBuffer.h"
+#include "text/SmallBuffer.h"
 #include "text/PatternScan.h"
 
 namespace velmo::detail {
@@ -26,7 +26,7 @@ struct WordText {
 
     bool isTerm(std::uint64_t position) const { return termCharacters.contains(units[position]); }
     /// Whether a unit at the position would belong to the word before it.
-    bool isBehindTerm(std::uint64_t position) const { return position > 0 && isTerm(position - 1); }
+    bool isAfterTerm(std::uint64_t position) const { return position > 0 && isTerm(position - 1); }
     /// The ends of the run of term units that goes on from a position.
     std::uint64_t endOfRun(std::uint64_t position, std::uint64_t end) const {
         while (position < end && isTerm(position)) ++position;
@@ -74,6 +74,9 @@ public:
     /// inside a word, its rest is not looked at; backwards, the word at the very end is not.
     Range find(const WordText& text, std::uint64_t start, std::uint64_t end,
                WordChoice choice = {}) const;
+    /// What is found at the very end of a stretch, if anything. Only there it may be a word
+    /// that the stretch cuts off.
+    Range findAtEnd(const WordText& text, std::uint64_t start, std::uint64_t end) const;
 
 private:
     template <class Fold>

@@ -12,7 +12,6 @@
 namespace velmo {
 namespace {
 
-using detail::TermChoice;
 using detail::WildcardTerm;
 using detail::WordText;
 
@@ -26,13 +25,13 @@ Range cutAt(std::u16string_view text, Range range) {
     return {start, std::min<std::uint64_t>(range.length, text.size() - start)};
 }
 
-std::uint64_t walk(std::u16string_view text, std::span<const String> wildcards,
-                   WildcardHandler handler, const WildcardSearchOptions& options,
-                   Direction direction) {
+template <class Walk>
+std::size_t walk(std::u16string_view text, std::span<const String> wildcards,
+                 WildcardHandler handler, const WildcardSearchOptions& options) {
     const Range range = cutAt(text, options.range);
-    detail::WildcardWalk hits(wordText(text), range.location, range.end(), wildcards,
-                              options.comparison, options.minCharacters, direction);
-    std::uint64_t calls = 0;
+    Walk hits({wordText(text), range.location, range.end(), wildcards, options.comparison,
+               options.minCharacters});
+    std::size_t calls = 0;
     for (Range hit; (hit = hits.next()).isFound();) {
         ++calls;
         if (!handler(hit)) break;
@@ -127,13 +126,13 @@ Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> wor
 
 std::size_t forEachWildcard(std::u16string_view text, std::span<const String> wildcards,
                             WildcardHandler handler, const WildcardSearchOptions& options) {
-    return walk(text, wildcards, handler, options, Direction::Forward);
+    return walk<detail::WildcardWalk>(text, wildcards, handler, options);
 }
 
 std::size_t forEachWildcardBackwards(std::u16string_view text, std::span<const String> wildcards,
                                      WildcardHandler handler,
                                      const WildcardSearchOptions& options) {
-    return walk(text, wildcards, handler, options, Direction::Backward);
+    return walk<detail::WildcardWalkBack>(text, wildcards, handler, options);
 }
 
 std::optional<std::set<String>> findStringsMatchingWildcards(std::u16string_view text,

@@ -6,22 +6,12 @@
 #include <string_view>
 #include <vector>
 
-#include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
 
-#include "query/WildcardPattern.h"
+#include "query/SequencePlaces.h"
+#include "query/WildcardSequence.h"
 
 namespace velmo::detail {
-
-/// How a term is looked for.
-struct TermChoice {
-    Direction direction = Direction::Forward;
-    bool acceptStar = false;  // a lone * finds the whole stretch; in a phrase it is any word
-};
-
-/// What FindWildcardInCharacters() makes of a lone star.
-Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end,
-                   Direction direction, bool starIsWord);
 
 /// Answers what FindWildcardStringInCharacters() answers, for any stretches of any texts.
 /// Any number of threads may share it.
@@ -30,26 +20,22 @@ public:
     WildcardTerm(std::u16string_view wildcard, WildcardComparison comparison,
                  std::uint64_t minCharacters);
 
-    /// In a stretch of the text.
+    /// In a stretch of the text: the words as a phrase, or the one word that there is; and if
+    /// that fails, the words of a hyphenated term written as one.
     Range find(const WordText& text, std::uint64_t start, std::uint64_t end,
-               TermChoice choice = {}) const;
+               SequenceChoice choice = {}) const;
 
-    // Its two steps: the words as a phrase, or the one word that there is; and if that fails,
-    // the words of a hyphenated term written as one.
-
-    Range findWords(const WordText& text, std::uint64_t start, std::uint64_t end,
-                    TermChoice choice = {}) const;
-    Range findJoined(const WordText& text, std::uint64_t start, std::uint64_t end,
-                     TermChoice choice = {}) const;
+    const WildcardSequence& words() const { return words_; }
+    const std::optional<WildcardSequence>& joined() const { return joined_; }
 
     /// Whether what is found is made of whole words of the text only. Then a hit stays one in
     /// any stretch that holds it and cuts no word.
-    bool findsWords(const CharacterSetRep& termCharacters) const;
-    bool isPhrase() const { return !rest_.empty(); }
-    /// Whether one of its two steps is to look for a lone star.
-    bool hasLoneStar() const {
-        return (!isPhrase() && first_.isLoneStar()) || (joined_ && joined_->isLoneStar());
+    bool findsWords(const CharacterSetRep& termCharacters) const {
+        return words_.findsWords(termCharacters) &&
+               (!joined_ || joined_->findsWords(termCharacters));
     }
+    /// Whether one of its two steps is to look for a lone star.
+    bool hasLoneStar() const { return words_.isLoneStar() || (joined_ && joined_->isLoneStar()); }
 
 private:
     /// The words of a wildcard; none if there are fewer than two.
@@ -61,11 +47,32 @@ private:
 
     WildcardTerm(std::u16string_view wildcard, const Parts& parts, WildcardComparison comparison,
                  std::uint64_t minCharacters);
-    std::uint64_t endOfRest(const WordText& text, std::uint64_t position, std::uint64_t end) const;
 
-    WildcardPattern first_;
-    std::vector<WildcardPattern> rest_;  // of a phrase
-    std::optional<WildcardPattern> joined_;
+    WildcardSequence words_;
+    std::optional<WildcardSequence> joined_;
+};
+
+/// Answers what WildcardTerm::find() answers, going forward, for any stretches of one text: see
+/// SequencePlaces. Not to be shared between threads.
+class WildcardOccurrences {
+public:
+    WildcardOccurrences(const WordText& text, std::u16string_view wildcard,
+                        WildcardComparison comparison, std::uint64_t minCharacters,
+                        bool acceptStar);
+    WildcardOccurrences(const WildcardOccurrences&) = delete;
+    WildcardOccurrences& operator=(const WildcardOccurrences&) = delete;
+
+    Range find(std::uint64_t start, std::uint64_t end);
+    void forgetBefore(std::uint64_t position);
+
+    /// Whether it matches single runs of term units, told by nothing but their units.
+    bool isOneRun() const;
+
+private:
+    WordText text_;
+    WildcardTerm term_;
+    SequencePlaces words_;
+    std::optional<SequencePlaces> joined_;
 };
 
 }  // namespace velmo::detail

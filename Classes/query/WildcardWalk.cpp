@@ -1,60 +1,114 @@
 #include "query/WildcardWalk.h"
 
+#include <functional>
+
 namespace velmo::detail {
 
-WildcardWalk::WildcardWalk(const WordText& text, std::uint64_t start, std::uint64_t end,
-                           std::span<const String> wildcards, WildcardComparison comparison,
-                           std::uint64_t minCharacters, Direction direction)
-    : text_(text), start_(start), end_(end), choice_{.direction = direction} {
-    tracks_.reserve(wildcards.size());
-    for (const String& wildcard : wildcards) {
-        WildcardTerm term(wildcard, comparison, minCharacters);
-        const bool canRemember = term.findsWords(text.termCharacters);
-        tracks_.push_back({std::move(term), canRemember});
+WildcardWalk::WildcardWalk(const WildcardSearch& search) : start_(search.start), end_(search.end) {
+    // No stretch ends further on, and the last one ends words as the end of a text does.
+    const WordText text{search.text.units.substr(0, end_), search.text.termCharacters};
+    for (const String& wildcard : search.wildcards) {
+        auto occurrences = std::make_unique<WildcardOccurrences>(
+            text, wildcard.view(), search.comparison, search.minCharacters, false);
+        wildcards_.push_back(std::move(occurrences));
     }
 }
 
 Range WildcardWalk::next() {
     Range best = Range::none();
-    std::uint64_t start = start_, end = end_;
-    for (Track& track : tracks_) {
-        if (start >= end) break;
-        const Range hit = hitOf(track, start, end);
+    std::uint64_t end = end_;
+    for (const auto& wildcard : wildcards_) {
+        if (start_ >= end) break;
+        wildcard->forgetBefore(start_);
+        const Range hit = wildcard->find(start_, end);
         if (!hit.isFound()) continue;
         best = hit;
-        (choice_.direction == Direction::Backward ? start : end) =
-            choice_.direction == Direction::Backward ? hit.end() : hit.location;
+        end = hit.location;
     }
-    if (best.isFound())
-        (choice_.direction == Direction::Backward ? end_ : start_) =
-            choice_.direction == Direction::Backward ? best.location : best.end();
-    else
-        start_ = end_;
+    start_ = best.isFound() ? best.end() : end_;
+    return best;
+}
+
+constexpr SequenceChoice Backwards{.direction = Direction::Backward};
+
+WildcardWalkBack::WildcardWalkBack(const WildcardSearch& search)
+    : text_(search.text), start_(search.start), end_(search.end) {
+    for (const String& wildcard : search.wildcards) {
+        WildcardTerm term(wildcard, search.comparison, search.minCharacters);
+        const bool isChain =
+            term.words().isPhrase() && !term.words().findsWords(text_.termCharacters);
+        tracks_.push_back({std::move(term), {isChain}, {false}});
+    }
+}
+
+Range WildcardWalkBack::next() {
+    Range best = Range::none();
+    std::uint64_t start = start_;
+    for (Track& track : tracks_) {
+        if (start >= end_) break;
+        const Range hit = hitOf(track, start);
+        if (!hit.isFound()) continue;
+        best = hit;
+        start = hit.end();
+    }
+    end_ = best.isFound() ? best.location : start_;
     return best;
 }
 
 /// The hit of one wildcard in what the hits of those before it have left over.
-Range WildcardWalk::hitOf(Track& track, std::uint64_t start, std::uint64_t end) {
-    // What is left over begins behind a word. Backwards, a word at its very end is then left
-    // out, which no other stretch does; so nothing that is remembered tells of it.
-    const bool leavesOut = choice_.direction == Direction::Backward && start > start_ &&
-                           text_.isBehindTerm(start) && text_.isBehindTerm(end);
-    if (!track.canRemember || leavesOut) return track.term.find(text_, start, end, choice_);
-    const Range hit = remembered(track, track.words, &WildcardTerm::findWords, start, end);
-    return hit.isFound() ? hit
-                         : remembered(track, track.joined, &WildcardTerm::findJoined, start, end);
+Range WildcardWalkBack::hitOf(Track& track, std::uint64_t start) {
+    // What is left over begins after a word. A word at its very end is then left out, which no
+    // other stretch does; so nothing that is remembered tells of it.
+    const bool leavesOut = start > start_ && text_.isAfterTerm(start) && text_.isAfterTerm(end_);
+    if (leavesOut) return track.term.find(text_, start, end_, Backwards);
+    const auto inside = [&](Range hit) {
+        return hit.isFound() && hit.location >= start ? hit : Range::none();
+    };
+    const Range hit = inside(remembered(track.term.words(), track.words));
+    const auto& joined = track.term.joined();
+    return hit.isFound() || !joined ? hit : inside(remembered(*joined, track.joined));
 }
 
-Range WildcardWalk::remembered(const Track& track, Known& known, Search search, std::uint64_t start,
-                               std::uint64_t end) {
-    const auto isPassed = [&](Range hit) {
-        return choice_.direction == Direction::Backward ? hit.end() > end_ : hit.location < start_;
-    };
-    if (!known.isKnown || (known.hit.isFound() && isPassed(known.hit)))
-        known = {true, (track.term.*search)(text_, start_, end_, choice_)};
-    const bool isInside =
-        known.hit.isFound() && known.hit.location >= start && known.hit.end() <= end;
-    return isInside ? known.hit : Range::none();
+/// The last hit of all that is left.
+Range WildcardWalkBack::remembered(const WildcardSequence& sequence, Memory& memory) {
+    if (memory.isChain) return hitOfChain(sequence, memory);
+    if (!memory.last || (memory.last->isFound() && memory.last->end() > end_))
+        memory.last = sequence.find(text_, start_, end_, Backwards);
+    return *memory.last;
+}
+
+Range WildcardWalkBack::hitOfChain(const WildcardSequence& sequence, Memory& memory) {
+    Range hit = Range::none();
+    std::vector<std::uint64_t> visited;
+    for (std::uint64_t end = end_; !hit.isFound();) {
+        if (const auto known = memory.chain.find(end); known != memory.chain.end()) {
+            hit = known->second;
+            break;
+        }
+        visited.push_back(end);
+        const Range place = placeBefore(sequence, memory, end);
+        if (!place.isFound()) break;
+        const std::uint64_t restEnd = sequence.endOfRest(text_, place.end(), end);
+        if (restEnd != NotFound) hit = {place.location, restEnd - place.location};
+        end = place.location;
+    }
+    for (const std::uint64_t end : visited) memory.chain[end] = hit;
+    return hit;
+}
+
+/// The last place of the first word before a position.
+Range WildcardWalkBack::placeBefore(const WildcardSequence& sequence, Memory& memory,
+                                    std::uint64_t end) {
+    const auto known = std::ranges::lower_bound(memory.places, end, std::greater(), &Range::end);
+    if (known != memory.places.end()) return *known;
+    for (memory.scanned = std::min(memory.scanned, end_); memory.scanned > start_;) {
+        const Range place = sequence.findFirst(text_, start_, memory.scanned, Direction::Backward);
+        memory.scanned = place.isFound() ? text_.startOfRun(place.end(), start_) : start_;
+        if (!place.isFound()) break;
+        memory.places.push_back(place);
+        if (place.end() <= end) return place;
+    }
+    return Range::none();
 }
 
 }  // namespace velmo::detail

@@ -5,7 +5,7 @@
 #include <velmocore/words/Separators.h>
 #include <velmocore/words/Words.h>
 
-#include "query/SmallBuffer.h"
+#include "text/SmallBuffer.h"
 #include "query/WildcardMatch.h"
 #include "query/WildcardShape.h"
 #include "text/UnitFold.h"

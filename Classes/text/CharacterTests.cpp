@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Ascii.h"
 #include "text/PatternScan.h"
 #include "text/Remove.h"
 
@@ -9,8 +10,6 @@ namespace velmo {
 namespace {
 
 using View = std::u16string_view;
-
-bool isAsciiDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
 
 /// Compares the units of the set. For a prefix, the first text may go on when the second is
 /// used up.
@@ -117,7 +116,7 @@ std::size_t countNumbers(View string) {
     std::size_t count = 0;
     bool inNumber = false;
     for (char16_t unit : string) {
-        const bool digit = isAsciiDigit(unit);
+        const bool digit = detail::ascii::isDigit(unit);
         count += digit && !inNumber;
         inNumber = digit;
     }
@@ -128,7 +127,7 @@ bool containsNumberWithNDigits(View string, std::size_t digits) {
     if (digits == 0 || string.size() < digits) return false;
     std::size_t run = 0;
     for (char16_t unit : string) {
-        run = isAsciiDigit(unit) ? run + 1 : 0;
+        run = detail::ascii::isDigit(unit) ? run + 1 : 0;
         if (run == digits) return true;
     }
     return false;
@@ -143,8 +142,8 @@ bool containsNumber(View string, View digits) {
          from = end) {
         const std::size_t hit = from + found;
         end = hit + digits.size();
-        if (hit > 0 && isAsciiDigit(string[hit - 1])) continue;
-        if (end < string.size() && isAsciiDigit(string[end])) continue;
+        if (hit > 0 && detail::ascii::isDigit(string[hit - 1])) continue;
+        if (end < string.size() && detail::ascii::isDigit(string[end])) continue;
         return true;
     }
     return false;

@@ -1,7 +1,6 @@
 #include <velmocore/text/Collapsing.h>
 
-#include <memory>
-
+#include "text/SmallBuffer.h"
 #include "text/UnitClasses.h"
 #include "text/WhiteRuns.h"
 
@@ -49,9 +48,9 @@ String stringByRemovingMultipleWhiteSpaces(const String& string, RunClass runs,
 
 void removeMultipleWhiteSpaces(std::u16string& text, RunClass runs, char16_t replacement) {
     collapse(text, runs, replacement, [&](View settled, const auto& writeRest) {
-        const std::unique_ptr<char16_t[]> rest(new char16_t[text.size() - settled.size()]);
-        const std::size_t length = writeRest(rest.get());
-        text.replace(settled.size(), std::u16string::npos, rest.get(), length);
+        SmallBuffer<char16_t> rest(text.size() - settled.size());
+        const std::size_t length = writeRest(rest.data());
+        text.replace(settled.size(), std::u16string::npos, rest.data(), length);
     });
 }
 

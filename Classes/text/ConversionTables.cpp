@@ -2,6 +2,7 @@
 // innermost loops of the library. Unicode is asked only for the units that can change.
 #include <velmocore/text/ConversionTables.h>
 
+#include "platform/Ascii.h"
 #include "platform/Unicode.h"
 
 namespace velmo {
@@ -72,14 +73,8 @@ char16_t toAscii(char16_t unit) {
     return plain < 128 ? plain : u' ';
 }
 
-char16_t toUpperAscii(char16_t unit) {
-    const char16_t plain = toAscii(unit);
-    return plain >= u'a' && plain <= u'z' ? static_cast<char16_t>(plain - 32) : plain;
-}
+char16_t toUpperAscii(char16_t unit) { return detail::ascii::toUpper(toAscii(unit)); }
 
-char16_t toLowerAscii(char16_t unit) {
-    const char16_t plain = toAscii(unit);
-    return plain >= u'A' && plain <= u'Z' ? static_cast<char16_t>(plain + 32) : plain;
-}
+char16_t toLowerAscii(char16_t unit) { return detail::ascii::toLower(toAscii(unit)); }
 
 }  // namespace velmo

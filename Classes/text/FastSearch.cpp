@@ -1,17 +1,15 @@
 #include <velmocore/text/FastSearch.h>
 
 #include <algorithm>
-#include <memory>
 
 #include "text/PatternScan.h"
+#include "text/SmallBuffer.h"
 #include "text/UnitMap.h"
 
 namespace velmo {
 namespace {
 
 using namespace detail;
-
-constexpr std::size_t ScratchUnits = 256;
 
 /// Remembers which pairs of neighbours a text has, more or less: a pair that was never put
 /// in is mostly not there. One look at a keyword's pairs so spares a walk over the text.
@@ -77,12 +75,9 @@ bool fastContainsSubCStrings(std::u16string_view text, std::span<const std::stri
     if (text.empty()) return false;
     if (!table) return containsAny(text, keywords);
 
-    char16_t scratch[ScratchUnits];
-    std::unique_ptr<char16_t[]> heap;
-    if (text.size() > ScratchUnits) heap.reset(new char16_t[text.size()]);
-    char16_t* const units = heap ? heap.get() : scratch;
-    mapUnits(text.data(), text.data() + text.size(), units, TableFold{*table});
-    return containsAny({units, text.size()}, keywords);
+    SmallBuffer<char16_t> units(text.size());
+    mapUnits(text.data(), text.data() + text.size(), units.data(), TableFold{*table});
+    return containsAny({units.data(), units.size()}, keywords);
 }
 
 }  // namespace velmo

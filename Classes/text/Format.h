@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
-#include <velmocore/text/Replacing.h>
+#include <velmocore/text/Format.h>
 
 namespace velmo::detail {
 

@@ -7,12 +7,13 @@
 
 #include <velmocore/text/ConversionTables.h>
 
+#include "platform/Ascii.h"
+
 namespace velmo::keyword {
 
 /// The unit through the upper-case table; ASCII does not touch memory.
 inline char16_t upper(char16_t unit) {
-    if (unit < 128) return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 32) : unit;
-    return upperCharsTable()[unit];
+    return unit < 128 ? detail::ascii::toUpper(unit) : upperCharsTable()[unit];
 }
 
 /// Whether the units begin with the keyword.

@@ -7,6 +7,8 @@
 
 #include <velmocore/text/CharacterSets.h>
 
+#include "platform/Ascii.h"
+
 namespace velmo {
 
 /// White space, a sign and decimal digits are read, up to the first other unit; nothing
@@ -18,7 +20,7 @@ inline std::int64_t leadingInteger(std::u16string_view text) {
     const bool negative = i < text.size() && text[i] == u'-';
     if (i < text.size() && (text[i] == u'-' || text[i] == u'+')) ++i;
     std::int64_t value = 0;
-    for (; i < text.size() && text[i] >= u'0' && text[i] <= u'9'; ++i) {
+    for (; i < text.size() && detail::ascii::isDigit(text[i]); ++i) {
         const int digit = text[i] - u'0';
         if (value > (Max - digit) / 10) return negative ? -Max - 1 : Max;
         value = value * 10 + digit;

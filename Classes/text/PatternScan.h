@@ -14,6 +14,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Range.h>
 
+#include "platform/Ascii.h"
 #include "text/TwoWaySearch.h"
 #include "text/UnitFold.h"
 
@@ -40,13 +41,13 @@ inline Anchor exactAnchor(std::size_t offset, char16_t unit) noexcept {
 /// The anchor of an ASCII unit that is compared without regard to case. Three non-ASCII
 /// letters have an ASCII letter as their other case: U+0131, U+017F and U+212A.
 inline Anchor caseAnchor(std::size_t offset, char16_t unit) noexcept {
-    const auto lower = static_cast<char16_t>(unit | 0x20);
-    if (lower < u'a' || lower > u'z') return exactAnchor(offset, unit);
+    if (!ascii::isLetter(unit)) return exactAnchor(offset, unit);
+    const char16_t lower = ascii::toLower(unit);
     const char16_t other = lower == u'i'   ? u'\u0131'
                            : lower == u's' ? u'\u017F'
                            : lower == u'k' ? u'\u212A'
                                            : lower;
-    return {offset, {lower, static_cast<char16_t>(unit & ~0x20), other}};
+    return {offset, {lower, ascii::toUpper(unit), other}};
 }
 
 /// How well an ASCII unit tells a word from other text: letters by how rare they are in the
@@ -55,9 +56,7 @@ inline Anchor caseAnchor(std::size_t offset, char16_t unit) noexcept {
 inline int rarityOf(char16_t unit) noexcept {
     constexpr std::string_view FromCommonToRare = "isk etaonrldchmupgfvybwzxjq";
     if (unit > 127) return -1;
-    const char letter =
-        unit >= u'A' && unit <= u'Z' ? static_cast<char>(unit + 32) : static_cast<char>(unit);
-    const std::size_t rank = FromCommonToRare.find(letter);
+    const std::size_t rank = FromCommonToRare.find(ascii::toLower(static_cast<char>(unit)));
     return rank == FromCommonToRare.npos ? 15 : static_cast<int>(rank);
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Ascii.h"
 #include "text/Format.h"
 #include "text/PatternScan.h"
 
@@ -54,10 +55,9 @@ String stringByRotating(const String& string, std::int64_t places) {
     const int shift = static_cast<int>((places % 26 + 26) % 26);
     if (string.isEmpty() || shift == 0) return string;
     const auto rotated = [shift](char16_t unit) {
-        const char16_t first = unit >= u'a' ? u'a' : u'A';
-        const int place = unit - first;
-        if (place < 0 || place > 25) return unit;
-        return static_cast<char16_t>(first + (place + shift) % 26);
+        if (!ascii::isLetter(unit)) return unit;
+        const char16_t first = ascii::isLower(unit) ? u'a' : u'A';
+        return static_cast<char16_t>(first + (unit - first + shift) % 26);
     };
     StringBuilder out;
     std::transform(string.begin(), string.end(), out.prepare(string.length()), rotated);

@@ -9,6 +9,8 @@
 #include <velmocore/platform/Matching.h>
 #include <velmocore/text/ConversionTables.h>
 
+#include "platform/Ascii.h"
+
 namespace velmo::detail {
 
 /// A byte as a unit. The sign is kept, so that a byte above 127 becomes a unit from U+FF80
@@ -54,19 +56,13 @@ struct AsciiFold {
 };
 
 struct UpperAsciiFold {
-    AsciiFold ascii;
-    char16_t operator()(char16_t unit) const noexcept {
-        const char16_t c = ascii(unit);
-        return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - 32) : c;
-    }
+    AsciiFold plain;
+    char16_t operator()(char16_t unit) const noexcept { return ascii::toUpper(plain(unit)); }
 };
 
 struct LowerAsciiFold {
-    AsciiFold ascii;
-    char16_t operator()(char16_t unit) const noexcept {
-        const char16_t c = ascii(unit);
-        return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 32) : c;
-    }
+    AsciiFold plain;
+    char16_t operator()(char16_t unit) const noexcept { return ascii::toLower(plain(unit)); }
 };
 
 /// Calls the function with the folding of a table that may be absent.

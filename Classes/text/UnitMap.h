@@ -7,6 +7,7 @@
 
 #include <velmocore/platform/String.h>
 
+#include "platform/Ascii.h"
 #include "text/UnitScan.h"
 
 namespace velmo::detail {
@@ -15,9 +16,9 @@ namespace velmo::detail {
 enum class AsciiRule { Other, Same, Lower, Upper };
 
 inline char16_t applied(AsciiRule rule, char16_t unit) noexcept {
-    if (rule == AsciiRule::Lower && unit >= u'A' && unit <= u'Z') return unit + 32;
-    if (rule == AsciiRule::Upper && unit >= u'a' && unit <= u'z') return unit - 32;
-    return unit;
+    return rule == AsciiRule::Lower   ? ascii::toLower(unit)
+           : rule == AsciiRule::Upper ? ascii::toUpper(unit)
+                                      : unit;
 }
 
 /// Asks the mapping for all of ASCII, which pays for a longer text only.

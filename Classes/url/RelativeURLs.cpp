@@ -10,7 +10,7 @@
 
 #include <velmocore/text/Comparison.h>
 #include <velmocore/text/Paths.h>
-#include <velmocore/text/StandardFolders.h>
+#include <velmocore/text/HomeFolder.h>
 #include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/PercentEscapes.h>
 #include <velmocore/url/URLConstruction.h>

@@ -2,7 +2,7 @@
 
 #include <velmocore/text/Normalisation.h>
 #include <velmocore/text/Paths.h>
-#include <velmocore/text/StandardFolders.h>
+#include <velmocore/text/HomeFolder.h>
 #include <velmocore/url/URLSchemes.h>
 
 #include "text/Keyword.h"

@@ -41,14 +41,23 @@ bool isList(std::string_view name) {
            fastCaseInsensitiveCompareChars(name.substr(FilePrefix.size()), "Gen") != 0;
 }
 
+Error errorOfDirectory(const std::string& directory, const std::error_code& failure) {
+    const String domain = failure ? u"posix" : u"velmo.language";
+    const std::string reason = failure ? failure.message() : "there are no lists of stop words";
+    return {domain, failure ? failure.value() : 1,
+            String::fromUTF8(directory.empty() ? "no folder of stop words: " + reason
+                                               : directory + ": " + reason)};
+}
+
 /// The names of the lists, sorted, as the order of the languages counts.
-std::vector<std::string> listsInDirectory(const std::string& directory) {
+std::vector<std::string> listsInDirectory(const std::string& directory, Error* error) {
     std::vector<std::string> names;
-    std::error_code error;
-    for (std::filesystem::directory_iterator it(directory, error), end; !error && it != end;
-         it.increment(error))
+    std::error_code failure;
+    for (std::filesystem::directory_iterator it(directory, failure), end; !failure && it != end;
+         it.increment(failure))
         if (std::string name = it->path().filename(); isList(name)) names.push_back(name);
     std::ranges::sort(names);
+    if (error && names.empty()) *error = errorOfDirectory(directory, failure);
     return names;
 }
 
@@ -142,10 +151,10 @@ struct LanguageFilter::State {
     Settings current;
 };
 
-LanguageFilter::LanguageFilter(const std::string& directory, bool ignoreUmlauts) {
+LanguageFilter::LanguageFilter(const std::string& directory, bool ignoreUmlauts, Error* error) {
     std::vector<String> keys;
     std::vector<std::vector<String>> stopWords;
-    for (const std::string& name : listsInDirectory(directory)) {
+    for (const std::string& name : listsInDirectory(directory, error)) {
         keys.push_back(String::fromUTF8(name).substring({FilePrefix.size(), NotFound}));
         stopWords.push_back(wordsOfFile(directory + '/' + name));
     }

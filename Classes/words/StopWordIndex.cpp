@@ -6,6 +6,8 @@
 
 #include <velmocore/text/Folding.h>
 
+#include "text/UnitHash.h"
+
 namespace velmo::detail {
 namespace {
 
@@ -14,30 +16,6 @@ constexpr std::size_t ShortestStopWord = 3;
 
 bool isUsable(std::u16string_view word) {
     return word.size() >= ShortestStopWord && word.find_first_of(u"'.") == word.npos;
-}
-
-/// Takes four units a step, each through the given function; the last step may take some
-/// again. The word has three units at least.
-template <class UnitOf>
-std::uint64_t hashOf(std::u16string_view word, UnitOf unitOf) {
-    const auto part = [&](std::size_t i, unsigned place) {
-        return static_cast<std::uint64_t>(unitOf(word[i])) << place;
-    };
-    std::uint64_t hash = word.size();
-    const auto mix = [&](std::uint64_t parts) {
-        hash = (hash ^ parts) * 0x9E3779B97F4A7C15;
-        hash ^= hash >> 32;
-    };
-    const auto mixFour = [&](std::size_t i) {
-        mix(part(i, 0) | part(i + 1, 16) | part(i + 2, 32) | part(i + 3, 48));
-    };
-    if (word.size() < 4) {
-        mix(part(0, 0) | part(1, 16) | part(2, 32));
-        return hash;
-    }
-    for (std::size_t i = 0; i + 4 < word.size(); i += 4) mixFour(i);
-    mixFour(word.size() - 4);
-    return hash;
 }
 
 std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
@@ -69,7 +47,7 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
 }
 
 void StopWordIndex::place(std::uint32_t word) {
-    const std::uint64_t hash = hashOf(textOf(words_[word - 1]), [](char16_t unit) { return unit; });
+    const std::uint64_t hash = detail::hashOfUnits(textOf(words_[word - 1]));
     std::size_t i = hash & (slots_.size() - 1);
     while (slots_[i].word) i = (i + 1) & (slots_.size() - 1);
     slots_[i] = {tagOf(hash), word};
@@ -77,7 +55,8 @@ void StopWordIndex::place(std::uint32_t word) {
 
 std::size_t StopWordIndex::find(std::u16string_view word) const {
     if (word.size() > longest_) return NoWord;
-    const std::uint64_t hash = hashOf(word, [&](char16_t unit) { return fold_[unit]; });
+    const std::uint64_t hash =
+        detail::hashOfUnits(word, 0, [&](char16_t unit) { return fold_[unit]; });
     for (std::size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
         const Slot slot = slots_[i];
         if (!slot.word) return NoWord;

@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupDecoding.h>
@@ -98,6 +99,11 @@ TEST(PageResources, FavIcons) {
         {u"</link rel='shortcut icon' href=a>", nullptr},
     };
     for (const auto& c : cases) EXPECT_EQ(htmlFavIcon(c.page), String(c.icon)) << String(c.page);
+    std::vector<String> icons;
+    GetTagsOfString(
+        u"<link rel='shortcut icon' href=a><LINK REL='Shortcut Icon' HREF=/b><a rel='shortcut icon' href=c>",
+        [&](const Tag& tag) { return icons.push_back(getFavIcon(tag)), false; });
+    EXPECT_EQ(icons, (std::vector<String>{u"/a", u"/b", String(), String()}));
     EXPECT_EQ(getLinkAttribute(u"Area"), "HREF");
     EXPECT_EQ(getLinkAttribute(u"IFRAME"), "SRC");
     EXPECT_EQ(getLinkAttribute(u"object"), "DATA");

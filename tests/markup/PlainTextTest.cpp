@@ -3,8 +3,10 @@
 #include <random>
 #include <string>
 
+#include <velmocore/text/Collapsing.h>
+#include <velmocore/text/Trimming.h>
+
 #include "TestSupport.h"
-#include "text/WhiteRuns.h"
 
 namespace velmo {
 namespace {
@@ -174,37 +176,19 @@ TEST(PlainText, GivesTheReceiverWhereNothingIsToDo) {
         EXPECT_TRUE(stringByConvertingHtml2PlainText(page).isIdenticalTo(page));
 }
 
-// The copy again, unit by unit.
-std::u16string collapsedSlowly(std::u16string_view text) {
-    std::u16string out;
-    bool inRun = false;
-    for (char16_t unit : text) {
-        const bool white = whiteCharacterSetRep().contains(unit);
-        if (!white)
-            out += unit;
-        else if (!inRun)
-            out += u' ';
-        inRun = white;
-    }
-    return out;
-}
-
-TEST(PlainText, CollapsesWhiteRunsLikeTheSlowCopy) {
-    for (unsigned unit = 0; unit < 65536; ++unit)
-        ASSERT_EQ(detail::isWhiteUnit(static_cast<char16_t>(unit), whiteCharacterSetRep()),
-                  whiteCharacterSetRep().contains(static_cast<char16_t>(unit)));
+// Without tags, the text is what stands there with white space in runs, whether it is copied in
+// one piece or decoded first.
+TEST(PlainText, CollapsesWhiteSpace) {
+    const char16_t* pieces[] = {u" ",      u"\n", u"\t",     u"\u00A0", u"\u2003",
+                                u"\u3000", u"a",  u"\u00E4", u"\u3042", u"\uFEFF"};
     std::mt19937 random(3);
-    const char16_t units[] = {u' ', u' ', u'a',   u'b',   u'z',   u'\n', u'\t',
-                              0xA0, 0xE4, 0x2003, 0x3042, 0xFEFF, 0x7F,  0x3000};
     for (int round = 0; round < 20000; ++round) {
         std::u16string text;
-        const unsigned kinds = random() % std::size(units) + 1;
-        for (unsigned n = random() % 60; n > 0; --n) text += random() % 3 ? u'x' : units[random() % kinds];
-        std::u16string out(text.size(), u'?');
-        out.resize(static_cast<std::size_t>(
-            detail::copyCollapsingWhite(text.data(), text.data() + text.size(), out.data(), whiteCharacterSetRep()) -
-            out.data()));
-        ASSERT_EQ(out, collapsedSlowly(text)) << utf8(text);
+        const unsigned kinds = random() % std::size(pieces) + 1;
+        for (unsigned n = random() % 60; n > 0; --n) text += random() % 3 ? u"x" : pieces[random() % kinds];
+        const String expected = stringByTrimmingWhiteSpaces(stringByRemovingMultipleWhiteSpaces(text + u"&<>x"));
+        ASSERT_EQ(stringByConvertingHtml2PlainText(text + u"&amp;&lt;&gt;x"), expected) << String(text);
+        ASSERT_EQ(stringByConvertingHtml2PlainText(text + u"\u0026<b></b>&lt;<b></b>&gt;x"), expected);
     }
 }
 

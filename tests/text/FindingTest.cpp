@@ -77,7 +77,7 @@ TEST(Finding, TextsThatRepeatThemselves) {
         const auto hits = slowOccurrences(text, sought, true);
         found += hits.size();
         ASSERT_EQ(countSubstring(text, sought), hits.size());
-        ASSERT_EQ(countSubstring(upper, sought, false), hits.size());
+        ASSERT_EQ(countSubstring(upper, sought, Case::Insensitive), hits.size());
         const Range first = findString(text, sought, {0, 0}),
                     last = findString(upper, sought, {text.size(), 0},
                                       {.letterCase = Case::Insensitive, .direction = Direction::Backward});
@@ -112,7 +112,7 @@ TEST(Finding, FromASelection) {
     };
     for (const auto& c : cases)
         EXPECT_EQ(findString(text, u"ab", c.selection, c.options), c.expected)
-            << c.selection.location << ' ' << c.options.forward << c.options.wrap;
+            << c.selection.location << ' ' << int(c.options.direction) << c.options.wrap;
     EXPECT_EQ(findString(text, u"", {0, 0}), Range::none());
     EXPECT_EQ(findString(text, View(), {0, 0}, {.direction = Direction::Backward, .wrap = true}), Range::none());
 }

@@ -9,26 +9,17 @@
 namespace velmo {
 namespace {
 
-TEST(FileKinds, ListsStandInOrder) {
+TEST(FileKinds, ListsAndTestsAgree) {
     const struct {
         const std::vector<String>& list;
-        std::size_t count;
-        const char16_t *first, *last;
         bool (*isOf)(std::u16string_view);
     } cases[] = {
-        {imageTypes(), 22, u"jpeg", u"mjpg", isImageType},
-        {markupTypes(), 24, u"sgm", u"ditaval", isMarkupType},
-        {richTextTypes(), 2, u"rtf", u"rtfd", isRichTextType},
-        {executableTypes(), 2, u"class", u"exe", isExecutableType},
-        {multimediaTypes(), 91, u"ra", u"movie", isMultimediaType},
-        {archiveTypes(), 27, u"gz", u"sparseimage", isArchiveType},
-        {officeTypes(), 28, u"xls", u"ai", isOfficeType},
-        {binaryFileTypes(), 22 + 91 + 27 + 2 + 28 + 2 + 1, u"jpeg", u"dat", isBinaryFileType},
+        {imageTypes(), isImageType},           {markupTypes(), isMarkupType},         {richTextTypes(), isRichTextType},
+        {executableTypes(), isExecutableType}, {multimediaTypes(), isMultimediaType}, {archiveTypes(), isArchiveType},
+        {officeTypes(), isOfficeType},         {binaryFileTypes(), isBinaryFileType},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(c.list.size(), c.count);
-        EXPECT_EQ(c.list.front(), c.first);
-        EXPECT_EQ(c.list.back(), c.last);
+        EXPECT_FALSE(c.list.empty());
         for (const String& extension : c.list) EXPECT_TRUE(c.isOf(extension)) << extension;
         const std::set<String> members(c.list.begin(), c.list.end());
         for (const String& other : binaryFileTypes()) EXPECT_EQ(c.isOf(other), members.contains(other)) << other;

@@ -98,15 +98,9 @@ void expectSameAnswers(const Reference& reference, const String& s) {
 }
 
 TEST(URLClassification, TablesAreWellFormed) {
-    const std::map<LinkTable, std::size_t> counts = {
-        {LinkTable::ImageAds, 13},    {LinkTable::AdSense, 36},   {LinkTable::AdvertiserHosts, 11},
-        {LinkTable::AdFragments, 74}, {LinkTable::AdPaths, 13},   {LinkTable::QueriedBookmarklets, 60},
-        {LinkTable::Bookmarklets, 5}, {LinkTable::Recaptchas, 2}, {LinkTable::Translations, 11},
-        {LinkTable::Topics, 5},       {LinkTable::Forums, 5},     {LinkTable::Caches, 18}};
     const std::set<std::string_view> withoutEffect = {"/AdSearchService/adSearch?", "/AdSearchService/adSearch?s"};
-    ASSERT_EQ(allTables().size(), counts.size());
+    ASSERT_EQ(allTables().size(), 12u);
     for (const auto& [table, rows] : allTables()) {
-        EXPECT_EQ(rows.size(), counts.at(table));
         EXPECT_EQ(std::set(rows.begin(), rows.end()).size(), rows.size());
         for (std::string_view row : rows) {
             const bool isPlain = row.size() >= 4 && std::all_of(row.begin(), row.end(), [](unsigned char c) {

@@ -1,6 +1,6 @@
 #include <velmocore/url/URLPaths.h>
 
-#include <velmocore/text/StandardFolders.h>
+#include <velmocore/text/HomeFolder.h>
 
 #include "TestSupport.h"
 

@@ -14,8 +14,8 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/Format.h>
 #include <velmocore/text/MergeSort.h>
-#include <velmocore/text/Replacing.h>
 
 namespace velmo {
 

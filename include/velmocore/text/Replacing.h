@@ -1,16 +1,15 @@
 #pragma once
 
-#include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <variant>
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Matching.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/Format.h>
 
 namespace velmo {
 
@@ -53,29 +52,11 @@ inline std::size_t deleteString(std::u16string& text, std::u16string_view sought
     return replaceString(text, sought, u"");
 }
 
-/// An argument of a format.
-class FormatArgument {
-public:
-    template <std::integral Integer>
-    FormatArgument(Integer value) : value_(static_cast<std::int64_t>(value)) {}
-    FormatArgument(double value) : value_(value) {}
-    FormatArgument(const String& value) : value_(value) {}
-    FormatArgument(const char16_t* value) : value_(String(value)) {}
-    FormatArgument(const char* utf8) : value_(utf8 ? String::fromUTF8(utf8) : String()) {}
-
-    [[nodiscard]] const std::variant<std::int64_t, double, String>& value() const { return value_; }
-
-private:
-    std::variant<std::int64_t, double, String> value_;
-};
-/// Replaces by a format with its arguments: %@ and %s are strings, %d %i %u %x %X %o
-/// integers, %C and %c one unit, %f %e %g numbers, %% a percent sign; flags, width and
-/// precision are those of printf. A conversion without an argument of its kind stays as it
-/// stands. An absent format replaces nothing.
+/// Replaces by a format (Format.h) with its arguments. An absent format replaces nothing.
 ///
 ///     replaceStringWithFormat(page, u"$PAGE", u"%d of %d", {3, 12});
-[[nodiscard]] VELMO_API std::size_t replaceStringWithFormat(
-    std::u16string& text, std::u16string_view sought, std::u16string_view format,
-    std::initializer_list<FormatArgument> arguments);
+VELMO_API std::size_t replaceStringWithFormat(std::u16string& text, std::u16string_view sought,
+                                              std::u16string_view format,
+                                              std::initializer_list<FormatArgument> arguments);
 
 }  // namespace velmo

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/platform/Error.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
 
@@ -40,7 +41,11 @@ public:
     /// lower case between any of defaultWordSeparators(). The key "Gen" is skipped, and a
     /// file that cannot be read as UTF-8 makes a language without words. With ignoreUmlauts, words
     /// are compared without diacritics. The path is UTF-8.
-    explicit LanguageFilter(const std::string& directory, bool ignoreUmlauts = false);
+    ///
+    /// A folder without lists makes a filter that knows no language. The error then tells why:
+    /// the folder cannot be read (domain u"posix"), or holds no list (u"velmo.language", 1).
+    explicit LanguageFilter(const std::string& directory, bool ignoreUmlauts = false,
+                            Error* error = nullptr);
 
     /// Keys and, parallel to them, lists of words in lower case; the program is stopped if
     /// there are not as many of both. A word of less than three units, or with an apostrophe

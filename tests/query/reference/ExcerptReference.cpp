@@ -13,7 +13,7 @@ bool isBoundary(char16_t c, bool paragraphs) {
 
 }  // namespace
 
-RefNextHit refNextString(const std::u16string& text, std::u16string_view sought, velmo::Case letterCase) {
+RefNextHit refNextString(const std::u16string& text, std::u16string_view sought, Case letterCase) {
     const auto same = [=](char16_t a, char16_t b) {
         const auto low = [](char16_t c) { return c >= u'A' && c <= u'Z' ? c + 32 : int{c}; };
         return a == b || (letterCase == Case::Insensitive && low(a) == low(b));

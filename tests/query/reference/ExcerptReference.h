@@ -14,7 +14,7 @@ namespace velmo::test {
 /// The next hit from a position on.
 using RefNextHit = std::function<std::optional<RefHit>(std::size_t from)>;
 
-RefNextHit refNextString(const std::u16string& text, std::u16string_view sought, velmo::Case letterCase);
+RefNextHit refNextString(const std::u16string& text, std::u16string_view sought, Case letterCase);
 
 struct RefAssembly {
     bool singleWords, paragraphs;

@@ -249,7 +249,7 @@ std::string refDump(const RefNode& node, std::size_t depth) {
     return line;
 }
 
-RefFind refPlainWords(std::u16string_view text, velmo::Case letterCase) {
+RefFind refPlainWords(std::u16string_view text, Case letterCase) {
     const auto folded = [=](std::u16string_view units) {
         return letterCase == Case::Sensitive ? std::u16string(units) : up(units);
     };

@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/platform/Matching.h>
+
 namespace velmo::test {
 
 struct RefNode {
@@ -49,7 +51,7 @@ using RefFind = std::function<std::optional<RefHit>(const RefNode& word, std::si
 
 /// Finds words as they are written; term units are ASCII letters and digits, and case folding
 /// is that of ASCII.
-RefFind refPlainWords(std::u16string_view text, velmo::Case letterCase);
+RefFind refPlainWords(std::u16string_view text, Case letterCase);
 
 /// Evaluates a tree on a text whose words that function finds.
 bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find);

@@ -1,9 +1,10 @@
-#include "text/UserFolders.h"
+// Where the user's folders are is told by three sources: the environment, the file user-dirs.dirs
+// of the desktop, and the settings that the client of a cloud service leaves in the home folder.
+// All of them are written by others: what cannot be read, is not absolute or has another shape
+// counts as not told, and the fallback below the home folder stands.
+#include "system/UserFolders.h"
 
-#include <pwd.h>
-#include <unistd.h>
-
-#include <array>
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
@@ -17,25 +18,6 @@ namespace {
 
 /// Settings beyond this are not read: no client writes that much.
 constexpr std::size_t LongestSettings = 1 << 20;
-
-std::string_view valueOf(EnvironmentVariable variable, const char* name) {
-    const char* value = variable(name);
-    return value ? value : "";
-}
-
-/// Absent unless the path is absolute, as the conventions demand.
-String absoluteFolder(std::string_view path) {
-    if (!path.starts_with('/')) return {};
-    return String(withoutTrailingSlashes(String::fromUTF8(path)));
-}
-
-String accountHome() {
-    passwd account;
-    passwd* found = nullptr;
-    std::array<char, 4096> buffer;
-    getpwuid_r(getuid(), &account, buffer.data(), buffer.size(), &found);
-    return found ? absoluteFolder(found->pw_dir) : String();
-}
 
 String orElse(const String& folder, const String& parent, std::u16string_view fallback) {
     return folder.isAbsent() ? appendedComponent(parent, fallback) : folder;
@@ -98,13 +80,10 @@ String outsideSandbox(const String& home) {
 
 UserFolders findUserFolders(EnvironmentVariable variable) {
     UserFolders folders;
-    folders.home = absoluteFolder(valueOf(variable, "HOME"));
-    if (folders.home.isAbsent()) folders.home = accountHome();
-    if (folders.home.isAbsent()) folders.home = u"/";
+    folders.home = homeFolderOf(variable);
     const String& home = folders.home;
 
-    const String config =
-        orElse(absoluteFolder(valueOf(variable, "XDG_CONFIG_HOME")), home, u".config");
+    const String config = orElse(folderOfVariable(variable, "XDG_CONFIG_HOME"), home, u".config");
     const std::string userDirs = settings(appendedComponent(config, u"user-dirs.dirs"));
     folders.desktop = orElse(userDirectory(userDirs, "XDG_DESKTOP_DIR", home), home, u"Desktop");
     folders.downloads =
@@ -113,8 +92,8 @@ UserFolders findUserFolders(EnvironmentVariable variable) {
     folders.library = appendedComponent(home, u"Library");
     folders.preferences = appendedComponent(folders.library, u"Preferences");
     folders.caches =
-        orElse(absoluteFolder(valueOf(variable, "XDG_CACHE_HOME")), folders.library, u"Caches");
-    folders.applicationSupport = orElse(absoluteFolder(valueOf(variable, "XDG_DATA_HOME")),
+        orElse(folderOfVariable(variable, "XDG_CACHE_HOME"), folders.library, u"Caches");
+    folders.applicationSupport = orElse(folderOfVariable(variable, "XDG_DATA_HOME"),
                                         folders.library, u"Application Support");
 
     folders.userHome = outsideSandbox(home);
@@ -122,7 +101,7 @@ UserFolders findUserFolders(EnvironmentVariable variable) {
     folders.iCloud =
         appendedComponent(folders.userLibrary, u"Mobile Documents/com~apple~CloudDocs");
     folders.dropbox = dropboxFolders(home);
-    folders.temporary = orElse(absoluteFolder(valueOf(variable, "TMPDIR")), u"/", u"tmp");
+    folders.temporary = orElse(folderOfVariable(variable, "TMPDIR"), u"/", u"tmp");
     return folders;
 }
 

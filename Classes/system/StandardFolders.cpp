@@ -1,11 +1,11 @@
-#include <velmocore/text/StandardFolders.h>
+#include <velmocore/system/StandardFolders.h>
 
 #include <cstdlib>
 
 #include <velmocore/text/Paths.h>
 
+#include "system/UserFolders.h"
 #include "text/PathParts.h"
-#include "text/UserFolders.h"
 
 namespace velmo {
 namespace {
@@ -28,7 +28,6 @@ bool liesBelow(View path, View folder) {
 
 }  // namespace
 
-const String& homeDirectory() { return folders().home; }
 const String& desktopDirectory() { return folders().desktop; }
 const String& downloadsDirectory() { return folders().downloads; }
 const String& libraryDirectory() { return folders().library; }

@@ -5,6 +5,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/HomeFolder.h>
 
 namespace velmo {
 
@@ -12,14 +13,12 @@ namespace velmo {
 // No path ends in a slash, but that of the root. That a folder exists is not looked at. Any
 // thread may call these.
 //
-// The home folder is the environment's HOME, else that of the user's account. Desktop and
-// downloads are those of the file user-dirs.dirs in XDG_CONFIG_HOME (else ".config" of the
-// home folder), caches are XDG_CACHE_HOME and application support is XDG_DATA_HOME, where
-// these are absolute paths. What is not told so has its fallback below the home folder.
+// The home folder is homeDirectory() of HomeFolder.h. Desktop and downloads are those of the
+// file user-dirs.dirs in XDG_CONFIG_HOME (else ".config" of the home folder), caches are
+// XDG_CACHE_HOME and application support is XDG_DATA_HOME, where these are absolute paths. What is not told so has its fallback below the home folder.
 //
 //     pathInCachesDirectory(u"thumbnails");    // /home/ada/Library/Caches/thumbnails
 
-[[nodiscard]] VELMO_API const String& homeDirectory();
 [[nodiscard]] VELMO_API const String& desktopDirectory();    ///< else "Desktop"
 [[nodiscard]] VELMO_API const String& downloadsDirectory();  ///< else "Downloads"
 [[nodiscard]] VELMO_API const String& libraryDirectory();    ///< "Library"

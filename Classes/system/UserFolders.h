@@ -5,8 +5,9 @@
 #include <vector>
 
 #include <velmocore/platform/Export.h>
-#include <velmocore/platform/FunctionRef.h>
 #include <velmocore/platform/String.h>
+
+#include "text/HomeFolder.h"
 
 namespace velmo::detail {
 
@@ -15,9 +16,6 @@ struct UserFolders {
     String userHome, userLibrary, iCloud, temporary;
     std::vector<String> dropbox;
 };
-
-/// A variable of the environment; null if it is not set.
-using EnvironmentVariable = FunctionRef<const char*(const char* name)>;
 
 /// Looks everything up. Reads user-dirs.dirs and the settings of Dropbox, if they are there.
 VELMO_API UserFolders findUserFolders(EnvironmentVariable variable);

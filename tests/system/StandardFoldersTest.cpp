@@ -1,4 +1,4 @@
-#include <velmocore/text/StandardFolders.h>
+#include <velmocore/system/StandardFolders.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <map>
 
 #include "TestSupport.h"
-#include "text/UserFolders.h"
+#include "system/UserFolders.h"
 
 namespace velmo {
 namespace {

@@ -1,0 +1,46 @@
+#include "text/HomeFolder.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+
+#include "text/PathParts.h"
+
+namespace velmo {
+namespace {
+
+String accountHome() {
+    passwd account;
+    passwd* found = nullptr;
+    std::array<char, 4096> buffer;
+    getpwuid_r(getuid(), &account, buffer.data(), buffer.size(), &found);
+    return found && found->pw_dir ? detail::absoluteFolder(found->pw_dir) : String();
+}
+
+}  // namespace
+
+String detail::absoluteFolder(std::string_view path) {
+    if (!path.starts_with('/')) return {};
+    return String(withoutTrailingSlashes(String::fromUTF8(path)));
+}
+
+String detail::folderOfVariable(EnvironmentVariable variable, const char* name) {
+    const char* value = variable(name);
+    return value ? absoluteFolder(value) : String();
+}
+
+String detail::homeFolderOf(EnvironmentVariable variable) {
+    String home = folderOfVariable(variable, "HOME");
+    if (home.isAbsent()) home = accountHome();
+    return home.isAbsent() ? String(u"/") : home;
+}
+
+const String& homeDirectory() {
+    static const auto& home =
+        *new String(detail::homeFolderOf([](const char* name) { return std::getenv(name); }));
+    return home;
+}
+
+}  // namespace velmo
