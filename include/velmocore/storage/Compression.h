@@ -14,7 +14,7 @@ namespace velmo {
 // written. Any thread may call these.
 //
 //     std::optional<Data> packed = dataByGzippingData(bytes);
-//     std::optional<Data> again = dataByInflatingData(*packed);    // either format
+//     std::optional<Data> again = dataByInflatingData(*packed);    // (either format)
 //
 // The level is 1 (fast) to 9 (small); -1 is the usual middle. Others count as the nearest.
 

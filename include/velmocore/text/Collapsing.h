@@ -21,7 +21,7 @@ enum class RunClass : std::uint8_t {
 // nothing changes.
 //
 //     stringByRemovingMultipleWhiteSpaces(u"one \r\n two");    // one two
-//     stringByRemovingMultipleFeeds(u"one\r\n\r\ntwo");        // two lines, ended by LF
+//     stringByRemovingMultipleFeeds(u"one\r\n\r\ntwo");        // one\ntwo
 
 [[nodiscard]] VELMO_API String stringByRemovingMultipleWhiteSpaces(
     const String& string, RunClass runs = RunClass::WhiteSpaces, char16_t replacement = u' ');

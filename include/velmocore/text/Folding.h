@@ -12,7 +12,7 @@ namespace velmo {
 // Whole strings through the conversion tables. An absent or empty string comes back as it is.
 //
 //     nonUmlautedString(u"\u00C4rger");            // Arger
-//     lowercaseAsciiString(u"\u00C4 \u0416");      // a and two blanks
+//     lowercaseAsciiString(u"\u00C4 \u0416");      // "a  "
 
 // These suppose composed text: a combining mark that stands on its own stays. If nothing
 // changes the result is the string itself.

@@ -17,8 +17,8 @@ enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 // A text beyond 2^31 units is refused with std::bad_alloc. The time is linear in the text, runs
 // of any number of combining marks included: none is cut.
 //
-//     normalizedString(u"a\u0308");                          // U+00E4
-//     fixedAndNormalizedString(u"a\U0001F600");              // a and two blanks
+//     normalizedString(u"a\u0308");                          // \u00E4
+//     fixedAndNormalizedString(u"a\U0001F600");              // "a  "
 
 [[nodiscard]] VELMO_API String normalizedString(const String& string,
                                                 NormalizationForm form = NormalizationForm::C);

@@ -16,7 +16,7 @@ namespace velmo {
 /// - behind a line that ends in : or >.
 /// A break at the end goes, and every run of spaces becomes a blank.
 ///
-///     reformattedMailing(u"one\ntwo\n> three");    // one two, and the quote on its own line
+///     reformattedMailing(u"one\ntwo\n> three");    // one two\n> three
 [[nodiscard]] VELMO_API String reformattedMailing(const String& string);
 
 /// Unwraps a text line by line: each line is freed of the given characters and trimmed, and

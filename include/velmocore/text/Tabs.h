@@ -12,7 +12,7 @@ namespace velmo {
 // the text as it is.
 //
 //     std::u16string text = u"a\tb";
-//     decodeTabs(text, 4);              // a, three blanks, b
+//     decodeTabs(text, 4);              // (a, three spaces, b)
 
 /// Replaces every tab by blanks.
 VELMO_API void decodeTabs(std::u16string& text, std::size_t width);
