@@ -9,14 +9,15 @@
 #include <velmocore/text/ConversionTables.h>
 
 #include "markup/CharsetTables.h"
+#include "platform/Ascii.h"
+#include "platform/EncodingNumbers.h"
 #include "text/Keyword.h"
 
 namespace velmo {
 namespace {
 
 using Name = std::u16string_view;
-
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+using detail::ascii::isDigit;
 
 std::u16string normalized(Name name) {
     const CharacterSetRep& kept = alphaNumCharacterSetRep();
@@ -30,7 +31,7 @@ std::u16string normalized(Name name) {
 /// The first number in the name; no charset has one beyond this limit.
 std::optional<std::uint32_t> firstNumber(Name name) {
     constexpr std::uint32_t Limit = 100'000'000;
-    const auto start = std::ranges::find_if(name, isDigit);
+    const auto start = std::ranges::find_if(name, isDigit<char16_t>);
     if (start == name.end()) return std::nullopt;
     std::uint32_t number = 0;
     for (auto digit = start; digit != name.end() && isDigit(*digit); ++digit)
@@ -43,10 +44,10 @@ TextEncoding encodingOfNumber(std::uint32_t number, Name name) {
     // More misspellings of 8859-1.
     if (number >= 885101 && number <= 885391 && number % 10 == 1) return ISOLatin1TextEncoding;
     if (number == 2022) {
-        if (name == u"iso2022jp1") return 2082;
-        if (name == u"iso2022jp2") return 2081;
-        if (name == u"iso2022jp3") return 2083;
-        return 2080;
+        if (name == u"iso2022jp1") return detail::encoding::ISO2022JP1;
+        if (name == u"iso2022jp2") return detail::encoding::ISO2022JP2;
+        if (name == u"iso2022jp3") return detail::encoding::ISO2022JP3;
+        return detail::encoding::ISO2022JP;
     }
     const auto numbers = detail::charsetNumbers();
     const auto hit = std::ranges::find(numbers, number, &detail::CharsetNumber::number);

@@ -9,8 +9,8 @@
 #include <algorithm>
 
 #include <velmocore/text/Comparison.h>
-#include <velmocore/text/Paths.h>
 #include <velmocore/text/HomeFolder.h>
+#include <velmocore/text/Paths.h>
 #include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/PercentEscapes.h>
 #include <velmocore/url/URLConstruction.h>
@@ -18,6 +18,7 @@
 #include <velmocore/url/URLSimplification.h>
 #include <velmocore/url/URLVariants.h>
 
+#include "platform/Ascii.h"
 #include "platform/Unicode.h"
 #include "text/Keyword.h"
 #include "text/PathParts.h"
@@ -91,9 +92,7 @@ bool standsAlone(Units link) {
 /// colons of schemes before it.
 bool isAbsolute(Units text, std::size_t position) {
     return std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(position),
-                       [](char16_t unit) {
-                           return unit == u':' || ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z');
-                       });
+                       [](char16_t unit) { return unit == u':' || detail::ascii::isLetter(unit); });
 }
 
 /// The URL that make() gives of a text, if need be with escapes for what it may not hold. Raw
@@ -163,10 +162,10 @@ URL fileURL(const URL& base, const String& link) {
         if (link.length() == 1 || link[1] == u'/')
             path = concatenated(homeDirectory(), link.view().substr(1));
     } else if (link[0] != u'/') {
-        path = appendedComponent(stringByDeletingFileComponent(base.path()), link);
+        path = detail::appendedComponent(stringByDeletingFileComponent(base.path()), link);
     }
     // What climbs above the root is a path from the root still, not from the current folder.
-    return URL::fileURLWithPath(appendedComponent(u"/", standardizedPath(path)));
+    return URL::fileURLWithPath(detail::appendedComponent(u"/", standardizedPath(path)));
 }
 
 URL webURL(const URL& base, const String& link, const RelativeURLOptions& options) {

@@ -10,6 +10,7 @@
 
 #include <velmocore/platform/Error.h>
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Path.h>
 #include <velmocore/platform/String.h>
 
 namespace velmo {
@@ -40,11 +41,11 @@ public:
     /// Reads a folder of lists: UTF-8 files, named "StopWords" and the key, with words in
     /// lower case between any of defaultWordSeparators(). The key "Gen" is skipped, and a
     /// file that cannot be read as UTF-8 makes a language without words. With ignoreUmlauts, words
-    /// are compared without diacritics. The path is UTF-8.
+    /// are compared without diacritics.
     ///
     /// A folder without lists makes a filter that knows no language. The error then tells why:
     /// the folder cannot be read (domain u"posix"), or holds no list (u"velmo.language", 1).
-    explicit LanguageFilter(const std::string& directory, bool ignoreUmlauts = false,
+    explicit LanguageFilter(const Path& directory, bool ignoreUmlauts = false,
                             Error* error = nullptr);
 
     /// Keys and, parallel to them, lists of words in lower case; the program is stopped if
@@ -59,7 +60,7 @@ public:
 
     /// Writes each list as "StopWords" and its key, one word a line, sorted. False if one of
     /// them could not be written.
-    bool writeToDirectory(const std::string& directory) const;
+    bool writeToDirectory(const Path& directory) const;
 
     [[nodiscard]] const std::vector<String>& languages() const;
     [[nodiscard]] bool ignoreUmlauts() const;
