@@ -1,3 +1,5 @@
+// The wildcard language for single strings: the operations are thin, the matchers stand in
+// WildcardMatch.h and the normalising pass in WildcardShape.cpp.
 #include <velmocore/query/Wildcards.h>
 
 #include <algorithm>
