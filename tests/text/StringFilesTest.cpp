@@ -102,6 +102,8 @@ TEST_F(StringFiles, WritersChooseTheirEncoding) {
         EXPECT_EQ(used, c.smallest);
         EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
         EXPECT_TRUE(writeToFileUsingFastestEncoding(c.text, path("s"), false, &used));
+        EXPECT_EQ(used, UTF16StringEncoding);
+        EXPECT_EQ(used, fastestEncoding(c.text));
         EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
         if (!dataUsingEncoding(c.text, UTF8StringEncoding)) continue;
         EXPECT_TRUE(writeToFileUsingDefaultEncoding(c.text, path("s"), true, &used));
@@ -132,8 +134,7 @@ TEST_F(StringFiles, AtomicWritesKeepLinksAndPermissions) {
     EXPECT_TRUE(writeToFile(u"new", path("link"), true, UTF8StringEncoding));
     EXPECT_TRUE(writeToFile(u"made", path("dangling"), true, UTF8StringEncoding));
     EXPECT_FALSE(writeToFile(u"no", path("round"), true, UTF8StringEncoding));
-    for (const char* link : {"link", "hop", "dangling", "round"})
-        EXPECT_TRUE(fs::is_symlink(folder_ / link)) << link;
+    for (const char* link : {"link", "hop", "dangling", "round"}) EXPECT_TRUE(fs::is_symlink(folder_ / link)) << link;
     EXPECT_EQ(bytes("target"), "new");
     EXPECT_EQ(bytes("missing"), "made");
     struct stat info;
