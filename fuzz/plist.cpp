@@ -24,7 +24,7 @@ std::string binaryList(std::string_view bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string list(reinterpret_cast<const char*>(data), size);
     if (size > 0 && (data[0] & 1)) list = binaryList(std::string_view(list).substr(1));
-    const auto xml = propertyListAsXML(bytesOf(list));
+    const auto xml = propertyListAsXML(list);
     if (!xml) return 0;
     require(xml->size() <= 64 * list.size() + (1 << 20));
     const auto again = propertyListAsXML(*xml);
