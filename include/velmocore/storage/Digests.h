@@ -76,7 +76,7 @@ struct SaltedHashOptions {
     StringEncoding encoding = UTF8StringEncoding;
     std::size_t times = 1;  ///< 0 counts as 1
 };
-/// SHA-1, in hexadecimal, of the string with the salt behind it; so many times over, each time
+/// SHA-1, in hexadecimal, of the string with the salt after it; so many times over, each time
 /// of the text before. Absent for an absent or empty string, and for one that the encoding
 /// does not have. Not for passwords: it is fast to guess.
 [[nodiscard]] VELMO_API String saltedHash(const String& string,

@@ -10,7 +10,7 @@
 namespace velmo {
 
 // Small edits of a text in place. A range or index outside is cut to the text: what is to be
-// inserted behind the end is appended, what is to be removed there is not.
+// inserted after the end is appended, what is to be removed there is not.
 //
 //     appendSubstring(text, u"one two", {4, 3});    // (the text ends in two)
 

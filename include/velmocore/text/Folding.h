@@ -28,7 +28,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API String nonUmlautedNormalizedString(const String& string);
 [[nodiscard]] VELMO_API String lowercaseNonUmlautedNormalizedString(const String& string);
 [[nodiscard]] VELMO_API String uppercaseNonUmlautedNormalizedString(const String& string);
-/// Without diacritics; a blank for every unit that is not ASCII then. See toAscii().
+/// Without diacritics; a space for every unit that is not ASCII then. See toAscii().
 [[nodiscard]] VELMO_API String asciiString(const String& string);
 [[nodiscard]] VELMO_API String lowercaseAsciiString(const String& string);
 [[nodiscard]] VELMO_API String uppercaseAsciiString(const String& string);

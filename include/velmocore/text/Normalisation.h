@@ -26,7 +26,7 @@ enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 [[nodiscard]] VELMO_API String normalizedLowercaseString(const String& string);
 /// Form C, then upper case.
 [[nodiscard]] VELMO_API String normalizedUppercaseString(const String& string);
-/// Safe for keeping: a blank for each NUL, each surrogate (a character outside the 16-bit
+/// Safe for keeping: a space for each NUL, each surrogate (a character outside the 16-bit
 /// plane so becomes two) and each unit from U+F400 to U+F8FF, then form C.
 [[nodiscard]] VELMO_API String fixedAndNormalizedString(const String& string);
 
