@@ -10,6 +10,7 @@
 
 #include "markup/CharsetTables.h"
 #include "platform/Ascii.h"
+#include "platform/EncodingNumbers.h"
 #include "text/Keyword.h"
 
 namespace velmo {
@@ -43,10 +44,10 @@ TextEncoding encodingOfNumber(std::uint32_t number, Name name) {
     // More misspellings of 8859-1.
     if (number >= 885101 && number <= 885391 && number % 10 == 1) return ISOLatin1TextEncoding;
     if (number == 2022) {
-        if (name == u"iso2022jp1") return 2082;
-        if (name == u"iso2022jp2") return 2081;
-        if (name == u"iso2022jp3") return 2083;
-        return 2080;
+        if (name == u"iso2022jp1") return detail::encoding::ISO2022JP1;
+        if (name == u"iso2022jp2") return detail::encoding::ISO2022JP2;
+        if (name == u"iso2022jp3") return detail::encoding::ISO2022JP3;
+        return detail::encoding::ISO2022JP;
     }
     const auto numbers = detail::charsetNumbers();
     const auto hit = std::ranges::find(numbers, number, &detail::CharsetNumber::number);

@@ -114,11 +114,13 @@ bool isMarkupExtension(std::u16string_view extension) {
            isPropertyListExtension(extension);
 }
 
-bool isHTMLFile(std::u16string_view path) { return isHTMLExtension(extensionOfPath(path)); }
-bool isXMLFile(std::u16string_view path) { return isXMLExtension(extensionOfPath(path)); }
+bool isHTMLFile(std::u16string_view path) { return isHTMLExtension(detail::extensionOfPath(path)); }
+bool isXMLFile(std::u16string_view path) { return isXMLExtension(detail::extensionOfPath(path)); }
 bool isPropertyListFile(std::u16string_view path) {
-    return isPropertyListExtension(extensionOfPath(path));
+    return isPropertyListExtension(detail::extensionOfPath(path));
 }
-bool isMarkupFile(std::u16string_view path) { return isMarkupExtension(extensionOfPath(path)); }
+bool isMarkupFile(std::u16string_view path) {
+    return isMarkupExtension(detail::extensionOfPath(path));
+}
 
 }  // namespace velmo

@@ -15,6 +15,7 @@
 
 #include "markup/HeadCharset.h"
 #include "platform/Converter.h"
+#include "platform/EncodingNumbers.h"
 #include "platform/Files.h"
 #include "text/UnitScan.h"
 
@@ -22,6 +23,7 @@ namespace velmo {
 namespace {
 
 using detail::Decode;
+namespace encoding = detail::encoding;
 
 constexpr StringEncoding otherEncoding(TextEncoding encoding) { return 0x80000000 | encoding; }
 
@@ -30,10 +32,16 @@ constexpr StringEncoding Big5HKSCS = otherEncoding(Big5HKSCSTextEncoding);
 constexpr StringEncoding EUCCN = otherEncoding(EUCCNTextEncoding);
 
 /// What a page in Shift JIS may be besides, in the order in which it is tried.
-constexpr TextEncoding japaneseEncodings[] = {2561, 1576, 1,    1056, 1568, 1569, 1570,
-                                              1571, 1572, 2336, 2080, 2082, 2081, 2083};
+constexpr TextEncoding japaneseEncodings[] = {
+    encoding::ShiftJIS,        encoding::ShiftJISX0213, encoding::MacJapanese,
+    encoding::WindowsJapanese, encoding::JISX0201,      encoding::JISX0208of83,
+    encoding::JISX0208of90,    encoding::JISX0212,      encoding::JISC6226,
+    encoding::EUCJP,           encoding::ISO2022JP,     encoding::ISO2022JP1,
+    encoding::ISO2022JP2,      encoding::ISO2022JP3};
 /// The same for a page in EUC-CN.
-constexpr TextEncoding chineseEncodings[] = {2353, 1584, 2565, 1585, 2563, 2566, 2569};
+constexpr TextEncoding chineseEncodings[] = {encoding::EUCTW, encoding::GB2312, encoding::HZ,
+                                             encoding::GBK,   encoding::Big5,   encoding::Big5HKSCS,
+                                             encoding::Big5E};
 
 /// A reading of the bytes in one encoding.
 struct Trial {
@@ -192,17 +200,13 @@ String stringWithMarkupData(Bytes data, const MarkupDecodingOptions& options) {
     return decodeMarkup(data, options).text;
 }
 
-String stringWithMarkupContentsOfFile(const String& path, StringEncoding defaultEncoding,
-                                      StringEncoding* usedEncoding) {
-    if (usedEncoding) *usedEncoding = UnknownStringEncoding;
-    if (path.isAbsent()) return {};
-    const std::optional<Data> data = detail::readFile(path.utf8());
-    if (!data) return {};
-    const String list = propertyListText(path, *data);
-    if (!list.isAbsent()) return list;
+FileText stringWithMarkupContentsOfFile(const Path& path, StringEncoding defaultEncoding) {
+    const std::optional<Data> data = detail::readFile(path.bytes());
+    if (!data) return {{}, UnknownStringEncoding};
+    const String list = propertyListText(path.string(), *data);
+    if (!list.isAbsent()) return {list, UnknownStringEncoding};
     Trial best = chooseForFile(*data, defaultEncoding);
-    if (usedEncoding) *usedEncoding = best.encoding;
-    return best.text;
+    return {best.text, best.encoding};
 }
 
 }  // namespace velmo

@@ -44,7 +44,7 @@ bool containsBehind(Units text, Units first, Units second) {
 }
 
 std::int64_t styleNumber(Units style, Units name) {
-    return leadingInteger(attributeOfStyleWithName(style, name));
+    return detail::leadingInteger(attributeOfStyleWithName(style, name));
 }
 
 bool isOneToThree(std::int64_t size) { return size >= 1 && size <= 3; }
@@ -368,31 +368,30 @@ using Handler = bool (Converter::*)(const Tag&);
 
 /// Hands the tags of a walk over the page to a handler; a page of which only the body is asked
 /// for and that has none is walked again as a whole.
-String convert(const String& page, detail::TagWalk walk, PlainTextOptions options, Handler handler,
-               bool* didRemoveJunk = nullptr) {
-    if (didRemoveJunk) *didRemoveJunk = false;
+HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions options,
+                      Handler handler) {
     for (;;) {
         Converter converter(options);
         walk([&](const Tag& tag) { return (converter.*handler)(tag); });
-        if (converter.didOutput()) {
-            if (didRemoveJunk) *didRemoveJunk = converter.didRemoveJunk();
-            return converter.finish();
-        }
-        if (!options.onlyBody || page.isEmpty()) return page;
+        if (converter.didOutput()) return {converter.finish(), converter.didRemoveJunk()};
+        if (!options.onlyBody || page.isEmpty()) return {page};
         options.onlyBody = false;
     }
 }
 
 }  // namespace
 
-String detail::plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options,
-                           bool* didRemoveJunk) {
-    return convert(page, walk, options, &Converter::handle, didRemoveJunk);
+HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
+                                  const PlainTextOptions& options) {
+    return convert(page, walk, options, &Converter::handle);
 }
 
-String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options,
-                                        bool* didRemoveJunk) {
-    return detail::plainTextOf(page, detail::scanOf(page), options, didRemoveJunk);
+HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {
+    return detail::plainTextOf(page, detail::scanOf(page), options);
+}
+
+String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options) {
+    return plainTextOfHtml(page, options).text;
 }
 
 String stringByConvertingHtml2ReformattedPlainText(const String& page) {
@@ -400,7 +399,7 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
 }
 
 String stringByConvertingHtml2SimplifiedPlainText(const String& page) {
-    return convert(page, detail::scanOf(page), {.onlyBody = true}, &Converter::handleSimply);
+    return convert(page, detail::scanOf(page), {.onlyBody = true}, &Converter::handleSimply).text;
 }
 
 }  // namespace velmo

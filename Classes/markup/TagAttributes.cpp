@@ -230,7 +230,7 @@ private:
 };
 
 std::int64_t numberOf(Units text, Range range) {
-    return range.isFound() ? leadingInteger(text.substr(range.location, range.length)) : 0;
+    return range.isFound() ? detail::leadingInteger(text.substr(range.location, range.length)) : 0;
 }
 
 }  // namespace
@@ -275,7 +275,7 @@ String headerRefresh(Units refresh) {
     return HeaderReader(refresh, u"URL", true, {.separator = 0}).read();
 }
 
-std::int64_t refreshInterval(Units refresh) { return leadingInteger(refresh); }
+std::int64_t refreshInterval(Units refresh) { return detail::leadingInteger(refresh); }
 
 TagSize getTagWidth(Units tag) {
     if (tag.size() < 10) return {};

@@ -35,18 +35,20 @@ const String& preferencesDirectory() { return folders().preferences; }
 const String& cachesDirectory() { return folders().caches; }
 const String& applicationSupportDirectory() { return folders().applicationSupport; }
 
-String pathInHomeDirectory(View component) { return appendedComponent(homeDirectory(), component); }
+String pathInHomeDirectory(View component) {
+    return detail::appendedComponent(homeDirectory(), component);
+}
 String pathInLibraryDirectory(View component) {
-    return appendedComponent(libraryDirectory(), component);
+    return detail::appendedComponent(libraryDirectory(), component);
 }
 String pathInPreferencesDirectory(View component) {
-    return appendedComponent(preferencesDirectory(), component);
+    return detail::appendedComponent(preferencesDirectory(), component);
 }
 String pathInCachesDirectory(View component) {
-    return appendedComponent(cachesDirectory(), component);
+    return detail::appendedComponent(cachesDirectory(), component);
 }
 String pathInApplicationSupportDirectory(View component) {
-    return appendedComponent(applicationSupportDirectory(), component);
+    return detail::appendedComponent(applicationSupportDirectory(), component);
 }
 
 const String& userHomeDirectory() { return folders().userHome; }

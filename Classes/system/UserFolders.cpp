@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t LongestSettings = 1 << 20;
 
 String orElse(const String& folder, const String& parent, std::u16string_view fallback) {
-    return folder.isAbsent() ? appendedComponent(parent, fallback) : folder;
+    return folder.isAbsent() ? detail::appendedComponent(parent, fallback) : folder;
 }
 
 std::string settings(const String& path) {
@@ -57,16 +57,16 @@ String userDirectory(const std::string& settings, std::string_view key, const St
 
 std::vector<String> dropboxFolders(const String& home) {
     std::vector<String> folders;
-    const auto info =
-        nlohmann::json::parse(settings(appendedComponent(home, u".dropbox/info.json")), nullptr,
-                              /*allow_exceptions=*/false);
+    const auto info = nlohmann::json::parse(
+        settings(detail::appendedComponent(home, u".dropbox/info.json")), nullptr,
+        /*allow_exceptions=*/false);
     for (const char* account : {"personal", "business"}) {
         if (!info.is_object() || !info.contains(account) || !info[account].is_object()) continue;
         const auto path = info[account].find("path");
         if (path != info[account].end() && path->is_string())
             folders.push_back(String::fromUTF8(path->get<std::string>()));
     }
-    if (folders.empty()) folders.push_back(appendedComponent(home, u"Dropbox"));
+    if (folders.empty()) folders.push_back(detail::appendedComponent(home, u"Dropbox"));
     return folders;
 }
 
@@ -84,22 +84,22 @@ UserFolders findUserFolders(EnvironmentVariable variable) {
     const String& home = folders.home;
 
     const String config = orElse(folderOfVariable(variable, "XDG_CONFIG_HOME"), home, u".config");
-    const std::string userDirs = settings(appendedComponent(config, u"user-dirs.dirs"));
+    const std::string userDirs = settings(detail::appendedComponent(config, u"user-dirs.dirs"));
     folders.desktop = orElse(userDirectory(userDirs, "XDG_DESKTOP_DIR", home), home, u"Desktop");
     folders.downloads =
         orElse(userDirectory(userDirs, "XDG_DOWNLOAD_DIR", home), home, u"Downloads");
 
-    folders.library = appendedComponent(home, u"Library");
-    folders.preferences = appendedComponent(folders.library, u"Preferences");
+    folders.library = detail::appendedComponent(home, u"Library");
+    folders.preferences = detail::appendedComponent(folders.library, u"Preferences");
     folders.caches =
         orElse(folderOfVariable(variable, "XDG_CACHE_HOME"), folders.library, u"Caches");
     folders.applicationSupport = orElse(folderOfVariable(variable, "XDG_DATA_HOME"),
                                         folders.library, u"Application Support");
 
     folders.userHome = outsideSandbox(home);
-    folders.userLibrary = appendedComponent(folders.userHome, u"Library");
+    folders.userLibrary = detail::appendedComponent(folders.userHome, u"Library");
     folders.iCloud =
-        appendedComponent(folders.userLibrary, u"Mobile Documents/com~apple~CloudDocs");
+        detail::appendedComponent(folders.userLibrary, u"Mobile Documents/com~apple~CloudDocs");
     folders.dropbox = dropboxFolders(home);
     folders.temporary = orElse(folderOfVariable(variable, "TMPDIR"), u"/", u"tmp");
     return folders;

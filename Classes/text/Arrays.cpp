@@ -15,11 +15,11 @@ void minimumCoverOfPaths(std::vector<String>& paths) {
     std::sort(paths.begin(), paths.end());
     // The slashes at the end of a folder are looked at once, however many paths follow.
     String folder = paths.front();
-    std::u16string_view name = withoutSlashesAtEnd(folder);
+    std::u16string_view name = detail::withoutSlashesAtEnd(folder);
     std::erase_if(paths, [&](const String& path) {
-        if (!path.isIdenticalTo(folder) && liesIn(path, name)) return true;
+        if (!path.isIdenticalTo(folder) && detail::liesIn(path, name)) return true;
         folder = path;
-        name = withoutSlashesAtEnd(folder);
+        name = detail::withoutSlashesAtEnd(folder);
         return false;
     });
 }

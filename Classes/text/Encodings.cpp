@@ -4,11 +4,14 @@
 #include <atomic>
 
 #include "platform/Converter.h"
+#include "platform/EncodingNumbers.h"
 #include "platform/Surrogates.h"
 #include "platform/Utf8.h"
 
 namespace velmo {
 namespace {
+
+namespace encoding = detail::encoding;
 
 struct EncodingPair {
     StringEncoding string;
@@ -18,19 +21,19 @@ struct EncodingPair {
 /// The string encodings with numbers of their own; all others are told by their top bit.
 constexpr EncodingPair Pairs[] = {
     {ASCIIStringEncoding, ASCIITextEncoding},
-    {JapaneseEUCStringEncoding, 2336},
+    {JapaneseEUCStringEncoding, encoding::EUCJP},
     {UTF8StringEncoding, UTF8TextEncoding},
     {ISOLatin1StringEncoding, ISOLatin1TextEncoding},
     {ShiftJISStringEncoding, ShiftJISTextEncoding},
-    {ISOLatin2StringEncoding, 514},
+    {ISOLatin2StringEncoding, encoding::ISOLatin2},
     {UTF16StringEncoding, UTF16TextEncoding},
-    {WindowsCP1251StringEncoding, 1282},
-    {WindowsCP1252StringEncoding, 1280},
-    {WindowsCP1253StringEncoding, 1283},
-    {WindowsCP1254StringEncoding, 1284},
-    {WindowsCP1250StringEncoding, 1281},
-    {ISO2022JPStringEncoding, 2080},
-    {MacOSRomanStringEncoding, 0},
+    {WindowsCP1251StringEncoding, encoding::Windows1251},
+    {WindowsCP1252StringEncoding, encoding::Windows1252},
+    {WindowsCP1253StringEncoding, encoding::Windows1253},
+    {WindowsCP1254StringEncoding, encoding::Windows1254},
+    {WindowsCP1250StringEncoding, encoding::Windows1250},
+    {ISO2022JPStringEncoding, encoding::ISO2022JP},
+    {MacOSRomanStringEncoding, encoding::MacRoman},
     {KamenickyStringEncoding, KamenickyTextEncoding},
     {KOI8CS2StringEncoding, KOI8CS2TextEncoding},
 };
@@ -73,14 +76,12 @@ std::optional<Data> dataUsingEncoding(const String& string, StringEncoding encod
     return detail::encode(textEncodingOf(encoding), string, lossy);
 }
 
-int convertUTF8ToUnicode(Bytes source, std::span<char16_t> destination, std::size_t* outCount) {
+Conversion convertUTF8ToUnicode(Bytes source, std::span<char16_t> destination) {
     const detail::Decoding result = detail::decode(UTF8TextEncoding, source, destination);
-    if (outCount) *outCount = result.written;
-    return result.complete ? 0 : ConverterOutputBufferFull;
+    return {result.complete ? 0 : ConverterOutputBufferFull, result.written};
 }
 
-int convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> destination,
-                         std::size_t* outCount) {
+Conversion convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> destination) {
     // As many units go at once as surely fit, at three bytes each; near the end of the room
     // it is one character after the other.
     std::size_t written = 0;
@@ -104,17 +105,14 @@ int convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> des
         }
         source.remove_prefix(count);
     }
-    if (outCount) *outCount = written;
-    return status;
+    return {status, written};
 }
 
-int convertEncodingToUnicode(Bytes source, TextEncoding encoding, std::span<char16_t> destination,
-                             std::size_t& outCount) {
-    outCount = 0;
-    if (!isEncodingAvailable(encoding)) return ConverterUnsupportedEncoding;
+Conversion convertEncodingToUnicode(Bytes source, TextEncoding encoding,
+                                    std::span<char16_t> destination) {
+    if (!isEncodingAvailable(encoding)) return {ConverterUnsupportedEncoding, 0};
     const detail::Decoding result = detail::decode(encoding, source, destination);
-    outCount = result.written;
-    return result.complete ? 1 : 0;
+    return {result.complete ? 1 : 0, result.written};
 }
 
 }  // namespace velmo

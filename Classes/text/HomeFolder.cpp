@@ -23,7 +23,7 @@ String accountHome() {
 
 String detail::absoluteFolder(std::string_view path) {
     if (!path.starts_with('/')) return {};
-    return String(withoutTrailingSlashes(String::fromUTF8(path)));
+    return String(detail::withoutTrailingSlashes(String::fromUTF8(path)));
 }
 
 String detail::folderOfVariable(EnvironmentVariable variable, const char* name) {

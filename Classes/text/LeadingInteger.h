@@ -9,7 +9,7 @@
 
 #include "platform/Ascii.h"
 
-namespace velmo {
+namespace velmo::detail {
 
 /// White space, a sign and decimal digits are read, up to the first other unit; nothing
 /// to read gives 0, and a number beyond 64 bits the nearest one.
@@ -20,7 +20,7 @@ inline std::int64_t leadingInteger(std::u16string_view text) {
     const bool negative = i < text.size() && text[i] == u'-';
     if (i < text.size() && (text[i] == u'-' || text[i] == u'+')) ++i;
     std::int64_t value = 0;
-    for (; i < text.size() && detail::ascii::isDigit(text[i]); ++i) {
+    for (; i < text.size() && ascii::isDigit(text[i]); ++i) {
         const int digit = text[i] - u'0';
         if (value > (Max - digit) / 10) return negative ? -Max - 1 : Max;
         value = value * 10 + digit;
@@ -28,4 +28,4 @@ inline std::int64_t leadingInteger(std::u16string_view text) {
     return negative ? -value : value;
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

@@ -87,6 +87,10 @@ String fixedAndNormalizedString(const String& string) {
     return text;
 }
 
+std::u16string getCharactersOfNormalizedString(View string) {
+    return withComposed(string, [](View units) { return std::u16string(units); });
+}
+
 void normalizeString(std::u16string& text, NormalizationForm form) {
     if (form == NormalizationForm::C && isComposed(text)) return;
     text = unicode::normalized(text, static_cast<unicode::Form>(form));

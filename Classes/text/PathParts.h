@@ -9,7 +9,7 @@
 
 #include <velmocore/platform/String.h>
 
-namespace velmo {
+namespace velmo::detail {
 
 /// The last component, without the slashes behind it; "/" of the root.
 inline std::u16string_view lastComponentOf(std::u16string_view path) {
@@ -89,4 +89,4 @@ inline String appendedComponent(std::u16string_view folder, std::u16string_view 
     return path.append(component);
 }
 
-}  // namespace velmo
+}  // namespace velmo::detail

@@ -24,7 +24,7 @@ constexpr std::size_t LongestExtension = 17;
 /// The components that are left of a path when it is standardised.
 std::vector<View> keptComponents(View path) {
     std::vector<View> kept;
-    for (const View component : componentsOfPath(path)) {
+    for (const View component : detail::componentsOfPath(path)) {
         const bool isRoot = component.data() == path.data();  // and no slash at the end
         if (component == u"." || (component == u"/" && !isRoot)) continue;
         if (component != u"..")
@@ -46,7 +46,7 @@ std::u16string joined(std::span<const View> components) {
 
 String appendedExtension(View path, View extension) {
     if (path.empty() || path == u"/" || extension.empty()) return path;
-    std::u16string result(withoutTrailingSlashes(path));
+    std::u16string result(detail::withoutTrailingSlashes(path));
     return result.append(u".").append(extension);
 }
 
@@ -91,7 +91,7 @@ String relativePathToDirectory(View path, View directory) {
 
 bool pathIsInDirectory(const String& path, const String& directory) {
     if (directory.isAbsent() || path.isIdenticalTo(directory)) return false;
-    return liesIn(path, withoutSlashesAtEnd(directory));
+    return detail::liesIn(path, detail::withoutSlashesAtEnd(directory));
 }
 
 bool pathIsInDirectories(const String& path, std::span<const String> directories) {
@@ -101,7 +101,7 @@ bool pathIsInDirectories(const String& path, std::span<const String> directories
 
 String stringByDeletingFileComponent(View path) {
     if (path.empty()) return String::empty();
-    return path.ends_with(u'/') ? path.substr(0, path.size() - 1) : parentOfPath(path);
+    return path.ends_with(u'/') ? path.substr(0, path.size() - 1) : detail::parentOfPath(path);
 }
 
 std::vector<String> standardizedPathComponents(View path) {
@@ -113,18 +113,18 @@ String standardizedPath(View path) { return joined(keptComponents(path)); }
 
 String stringByAppendingPathExtensionIfNecessary(const String& path, const String& extension) {
     if (extension.isAbsent()) return path;
-    const View own = extensionOfPath(path);
+    const View own = detail::extensionOfPath(path);
     if (own.size() == extension.length() && isEqualToStringNoCase(own, extension)) return path;
     return appendedExtension(path, extension);
 }
 
 String stringByReplacingPathExtensionWith(const String& path, const String& extension) {
-    if (extension.isAbsent() || extension == extensionOfPath(path)) return path;
-    return appendedExtension(withoutExtension(path), extension);
+    if (extension.isAbsent() || extension == detail::extensionOfPath(path)) return path;
+    return appendedExtension(detail::withoutExtension(path), extension);
 }
 
 bool pathMatchingExtensions(View path, std::span<const String> extensions) {
-    return containsStringNoCase(extensions, extensionOfPath(path));
+    return containsStringNoCase(extensions, detail::extensionOfPath(path));
 }
 
 bool pathMatchingExtensionsOrTypes(View path, std::span<const String> extensionsOrTypes) {
@@ -137,7 +137,7 @@ bool isValidPathExtension(View extension) {
 }
 
 String validPathExtension(View path) {
-    const View extension = extensionOfPath(path);
+    const View extension = detail::extensionOfPath(path);
     const View valid = extension.substr(0, extension.find_first_of(u"?&;=#"));
     return isValidPathExtension(valid) ? String(valid) : String::empty();
 }

@@ -71,7 +71,7 @@ Units hostFolderOf(const URL& url) {
 
 /// The path below the folder, which no .. leads out of.
 String pathWithin(Units folder, Units path) {
-    return appendedComponent(standardizedPath(folder), standardizedPath(path));
+    return detail::appendedComponent(standardizedPath(folder), standardizedPath(path));
 }
 
 }  // namespace
@@ -99,14 +99,14 @@ String pathRelativeToDirectory(const URL& url, const String& directory,
                                const DirectPathOptions& options) {
     if (url.isAbsent()) return {};
     if (url.isFileURL()) return pathWithin(directory, url.path());
-    const String folder = appendedComponent(directory, hostFolderOf(url));
+    const String folder = detail::appendedComponent(directory, hostFolderOf(url));
     std::u16string path = std::u16string(url.part(URLPart::Path)) +
                           marked(u';', url.part(URLPart::Parameters)) +
                           marked(u'?', url.part(URLPart::Query));
     if (options.simplified) {
         const String name =
             stringByCreatingFileSystemRepresentation(stringByCreatingFilename(path));
-        return appendedComponent(folder, name.isEmpty() ? DefaultComponent : name.view());
+        return detail::appendedComponent(folder, name.isEmpty() ? DefaultComponent : name.view());
     }
     // A folder's page needs a name of its own, as the folder will hold others.
     const bool isFolder = path.empty() || (options.defaultPathComponent && isBaseDirectory(url));

@@ -21,7 +21,7 @@ String fittingComponent(const String& component, std::size_t room) {
 }
 
 String pathOfComponents(std::u16string_view folder, std::span<const String> components) {
-    std::u16string path(withoutTrailingSlashes(folder));
+    std::u16string path(detail::withoutTrailingSlashes(folder));
     for (const String& component : components) {
         if (!path.empty() && !path.ends_with(u'/')) path += u'/';
         path += component;

@@ -162,10 +162,10 @@ URL fileURL(const URL& base, const String& link) {
         if (link.length() == 1 || link[1] == u'/')
             path = concatenated(homeDirectory(), link.view().substr(1));
     } else if (link[0] != u'/') {
-        path = appendedComponent(stringByDeletingFileComponent(base.path()), link);
+        path = detail::appendedComponent(stringByDeletingFileComponent(base.path()), link);
     }
     // What climbs above the root is a path from the root still, not from the current folder.
-    return URL::fileURLWithPath(appendedComponent(u"/", standardizedPath(path)));
+    return URL::fileURLWithPath(detail::appendedComponent(u"/", standardizedPath(path)));
 }
 
 URL webURL(const URL& base, const String& link, const RelativeURLOptions& options) {

@@ -79,7 +79,7 @@ URL URL::fileURLWithPath(const String& path) {
         const std::filesystem::path current = std::filesystem::current_path(error);
         if (error) return {};
         const String folder = String::fromUTF8(current.native());
-        absolute = appendedComponent(folder, path);
+        absolute = detail::appendedComponent(folder, path);
     }
     const String escaped = escapedFilePath(absolute);
     return escaped.isAbsent() ? URL() : URLWithString(u"file://" + std::u16string(escaped));
@@ -104,13 +104,15 @@ std::optional<std::uint32_t> URL::port() const noexcept {
 
 String URL::path() const { return decodedOrRaw(part(URLPart::Path)); }
 
-String URL::lastPathComponent() const { return decodedOrRaw(lastComponentOf(part(URLPart::Path))); }
+String URL::lastPathComponent() const {
+    return decodedOrRaw(detail::lastComponentOf(part(URLPart::Path)));
+}
 
 String URL::pathExtension() const {
     if (isAbsent()) return {};
     const String name =
-        isFileURL() ? lastPathComponent() : String(lastComponentOf(part(URLPart::Path)));
-    return extensionOfComponent(name);
+        isFileURL() ? lastPathComponent() : String(detail::lastComponentOf(part(URLPart::Path)));
+    return detail::extensionOfComponent(name);
 }
 
 bool URL::isFileURL() const noexcept { return keyword::equals(part(URLPart::Scheme), "FILE"); }

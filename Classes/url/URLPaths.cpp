@@ -1,8 +1,8 @@
 #include <velmocore/url/URLPaths.h>
 
+#include <velmocore/text/HomeFolder.h>
 #include <velmocore/text/Normalisation.h>
 #include <velmocore/text/Paths.h>
-#include <velmocore/text/HomeFolder.h>
 #include <velmocore/url/URLSchemes.h>
 
 #include "text/Keyword.h"
@@ -53,9 +53,10 @@ Units withoutSlashes(Units specifier, Ends ends) {
 /// without as a folder, unless a query asks for something in it.
 Units directoryOf(const URL& url, Units path) {
     if (url.isFileURL())
-        return path.ends_with(u'/') ? path.substr(0, path.size() - 1) : parentOfPath(path);
+        return path.ends_with(u'/') ? path.substr(0, path.size() - 1) : detail::parentOfPath(path);
     if (path.ends_with(u'/')) return path.substr(0, path.size() - 1);
-    return url.pathExtension().isEmpty() && !hasParamsOrQuery(url) ? path : parentOfPath(path);
+    return url.pathExtension().isEmpty() && !hasParamsOrQuery(url) ? path
+                                                                   : detail::parentOfPath(path);
 }
 
 String orRoot(const String& path) { return path.isEmpty() ? String(u"/") : path; }

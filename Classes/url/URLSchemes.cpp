@@ -207,7 +207,7 @@ String stringURLPathExtension(Units string) {
             string = string.substr(path);
         }
     }
-    Units extension = extensionOfComponent(lastComponentOf(string));
+    Units extension = detail::extensionOfComponent(detail::lastComponentOf(string));
     extension = extension.substr(0, extension.find_first_of(u"?&;=#"));
     return extension.empty() ? String() : String(extension);
 }

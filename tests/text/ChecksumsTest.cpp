@@ -33,6 +33,11 @@ TEST(Checksums, KnownValues) {
 }
 
 TEST(Checksums, AgreeWithTheBitwiseOne) {
+    for (unsigned i = 0; i < 256; ++i) {
+        const auto byte = static_cast<std::uint8_t>(i);
+        ASSERT_EQ(CRC32_TAB[i], CRC32(Bytes(&byte, 1)));
+        ASSERT_EQ(CRC32_TAB[i], slowCrc(Bytes(&byte, 1)));
+    }
     std::mt19937 random(6);
     for (std::size_t length : {1u, 2u, 7u, 255u, 511u, 512u, 513u, 1024u, 5000u}) {
         std::u16string text;

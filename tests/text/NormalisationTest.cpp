@@ -31,6 +31,7 @@ TEST(Normalisation, FormsAndCase) {
     EXPECT_EQ(form(NormalizationForm::D, u"\u00E4"), u"a\u0308");
     EXPECT_EQ(form(NormalizationForm::KD, u"\u00E4\uFB01"), u"a\u0308fi");
     EXPECT_EQ(form(NormalizationForm::KC, u"a\u0308\uFB01"), u"\u00E4fi");
+    EXPECT_EQ(getCharactersOfNormalizedString(u"a\u0308x"), u"\u00E4x");
     EXPECT_EQ(normalizedLowercaseString(u"A\u0308\u0130"), u"\u00E4i\u0307");
     EXPECT_EQ(normalizedUppercaseString(u"a\u0308 stra\u00DFe"), u"\u00C4 STRASSE");
     EXPECT_EQ(static_cast<int>(NormalizationForm::KC), 3);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string_view>
 
@@ -15,6 +16,17 @@ namespace velmo {
 // stored data holds them. No data gives 0. Any thread may call these; nothing is allocated.
 //
 //     CRC32(Bytes("123456789"));    // 0x2DFD2D88
+
+/// The table of the polynomial: the CRC-32 of each byte alone.
+inline constexpr std::array<std::uint32_t, 256> CRC32_TAB = [] {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t byte = 0; byte < table.size(); ++byte) {
+        std::uint32_t value = byte;
+        for (int bit = 0; bit < 8; ++bit) value = value >> 1 ^ (value & 1 ? 0xEDB88320 : 0);
+        table[byte] = value;
+    }
+    return table;
+}();
 
 /// Of bytes, in order.
 [[nodiscard]] VELMO_API std::uint32_t CRC32(Bytes bytes);

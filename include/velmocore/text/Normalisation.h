@@ -30,6 +30,9 @@ enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 /// plane so becomes two) and each unit from U+F400 to U+F8FF, then form C.
 [[nodiscard]] VELMO_API String fixedAndNormalizedString(const String& string);
 
+/// The units of the text in form C, an array of the caller's own.
+[[nodiscard]] VELMO_API std::u16string getCharactersOfNormalizedString(std::u16string_view string);
+
 // In place.
 
 VELMO_API void normalizeString(std::u16string& text, NormalizationForm form = NormalizationForm::C);

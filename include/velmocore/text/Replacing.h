@@ -36,6 +36,9 @@ namespace velmo {
 /// Moves the letters a to z and A to Z on by so many places of the alphabet, round its end;
 /// other units stay. A multiple of 26 gives the string itself, else it is a new one.
 [[nodiscard]] VELMO_API String stringByRotating(const String& string, std::int64_t places);
+[[nodiscard]] inline String sByR(const String& string, std::int64_t places) {
+    return stringByRotating(string, places);
+}
 [[nodiscard]] inline String stringByRotating13(const String& string) {
     return stringByRotating(string, 13);
 }
