@@ -22,7 +22,7 @@ void readPage(Bytes bytes, const MarkupDecodingOptions& options) {
     const MarkupDecoding page = decodeMarkup(bytes, options);
     require(page.text.length() <= std::max<std::size_t>(bytes.size(), 32));
     require(!page.declared.isAbsent());
-    markupData(page.text);
+    (void)markupData(page.text);
 }
 
 /// Part of the room gives the beginning of what all of it gives.

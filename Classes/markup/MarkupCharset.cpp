@@ -74,14 +74,12 @@ StringEncoding defaultURLEncoding(std::u16string_view page) {
                                                            : UTF8StringEncoding;
 }
 
-std::optional<Data> markupData(const String& page, StringEncoding* usedEncoding) {
-    StringEncoding encoding = page.isEmpty() ? ASCIIStringEncoding : markupEncoding(page);
-    const bool isKnown = encoding != UnknownStringEncoding;
-    if (!isKnown) encoding = ASCIIStringEncoding;
-    if (usedEncoding) *usedEncoding = encoding;
-    if (page.isEmpty()) return Data();
-    return dataUsingEncoding(isKnown ? page : stringByConvertingCharactersToEntities(page),
-                             encoding);
+MarkupData markupData(const String& page) {
+    if (page.isEmpty()) return {Data(), ASCIIStringEncoding};
+    const StringEncoding named = markupEncoding(page);
+    if (named != UnknownStringEncoding) return {dataUsingEncoding(page, named), named};
+    return {dataUsingEncoding(stringByConvertingCharactersToEntities(page), ASCIIStringEncoding),
+            ASCIIStringEncoding};
 }
 
 }  // namespace velmo

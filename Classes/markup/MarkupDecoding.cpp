@@ -200,17 +200,13 @@ String stringWithMarkupData(Bytes data, const MarkupDecodingOptions& options) {
     return decodeMarkup(data, options).text;
 }
 
-String stringWithMarkupContentsOfFile(const String& path, StringEncoding defaultEncoding,
-                                      StringEncoding* usedEncoding) {
-    if (usedEncoding) *usedEncoding = UnknownStringEncoding;
-    if (path.isAbsent()) return {};
-    const std::optional<Data> data = detail::readFile(path.utf8());
-    if (!data) return {};
-    const String list = propertyListText(path, *data);
-    if (!list.isAbsent()) return list;
+FileText stringWithMarkupContentsOfFile(const Path& path, StringEncoding defaultEncoding) {
+    const std::optional<Data> data = detail::readFile(path.bytes());
+    if (!data) return {{}, UnknownStringEncoding};
+    const String list = propertyListText(path.string(), *data);
+    if (!list.isAbsent()) return {list, UnknownStringEncoding};
     Trial best = chooseForFile(*data, defaultEncoding);
-    if (usedEncoding) *usedEncoding = best.encoding;
-    return best.text;
+    return {best.text, best.encoding};
 }
 
 }  // namespace velmo

@@ -116,7 +116,7 @@ const String& Page::title() const {
 
 const String& Page::plainText() const {
     return state_->plainText.get(
-        [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}); });
+        [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}).text; });
 }
 
 const std::vector<URL>& Page::links() const {

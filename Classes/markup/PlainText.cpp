@@ -18,6 +18,7 @@
 #include "markup/TagName.h"
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/LeadingInteger.h"
 
@@ -72,7 +73,7 @@ bool isTinyFont(Units style) {
     const std::size_t points = keyword::find(style, "PT");
     if (points == Units::npos || points < 2) return false;
     const char16_t tens = style[points - 2], ones = style[points - 1];
-    return !(tens >= u'0' && tens <= u'9') && ones >= u'1' && ones <= u'4';
+    return !detail::ascii::isDigit(tens) && ones >= u'1' && ones <= u'4';
 }
 
 class Converter {
@@ -367,31 +368,30 @@ using Handler = bool (Converter::*)(const Tag&);
 
 /// Hands the tags of a walk over the page to a handler; a page of which only the body is asked
 /// for and that has none is walked again as a whole.
-String convert(const String& page, detail::TagWalk walk, PlainTextOptions options, Handler handler,
-               bool* didRemoveJunk = nullptr) {
-    if (didRemoveJunk) *didRemoveJunk = false;
+HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions options,
+                      Handler handler) {
     for (;;) {
         Converter converter(options);
         walk([&](const Tag& tag) { return (converter.*handler)(tag); });
-        if (converter.didOutput()) {
-            if (didRemoveJunk) *didRemoveJunk = converter.didRemoveJunk();
-            return converter.finish();
-        }
-        if (!options.onlyBody || page.isEmpty()) return page;
+        if (converter.didOutput()) return {converter.finish(), converter.didRemoveJunk()};
+        if (!options.onlyBody || page.isEmpty()) return {page};
         options.onlyBody = false;
     }
 }
 
 }  // namespace
 
-String detail::plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options,
-                           bool* didRemoveJunk) {
-    return convert(page, walk, options, &Converter::handle, didRemoveJunk);
+HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
+                                  const PlainTextOptions& options) {
+    return convert(page, walk, options, &Converter::handle);
 }
 
-String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options,
-                                        bool* didRemoveJunk) {
-    return detail::plainTextOf(page, detail::scanOf(page), options, didRemoveJunk);
+HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {
+    return detail::plainTextOf(page, detail::scanOf(page), options);
+}
+
+String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options) {
+    return plainTextOfHtml(page, options).text;
 }
 
 String stringByConvertingHtml2ReformattedPlainText(const String& page) {
@@ -399,7 +399,7 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
 }
 
 String stringByConvertingHtml2SimplifiedPlainText(const String& page) {
-    return convert(page, detail::scanOf(page), {.onlyBody = true}, &Converter::handleSimply);
+    return convert(page, detail::scanOf(page), {.onlyBody = true}, &Converter::handleSimply).text;
 }
 
 }  // namespace velmo

@@ -65,7 +65,6 @@ HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
 std::set<String> imagesOf(TagWalk walk);
 std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
 std::set<String> embeddedObjectsOf(TagWalk walk);
-String plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options,
-                   bool* didRemoveJunk = nullptr);
+HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
 
 }  // namespace velmo::detail

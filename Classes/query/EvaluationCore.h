@@ -35,24 +35,6 @@ concept WordFinder = requires(Finder finder, std::size_t node, std::uint64_t pos
 template <WordFinder Finder, bool Remembers = true>
 class QueryEvaluation {
 public:
-    QueryEvaluation(const QueryTree& tree, std::u16string_view text,
-                    const CharacterSetRep& termCharacters, Finder& finder)
-        : tree_(tree), textEnd_(text.size()), steps_(text, termCharacters), finder_(finder) {}
-
-    /// Whether the query below a node holds for the text.
-    bool matches(std::size_t top) {
-        if (tree_.nodes[top].hasProximity) {
-            near_.resize(tree_.nodes.size());
-            findWhatShrinks();
-        }
-        std::optional<bool> answer = enter({.node = top, .end = textEnd_});
-        while (!stack_.empty())
-            answer = tree_.nodes[stack_.back().call.node].isWord ? continueProximity(answer)
-                                                                 : continueGroup(answer);
-        return *answer;
-    }
-
-private:
     static constexpr std::size_t NoNode = static_cast<std::size_t>(-1);
 
     /// A node to be evaluated on a stretch of the text. If there is a left term, each word
@@ -70,6 +52,70 @@ private:
         std::uint64_t start, end;
     };
 
+    /// For several questions about one text all answers may be kept.
+    QueryEvaluation(const QueryTree& tree, std::u16string_view text,
+                    const CharacterSetRep& termCharacters, Finder& finder, bool keepsAll = false)
+        : tree_(tree),
+          textEnd_(text.size()),
+          steps_(text, termCharacters),
+          finder_(finder),
+          keepsAll_(keepsAll) {}
+
+    /// Whether the query below a node holds for the text.
+    bool matches(std::size_t top) {
+        if (tree_.nodes[top].hasProximity) prepare();
+        return holds({.node = top, .end = textEnd_});
+    }
+
+    /// What is needed for proximity.
+    void prepare() {
+        near_.resize(tree_.nodes.size());
+        findWhatShrinks();
+    }
+    bool holds(const Call& call) {
+        std::optional<bool> answer = enter(call);
+        while (!stack_.empty())
+            answer = tree_.nodes[stack_.back().call.node].isWord ? continueProximity(answer)
+                                                                 : continueGroup(answer);
+        return *answer;
+    }
+
+    /// The call of one of the children of a group, from the first on.
+    Call callOfChild(const Call& group, std::size_t place) const {
+        const auto children = tree_.childrenOf(tree_.nodes[group.node]);
+        Call call = group;
+        call.node = children[place];
+        const QueryNode& child = tree_.nodes[call.node];
+        if (place > 0 && isProximityOperator(child.op) && child.distance != 0) {
+            call.left = children[place - 1];
+            call.op = child.op;
+            call.distance = child.distance;
+        }
+        return call;
+    }
+    static Call callOfLeft(const Call& call, Stretch stretch) {
+        return {.node = call.left, .start = stretch.start, .end = stretch.end};
+    }
+
+    /// Where the left term is to hold, for one occurrence of a word.
+    Stretch windowAround(const Call& call, Range hit) {
+        const auto back = [&] { return steps_.back(hit.location, call.start, call.distance); };
+        const auto forward = [&] { return steps_.forward(hit.end(), call.end, call.distance); };
+        switch (call.op) {
+            case QueryOperator::Near:
+                return {back(), forward()};
+            case QueryOperator::After:
+                return {hit.location, forward()};
+            default:
+                return {back(), hit.end()};
+        }
+    }
+
+    /// Whether a term that holds on a part of a stretch holds on all of it; see below.
+    bool shrinks(std::size_t node) const { return shrinks_[node]; }
+    bool isRun(std::size_t node) const { return isRun_[node]; }
+
+private:
     /// A call that waits for the answer to another one.
     struct Frame {
         Call call;
@@ -119,7 +165,7 @@ private:
                 ++frame.child;
                 continue;
             }
-            answer = enter(callOfChild(frame));
+            answer = enter(callOfChild(frame.call, frame.child));
             if (!answer) return std::nullopt;  // and the frame may have moved
             join(frame, *answer);
         }
@@ -155,18 +201,6 @@ private:
         ++frame.child;
     }
 
-    Call callOfChild(const Frame& frame) const {
-        Call call = frame.call;
-        call.node = childIndex(frame, frame.child);
-        const QueryNode& child = tree_.nodes[call.node];
-        if (frame.child > 0 && isProximityOperator(child.op) && child.distance != 0) {
-            call.left = childIndex(frame, frame.child - 1);
-            call.op = child.op;
-            call.distance = child.distance;
-        }
-        return call;
-    }
-
     // Proximity: a word, and the left term in the windows around its occurrences. If the
     // word is negated, the left term must hold in a gap between the windows.
 
@@ -196,10 +230,6 @@ private:
             if (*answer) return finishProximity(true);
         }
         return finishProximity(frame.known);
-    }
-
-    static Call callOfLeft(const Call& call, Stretch stretch) {
-        return {.node = call.left, .start = stretch.start, .end = stretch.end};
     }
 
     /// The next stretch in which the left term, if it holds there, decides. All before it have
@@ -264,19 +294,6 @@ private:
         return finish(value);
     }
 
-    Stretch windowAround(const Call& call, Range hit) {
-        const auto back = [&] { return steps_.back(hit.location, call.start, call.distance); };
-        const auto forward = [&] { return steps_.forward(hit.end(), call.end, call.distance); };
-        switch (call.op) {
-            case QueryOperator::Near:
-                return {back(), forward()};
-            case QueryOperator::After:
-                return {hit.location, forward()};
-            default:
-                return {back(), hit.end()};
-        }
-    }
-
     // What keeps the time polynomial. A left term is asked on one window for each occurrence
     // of a word, and its own left terms on windows inside each of these: from level to level
     // the number of questions would multiply. But how many different windows there are does
@@ -284,22 +301,23 @@ private:
     // words off it, and the answer depends on nothing but node and window.
 
     struct Key {
-        std::size_t node;
+        std::size_t node, left;
         std::uint64_t start, end;
         friend bool operator==(const Key&, const Key&) = default;
     };
     struct KeyHash {
         std::size_t operator()(const Key& key) const {
             constexpr std::uint64_t Odd = 0x9E3779B97F4A7C15;
-            std::uint64_t h = key.node;
+            std::uint64_t h = key.node ^ key.left << 32;
             for (std::uint64_t part : {key.start, key.end}) h = (h ^ (h >> 29) ^ part) * Odd;
             return h ^ (h >> 32);
         }
     };
 
-    static Key keyOf(const Call& call) { return {call.node, call.start, call.end}; }
+    static Key keyOf(const Call& call) { return {call.node, call.left, call.start, call.end}; }
     bool isRemembered(const Call& call) const {
-        return Remembers && call.left == NoNode && tree_.nodes[call.node].hasProximity;
+        const bool isWorthIt = call.left == NoNode && tree_.nodes[call.node].hasProximity;
+        return Remembers && (keepsAll_ || isWorthIt);
     }
 
     // A left term without negations that does not hold on a stretch holds on no part of it.
@@ -326,6 +344,7 @@ private:
     const std::uint64_t textEnd_;
     WordSteps steps_;
     Finder& finder_;
+    const bool keepsAll_;
     std::vector<bool> isRun_;             // by node: see the finder
     std::vector<bool> shrinks_;           // by node: may hold on less when it gets shorter only
     std::vector<ProximityMemory> near_;   // by node

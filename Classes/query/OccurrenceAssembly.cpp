@@ -5,6 +5,7 @@
 
 #include <velmocore/words/Ellipsizing.h>
 
+#include "platform/Surrogates.h"
 #include "query/OccurrenceSearch.h"
 
 namespace velmo {
@@ -13,10 +14,11 @@ namespace {
 class Assembly {
 public:
     Assembly(std::u16string_view text, const AssemblyOptions& options)
-        : units_(text, options.paragraphs),
+        : units_(text, options),
           options_(options),
           separator_(options.separator.isAbsent() ? std::u16string_view(u" ")
                                                   : options.separator.view()),
+          gapSeparator_(options.gapSeparator.isAbsent() ? separator_ : options.gapSeparator.view()),
           limit_(options.ellipsizeAfterNCharacters) {}
 
     /// The summary; absent if there is nothing in it.
@@ -31,13 +33,20 @@ public:
     }
 
 private:
+    struct Excerpt {
+        std::uint64_t start, end;
+        bool bare;           // nothing but the hit
+        std::uint64_t next;  // where the sentence ends
+    };
+
     /// Where the search goes on; NotFound if the summary is full.
     std::uint64_t addWordToAssembly(Range hit) {
         const Excerpt excerpt = excerptAround(hit);
         const bool says = excerpt.start < excerpt.end && (!excerpt.bare || options_.singleWords);
         if (!says || !seen_.insert(viewOf(excerpt.start, excerpt.end)).second) return excerpt.next;
-        if (!isEmpty_) out_.append(separator_);
+        if (!isEmpty_) out_.append(touchesLast(excerpt) ? separator_ : gapSeparator_);
         isEmpty_ = false;
+        lastEnd_ = excerpt.end;
         if (limit_ == 0 || out_.length() + (excerpt.end - excerpt.start) <= limit_) {
             out_.append(viewOf(excerpt.start, excerpt.end));
             const bool isFull = limit_ && out_.length() + separator_.size() >= limit_;
@@ -47,13 +56,14 @@ private:
         return NotFound;
     }
 
-    struct Excerpt {
-        std::uint64_t start, end;
-        bool bare;           // nothing but the hit
-        std::uint64_t next;  // where the sentence ends
-    };
+    /// Whether no word stands between an excerpt and the one before it.
+    bool touchesLast(const Excerpt& excerpt) const {
+        for (std::uint64_t i = lastEnd_; i < excerpt.start; ++i)
+            if (units_.isTerm(i)) return false;
+        return true;
+    }
 
-    /// The sentence of a hit, without what stands before its first and behind its last term
+    /// The sentence of a hit, without what stands before its first and after its last term
     /// unit.
     Excerpt excerptAround(Range hit) const {
         Excerpt excerpt{hit.location, hit.end(), true, hit.end()};
@@ -71,14 +81,23 @@ private:
     void addPart(const Excerpt& excerpt, std::uint64_t hitEnd) {
         const std::uint64_t room = limit_ - out_.length();
         if (excerpt.start + room >= hitEnd) {
-            out_.append(viewOf(excerpt.start, excerpt.start + room));
+            out_.append(viewOf(excerpt.start, whole(excerpt.start + room)));
         } else {
-            std::uint64_t start = hitEnd - room;
+            std::uint64_t start = whole(hitEnd - room);
             if (units_.isTerm(start))
                 while (start > 0 && units_.isTerm(start - 1)) --start;
             out_.append(viewOf(start, hitEnd));
         }
         out_.append(u"...");
+    }
+
+    /// A position to cut at, or the one before it where it would cut a pair.
+    std::uint64_t whole(std::uint64_t position) const {
+        const std::u16string_view text = units_.text;
+        const bool cutsPair = options_.keepsPairs && position > 0 && position < text.size() &&
+                              detail::isHighSurrogate(text[position - 1]) &&
+                              detail::isLowSurrogate(text[position]);
+        return position - cutsPair;
     }
 
     std::u16string_view viewOf(std::uint64_t start, std::uint64_t end) const {
@@ -87,9 +106,10 @@ private:
 
     const detail::ExcerptUnits units_;
     const AssemblyOptions& options_;
-    const std::u16string_view separator_;
+    const std::u16string_view separator_, gapSeparator_;
     const std::uint64_t limit_;
     bool isEmpty_ = true;
+    std::uint64_t lastEnd_ = 0;  // of the excerpt before
     StringBuilder out_;
     std::unordered_set<std::u16string_view> seen_;
 };
@@ -116,6 +136,18 @@ String assembleOccurrencesOfWildcards(const String& text, std::span<const String
         return detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters);
     };
     return assemble(text, !wildcards.empty(), makeHits, options);
+}
+
+String assembleOccurrencesOfHits(const String& text, std::span<const Range> hits,
+                                 const AssemblyOptions& options) {
+    return assemble(
+        text, !hits.empty(), [&] { return detail::KnownHits(hits); }, options);
+}
+
+String assembleOccurrencesOfQueryTerms(const String& text, const QueryTerms& terms,
+                                       const AssemblyOptions& options) {
+    return assembleOccurrencesOfHits(text, detail::hitsOf(text, terms, options.comparison),
+                                     options);
 }
 
 String assembleOccurrencesOfString(const String& text, std::u16string_view sought,

@@ -42,7 +42,7 @@ private:
 class Records {
 public:
     Records(std::u16string_view text, const OccurrenceOptions& options)
-        : units_(text, options.paragraphs), minWords_(options.minEnclosingWords) {}
+        : units_(text, options), minWords_(options.minEnclosingWords) {}
 
     template <class Hits>
     std::vector<Occurrence> of(Hits&& hits) {
@@ -73,7 +73,7 @@ private:
         }
     }
 
-    /// Where it stops: at a boundary, or behind one at the end of a word, once there are
+    /// Where it stops: at a boundary, or after one at the end of a word, once there are
     /// enough words.
     std::uint64_t growForward(Side& side) const {
         std::uint64_t i = side.edge();
@@ -121,6 +121,17 @@ std::vector<Occurrence> getOccurrencesOfWildcards(std::u16string_view text,
     if (text.empty() || wildcards.empty()) return {};
     return Records(text, options)
         .of(detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters));
+}
+
+std::vector<Occurrence> getOccurrencesOfHits(std::u16string_view text, std::span<const Range> hits,
+                                             const OccurrenceOptions& options) {
+    return Records(text, options).of(detail::KnownHits(hits));
+}
+
+std::vector<Occurrence> getOccurrencesOfQueryTerms(std::u16string_view text,
+                                                   const QueryTerms& terms,
+                                                   const OccurrenceOptions& options) {
+    return getOccurrencesOfHits(text, detail::hitsOf(text, terms, options.comparison), options);
 }
 
 std::vector<Occurrence> getOccurrencesOfString(std::u16string_view text, std::u16string_view sought,

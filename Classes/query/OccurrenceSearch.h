@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/query/QueryEvaluation.h>
+#include <velmocore/query/QueryHits.h>
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/words/Separators.h>
 
@@ -56,17 +58,51 @@ private:
     Case letterCase_;
 };
 
+/// Gives hits that are known already.
+class KnownHits {
+public:
+    explicit KnownHits(std::span<const Range> hits) : hits_(hits) {}
+
+    Range next(std::uint64_t from) {
+        while (!hits_.empty() && hits_.front().location < from) hits_ = hits_.subspan(1);
+        return hits_.empty() ? Range::none() : hits_.front();
+    }
+
+private:
+    std::span<const Range> hits_;
+};
+
+/// What made a query true.
+inline std::vector<Range> hitsOf(std::u16string_view text, const QueryTerms& terms,
+                                 WildcardComparison comparison) {
+    return terms.hasWildcards() ? hitsOfQueryTerms(text, terms, comparison)
+                                : hitsOfQueryTerms(text, terms, letterCaseOf(comparison));
+}
+
 /// A text as excerpts see it.
 struct ExcerptUnits {
     std::u16string_view text;
     const CharacterSetRep& boundaries;
     const CharacterSetRep& terms = queryTermCharacters();
 
-    ExcerptUnits(std::u16string_view units, bool paragraphs)
-        : text(units),
-          boundaries(paragraphs ? defaultLineSeparators() : defaultSentenceSeparators()) {}
+    bool isStrict;
+    const CharacterSetRep& white = whiteCharacterSetRep();
 
-    bool isBoundary(std::uint64_t i) const { return boundaries.contains(text[i]); }
+    template <class Options>
+    ExcerptUnits(std::u16string_view units, const Options& options)
+        : text(units),
+          boundaries(options.paragraphs ? defaultLineSeparators() : defaultSentenceSeparators()),
+          isStrict(options.strictSentenceEnds && !options.paragraphs) {}
+
+    bool isBoundary(std::uint64_t i) const {
+        return boundaries.contains(text[i]) && !(isStrict && isInside(i));
+    }
+    /// Whether a unit that ends sentences does not, as it stands inside of something.
+    bool isInside(std::uint64_t i) const {
+        const char16_t unit = text[i];
+        const bool isMark = unit == u'.' || unit == u'!' || unit == u'?';
+        return isMark && i + 1 < text.size() && !white.contains(text[i + 1]);
+    }
     bool isTerm(std::uint64_t i) const { return terms.contains(text[i]); }
 };
 

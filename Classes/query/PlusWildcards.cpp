@@ -52,14 +52,12 @@ private:
 
     String addWord(const QueryNode& node) {
         const String text(tree_.wordOf(node));
-        bool hyphenated = false;
-        const std::vector<String> words =
-            wordsUsingWildcardSeparation(text, node.phrase ? nullptr : &hyphenated);
+        const auto [words, hyphenated] = separatedWildcardWords(text);
         if (words.empty()) return {};
         if (!extended_) found_.push_back(text);
         String value = words.size() == 1 ? words.front() : joinedWords(words, u" ");
         found_.push_back(value);
-        if (hyphenated) found_.push_back(value = joinedWords(words, u""));
+        if (hyphenated && !node.phrase) found_.push_back(value = joinedWords(words, u""));
         return value;
     }
 

@@ -1,121 +1,19 @@
 #include <velmocore/query/QueryEvaluation.h>
 
-#include <algorithm>
 #include <atomic>
-#include <memory>
-#include <unordered_map>
 
 #include "query/EvaluationCore.h"
 #include "query/PositiveWords.h"
-#include "query/WildcardTerm.h"
-#include "query/WordOccurrences.h"
+#include "query/QueryWords.h"
 
 namespace velmo {
 namespace {
 
-using detail::QueryNode;
+using detail::PlainWords;
 using detail::QueryTree;
+using detail::WildcardWords;
 
 std::atomic<const CharacterSetRep*> currentTermCharacters = nullptr;
-
-/// For each word node the first one with the same word and mark: what is known of the one
-/// holds for the other. Empty if nothing is to be known.
-std::vector<std::size_t> firstOfSameWords(const QueryTree& tree, bool keeps) {
-    std::vector<std::size_t> firsts;
-    if (!keeps) return firsts;
-    std::unordered_map<std::u16string_view, std::size_t> seen[2];  // without and with the mark
-    firsts.reserve(tree.nodes.size());
-    for (const QueryNode& node : tree.nodes)
-        firsts.push_back(
-            seen[node.substring].try_emplace(tree.wordOf(node), firsts.size()).first->second);
-    return firsts;
-}
-
-/// Finds the words of a tree as they are written.
-class PlainWords {
-public:
-    /// If the words are asked for over and over, as proximity does, their places are kept.
-    PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, bool keeps)
-        : tree_(tree),
-          text_(text),
-          letterCase_(letterCase),
-          firsts_(firstOfSameWords(tree, keeps)),
-          occurrences_(firsts_.size()) {}
-
-    Range find(std::size_t index, std::uint64_t start, std::uint64_t end) {
-        const QueryNode& node = tree_.nodes[index];
-        const std::u16string_view word = tree_.wordOf(node);
-        if (word.empty()) return Range::none();
-        if (word.front() == u'*') return {start, word.size()};
-        const detail::SoughtWord sought{text_, word, letterCase_, !node.substring, termCharacters_};
-        const std::uint64_t found = occurrences_.empty()
-                                        ? detail::scanForWord(sought, start, end)
-                                        : occurrences_[firsts_[index]].find(sought, start, end);
-        return found == NotFound ? Range::none() : Range{found, word.size()};
-    }
-
-    bool isOneRun(std::size_t index) const {
-        const QueryNode& node = tree_.nodes[index];
-        const std::u16string_view word = tree_.wordOf(node);
-        return !node.substring && !word.empty() && word.front() != u'*' &&
-               std::ranges::all_of(word, [&](char16_t u) { return termCharacters_.contains(u); });
-    }
-
-    bool cutsRuns(std::size_t index) const {
-        const QueryNode& node = tree_.nodes[index];
-        const std::u16string_view word = tree_.wordOf(node);
-        return node.substring || word.empty() || word.front() == u'*';
-    }
-
-    const CharacterSetRep& termCharacters() const { return termCharacters_; }
-
-private:
-    const QueryTree& tree_;
-    std::u16string_view text_;
-    Case letterCase_;
-    const CharacterSetRep& termCharacters_ = queryTermCharacters();
-    std::vector<std::size_t> firsts_;
-    std::vector<detail::WordOccurrences> occurrences_;  // by node
-};
-
-/// Finds the words of a tree as wildcards.
-class WildcardWords {
-public:
-    WildcardWords(const QueryTree& tree, std::u16string_view text, WildcardComparison comparison,
-                  bool keeps)
-        : tree_(tree),
-          text_{text, queryTermCharacters()},
-          comparison_(comparison),
-          firsts_(firstOfSameWords(tree, keeps)),
-          occurrences_(firsts_.size()) {}
-
-    Range find(std::size_t index, std::uint64_t start, std::uint64_t end) {
-        if (!occurrences_.empty()) return occurrencesOf(index).find(start, end);
-        if (start >= end) return Range::none();
-        const detail::WildcardTerm term(tree_.wordOf(tree_.nodes[index]), comparison_, 1);
-        return term.find(text_, start, end, {.acceptStar = true});
-    }
-
-    bool isOneRun(std::size_t index) { return occurrencesOf(index).isOneRun(); }
-    bool cutsRuns(std::size_t) const { return false; }
-
-    const CharacterSetRep& termCharacters() const { return text_.termCharacters; }
-
-private:
-    detail::WildcardOccurrences& occurrencesOf(std::size_t index) {
-        auto& occurrences = occurrences_[firsts_[index]];
-        if (!occurrences)
-            occurrences = std::make_unique<detail::WildcardOccurrences>(
-                text_, tree_.wordOf(tree_.nodes[index]), comparison_, 1, true);
-        return *occurrences;
-    }
-
-    const QueryTree& tree_;
-    detail::WordText text_;
-    WildcardComparison comparison_;
-    std::vector<std::size_t> firsts_;
-    std::vector<std::unique_ptr<detail::WildcardOccurrences>> occurrences_;  // by node
-};
 
 template <class Words>
 bool matches(const QueryTree& tree, std::size_t top, std::u16string_view text, Words words) {
@@ -158,6 +56,16 @@ bool QueryTerms::containsString(std::u16string_view text, Case letterCase) const
 bool QueryTerms::containsString(std::u16string_view text, WildcardComparison comparison) const {
     if (isAbsent() || text.empty()) return false;
     return contains(*tree_, index_, text, WildcardWords(*tree_, text, comparison, false));
+}
+
+bool QueryTerms::matchesString(std::u16string_view text) const {
+    return hasWildcards() ? matchesString(text, DefaultComparison)
+                          : matchesString(text, DefaultCase);
+}
+
+bool QueryTerms::containsString(std::u16string_view text) const {
+    return hasWildcards() ? containsString(text, DefaultComparison)
+                          : containsString(text, DefaultCase);
 }
 
 }  // namespace velmo

@@ -25,7 +25,7 @@ constexpr OperatorWord OperatorWords[] = {
 bool is(std::u16string_view part, const OperatorWord& row) {
     const std::size_t length = row.word.size();
     if (part.size() != length) {
-        // A distance needs the / and at least one unit behind it.
+        // A distance needs the / and at least one unit after it.
         if (!row.takesDistance || part.size() < length + 2 || part[length] != u'/') return false;
         part = part.substr(0, length);
     }

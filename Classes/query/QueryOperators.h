@@ -9,7 +9,7 @@
 
 namespace velmo::detail {
 
-/// A word, in capitals, that is an operator and no term.
+/// A word, in upper case, that is an operator and no term.
 struct OperatorWord {
     std::string_view word;
     QueryOperator op;            // None for NOT, which negates the next term
@@ -20,7 +20,7 @@ struct OperatorWord {
 std::span<const OperatorWord> operatorWords();
 
 /// The operator that a part of a query is, without regard to case, or null. The part may
-/// hold a distance behind the word.
+/// hold a distance after the word.
 const OperatorWord* operatorWordOf(std::u16string_view part);
 
 }  // namespace velmo::detail

@@ -58,6 +58,7 @@ public:
     }
 
     QueryTree parse(const QueryTermFields& fields) {
+        tree_.wildcard = options_.wildcard;
         groups_.push_back({fields, query_.size(), 0, QueryOperator::None});
         for (;;) {
             if (index_ < groups_.back().end) {
@@ -81,7 +82,11 @@ private:
         QueryOperator common;
     };
 
-    void reset() { next_ = {options_.defaultOperator, options_.defaultDistance, false, false}; }
+    void reset() {
+        const QueryOperator op = options_.defaultOperator;
+        next_ = {op == QueryOperator::None ? QueryOperator::And : op, options_.defaultDistance,
+                 false, false};
+    }
 
     /// Ends the part before the present unit: a term, which uses up what was set for it, an
     /// operator word, or nothing.
@@ -91,7 +96,7 @@ private:
 
     void goOnAt(std::size_t index) { partStart_ = index_ = index; }
 
-    /// The position behind the next unit of a kind, or the end of the group.
+    /// The position after the next unit of a kind, or the end of the group.
     template <class Test>
     std::size_t skipPast(std::size_t from, Test test) const {
         const std::size_t end = groups_.back().end;

@@ -117,9 +117,7 @@ private:
         const auto row = std::ranges::find(ProximityRows, op, &ProximityRow::op);
         if (row != std::end(ProximityRows) && has(row->flag)) {
             writeOperator(row->word, u" ");
-            const auto distance = static_cast<std::int32_t>(child.distance);
-            const std::string digits = fmt::format("/{} ", distance);
-            out_.append(digits.begin(), digits.end());
+            writeDistance(child, op);
         } else if (op == QueryOperator::Opt) {
             writeOperator("OPT", u" ", u" ");
         } else if (op == QueryOperator::Xor && has(RenderXor)) {
@@ -130,6 +128,15 @@ private:
             writeAnd(child, group);
         }
         return true;
+    }
+
+    void writeDistance(const QueryNode& child, QueryOperator op) {
+        std::string digits = " ";
+        if (!has(RenderWholeDistances))
+            digits = fmt::format("/{} ", static_cast<std::int32_t>(child.distance));
+        else if (op == QueryOperator::Near || child.distance != UnboundedDistance)
+            digits = fmt::format("/{} ", static_cast<std::int64_t>(child.distance));
+        out_.append(digits.begin(), digits.end());
     }
 
     void writeOr() {
@@ -212,6 +219,9 @@ std::vector<String> QueryTerms::queryTermsForOperators(std::uint64_t flags,
 
 String QueryTerms::standardizedQueryTerm() const { return rendering(*this, StandardizedFlags); }
 String QueryTerms::normalizedQueryTerm() const { return rendering(*this, NormalizedFlags); }
+String QueryTerms::parsableDescription() const {
+    return rendering(*this, DescriptionFlags | RenderWholeDistances);
+}
 String QueryTerms::description() const { return rendering(*this, DescriptionFlags); }
 
 }  // namespace velmo

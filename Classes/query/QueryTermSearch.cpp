@@ -62,10 +62,10 @@ Nearest nearestTerm(std::span<const String> terms, std::u16string_view text, Ran
     return best;
 }
 
-Range nearestTerm(std::vector<String>* terms, std::u16string_view text, Range range, Way way,
+Range nearestTerm(std::vector<String>& terms, std::u16string_view text, Range range, Way way,
                   const TermSearchOptions& options) {
-    const Nearest best = nearestTerm(*terms, text, range, way, options);
-    terms->erase(terms->begin(), terms->begin() + static_cast<std::ptrdiff_t>(best.missed));
+    const Nearest best = nearestTerm(std::span<const String>(terms), text, range, way, options);
+    terms.erase(terms.begin(), terms.begin() + static_cast<std::ptrdiff_t>(best.missed));
     return best.range;
 }
 
@@ -81,13 +81,13 @@ Range findPreviousQueryTerm(std::span<const String> terms, std::u16string_view t
     return nearestTerm(terms, text, range, Way{Direction::Backward}, options).range;
 }
 
-Range findNextQueryTerm(std::vector<String>* terms, std::u16string_view text, Range range,
-                        const TermSearchOptions& options) {
+Range findNextMutableQueryTerm(std::vector<String>& terms, std::u16string_view text, Range range,
+                               const TermSearchOptions& options) {
     return nearestTerm(terms, text, range, Way{Direction::Forward}, options);
 }
 
-Range findPreviousQueryTerm(std::vector<String>* terms, std::u16string_view text, Range range,
-                            const TermSearchOptions& options) {
+Range findPreviousMutableQueryTerm(std::vector<String>& terms, std::u16string_view text,
+                                   Range range, const TermSearchOptions& options) {
     return nearestTerm(terms, text, range, Way{Direction::Backward}, options);
 }
 

@@ -54,6 +54,7 @@ const QueryNode& QueryTerms::node() const noexcept {
 
 bool QueryTerms::isValid() const noexcept { return node().isWord || node().count > 0; }
 bool QueryTerms::isWord() const noexcept { return node().isWord; }
+bool QueryTerms::hasWildcards() const noexcept { return tree_ && tree_->wildcard; }
 QueryOperator QueryTerms::queryOperator() const noexcept { return node().op; }
 QueryOperator QueryTerms::commonOperator() const noexcept { return node().common; }
 std::size_t QueryTerms::proximityDistance() const noexcept { return node().distance; }

@@ -30,7 +30,8 @@ struct QueryNode {
 struct QueryTree {
     std::vector<QueryNode> nodes;       // the top node is the last
     std::vector<std::size_t> children;  // indexes of nodes, group by group
-    std::u16string text;                // of all words, one behind the other
+    bool wildcard = false;              // the words are patterns
+    std::u16string text;                // of all words, one after the other
 
     std::u16string_view wordOf(const QueryNode& node) const {
         return node.isWord ? std::u16string_view(text).substr(node.first, node.count)

@@ -3,14 +3,14 @@
 // An element takes one unit of the string. Nearly always it then leads to one place in the
 // wildcard, the next element, whatever the unit was. Under this condition the first place at
 // which the elements between two stars fit is as good as any: it leaves the most of the
-// string for the rest, and the star behind them takes whatever lies between. So a mismatch
+// string for the rest, and the star after them takes whatever lies between. So a mismatch
 // goes back to the last star only, never to one before it, and all stars together cost no
-// more than one pass of the elements over the string. What stands behind the last star takes
+// more than one pass of the elements over the string. What stands after the last star takes
 // as many units as it has elements, so that starting it later cannot help once the string is
 // used up.
 //
 // The exception is a range whose upper end is the bracket that seems to close its set, as in
-// [a-]b]: the set runs on behind that bracket, but a member before it that holds ends the
+// [a-]b]: the set runs on after that bracket, but a member before it that holds ends the
 // set there. Where the match goes on then depends on the unit, and another way through an
 // earlier star may be the only one that fits. Such wildcards are run as an automaton.
 #pragma once
@@ -24,7 +24,7 @@ namespace velmo::detail {
 
 inline constexpr std::size_t NoStep = static_cast<std::size_t>(-1);
 
-/// The position behind the next ], or the end.
+/// The position after the next ], or the end.
 inline std::size_t behindBracket(std::u16string_view wildcard, std::size_t position) {
     const std::size_t bracket = wildcard.find(u']', position);
     return bracket == wildcard.npos ? wildcard.size() : bracket + 1;
@@ -139,7 +139,7 @@ private:
 
     std::size_t end() const { return wildcard_.size(); }
 
-    /// Marks a position and, as a star may take nothing, those behind it.
+    /// Marks a position and, as a star may take nothing, those after it.
     void reach(std::size_t at) {
         while (!reached_[at]) {
             reached_[at] = true;

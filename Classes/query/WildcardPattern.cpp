@@ -160,8 +160,7 @@ private:
         Range result = Range::none();
         const std::u16string_view stretch = text.units.substr(from, end - from);
         forEachRun(stretch, text.termCharacters, [&](const Run& run) {
-            // For this scan it is the term units that are members of the set.
-            if (run.isSeparators && mayMatch(stretch, run))
+            if (run.isMember && mayMatch(stretch, run))
                 result = test.at(from + run.start, from + run.end, Direction::Forward);
             return !result.isFound();
         });

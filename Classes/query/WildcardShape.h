@@ -14,10 +14,10 @@ struct WildcardShape {
     std::size_t length;  ///< of the compacted wildcard, in units
 };
 
-/// See optimizeWildcard(). What is behind the new length is left over.
+/// See optimizeWildcard(). What is after the new length is left over.
 WildcardShape shapeWildcard(char16_t* wildcard, std::size_t length, std::uint64_t minCharacters);
 
-/// The position behind the element that begins at one. A set ends at its ], or at the end.
+/// The position after the element that begins at one. A set ends at its ], or at the end.
 std::size_t behindElement(std::u16string_view wildcard, std::size_t position);
 
 }  // namespace velmo::detail

@@ -4,16 +4,17 @@
 
 namespace velmo::detail {
 
-WildcardTerm::Parts::Parts(std::u16string_view wildcard) {
-    if (wildcard.size() >= 3 && numberOfWordsUsingWildcardSeparation(wildcard) >= 2)
-        words = wordsUsingWildcardSeparation(String(wildcard), &hyphenated);
+/// The words of a wildcard; none if there are fewer than two.
+static SeparatedWords partsOf(std::u16string_view wildcard) {
+    if (wildcard.size() < 3 || numberOfWordsUsingWildcardSeparation(wildcard) < 2) return {};
+    return separatedWildcardWords(String(wildcard));
 }
 
 WildcardTerm::WildcardTerm(std::u16string_view wildcard, WildcardComparison comparison,
                            std::uint64_t minCharacters)
-    : WildcardTerm(wildcard, Parts(wildcard), comparison, minCharacters) {}
+    : WildcardTerm(wildcard, partsOf(wildcard), comparison, minCharacters) {}
 
-WildcardTerm::WildcardTerm(std::u16string_view wildcard, const Parts& parts,
+WildcardTerm::WildcardTerm(std::u16string_view wildcard, const SeparatedWords& parts,
                            WildcardComparison comparison, std::uint64_t minCharacters)
     : words_(parts.words.empty() ? WildcardSequence(wildcard, comparison, minCharacters)
                                  : WildcardSequence(parts.words, comparison, minCharacters)) {

@@ -38,15 +38,8 @@ public:
     bool hasLoneStar() const { return words_.isLoneStar() || (joined_ && joined_->isLoneStar()); }
 
 private:
-    /// The words of a wildcard; none if there are fewer than two.
-    struct Parts {
-        explicit Parts(std::u16string_view wildcard);
-        std::vector<String> words;
-        bool hyphenated = false;
-    };
-
-    WildcardTerm(std::u16string_view wildcard, const Parts& parts, WildcardComparison comparison,
-                 std::uint64_t minCharacters);
+    WildcardTerm(std::u16string_view wildcard, const SeparatedWords& parts,
+                 WildcardComparison comparison, std::uint64_t minCharacters);
 
     WildcardSequence words_;
     std::optional<WildcardSequence> joined_;
@@ -67,6 +60,8 @@ public:
 
     /// Whether it matches single runs of term units, told by nothing but their units.
     bool isOneRun() const;
+    /// Whether it is, or may stand for, a lone star.
+    bool hasLoneStar() const { return term_.hasLoneStar(); }
 
 private:
     WordText text_;

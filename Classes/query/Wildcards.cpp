@@ -143,9 +143,12 @@ const CharacterSetRep& defaultWildcardSeparators() {
     return set;
 }
 
-std::vector<String> wordsUsingWildcardSeparation(const String& text, bool* hyphenated) {
-    return wordsUsingSeparators(
-        text, {.separators = &defaultWildcardSeparators(), .wildcard = true}, hyphenated);
+std::vector<String> wordsUsingWildcardSeparation(const String& text) {
+    return separatedWildcardWords(text).words;
+}
+
+SeparatedWords separatedWildcardWords(const String& text) {
+    return separatedWords(text, {.separators = &defaultWildcardSeparators(), .wildcard = true});
 }
 
 std::size_t numberOfWordsUsingWildcardSeparation(std::u16string_view text) {

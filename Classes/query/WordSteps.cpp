@@ -30,8 +30,7 @@ std::uint64_t wordsBack(std::u16string_view text, const CharacterSetRep& termCha
 void WordSteps::listWords() {
     if (isListed_) return;
     forEachRun(text_, termCharacters_, [&](const Run& run) {
-        // For this scan it is the term units that are members of the set.
-        if (run.isSeparators) {
+        if (run.isMember) {
             starts_.push_back(run.start);
             ends_.push_back(run.end);
         }

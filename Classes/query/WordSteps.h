@@ -10,7 +10,7 @@
 
 namespace velmo::detail {
 
-/// Behind the n-th word that ends behind the position, a word being a run of term units; end
+/// Behind the n-th word that ends after the position, a word being a run of term units; end
 /// if it lies further on.
 std::uint64_t wordsForward(std::u16string_view text, const CharacterSetRep& termCharacters,
                            std::uint64_t position, std::uint64_t end, std::uint64_t n);

@@ -76,14 +76,12 @@ std::optional<Data> dataUsingEncoding(const String& string, StringEncoding encod
     return detail::encode(textEncodingOf(encoding), string, lossy);
 }
 
-int convertUTF8ToUnicode(Bytes source, std::span<char16_t> destination, std::size_t* outCount) {
+Conversion convertUTF8ToUnicode(Bytes source, std::span<char16_t> destination) {
     const detail::Decoding result = detail::decode(UTF8TextEncoding, source, destination);
-    if (outCount) *outCount = result.written;
-    return result.complete ? 0 : ConverterOutputBufferFull;
+    return {result.complete ? 0 : ConverterOutputBufferFull, result.written};
 }
 
-int convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> destination,
-                         std::size_t* outCount) {
+Conversion convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> destination) {
     // As many units go at once as surely fit, at three bytes each; near the end of the room
     // it is one character after the other.
     std::size_t written = 0;
@@ -107,17 +105,14 @@ int convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> des
         }
         source.remove_prefix(count);
     }
-    if (outCount) *outCount = written;
-    return status;
+    return {status, written};
 }
 
-int convertEncodingToUnicode(Bytes source, TextEncoding encoding, std::span<char16_t> destination,
-                             std::size_t& outCount) {
-    outCount = 0;
-    if (!isEncodingAvailable(encoding)) return ConverterUnsupportedEncoding;
+Conversion convertEncodingToUnicode(Bytes source, TextEncoding encoding,
+                                    std::span<char16_t> destination) {
+    if (!isEncodingAvailable(encoding)) return {ConverterUnsupportedEncoding, 0};
     const detail::Decoding result = detail::decode(encoding, source, destination);
-    outCount = result.written;
-    return result.complete ? 1 : 0;
+    return {result.complete ? 1 : 0, result.written};
 }
 
 }  // namespace velmo

@@ -22,7 +22,7 @@ public:
     T* data() noexcept { return heap_ ? heap_.get() : inline_.data(); }
     const T* data() const noexcept { return heap_ ? heap_.get() : inline_.data(); }
     std::size_t size() const noexcept { return size_; }
-    /// Drops what is behind the given length.
+    /// Drops what is after the given length.
     void truncate(std::size_t size) noexcept { size_ = size; }
     T& operator[](std::size_t index) noexcept { return data()[index]; }
     const T& operator[](std::size_t index) const noexcept { return data()[index]; }

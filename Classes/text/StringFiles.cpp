@@ -29,9 +29,9 @@ StringEncoding detectedEncoding(Bytes bytes) {
     return UTF8StringEncoding;
 }
 
-StringEncoding told(StringEncoding encoding, StringEncoding* usedEncoding) {
-    if (usedEncoding) *usedEncoding = encoding;
-    return encoding;
+FileWriting writtenIn(StringEncoding encoding, const String& string, const Path& path,
+                      bool atomically) {
+    return {writeToFile(string, path, atomically, encoding), encoding};
 }
 
 }  // namespace
@@ -57,42 +57,37 @@ String stringWithNullTerminatedCString(const char* cString, StringEncoding encod
     return stringWithBytes(cString, cString ? std::strlen(cString) : 0, encoding);
 }
 
-String stringWithContentsOfFile(const String& path, StringEncoding encoding,
-                                StringEncoding* usedEncoding) {
-    told(encoding, usedEncoding);
-    const std::optional<Data> data = path.isAbsent() ? std::nullopt : detail::readFile(path.utf8());
+FileText stringWithContentsOfFile(const Path& path, StringEncoding encoding) {
+    const std::optional<Data> data = detail::readFile(path.bytes());
     if (isUnknownEncoding(encoding)) {
-        encoding = data ? detectedEncoding(*data) : ASCIIStringEncoding;
-        String detected = data ? stringWithData(*data, encoding) : String();
-        if (!detected.isAbsent()) {
-            told(encoding, usedEncoding);
-            return detected;
-        }
-        encoding = told(ASCIIStringEncoding, usedEncoding);
+        if (!data) return {{}, ASCIIStringEncoding};
+        encoding = detectedEncoding(*data);
+        String detected = stringWithData(*data, encoding);
+        if (!detected.isAbsent()) return {detected, encoding};
+        encoding = ASCIIStringEncoding;
     }
-    return data ? stringWithData(*data, encoding) : String();
+    return {data ? stringWithData(*data, encoding) : String(), encoding};
 }
 
-bool writeToFile(const String& string, const String& path, bool atomically,
-                 StringEncoding encoding) {
+bool writeToFile(const String& string, const Path& path, bool atomically, StringEncoding encoding) {
     if (path.isAbsent()) return false;
     const std::optional<Data> data = dataUsingEncoding(string, encoding);
-    return data && detail::writeFile(path.utf8(), *data, atomically);
+    return data && detail::writeFile(path.bytes(), *data, atomically);
 }
 
-bool writeToFileUsingDefaultEncoding(const String& string, const String& path, bool atomically,
-                                     StringEncoding* usedEncoding) {
-    return writeToFile(string, path, atomically, told(defaultEncoding(), usedEncoding));
+FileWriting writeToFileUsingDefaultEncoding(const String& string, const Path& path,
+                                            bool atomically) {
+    return writtenIn(defaultEncoding(), string, path, atomically);
 }
 
-bool writeToFileUsingFastestEncoding(const String& string, const String& path, bool atomically,
-                                     StringEncoding* usedEncoding) {
-    return writeToFile(string, path, atomically, told(fastestEncoding(string), usedEncoding));
+FileWriting writeToFileUsingFastestEncoding(const String& string, const Path& path,
+                                            bool atomically) {
+    return writtenIn(fastestEncoding(string), string, path, atomically);
 }
 
-bool writeToFileUsingSmallestEncoding(const String& string, const String& path, bool atomically,
-                                      StringEncoding* usedEncoding) {
-    return writeToFile(string, path, atomically, told(smallestEncoding(string), usedEncoding));
+FileWriting writeToFileUsingSmallestEncoding(const String& string, const Path& path,
+                                             bool atomically) {
+    return writtenIn(smallestEncoding(string), string, path, atomically);
 }
 
 StringEncoding fastestEncoding(std::u16string_view) noexcept { return UTF16StringEncoding; }

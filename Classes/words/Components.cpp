@@ -19,7 +19,7 @@ void scanComponents(std::u16string_view text, const CharacterSetRep* separators,
     std::size_t start = 0;
     detail::forEachRun(text, separators ? *separators : defaultComponentSeparators(),
                        [&](const Run& run) {
-                           if (run.isSeparators) {
+                           if (run.isMember) {
                                component(start, run.start, run.end);
                                start = run.end;
                            } else if (run.end == text.size()) {
@@ -42,12 +42,11 @@ std::uint64_t parseComponents(std::u16string_view text, const CharacterSetRep* s
 
 }  // namespace
 
-std::size_t componentsOfCharacters(std::u16string_view characters,
-                                   const CharacterSetRep* separators, std::vector<Range>* ranges) {
-    if (ranges) ranges->clear();
-    return parseComponents(characters, separators, [&](Range component) {
-        if (ranges) ranges->push_back(component);
-    });
+std::vector<Range> componentsOfCharacters(std::u16string_view characters,
+                                          const CharacterSetRep* separators) {
+    std::vector<Range> ranges;
+    parseComponents(characters, separators, [&](Range component) { ranges.push_back(component); });
+    return ranges;
 }
 
 std::size_t parseComponentsWithHandler(std::u16string_view text, WordHandler handler,
@@ -77,12 +76,12 @@ std::vector<String> componentsUsingSeparators(const String& text, const Componen
 
 std::size_t numberOfComponentsUsingSeparators(std::u16string_view text,
                                               const CharacterSetRep* separators) {
-    return componentsOfCharacters(text, separators);
+    return parseComponents(text, separators, [](Range) {});
 }
 
 std::size_t numberOfComponentsInRange(std::u16string_view text, Range range,
                                       const CharacterSetRep* separators) {
-    return componentsOfCharacters(detail::unitsInRange(text, range), separators);
+    return numberOfComponentsUsingSeparators(detail::unitsInRange(text, range), separators);
 }
 
 ParagraphCount numberOfParagraphs(std::u16string_view text, Range range, std::uint64_t minLen) {

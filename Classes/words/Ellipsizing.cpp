@@ -24,7 +24,7 @@ String stringByEllipsizingAfterNWords(const String& text, std::size_t n) {
     std::uint64_t words = 0;
     std::size_t cut = 0;
     detail::forEachRun(text, defaultWordSeparators(), [&](const detail::Run& run) {
-        if (run.isSeparators) return true;
+        if (run.isMember) return true;
         if (++words == n) cut = run.end;
         return words <= n;
     });

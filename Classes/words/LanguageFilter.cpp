@@ -151,7 +151,8 @@ struct LanguageFilter::State {
     Settings current;
 };
 
-LanguageFilter::LanguageFilter(const std::string& directory, bool ignoreUmlauts, Error* error) {
+LanguageFilter::LanguageFilter(const Path& path, bool ignoreUmlauts, Error* error) {
+    const std::string& directory = path.bytes();
     std::vector<String> keys;
     std::vector<std::vector<String>> stopWords;
     for (const std::string& name : listsInDirectory(directory, error)) {
@@ -172,7 +173,8 @@ LanguageFilter::LanguageFilter(LanguageFilter&&) noexcept = default;
 LanguageFilter& LanguageFilter::operator=(LanguageFilter&&) noexcept = default;
 LanguageFilter::~LanguageFilter() = default;
 
-bool LanguageFilter::writeToDirectory(const std::string& directory) const {
+bool LanguageFilter::writeToDirectory(const Path& path) const {
+    const std::string& directory = path.bytes();
     bool all = true;
     for (std::size_t i = 0; i < state_->keys.size(); ++i) {
         std::string lines;

@@ -25,7 +25,7 @@ LanguageTally tallyOfText(std::u16string_view text, const StopWordIndex& index,
     const CharacterSetRep& letters = alphaCharacterSetRep();
     const ConversionTable& plain = lowerUmlautsCharsTable();
     forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
-        if (run.isSeparators || run.length() < minLen) return true;
+        if (run.isMember || run.length() < minLen) return true;
         const std::u16string_view word = text.substr(run.start, run.length());
         tally.all.add(word);
         if (!letters.contains(word.front()) || !letters.contains(word.back())) {

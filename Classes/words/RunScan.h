@@ -1,5 +1,6 @@
 // The scanning core of words and components: a text is a row of runs, each of units that
-// are all separators or all none. Every form (counts, ranges, strings, handlers) is a small
+// are all members of a set or all none. The set is one of separators, or of the units that
+// make up words. Every form (counts, ranges, strings, handlers) is a small
 // callable that takes these runs.
 #pragma once
 
@@ -16,11 +17,11 @@
 
 namespace velmo::detail {
 
-/// A maximal run of separators, or of units that are none.
+/// A maximal run of members, or of units that are none.
 struct Run {
     std::size_t start;
     std::size_t end;
-    bool isSeparators;
+    bool isMember;
 
     std::size_t length() const { return end - start; }
     Range range() const { return {start, end - start}; }
@@ -43,8 +44,8 @@ void forEachBlock(std::u16string_view text, const CharacterSetRep& set, Block bl
 template <class Handler>
 void forEachRun(std::u16string_view text, const CharacterSetRep& set, Handler run) {
     if (text.empty()) return;
-    bool separators = set.contains(text[0]);
-    std::uint64_t before = separators;
+    bool isMember = set.contains(text[0]);
+    std::uint64_t before = isMember;
     std::size_t start = 0;
     bool going = true;
     forEachBlock(text, set, [&](std::size_t base, std::uint64_t members, std::size_t count) {
@@ -53,13 +54,13 @@ void forEachRun(std::u16string_view text, const CharacterSetRep& set, Handler ru
         before = members >> 63;
         for (; edges && going; edges &= edges - 1) {
             const std::size_t end = base + static_cast<std::size_t>(std::countr_zero(edges));
-            going = run(Run{start, end, separators});
+            going = run(Run{start, end, isMember});
             start = end;
-            separators = !separators;
+            isMember = !isMember;
         }
         return going;
     });
-    if (going) run(Run{start, text.size(), separators});
+    if (going) run(Run{start, text.size(), isMember});
 }
 
 /// The same, but a [ that is no separator takes all up to the next ] or the end of the text
@@ -67,17 +68,17 @@ void forEachRun(std::u16string_view text, const CharacterSetRep& set, Handler ru
 template <class Handler>
 void forEachRunWithBrackets(std::u16string_view text, const CharacterSetRep& set, Handler run) {
     if (text.empty()) return;
-    bool separators = set.contains(text[0]);
+    bool isMember = set.contains(text[0]);
     std::size_t start = 0;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (set.contains(text[i]) != separators) {
-            if (!run(Run{start, i, separators})) return;
+        if (set.contains(text[i]) != isMember) {
+            if (!run(Run{start, i, isMember})) return;
             start = i;
-            separators = !separators;
+            isMember = !isMember;
         }
-        if (!separators && text[i] == u'[') i = std::min(text.find(u']', i + 1), text.size()) - 1;
+        if (!isMember && text[i] == u'[') i = std::min(text.find(u']', i + 1), text.size()) - 1;
     }
-    run(Run{start, text.size(), separators});
+    run(Run{start, text.size(), isMember});
 }
 
 /// Number of runs of units that are no separators.

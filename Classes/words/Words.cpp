@@ -34,7 +34,7 @@ template <bool WithSeparators, class Entry>
 void scanWords(std::u16string_view text, const WordOptions& options, Entry entry) {
     const std::size_t minLen = options.minLen ? options.minLen : 1;
     scanRuns(text, options, [&](const Run& run) {
-        if (run.isSeparators ? WithSeparators : run.length() >= minLen) entry(run);
+        if (run.isMember ? WithSeparators : run.length() >= minLen) entry(run);
     });
 }
 
@@ -78,21 +78,19 @@ private:
 
 }  // namespace
 
-std::size_t wordsOfCharacters(std::u16string_view characters, const WordOptions& options,
-                              std::vector<Range>* ranges) {
-    std::uint64_t count = 0;
-    if (ranges) {
-        ranges->clear();
-        scanWords(characters, options, [&](const Run& run) {
-            const std::uint64_t mark = run.isSeparators ? SeparatorMark : 0;
-            ranges->push_back({run.start, run.length() | mark});
-        });
-        count = ranges->size();
-    } else if (options.minLen <= 1 && !options.withSeparators && !options.wildcard) {
-        count = detail::countOfWordRuns(characters, setOrDefault(options.separators));
-    } else {
-        scanWords(characters, options, [&](const Run&) { ++count; });
-    }
+std::vector<Range> wordsOfCharacters(std::u16string_view characters, const WordOptions& options) {
+    std::vector<Range> ranges;
+    scanWords(characters, options, [&](const Run& run) {
+        ranges.push_back({run.start, run.length() | (run.isMember ? SeparatorMark : 0)});
+    });
+    return ranges;
+}
+
+std::size_t numberOfWordsOfCharacters(std::u16string_view characters, const WordOptions& options) {
+    if (options.minLen <= 1 && !options.withSeparators && !options.wildcard)
+        return detail::countOfWordRuns(characters, setOrDefault(options.separators));
+    std::size_t count = 0;
+    scanWords(characters, options, [&](const Run&) { ++count; });
     return count;
 }
 
@@ -109,9 +107,9 @@ std::size_t parseMutableWordsWithHandler(std::u16string_view text, MutableWordHa
     return parseWords(text, options, [&](Range word) { handler(copy, word); });
 }
 
-std::vector<String> wordsUsingSeparators(const String& text, const WordOptions& options,
-                                         bool* hyphenated) {
-    std::vector<String> words;
+SeparatedWords separatedWords(const String& text, const WordOptions& options) {
+    SeparatedWords result;
+    std::vector<String>& words = result.words;
     words.reserve(text.length() / 8);
     TermShape shape;
     const auto unitsOf = [&](const Run& run) {
@@ -119,8 +117,8 @@ std::vector<String> wordsUsingSeparators(const String& text, const WordOptions& 
     };
     const std::size_t minLen = options.minLen ? options.minLen : 1;
     scanRuns(text, options, [&](const Run& run) {
-        const bool kept = run.isSeparators ? options.withSeparators : run.length() >= minLen;
-        if (run.isSeparators) {
+        const bool kept = run.isMember ? options.withSeparators : run.length() >= minLen;
+        if (run.isMember) {
             // Where the run is one entry, only its first unit tells.
             const std::size_t looked = options.withSeparators ? 1 : run.length();
             for (char16_t unit : unitsOf(run).substr(0, looked)) shape.addSeparator(unit);
@@ -129,8 +127,12 @@ std::vector<String> wordsUsingSeparators(const String& text, const WordOptions& 
         }
         if (kept) words.push_back(text.substring(run.range()));
     });
-    if (hyphenated) *hyphenated = shape.isOneTerm();
-    return words;
+    result.hyphenated = shape.isOneTerm();
+    return result;
+}
+
+std::vector<String> wordsUsingSeparators(const String& text, const WordOptions& options) {
+    return separatedWords(text, options).words;
 }
 
 std::vector<String> wordsUsingDefaultSeparation(const String& text, std::size_t minLen) {
@@ -144,16 +146,17 @@ std::vector<String> wordsUsingWhiteSeparation(const String& text, std::size_t mi
 std::size_t numberOfWordsUsingSeparators(std::u16string_view text,
                                          const CharacterSetRep* separators, std::size_t minLen,
                                          bool wildcard) {
-    return wordsOfCharacters(text, {separators, false, minLen, wildcard});
+    return numberOfWordsOfCharacters(text, {separators, false, minLen, wildcard});
 }
 
 std::size_t numberOfWordsUsingDefaultSeparation(std::u16string_view text, std::size_t minLen) {
-    return wordsOfCharacters(text, {.minLen = minLen});
+    return numberOfWordsOfCharacters(text, {.minLen = minLen});
 }
 
 std::size_t numberOfWordsInRange(std::u16string_view text, Range range,
                                  const CharacterSetRep* separators, std::size_t minLen) {
-    return wordsOfCharacters(detail::unitsInRange(text, range), {separators, false, minLen});
+    return numberOfWordsOfCharacters(detail::unitsInRange(text, range),
+                                     {separators, false, minLen});
 }
 
 }  // namespace velmo

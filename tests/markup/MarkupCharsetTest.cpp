@@ -57,14 +57,13 @@ TEST(MarkupCharset, PagesGoBackToTheirBytes) {
         {u"<p>\u20AC &\u3042", "<p>&euro; &&#12354;", ASCIIStringEncoding},
     };
     for (const Case& c : cases) {
-        StringEncoding encoding = 0;
-        const auto bytes = markupData(c.page, &encoding);
+        const auto [bytes, encoding] = markupData(c.page);
         ASSERT_TRUE(bytes);
         EXPECT_EQ(charsOf(*bytes), c.bytes);
         EXPECT_EQ(encoding, c.encoding);
     }
-    EXPECT_EQ(markupData(String()), Data());
-    EXPECT_EQ(markupData(u"<meta charset=iso-8859-1>\u20AC"), std::nullopt);
+    EXPECT_EQ(markupData(String()).bytes, Data());
+    EXPECT_EQ(markupData(u"<meta charset=iso-8859-1>\u20AC").bytes, std::nullopt);
 }
 
 }  // namespace

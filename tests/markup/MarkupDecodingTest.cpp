@@ -128,14 +128,12 @@ class MarkupFile : public testing::Test {
 protected:
     void TearDown() override { std::filesystem::remove(path_); }
 
-    String read(std::string_view bytes, StringEncoding defaultEncoding = 4) {
+    FileText read(std::string_view bytes, StringEncoding defaultEncoding = 4) {
         std::ofstream(path_, std::ios::binary) << bytes;
-        used_ = 77;
-        return stringWithMarkupContentsOfFile(String::fromUTF8(path_), defaultEncoding, &used_);
+        return stringWithMarkupContentsOfFile(path_, defaultEncoding);
     }
 
     std::string path_ = testing::TempDir() + "velmo-page-" + std::to_string(::getpid());
-    StringEncoding used_ = 0;
 };
 
 TEST_F(MarkupFile, HasItsOwnOrderOfTrials) {
@@ -158,30 +156,32 @@ TEST_F(MarkupFile, HasItsOwnOrderOfTrials) {
         {"<html><head>" + meta("utf-16") + "a", 4, 10, u"a"},  // told, but not so read
     };
     for (const Case& c : cases) {
-        const String text = read(c.bytes, c.defaultEncoding);
-        EXPECT_EQ(used_, c.used) << c.bytes;
+        const auto [text, used] = read(c.bytes, c.defaultEncoding);
+        EXPECT_EQ(used, c.used) << c.bytes;
         ASSERT_FALSE(text.isAbsent());
         EXPECT_EQ(text.view().substr(text.view().rfind(u'>') + 1), std::u16string_view(c.tail));
     }
-    EXPECT_TRUE(read("a", 99).isAbsent());
-    EXPECT_EQ(used_, 99u);
-    StringEncoding used = 1;
-    EXPECT_TRUE(stringWithMarkupContentsOfFile(u"/none/such", 4, &used).isAbsent());
-    EXPECT_EQ(used, UnknownStringEncoding);
-    EXPECT_TRUE(stringWithMarkupContentsOfFile(String(), 4).isAbsent());
+    EXPECT_TRUE(read("a", 99).text.isAbsent());
+    EXPECT_EQ(read("a", 99).usedEncoding, 99u);
+    for (const Path& none : {Path(u"/none/such"), Path()}) {
+        EXPECT_TRUE(stringWithMarkupContentsOfFile(none, 4).text.isAbsent());
+        EXPECT_EQ(stringWithMarkupContentsOfFile(none, 4).usedEncoding, UnknownStringEncoding);
+    }
 }
 
 TEST_F(MarkupFile, PropertyListsAreGivenAsXML) {
-    const String xml = String::fromUTF8(test::readData("locations/pliststyle.webloc"));
-    EXPECT_EQ(read(test::readData("locations/oldstyle.webloc")), xml);
-    EXPECT_EQ(used_, UnknownStringEncoding);
-    EXPECT_EQ(read("bplist00 but broken"), u"bplist00 but broken");
-    EXPECT_EQ(used_, 4u);
+    const FileText list = read(test::readData("locations/oldstyle.webloc"));
+    EXPECT_EQ(list.text, String::fromUTF8(test::readData("locations/pliststyle.webloc")));
+    EXPECT_EQ(list.usedEncoding, UnknownStringEncoding);
+    const FileText broken = read("bplist00 but broken");
+    EXPECT_EQ(broken.text, u"bplist00 but broken");
+    EXPECT_EQ(broken.usedEncoding, 4u);
+    std::filesystem::remove(path_);
     path_ += ".plist";
-    std::filesystem::remove(path_.substr(0, path_.size() - 6));
-    EXPECT_TRUE(read("<plist version='1.0'><true/></plist>").view().ends_with(u">\n<true/>\n</plist>\n"));
-    EXPECT_EQ(used_, UnknownStringEncoding);
-    EXPECT_EQ(read("<p>no list"), u"<p>no list");
+    const FileText named = read("<plist version='1.0'><true/></plist>");
+    EXPECT_TRUE(named.text.view().ends_with(u">\n<true/>\n</plist>\n"));
+    EXPECT_EQ(named.usedEncoding, UnknownStringEncoding);
+    EXPECT_EQ(read("<p>no list").text, u"<p>no list");
 }
 
 TEST(CzechEncodings, ReadEveryByte) {

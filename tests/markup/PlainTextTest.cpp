@@ -140,8 +140,7 @@ TEST(PlainText, DecodesAsAsked) {
 
 TEST(PlainText, RemovesJunk) {
     const auto removed = [](const std::u16string& page, std::size_t expectedLength) {
-        bool did = false;
-        const String text = stringByConvertingHtml2PlainText(String(page), {.removeJunk = true}, &did);
+        const auto [text, did] = plainTextOfHtml(String(page), {.removeJunk = true});
         EXPECT_EQ(text.length(), expectedLength);
         return did;
     };
@@ -161,14 +160,11 @@ TEST(PlainText, RemovesJunk) {
     EXPECT_TRUE(removed(u"x<br>" + words(10000) + u"<b>" + words(10000) + u"<b>y", 2));
     EXPECT_TRUE(removed(u"<pre>x\n\n" + words(10000) + u"<b>" + words(10001), 0));
 
-    bool did = false;
-    const String keep = stringByConvertingHtml2PlainText(
-        String(u"<font style='font-size:1pt'>" + words(200) + u"</font>y"), {.removeJunk = true}, &did);
-    EXPECT_EQ(keep, u"y");
-    EXPECT_TRUE(did);
-    (void)stringByConvertingHtml2PlainText(u"<font style='font-size:1pt'>a short text</font>y", {.removeJunk = true},
-                                           &did);
-    EXPECT_FALSE(did);
+    const String tiny = u"<font style='font-size:1pt'>", end = u"</font>y";
+    const HtmlPlainText kept = plainTextOfHtml(tiny + words(200) + end, {.removeJunk = true});
+    EXPECT_EQ(kept.text, u"y");
+    EXPECT_TRUE(kept.didRemoveJunk);
+    EXPECT_FALSE(plainTextOfHtml(tiny + u"a short text" + end, {.removeJunk = true}).didRemoveJunk);
 }
 
 TEST(PlainText, GivesTheReceiverWhereNothingIsToDo) {

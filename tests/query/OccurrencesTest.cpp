@@ -17,8 +17,8 @@ TEST(Occurrences, Summaries) {
     } cases[] = {
         {u"Foo. Foo bar. Foo bar.", {u"foo"}, {.comparison = AnyCase}, u"Foo bar"},
         {u"Foo. Foo bar.", {u"foo"}, {.comparison = AnyCase, .singleWords = true}, u"Foo Foo bar"},
-        {u"Foo bar. Foo.", {u"foo"}, {}, u"Foo bar. Foo."},  // no hit: the text
-        {u"Foo bar. Foo.", {u"foo"}, {.onlyOccurrences = true}, String()},
+        {u"Foo bar. Foo.", {u"fo"}, {}, u"Foo bar. Foo."},  // no hit: the text
+        {u"Foo bar. Foo.", {u"foo"}, {.comparison = WildcardComparison::Exact, .onlyOccurrences = true}, String()},
         {u"Foo. Bar", {u"Foo"}, {.onlyOccurrences = true}, String()},  // no more than the hit
         {u"one, two! three four", {u"f*", u"one"}, {.separator = u" | "}, u"one, two | three four"},
         {u"a b\nc d. a e\n\nf", {u"a"}, {.paragraphs = true}, u"a b c d. a e"},
@@ -37,6 +37,11 @@ TEST(Occurrences, Summaries) {
         {u"one two three four five six", {u"four"}, {.ellipsizeAfterNCharacters = 2}, u"four..."},
         {u"one two three", {u"one"}, {.onlyOccurrences = true, .ellipsizeAfterNCharacters = 3}, u"one..."},
         {u"", {u"a"}, {}, String()},
+        // beside what is described
+        {u"See v2.4 at a.org. No? A?!\" b", {u"a*"}, {.strictSentenceEnds = true}, u"See v2.4 at a.org A?!\" b"},
+        {u"a 1. x 2. a 3. a 4", {u"a"}, {.separator = u", ", .gapSeparator = u" ... "}, u"a 1 ... a 3, a 4"},
+        {u"a \U0001F600b c d e", {u"a"}, {.ellipsizeAfterNCharacters = 3, .keepsPairs = true}, u"a ..."},
+        {u"b \U0001F600 a c d e", {u"a"}, {.ellipsizeAfterNCharacters = 3, .keepsPairs = true}, u"\U0001F600 a..."},
     };
     for (const auto& c : cases)
         EXPECT_EQ(assembleOccurrencesOfWildcards(c.text, c.wildcards, c.options), c.expected) << c.text;
@@ -92,6 +97,18 @@ TEST(Occurrences, LongTexts) {
     EXPECT_EQ(getOccurrencesOfWildcards(text, wildcards).size(), 200000u);
     EXPECT_EQ(getOccurrencesOfWildcards(text, wildcards, {.minEnclosingWords = 1000000}).size(), 1u);
     EXPECT_EQ(assembleOccurrencesOfWildcards(text, wildcards), u"a b");
+}
+
+TEST(Occurrences, OfQueries) {
+    const String text = u"One cat. A dog, far from the mat. Her cat on my mat.";
+    const QueryTerms query(u"cat BEFORE/3 mat");
+    EXPECT_EQ(assembleOccurrencesOfQueryTerms(text, query), u"Her cat on my mat");
+    EXPECT_EQ(listed(getOccurrencesOfQueryTerms(text, query)), "0:34,17:Her cat on my mat;");
+    EXPECT_EQ(assembleOccurrencesOfQueryTerms(text, QueryTerms(u"c?t mat -dog", {.wildcard = true}),
+                                              {.onlyOccurrences = true}),
+              String());
+    const std::vector<Range> hits = {{4, 3}, {11, 3}};
+    EXPECT_EQ(listed(getOccurrencesOfHits(text, hits)), "0:0,7:One cat;0:9,23:A dog, far from the mat;");
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include <velmocore/query/Occurrences.h>
 #include <velmocore/query/QueryDump.h>
+#include <velmocore/query/QueryHits.h>
 #include <velmocore/query/WildcardSearch.h>
 
 #include "TestSupport.h"
@@ -159,6 +160,36 @@ std::string evaluationOf(const RandomCase& c, const QueryTerms& terms, const tes
     return {};
 }
 
+/// Whether a wildcard is found everywhere: a lone star, be it in pieces.
+bool isLoneStar(const std::u16string& wildcard) {
+    const auto [words, hyphenated] = separatedWildcardWords(String(wildcard));
+    std::u16string joined = wildcard;
+    if (wildcard.size() >= 3 && words.size() > 1) {
+        if (!hyphenated) return false;
+        joined.clear();
+        for (const String& word : words) joined += word;
+    }
+    return test::refOptimize(joined, 1).wildcard == u"*";
+}
+
+std::string hitsOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
+    const Case letterCase = letterCaseOf(c.comparison);
+    const bool wildcard = c.options.wildcard;
+    const test::RefFind find = wildcard ? refWildcards(c.text, c.comparison) : test::refPlainWords(c.text, letterCase);
+    const auto isEverywhere = [&](const test::RefNode& word) {
+        return wildcard ? isLoneStar(word.word) : word.word.starts_with(u'*');
+    };
+    const auto expected = test::refHits(reference, c.text, find, isEverywhere);
+    std::string shown;
+    for (const test::RefHit& hit : expected)
+        shown += " " + std::to_string(hit.location) + "+" + std::to_string(hit.length);
+    std::string found;
+    for (const Range hit :
+         wildcard ? hitsOfQueryTerms(c.text, terms, c.comparison) : hitsOfQueryTerms(c.text, terms, letterCase))
+        found += " " + std::to_string(hit.location) + "+" + std::to_string(hit.length);
+    return found == shown ? "" : "has the hits" + found + " and not" + shown;
+}
+
 std::vector<std::u16string> unitsOf(const std::vector<String>& strings) { return {strings.begin(), strings.end()}; }
 
 std::string rewritingOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
@@ -219,7 +250,7 @@ std::string differenceOf(const RandomCase& c) {
     const QueryTerms terms(c.query, c.options);
     if (const std::string dump = dumpOfQueryTerms(terms); dump != test::refDump(reference))
         return "parsed as\n" + dump + "and not as\n" + test::refDump(reference);
-    for (const auto part : {evaluationOf, rewritingOf, wildcardsOf})
+    for (const auto part : {evaluationOf, hitsOf, rewritingOf, wildcardsOf})
         if (std::string difference = part(c, terms, reference); !difference.empty()) return difference;
     return {};
 }

@@ -169,12 +169,9 @@ TEST(Wildcards, Tables) {
 }
 
 TEST(Wildcards, Separation) {
-    bool hyphenated = false;
-    EXPECT_EQ(wordsUsingWildcardSeparation(u"data* [a d]?x|y", &hyphenated),
-              (std::vector<String>{u"data*", u"[a d]?x", u"y"}));
-    EXPECT_FALSE(hyphenated);
-    (void)wordsUsingWildcardSeparation(u"e-m?il", &hyphenated);
-    EXPECT_TRUE(hyphenated);
+    EXPECT_EQ(wordsUsingWildcardSeparation(u"data* [a d]?x|y"), (std::vector<String>{u"data*", u"[a d]?x", u"y"}));
+    EXPECT_FALSE(separatedWildcardWords(u"data* [a d]?x|y").hyphenated);
+    EXPECT_TRUE(separatedWildcardWords(u"e-m?il").hyphenated);
     EXPECT_EQ(numberOfWordsUsingWildcardSeparation(u"[a b] c"), 2u);
     initSeparatorsAndTables();
     EXPECT_TRUE(defaultWildcardSeparators().contains(u'|'));

@@ -29,8 +29,8 @@ TEST(WordSearch, FindWord) {
         {u"concatenate", u"cat", {3, 3}, {}, 3},  // the edges of the range end words
         {u"concatenate", u"cat", {3, 4}, {}, NotFound},
         {u"concatenate", u"cat", {4, 99}, {}, NotFound},
-        {u"a Cat", u"cAT", {0, 5}, {}, NotFound},
-        {u"a Cat", u"cAT", {0, 5}, {.letterCase = Case::Insensitive}, 2},
+        {u"a Cat", u"cAT", {0, 5}, {.letterCase = Case::Sensitive}, NotFound},
+        {u"a Cat", u"cAT", {0, 5}, {}, 2},
         {u"a", u"", {0, 1}, {}, NotFound},
         {u"", u"a", {0, 0}, {}, NotFound},
         {u"ab", u"abc", {0, 2}, {}, NotFound},
@@ -66,7 +66,7 @@ TEST(WordSearch, Phrases) {
         {u"data bases ", {u"data", u"base"}, {}, {0, 9}},
         {u"data bases ", {u"data", u"base"}, {.exact = true}, Range::none()},
         {u"data Data BASE ", {u"data", u"base"}, {.letterCase = Case::Insensitive}, {5, 9}},
-        {u"data Data BASE ", {u"data", u"base"}, {}, Range::none()},
+        {u"data Data BASE ", {u"data", u"base"}, {.letterCase = Case::Sensitive}, Range::none()},
         {u"a a a b ", {u"a", u"a", u"b"}, {}, {2, 5}},
         {u"x y x y x ", {u"x", u"y"}, {.direction = Direction::Backward}, {4, 3}},
         {u"x y x", {u"x", u"y"}, {.direction = Direction::Backward}, {0, 3}},
@@ -102,14 +102,14 @@ TEST(WordSearch, RangesAndCounts) {
         TermSearchOptions options;
         Range next, previous;
     } cases[] = {
-        {{0, 14}, {}, {0, 3}, {0, 3}},
-        {{0, 14}, {.letterCase = Case::Insensitive}, {0, 3}, {11, 3}},
-        {{0, 14}, {.anchored = false}, {0, 3}, {7, 3}},
-        {{1, 13}, {}, Range::none(), Range::none()},
+        {{0, 14}, {.letterCase = Case::Sensitive}, {0, 3}, {0, 3}},
+        {{0, 14}, {}, {0, 3}, {11, 3}},
+        {{0, 14}, {.letterCase = Case::Sensitive, .anchored = false}, {0, 3}, {7, 3}},
+        {{1, 13}, {.letterCase = Case::Sensitive}, Range::none(), Range::none()},
         {{0, 15}, {}, Range::none(), Range::none()},  // not inside the text
         {{0, 0}, {}, Range::none(), Range::none()},
         {{14, 1}, {}, Range::none(), Range::none()},
-        {{1, UINT64_MAX}, {}, Range::none(), Range::none()},
+        {{1, UINT64_MAX}, {.letterCase = Case::Sensitive}, Range::none(), Range::none()},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(findNextWord(text, u"cat", c.range, c.options), c.next) << c.range.location;
@@ -121,7 +121,7 @@ TEST(WordSearch, RangesAndCounts) {
 TEST(WordSearch, QueryTerms) {
     const View text = u"Boston, New   York and new york.";
     const Range whole{0, text.size()};
-    const TermSearchOptions noCase{.letterCase = Case::Insensitive};
+    const TermSearchOptions noCase, exact{.letterCase = Case::Sensitive};
     const struct {
         Strings terms;
         TermSearchOptions options;
@@ -131,8 +131,8 @@ TEST(WordSearch, QueryTerms) {
         {{u"x", u"york", u"boston", u"y"}, noCase, {0, 6}, {27, 4}, 3},
         {{u"new york", u"new"}, noCase, {8, 10}, {23, 8}, 2},
         {{u"new", u"new york"}, noCase, {8, 3}, {23, 3}, 2},
-        {{u"new york"}, {}, {23, 8}, {23, 8}, 1},
-        {{u"new york"}, {.letterCase = Case::Insensitive, .exactPhrase = true}, {23, 8}, {23, 8}, 1},
+        {{u"new york"}, exact, {23, 8}, {23, 8}, 1},
+        {{u"new york"}, {.exactPhrase = true}, {23, 8}, {23, 8}, 1},
         {{u"or"}, noCase, Range::none(), Range::none(), 0},
         {{u"or"}, {.anchored = false}, {15, 2}, {28, 2}, 1},
         {{u"", u"*", u"and"}, {}, {19, 3}, {19, 3}, 1},
@@ -143,13 +143,13 @@ TEST(WordSearch, QueryTerms) {
         EXPECT_EQ(findNextQueryTerm(c.terms, text, whole, c.options), c.next);
         EXPECT_EQ(findPreviousQueryTerm(c.terms, text, whole, c.options), c.previous);
         Strings next = c.terms, previous = c.terms;
-        EXPECT_EQ(findNextQueryTerm(&next, text, whole, c.options), c.next);
-        EXPECT_EQ(findPreviousQueryTerm(&previous, text, whole, c.options), c.previous);
+        EXPECT_EQ(findNextMutableQueryTerm(next, text, whole, c.options), c.next);
+        EXPECT_EQ(findPreviousMutableQueryTerm(previous, text, whole, c.options), c.previous);
         EXPECT_EQ(next.size(), c.left);
         EXPECT_EQ(previous.size(), c.left);
     }
     const Strings terms = {u"new", u"york"};
-    EXPECT_EQ(findNextQueryTerm(terms, text, {9, UINT64_MAX}), (Range{23, 3}));
+    EXPECT_EQ(findNextQueryTerm(terms, text, {9, UINT64_MAX}, exact), (Range{23, 3}));
     EXPECT_EQ(findNextQueryTerm(terms, text, {32, 1}), Range::none());
     EXPECT_EQ(findNextQueryTerm(terms, u"", {0, 0}), Range::none());
 }

@@ -15,8 +15,8 @@ namespace {
 /// What convertEncodingToUnicode makes of the bytes; the status must be success.
 String decoded(TextEncoding encoding, std::string_view bytes) {
     std::vector<char16_t> units(bytes.size() + 32);
-    std::size_t count = 0;
-    EXPECT_EQ(convertEncodingToUnicode(Bytes(bytes), encoding, units, count), 1);
+    const auto [status, count] = convertEncodingToUnicode(bytes, encoding, units);
+    EXPECT_EQ(status, 1);
     return String(std::u16string_view(units.data(), count));
 }
 
@@ -116,8 +116,8 @@ TEST(Encodings, NamesAreReadAsPagesMeanThem) {
 
 TEST(Encodings, EightBitTextIsNotUTF16) {
     char16_t units[64];
-    std::size_t count = 1;
-    EXPECT_EQ(convertEncodingToUnicode(Bytes("<meta charset=utf-16>"), 256, units, count), 0);
+    const auto [status, count] = convertEncodingToUnicode("<meta charset=utf-16>", 256, units);
+    EXPECT_EQ(status, 0);
     EXPECT_EQ(count, 0u);
 }
 
@@ -210,9 +210,8 @@ TEST(Encodings, OutputStaysWithinItsRoom) {
         const auto rows = detail::encodingRows();
         const TextEncoding encoding = round % 2 ? UTF8TextEncoding : rows[random() % rows.size()].number;
         std::vector<char16_t> whole(bytes.size() + 64), part(random() % 330, u'#');
-        std::size_t wholeCount = 0, partCount = 0;
-        const int wholeStatus = convertEncodingToUnicode(Bytes(bytes), encoding, whole, wholeCount);
-        const int status = convertEncodingToUnicode(Bytes(bytes), encoding, part, partCount);
+        const auto [wholeStatus, wholeCount] = convertEncodingToUnicode(bytes, encoding, whole);
+        const auto [status, partCount] = convertEncodingToUnicode(bytes, encoding, part);
         SCOPED_TRACE(encoding);
         EXPECT_LE(wholeCount, std::max<std::size_t>(bytes.size(), 32));
         ASSERT_LE(partCount, part.size());
@@ -231,8 +230,7 @@ TEST(Encodings, OutputStaysWithinItsRoom) {
         EXPECT_TRUE(std::equal(straight.begin(), straight.end(), whole.begin()));
         const std::string back = utf8({straight.data(), straight.size()});
         std::vector<std::uint8_t> room(random() % 330);
-        std::size_t count = 0;
-        const int backStatus = convertUnicodeToUTF8({straight.data(), straight.size()}, room, &count);
+        const auto [backStatus, count] = convertUnicodeToUTF8({straight.data(), straight.size()}, room);
         EXPECT_EQ(backStatus == 0, back.size() <= room.size());
         EXPECT_EQ(charsOf(room).substr(0, count), back.substr(0, count));
         EXPECT_GE(count + 3, std::min(room.size(), back.size()));
@@ -261,19 +259,18 @@ TEST(Encodings, PairsAgreeWithTheStream) {
 
 TEST(Encodings, StatusesAreTold) {
     char16_t units[4];
-    std::size_t count = 7;
-    EXPECT_NE(convertEncodingToUnicode(Bytes("a"), 1296, units, count), 0);
-    EXPECT_EQ(count, 0u);
-    initUnicodeConverters();
-    EXPECT_EQ(convertUTF8ToUnicode(Bytes("abcd"), units), 0);
-    EXPECT_NE(convertUTF8ToUnicode(Bytes("abc\xF0\x9F\x98\x80"), units, &count), 0);
-    EXPECT_EQ(count, 3u);
     std::uint8_t bytes[4];
-    EXPECT_NE(convertUnicodeToUTF8(u"\u20AC\u20AC", bytes, &count), 0);
-    EXPECT_EQ(count, 3u);
-    EXPECT_EQ(convertUnicodeToUTF8(u"\U0001F600", bytes, &count), 0);
-    EXPECT_EQ(count, 4u);
-    EXPECT_EQ(convertUTF8ToUnicode({}, {}), 0);
+    const Conversion unknown = convertEncodingToUnicode("a", 1296, units);
+    EXPECT_NE(unknown.status, 0);
+    EXPECT_EQ(unknown.count, 0u);
+    EXPECT_EQ(convertUTF8ToUnicode("abcd", units).status, 0);
+    EXPECT_EQ(convertUTF8ToUnicode({}, {}).status, 0);
+    EXPECT_EQ(convertUnicodeToUTF8(u"\U0001F600", bytes).count, 4u);
+    for (const Conversion& full :
+         {convertUTF8ToUnicode("abc\xF0\x9F\x98\x80", units), convertUnicodeToUTF8(u"\u20AC\u20AC", bytes)}) {
+        EXPECT_EQ(full.status, ConverterOutputBufferFull);
+        EXPECT_EQ(full.count, 3u);
+    }
 }
 
 TEST(Encodings, ThreadsConvertAtOnce) {

@@ -66,19 +66,20 @@ TEST_F(StringFiles, UnknownEncodingsAreDetected) {
     };
     for (const Case& c : cases)
         for (StringEncoding unknown : std::initializer_list<StringEncoding>{0, 4294967280, ~0ull}) {
-            StringEncoding used = 77;
-            EXPECT_EQ(stringWithContentsOfFile(written("f", c.bytes), unknown, &used), c.text);
-            EXPECT_EQ(used, c.used) << c.bytes;
+            const FileText read = stringWithContentsOfFile(written("f", c.bytes), unknown);
+            EXPECT_EQ(read.text, c.text);
+            EXPECT_EQ(read.usedEncoding, c.used) << c.bytes;
         }
-    StringEncoding used = 77;
-    EXPECT_TRUE(stringWithContentsOfFile(path("none"), 0, &used).isAbsent());
-    EXPECT_EQ(used, ASCIIStringEncoding);
-    EXPECT_TRUE(stringWithContentsOfFile(path("."), 0).isAbsent());
+    const FileText none = stringWithContentsOfFile(path("none"), 0);
+    EXPECT_TRUE(none.text.isAbsent());
+    EXPECT_EQ(none.usedEncoding, ASCIIStringEncoding);
+    EXPECT_TRUE(stringWithContentsOfFile(path("."), 0).text.isAbsent());
     // A named encoding has no fallback, but is told.
-    EXPECT_TRUE(stringWithContentsOfFile(written("f", "caf\xE9"), 4, &used).isAbsent());
-    EXPECT_EQ(used, UTF8StringEncoding);
-    EXPECT_EQ(stringWithContentsOfFile(path("f"), ISOLatin1StringEncoding, &used), u"caf\u00E9");
-    EXPECT_TRUE(stringWithContentsOfFile(String(), ISOLatin1StringEncoding).isAbsent());
+    const FileText broken = stringWithContentsOfFile(written("f", "caf\xE9"), 4);
+    EXPECT_TRUE(broken.text.isAbsent());
+    EXPECT_EQ(broken.usedEncoding, UTF8StringEncoding);
+    EXPECT_EQ(stringWithContentsOfFile(path("f"), ISOLatin1StringEncoding).text, u"caf\u00E9");
+    EXPECT_TRUE(stringWithContentsOfFile(String(), ISOLatin1StringEncoding).text.isAbsent());
 }
 
 TEST_F(StringFiles, WritersChooseTheirEncoding) {
@@ -97,17 +98,16 @@ TEST_F(StringFiles, WritersChooseTheirEncoding) {
         {u"abcdefgh\xD800", UTF16StringEncoding},
     };
     for (const Case& c : cases) {
-        StringEncoding used = 0;
-        EXPECT_TRUE(writeToFileUsingSmallestEncoding(c.text, path("s"), true, &used));
-        EXPECT_EQ(used, c.smallest);
-        EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
-        EXPECT_TRUE(writeToFileUsingFastestEncoding(c.text, path("s"), false, &used));
-        EXPECT_EQ(used, UTF16StringEncoding);
-        EXPECT_EQ(used, fastestEncoding(c.text));
-        EXPECT_EQ(stringWithContentsOfFile(path("s"), used), c.text);
+        const FileWriting smallest = writeToFileUsingSmallestEncoding(c.text, path("s"), true);
+        EXPECT_TRUE(smallest.isWritten);
+        EXPECT_EQ(smallest.usedEncoding, c.smallest);
+        EXPECT_EQ(stringWithContentsOfFile(path("s"), c.smallest).text, c.text);
+        const FileWriting fastest = writeToFileUsingFastestEncoding(c.text, path("s"), false);
+        EXPECT_EQ(fastest.usedEncoding, UTF16StringEncoding);
+        EXPECT_EQ(fastest.usedEncoding, fastestEncoding(c.text));
+        EXPECT_EQ(stringWithContentsOfFile(path("s"), fastest.usedEncoding).text, c.text);
         if (!dataUsingEncoding(c.text, UTF8StringEncoding)) continue;
-        EXPECT_TRUE(writeToFileUsingDefaultEncoding(c.text, path("s"), true, &used));
-        EXPECT_EQ(used, UTF8StringEncoding);
+        EXPECT_EQ(writeToFileUsingDefaultEncoding(c.text, path("s"), true).usedEncoding, UTF8StringEncoding);
         EXPECT_EQ(bytes("s"), String(c.text).utf8());
     }
 }
@@ -157,7 +157,7 @@ TEST_F(StringFiles, NamesAsLongAsTheFileSystemAllows) {
 TEST_F(StringFiles, NoPathIsCutAtANUL) {
     const String cut = String(path("cut").view()), whole = std::u16string(cut.view()) + u'\0' + u"x";
     written("cut", "old");
-    EXPECT_TRUE(stringWithContentsOfFile(whole, UTF8StringEncoding).isAbsent());
+    EXPECT_TRUE(stringWithContentsOfFile(whole, UTF8StringEncoding).text.isAbsent());
     for (const bool atomically : {true, false})
         EXPECT_FALSE(writeToFile(u"new", whole, atomically, UTF8StringEncoding));
     EXPECT_EQ(bytes("cut"), "old");

@@ -30,11 +30,15 @@ namespace velmo {
 /// The encoding for percent escapes in the page's URLs: Latin 1 for a page in it, else UTF-8.
 [[nodiscard]] VELMO_API StringEncoding defaultURLEncoding(std::u16string_view page);
 
+/// A page as bytes.
+struct MarkupData {
+    /// Absent if the encoding does not have all characters of the page.
+    std::optional<Data> bytes;
+    StringEncoding usedEncoding;  ///< ASCIIStringEncoding for no bytes
+};
+
 /// The page's bytes in the encoding that it names. If it names none that is known, in ASCII,
-/// with all other units as references. Absent if the encoding does not have all characters
-/// of the page; no bytes for an empty or absent page.
-/// @param usedEncoding  if given, the encoding of the bytes; ASCIIStringEncoding for no bytes
-[[nodiscard]] VELMO_API std::optional<Data> markupData(const String& page,
-                                                       StringEncoding* usedEncoding = nullptr);
+/// with all other units as references. No bytes for an empty or absent page.
+[[nodiscard]] VELMO_API MarkupData markupData(const String& page);
 
 }  // namespace velmo

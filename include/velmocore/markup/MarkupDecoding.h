@@ -6,6 +6,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Encodings.h>
+#include <velmocore/text/StringFiles.h>
 
 namespace velmo {
 
@@ -48,9 +49,9 @@ struct MarkupDecoding {
 
 /// Reads and decodes a file, for which the charset that the page names counts for more than
 /// it does for a page from the web. A property list, binary or by its name, is given in its XML
-/// form; the encoding is then unknown. Absent for a file that cannot be read or gives no text.
-/// @param usedEncoding  if given, the encoding that the page was taken to have
-[[nodiscard]] VELMO_API String stringWithMarkupContentsOfFile(
-    const String& path, StringEncoding defaultEncoding, StringEncoding* usedEncoding = nullptr);
+/// form; the encoding is then unknown. The text is absent for a file that cannot be read or gives
+/// none.
+[[nodiscard]] VELMO_API FileText stringWithMarkupContentsOfFile(const Path& path,
+                                                                StringEncoding defaultEncoding);
 
 }  // namespace velmo

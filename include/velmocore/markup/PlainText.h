@@ -27,10 +27,16 @@ struct PlainTextOptions {
 //     stringByConvertingHtml2PlainText(u"<p>a &amp; b</p><p>c");   // "a & b\n\nc"
 //     stringByConvertingHtml2PlainText(u"x<body>a</body>y", {.onlyBody = true});    // a
 
-/// @param didRemoveJunk  if given, tells whether junk was met and, with removeJunk, dropped
 [[nodiscard]] VELMO_API String stringByConvertingHtml2PlainText(const String& page,
-                                                                PlainTextOptions options = {},
-                                                                bool* didRemoveJunk = nullptr);
+                                                                PlainTextOptions options = {});
+
+/// The same with what is known of it.
+struct HtmlPlainText {
+    String text;
+    bool didRemoveJunk = false;  ///< whether junk was met and, with removeJunk, dropped
+};
+[[nodiscard]] VELMO_API HtmlPlainText plainTextOfHtml(const String& page,
+                                                      PlainTextOptions options = {});
 
 // The same under the names that tell the first of the options.
 

@@ -8,6 +8,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/query/QueryTerms.h>
 #include <velmocore/query/Wildcards.h>
 
 namespace velmo {
@@ -30,16 +31,23 @@ namespace velmo {
 
 /// How a summary is made.
 struct AssemblyOptions {
-    WildcardComparison comparison = WildcardComparison::Exact;
+    WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;  ///< see FindWildcardOptions
     bool paragraphs = false;        ///< whole lines instead of sentences
     /// Sentences of nothing but the hit, too.
     bool singleWords = false;
     /// No hit gives the absent string, and not the beginning of the text.
     bool onlyOccurrences = false;
-    String separator = {};  ///< between excerpts; absent is a blank
+    String separator = {};  ///< between excerpts; absent is a space
     /// The length that a summary may have, without the "..." at its end; 0 is no limit.
     std::size_t ellipsizeAfterNCharacters = 0;
+    /// The same where text has been left out between the two, as u" ... "; absent is no
+    /// difference.
+    String gapSeparator = {};
+    /// See OccurrenceOptions.
+    bool strictSentenceEnds = false;
+    /// A sentence that does not fit is not cut between the halves of a pair.
+    bool keepsPairs = false;
 };
 
 /// The sentences or paragraphs with a hit, each once. One that does not fit is cut such that
@@ -49,6 +57,15 @@ struct AssemblyOptions {
 [[nodiscard]] VELMO_API String assembleOccurrencesOfWildcards(const String& text,
                                                               std::span<const String> wildcards,
                                                               const AssemblyOptions& options = {});
+/// The same for hits that have been found before, in their order.
+[[nodiscard]] VELMO_API String assembleOccurrencesOfHits(const String& text,
+                                                         std::span<const Range> hits,
+                                                         const AssemblyOptions& options = {});
+/// The same for what made a query true: see hitsOfQueryTerms(). It is taken as it was parsed,
+/// and without wildcards the comparison tells of case only.
+[[nodiscard]] VELMO_API String assembleOccurrencesOfQueryTerms(const String& text,
+                                                               const QueryTerms& terms,
+                                                               const AssemblyOptions& options = {});
 [[nodiscard]] VELMO_API String assembleOccurrencesOfString(const String& text,
                                                            std::u16string_view sought,
                                                            const AssemblyOptions& options = {});
@@ -56,19 +73,22 @@ struct AssemblyOptions {
 /// An excerpt with one hit or more.
 struct Occurrence {
     Range range;           ///< in the text
-    std::size_t line = 0;  ///< of its start, from 0; CR with LF behind it is one line end
+    std::size_t line = 0;  ///< of its start, from 0; CR with LF after it is one line end
     /// What stands in the range, with "..." at an end that crossed a boundary.
     String string;
 };
 
 /// How excerpts are cut.
 struct OccurrenceOptions {
-    WildcardComparison comparison = WildcardComparison::Exact;
+    WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;
     bool paragraphs = false;
     /// An excerpt goes on across boundaries until so many words stand on each side of the
     /// hit.
     std::size_t minEnclosingWords = 0;
+    /// A . or ! or ? ends a sentence only before white space or the end of the text, so that
+    /// 2.4 and example.org stay whole.
+    bool strictSentenceEnds = false;
 };
 
 /// The sentences or paragraphs with a hit, in their order. All hits in one excerpt make one
@@ -76,6 +96,12 @@ struct OccurrenceOptions {
 [[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfWildcards(
     std::u16string_view text, std::span<const String> wildcards,
     const OccurrenceOptions& options = {});
+/// The same for hits that have been found before, in their order, and for what made a query
+/// true, as with the summaries.
+[[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfHits(
+    std::u16string_view text, std::span<const Range> hits, const OccurrenceOptions& options = {});
+[[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfQueryTerms(
+    std::u16string_view text, const QueryTerms& terms, const OccurrenceOptions& options = {});
 [[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfString(
     std::u16string_view text, std::u16string_view sought, const OccurrenceOptions& options = {});
 

@@ -7,8 +7,8 @@
 
 namespace velmo {
 
-/// A parsed query for people to read: one line a node, in UTF-8, children behind their
-/// group and two blanks further in, up to the depth of 40. A line tells the operator, with
+/// A parsed query for people to read: one line a node, in UTF-8, children after their
+/// group and two spaces further in, up to the depth of 40. A line tells the operator, with
 /// its distance if it is a proximity operator, the marks - for a negated and ~ for a
 /// substring term, and the word, in quotes if it is a phrase, or the number of children and
 /// their common operator. An absent query gives "".

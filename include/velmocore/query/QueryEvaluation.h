@@ -21,7 +21,7 @@ namespace velmo {
 //
 // Operators join from left to right: a b OR c is (a AND b) OR c. A NEAR/n B holds if A holds
 // within n words on either side of a B, the B itself included; BEFORE and NEXT look only
-// ahead of the B, for A, and AFTER only behind it. With a negated B, A must hold somewhere
+// ahead of the B, for A, and AFTER only after it. With a negated B, A must hold somewhere
 // outside all of these windows. A word matches whole words, unless it is marked with ~.
 //
 // Evaluation reads the query only; any number of threads may share it. Time is polynomial

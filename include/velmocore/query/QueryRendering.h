@@ -10,9 +10,9 @@ namespace velmo {
 
 /// How QueryTerms::queryTermsForOperators() writes a query: any sum of these.
 enum QueryTermRendering : std::uint64_t {
-    /// AND between terms; only together with RenderNotWord. Without it, a blank.
+    /// AND between terms; only together with RenderNotWord. Without it, a space.
     RenderAnd = 0x1,
-    /// OR between terms, but not with RenderPlus. Without it, a blank.
+    /// OR between terms, but not with RenderPlus. Without it, a space.
     RenderOr = 0x2,
     RenderXor = 0x4,          ///< XOR. Without it, an XOR is written as an OR.
     RenderNegated = 0x8,      ///< negated terms. Without it, they are left out.
@@ -29,8 +29,12 @@ enum QueryTermRendering : std::uint64_t {
     RenderUpperCase = 0x2000,  ///< wins over RenderLowerCase
     RenderPlus = 0x4000,       ///< + before required terms
     RenderNotWord = 0x8000,    ///< NOT before a negated term, unless it is ANDNOT
-    RenderOrSign = 0x10000,    ///< | without blanks for OR
+    RenderOrSign = 0x10000,    ///< | without spaces for OR
     RenderOptional = 0x20000,  ///< OPT. Without it, an optional term is left out.
+    /// Distances such that they are read again as they are, which is ours: an unbounded one as
+    /// the bare BEFORE or AFTER, and with NEAR the greatest number. Without it, a distance is
+    /// written as 32 bits with a sign, and an unbounded one as -1.
+    RenderWholeDistances = 0x40000,
 };
 
 /// What is to be written for an operator word, by that word: AND, OR, |, XOR, NOT, -,

@@ -78,7 +78,7 @@ namespace velmo {
 }
 
 /// The text without what limits a web search to a site: words that begin with "site:", in
-/// lower case, are left out and the others joined by single blanks.
+/// lower case, are left out and the others joined by single spaces.
 ///
 ///     queryTermWithoutSiteOperator(u"tea site:example.org cups");    // tea cups
 [[nodiscard]] VELMO_API String queryTermWithoutSiteOperator(const String& query);

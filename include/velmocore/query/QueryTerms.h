@@ -38,8 +38,8 @@ inline constexpr std::size_t UnboundedDistance = 0x7FFFFFFFFFFFFFFF;
 
 /// What a query's terms get that does not say otherwise.
 struct QueryOptions {
-    QueryOperator defaultOperator = QueryOperator::And;
-    std::size_t defaultDistance = 10;  ///< in words
+    QueryOperator defaultOperator = QueryOperator::And;  ///< None is And
+    std::size_t defaultDistance = 10;                    ///< in words
     /// Terms are wildcard patterns: a [ begins a set of characters and not a comment, and a
     /// term marked with ~ gets a star at both ends.
     bool wildcard = false;
@@ -94,6 +94,8 @@ public:
     /// Whether there is something to look for: true for a word, and for a group with children.
     [[nodiscard]] bool isValid() const noexcept;
     [[nodiscard]] bool isWord() const noexcept;
+    /// Whether its words were parsed as patterns.
+    [[nodiscard]] bool hasWildcards() const noexcept;
 
     /// How this node joins the siblings before it. It means nothing on a first child.
     [[nodiscard]] QueryOperator queryOperator() const noexcept;
@@ -124,10 +126,14 @@ public:
     [[nodiscard]] bool containsString(std::u16string_view text,
                                       WildcardComparison comparison) const;
 
+    /// The same as the query was parsed, with wildcards or without, by DefaultComparison.
+    [[nodiscard]] bool matchesString(std::u16string_view text) const;
+    [[nodiscard]] bool containsString(std::u16string_view text) const;
+
     // The positive words, in their order: those that are under an even number of
     // negations, that of this node not counted.
 
-    /// Their texts, with blanks between them.
+    /// Their texts, with spaces between them.
     [[nodiscard]] String plusString(std::uint32_t kinds = AllWords) const;
     [[nodiscard]] std::vector<String> plusParts(std::uint32_t kinds = AllWords) const;
     /// Their nodes.
@@ -141,7 +147,7 @@ public:
     // Patterns for the search in a text, as excerpts need them: no two are the same, and
     // the shortest come first. Without a value if the query is not valid.
 
-    /// The positive words as they are, as words with blanks between them, and, if they are
+    /// The positive words as they are, as words with spaces between them, and, if they are
     /// joined by hyphens or are an abbreviation with full stops, in one piece.
     [[nodiscard]] std::optional<std::vector<String>> plusWildcards() const;
     /// The positive words, not as they are but in the other forms, and pairs of neighbours
@@ -154,13 +160,15 @@ public:
     [[nodiscard]] std::vector<String> queryTermsForOperators(
         std::uint64_t flags, const OperatorDictionary& dictionary = {}) const;
     /// In the most common form: OR, XOR, OPT, -, quotes and parentheses; proximity operators
-    /// become blanks.
+    /// become spaces.
     [[nodiscard]] String standardizedQueryTerm() const;
     /// In one form for all ways to write a query: words in lower case, | for OR, BEFORE/n for
     /// NEXT.
     [[nodiscard]] String normalizedQueryTerm() const;
     /// With all that the query says, in words.
     [[nodiscard]] String description() const;
+    /// The same such that distances are read again as they are; this form is ours.
+    [[nodiscard]] String parsableDescription() const;
 
 private:
     friend struct detail::QueryTree;

@@ -24,8 +24,7 @@ namespace velmo {
 // written as one.
 //
 //     rangeOfWildcard(u"the database", u"data*");                  // {4, 8}
-//     rangeOfWildcard(u"Hello, world", u"h?llo w*",
-//                     {.comparison = WildcardComparison::CaseInsensitive});   // {0, 12}
+//     rangeOfWildcard(u"Hello, world", u"h?llo w*");               // {0, 12}
 //     rangeOfWildcard(u"send email", u"e-mail");                   // {5, 5}
 //
 // Malformed and unusable wildcards find nothing. Ranges count UTF-16 units and are cut at
@@ -36,7 +35,7 @@ namespace velmo {
 
 /// How FindWildcardInCharacters() looks.
 struct FindWildcardOptions {
-    WildcardComparison comparison = WildcardComparison::Exact;
+    WildcardComparison comparison = DefaultComparison;
     /// A wildcard with a star needs so many plain units and sets.
     std::size_t minCharacters = 1;
     bool anchored = false;                     ///< only the first word that is met is looked at
@@ -58,7 +57,7 @@ struct FindWildcardOptions {
 
 /// How FindWildcardStringInCharacters() looks; see FindWildcardOptions.
 struct FindWildcardStringOptions {
-    WildcardComparison comparison = WildcardComparison::Exact;
+    WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;
     Direction direction = Direction::Forward;
     bool acceptStar = false;  ///< in a phrase, a lone * is any word in any case
@@ -66,21 +65,21 @@ struct FindWildcardStringOptions {
 };
 
 /// The same for a pattern of one word or several. Backwards, a phrase is looked for from its
-/// first word on, and the words behind it must end before the last place that was tried.
+/// first word on, and the words after it must end before the last place that was tried.
 [[nodiscard]] VELMO_API Range
 FindWildcardStringInCharacters(std::u16string_view text, Range range, std::u16string_view wildcard,
                                const FindWildcardStringOptions& options = {});
 
 /// How the nearest hit of several wildcards is looked for.
 struct NearestWildcardOptions {
-    WildcardComparison comparison = WildcardComparison::Exact;
+    WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;
     Direction direction = Direction::Forward;
     bool firstHit = false;  ///< any hit will do: that of the first wildcard that has one
 };
 
 /// The nearest hit of any wildcard in a range. Each hit shortens the stretch for the
-/// wildcards behind it in the list: they count only if they lie wholly before it (or behind
+/// wildcards after it in the list: they count only if they lie wholly before it (or after
 /// it, going backwards). A lone * finds nothing.
 [[nodiscard]] VELMO_API Range rangeOfWildcard(std::u16string_view text, Range range,
                                               std::span<const String> wildcards,
@@ -88,7 +87,7 @@ struct NearestWildcardOptions {
 
 /// How wildcards are compared, and where.
 struct WildcardSearchOptions {
-    WildcardComparison comparison = WildcardComparison::Exact;
+    WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;
     Range range = {0, NotFound};  ///< in units of the text
 };
@@ -129,7 +128,7 @@ struct WildcardSearchOptions {
 /// Takes a hit; false ends the search.
 using WildcardHandler = FunctionRef<bool(Range hit)>;
 /// Calls the handler for the hits that findNextWildcard() gives when each call goes on
-/// behind the hit before, and tells how many calls there were. A wildcard is prepared once
+/// after the hit before, and tells how many calls there were. A wildcard is prepared once
 /// and no stretch is searched for it twice, however many hits the others have.
 ///
 ///     std::vector<String> wildcards = {u"data*", u"*base"};

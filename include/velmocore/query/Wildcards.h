@@ -12,6 +12,7 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
+#include <velmocore/words/Words.h>
 
 namespace velmo {
 
@@ -81,13 +82,18 @@ constexpr WildcardComparison operator&(WildcardComparison a, WildcardComparison 
     return isCaseInsensitive(comparison) ? Case::Insensitive : Case::Sensitive;
 }
 
+/// How words and wildcards are compared where nothing is said: without regard to case. It is
+/// one for queries, searches and excerpts, so that what matches also gives excerpts.
+inline constexpr WildcardComparison DefaultComparison = WildcardComparison::CaseInsensitive;
+inline constexpr Case DefaultCase = letterCaseOf(DefaultComparison);
+
 // Matching. With a table, each unit of the string goes through it before it is compared; the
 // wildcard is taken as it is, so pass one that prepareWildcardUsingUnicharTable() has
 // folded. An empty wildcard matches the empty string, and * does too.
 //
 // What the Unix language makes of odd sets: the lower end of a range is whatever stands
 // before the -, so that in [-x] it is the bracket; the upper end may be a ] and the set then
-// runs on behind it; a set that never ends takes one unit, and matches if it is negated.
+// runs on after it; a set that never ends takes one unit, and matches if it is negated.
 
 [[nodiscard]] VELMO_API bool stringMatchesWildcard(std::u16string_view string,
                                                    std::u16string_view wildcard);
@@ -124,7 +130,7 @@ struct OptimizedWildcard {
 };
 
 /// Brings a wildcard of the Unix language into the one form that searches take, in place,
-/// and tells its shape. Runs of stars become one, | in sets and sets without a member go.
+/// and tells its shape. Runs of stars become one, | in sets and sets without a member are removed.
 /// Unusable is what has a ] outside or a [ inside a set or a set without end, which is left
 /// as it is; what has neither a plain unit nor a set; and what has a star but fewer of them
 /// than minCharacters.
@@ -159,9 +165,8 @@ inline constexpr std::size_t UnboundedWildcardLength = 0x7FFFFFFFFFFFFFFF;
 //     wordsUsingWildcardSeparation(u"data* [a-d]ing");     // data*, [a-d]ing
 
 [[nodiscard]] VELMO_API const CharacterSetRep& defaultWildcardSeparators();
-/// See wordsUsingSeparators() for hyphenated.
-[[nodiscard]] VELMO_API std::vector<String> wordsUsingWildcardSeparation(
-    const String& text, bool* hyphenated = nullptr);
+[[nodiscard]] VELMO_API std::vector<String> wordsUsingWildcardSeparation(const String& text);
+[[nodiscard]] VELMO_API SeparatedWords separatedWildcardWords(const String& text);
 [[nodiscard]] VELMO_API std::size_t numberOfWordsUsingWildcardSeparation(std::u16string_view text);
 
 // All tables and sets are made at first use, on whatever thread. A program may have them

@@ -9,6 +9,7 @@
 #include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/query/Wildcards.h>
 #include <velmocore/text/CharacterSets.h>
 
 namespace velmo {
@@ -25,7 +26,7 @@ namespace velmo {
 
 /// How FindWordInString() looks.
 struct FindWordOptions {
-    Case letterCase = Case::Sensitive;
+    Case letterCase = DefaultCase;
     Direction direction = Direction::Forward;  ///< the last occurrence, and not the first
     bool wholeWord = true;
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
@@ -39,21 +40,21 @@ struct FindWordOptions {
 
 /// How FindNonExactPhraseInString() looks.
 struct FindPhraseOptions {
-    Case letterCase = Case::Sensitive;
+    Case letterCase = DefaultCase;
     Direction direction = Direction::Forward;
-    /// Whether the words behind the first must be whole; the first is in any case.
+    /// Whether the words after the first must be whole; the first is in any case.
     bool exact = false;
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
 };
 
 /// Several words in a row, with any units between them that are no term units, but at least
-/// one. The words behind the first must end before the end of the range: one that ends with
+/// one. The words after the first must end before the end of the range: one that ends with
 /// it is not found.
 [[nodiscard]] VELMO_API Range FindNonExactPhraseInString(std::u16string_view text, Range range,
                                                          std::span<const String> words,
                                                          const FindPhraseOptions& options = {});
 
-/// The position behind the n-th word from a position on, a word being a run of term units;
+/// The position after the n-th word from a position on, a word being a run of term units;
 /// end if it lies further on.
 [[nodiscard]] VELMO_API std::size_t NWordsForward(std::size_t n, std::u16string_view text,
                                                   const CharacterSetRep& termCharacters,
@@ -79,7 +80,7 @@ struct FindPhraseOptions {
 
 /// How words and terms are looked for in a range.
 struct TermSearchOptions {
-    Case letterCase = Case::Sensitive;
+    Case letterCase = DefaultCase;
     bool anchored = true;  ///< whole words only
     /// A term of several words is looked for as it is written, and not word by word.
     bool exactPhrase = false;
@@ -99,7 +100,7 @@ struct TermSearchOptions {
 //
 //     std::vector<String> terms = {u"new york", u"boston"};
 //     findNextQueryTerm(terms, u"Boston, New   York", {0, 18}, {.letterCase = Case::Insensitive});
-//     // {0, 6}; from 6 on it would be {8, 10} if anything stood behind
+//     // {0, 6}; from 6 on it would be {8, 10} if anything stood after it
 
 [[nodiscard]] VELMO_API Range findNextQueryTerm(std::span<const String> terms,
                                                 std::u16string_view text, Range range,
@@ -111,11 +112,9 @@ struct TermSearchOptions {
 // The same for those who walk through a text: terms that do not occur in the range, and so
 // will not further on, are taken out of the list. The list must not be shared meanwhile.
 
-[[nodiscard]] VELMO_API Range findNextQueryTerm(std::vector<String>* terms,
-                                                std::u16string_view text, Range range,
-                                                const TermSearchOptions& options = {});
-[[nodiscard]] VELMO_API Range findPreviousQueryTerm(std::vector<String>* terms,
-                                                    std::u16string_view text, Range range,
-                                                    const TermSearchOptions& options = {});
+VELMO_API Range findNextMutableQueryTerm(std::vector<String>& terms, std::u16string_view text,
+                                         Range range, const TermSearchOptions& options = {});
+VELMO_API Range findPreviousMutableQueryTerm(std::vector<String>& terms, std::u16string_view text,
+                                             Range range, const TermSearchOptions& options = {});
 
 }  // namespace velmo

@@ -86,8 +86,7 @@ VELMO_API void setDefaultEncoding(StringEncoding encoding) noexcept;
 // number of threads may convert at once.
 //
 //     char16_t units[64];
-//     std::size_t count;
-//     convertEncodingToUnicode(bytes, ISOLatin1TextEncoding, units, count);
+//     convertEncodingToUnicode("caf\xE9", ISOLatin1TextEncoding, units).count;    // 4
 
 /// Statuses of the converters.
 inline constexpr int ConverterOutputBufferFull = -8785;
@@ -96,17 +95,21 @@ inline constexpr int ConverterUnsupportedEncoding = -8738;
 /// There is nothing to make ready; kept for callers that do so at their start.
 inline void initUnicodeConverters() noexcept {}
 
-/// 0 if all of the source was converted, else ConverterOutputBufferFull.
-/// @param outCount  if given, the number of units or bytes written
-VELMO_API int convertUTF8ToUnicode(Bytes source, std::span<char16_t> destination,
-                                   std::size_t* outCount = nullptr);
-VELMO_API int convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8_t> destination,
-                                   std::size_t* outCount = nullptr);
+/// What a converter did.
+struct Conversion {
+    int status;         ///< told with each converter
+    std::size_t count;  ///< of units or bytes written
+};
 
-/// 1 if all of the source was converted, 0 if the destination was too small. For an
+/// The status is 0 if all of the source was converted, else ConverterOutputBufferFull.
+VELMO_API Conversion convertUTF8ToUnicode(Bytes source, std::span<char16_t> destination);
+VELMO_API Conversion convertUnicodeToUTF8(std::u16string_view source,
+                                          std::span<std::uint8_t> destination);
+
+/// The status is 1 if all of the source was converted, 0 if the destination was too small. For an
 /// encoding that is not available ConverterUnsupportedEncoding, which is not 0 either: look
 /// at the count, which is then 0.
-VELMO_API int convertEncodingToUnicode(Bytes source, TextEncoding encoding,
-                                       std::span<char16_t> destination, std::size_t& outCount);
+VELMO_API Conversion convertEncodingToUnicode(Bytes source, TextEncoding encoding,
+                                              std::span<char16_t> destination);
 
 }  // namespace velmo

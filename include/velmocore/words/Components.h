@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <velmocore/platform/Export.h>
@@ -21,11 +22,9 @@ namespace velmo {
 //     componentsUsingDefaultSeparation(u"Yes. No?! Perhaps");    // "Yes." " No?!" " Perhaps"
 //     numberOfComponentsUsingSeparators(text, &defaultSentenceSeparators());
 
-/// Number of components. If ranges is not null, it is filled with them; each range holds its
-/// separators.
-[[nodiscard]] VELMO_API std::size_t componentsOfCharacters(
-    std::u16string_view characters, const CharacterSetRep* separators = nullptr,
-    std::vector<Range>* ranges = nullptr);
+/// The components in their order; each range holds its separators.
+[[nodiscard]] VELMO_API std::vector<Range> componentsOfCharacters(
+    std::u16string_view characters, const CharacterSetRep* separators = nullptr);
 
 /// Calls the handler for each component and gives the number of calls; 0 if there is no
 /// handler. An exception out of the handler passes through.
@@ -48,6 +47,15 @@ struct ComponentOptions {
 /// The components as strings; a text that is one component comes back as it is.
 [[nodiscard]] VELMO_API std::vector<String> componentsUsingSeparators(
     const String& text, const ComponentOptions& options = {});
+/// The same in another collection, such as a std::set.
+template <class Collection>
+[[nodiscard]] Collection componentsUsingSeparators(const String& text,
+                                                   const ComponentOptions& options = {}) {
+    Collection components;
+    for (String& component : componentsUsingSeparators(text, options))
+        components.insert(components.end(), std::move(component));
+    return components;
+}
 [[nodiscard]] inline std::vector<String> componentsUsingDefaultSeparation(const String& text) {
     return componentsUsingSeparators(text);
 }
@@ -59,7 +67,7 @@ struct ComponentOptions {
     std::u16string_view text, Range range, const CharacterSetRep* separators = nullptr);
 [[nodiscard]] inline std::size_t numberOfComponentsOfCharacters(
     std::u16string_view characters, const CharacterSetRep* separators = nullptr) {
-    return componentsOfCharacters(characters, separators);
+    return numberOfComponentsUsingSeparators(characters, separators);
 }
 
 /// What numberOfParagraphs() counts.

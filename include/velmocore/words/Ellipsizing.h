@@ -13,20 +13,20 @@ namespace velmo {
 //     stringByEllipsizingAfterNWords(u"one two three", 2);          // "one two..."
 //     stringByEllipsizingAfterNCharacters(u"one two three", 9);     // "one two..."
 
-/// Cut behind the n-th word, by the default word separators; not at all for n of 0.
+/// Cut after the n-th word, by the default word separators; not at all for n of 0.
 [[nodiscard]] VELMO_API String stringByEllipsizingAfterNWords(const String& text, std::size_t n);
 
-/// Cut behind the sixth word.
+/// Cut after the sixth word.
 [[nodiscard]] inline String stringByEllipsizingForMenu(const String& text) {
     return stringByEllipsizingAfterNWords(text, 6);
 }
 
-/// Cut to less than n units, behind a word. A first word that is longer is not cut; nor is
+/// Cut to less than n units, after a word. A first word that is longer is not cut; nor is
 /// anything for n of 0.
 [[nodiscard]] VELMO_API String stringByEllipsizingAfterNCharacters(const String& text,
                                                                    std::size_t n);
 
-/// The first lines that are not empty, each cut to less than n units behind a word, joined
+/// The first lines that are not empty, each cut to less than n units after a word, joined
 /// by line feeds. A last line without a line end counts if it has two units or more. The
 /// text itself for 0 lines.
 [[nodiscard]] VELMO_API String stringByEllipsizingNLines(const String& text, std::size_t lines,

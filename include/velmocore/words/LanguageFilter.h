@@ -10,12 +10,13 @@
 
 #include <velmocore/platform/Error.h>
 #include <velmocore/platform/Export.h>
+#include <velmocore/platform/Path.h>
 #include <velmocore/platform/String.h>
 
 namespace velmo {
 
 /// Tells in which language a text is written, by the stop words it holds. Languages are
-/// named by keys of two capitals, as "EN". Five results need no words but only a script: RU
+/// named by keys of two upper-case letters, as "EN". Five results need no words but only a script: RU
 /// for Cyrillic, AR for Arabic, HE for Hebrew, EL for Greek and ** for any other that is not
 /// Latin.
 ///
@@ -40,11 +41,11 @@ public:
     /// Reads a folder of lists: UTF-8 files, named "StopWords" and the key, with words in
     /// lower case between any of defaultWordSeparators(). The key "Gen" is skipped, and a
     /// file that cannot be read as UTF-8 makes a language without words. With ignoreUmlauts, words
-    /// are compared without diacritics. The path is UTF-8.
+    /// are compared without diacritics.
     ///
     /// A folder without lists makes a filter that knows no language. The error then tells why:
     /// the folder cannot be read (domain u"posix"), or holds no list (u"velmo.language", 1).
-    explicit LanguageFilter(const std::string& directory, bool ignoreUmlauts = false,
+    explicit LanguageFilter(const Path& directory, bool ignoreUmlauts = false,
                             Error* error = nullptr);
 
     /// Keys and, parallel to them, lists of words in lower case; the program is stopped if
@@ -59,7 +60,7 @@ public:
 
     /// Writes each list as "StopWords" and its key, one word a line, sorted. False if one of
     /// them could not be written.
-    bool writeToDirectory(const std::string& directory) const;
+    bool writeToDirectory(const Path& directory) const;
 
     [[nodiscard]] const std::vector<String>& languages() const;
     [[nodiscard]] bool ignoreUmlauts() const;
@@ -70,7 +71,7 @@ public:
     /// long chooses none; one that is unknown is kept, but filters nothing.
     void setLanguage(const String& key);
 
-    /// The two capitals of a key as one number: 0x454E for EN. 0 if it is not two units long.
+    /// The two upper-case letters of a key as one number: 0x454E for EN. 0 if it is not two units long.
     [[nodiscard]] static std::uint16_t ISOCodeForLanguage(std::u16string_view key);
     [[nodiscard]] std::uint16_t ISOLanguageCode() const { return ISOCodeForLanguage(language()); }
     [[nodiscard]] std::uint16_t ISOLanguageCodeOfText(std::u16string_view text) const {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <velmocore/platform/Export.h>
@@ -43,11 +44,12 @@ inline constexpr std::uint64_t SeparatorMark = 1u << 31;
     return {entry.location, entry.length & ~SeparatorMark};
 }
 
-/// Number of entries. If ranges is not null, it is filled with them; the length of a run of
-/// separators carries the SeparatorMark.
-[[nodiscard]] VELMO_API std::size_t wordsOfCharacters(std::u16string_view characters,
-                                                      const WordOptions& options = {},
-                                                      std::vector<Range>* ranges = nullptr);
+/// The entries in their order; the length of a run of separators carries the SeparatorMark.
+[[nodiscard]] VELMO_API std::vector<Range> wordsOfCharacters(std::u16string_view characters,
+                                                             const WordOptions& options = {});
+/// How many they are.
+[[nodiscard]] VELMO_API std::size_t numberOfWordsOfCharacters(std::u16string_view characters,
+                                                              const WordOptions& options = {});
 
 /// Takes the whole text and the range of one word in it.
 using WordHandler = FunctionRef<void(std::u16string_view text, Range word)>;
@@ -79,13 +81,30 @@ VELMO_API std::size_t parseMutableWordsWithHandler(std::u16string_view text,
 
 /// The words as strings; with separators, so are the runs of them. A text that is one word
 /// comes back as it is.
-///
-/// If hyphenated is given, it tells whether a reader sees one term: more than one word was
-/// kept, and they are single letters joined by full stops (U.S.A.) or are joined by hyphens
-/// only (well-known).
 [[nodiscard]] VELMO_API std::vector<String> wordsUsingSeparators(const String& text,
-                                                                 const WordOptions& options = {},
-                                                                 bool* hyphenated = nullptr);
+                                                                 const WordOptions& options = {});
+
+/// The same in another collection, such as a std::set, or a std::multiset that counts.
+///
+///     wordsUsingSeparators<std::set<String>>(u"a b a").size();     // 2
+template <class Collection>
+[[nodiscard]] Collection wordsUsingSeparators(const String& text, const WordOptions& options = {}) {
+    Collection words;
+    for (String& word : wordsUsingSeparators(text, options))
+        words.insert(words.end(), std::move(word));
+    return words;
+}
+
+/// Words, and whether a reader sees them as one term.
+struct SeparatedWords {
+    std::vector<String> words;
+    /// There is more than one word, and they are single letters joined by full stops (U.S.A.)
+    /// or are joined by hyphens only (well-known).
+    bool hyphenated = false;
+};
+[[nodiscard]] VELMO_API SeparatedWords separatedWords(const String& text,
+                                                      const WordOptions& options = {});
+
 [[nodiscard]] VELMO_API std::vector<String> wordsUsingDefaultSeparation(const String& text,
                                                                         std::size_t minLen = 1);
 /// Cuts at white space only.
@@ -105,8 +124,5 @@ VELMO_API std::size_t parseMutableWordsWithHandler(std::u16string_view text,
 [[nodiscard]] VELMO_API std::size_t numberOfWordsInRange(
     std::u16string_view text, Range range, const CharacterSetRep* separators = nullptr,
     std::size_t minLen = 1);
-[[nodiscard]] inline std::size_t numberOfWordsOfCharacters(std::u16string_view characters) {
-    return numberOfWordsUsingDefaultSeparation(characters);
-}
 
 }  // namespace velmo

@@ -154,6 +154,81 @@ bool matches(const RefText& in, const RefNode& node, const RefProximity& near, s
     return value != node.negated;
 }
 
+struct RefCollection {
+    const RefText& in;
+    const std::function<bool(const RefNode&)>& isEverywhere;
+    std::set<RefHit> hits;
+
+    /// What there is to show of a node that holds on a stretch.
+    void collect(const RefNode& node, const RefProximity& near, std::size_t start, std::size_t end) {
+        if (node.isWord && near.left) return collectNear(node, near, start, end);
+        if (node.negated) return;
+        if (!node.isWord) return collectGroup(node, near, start, end);
+        for (auto hit = in.find(node, start, end); hit && !isEverywhere(node);) {
+            hits.insert(*hit);
+            const std::size_t behind = hit->location + hit->length;
+            hit = behind < end ? in.find(node, behind, end) : std::nullopt;
+        }
+    }
+
+    void collectNear(const RefNode& word, const RefProximity& near, std::size_t start, std::size_t end) {
+        const auto leftHolds = [&](std::size_t from, std::size_t to) {
+            if (from >= to || !matches(in, *near.left, {}, from, to)) return false;
+            collect(*near.left, {}, from, to);
+            return true;
+        };
+        std::size_t cursor = start, lastEnd = start;
+        while (cursor < end) {
+            const auto hit = in.find(word, cursor, end);
+            if (!hit) {
+                if (word.negated) leftHolds(lastEnd, end);
+                return;
+            }
+            const std::size_t position = hit->location, behind = position + hit->length;
+            const std::size_t windowStart = near.op == 5 ? position : back(in, near.distance, position, start);
+            const std::size_t windowEnd =
+                near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind;
+            if (word.negated)
+                leftHolds(lastEnd, windowStart);
+            else if (leftHolds(windowStart, std::min(windowEnd, end)) && !isEverywhere(word))
+                hits.insert(*hit);
+            cursor = behind;
+            lastEnd = windowEnd;
+        }
+    }
+
+    void collectGroup(const RefNode& group, const RefProximity& near, std::size_t start, std::size_t end) {
+        const auto isNear = [&](std::size_t i) {
+            const RefNode& child = *group.children[i];
+            return i > 0 && child.op >= 3 && child.op <= 6 && child.distance != 0;
+        };
+        const auto nearOf = [&](std::size_t i) {
+            const RefNode& child = *group.children[i];
+            return isNear(i) ? RefProximity{group.children[i - 1].get(), child.op, child.distance} : near;
+        };
+        std::set<std::size_t> sources;
+        bool value = false;
+        for (std::size_t i = 0; i < group.children.size(); ++i) {
+            const int op = i == 0 ? 1 : group.children[i]->op;
+            if (op == 7) continue;
+            const bool holds = matches(in, *group.children[i], nearOf(i), start, end);
+            if (op == 1)
+                value = value || holds;
+            else if (op == 2)
+                value = value != holds;
+            else
+                value = value && holds;
+            if (!value) sources.clear();
+            if (value && holds) sources.insert(i);
+        }
+        for (std::size_t i : sources) {
+            const bool isShown = sources.count(i + 1) && isNear(i + 1) &&
+                                 (group.children[i + 1]->isWord || !group.children[i + 1]->negated);
+            if (!isShown || isNear(i)) collect(*group.children[i], nearOf(i), start, end);
+        }
+    }
+};
+
 bool contains(const RefText& in, const RefNode& node, bool inherited) {
     const bool negated = node.negated != inherited;
     if (node.isWord) return !negated && in.find(node, 0, in.text.size());
@@ -270,6 +345,14 @@ RefFind refPlainWords(std::u16string_view text, Case letterCase) {
 
 bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find) {
     return !text.empty() && matches({std::u16string(text), find}, top, {}, 0, text.size());
+}
+
+std::set<RefHit> refHits(const RefNode& top, std::u16string_view text, const RefFind& find,
+                         const std::function<bool(const RefNode&)>& isEverywhere) {
+    const RefText in{std::u16string(text), find};
+    RefCollection collection{in, isEverywhere, {}};
+    if (refMatches(top, text, find)) collection.collect(top, {}, 0, text.size());
+    return collection.hits;
 }
 
 bool refContains(const RefNode& top, std::u16string_view text, const RefFind& find) {

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,6 +46,7 @@ std::string refDump(const RefNode& node, std::size_t depth = 0);
 
 struct RefHit {
     std::size_t location, length;
+    friend auto operator<=>(const RefHit&, const RefHit&) = default;
 };
 /// The first occurrence of a word node in a stretch of a text.
 using RefFind = std::function<std::optional<RefHit>(const RefNode& word, std::size_t start, std::size_t end)>;
@@ -55,6 +57,9 @@ RefFind refPlainWords(std::u16string_view text, Case letterCase);
 
 /// Evaluates a tree on a text whose words that function finds.
 bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find);
+/// The hits that made it true; those of words that are found everywhere do not count.
+std::set<RefHit> refHits(const RefNode& top, std::u16string_view text, const RefFind& find,
+                         const std::function<bool(const RefNode& word)>& isEverywhere);
 bool refContains(const RefNode& top, std::u16string_view text, const RefFind& find);
 
 }  // namespace velmo::test

@@ -111,8 +111,7 @@ using Value = std::optional<std::u16string>;
 /// Pairs go to the same set, if they are wanted; then the whole text does not.
 Value stringsFor(const RefNode& node, Strings& result, bool negated, bool extended) {
     if (node.isWord) {
-        bool hyphenated = false;
-        const std::vector<String> words = wordsUsingWildcardSeparation(String(node.word), &hyphenated);
+        const auto [words, hyphenated] = separatedWildcardWords(String(node.word));
         if (negated || words.empty()) return {};
         if (!extended) result.insert(node.word);
         std::u16string spaced(words[0]), joined = spaced;

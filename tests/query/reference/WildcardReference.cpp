@@ -261,8 +261,7 @@ Range refFindString(const RefSearch& search, View wildcard) {
     RefSearch single = search;
     single.anchored = single.starIsWord = false;
     if (wildcard.size() < 3 || numberOfWordsUsingWildcardSeparation(wildcard) < 2) return refFind(single, wildcard);
-    bool hyphenated = false;
-    const std::vector<String> words = wordsUsingWildcardSeparation(String(wildcard), &hyphenated);
+    const auto [words, hyphenated] = separatedWildcardWords(String(wildcard));
     RefSearch first = single, next = single;
     first.acceptStar = first.starIsWord = true;
     next.anchored = next.forward = next.acceptStar = next.starIsWord = true;

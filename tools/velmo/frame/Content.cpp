@@ -80,10 +80,8 @@ String decoded(Data&& data, StringEncoding encoding) {
     if (encoding == UTF8StringEncoding)
         return bytes.size() > PieceSize ? decodedInPieces(bytes) : String::fromUTF8(charsOf(bytes));
     StringBuilder units(bytes.size());
-    std::size_t count = 0;
-    convertEncodingToUnicode(bytes, textEncodingOf(encoding),
-                             {units.prepare(bytes.size()), bytes.size()}, count);
-    units.commit(count);
+    const std::span<char16_t> room(units.prepare(bytes.size()), bytes.size());
+    units.commit(convertEncodingToUnicode(bytes, textEncodingOf(encoding), room).count);
     return units.finish();
 }
 

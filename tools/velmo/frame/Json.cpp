@@ -35,12 +35,25 @@ std::size_t plainUnits(std::u16string_view text) {
     return i;
 }
 
+/// Whether UTF-8 can stand in JSON as it is.
+bool needsNoEscape(std::string_view bytes) {
+    return std::ranges::none_of(bytes, [](char byte) {
+        return byte == '"' || byte == '\\' || static_cast<unsigned char>(byte) < 0x20;
+    });
+}
+
+/// Most pieces go out as they are; the library, which copies each, escapes the others.
+void writePiece(const std::string& bytes, Sink sink) {
+    if (needsNoEscape(bytes)) return sink(bytes);
+    const std::string quoted = nlohmann::json(bytes).dump();
+    sink(std::string_view(quoted).substr(1, quoted.size() - 2));
+}
+
 void writeText(std::u16string_view text, Sink sink) {
     sink("\"");
     while (!text.empty()) {
         if (const std::size_t plain = plainUnits(text)) {
-            const std::string quoted = nlohmann::json(utf8(text.substr(0, plain))).dump();
-            sink(std::string_view(quoted).substr(1, quoted.size() - 2));
+            writePiece(utf8(text.substr(0, plain)), sink);
             text.remove_prefix(plain);
         } else {
             sink(fmt::format("\\u{:04x}", static_cast<unsigned>(text.front())));
@@ -58,7 +71,14 @@ struct Writer {
     void operator()(std::int64_t number) const { sink(std::to_string(number)); }
     void operator()(std::uint64_t number) const { sink(std::to_string(number)); }
     void operator()(double number) const { sink(nlohmann::json(number).dump()); }
-    void operator()(const std::string& text) const { writeText(String::fromUTF8(text), sink); }
+    void operator()(const std::string& text) const {
+        const bool isAscii =
+            std::ranges::all_of(text, [](char c) { return c >= 0x20 && c < 0x7F; });
+        if (!isAscii || !needsNoEscape(text)) return writeText(String::fromUTF8(text), sink);
+        sink("\"");
+        sink(text);
+        sink("\"");
+    }
     void operator()(const String& text) const { writeText(text, sink); }
     void operator()(const Json::Array& values) const {
         sink("[");

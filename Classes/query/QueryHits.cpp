@@ -1,0 +1,35 @@
+#include <velmocore/query/QueryHits.h>
+
+#include "query/HitCollection.h"
+#include "query/QueryWords.h"
+
+namespace velmo {
+namespace {
+
+template <class Words, class Comparison>
+std::vector<Range> hitsOf(std::u16string_view text, const QueryTerms& terms,
+                          Comparison comparison) {
+    if (terms.isAbsent() || text.empty()) return {};
+    const detail::QueryTree& tree = detail::QueryTree::of(terms);
+    Words words(tree, text, comparison, true);
+    return detail::HitCollection(tree, text, words).of(detail::QueryTree::indexOf(terms));
+}
+
+}  // namespace
+
+std::vector<Range> hitsOfQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                                    Case letterCase) {
+    return hitsOf<detail::PlainWords>(text, terms, letterCase);
+}
+
+std::vector<Range> hitsOfQueryTerms(std::u16string_view text, const QueryTerms& terms,
+                                    WildcardComparison comparison) {
+    return hitsOf<detail::WildcardWords>(text, terms, comparison);
+}
+
+std::vector<Range> hitsOfQueryTerms(std::u16string_view text, const QueryTerms& terms) {
+    return terms.hasWildcards() ? hitsOfQueryTerms(text, terms, DefaultComparison)
+                                : hitsOfQueryTerms(text, terms, DefaultCase);
+}
+
+}  // namespace velmo

@@ -1,0 +1,172 @@
+// What the tool tells of itself: its examples run as they stand, its man page tells every member of
+// its JSON, and a slip of the keyboard is understood.
+#include <regex>
+
+#include "ToolFixture.h"
+
+namespace velmo {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr const char* Manual = VELMO_PAGES "/../../tools/velmo/velmo.1";
+
+class HelpTool : public Tool {
+protected:
+    void SetUp() override {
+        Tool::SetUp();
+        const std::string text =
+            "A cat and a dog sat in a house in the city; the data base has an analogy.\nA cup of tea, no coffee. By "
+            "e-mail or telephone. The city of New York.\n";
+        std::filesystem::create_directories(folder_ / "site");
+        std::filesystem::create_directories(folder_ / "letters");
+        for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
+        for (const char* name : {"page.html", "site/page.html"})
+            write(name, "<html><title>T</title><body>" + text + "<a href=x>link</a><img src=i>");
+    }
+
+    /// The command lines of a help: after "Example: " or in a list of them.
+    static std::vector<std::string> examplesOf(const std::string& help) {
+        std::vector<std::string> examples;
+        static const std::regex line("(?:^|\n)(?:Example:)? +(velmo [a-z][^\n]*)");
+        for (std::sregex_iterator i(help.begin(), help.end(), line), end; i != end; ++i) examples.push_back((*i)[1]);
+        return examples;
+    }
+
+    void runExample(const std::string& example) const {
+        const std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
+        shell("rm -f archive.txt.gz");
+        if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
+        const Outcome outcome = shell(line);
+        EXPECT_EQ(outcome.code, 0) << example << "\n" << outcome.err;
+        EXPECT_NE(outcome.out, "") << example;
+        write("archive.txt", "text");
+    }
+
+    /// Every command, and every action of url.
+    std::vector<std::string> commands() const {
+        std::vector<std::string> names;
+        for (const std::string& group : {""s, "url "s}) {
+            std::istringstream help(run("help " + group).out);
+            for (std::string line; std::getline(help, line);)
+                if (std::smatch match; std::regex_match(line, match, std::regex("  ([a-z]+) +[A-Z].*")))
+                    names.push_back(group + match[1].str());
+        }
+        return names;
+    }
+};
+
+TEST_F(HelpTool, RunsItsOwnExamples) {
+    std::size_t count = 0;
+    const auto runAll = [&](const std::string& help) {
+        for (const std::string& example : examplesOf(help)) runExample(example), ++count;
+    };
+    const std::vector<std::string> names = commands();
+    EXPECT_EQ(names.size(), 26u);
+    for (const std::string& name : names) {
+        if (name == "url") continue;
+        const std::string help = run("help " + name).out;
+        EXPECT_FALSE(examplesOf(help).empty()) << name;
+        EXPECT_EQ(run(name + " --help").out + (name == "query" ? run("help query").out : ""),
+                  (name == "query" ? run("query --help").out : "") + help);
+        runAll(help);
+    }
+    runAll(run("--help").out);
+    std::string manual = contentOf(Manual);
+    manual = std::regex_replace(std::regex_replace(manual, std::regex("\\\\\\(aq"), "'"), std::regex("\\\\-"), "-");
+    runAll(std::regex_replace(manual, std::regex("\nvelmo "), "\n velmo "));
+    EXPECT_GT(count, 50u);
+}
+
+TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
+    const std::string manual = contentOf(Manual);
+    const std::size_t start = manual.find("\n.SH JSON"), end = manual.find("\n.SH ENVIRONMENT");
+    std::vector<std::string> paragraphs;
+    for (std::size_t at = manual.find("\n.TP\n.B ", start); at < end; at = manual.find("\n.TP\n.B ", at + 1))
+        paragraphs.push_back(manual.substr(at + 8, manual.find("\n.TP", at + 1) - at - 8));
+    const std::pair<const char*, const char*> runs[] = {
+        {"gather", "site --follow all --query cat"},
+        {"text", "page.html"},
+        {"links", "--details --base http://h/ page.html"},
+        {"charset", "page.html"},
+        {"words", "--list notes.txt"},
+        {"language", "notes.txt"},
+        {"lines", "notes.txt"},
+        {"clean", "notes.txt"},
+        {"digest", "--md5 --sha1 --crc notes.txt"},
+        {"pack", "notes.txt"},
+        {"unpack", "notes.txt.gz --force"},
+        {"match", "cat notes.txt"},
+        {"query", "cat"},
+        {"excerpts", "cat notes.txt"},
+        {"excerpts", "--list cat notes.txt"},
+        {"find", "cat notes.txt"},
+        {"url resolve", "http://h/ a"},
+        {"url accept", "http://h/"},
+        {"url unwrap", "--base http://h/ a"},
+        {"url simplify", "http://h/"},
+        {"url parse", "http://h/"},
+        {"url path", "http://h/"},
+        {"url params", "http://h/?a=b"},
+        {"url classify", "http://h/"},
+        {"url repair", "h.org"},
+        {"mime", "html"},
+    };
+    EXPECT_EQ(std::size(runs), commands().size());
+    for (const auto& [command, arguments] : runs) {
+        // The paragraph whose heading names the command, with its group if it is an action.
+        const std::string action = std::string(command).substr(std::string(command).find(' ') + 1);
+        const auto told = std::ranges::find_if(paragraphs, [&](const std::string& paragraph) {
+            const std::string heading = paragraph.substr(0, paragraph.find('\n'));
+            return std::regex_search(heading, std::regex("\\b" + action + "\\b"));
+        });
+        ASSERT_NE(told, paragraphs.end()) << command;
+        const std::function<void(const Json&)> check = [&](const Json& value) {
+            if (!value.is_structured()) return;
+            for (const auto& [name, member] : value.items()) {
+                if (value.is_object() && name != "file" && name != "a")
+                    EXPECT_NE(told->find("\\(dq" + name + "\\(dq"), std::string::npos) << command << " " << name;
+                check(member);
+            }
+        };
+        const std::vector<Json> objects = shell("$V "s + command + " --json " + arguments).lines();
+        EXPECT_FALSE(objects.empty()) << command;
+        for (const Json& object : objects) check(object);
+    }
+}
+
+TEST_F(HelpTool, UnderstandsSlips) {
+    const struct {
+        const char *arguments, *complaint;
+    } cases[] = {
+        {"exerpts cat", "unknown command exerpts; did you mean excerpts?"},
+        {"help gahter", "unknown command gahter; did you mean gather?"},
+        {"url simplfy x", "url: unknown command simplfy; did you mean simplify?"},
+        {"xylophone", "unknown command xylophone"},
+        {"match --recursiv cat .",
+         "match: unknown option --recursiv; did you mean --recursive?; put -- before a QUERY that begins with -"},
+        {"find --comparison=diacritic x",
+         "find: --comparison: 'diacritic' is none of exact, case, diacritics, both, fuzzy, "
+         "exact+fuzzy, case+fuzzy, diacritics+fuzzy, both+fuzzy; did you mean diacritics?"},
+        {"match '-zebra' notes.txt", "match: unknown option -zebra; put -- before a QUERY that begins with -"},
+        {"match", "match: QUERY is missing"},
+        {"find", "find: PATTERN is missing"},
+        {"query a b", "query: unexpected argument b"},
+        {"links --images --media", "links: --media: only one of --frames, --images, --scripts and --media"},
+        {"words --page --text", "words: --page does not go with --text"},
+        {"digest notes.txt", "digest: one of --md5, --sha1 and --crc is missing"},
+        {"", "a command is missing"},
+        {"url", "url: an action is missing"},
+    };
+    for (const auto& c : cases) {
+        const Outcome outcome = run(c.arguments);
+        EXPECT_EQ(outcome.code, 2) << c.arguments;
+        EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')), "velmo: "s + c.complaint);
+        EXPECT_NE(outcome.err.find("\nvelmo: see velmo help"), std::string::npos);
+    }
+    EXPECT_TRUE(std::regex_match(run("-V").out, std::regex("velmo [0-9.]+\n")));
+    EXPECT_EQ(run("--version").out, run("-V").out);
+}
+
+}  // namespace
+}  // namespace velmo
