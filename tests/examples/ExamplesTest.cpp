@@ -37,7 +37,7 @@ std::string shown(double value) {
 }
 
 void compare(const std::string& value, std::string_view expected, const char* header, int line) {
-    if (value == withoutQuotes(expected)) return;
+    if (value == expected || value == withoutQuotes(expected)) return;
     for (std::string_view mark : {"; ", ": "})
         if (const std::size_t end = expected.find(mark); end != expected.npos)
             if (value == withoutQuotes(expected.substr(0, end))) return;
