@@ -41,10 +41,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const HtmlLinks all = htmlLinks(page);
     checkLinks(all);
+    std::vector<String> others = all.links;
     const HtmlLinks filtered = htmlLinks(page, {.useRelNoFollow = true, .filter = true});
     checkLinks(filtered);
     fuzz::require(filtered.links.size() <= all.links.size());
     checkLinks(htmlLinksContaining(page, u"a", false));
+    // One more link in front is one more link, and the others are what they were.
+    HtmlLinks more = htmlLinks(u"<a href=/fuzz-front>" + page);
+    fuzz::require(!more.links.empty() && more.links.front() == u"/fuzz-front");
+    more.links.erase(more.links.begin());
+    std::erase(others, String(u"/fuzz-front"));
+    fuzz::require(more.links == others);
 
     const HtmlReferences references = htmlLinksAndFramesSet(page);
     fuzz::require(references.baseURL == all.baseURL);

@@ -3,8 +3,10 @@
 // well formed, evaluation ends, what a query is written as is read again to the same, and
 // excerpts hold what they say.
 #include <velmocore/query/Occurrences.h>
+#include <velmocore/query/QueryDiagnosis.h>
 #include <velmocore/query/QueryDump.h>
 #include <velmocore/query/QueryEvaluation.h>
+#include <velmocore/query/QueryHits.h>
 #include <velmocore/query/QueryRewriting.h>
 #include <velmocore/query/WordSearch.h>
 
@@ -18,12 +20,27 @@ using fuzz::require;
 
 namespace {
 
+/// Hits stand in their order inside the text, and only where the query holds.
+void requireHits(const String& text, const std::vector<Range>& hits, bool matches, bool contains) {
+    require(hits.empty() || (matches && contains));
+    for (std::size_t i = 0; i < hits.size(); ++i) {
+        require(hits[i].length > 0 && hits[i].end() <= text.length());
+        require(i == 0 || hits[i - 1].location <= hits[i].location);
+    }
+}
+
 void evaluate(const QueryTerms& terms, const String& text, WildcardComparison comparison) {
-    const bool matches = terms.matchesString(text, !isCaseInsensitive(comparison));
-    require(!text.isEmpty() || !matches);
-    terms.containsString(text, !isCaseInsensitive(comparison));
-    terms.matchesString(text, comparison);
-    terms.containsString(text, comparison);
+    const Case letterCase = letterCaseOf(comparison);
+    require(!text.isEmpty() || !terms.matchesString(text, letterCase));
+    requireHits(text, hitsOfQueryTerms(text, terms, letterCase),
+                terms.matchesString(text, letterCase), terms.containsString(text, letterCase));
+    requireHits(text, hitsOfQueryTerms(text, terms, comparison),
+                terms.matchesString(text, comparison), terms.containsString(text, comparison));
+}
+
+void diagnose(const String& query, bool wildcard) {
+    for (const QueryProblem& problem : problemsOfQuery(query, {.wildcard = wildcard}))
+        require(problem.range.end() <= query.length() && !problem.text.isEmpty());
 }
 
 void rewrite(const QueryTerms& terms, std::uint64_t flags) {
@@ -78,6 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (bool wildcard : {false, true}) {
         const QueryTerms terms(query, {.wildcard = wildcard});
         evaluate(terms, text, comparison);
+        diagnose(query, wildcard);
         rewrite(terms, std::uint64_t{choice} << 10 | split);
         excerpt(text, terms.plusWildcards().value_or(std::vector<String>()), comparison,
                 choice / 8);

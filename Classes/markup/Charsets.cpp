@@ -9,6 +9,7 @@
 #include <velmocore/text/ConversionTables.h>
 
 #include "markup/CharsetTables.h"
+#include "platform/Ascii.h"
 #include "platform/EncodingNumbers.h"
 #include "text/Keyword.h"
 
@@ -16,8 +17,7 @@ namespace velmo {
 namespace {
 
 using Name = std::u16string_view;
-
-bool isDigit(char16_t unit) { return unit >= u'0' && unit <= u'9'; }
+using detail::ascii::isDigit;
 
 std::u16string normalized(Name name) {
     const CharacterSetRep& kept = alphaNumCharacterSetRep();
@@ -31,7 +31,7 @@ std::u16string normalized(Name name) {
 /// The first number in the name; no charset has one beyond this limit.
 std::optional<std::uint32_t> firstNumber(Name name) {
     constexpr std::uint32_t Limit = 100'000'000;
-    const auto start = std::ranges::find_if(name, isDigit);
+    const auto start = std::ranges::find_if(name, isDigit<char16_t>);
     if (start == name.end()) return std::nullopt;
     std::uint32_t number = 0;
     for (auto digit = start; digit != name.end() && isDigit(*digit); ++digit)

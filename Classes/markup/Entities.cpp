@@ -16,6 +16,7 @@
 
 #include "markup/EntityTables.h"
 #include "markup/RewriteRuns.h"
+#include "platform/Ascii.h"
 #include "text/UnitScan.h"
 
 namespace velmo {
@@ -64,13 +65,6 @@ Reference readLooseForm(Units text, bool convertStandard) {
     return {};
 }
 
-/// The value of a digit, 16 if it is none.
-unsigned digitValue(char16_t unit) {
-    if (unit >= u'0' && unit <= u'9') return unit - u'0';
-    const char16_t lower = unit | 0x20;
-    return lower >= u'a' && lower <= u'f' && unit < 128 ? lower - u'a' + 10 : 16;
-}
-
 /// A name or a number is a run of units behind the & that the first other unit ends. The end
 /// of the range ends it too, and then the last unit that was read counts as the terminator:
 /// it does not belong to the run.
@@ -92,10 +86,11 @@ Reference readNumber(Units text, bool convertStandard) {
     const bool isHex = text.size() > 2 && (text[2] | 0x20) == u'x';
     const unsigned base = isHex ? 16 : 10;
     const std::size_t start = isHex ? 3 : 2;
-    const Run run = readRun(text, start, [=](char16_t unit) { return digitValue(unit) < base; });
+    const Run run =
+        readRun(text, start, [=](char16_t unit) { return ascii::hexValue(unit) < base; });
     if (!run.end) return {};
     std::uint32_t value = 0;
-    for (std::size_t i = start; i < run.end; ++i) value = value * base + digitValue(text[i]);
+    for (std::size_t i = start; i < run.end; ++i) value = value * base + ascii::hexValue(text[i]);
     if (value > 0x10FFFF) return {};
     if (value > 0xFFFF)
         return {run.taken,

@@ -1,6 +1,7 @@
 #include <velmocore/markup/JSONEscapes.h>
 
 #include "markup/RewriteRuns.h"
+#include "platform/Ascii.h"
 #include "text/UnitScan.h"
 
 namespace velmo {
@@ -8,17 +9,11 @@ namespace {
 
 using namespace detail;
 
-unsigned hexDigit(char16_t unit) {
-    if (unit >= u'0' && unit <= u'9') return unit - u'0';
-    if (unit >= u'a' && unit <= u'f') return unit - u'a' + 10;
-    if (unit >= u'A' && unit <= u'F') return unit - u'A' + 10;
-    return 0;
-}
-
-/// Reads up to so many digits; those that the end cuts off are 0.
+/// Reads so many digits. Those that the end cuts off, and other units, count as 0.
 char16_t readHex(const char16_t*& at, const char16_t* end, int digits) {
     unsigned value = 0;
-    for (int i = 0; i < digits; ++i) value = value << 4 | (at < end ? hexDigit(*at++) : 0);
+    for (int i = 0; i < digits; ++i)
+        value = value << 4 | (at < end ? ascii::hexValue(*at++) % 16 : 0);
     return static_cast<char16_t>(value);
 }
 

@@ -18,6 +18,7 @@
 #include "markup/TagName.h"
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/LeadingInteger.h"
 
@@ -72,7 +73,7 @@ bool isTinyFont(Units style) {
     const std::size_t points = keyword::find(style, "PT");
     if (points == Units::npos || points < 2) return false;
     const char16_t tens = style[points - 2], ones = style[points - 1];
-    return !(tens >= u'0' && tens <= u'9') && ones >= u'1' && ones <= u'4';
+    return !detail::ascii::isDigit(tens) && ones >= u'1' && ones <= u'4';
 }
 
 class Converter {

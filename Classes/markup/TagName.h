@@ -8,6 +8,7 @@
 
 #include <velmocore/markup/TagScanner.h>
 
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/UnitScan.h"
 
@@ -31,10 +32,9 @@ inline PackedName packedUnits(std::u16string_view name) {
     if (name.size() > MaxPackedUnits) return 0;
     PackedName value = 0;
     for (std::size_t i = 0; i < name.size(); ++i) {
-        char16_t unit = keyword::upper(name[i]);
+        const char16_t unit = keyword::upper(name[i]);
         if (unit > 127) return 0;
-        if (unit >= u'A' && unit <= u'Z') unit = static_cast<char16_t>(unit + 32);
-        value |= static_cast<PackedName>(unit) << (8 * i);
+        value |= static_cast<PackedName>(ascii::toLower(unit)) << (8 * i);
     }
     return value;
 }

@@ -24,14 +24,13 @@
 #include <velmocore/text/CharacterSets.h>
 
 #include "markup/MarkIndex.h"
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/PatternScan.h"
 #include "text/UnitScan.h"
 
 namespace velmo {
 namespace {
-
-bool isAsciiLetter(char16_t unit) { return static_cast<char16_t>((unit | 0x20) - u'a') < 26; }
 
 /// Searches one needle from positions that never go back, and remembers the last hit: as
 /// long as the next search begins in front of it, it is the answer again.
@@ -209,7 +208,7 @@ private:
 
     void findName(const char16_t* at, const char16_t* last) {
         at += *at == u'/';
-        if (!isAsciiLetter(*at)) {
+        if (!detail::ascii::isLetter(*at)) {
             while (at < last && !alpha_.contains(*at)) ++at;
             if (at >= last) return;
         }

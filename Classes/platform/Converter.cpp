@@ -1,3 +1,6 @@
+// One way for each kind of encoding. What pages are mostly written in does not go through ICU:
+// UTF-8 has its own decoder, a single-byte encoding is a table of 256 units, and a pair of bytes is
+// asked of ICU once (PairDecoder.h). ICU does the rest, and fills the tables.
 #include "platform/Converter.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// Two walks that foresee what the parser will do, without its recursion and without unfolding
+// anything. The binary one visits each object once and sums up, from the leaves to the root, how
+// deep it nests and how long it is as text. The other follows the tags of XML as the parser does,
+// and refuses markup in which the two could see different tags.
 #include "platform/PropertyListGuard.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Every question to ICU about characters in one place. Operations on whole texts are run with a
+// guess of the room and once more if that did not do, straight into the new string's array.
 #include "platform/Unicode.h"
 
 #include <unicode/uchar.h>

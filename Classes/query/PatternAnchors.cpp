@@ -73,7 +73,7 @@ PatternAnchors anchorsOf(std::u16string_view core, WildcardType type,
         stretch = {};
         isFirst = false;
     };
-    for (std::size_t at = 0; at < core.size(); at = behindElement(core, at)) {
+    for (std::size_t at = 0; at < core.size(); at = afterElement(core, at)) {
         if (core[at] == u'*')
             close(false);
         else

@@ -7,15 +7,12 @@
 
 #include "query/QueryOperators.h"
 #include "query/QueryTree.h"
+#include "query/QueryUnits.h"
 #include "text/LeadingInteger.h"
 #include "text/Trim.h"
 
 namespace velmo::detail {
 namespace {
-
-constexpr bool isDoubleQuote(char16_t unit) {
-    return unit == u'"' || (unit >= 0x201C && unit <= 0x201F);
-}
 
 /// Finds the closing parenthesis of each opening one, ahead of the parser and in one pass;
 /// to look for it anew at each level would cost the square of the depth. Quotes and

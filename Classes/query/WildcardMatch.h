@@ -25,7 +25,7 @@ namespace velmo::detail {
 inline constexpr std::size_t NoStep = static_cast<std::size_t>(-1);
 
 /// The position after the next ], or the end.
-inline std::size_t behindBracket(std::u16string_view wildcard, std::size_t position) {
+inline std::size_t afterBracket(std::u16string_view wildcard, std::size_t position) {
     const std::size_t bracket = wildcard.find(u']', position);
     return bracket == wildcard.npos ? wildcard.size() : bracket + 1;
 }
@@ -46,7 +46,7 @@ inline std::size_t stepThroughSet(std::u16string_view wildcard, std::size_t posi
             const char16_t low = wildcard[position - 2], high = wildcard[position++];
             holds = low <= unit && unit <= high;
         }
-        if (holds) return negated ? NoStep : behindBracket(wildcard, position);
+        if (holds) return negated ? NoStep : afterBracket(wildcard, position);
     }
     return negated ? wildcard.size() : NoStep;
 }

@@ -1,3 +1,7 @@
+// Looking for a pattern for one word. Most words of a text are ruled out at a glance: by two
+// units of the pattern that stand at fixed places in it, which are looked for many units at a
+// time, or, where there are no such units, by the length of the word and the unit at its edge.
+// Only words that are left are compared by the test that is cheapest for the pattern's type.
 #include "query/WildcardPattern.h"
 
 #include <algorithm>

@@ -14,8 +14,8 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
 
-#include "text/SmallBuffer.h"
 #include "text/PatternScan.h"
+#include "text/SmallBuffer.h"
 
 namespace velmo::detail {
 

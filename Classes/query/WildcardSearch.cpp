@@ -1,3 +1,6 @@
+// Searches for wildcards in a text: single ones, the nearest of several, and all of them one
+// after the other. What a wildcard finds is settled in WildcardTerm, what is remembered from
+// hit to hit in WildcardWalk; here ranges are cut to the text and options handed on.
 #include <velmocore/query/WildcardSearch.h>
 
 #include <algorithm>

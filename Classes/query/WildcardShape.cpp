@@ -99,8 +99,8 @@ WildcardShape shapeWildcard(char16_t* wildcard, std::size_t length, std::uint64_
     return {{type, coreOf(type, length)}, length};
 }
 
-std::size_t behindElement(std::u16string_view wildcard, std::size_t position) {
-    return wildcard[position] == u'[' ? behindBracket(wildcard, position) : position + 1;
+std::size_t afterElement(std::u16string_view wildcard, std::size_t position) {
+    return wildcard[position] == u'[' ? afterBracket(wildcard, position) : position + 1;
 }
 
 }  // namespace velmo::detail

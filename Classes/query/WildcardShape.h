@@ -18,6 +18,6 @@ struct WildcardShape {
 WildcardShape shapeWildcard(char16_t* wildcard, std::size_t length, std::uint64_t minCharacters);
 
 /// The position after the element that begins at one. A set ends at its ], or at the end.
-std::size_t behindElement(std::u16string_view wildcard, std::size_t position);
+std::size_t afterElement(std::u16string_view wildcard, std::size_t position);
 
 }  // namespace velmo::detail

@@ -1,3 +1,5 @@
+// The wildcard language for single strings: the operations are thin, the matchers stand in
+// WildcardMatch.h and the normalising pass in WildcardShape.cpp.
 #include <velmocore/query/Wildcards.h>
 
 #include <algorithm>
@@ -5,9 +7,9 @@
 #include <velmocore/words/Separators.h>
 #include <velmocore/words/Words.h>
 
-#include "text/SmallBuffer.h"
 #include "query/WildcardMatch.h"
 #include "query/WildcardShape.h"
+#include "text/SmallBuffer.h"
 #include "text/UnitFold.h"
 
 namespace velmo {
@@ -100,14 +102,14 @@ std::size_t wildcardLength(std::u16string_view wildcard) { return minWildcardLen
 
 std::size_t minWildcardLen(std::u16string_view wildcard) {
     std::uint64_t elements = 0;
-    for (std::size_t at = 0; at < wildcard.size(); at = detail::behindElement(wildcard, at))
+    for (std::size_t at = 0; at < wildcard.size(); at = detail::afterElement(wildcard, at))
         elements += wildcard[at] != u'*';
     return elements;
 }
 
 std::size_t maxWildcardLen(std::u16string_view wildcard) {
     std::uint64_t elements = 0;
-    for (std::size_t at = 0; at < wildcard.size(); at = detail::behindElement(wildcard, at)) {
+    for (std::size_t at = 0; at < wildcard.size(); at = detail::afterElement(wildcard, at)) {
         if (wildcard[at] == u'*') return UnboundedWildcardLength;
         ++elements;
     }

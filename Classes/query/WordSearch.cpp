@@ -1,3 +1,5 @@
+// Words and phrases in a text. All of it stands on the one scan of WordScan, forwards or from
+// the end; a phrase is tried at each place of its first word.
 #include <velmocore/query/WordSearch.h>
 
 #include <algorithm>

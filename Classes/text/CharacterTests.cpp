@@ -1,3 +1,5 @@
+// Tests of a text by the class of its units. Each is a set and one of four loops over it; what
+// compares texts looks only at the units of the set on both sides.
 #include <velmocore/text/CharacterTests.h>
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Paths are taken apart into views (PathParts.h) and put together once; a component is no string
+// of its own. Names for files are cut by two measures, units and bytes of UTF-8, and never within
+// a surrogate pair.
 #include <velmocore/text/Paths.h>
 
 #include <algorithm>

@@ -1,7 +1,10 @@
+// The kernels of the search by two units: eight or thirty-two starts a step, each with a plain loop
+// beside it; and the units that a fold makes equal, from which anchors outside ASCII are made.
 #include "text/PatternScan.h"
 
 #include <algorithm>
 #include <bit>
+#include <span>
 #include <vector>
 
 #include "text/UnitScan.h"
@@ -131,7 +134,9 @@ public:
     }
 
     std::optional<Anchor> anchor(std::size_t offset, char16_t unit) const {
-        const auto members = std::ranges::equal_range(members_, fold_(unit), {}, &Member::key);
+        const auto first = std::ranges::lower_bound(members_, fold_(unit), {}, &Member::key);
+        const auto last = std::ranges::upper_bound(members_, fold_(unit), {}, &Member::key);
+        const std::span<const Member> members(first, last);
         if (members.size() > 3) return std::nullopt;
         if (members.empty()) return exactAnchor(offset, unit);
         const auto variant = [&](std::size_t i) {

@@ -112,7 +112,7 @@ char16_t* writeUtf8(char16_t* write, std::u16string_view text, Keep keep) {
         if (isSurrogate(unit)) {
             if (!isHighSurrogate(unit) || ++i == text.size() || !isLowSurrogate(text[i]))
                 return nullptr;
-            unit = 0x10000 + ((unit - 0xD800) << 10) + (text[i] - 0xDC00u);
+            unit = characterOfPair(static_cast<char16_t>(unit), text[i]);
         }
         write = writeEscapes(write, unit);
     }

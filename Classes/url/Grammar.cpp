@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "url/IPv6.h"
 
@@ -53,10 +54,6 @@ constexpr auto Classes = makeClasses();
 constexpr bool isIn(char16_t unit, int mask) noexcept {
     return unit < 128 && (Classes[unit] & mask) != 0;
 }
-constexpr bool isLetter(char16_t unit) noexcept {
-    return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z';
-}
-constexpr bool isDigit(char16_t unit) noexcept { return unit >= u'0' && unit <= u'9'; }
 
 /// The first position from start on that holds neither a unit of the mask nor a whole
 /// escape.
@@ -94,7 +91,7 @@ bool isIPLiteral(std::u16string_view text) noexcept {
 bool isPort(std::u16string_view digits) noexcept {
     std::uint32_t port = 0;
     for (char16_t unit : digits) {
-        if (!isDigit(unit)) return false;
+        if (!ascii::isDigit(unit)) return false;
         port = port * 10 + static_cast<std::uint32_t>(unit - u'0');
         if (port > 65535) return false;
     }
@@ -271,7 +268,7 @@ bool cut(std::u16string_view text, Parts& parts) noexcept {
     const auto end = static_cast<std::uint32_t>(text.size());
     parts = Parts();
     std::uint32_t i = 0;
-    if (end && isLetter(text[0])) {
+    if (end && ascii::isLetter(text[0])) {
         while (i < end && isIn(text[i], InScheme)) ++i;
         if (i < end && text[i] == u':')
             parts[URLPart::Scheme] = {0, i++};

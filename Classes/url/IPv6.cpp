@@ -1,6 +1,6 @@
 #include "url/IPv6.h"
 
-#include "url/Grammar.h"
+#include "platform/Ascii.h"
 
 namespace velmo::detail {
 namespace {
@@ -20,7 +20,7 @@ bool takeByte(std::u16string_view& rest) {
     std::size_t digits = 0;
     for (; digits < rest.size() && digits < 3; ++digits) {
         const char16_t unit = rest[digits];
-        if (unit < u'0' || unit > u'9') break;
+        if (!ascii::isDigit(unit)) break;
         value = value * 10 + (unit - u'0');
     }
     if (digits == 0 || value > 255 || (digits > 1 && rest[0] == u'0')) return false;
@@ -37,8 +37,7 @@ bool isIPv4Address(std::u16string_view rest) {
 /// How many hexadecimal digits the text begins with, up to four.
 std::size_t lengthOfGroup(std::u16string_view text) {
     std::size_t length = 0;
-    while (length < text.size() && length < 4 && grammar::hexDigitValue(text[length]) >= 0)
-        ++length;
+    while (length < text.size() && length < 4 && ascii::hexValue(text[length]) < 16) ++length;
     return length;
 }
 

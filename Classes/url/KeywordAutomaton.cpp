@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/Ascii.h"
 #include "platform/Assertion.h"
 
 namespace velmo::detail {
@@ -10,7 +11,7 @@ namespace {
 /// No folded text holds a capital.
 bool canOccur(std::string_view keyword) {
     return !keyword.empty() && std::all_of(keyword.begin(), keyword.end(), [](char unit) {
-        return unit > 0 && !(unit >= 'A' && unit <= 'Z');
+        return unit > 0 && !ascii::isUpper(unit);
     });
 }
 

@@ -5,6 +5,7 @@
 
 #include <velmocore/url/URLSchemes.h>
 
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 
 namespace velmo {
@@ -16,9 +17,7 @@ constexpr std::string_view Filtered[] = {
     "WEBCAL:", "CALLTO:", "SHERLOCK:", "X-MAN-PAGE:", "VELMOADDRESS:",
 };
 
-bool isSchemeUnit(char16_t unit) {
-    return unit == u'-' || ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z');
-}
+bool isSchemeUnit(char16_t unit) { return unit == u'-' || detail::ascii::isLetter(unit); }
 
 }  // namespace
 

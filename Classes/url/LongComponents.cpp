@@ -4,6 +4,7 @@
 
 #include <velmocore/text/Checksums.h>
 
+#include "platform/Surrogates.h"
 #include "text/PathParts.h"
 
 namespace velmo::detail {
@@ -13,7 +14,7 @@ String fittingComponent(const String& component, std::size_t room) {
     if (component.length() + room <= Longest) return component;
     std::u16string result(component.view().substr(0, Kept - std::min(room, Kept)));
     // No file name can hold half a surrogate pair.
-    if (!result.empty() && (result.back() & 0xFC00) == 0xD800) result.pop_back();
+    if (!result.empty() && isHighSurrogate(result.back())) result.pop_back();
     for (char digit : fmt::format("{:08x}", crc32(component.view())))
         result += static_cast<char16_t>(digit);
     return result;

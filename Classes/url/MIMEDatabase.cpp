@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "platform/Ascii.h"
+
 namespace velmo::detail {
 namespace {
 
@@ -33,8 +35,7 @@ std::string readInstalled(const char* path) {
 /// The database writes some types with capitals; they are looked up in lower case.
 std::string lowerCase(std::string_view ascii) {
     std::string lower(ascii);
-    for (char& c : lower)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c + 32);
+    for (char& c : lower) c = ascii::toLower(c);
     return lower;
 }
 

@@ -13,6 +13,7 @@
 
 #include <velmocore/url/FileKinds.h>
 
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "url/FileKindTables.h"
 #include "url/MIMEDatabase.h"
@@ -51,7 +52,7 @@ std::string keyOf(Units name) {
     if (name.size() > LongestName) return key;
     for (char16_t unit : name) {
         if (unit >= 128) return {};
-        key += static_cast<char>(unit >= u'A' && unit <= u'Z' ? unit + 32 : unit);
+        key += static_cast<char>(detail::ascii::toLower(unit));
     }
     return key;
 }

@@ -18,6 +18,7 @@
 #include <velmocore/url/URLSimplification.h>
 #include <velmocore/url/URLVariants.h>
 
+#include "platform/Ascii.h"
 #include "platform/Unicode.h"
 #include "text/Keyword.h"
 #include "text/PathParts.h"
@@ -91,9 +92,7 @@ bool standsAlone(Units link) {
 /// colons of schemes before it.
 bool isAbsolute(Units text, std::size_t position) {
     return std::all_of(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(position),
-                       [](char16_t unit) {
-                           return unit == u':' || ((unit | 0x20) >= u'a' && (unit | 0x20) <= u'z');
-                       });
+                       [](char16_t unit) { return unit == u':' || detail::ascii::isLetter(unit); });
 }
 
 /// The URL that make() gives of a text, if need be with escapes for what it may not hold. Raw

@@ -13,6 +13,7 @@
 #include <velmocore/text/Comparison.h>
 #include <velmocore/text/Finding.h>
 
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/PathParts.h"
 #include "text/Pieces.h"
@@ -22,6 +23,7 @@ namespace {
 
 using Units = std::u16string_view;
 using detail::concatenated;
+using namespace detail::ascii;
 
 /// Groups of schemes, as bits of a mask.
 enum SchemeGroup { Web = 1, FTP = 2, Feed = 4, File = 8 };
@@ -63,9 +65,6 @@ bool isOfKind(Units string, const StringKind& kind) {
 
 /// The host of the reference manager's maker.
 constexpr Units BookendsHost = u"sonnysoftware.com";
-
-bool isLetter(char16_t unit) { return (unit | 0x20) >= u'a' && (unit | 0x20) <= u'z'; }
-bool isLetterOrDigit(char16_t unit) { return isLetter(unit) || (unit >= u'0' && unit <= u'9'); }
 
 bool isMailbox(Units name) {
     return isLetterOrDigit(name.back()) && std::all_of(name.begin(), name.end(), [](char16_t unit) {

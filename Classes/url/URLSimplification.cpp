@@ -11,6 +11,7 @@
 #include <velmocore/text/Paths.h>
 #include <velmocore/url/PercentEscapes.h>
 
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/Pieces.h"
 #include "text/Trim.h"
@@ -199,9 +200,7 @@ String lowercased(GapText& text, const String& original) {
         lowercase(copy);
         return copy == original.view() ? original : String(copy);
     }
-    std::transform(units, end, units, [](char16_t unit) {
-        return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 32) : unit;
-    });
+    std::transform(units, end, units, ascii::toLower<char16_t>);
     const bool isSame =
         text.size() == original.length() && std::equal(units, end, original.begin());
     return isSame ? original : String(text.view());

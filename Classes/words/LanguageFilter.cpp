@@ -1,3 +1,7 @@
+// The language filter: its lists, its settings and the race of the languages for a text. The
+// words of all lists are one table, so that a text is read once however many languages there
+// are; what is counted comes from LanguageTally. The settings are copied once a scan, so that
+// scans on several threads need no lock while they run.
 #include <velmocore/words/LanguageFilter.h>
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Words, in every form: each operation is a small callable over the runs of RunScan.h, and the
+// modes are settled ahead of the loops.
 #include <velmocore/words/Words.h>
 
 #include <string>

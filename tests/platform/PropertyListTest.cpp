@@ -95,9 +95,9 @@ TEST(PropertyListAsXML, BoundsWhatIsWritten) {
             EXPECT_LE(xml->size(), 64 * list.size() + (1 << 20)) << levels << ' ' << times;
         }
     EXPECT_GT(read, 20u);
-    for (const std::string& leaf : {std::string("\x09"), "\x53" + std::string("&&&"), "\x43" + std::string("abc"),
-                                    "\x80" + std::string("\x01"), "\x13" + std::string(8, '\xFF'),
-                                    "\x23" + std::string("\xC1\x01\x01\x01\x01\x01\x01\x01")}) {
+    for (const std::string& leaf :
+         {std::string("\x09"), "\x53" + std::string("&&&"), "\x43" + std::string("abc"), "\x80" + std::string("\x01"),
+          "\x13" + std::string(8, '\xFF'), "\x23" + std::string("\xC1\x01\x01\x01\x01\x01\x01\x01")}) {
         const std::string list = binaryList({arrayOf(std::vector<std::uint32_t>(1000, 1)), leaf});
         const auto xml = propertyListAsXML(Bytes(list));
         if (xml) { EXPECT_LE(xml->size(), 64 * list.size() + (1 << 20)); }
@@ -128,8 +128,8 @@ TEST(PropertyListAsXML, KeepsLongTextsWithEntities) {
                                     std::string("&amp;") + std::string(3000, 'y'), std::string(1021, 'z') + "&quot;"}) {
         std::string text;
         for (int i = 0; i < 3000; ++i) text += part;
-        const std::string list = "<plist version=\"1.0\"><dict><key>" + text + "</key><string>" + text +
-                                 "</string></dict></plist>";
+        const std::string list =
+            "<plist version=\"1.0\"><dict><key>" + text + "</key><string>" + text + "</string></dict></plist>";
         const auto xml = propertyListAsXML(Bytes(list));
         ASSERT_TRUE(xml) << part.substr(0, 20);
         std::string expected = text;

@@ -30,6 +30,11 @@ TEST(Encodings, NumberSpacesMapOntoEachOther) {
         EXPECT_EQ(textEncodingOf(bad), UnknownTextEncoding) << bad;
     for (const detail::EncodingRow& row : detail::encodingRows())
         EXPECT_EQ(textEncodingOf(stringEncodingOf(row.number)), row.number);
+    std::size_t available = 0;
+    for (TextEncoding number = 0; number < 0x10000; ++number) available += isEncodingAvailable(number);
+    EXPECT_EQ(available, 80u);  // those of Unicode, but for UTF-16, have larger numbers
+    for (TextEncoding missing : {4u, 1296u, 1568u, 2569u, UnknownTextEncoding})
+        EXPECT_FALSE(isEncodingAvailable(missing)) << missing;
     EXPECT_EQ(ianaName(WindowsCP1252StringEncoding), "windows-1252");
     EXPECT_EQ(ianaName(0x80000000 | 1296), "");
 }

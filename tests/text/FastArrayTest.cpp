@@ -47,6 +47,15 @@ TEST_F(FastArrays, GrowsByDoublesAndThenBySteps) {
     EXPECT_EQ(exact.capacity(), 20u);
 }
 
+TEST_F(FastArrays, TellsEqualFromIdentical) {
+    const Numbers array = arrayOf({4, 5, 4});
+    const int four = 4, six = 6;
+    EXPECT_TRUE(array.containsObject(&four) && array.containsObjectIdenticalTo(at(4)));
+    EXPECT_FALSE(array.containsObjectIdenticalTo(&four) || array.containsObject(&six));
+    EXPECT_EQ(array.indexOfObject(&four), 0u);
+    EXPECT_EQ(array.indexOfObjectIdenticalTo(&four), NotFound);
+}
+
 TEST_F(FastArrays, IgnoresNullAndWrongIndexes) {
     Numbers array = arrayOf({4, 5, 6});
     array.addObject(nullptr);

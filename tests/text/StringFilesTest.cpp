@@ -103,6 +103,8 @@ TEST_F(StringFiles, WritersChooseTheirEncoding) {
         EXPECT_EQ(smallest.usedEncoding, c.smallest);
         EXPECT_EQ(stringWithContentsOfFile(path("s"), c.smallest).text, c.text);
         const FileWriting fastest = writeToFileUsingFastestEncoding(c.text, path("s"), false);
+        EXPECT_EQ(fastest.usedEncoding, UTF16StringEncoding);
+        EXPECT_EQ(fastest.usedEncoding, fastestEncoding(c.text));
         EXPECT_EQ(stringWithContentsOfFile(path("s"), fastest.usedEncoding).text, c.text);
         if (!dataUsingEncoding(c.text, UTF8StringEncoding)) continue;
         EXPECT_EQ(writeToFileUsingDefaultEncoding(c.text, path("s"), true).usedEncoding, UTF8StringEncoding);

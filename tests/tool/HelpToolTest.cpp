@@ -124,8 +124,9 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         const std::function<void(const Json&)> check = [&](const Json& value) {
             if (!value.is_structured()) return;
             for (const auto& [name, member] : value.items()) {
-                if (value.is_object() && name != "file" && name != "a")
-                    EXPECT_NE(told->find("\\(dq" + name + "\\(dq"), std::string::npos) << command << " " << name;
+                const bool isToldWithAll = !value.is_object() || name == "file" || name == "a";
+                EXPECT_TRUE(isToldWithAll || told->find("\\(dq" + name + "\\(dq") != std::string::npos)
+                    << command << " " << name;
                 check(member);
             }
         };

@@ -4,9 +4,13 @@
 #include <boost/url/parse.hpp>
 #include <boost/url/url_view.hpp>
 #include <filesystem>
+#include <map>
 #include <random>
 #include <sstream>
+#include <unordered_map>
 #include <unordered_set>
+
+#include <velmocore/platform/Format.h>
 
 #include "TestSupport.h"
 
@@ -121,6 +125,16 @@ TEST(URL, ComparesAndPrintsItsText) {
     std::ostringstream out;
     out << a << URL();
     EXPECT_EQ(out.str(), "http://a");
+    EXPECT_EQ(fmt::format("[{:>9}{}]", a, URL()), "[ http://a]");
+    // Containers are searched by texts.
+    const std::map<URL, int, std::less<>> ordered{{URL(), 0}, {a, 1}, {b, 2}};
+    const std::unordered_map<URL, int, URLHash, std::equal_to<>> unordered{{URL(), 0}, {a, 1}, {b, 2}};
+    for (const auto& [key, value] : ordered) {
+        EXPECT_EQ(unordered.at(key), value);
+        if (value) { EXPECT_EQ(ordered.find(key.absoluteString().view())->second, value); }
+        if (value) { EXPECT_EQ(unordered.find(key.absoluteString().view())->second, value); }
+    }
+    EXPECT_TRUE(ordered.find(u"") == ordered.end() && unordered.find(u"") == unordered.end());
 }
 
 std::string field(const std::string& line, const std::string& name) {

@@ -8,7 +8,7 @@ namespace velmo {
 // The backslash escapes of JSON and JavaScript strings, without their quotation marks. The
 // string itself comes back, absent or not, if there is nothing to do. Any thread.
 //
-//     stringByConvertingJSONToCharacters(u"a\\nb");   // a, LF, b
+//     stringByConvertingJSONToCharacters(u"a\\nb");   // a\nb
 
 /// Decodes \b \f \n \r \t and \uXXXX; any other escaped unit stands for itself. In \u a unit
 /// that is no hexadecimal digit counts as 0, and digits that the end cuts off as well. A

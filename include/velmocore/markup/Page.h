@@ -25,10 +25,10 @@ struct PageOptions {
 /// headers tell more, one thing at a time. It is decoded when it is made and scanned once. Each
 /// part is made when it is first asked for, and kept.
 ///
-///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>.",
+///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>",
 ///                     {.url = URL::URLWithString(u"http://h.org/a/")});
 ///     page.title();        // Ferrets
-///     page.plainText();    // Ferrets\n\nThey dig.
+///     page.plainText();    // Ferrets\n\nThey dig
 ///     page.links()[0];     // http://h.org/a/dig.html
 ///
 /// A page cannot be changed. Copies share it, and any number of threads may ask one page at a

@@ -35,8 +35,8 @@ concept ByteRange =
 /// in one piece - strings, string views, vectors and arrays of std::uint8_t, char or std::byte -
 /// and must not outlive it. An absent or default-made one has no bytes and a null data().
 ///
-///     md5OfData("abc");                                  // the three bytes of a literal
-///     stringWithMarkupData(std::string(begin, end));     // the bytes of a string
+///     MD5Digest("abc");                                  // (the three bytes of a literal)
+///     stringWithMarkupData(std::string(80, 'a'));         // (the bytes of a string)
 class Bytes : public std::span<const std::uint8_t> {
     using Span = std::span<const std::uint8_t>;
 

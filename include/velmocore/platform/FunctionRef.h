@@ -14,7 +14,8 @@ class FunctionRef;
 /// to, which a lambda in the argument list does. A default-made one is empty.
 ///
 ///     std::size_t n = 0;
-///     parseWords(text, [&](std::u16string_view, Range) { ++n; });
+///     parseWordsWithHandler(u"one two", [&](std::u16string_view, Range) { ++n; });
+///     n;    // 2
 template <class Result, class... Arguments>
 class FunctionRef<Result(Arguments...)> {
 public:

@@ -13,7 +13,8 @@ using LogHandler = void (*)(std::string_view line);
 /// default, which writes each line to standard error. May be called on any thread;
 /// the handler must stand being called on several at once.
 ///
-///     velmo::setLogHandler([](std::string_view line) { syslog(LOG_INFO, ...); });
+///     setLogHandler([](std::string_view line) { std::fwrite(line.data(), 1, line.size(), stdout); });
+///     setLogHandler(nullptr);    // (to standard error, as at the start)
 VELMO_API void setLogHandler(LogHandler handler) noexcept;
 
 /// Logs one line through the handler.

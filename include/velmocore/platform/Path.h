@@ -19,9 +19,9 @@ namespace velmo {
 /// zero unit in it, or a lone surrogate, which UTF-8 cannot hold. Operations on an absent path
 /// give their neutral result and touch no file.
 ///
-///     stringWithContentsOfFile(u"notes.txt", UTF8StringEncoding);
-///     for (const auto& entry : std::filesystem::directory_iterator("letters"))
-///         stringWithContentsOfFile(entry.path(), UTF8StringEncoding);
+///     stringWithContentsOfFile(u"notes.txt", UTF8StringEncoding).text;
+///     for (const auto& entry : std::filesystem::directory_iterator("/etc/skel"))
+///         print(stringWithContentsOfFile(entry.path(), UTF8StringEncoding).text);
 class VELMO_API Path {
 public:
     Path() noexcept = default;

@@ -15,7 +15,7 @@ using UserDefaultsHook = std::vector<String> (*)(std::u16string_view key);
 /// Installs the hook; null, as at the start, means that no key has a value. Meant to be
 /// called while the program starts; the pointer is stored atomically.
 ///
-///     velmo::setUserDefaultsHook([](std::u16string_view key) -> std::vector<velmo::String> {
+///     setUserDefaultsHook([](std::u16string_view key) -> std::vector<String> {
 ///         if (key == u"AdditionalXMLExtensions") return {u"kml"};
 ///         return {};
 ///     });

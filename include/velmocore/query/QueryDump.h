@@ -13,7 +13,7 @@ namespace velmo {
 /// substring term, and the word, in quotes if it is a phrase, or the number of children and
 /// their common operator. An absent query gives "".
 ///
-///     dumpOfQueryTerms(QueryTerms(u"a NEAR/3 -\"b c\""))
+///     dumpOfQueryTerms(QueryTerms(u"a NEAR/3 -\"b c\""));    // (is these lines)
 ///
 ///     AND group of 2 (NEAR)
 ///       AND a

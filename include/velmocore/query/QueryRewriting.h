@@ -14,7 +14,7 @@ namespace velmo {
 //
 //     plusString(u"tea -sugar \"two cups\"");                  // tea two cups
 //     standardizedQueryTerm(u"tea and (milk or lemon)");       // tea (milk OR lemon)
-//     *plusWildcards(u"well-known");    // wellknown, "well known", well-known
+//     *plusWildcards(u"well-known");    // wellknown, well known, well-known
 
 [[nodiscard]] inline String plusString(const String& query, std::uint32_t kinds = AllWords) {
     return QueryTerms::queryTermsWithString(query).plusString(kinds);

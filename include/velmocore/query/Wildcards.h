@@ -53,7 +53,7 @@ enum class WildcardType : std::uint32_t {
 /// How units are compared, and whether plain words are looked for by resemblance. Fuzzy is a
 /// bit that goes with each of the others.
 ///
-///     WildcardComparison::CaseInsensitive | WildcardComparison::Fuzzy
+///     const auto both = WildcardComparison::CaseInsensitive | WildcardComparison::Fuzzy;
 enum class WildcardComparison : std::uint32_t {
     Exact = 0,
     CaseInsensitive = 1,        ///< through upperCharsTable()
@@ -136,7 +136,8 @@ struct OptimizedWildcard {
 /// than minCharacters.
 ///
 ///     std::u16string wildcard = u"**[|a|b]x*";
-///     optimizeWildcard(wildcard);     // GeneralSets, {0, 7}; the wildcard is *[ab]x*
+///     optimizeWildcard(wildcard).core;     // {0, 7}; the type is GeneralSets
+///     wildcard;                            // *[ab]x*
 VELMO_API OptimizedWildcard optimizeWildcard(std::u16string& wildcard,
                                              std::size_t minCharacters = 1);
 

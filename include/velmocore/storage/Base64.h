@@ -28,7 +28,7 @@ namespace velmo {
 
 /// Three bytes for each group of four units, less one for each "=" at the end of the string. A
 /// unit outside the alphabet counts as "A", a line end too: it is not passed over. A last group
-/// that is short is filled up the same way and gives three bytes too, of which those behind the
+/// that is short is filled up the same way and gives three bytes too, of which those after the
 /// data are 0. Absent if the string or the result is empty.
 [[nodiscard]] VELMO_API std::optional<Data> decodedBase64Data(std::u16string_view string);
 /// The text up to the first NUL, read in the encoding. An absent or empty string gives itself;

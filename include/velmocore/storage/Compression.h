@@ -14,7 +14,7 @@ namespace velmo {
 // written. Any thread may call these.
 //
 //     std::optional<Data> packed = dataByGzippingData(bytes);
-//     std::optional<Data> again = dataByInflatingData(*packed);    // either format
+//     std::optional<Data> again = dataByInflatingData(*packed);    // (either format)
 //
 // The level is 1 (fast) to 9 (small); -1 is the usual middle. Others count as the nearest.
 
@@ -42,7 +42,7 @@ inline constexpr int DefaultCompressionLevel = -1;
 
 inline constexpr std::size_t NoInflatedLimit = std::numeric_limits<std::size_t>::max();
 
-// Inflating fails on damaged bytes, on bytes behind the end of the stream, on a stream that
+// Inflating fails on damaged bytes, on bytes after the end of the stream, on a stream that
 // breaks off, and if more than maximumLength bytes would come out: a few bytes can stand for
 // gigabytes, so give a limit for bytes from outside.
 

@@ -54,8 +54,10 @@ class isc_sha1_t : public DigestContext {};
 //
 //     isc_sha1_t context;
 //     isc_sha1_init(context);
-//     while (read(file, buffer)) isc_sha1_update(context, buffer);
+//     for (const char* part : {"a", "bc"}) isc_sha1_update(context, part);
+//     std::array<std::uint8_t, SHA1DigestSize> digest;
 //     isc_sha1_final(context, digest);
+//     hexStringValue(digest);    // a9993e364706816aba3e25717850c26c9cd0d89d
 
 VELMO_API void isc_md5_init(isc_md5_t& context);
 VELMO_API void isc_md5_update(isc_md5_t& context, Bytes bytes);
@@ -74,7 +76,7 @@ struct SaltedHashOptions {
     StringEncoding encoding = UTF8StringEncoding;
     std::size_t times = 1;  ///< 0 counts as 1
 };
-/// SHA-1, in hexadecimal, of the string with the salt behind it; so many times over, each time
+/// SHA-1, in hexadecimal, of the string with the salt after it; so many times over, each time
 /// of the text before. Absent for an absent or empty string, and for one that the encoding
 /// does not have. Not for passwords: it is fast to guess.
 [[nodiscard]] VELMO_API String saltedHash(const String& string,

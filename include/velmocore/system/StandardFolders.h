@@ -15,9 +15,10 @@ namespace velmo {
 //
 // The home folder is homeDirectory() of HomeFolder.h. Desktop and downloads are those of the
 // file user-dirs.dirs in XDG_CONFIG_HOME (else ".config" of the home folder), caches are
-// XDG_CACHE_HOME and application support is XDG_DATA_HOME, where these are absolute paths. What is not told so has its fallback below the home folder.
+// XDG_CACHE_HOME and application support is XDG_DATA_HOME, where these are absolute paths. What
+// is not told so has its fallback below the home folder.
 //
-//     pathInCachesDirectory(u"thumbnails");    // /home/ada/Library/Caches/thumbnails
+//     pathInCachesDirectory(u"thumbnails");    // (as /home/ada/Library/Caches/thumbnails)
 
 [[nodiscard]] VELMO_API const String& desktopDirectory();    ///< else "Desktop"
 [[nodiscard]] VELMO_API const String& downloadsDirectory();  ///< else "Downloads"

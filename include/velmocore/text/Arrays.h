@@ -25,8 +25,8 @@ namespace velmo {
 // the first absent string or null pointer.
 //
 //     std::vector<String> words{u"a", u"b"};
-//     unionWithObjects(words, {u"b", u"c"});                      // a, b, c
-//     joinWithObjectsFromArray(words, std::vector<String>{u"c"}); // c
+//     unionWithObjects(words, {u"b", u"c"});                      // (a, b, c)
+//     joinWithObjectsFromArray(words, std::vector<String>{u"c"}); // (c)
 
 namespace detail {
 

@@ -11,7 +11,7 @@
 namespace velmo {
 
 // Single units looked for and counted. An index is NotFound if there is no hit; a start
-// behind the text's end gives none.
+// after the text's end gives none.
 //
 // Mind the case rule of findCharacter(), findLastCharacter(), countCharacter() and
 // containsCharacter(): where case counts, a unit that has two cases is looked for in

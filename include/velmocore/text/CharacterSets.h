@@ -36,7 +36,7 @@ struct CharacterSetRep {
 
 /// No unit.
 [[nodiscard]] VELMO_API const CharacterSetRep& emptyCharacterSetRep();
-/// The blanks of a line: category Zs, tab and NUL.
+/// The spaces of a line: category Zs, tab and NUL.
 [[nodiscard]] VELMO_API const CharacterSetRep& spaceCharacterSetRep();
 /// Every kind of white space: Zs, Zl, Zp, U+0009 to U+000D, U+0085, NUL and the feed units.
 [[nodiscard]] VELMO_API const CharacterSetRep& whiteCharacterSetRep();

@@ -53,8 +53,8 @@ namespace velmo {
 /// The same as isWhiteString().
 [[nodiscard]] VELMO_API bool onlyWhiteCharacters(std::u16string_view characters);
 
-/// Whether the text begins like two capitalised words glued together, as "CamelCase": a
-/// capital, at least one lower-case letter, a capital and a lower-case letter.
+/// Whether the text begins like two capitalised words glued together, as "CamelCase": an
+/// upper-case letter, at least one lower-case letter, an upper-case letter and a lower-case one.
 [[nodiscard]] VELMO_API bool isMashedWordString(std::u16string_view string);
 [[nodiscard]] inline bool isMashedWord(std::u16string_view string) {
     return isMashedWordString(string);

@@ -15,7 +15,7 @@ namespace velmo {
 // register starts at 0 and is not inverted at the end. The values differ from those of zlib;
 // stored data holds them. No data gives 0. Any thread may call these; nothing is allocated.
 //
-//     CRC32(Bytes("123456789"));    // 0x2DFD2D88
+//     CRC32("123456789");    // 771566984; that is 0x2DFD2D88
 
 /// The table of the polynomial: the CRC-32 of each byte alone.
 inline constexpr std::array<std::uint32_t, 256> CRC32_TAB = [] {

@@ -21,15 +21,15 @@ enum class RunClass : std::uint8_t {
 // nothing changes.
 //
 //     stringByRemovingMultipleWhiteSpaces(u"one \r\n two");    // one two
-//     stringByRemovingMultipleFeeds(u"one\r\n\r\ntwo");        // two lines, ended by LF
+//     stringByRemovingMultipleFeeds(u"one\r\n\r\ntwo");        // one\ntwo
 
 [[nodiscard]] VELMO_API String stringByRemovingMultipleWhiteSpaces(
     const String& string, RunClass runs = RunClass::WhiteSpaces, char16_t replacement = u' ');
-/// Spaces become a blank: a lone tab does too.
+/// Runs become U+0020: a lone tab does too.
 [[nodiscard]] inline String stringByRemovingMultipleSpaces(const String& string) {
     return stringByRemovingMultipleWhiteSpaces(string, RunClass::Spaces);
 }
-/// Feeds become LF, so that no empty line is left. Two feeds with a blank between stay two.
+/// Feeds become LF, so that no empty line is left. Two feeds with a space between stay two.
 [[nodiscard]] inline String stringByRemovingMultipleFeeds(const String& string) {
     return stringByRemovingMultipleWhiteSpaces(string, RunClass::Feeds, u'\n');
 }

@@ -15,7 +15,7 @@ namespace velmo {
 //   NoCase             case. Two units are equal if the upper-case or the lower-case table
 //                      makes them so (they are compared in upper and then in lower case).
 //   AsciiNoCase        case and diacritics, in ASCII. Units without an ASCII form are all
-//                      equal to each other and to a blank, by design.
+//                      equal to each other and to a space, by design.
 //   NonUmlautedNoCase  case and diacritics, in every script.
 //
 // A view without data, which an absent String gives, is absent and equals nothing, not even

@@ -9,8 +9,8 @@ namespace velmo {
 // Diagnostics: the units of a string, written to the log in one call. An empty string writes
 // nothing.
 //
-//     dump(u"ab");           // ab          : 0061 0062
-//     dumpAsArray(u"ab");    // unichar string[] = { 0x0061, 0x0062 };
+//     dump(u"ab");           // (ab          : 0061 0062)
+//     dumpAsArray(u"ab");    // (unichar string[] = { 0x0061, 0x0062 };)
 
 /// Twelve units a row, each as a character and in four hexadecimal digits.
 VELMO_API void dump(std::u16string_view string);

@@ -10,9 +10,9 @@
 namespace velmo {
 
 // Small edits of a text in place. A range or index outside is cut to the text: what is to be
-// inserted behind the end is appended, what is to be removed there is not.
+// inserted after the end is appended, what is to be removed there is not.
 //
-//     appendSubstring(text, u"one two", {4, 3});    // text ends in two
+//     appendSubstring(text, u"one two", {4, 3});    // (the text ends in two)
 
 VELMO_API void appendSubstring(std::u16string& text, std::u16string_view string, Range range);
 inline void appendUnichar(std::u16string& text, char16_t unit) { text += unit; }

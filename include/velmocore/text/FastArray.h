@@ -26,10 +26,11 @@ namespace velmo {
 /// No locks: one thread at a time, or all only reading. Functions that are handed in must not
 /// change the array.
 ///
-///     FastArray<const Page> pages;
-///     pages.addObject(&page);
-///     pages.sortUsingFunction([](const Page& a, const Page& b) { return a.rank - b.rank; }, 10);
-///     for (const Page* page : pages) ...    // the ten of the lowest rank come first
+///     const int ranks[] = {7, 2, 5};
+///     FastArray<const int> array;
+///     for (const int& rank : ranks) array.addObject(&rank);
+///     array.sortUsingFunction([](int a, int b) { return a - b; }, 10);    // (the ten lowest first)
+///     *array.objectAtIndex(0);                                            // 2
 template <class T>
 class FastArray {
 public:

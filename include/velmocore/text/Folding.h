@@ -12,7 +12,7 @@ namespace velmo {
 // Whole strings through the conversion tables. An absent or empty string comes back as it is.
 //
 //     nonUmlautedString(u"\u00C4rger");            // Arger
-//     lowercaseAsciiString(u"\u00C4 \u0416");      // a and two blanks
+//     lowercaseAsciiString(u"\u00C4 \u0416");      // "a  "
 
 // These suppose composed text: a combining mark that stands on its own stays. If nothing
 // changes the result is the string itself.
@@ -28,7 +28,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API String nonUmlautedNormalizedString(const String& string);
 [[nodiscard]] VELMO_API String lowercaseNonUmlautedNormalizedString(const String& string);
 [[nodiscard]] VELMO_API String uppercaseNonUmlautedNormalizedString(const String& string);
-/// Without diacritics; a blank for every unit that is not ASCII then. See toAscii().
+/// Without diacritics; a space for every unit that is not ASCII then. See toAscii().
 [[nodiscard]] VELMO_API String asciiString(const String& string);
 [[nodiscard]] VELMO_API String lowercaseAsciiString(const String& string);
 [[nodiscard]] VELMO_API String uppercaseAsciiString(const String& string);

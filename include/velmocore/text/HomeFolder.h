@@ -9,7 +9,7 @@ namespace velmo {
 /// user's account, else the root. Found once, at first use, and kept: a later change is not seen.
 /// It ends in no slash, unless it is the root. Any thread may call this.
 ///
-///     homeDirectory();    // as /home/ada
+///     homeDirectory();    // (as /home/ada)
 [[nodiscard]] VELMO_API const String& homeDirectory();
 
 }  // namespace velmo

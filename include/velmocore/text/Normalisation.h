@@ -17,8 +17,8 @@ enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 // A text beyond 2^31 units is refused with std::bad_alloc. The time is linear in the text, runs
 // of any number of combining marks included: none is cut.
 //
-//     normalizedString(u"a\u0308");                          // U+00E4
-//     fixedAndNormalizedString(u"a\U0001F600");              // a and two blanks
+//     normalizedString(u"a\u0308");                          // \u00E4
+//     fixedAndNormalizedString(u"a\U0001F600");              // "a  "
 
 [[nodiscard]] VELMO_API String normalizedString(const String& string,
                                                 NormalizationForm form = NormalizationForm::C);
@@ -26,7 +26,7 @@ enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 [[nodiscard]] VELMO_API String normalizedLowercaseString(const String& string);
 /// Form C, then upper case.
 [[nodiscard]] VELMO_API String normalizedUppercaseString(const String& string);
-/// Safe for keeping: a blank for each NUL, each surrogate (a character outside the 16-bit
+/// Safe for keeping: a space for each NUL, each surrogate (a character outside the 16-bit
 /// plane so becomes two) and each unit from U+F400 to U+F8FF, then form C.
 [[nodiscard]] VELMO_API String fixedAndNormalizedString(const String& string);
 

@@ -17,7 +17,7 @@ namespace velmo {
 //     relativePathToDirectory(u"/a/b/c", u"/a/x");            // ../b/c
 //     stringByCreatingFilename(u"..What? Why/How:  x");       // What- Why-How-  x
 //
-// The extension of a path is what stands behind the last full stop of its last component, if
+// The extension of a path is what stands after the last full stop of its last component, if
 // something stands before it too.
 
 /// The path from the directory to the receiver: "../" for each component of the directory that
@@ -37,7 +37,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API String stringByDeletingFileComponent(std::u16string_view path);
 
 /// The components without empty ones, "." and slashes, but for a slash in the first place, the
-/// root. ".." goes with the component before it, the root too, or alone at the start.
+/// root. ".." is removed with the component before it, the root too, or alone at the start.
 [[nodiscard]] VELMO_API std::vector<String> standardizedPathComponents(std::u16string_view path);
 /// The same, joined again.
 [[nodiscard]] VELMO_API String standardizedPath(std::u16string_view path);
@@ -61,8 +61,8 @@ namespace velmo {
 [[nodiscard]] VELMO_API bool isValidPathExtension(std::u16string_view extension);
 /// The path's extension up to the first of ?&;=#, as of a URL; empty if it is not valid.
 [[nodiscard]] VELMO_API String validPathExtension(std::u16string_view path);
-/// What stands behind the last full stop, in lower case, which may begin its component. Absent
-/// if there is none, or a slash behind it, or the path has fewer than two units.
+/// What stands after the last full stop, in lower case, which may begin its component. Absent
+/// if there is none, or a slash after it, or the path has fewer than two units.
 [[nodiscard]] VELMO_API String lowercasePathExtension(std::u16string_view path);
 
 // Names for files. The first four give a name of 250 units and 250 bytes of UTF-8 at most; it

@@ -10,18 +10,18 @@ namespace velmo {
 // Hard line wrapping taken apart, so that a paragraph is one line again. Always a new string;
 // an absent or empty one comes back as it is.
 
-/// Unwraps a mail. Lines are joined by a blank. A break stays
+/// Unwraps a mail. Lines are joined by a space. A break stays
 /// - if two or more follow each other: one empty line is left of them;
-/// - in front of a blank, -, /, > or };
-/// - behind a line that ends in : or >.
-/// A break at the end goes, and every run of spaces becomes a blank.
+/// - before a space, -, /, > or };
+/// - after a line that ends in : or >.
+/// A break at the end is removed, and every run of spaces becomes one U+0020.
 ///
-///     reformattedMailing(u"one\ntwo\n> three");    // one two, and the quote on its own line
+///     reformattedMailing(u"one\ntwo\n> three");    // one two\n> three
 [[nodiscard]] VELMO_API String reformattedMailing(const String& string);
 
 /// Unwraps a text line by line: each line is freed of the given characters and trimmed, and
-/// the lines of a paragraph are joined by blanks. Paragraphs end at empty lines, of which one
-/// is left. Runs of spaces become blanks.
+/// the lines of a paragraph are joined by spaces. Paragraphs end at empty lines, of which one
+/// is left. Runs of spaces become one.
 [[nodiscard]] VELMO_API String
 reformattedStringByRemovingCharactersOfString(const String& string, std::u16string_view characters);
 

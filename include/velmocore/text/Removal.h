@@ -13,10 +13,10 @@ namespace velmo {
 // stringByRemovingWhiteSpaces() stands in CharacterTests.h.
 //
 //     stringByRemovingCharactersOfString(u"(0)30-12", u"()-");    // 03012
-//     removeTabs(text);
+//     removeTabs(text);    // (the text is a std::u16string)
 
-// The result is the string itself if nothing goes, the constant empty string if everything
-// does, else a new string. An absent string stays absent.
+// The result is the string itself if nothing is removed, the constant empty string if everything
+// is, else a new string. An absent string stays absent.
 
 [[nodiscard]] VELMO_API String stringByRemovingFeeds(const String& string);
 [[nodiscard]] VELMO_API String stringByRemovingTabs(const String& string);

@@ -18,7 +18,7 @@ namespace velmo {
 // of containsSubstring().
 //
 //     stringByReplacingString(u"a-b-c", u"-", u", ");    // a, b, c
-//     deleteString(text, u"\u00AD");                     // the number of soft hyphens
+//     deleteString(text, u"\u00AD");                     // 1
 
 // The result is the string itself if nothing is replaced. An absent string stays absent.
 
@@ -57,7 +57,7 @@ inline std::size_t deleteString(std::u16string& text, std::u16string_view sought
 
 /// Replaces by a format (Format.h) with its arguments. An absent format replaces nothing.
 ///
-///     replaceStringWithFormat(page, u"$PAGE", u"%d of %d", {3, 12});
+///     replaceStringWithFormat(text, u"$PAGE", u"%d of %d", {3, 12});
 VELMO_API std::size_t replaceStringWithFormat(std::u16string& text, std::u16string_view sought,
                                               std::u16string_view format,
                                               std::initializer_list<FormatArgument> arguments);

@@ -13,7 +13,7 @@ namespace velmo {
 // never fails: a byte above 127 becomes U+FFFD. A byte-order mark at the start is not part of
 // the text.
 //
-//     stringWithCString("caf\xE9", ISOLatin1StringEncoding);
+//     stringWithNullTerminatedCString("caf\xE9", ISOLatin1StringEncoding);    // caf\u00E9
 
 [[nodiscard]] VELMO_API String stringWithData(Bytes data, StringEncoding encoding);
 /// The bytes need no terminator; null is absent.
@@ -43,8 +43,8 @@ struct FileText {
 /// ASCII.
 ///
 ///     const FileText notes = stringWithContentsOfFile("notes.txt", UnknownStringEncoding);
-///     notes.text.isAbsent();                           // there is no such file
-///     notes.usedEncoding == ASCIIStringEncoding;       // so nothing was detected
+///     notes.text.isAbsent();                           // true: there is no such file
+///     notes.usedEncoding == ASCIIStringEncoding;       // true
 [[nodiscard]] VELMO_API FileText stringWithContentsOfFile(const Path& path,
                                                           StringEncoding encoding);
 

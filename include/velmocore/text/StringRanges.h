@@ -26,7 +26,7 @@ constexpr SearchOptions operator|(SearchOptions a, SearchOptions b) {
     return static_cast<SearchOptions>(std::uint32_t{a} | std::uint32_t{b});
 }
 
-/// Names a stretch of text by what stands before it and behind it.
+/// Names a stretch of text by what stands before it and after it.
 class StringRange {
 public:
     StringRange() = default;

@@ -11,8 +11,8 @@
 namespace velmo {
 
 // Units trimmed off the ends of a string. Only the ends are looked at, however long the
-// string is. The result is the string itself if nothing goes (an absent one too), the
-// constant empty string if everything goes, else a new string.
+// string is. The result is the string itself if nothing is removed (an absent one too), the
+// constant empty string if everything is, else a new string.
 //
 // "Spaces" are spaceCharacterSetRep(), or whiteCharacterSetRep() with andFeeds true.
 //
@@ -43,7 +43,7 @@ namespace velmo {
 /// Trims digitCharacterSetRep().
 [[nodiscard]] VELMO_API String stringByTrimmingDigits(const String& string);
 /// Trims U+2026 and full stops, in any order, at the right end only. A single full stop
-/// goes too.
+/// is trimmed too.
 [[nodiscard]] VELMO_API String stringByTrimmingEllipsis(const String& string);
 /// Trims feed units, at the right end only.
 [[nodiscard]] VELMO_API String stringByTrimmingFeeds(const String& string);

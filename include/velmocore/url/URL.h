@@ -6,6 +6,7 @@
 #include <iosfwd>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
@@ -106,6 +107,14 @@ public:
     friend std::strong_ordering operator<=>(const URL& a, const URL& b) noexcept {
         return a.absoluteString() <=> b.absoluteString();
     }
+    /// With a text, so that containers are searched without making a URL. An absent URL equals
+    /// no text, and comes before each.
+    friend bool operator==(const URL& a, std::u16string_view b) noexcept {
+        return a.absoluteString() == b;
+    }
+    friend std::strong_ordering operator<=>(const URL& a, std::u16string_view b) noexcept {
+        return a.absoluteString() <=> b;
+    }
     [[nodiscard]] std::size_t hash() const noexcept { return absoluteString().hash(); }
 
 private:
@@ -118,6 +127,20 @@ private:
 
 /// Writes the whole URL as text; an absent one writes nothing.
 VELMO_API std::ostream& operator<<(std::ostream& stream, const URL& url);
+/// The same text as UTF-8; see platform/Format.h.
+[[nodiscard]] inline std::string printed(const URL& url) { return url.absoluteString().utf8(); }
+
+/// A hash for unordered containers that are searched by texts as well. Ordered ones take
+/// std::less<>.
+///
+///     std::unordered_map<URL, int, URLHash, std::equal_to<>> depths;
+///     depths[URL::URLWithString(u"http://h.org/")] = 1;
+///     depths.find(std::u16string_view(u"http://h.org/"))->second;   // 1
+struct URLHash {
+    using is_transparent = void;
+    std::size_t operator()(const URL& url) const noexcept { return url.hash(); }
+    std::size_t operator()(std::u16string_view text) const noexcept { return StringHash()(text); }
+};
 
 }  // namespace velmo
 

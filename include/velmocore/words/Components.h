@@ -19,7 +19,7 @@ namespace velmo {
 // more component. A null set stands for defaultComponentSeparators(). All locations and
 // lengths count UTF-16 units.
 //
-//     componentsUsingDefaultSeparation(u"Yes. No?! Perhaps");    // "Yes." " No?!" " Perhaps"
+//     componentsUsingDefaultSeparation(u"Yes. No?! Perhaps");    // Yes.,  No?!,  Perhaps
 //     numberOfComponentsUsingSeparators(text, &defaultSentenceSeparators());
 
 /// The components in their order; each range holds its separators.

@@ -21,9 +21,9 @@ namespace velmo {
 /// Latin.
 ///
 ///     LanguageFilter filter(velmoResourcesDirectory());
-///     filter.languageOfText(page);          // "DE", or absent if it is not clear
+///     filter.languageOfText(page);          // (DE, or absent if it is not clear)
 ///     filter.setLanguage(u"DE");
-///     filter.filterText(u"One or two sentences that nobody would take for German ...");  // true
+///     filter.filterText(u"One or two sentences that nobody would take for German");
 ///
 /// A word counts if it has minWordLen() units at least and begins and ends with a letter. A
 /// language wins by more hits than those before it in languages(), of at least four

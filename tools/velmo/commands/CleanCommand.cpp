@@ -1,5 +1,5 @@
 // Each flag is a step; the steps are done in the order in which the flags were given, on one
-// buffer, so that a large text stands in memory once.
+// buffer or piece by piece, so that a large text stands in memory once.
 #include <memory>
 
 #include <velmocore/text/Collapsing.h>
@@ -10,6 +10,7 @@
 
 #include "Commands.h"
 #include "frame/FileRun.h"
+#include "frame/Memory.h"
 
 namespace velmo::tool {
 namespace {
@@ -25,6 +26,8 @@ constexpr std::string_view FormNames[] = {"c", "d", "kc", "kd"};
 constexpr NormalizationForm Forms[] = {NormalizationForm::C, NormalizationForm::D,
                                        NormalizationForm::KC, NormalizationForm::KD};
 constexpr std::uint64_t WidestTabs = 1000;
+/// Of large texts so much is worked on at a time.
+constexpr std::size_t PieceUnits = std::size_t{1} << 20;
 
 void trim(std::u16string& text) {
     const Range kept = trimSpacesInRange(text, {0, text.size()}, true);
@@ -32,18 +35,71 @@ void trim(std::u16string& text) {
     text.erase(0, kept.location);
 }
 
-/// Makes one paragraph after the other of the lines of a mail.
+/// A text of its own for the steps; the units of a large one move over piece by piece.
+std::u16string takeUnits(String&& string) {
+    const String owned = std::exchange(string, String());
+    std::u16string units;
+    units.reserve(owned.length());
+    for (std::u16string_view rest = owned; !rest.empty();) {
+        const std::u16string_view piece = rest.substr(0, PieceUnits);
+        units += piece;
+        giveBack(piece.data(), piece.size() * sizeof(char16_t));
+        rest.remove_prefix(piece.size());
+    }
+    return units;
+}
+
+bool isAsciiLetter(char16_t unit) {
+    return (unit >= u'a' && unit <= u'z') || (unit >= u'A' && unit <= u'Z');
+}
+
+/// The end of the first piece of a text: a line feed with a letter after it, so that no run of
+/// white space and nothing that a normalisation joins is cut.
+std::size_t endOfPiece(std::u16string_view text) {
+    for (std::size_t at = PieceUnits; at < text.size(); ++at)
+        if (text[at - 1] == u'\n' && isAsciiLetter(text[at])) return at;
+    return text.size();
+}
+
+/// A step that makes a new text, piece by piece, so that a large one stands in memory once.
+Step inPieces(Step change) {
+    return [change = std::move(change)](std::u16string& text) {
+        std::u16string changed;
+        changed.reserve(text.size());
+        for (std::u16string_view rest = text; !rest.empty();) {
+            std::u16string piece(rest.substr(0, endOfPiece(rest)));
+            giveBack(rest.data(), piece.size() * sizeof(char16_t));
+            rest.remove_prefix(piece.size());
+            change(piece);
+            changed += piece;
+        }
+        text = std::move(changed);
+    };
+}
+
+/// Makes a line of each paragraph. Paragraphs may be of any length, so this is done in one piece.
 void unwrap(std::u16string& text) {
-    const String mail = std::exchange(text, {});
-    text = reformattedMailing(mail);
+    String mail(std::exchange(text, {}));
+    String unwrapped = reformattedMailing(mail);
+    mail = String();
+    text = takeUnits(std::move(unwrapped));
+}
+
+/// Without a copy of the text.
+JsonObject objectOf(const std::string& file, std::u16string&& text) {
+    JsonObject object = fileObject(file);
+    object.push_back({"text", std::move(text)});
+    return object;
 }
 
 void run(Report& report, const Options& options) {
     forEachText(report, options.input, [&](const std::string& file, String&& content, Report& own) {
-        std::u16string text(std::exchange(content, String()));
-        for (const Step& step : options.steps) step(text);
-        if (own.json()) return own.printObject(fileObject(file, {{"text", String(text)}}));
-        own.printText(text);
+        std::u16string units = takeUnits(std::move(content));
+        for (const Step& step : options.steps) step(units);
+        if (own.json())
+            own.printObject(objectOf(file, std::move(units)));
+        else
+            own.printText(units);
     });
 }
 
@@ -58,15 +114,17 @@ std::vector<Option> stepOptions(std::vector<Step>& steps) {
     return {
         stepFlag(steps, "--trim", "cut spaces and line ends off both ends", trim),
         stepFlag(steps, "--collapse", "make each run of white space one space",
-                 [](std::u16string& text) { removeMultipleWhiteSpaces(text); }),
-        stepFlag(steps, "--feeds", "make each run of line ends one line end", removeMultipleFeeds),
+                 inPieces([](std::u16string& text) { removeMultipleWhiteSpaces(text); })),
+        stepFlag(steps, "--feeds", "make each run of line ends one line end",
+                 inPieces(removeMultipleFeeds)),
         stepFlag(steps, "--ligatures", "write Latin ligatures as letters",
                  convertLigaturesToCharacters),
         stepFlag(steps, "--unwrap", "join the lines of a mail's paragraphs", unwrap),
         {"--normalize", "FORM", "normalise to form c, d, kc or kd",
          [&steps](const std::string& name) {
              const NormalizationForm form = Forms[indexOfName(name, FormNames)];
-             steps.push_back([form](std::u16string& text) { normalizeString(text, form); });
+             steps.push_back(
+                 inPieces([form](std::u16string& text) { normalizeString(text, form); }));
          }},
         {"--tabs", "N", "replace tabs by spaces, in columns of N",
          [&steps](const std::string& given) {

@@ -2,8 +2,6 @@
 // that a text never stands in memory twice.
 #include "Content.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -15,6 +13,7 @@
 
 #include "FileBytes.h"
 #include "Marks.h"
+#include "Memory.h"
 
 namespace velmo::tool {
 namespace {
@@ -22,7 +21,6 @@ namespace {
 constexpr std::size_t PieceSize = std::size_t{1} << 20;
 constexpr char16_t Replacement = 0xFFFD;
 constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";
-constexpr std::size_t PageSize = 4096;
 
 /// The length of the next piece, which ends between two UTF-8 sequences if there are any.
 std::size_t pieceOf(Bytes bytes) {
@@ -52,21 +50,13 @@ bool isUTF8(Bytes bytes) {
     return true;
 }
 
-/// Gives the whole memory pages of bytes that are not needed any more back to the system.
-void discard(Bytes bytes) {
-    const auto begin = reinterpret_cast<std::uintptr_t>(bytes.data());
-    const std::uintptr_t first = (begin + PageSize - 1) / PageSize * PageSize;
-    const std::uintptr_t end = (begin + bytes.size()) / PageSize * PageSize;
-    if (first < end) madvise(reinterpret_cast<void*>(first), end - first, MADV_DONTNEED);
-}
-
 /// Large UTF-8; its bytes are lost.
 String decodedInPieces(Bytes bytes) {
     StringBuilder units(bytes.size());
     while (!bytes.empty()) {
         const Bytes piece = bytes.first(pieceOf(bytes));
         units.append(String::fromUTF8(charsOf(piece)));
-        discard(piece);
+        giveBack(piece.data(), piece.size());
         bytes = bytes.subspan(piece.size());
     }
     return units.finish();
@@ -100,7 +90,8 @@ String nameOf(const String& charset) {
     return encoding == UnknownStringEncoding ? charset : String::fromUTF8(ianaName(encoding));
 }
 
-Content decodedPage(const Data& bytes, const ContentOptions& options) {
+Content decodedPage(Data&& data, const ContentOptions& options) {
+    const Data bytes = std::move(data);
     const String charset = String::fromUTF8(options.httpCharset);
     MarkupDecoding decoding = decodeMarkup(bytes, {.encodingName = charset});
     return {Kind::Page, std::move(decoding.text), std::string(ianaName(decoding.encoding)),
@@ -115,7 +106,7 @@ Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
         encoding = encodingOfText(bytes);
     else if (markOf(bytes).encoding == 0)
         encoding = encodingOfZeros(Bytes(bytes).first(std::min(bytes.size(), HeadSize)));
-    if (encoding == UnknownStringEncoding) return decodedPage(bytes, options);
+    if (encoding == UnknownStringEncoding) return decodedPage(std::move(bytes), options);
     return {kind, decoded(std::move(bytes), encoding), std::string(ianaName(encoding)), {}};
 }
 

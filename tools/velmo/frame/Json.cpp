@@ -79,7 +79,7 @@ struct Writer {
         sink(text);
         sink("\"");
     }
-    void operator()(const String& text) const { writeText(text, sink); }
+    void operator()(std::u16string_view text) const { writeText(text, sink); }
     void operator()(const Json::Array& values) const {
         sink("[");
         for (std::size_t i = 0; i < values.size(); ++i) {
@@ -111,6 +111,7 @@ Json::Json(std::string text) : value_(std::move(text)) {}
 Json::Json(String text) {
     if (!text.isAbsent()) value_ = std::move(text);
 }
+Json::Json(std::u16string text) : value_(std::move(text)) {}
 Json::Json(Array values) : value_(std::move(values)) {}
 Json::Json(Object members) : value_(std::move(members)) {}
 Json::Json(const Json&) = default;

@@ -35,6 +35,7 @@ public:
     Json(std::string_view utf8);
     Json(std::string utf8);
     Json(String text);  ///< null if absent
+    Json(std::u16string text);
     Json(Array values);
     Json(Object members);
     Json(const Json&);
@@ -55,7 +56,7 @@ public:
 
 private:
     std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, String,
-                 Array, Object>
+                 std::u16string, Array, Object>
         value_;
 };
 

@@ -79,8 +79,8 @@ void Report::printBytes(std::string_view bytes) {
     session_.console.writeOutput(visible ? shown(bytes) : bytes);
 }
 
-void Report::printObject(const JsonObject& members) {
-    Json(members).write([this](std::string_view piece) { append(piece); });
+void Report::printObject(JsonObject members) {
+    Json(std::move(members)).write([this](std::string_view piece) { append(piece); });
     append("\n");
 }
 

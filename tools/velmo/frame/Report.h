@@ -43,7 +43,7 @@ public:
     /// Bytes as they are, whatever they are; on a terminal as they can be shown.
     void printBytes(std::string_view bytes);
     /// One line for programs.
-    void printObject(const JsonObject& members);
+    void printObject(JsonObject members);
 
     void noteHit(bool hit) { session_.noteHit(hit); }
     /// An input could not be used.
