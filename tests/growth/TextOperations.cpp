@@ -200,10 +200,10 @@ constexpr Operation Rows[] = {
          std::vector<String> paths = partsOf(in.text, u'/');
          minimumCoverOfPaths(paths);
          use(paths);
-         // Each beside its folder, all under a long common one.
+         // Each beside its folder, all under a common one.
          paths.clear();
-         const String folder = u"/" + String(in.text.view().substr(0, 60));
-         for (std::size_t i = 0; i < in.text.length() / 64; ++i)
+         const String folder = u"/" + String(in.text.view().substr(0, 6));
+         for (std::size_t i = 0; i < in.text.length() / 16; ++i)
              paths.push_back(folder + u"/" + String::fromUTF8(std::to_string(i)));
          minimumCoverOfPaths(paths);
          use(paths);
