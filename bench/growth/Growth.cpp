@@ -108,7 +108,11 @@ struct Costs {
     double longest = 0;           ///< seconds of all runs at 4n
     double secondsAt4n = 0;       ///< of one of them
 
+    bool isFault = false;
+
+    /// Of the worse doubling, and of the better one.
     [[nodiscard]] double factor() const { return std::max(costs[1] / costs[0], costs[2] / costs[1]); }
+    [[nodiscard]] double lesserFactor() const { return std::min(costs[1] / costs[0], costs[2] / costs[1]); }
 };
 
 double secondsOf(const Operation& operation, const Input& input) {
