@@ -17,14 +17,15 @@ namespace {
 constexpr Operation Rows[] = {
     {"normal forms",
      [](const Input& in) {
-         for (const NormalizationForm form :
-              {NormalizationForm::C, NormalizationForm::D, NormalizationForm::KC, NormalizationForm::KD})
+         for (const NormalizationForm form : {NormalizationForm::C, NormalizationForm::D,
+                                              NormalizationForm::KC, NormalizationForm::KD})
              use(normalizedString(in.text, form));
      }},
     {"normal and in one case",
      [](const Input& in) {
-         useEach<String, const String&>(in.text, {normalizedLowercaseString, normalizedUppercaseString,
-                                                  fixedAndNormalizedString, optimizedString});
+         useEach<String, const String&>(in.text,
+                                        {normalizedLowercaseString, normalizedUppercaseString,
+                                         fixedAndNormalizedString, optimizedString});
          use(getCharactersOfNormalizedString(in.text));
      }},
     {"case and ligatures",
@@ -33,21 +34,24 @@ constexpr Operation Rows[] = {
      }},
     {"without diacritics",
      [](const Input& in) {
-         useEach<String, const String&>(
-             in.text, {nonUmlautedString, lowercaseNonUmlautedString, asciiString, uppercaseAsciiString});
+         useEach<String, const String&>(in.text, {nonUmlautedString, lowercaseNonUmlautedString,
+                                                  asciiString, uppercaseAsciiString});
      }},
     {"normal without diacritics",
      [](const Input& in) {
-         useEach<String, const String&>(in.text, {nonUmlautedNormalizedString, lowercaseNonUmlautedNormalizedString});
+         useEach<String, const String&>(
+             in.text, {nonUmlautedNormalizedString, lowercaseNonUmlautedNormalizedString});
      }},
     {"removal",
      [](const Input& in) {
          useEach<String, const String&>(
-             in.text, {stringByRemovingFeeds, stringByRemovingTabs, stringByRemovingSpaces, stringByRemovingDigits,
-                       lowercaseStringByRemovingDigits, stringByRemovingNonIPCharacters});
+             in.text, {stringByRemovingFeeds, stringByRemovingTabs, stringByRemovingSpaces,
+                       stringByRemovingDigits, lowercaseStringByRemovingDigits,
+                       stringByRemovingNonIPCharacters});
          use(stringByRemovingCharactersOfString(in.text, u"abe<&%/ \u0301"));
      }},
-    {"removal of a text's units", [](const Input& in) { use(stringByRemovingCharactersOfString(in.almost, in.text)); }},
+    {"removal of a text's units",
+     [](const Input& in) { use(stringByRemovingCharactersOfString(in.almost, in.text)); }},
     {"collapsing",
      [](const Input& in) {
          for (const RunClass runs : {RunClass::Spaces, RunClass::WhiteSpaces, RunClass::Feeds})
@@ -55,9 +59,9 @@ constexpr Operation Rows[] = {
      }},
     {"trimming",
      [](const Input& in) {
-         useEach<String, const String&>(in.text,
-                                        {stringByTrimmingWhiteSpaces, stringByTrimmingQuotes, stringByTrimmingDigits,
-                                         stringByTrimmingEllipsis, stringByTrimmingFeeds});
+         useEach<String, const String&>(
+             in.text, {stringByTrimmingWhiteSpaces, stringByTrimmingQuotes, stringByTrimmingDigits,
+                       stringByTrimmingEllipsis, stringByTrimmingFeeds});
          use(stringByTrimmingSpacesAndFeeds(in.text, true));
          use(stringByTrimmingEnclosingCharacter(in.text, u'a'));
          use(stringByTrimmingCharacter(in.text, u'a'));
@@ -74,8 +78,10 @@ constexpr Operation Rows[] = {
     {"replacing by longer",
      [](const Input& in) {
          for (const Case letterCase : {Case::Sensitive, Case::Insensitive}) {
-             use(stringByReplacingString(in.text, in.text.view().substr(0, 1), u"longer", letterCase));
-             use(stringByReplacingString(in.text, in.text.view().substr(0, 3), u"longer", letterCase));
+             use(stringByReplacingString(in.text, in.text.view().substr(0, 1), u"longer",
+                                         letterCase));
+             use(stringByReplacingString(in.text, in.text.view().substr(0, 3), u"longer",
+                                         letterCase));
          }
      }},
     {"replacing by nothing",

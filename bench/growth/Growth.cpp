@@ -77,7 +77,8 @@ public:
     /// Instructions, or else seconds, since some start.
     [[nodiscard]] double now() const {
         std::uint64_t instructions = 0;
-        if (countsInstructions() && read(counter_, &instructions, sizeof instructions) == sizeof instructions)
+        if (countsInstructions() &&
+            read(counter_, &instructions, sizeof instructions) == sizeof instructions)
             return static_cast<double>(instructions);
         return seconds();
     }
@@ -108,7 +109,15 @@ struct Costs {
     double longest = 0;           ///< seconds of all runs at 4n
     double secondsAt4n = 0;       ///< of one of them
 
-    [[nodiscard]] double factor() const { return std::max(costs[1] / costs[0], costs[2] / costs[1]); }
+    bool isFault = false;
+
+    /// Of the worse doubling, and of the better one.
+    [[nodiscard]] double factor() const {
+        return std::max(costs[1] / costs[0], costs[2] / costs[1]);
+    }
+    [[nodiscard]] double lesserFactor() const {
+        return std::min(costs[1] / costs[0], costs[2] / costs[1]);
+    }
 };
 
 double secondsOf(const Operation& operation, const Input& input) {
@@ -131,7 +140,9 @@ public:
             if (costs.longest < LongLook) return constant(costs);
             if (costs.secondsAt4n < VeryLongRun) units *= NextLook;
         }
-        costs.isFault = costs.lesserFactor() > Limit;
+        // Instructions say the same each time; a clock also sees a text outgrow a cache, once.
+        costs.isFault =
+            (meter_.countsInstructions() ? costs.factor() : costs.lesserFactor()) > Limit;
         return costs;
     }
 
@@ -159,7 +170,8 @@ private:
                 const Input& input = inputs_[units << step];
                 const double start = Meter::seconds(), from = meter_.now();
                 for (int repeat = 0; repeat < repeats; ++repeat) operation_.run(input);
-                best.costs[step] = std::min(best.costs[step], (meter_.now() - from) / repeats + 1e-12);
+                best.costs[step] =
+                    std::min(best.costs[step], (meter_.now() - from) / repeats + 1e-12);
                 best.longest = Meter::seconds() - start;
                 best.secondsAt4n = best.longest / repeats;
             }
@@ -178,11 +190,12 @@ struct Report {
     std::size_t cases = 0, faults = 0;
 };
 
-void report(const Meter& meter, const Hostile& hostile, const Operation& operation, const Costs& costs,
-            Report& report) {
+void report(const Meter& meter, const Hostile& hostile, const Operation& operation,
+            const Costs& costs, Report& report) {
     const double scale = meter.countsInstructions() ? 1 : 1e6;
-    fmt::format_to(std::back_inserter(report.rows), "{:<30} {:<34} {:>7} {:>12.2f} {:>12.2f} {:>12.2f} {:>6.2f}{}\n",
-                   hostile.name, operation.name, costs.units, costs.costs[0] * scale, costs.costs[1] * scale,
+    fmt::format_to(std::back_inserter(report.rows),
+                   "{:<30} {:<34} {:>7} {:>12.2f} {:>12.2f} {:>12.2f} {:>6.2f}{}\n", hostile.name,
+                   operation.name, costs.units, costs.costs[0] * scale, costs.costs[1] * scale,
                    costs.costs[2] * scale, costs.factor(), costs.isFault ? "  TOO MUCH" : "");
     ++report.cases;
     report.faults += costs.isFault;
@@ -191,8 +204,9 @@ void report(const Meter& meter, const Hostile& hostile, const Operation& operati
 Report checkFamily(const Meter& meter, const Hostile& hostile) {
     Inputs inputs(hostile);
     Report result;
-    for (const auto operations : {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
-                                  urlOperations(), markupOperations(), storageOperations()})
+    for (const auto operations :
+         {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
+          urlOperations(), markupOperations(), storageOperations()})
         for (const Operation& operation : operations)
             report(meter, hostile, operation, Case(meter, operation, inputs).measured(), result);
     return result;
@@ -203,7 +217,8 @@ std::vector<const Hostile*> families(std::string_view wanted) {
     std::vector<const Hostile*> found;
     for (const auto texts : {plainTexts(), markupTexts(), locationTexts(), queryTexts()})
         for (const Hostile& hostile : texts)
-            if (std::string_view(hostile.name).find(wanted) != std::string_view::npos) found.push_back(&hostile);
+            if (std::string_view(hostile.name).find(wanted) != std::string_view::npos)
+                found.push_back(&hostile);
     return found;
 }
 
@@ -238,11 +253,12 @@ int run(std::string_view wanted) {
     setLogHandler([](std::string_view) {});
     initSeparatorsAndTables();
     fmt::print("{:<30} {:<34} {:>7} {:>12} {:>12} {:>12} {:>6}\n", "family", "operation", "n",
-               Meter().countsInstructions() ? "instr. at n" : "usec at n", "at 2n", "at 4n", "factor");
+               Meter().countsInstructions() ? "instr. at n" : "usec at n", "at 2n", "at 4n",
+               "factor");
     const std::vector<const Hostile*> all = families(wanted);
     const Report total = checkAll(all);
-    fmt::print("{} families, {} cases, {} of them with a factor above {}\n", all.size(), total.cases, total.faults,
-               Limit);
+    fmt::print("{} families, {} cases, {} of them with a factor above {}\n", all.size(),
+               total.cases, total.faults, Limit);
     return total.cases > 0 && total.faults == 0 ? 0 : 1;
 }
 

@@ -70,7 +70,8 @@ void useEach(Argument argument, std::initializer_list<Result (*)(Argument)> func
 }
 
 /// Changes a copy of the text by each of some functions.
-inline void changeEach(const String& text, std::initializer_list<void (*)(std::u16string&)> functions) {
+inline void changeEach(const String& text,
+                       std::initializer_list<void (*)(std::u16string&)> functions) {
     for (const auto function : functions) {
         std::u16string units(text);
         function(units);

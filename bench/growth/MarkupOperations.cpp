@@ -65,7 +65,8 @@ constexpr Operation Rows[] = {
     {"entities away",
      [](const Input& in) {
          use(stringByConvertingEntitiesToCharacters(in.text));
-         use(stringByConvertingEntitiesToCharacters(in.text, {.convertStandard = false, .onlyNumericEntities = true}));
+         use(stringByConvertingEntitiesToCharacters(
+             in.text, {.convertStandard = false, .onlyNumericEntities = true}));
          use(stringByConvertingStandardEntitiesToCharacters(in.text));
      }},
     {"entities added",
@@ -76,7 +77,8 @@ constexpr Operation Rows[] = {
      }},
     {"JSON escapes",
      [](const Input& in) {
-         for (const bool isJavaScript : {false, true}) use(stringByConvertingJSONToCharacters(in.text, isJavaScript));
+         for (const bool isJavaScript : {false, true})
+             use(stringByConvertingJSONToCharacters(in.text, isJavaScript));
          use(stringByConvertingCharactersToJSON(in.text));
      }},
     {"charset of a page",
@@ -100,7 +102,8 @@ constexpr Operation Rows[] = {
      }},
     {"plain text of the body",
      [](const Input& in) {
-         use(stringByConvertingHtml2PlainText(in.text, {.onlyBody = true, .removeJunk = true, .googleTags = true}));
+         use(stringByConvertingHtml2PlainText(
+             in.text, {.onlyBody = true, .removeJunk = true, .googleTags = true}));
      }},
     {"reformatted plain text",
      [](const Input& in) {
@@ -116,8 +119,8 @@ constexpr Operation Rows[] = {
     {"frames and robots", [](const Input& in) { use(htmlLinksAndFramesSet(in.text)); }},
     {"resources",
      [](const Input& in) {
-         useEach<std::set<String>, std::u16string_view>(in.text,
-                                                        {htmlImages, htmlStylesheetsAndScripts, htmlEmbeddedObjects});
+         useEach<std::set<String>, std::u16string_view>(
+             in.text, {htmlImages, htmlStylesheetsAndScripts, htmlEmbeddedObjects});
          use(htmlFavIcon(in.text));
      }},
     {"references",

@@ -19,7 +19,8 @@ namespace {
 
 constexpr char16_t FixedText[] = u"The quiz before the fox: aab digs [a-z] caf\u00E9s, word7 (b).";
 
-constexpr WildcardComparison Comparisons[] = {WildcardComparison::Exact, WildcardComparison::CaseInsensitive,
+constexpr WildcardComparison Comparisons[] = {WildcardComparison::Exact,
+                                              WildcardComparison::CaseInsensitive,
                                               WildcardComparison::Insensitive};
 
 /// Plain words, frequent ones, and the kinds of wildcards.
@@ -41,9 +42,10 @@ const std::vector<QueryTerms>& fixedQueries() {
     static const std::vector<QueryTerms> Queries = [] {
         std::vector<QueryTerms> queries;
         for (const char16_t* query :
-             {u"qu?z BEFORE the", u"the NEAR/3 zebra", u"a NEXT b", u"\"a a b\"", u"a* AND NOT zz?z",
-              u"(the OR quiz) NEAR (fox OR b)", u"the AFTER/900 qu?z", u"a NEAR (b NEAR (c NEAR d))", u"the XOR a",
-              u"~a BEFORE ~b", u"the NEAR/100000 word*"})
+             {u"qu?z BEFORE the", u"the NEAR/3 zebra", u"a NEXT b", u"\"a a b\"",
+              u"a* AND NOT zz?z", u"(the OR quiz) NEAR (fox OR b)", u"the AFTER/900 qu?z",
+              u"a NEAR (b NEAR (c NEAR d))", u"the XOR a", u"~a BEFORE ~b",
+              u"the NEAR/100000 word*"})
             queries.emplace_back(query, QueryOptions{.wildcard = true});
         return queries;
     }();
@@ -82,12 +84,14 @@ constexpr Operation Rows[] = {
          use(maxWildcardLen(in.text));
          use(wildcardLength(in.text));
      }},
-    {"fuzzy, a fixed word", [](const Input& in) { use(stringMatchesUnixWildcardFuzzy(in.text, u"analogy")); }},
+    {"fuzzy, a fixed word",
+     [](const Input& in) { use(stringMatchesUnixWildcardFuzzy(in.text, u"analogy")); }},
     {"wildcards in the text",
      [](const Input& in) {
          eachList([&](const std::vector<String>& wildcards) {
              for (const WildcardComparison comparison : Comparisons)
-                 use(forEachWildcard(in.text, wildcards, [](Range) { return true; }, {.comparison = comparison}));
+                 use(forEachWildcard(in.text, wildcards, [](Range) { return true; },
+                                     {.comparison = comparison}));
          });
      }},
     {"wildcards backwards",
@@ -177,14 +181,16 @@ constexpr Operation Rows[] = {
          eachList([&](const std::vector<String>& wildcards) {
              use(assembleOccurrencesOfWildcards(in.text, wildcards));
              use(assembleOccurrencesOfWildcards(
-                 in.text, wildcards, {.paragraphs = true, .onlyOccurrences = true, .ellipsizeAfterNCharacters = 900}));
+                 in.text, wildcards,
+                 {.paragraphs = true, .onlyOccurrences = true, .ellipsizeAfterNCharacters = 900}));
          });
      }},
     {"records of wildcards",
      [](const Input& in) {
          eachList([&](const std::vector<String>& wildcards) {
              use(getOccurrencesOfWildcards(in.text, wildcards));
-             use(getOccurrencesOfWildcards(in.text, wildcards, {.paragraphs = true, .minEnclosingWords = 6}));
+             use(getOccurrencesOfWildcards(in.text, wildcards,
+                                           {.paragraphs = true, .minEnclosingWords = 6}));
          });
      }},
     {"excerpts of queries",

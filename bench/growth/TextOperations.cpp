@@ -41,17 +41,17 @@ constexpr Operation Rows[] = {
     {"character tests",
      [](const Input& in) {
          useEach<bool, std::u16string_view>(
-             in.text,
-             {containsAlphaNumCharacter, containsAlphaCharacter, containsWhiteCharacter, containsDigitCharacter,
-              isSpaceString, isWhiteString, isDigitString, isAlphaString, isAlphaNumString, isMashedWordString});
+             in.text, {containsAlphaNumCharacter, containsAlphaCharacter, containsWhiteCharacter,
+                       containsDigitCharacter, isSpaceString, isWhiteString, isDigitString,
+                       isAlphaString, isAlphaNumString, isMashedWordString});
          use(containsNumberWithNDigits(in.text, 5));
          use(containsNumber(in.text, u"77777778"));
      }},
     {"character counts",
      [](const Input& in) {
          useEach<std::size_t, std::u16string_view>(
-             in.text, {countAlphaNumCharacters, countAlphaCharacters, countWhiteCharacters, countDigitCharacters,
-                       countNumbers, numberOfLines});
+             in.text, {countAlphaNumCharacters, countAlphaCharacters, countWhiteCharacters,
+                       countDigitCharacters, countNumbers, numberOfLines});
          use(countLTGT(in.text));
      }},
     {"character finding",
@@ -84,11 +84,14 @@ constexpr Operation Rows[] = {
      }},
     {"search, short pattern",
      [](const Input& in) {
-         for (const std::u16string_view pattern : {u"aab", u"the z", u"zzz", u"<a z"}) search(in.text, pattern);
+         for (const std::u16string_view pattern : {u"aab", u"the z", u"zzz", u"<a z"})
+             search(in.text, pattern);
      }},
     {"search, half and another unit", [](const Input& in) { search(in.text, in.almost); }},
     {"search, another unit and half",
-     [](const Input& in) { search(in.text, std::u16string(u"\uE001") + std::u16string(in.almost.view())); }},
+     [](const Input& in) {
+         search(in.text, std::u16string(u"\uE001") + std::u16string(in.almost.view()));
+     }},
     {"search, another unit within",
      [](const Input& in) {
          std::u16string pattern(in.text.view().substr(0, in.text.length() / 2));
@@ -119,9 +122,11 @@ constexpr Operation Rows[] = {
     {"string ranges",
      [](const Input& in) {
          const std::u16string_view start = in.text.view().substr(0, 2);
-         for (std::uint32_t options = 0; options < 512; options = options < 7 ? options + 1 : options + 127) {
+         for (std::uint32_t options = 0; options < 512;
+              options = options < 7 ? options + 1 : options + 127) {
              use(stringRangeWithStart(in.text, start, u"zz", true, SearchOptions(options)));
-             use(stringRangeWithStart(in.text, u"a", u"\u00E9\uE001", false, SearchOptions(options)));
+             use(stringRangeWithStart(in.text, u"a", u"\u00E9\uE001", false,
+                                      SearchOptions(options)));
          }
      }},
     {"strings from several",
@@ -134,7 +139,8 @@ constexpr Operation Rows[] = {
      [](const Input& in) {
          for (const SearchOptions options : {DefaultSearch, CaseInsensitiveSearch}) {
              std::u16string units(in.text);
-             deleteCharactersInRangeWithStart(units, in.text.view().substr(0, 1), in.text.view().substr(0, 2), options);
+             deleteCharactersInRangeWithStart(units, in.text.view().substr(0, 1),
+                                              in.text.view().substr(0, 2), options);
              use(units);
          }
      }},
@@ -168,24 +174,28 @@ constexpr Operation Rows[] = {
     {"encodings, out",
      [](const Input& in) {
          for (const StringEncoding encoding :
-              {UTF8StringEncoding, ISOLatin1StringEncoding, UTF16StringEncoding, WindowsCP1251StringEncoding,
-               ShiftJISStringEncoding, ISO2022JPStringEncoding, ASCIIStringEncoding})
-             for (const bool lossy : {false, true}) use(dataUsingEncoding(in.text, encoding, lossy));
+              {UTF8StringEncoding, ISOLatin1StringEncoding, UTF16StringEncoding,
+               WindowsCP1251StringEncoding, ShiftJISStringEncoding, ISO2022JPStringEncoding,
+               ASCIIStringEncoding})
+             for (const bool lossy : {false, true})
+                 use(dataUsingEncoding(in.text, encoding, lossy));
          use(smallestEncoding(in.text));
          use(fastestEncoding(in.text));
      }},
     {"encodings, in",
      [](const Input& in) {
          for (const StringEncoding encoding :
-              {UTF8StringEncoding, ISOLatin1StringEncoding, UTF16StringEncoding, WindowsCP1251StringEncoding,
-               ShiftJISStringEncoding, ISO2022JPStringEncoding, JapaneseEUCStringEncoding, UTF32StringEncoding})
+              {UTF8StringEncoding, ISOLatin1StringEncoding, UTF16StringEncoding,
+               WindowsCP1251StringEncoding, ShiftJISStringEncoding, ISO2022JPStringEncoding,
+               JapaneseEUCStringEncoding, UTF32StringEncoding})
              use(stringWithData(in.utf8, encoding));
      }},
     {"paths",
      [](const Input& in) {
          useEach<String, std::u16string_view>(
-             in.text, {standardizedPath, stringByDeletingFileComponent, validPathExtension, lowercasePathExtension,
-                       stringByCreatingFilename, stringByCreatingFileSystemRepresentation});
+             in.text, {standardizedPath, stringByDeletingFileComponent, validPathExtension,
+                       lowercasePathExtension, stringByCreatingFilename,
+                       stringByCreatingFileSystemRepresentation});
          use(standardizedPathComponents(in.text));
          use(stringByReplacingPathExtensionWith(in.text, u"txt"));
      }},
@@ -214,7 +224,8 @@ constexpr Operation Rows[] = {
          const std::vector<String> others = partsOf(in.almost, u' ');
          unionWithObjects(all, others);
          joinWithObjectsFromArray(all, others);
-         quickSortUsingFunction(all, [](const String& a, const String& b) { return fastCompareUnichars(a, b); });
+         quickSortUsingFunction(
+             all, [](const String& a, const String& b) { return fastCompareUnichars(a, b); });
          removeObjectsFromArray(all, others);
          use(all);
      }},

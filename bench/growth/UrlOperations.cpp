@@ -32,7 +32,8 @@ const URL& base() {
 /// The text as the path, the query and the host of a URL that is one.
 std::vector<URL> placedIn(const Input& in) {
     const String escaped = stringByAddingPercentEscapesToURL(in.text);
-    return {in.url, URL::URLWithString(u"http://h.org/" + escaped), URL::URLWithString(u"http://h.org/a?" + escaped),
+    return {in.url, URL::URLWithString(u"http://h.org/" + escaped),
+            URL::URLWithString(u"http://h.org/a?" + escaped),
             URL::URLWithString(u"http://" + in.text + u"/")};
 }
 
@@ -67,21 +68,22 @@ constexpr Operation Rows[] = {
      }},
     {"escapes away",
      [](const Input& in) {
-         useEach<String, const String&>(
-             in.text, {stringByReplacingStandardPercentEscapesOfURL, stringByReplacingASCIIPercentEscapesOfURL});
+         useEach<String, const String&>(in.text, {stringByReplacingStandardPercentEscapesOfURL,
+                                                  stringByReplacingASCIIPercentEscapesOfURL});
          use(stringByReplacingPercentEscapesOfURL(in.text));
          use(stringByReplacingPercentEscapesOfURL(in.text, ShiftJISStringEncoding));
      }},
     {"escapes added",
      [](const Input& in) {
-         useEach<String, const String&>(
-             in.text, {stringByAddingStandardPercentEscapesToURL, stringByAddingASCIIPercentEscapesToURL});
+         useEach<String, const String&>(in.text, {stringByAddingStandardPercentEscapesToURL,
+                                                  stringByAddingASCIIPercentEscapesToURL});
          use(stringByAddingPercentEscapesToURL(in.text, {.toBeEscaped = u"%&?"}));
          use(stringByFormattingQueryTerm(in.text, UTF8StringEncoding));
      }},
     {"escapes set by the text",
      [](const Input& in) {
-         use(stringByAddingPercentEscapesToURL(in.text, {.leaveUnescaped = in.almost, .toBeEscaped = in.text}));
+         use(stringByAddingPercentEscapesToURL(
+             in.text, {.leaveUnescaped = in.almost, .toBeEscaped = in.text}));
      }},
     {"parameters",
      [](const Input& in) {
@@ -103,11 +105,13 @@ constexpr Operation Rows[] = {
     {"session ids", [](const Input& in) { use(stringURLByRemovingSessionIDs(in.text)); }},
     {"analytics", [](const Input& in) { use(stringURLByRemovingAnalytics(in.text)); }},
     {"index pages", [](const Input& in) { use(stringURLByRemovingIndexPages(in.text)); }},
-    {"empty parameters removed", [](const Input& in) { use(stringURLByRemovingEmptyParams(in.text)); }},
+    {"empty parameters removed",
+     [](const Input& in) { use(stringURLByRemovingEmptyParams(in.text)); }},
     {"standard forms",
      [](const Input& in) {
-         useEach<String, const String&>(in.text, {standardizedStringURL, stringURLWithoutAnchor, stringURLWithoutScheme,
-                                                  stringURLWithoutCredentials, displayStringURL});
+         useEach<String, const String&>(
+             in.text, {standardizedStringURL, stringURLWithoutAnchor, stringURLWithoutScheme,
+                       stringURLWithoutCredentials, displayStringURL});
      }},
     {"simplification",
      [](const Input& in) {
@@ -118,9 +122,9 @@ constexpr Operation Rows[] = {
     {"classification",
      [](const Input& in) {
          useEach<bool, std::u16string_view>(
-             in.text, {stringURLIsImageAd, stringURLIsAdSense, stringURLIsAdvertisement, stringURLIsBookmarklet,
-                       stringURLIsRecaptcha, stringURLIsTranslation, stringURLIsTopicOrThread, stringURLIsForum,
-                       stringURLIsCached});
+             in.text, {stringURLIsImageAd, stringURLIsAdSense, stringURLIsAdvertisement,
+                       stringURLIsBookmarklet, stringURLIsRecaptcha, stringURLIsTranslation,
+                       stringURLIsTopicOrThread, stringURLIsForum, stringURLIsCached});
          use(classesOfStringURL(in.text));
      }},
     {"acceptance",
@@ -149,8 +153,8 @@ constexpr Operation Rows[] = {
     {"schemes",
      [](const Input& in) {
          useEach<bool, std::u16string_view>(
-             in.text, {isWebKitStringURL, isDownloadableStringURL, isLoadableStringURL, isFeedStringURL,
-                       isDataStringURL, isMailStringURL, isFileStringURL});
+             in.text, {isWebKitStringURL, isDownloadableStringURL, isLoadableStringURL,
+                       isFeedStringURL, isDataStringURL, isMailStringURL, isFileStringURL});
          use(stringURLScheme(in.text));
          use(stringURLPathExtension(in.text));
          use(validFeedStringURL(in.text));
@@ -182,22 +186,25 @@ constexpr Operation Rows[] = {
      [](const Input& in) {
          for (const URL& url : placedIn(in)) {
              use(invertedPathRelativeToDirectory(url, u"/m"));
-             use(invertedPathRelativeToDirectory(url, u"/m", {.maxHostComponents = 3, .maxPathComponents = 3}));
+             use(invertedPathRelativeToDirectory(url, u"/m",
+                                                 {.maxHostComponents = 3, .maxPathComponents = 3}));
          }
      }},
     {"paths of URLs",
      [](const Input& in) {
          for (const URL& url : placedIn(in))
              for (String (*form)(const URL&) :
-                  {fullPath, pathWithParamsAndQueryAndFragment, absoluteStringWithoutUserAndPassword,
-                   absoluteStringWithHostAndPath, baseDirectory, standardizedBaseDirectory, normalizedPath,
-                   proposedFilename, displayString})
+                  {fullPath, pathWithParamsAndQueryAndFragment,
+                   absoluteStringWithoutUserAndPassword, absoluteStringWithHostAndPath,
+                   baseDirectory, standardizedBaseDirectory, normalizedPath, proposedFilename,
+                   displayString})
                  use(form(url));
      }},
     {"variants",
      [](const Input& in) {
          for (const URL& url : placedIn(in)) {
-             for (URL (*form)(const URL&) : {URLWithoutCredentials, URLWithoutAnchor, WebKitURL, baseURLForWebKit})
+             for (URL (*form)(const URL&) :
+                  {URLWithoutCredentials, URLWithoutAnchor, WebKitURL, baseURLForWebKit})
                  use(form(url));
              use(URLWithAnchor(url, in.text));
              use(URLWithUser(url, in.text, u"p"));

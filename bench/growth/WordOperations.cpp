@@ -24,12 +24,14 @@ constexpr Operation Rows[] = {
      [](const Input& in) {
          for (const bool wildcard : {false, true})
              for (const bool withSeparators : {false, true})
-                 use(wordsOfCharacters(in.text, {.withSeparators = withSeparators, .wildcard = wildcard}));
+                 use(wordsOfCharacters(in.text,
+                                       {.withSeparators = withSeparators, .wildcard = wildcard}));
          use(wordsOfCharacters(in.text, {.minLen = 5}));
      }},
     {"word counts",
      [](const Input& in) {
-         for (const bool wildcard : {false, true}) use(numberOfWordsOfCharacters(in.text, {.wildcard = wildcard}));
+         for (const bool wildcard : {false, true})
+             use(numberOfWordsOfCharacters(in.text, {.wildcard = wildcard}));
          use(numberOfWordsUsingDefaultSeparation(in.text, 3));
          use(numberOfWordsInRange(in.text, {1, in.text.length() / 2}));
      }},
@@ -42,7 +44,8 @@ constexpr Operation Rows[] = {
     {"components",
      [](const Input& in) {
          for (const CharacterSetRep* separators :
-              {&defaultComponentSeparators(), &defaultSentenceSeparators(), &defaultLineSeparators()}) {
+              {&defaultComponentSeparators(), &defaultSentenceSeparators(),
+               &defaultLineSeparators()}) {
              use(componentsOfCharacters(in.text, separators));
              use(numberOfComponentsUsingSeparators(in.text, separators));
              use(componentsUsingSeparators(in.text, {.separators = separators}));
