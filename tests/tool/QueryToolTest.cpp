@@ -27,6 +27,9 @@ TEST_F(Tool, TellsTheFormsOfAQuery) {
         {"--without-site 'site:c a'", "AND group of 1 (NONE)\n  AND a\n"},
     };
     for (const auto& c : cases) EXPECT_EQ(run(std::string("query --tree ") + c.arguments).out, c.tree);
+    const Json unbounded = run("query --json 'a BEFORE b AFTER \"AFTER/-1\" NEXT c'").lines().at(0);
+    EXPECT_EQ(unbounded["normalized"], "a BEFORE b AFTER \"after/-1\" BEFORE/1 c");
+    EXPECT_EQ(unbounded["description"], "a BEFORE b AFTER \"AFTER/-1\" NEXT c");
     EXPECT_TRUE(run("query 'a b'").out.starts_with("valid:"));
     for (const char* wrong : {"query", "query --default-operator=with a", "query --tree --json a"})
         EXPECT_EQ(run(wrong).code, 2) << wrong;
@@ -63,11 +66,11 @@ TEST_F(Tool, MatchesManyFiles) {
         EXPECT_EQ(run(wrong).code, 2) << wrong;
 }
 
-TEST_F(Tool, ShowsExcerpts) {
+TEST_F(Tool, ShowsExcerptsAsDescribed) {
     const std::string notes =
         write("notes.txt", "Some tea. No coffee!\r\nTea\nAnd a cup of green tea, please. Tea and cake");
     const auto json = [&](const std::string& arguments) {
-        return run("excerpts --json " + arguments + " " + notes).lines().at(0);
+        return run("excerpts --described --json " + arguments + " " + notes).lines().at(0);
     };
     EXPECT_EQ(json("tea --length=0")["summary"], "Some tea And a cup of green tea, please Tea and cake");
     EXPECT_EQ(json("tea --length=30 --separator=' / '")["summary"], "Some tea /  a cup of green tea...");
@@ -79,7 +82,7 @@ TEST_F(Tool, ShowsExcerpts) {
     EXPECT_EQ(json("tea --comparison=exact --length=0")["summary"], "Some tea And a cup of green tea, please");
     const Json records = json("'t?a NEAR cof*' --list")["records"];
     ASSERT_EQ(records.size(), 5u);
-    EXPECT_EQ(records[2], Json::parse(R"({"range": [22, 3], "line": 1, "text": "Tea"})"));
+    EXPECT_EQ(records[2], Json::parse(R"({"range": [22, 3], "line": 1, "text": "Tea", "hits": [[0, 3]]})"));
     EXPECT_EQ(json("coffee --list --enclosing-words=2")["records"][0]["text"],
               "...Some tea. No coffee!\r\nTea\nAnd...");
     EXPECT_EQ(run("excerpts --list --color=always coffee " + notes).out,
@@ -88,6 +91,61 @@ TEST_F(Tool, ShowsExcerpts) {
     const std::string all = run("excerpts -r --jobs=1 licensed " VELMO_PAGES).out;
     EXPECT_EQ(run("excerpts -r --jobs=5 licensed " VELMO_PAGES).out, all);
     EXPECT_EQ(run("excerpts --json 'the OR l*' " + pages()).lines().size(), 37u);
+}
+
+TEST_F(Tool, ShowsWhatMakesAQueryHold) {
+    const std::string text =
+        "A cat is far away. Version 2.4 of example.org has a cat NEAR its mat. Nothing here. The dog has a mat too.";
+    const struct {
+        const char* arguments;
+        bool matches;
+        Json summary, hits;
+    } cases[] = {
+        {"'cat NEAR/4 mat'", true, "Version 2.4 of example.org has a cat NEAR its mat", {{33, 3}, {46, 3}}},
+        {"'far OR dog'", true, "A cat is far away ... The dog has a mat too", {{9, 3}, {26, 3}}},
+        {"'cat -dog'", false, nullptr, Json::array()},
+        {"--any-word 'far -dog'", false, "A cat is far away", {{9, 3}}},
+        {"--beginning --length=9 'bird'", false, "A cat is...", Json::array()},
+        {"--plain 'd* OR far'", true, "A cat is far away", {{9, 3}}},
+        {"--length=25 'mat NEAR/4 cat'", true, " of example.org has a cat...", Json::array({{22, 3}})},
+    };
+    for (const auto& c : cases) {
+        const Json object = run(std::string("excerpts --json ") + c.arguments, text).lines().at(0);
+        EXPECT_EQ(object["matches"], c.matches) << c.arguments;
+        EXPECT_EQ(object["summary"], c.summary) << c.arguments;
+        EXPECT_EQ(object["hits"], c.hits) << c.arguments;
+    }
+    EXPECT_EQ(
+        run("excerpts --color=always 'far OR dog'", text).out,
+        "\x1B[35m-\x1B[m: A cat is \x1B[1;31mfar\x1B[m away \xE2\x80\xA6 The \x1B[1;31mdog\x1B[m has a mat too\n");
+    EXPECT_EQ(run("excerpts 'cat -dog'", text).code, 1);
+    // Whatever is called a hit is one, in what is printed.
+    for (const Json& object : run("excerpts --json --length=200 'l* NEAR/3 the' " + pages()).lines())
+        for (const Json& hit : object["hits"]) {
+            const String shown = String::fromUTF8(object["summary"].get<std::string>());
+            const std::string word = shown.substring({hit[0], hit[1]}).utf8();
+            EXPECT_TRUE(word.starts_with('l') || word.starts_with('L') || word == "the" || word == "The") << word;
+        }
+}
+
+TEST_F(Tool, ExplainsWhatCannotBeMeant) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"match ''", "query: at 1: "},
+        {"match 'a \"b'", "query: at 3: "},
+        {"query 'a (b'", "query: at 3: "},
+        {"excerpts 'a NEAR/x b'", "query: at 3: "},
+        {"gather --query '[ab' .", "query: at 1: "},
+        {"find -e a -e '[ab'", "pattern: at 1: "},
+        {"match 'a [b]['", "query: at "},
+    };
+    for (const auto& [arguments, start] : cases) {
+        const Outcome lenient = run(arguments, "a b"), strict = run(arguments + std::string(" --strict"), "a b");
+        EXPECT_TRUE(lenient.err.starts_with(std::string("velmo: ") + start)) << arguments << lenient.err;
+        EXPECT_NE(lenient.code, 2) << arguments;
+        EXPECT_EQ(strict.code, 2) << arguments;
+        EXPECT_EQ(strict.out, lenient.out) << arguments;
+    }
+    EXPECT_EQ(run("match 'a \"b c\" (d OR [ef]*)'", "a").err, "");
 }
 
 }  // namespace

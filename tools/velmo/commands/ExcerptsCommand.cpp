@@ -1,6 +1,7 @@
-// Where the words of a query stand in texts and pages, to read.
+// What stands around the words that make a query hold, to read. The library finds and cuts; here
+// is decided of which texts and which hits, and where the hits stand in what is printed.
+#include <algorithm>
 #include <memory>
-#include <optional>
 
 #include <velmocore/query/Occurrences.h>
 #include <velmocore/query/QueryRewriting.h>
@@ -15,93 +16,195 @@ namespace velmo::tool {
 namespace {
 
 constexpr std::uint64_t DefaultLength = 300;
+/// So much beside a hit tells it from another one where a sentence was cut.
+constexpr std::size_t ContextUnits = 8;
 
 struct Options {
-    std::string query;
+    std::string query, separator;
     InputOptions input;
     QueryParseOptions parse;
-    AssemblyOptions assembly = {.comparison = WildcardComparison::CaseInsensitive,
-                                .ellipsizeAfterNCharacters = DefaultLength};
-    std::string separator;
-    bool list = false;
-    std::uint64_t enclosingWords = 0;
+    WildcardComparison comparison = WildcardComparison::CaseInsensitive;
+    bool anyWord = false, beginning = false, described = false, onlyOccurrences = false;
+    bool paragraphs = false, singleWords = false, list = false;
+    std::uint64_t length = DefaultLength, enclosingWords = 0;
 };
+
+/// A text that is printed, and the hits in it.
+struct Excerpt {
+    String text;
+    std::vector<Range> hits = {};
+};
+
+/// The hits that stand in a range, counted from where that range begins in what is printed.
+void addHits(std::vector<Range>& shown, std::span<const Range> hits, Range range,
+             std::size_t start) {
+    for (const Range& hit : hits)
+        if (hit.location >= range.location && hit.end() <= range.end())
+            shown.push_back({hit.location - range.location + start, hit.length});
+}
+
+/// A record's text begins with dots if it crossed a boundary.
+Excerpt excerptOf(const Occurrence& record, std::u16string_view text, std::span<const Range> hits) {
+    Excerpt excerpt = {.text = record.string};
+    const std::size_t start =
+        record.string.view().find(text.substr(record.range.location, record.range.length));
+    if (start != std::u16string_view::npos) addHits(excerpt.hits, hits, record.range, start);
+    return excerpt;
+}
+
+/// Where a hit stands in a text that was cut from another one, from a place on, by what stands
+/// on either side of it there; none if it was left out.
+Range hitInCut(std::u16string_view cut, std::size_t from, std::u16string_view text, Range hit) {
+    const std::size_t before = std::min<std::size_t>(ContextUnits, hit.location);
+    const Range contexts[] = {{hit.location - before, before + hit.length},
+                              {hit.location, hit.length + ContextUnits}};
+    for (const Range& context : contexts) {
+        const std::size_t at = cut.find(text.substr(context.location, context.length), from);
+        if (at != cut.npos) return {at + hit.location - context.location, hit.length};
+    }
+    return Range::none();
+}
 
 /// Makes and prints the excerpts of one file after the other, on any threads.
 class Excerpts {
 public:
-    explicit Excerpts(const Options& options)
+    Excerpts(const Options& options, const Query& query)
         : options_(options),
-          assembly_(options.assembly),
-          wildcards_(
-              plusWildcards(String::fromUTF8(options.query)).value_or(std::vector<String>())) {
-        if (!options.separator.empty()) assembly_.separator = String::fromUTF8(options.separator);
-    }
+          query_(query),
+          wildcards_(plusWildcards(query.text).value_or(std::vector<String>())) {}
 
-    void printSummary(const std::string& file, const String& text, Report& report) const {
-        const String summary = assembleOccurrencesOfWildcards(text, wildcards_, assembly_);
-        report.noteHit(containsAnyWildcard(text, wildcards_, {.comparison = assembly_.comparison}));
-        if (report.json()) return report.printObject(fileObject(file, {{"summary", summary}}));
-        if (summary.isAbsent()) return;
-        Line line = report.line();
-        addExcerpt(line.add(Line::Color::File, file).add(": "), summary);
-        report.printLine(line);
-    }
-
-    void printList(const std::string& file, const String& text, Report& report) const {
-        const auto records =
-            getOccurrencesOfWildcards(text, wildcards_,
-                                      {.comparison = assembly_.comparison,
-                                       .paragraphs = assembly_.paragraphs,
-                                       .minEnclosingWords = options_.enclosingWords});
-        report.noteHit(!records.empty());
-        if (report.json())
-            return report.printObject(fileObject(file, {{"records", valuesOf(records)}}));
-        for (const Occurrence& record : records) {
-            Line line = report.line();
-            line.add(Line::Color::File, file).add(":");
-            line.add(Line::Color::Number, std::to_string(record.line + 1)).add(": ");
-            addExcerpt(line, record.string);
-            report.printLine(line);
-        }
+    void print(const std::string& file, const String& text, Report& report) const {
+        const bool matches = query_.holdsFor(text);
+        const std::vector<Range> hits = byWords() ? hitsOfWords(text) : query_.hitsIn(text);
+        report.noteHit(byWords() ? !hits.empty() : matches);
+        JsonObject object = fileObject(file, {{"matches", matches}});
+        if (options_.list)
+            printList(file, text, hits, std::move(object), report);
+        else
+            printSummary(file, text, hits, std::move(object), report);
     }
 
 private:
-    static JsonArray valuesOf(const std::vector<Occurrence>& records) {
-        JsonArray values;
-        for (const Occurrence& record : records)
-            values.push_back(
-                JsonObject{{"range", JsonArray{record.range.location, record.range.length}},
-                           {"line", record.line},
-                           {"text", record.string}});
-        return values;
-    }
+    /// Whether all positive words count, and not only what makes the query hold.
+    bool byWords() const { return options_.anyWord || options_.described; }
 
-    void addExcerpt(Line& line, const String& excerpt) const {
+    std::vector<Range> hitsOfWords(std::u16string_view text) const {
         std::vector<Range> hits;
-        forEachWildcard(excerpt, wildcards_,
+        forEachWildcard(text, wildcards_,
                         [&](Range hit) {
                             hits.push_back(hit);
                             return true;
                         },
-                        {.comparison = assembly_.comparison});
-        addHighlighted(line, excerpt, hits);
+                        {.comparison = query_.comparison});
+        return hits;
+    }
+
+    std::vector<Occurrence> recordsOf(std::u16string_view text, std::span<const Range> hits,
+                                      std::size_t enclosingWords) const {
+        return getOccurrencesOfHits(text, hits,
+                                    {.paragraphs = options_.paragraphs,
+                                     .minEnclosingWords = enclosingWords,
+                                     .strictSentenceEnds = !options_.described});
+    }
+
+    String summaryOf(const String& text, std::span<const Range> hits, bool isForPeople) const {
+        AssemblyOptions options = {
+            .comparison = query_.comparison,
+            .paragraphs = options_.paragraphs,
+            .singleWords = options_.singleWords,
+            .onlyOccurrences = options_.described ? options_.onlyOccurrences : !options_.beginning,
+            .ellipsizeAfterNCharacters = options_.length};
+        if (!options_.separator.empty()) options.separator = String::fromUTF8(options_.separator);
+        if (options_.described) return assembleOccurrencesOfWildcards(text, wildcards_, options);
+        options.gapSeparator = isForPeople ? u" \u2026 " : u" ... ";
+        options.strictSentenceEnds = options.keepsPairs = true;
+        return assembleOccurrencesOfHits(text, hits, options);
+    }
+
+    /// The hits in a summary: those of its whole sentences first, and then those of the one that
+    /// was cut to fit.
+    Excerpt excerptOfSummary(const String& summary, std::u16string_view text,
+                             std::span<const Range> hits) const {
+        Excerpt excerpt = {.text = summary};
+        const std::u16string_view shown = summary;
+        std::size_t from = 0;
+        for (const Occurrence& record : recordsOf(text, hits, 0)) {
+            const std::u16string_view sentence =
+                text.substr(record.range.location, record.range.length);
+            const std::size_t at = shown.find(sentence, from);
+            if (at != shown.npos) {
+                addHits(excerpt.hits, hits, record.range, at);
+                from = at + sentence.size();
+                continue;
+            }
+            for (const Range& hit : hits) {
+                if (hit.location < record.range.location || hit.end() > record.range.end())
+                    continue;
+                const Range found = hitInCut(shown, from, text, hit);
+                if (found.location == NotFound) continue;
+                excerpt.hits.push_back(found);
+                from = found.end();
+            }
+        }
+        return excerpt;
+    }
+
+    static JsonArray valuesOf(std::span<const Range> hits) {
+        JsonArray values;
+        for (const Range& hit : hits) values.push_back(JsonArray{hit.location, hit.length});
+        return values;
+    }
+
+    void printSummary(const std::string& file, const String& text, std::span<const Range> hits,
+                      JsonObject object, Report& report) const {
+        const Excerpt excerpt = excerptOfSummary(summaryOf(text, hits, !report.json()), text, hits);
+        if (report.json()) {
+            object.push_back({"summary", excerpt.text});
+            object.push_back({"hits", valuesOf(excerpt.hits)});
+            return report.printObject(std::move(object));
+        }
+        if (excerpt.text.isAbsent()) return;
+        Line line = report.line();
+        line.add(Line::Color::File, file).add(": ");
+        addHighlighted(line, excerpt.text, excerpt.hits);
+        report.printLine(line);
+    }
+
+    void printList(const std::string& file, const String& text, std::span<const Range> hits,
+                   JsonObject object, Report& report) const {
+        JsonArray values;
+        for (const Occurrence& record : recordsOf(text, hits, options_.enclosingWords)) {
+            const Excerpt excerpt = excerptOf(record, text, hits);
+            if (!report.json()) {
+                Line line = report.line();
+                line.add(Line::Color::File, file).add(":");
+                line.add(Line::Color::Number, std::to_string(record.line + 1)).add(": ");
+                addHighlighted(line, excerpt.text, excerpt.hits);
+                report.printLine(line);
+                continue;
+            }
+            values.push_back(
+                JsonObject{{"range", JsonArray{record.range.location, record.range.length}},
+                           {"line", record.line},
+                           {"text", excerpt.text},
+                           {"hits", valuesOf(excerpt.hits)}});
+        }
+        if (!report.json()) return;
+        object.push_back({"records", std::move(values)});
+        report.printObject(std::move(object));
     }
 
     const Options& options_;
-    AssemblyOptions assembly_;
+    const Query& query_;
     const std::vector<String> wildcards_;
 };
 
 void run(Report& report, const Options& options) {
-    readQuery(report, options.query, options.parse, WildcardComparison::CaseInsensitive);
+    const Query query = readQuery(report, options.query, options.parse, options.comparison);
     report.flush();
-    const Excerpts excerpts(options);
+    const Excerpts excerpts(options, query);
     forEachText(report, options.input, [&](const std::string& file, String&& text, Report& own) {
-        if (options.list)
-            excerpts.printList(file, text, own);
-        else
-            excerpts.printSummary(file, text, own);
+        excerpts.print(file, text, own);
     });
 }
 
@@ -109,28 +212,33 @@ void run(Report& report, const Options& options) {
 
 Command makeExcerptsCommand(Session& session) {
     auto options = std::make_shared<Options>();
-    AssemblyOptions& assembly = options->assembly;
     Command command = {
-        .summary = "Show the sentences that hold the words of a query",
+        .summary = "Show the sentences with the words that make a query hold",
         .examples = {"velmo excerpts --length=200 'tea OR cof*' notes.txt page.html",
                      "velmo excerpts -r --list --enclosing-words=5 '\"new york\"' letters/"},
         .arguments = {required("QUERY", options->query,
-                               "words, and patterns with * ? and [sets]; see velmo help query")},
+                               "words, patterns, \"phrases\" and operators; see velmo help query")},
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add({
-        number("--length", "N", assembly.ellipsizeAfterNCharacters,
-               "of a summary, in UTF-16 units; 0 is no limit"),
-        flag("--paragraphs", assembly.paragraphs, "whole lines instead of sentences"),
+        flag("--any-word", options->anyWord,
+             "every sentence with a positive word, whether the query holds or not"),
+        flag("--beginning", options->beginning, "the beginning of texts without a hit"),
+        flag("--described", options->described,
+             "the plain form: every positive word, the beginning of texts without one, sentences "
+             "that end at each full stop, and no sign of what is left out"),
+        number("--length", "N", options->length, "of a summary, in UTF-16 units; 0 is no limit"),
+        flag("--paragraphs", options->paragraphs, "whole lines instead of sentences"),
         text("--separator", "TEXT", options->separator, "between sentences; a space"),
-        flag("--single-words", assembly.singleWords, "sentences of nothing but the hit, too"),
-        flag("--only-occurrences", assembly.onlyOccurrences, "no summary of a text without a hit"),
+        flag("--single-words", options->singleWords, "sentences of nothing but the hit, too"),
+        flag("--only-occurrences", options->onlyOccurrences,
+             "with --described, no summary of a text without a hit"),
         flag("--list", options->list, "every excerpt by itself, with its place"),
         number("--enclosing-words", "N", options->enclosingWords,
                "at least so many on each side of a hit, for --list"),
     });
     command.add(queryParseOptions(options->parse));
-    command.add(comparisonOptions(assembly.comparison));
+    command.add(comparisonOptions(options->comparison));
     addContentOptions(command, session, options->input);
     command.add({colorOption(session), jsonFlag(session, "one JSON object a file")});
     return command;

@@ -9,6 +9,7 @@
 #include <velmocore/query/WildcardSearch.h>
 
 #include "Commands.h"
+#include "QueryOptions.h"
 #include "SearchOptions.h"
 #include "TextPosition.h"
 #include "frame/FileRun.h"
@@ -27,7 +28,7 @@ struct Options {
     HitOptions hits;
     double fuzzy = NoFuzzy;
     std::uint64_t maxCount = NotFound;
-    bool previous = false;
+    bool previous = false, strict = false;
 };
 
 /// A hit and where it stands.
@@ -168,6 +169,8 @@ void run(Report& report, Options& options) {
     std::vector<String> patterns;
     for (const std::string& pattern : options.patterns)
         patterns.push_back(String::fromUTF8(pattern));
+    for (const String& pattern : patterns) explainPattern(report, pattern, options.strict);
+    report.flush();
     forEachText(report, options.input, [&](const std::string& file, String&& text, Report& own) {
         findIn(file, text, patterns, options, own);
     });
@@ -192,6 +195,7 @@ Command makeFindCommand(Session& session) {
              0, 1),
         number("--max-count", "N", options->maxCount, "stop in a file after so many hits"),
         flag("--previous", options->previous, "from the end of each file back"),
+        flag("--strict", options->strict, "fail if a pattern cannot mean what was written"),
     });
     command.add(comparisonOptions(options->comparison));
     command.add(hitOptions(session, options->hits, "only the number of hits in each file"));

@@ -12,7 +12,6 @@
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/platform/Resources.h>
 #include <velmocore/query/Occurrences.h>
-#include <velmocore/query/QueryRewriting.h>
 #include <velmocore/url/LinkFollowing.h>
 #include <velmocore/url/URLConstruction.h>
 #include <velmocore/words/LanguageFilter.h>
@@ -106,10 +105,7 @@ const LanguageFilter& languageFilter() {
 class Gatherer {
 public:
     Gatherer(const Options& options, const URL& base, const Query& query)
-        : options_(options),
-          base_(base),
-          query_(query),
-          wildcards_(plusWildcards(query.text).value_or(std::vector<String>())) {}
+        : options_(options), base_(base), query_(query) {}
 
     GatheredPage gather(const FileName& file, const Content& content) const {
         GatheredPage page;
@@ -130,18 +126,18 @@ public:
 private:
     /// The sentences with a hit, on one line.
     String excerptOf(const String& text) const {
-        return singleLine(
-            assembleOccurrencesOfWildcards(text, wildcards_,
-                                           {.comparison = query_.comparison,
-                                            .singleWords = true,
-                                            .onlyOccurrences = true,
-                                            .ellipsizeAfterNCharacters = ExcerptUnits}));
+        return singleLine(assembleOccurrencesOfHits(text, query_.hitsIn(text),
+                                                    {.singleWords = true,
+                                                     .onlyOccurrences = true,
+                                                     .ellipsizeAfterNCharacters = ExcerptUnits,
+                                                     .gapSeparator = u" ... ",
+                                                     .strictSentenceEnds = true,
+                                                     .keepsPairs = true}));
     }
 
     const Options& options_;
     const URL& base_;
     const Query& query_;
-    const std::vector<String> wildcards_;
 };
 
 void printObject(const std::string& file, const GatheredPage& page, const Options& options,

@@ -19,6 +19,25 @@ struct Options {
     bool tree = false;
 };
 
+/// A query in one of the library's forms, where an unbounded distance is written as -1: as
+/// people write it, BEFORE or AFTER alone. What stands in quotes stays.
+std::string withPlainDistances(const String& form) {
+    constexpr std::string_view Unbounded = "/-1";
+    std::string out;
+    bool isQuoted = false;
+    const std::string text = form.utf8();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '"') isQuoted = !isQuoted;
+        const bool isDistance = (out.ends_with("BEFORE") || out.ends_with("AFTER")) &&
+                                text.compare(i, Unbounded.size(), Unbounded) == 0;
+        if (isDistance && !isQuoted)
+            i += Unbounded.size() - 1;
+        else
+            out += text[i];
+    }
+    return out;
+}
+
 /// What is told of a query, in the order of the output.
 JsonObject formsOf(const Query& query, const QueryOptions& options) {
     // Searches and excerpts take the words as wildcards, however the query is read otherwise.
@@ -29,8 +48,8 @@ JsonObject formsOf(const Query& query, const QueryOptions& options) {
     return {{"valid", terms.isValid()},
             {"tree", dumpOfQueryTerms(terms)},
             {"standardized", terms.standardizedQueryTerm()},
-            {"normalized", terms.normalizedQueryTerm()},
-            {"description", terms.description()},
+            {"normalized", withPlainDistances(terms.normalizedQueryTerm())},
+            {"description", withPlainDistances(terms.description())},
             {"plusWords", jsonArray(terms.plusWords())},
             {"wildcards", wildcards ? Json(jsonArray(*wildcards)) : Json()},
             {"minTermLen", terms.minTermLen()}};

@@ -1,5 +1,10 @@
 #include "QueryOptions.h"
 
+#include <fmt/core.h>
+
+#include <velmocore/query/QueryDiagnosis.h>
+#include <velmocore/query/QueryHits.h>
+
 namespace velmo::tool {
 namespace {
 
@@ -7,6 +12,19 @@ namespace {
 bool isForWildcards(WildcardComparison comparison) {
     return (comparison & WildcardComparison::DiacriticsInsensitive) != WildcardComparison::Exact ||
            isFuzzy(comparison);
+}
+
+/// The problems with their places, counted from 1 in UTF-16 units.
+void explain(Report& report, std::string_view what, const std::vector<QueryProblem>& problems,
+             bool strict) {
+    for (const QueryProblem& problem : problems) {
+        const std::string text =
+            fmt::format("at {}: {}", problem.range.location + 1, problem.text.utf8());
+        if (strict)
+            report.fail(what, text);
+        else
+            report.warn(what, text);
+    }
 }
 
 Case caseOf(WildcardComparison comparison) {
@@ -51,18 +69,22 @@ bool Query::occursIn(std::u16string_view units) const {
                  : terms.containsString(units, comparison);
 }
 
+std::vector<Range> Query::hitsIn(std::u16string_view units) const {
+    return plain ? hitsOfQueryTerms(units, terms, caseOf(comparison))
+                 : hitsOfQueryTerms(units, terms, comparison);
+}
+
+void explainPattern(Report& report, const String& pattern, bool strict) {
+    explain(report, "pattern", problemsOfWildcard(pattern), strict);
+}
+
 Query readQuery(Report& report, const std::string& text, const QueryParseOptions& options,
                 WildcardComparison comparison) {
     if (options.plain && isForWildcards(comparison))
         throw UsageError("--plain knows no comparison but exact and case");
     const String query = String::fromUTF8(text);
+    explain(report, "query", problemsOfQuery(query, options.read()), options.strict);
     QueryTerms terms(query, options.read());
-    if (!terms.isValid()) {
-        if (options.strict)
-            report.fail("query", "nothing to look for");
-        else
-            report.warn("query", "nothing to look for");
-    }
     return {query, std::move(terms), options.plain, comparison};
 }
 

@@ -34,11 +34,16 @@ struct Query {
     bool holdsFor(std::u16string_view text) const;
     /// Whether a positive word occurs.
     bool occursIn(std::u16string_view text) const;
+    /// Where the words stand that make it hold, in their order.
+    std::vector<Range> hitsIn(std::u16string_view text) const;
 };
 
 /// Reads a query and tells what in it cannot mean what was written. Throws a UsageError for a
 /// comparison that plain words do not know.
 Query readQuery(Report& report, const std::string& text, const QueryParseOptions& options,
                 WildcardComparison comparison);
+
+/// Tells what in a pattern cannot mean what was written; strict makes it a failure.
+void explainPattern(Report& report, const String& pattern, bool strict);
 
 }  // namespace velmo::tool
