@@ -45,12 +45,9 @@ bool isList(std::string_view name) {
            fastCaseInsensitiveCompareChars(name.substr(FilePrefix.size()), "Gen") != 0;
 }
 
-Error errorOfDirectory(const std::string& directory, const std::error_code& failure) {
-    const String domain = failure ? u"posix" : u"velmo.language";
-    const std::string reason = failure ? failure.message() : "there are no lists of stop words";
-    return {domain, failure ? failure.value() : 1,
-            String::fromUTF8(directory.empty() ? "no folder of stop words: " + reason
-                                               : directory + ": " + reason)};
+Error whyNoLists(const std::error_code& failure) {
+    if (failure) return {u"posix", failure.value(), String::fromUTF8(failure.message())};
+    return {u"velmo.language", 1, u"no lists of stop words"};
 }
 
 /// The names of the lists, sorted, as the order of the languages counts.
@@ -61,7 +58,7 @@ std::vector<std::string> listsInDirectory(const std::string& directory, Error* e
          it.increment(failure))
         if (std::string name = it->path().filename(); isList(name)) names.push_back(name);
     std::ranges::sort(names);
-    if (error && names.empty()) *error = errorOfDirectory(directory, failure);
+    if (error && names.empty()) *error = whyNoLists(failure);
     return names;
 }
 

@@ -21,6 +21,11 @@ TEST_F(Tool, TellsLanguages) {
     const std::string text = write("q.txt", "Ruq muq luq d\xC3\xBCq buq ruq muq luq buq.");
     EXPECT_EQ(object("--lists " + folder_.string() + " " + text)["language"], "QQ");
     EXPECT_EQ(run("language --lists " + (folder_ / "missing").string() + " " + text).code, 2);
+    // Gathering goes on without a language.
+    const Outcome without = shell("VELMO_RESOURCES=/none $V gather --json " + pages());
+    EXPECT_EQ(without.err, "velmo: /none: No such file or directory\n");
+    EXPECT_EQ(without.code, 2);
+    EXPECT_GT(without.lines().size(), 30u);
 }
 
 TEST_F(Tool, CleansInTheOrderOfTheFlags) {

@@ -14,10 +14,10 @@
 #include <velmocore/query/Occurrences.h>
 #include <velmocore/url/LinkFollowing.h>
 #include <velmocore/url/URLConstruction.h>
-#include <velmocore/words/LanguageFilter.h>
 #include <velmocore/words/Words.h>
 
 #include "Commands.h"
+#include "LanguageLists.h"
 #include "PageLinks.h"
 #include "QueryOptions.h"
 #include "SearchOptions.h"
@@ -96,16 +96,12 @@ URL urlOf(const FileName& file, const URL& base) {
     return URL::URLWithString(String::fromUTF8(escapedPath(relative)), base);
 }
 
-const LanguageFilter& languageFilter() {
-    static const LanguageFilter filter(velmoResourcesDirectory());
-    return filter;
-}
-
 /// Gathers one page after the other, on any threads.
 class Gatherer {
 public:
-    Gatherer(const Options& options, const URL& base, const Query& query)
-        : options_(options), base_(base), query_(query) {}
+    Gatherer(const Options& options, const URL& base, const Query& query,
+             const LanguageFilter& languages)
+        : options_(options), base_(base), query_(query), languages_(languages) {}
 
     GatheredPage gather(const FileName& file, const Content& content) const {
         GatheredPage page;
@@ -117,7 +113,7 @@ public:
             text = stringByConvertingHtml2PlainText(content.units);
         }
         page.words = numberOfWordsUsingDefaultSeparation(text);
-        page.language = languageFilter().languageOfText(text);
+        page.language = languages_.languageOfText(text);
         page.matches = query_.holdsFor(text);
         if (page.matches) page.excerpt = excerptOf(text);
         return page;
@@ -138,6 +134,7 @@ private:
     const Options& options_;
     const URL& base_;
     const Query& query_;
+    const LanguageFilter& languages_;
 };
 
 void printObject(const std::string& file, const GatheredPage& page, const Options& options,
@@ -199,8 +196,9 @@ void run(Report& report, const Options& options) {
     if (base.isAbsent() && !options.base.empty()) return report.fail(options.base, "not a URL");
     const Query query =
         asked ? readQuery(report, options.query, options.parse, options.comparison) : Query();
+    const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
     report.flush();
-    const Gatherer gatherer(options, base, query);
+    const Gatherer gatherer(options, base, query, languages);
     Summary summary;
     forEachContent(
         report, options.input, [&](const FileName& file, Content&& content, Report& own) {

@@ -3,9 +3,9 @@
 #include <memory>
 
 #include <velmocore/platform/Resources.h>
-#include <velmocore/words/LanguageFilter.h>
 
 #include "Commands.h"
+#include "LanguageLists.h"
 #include "frame/FileRun.h"
 
 namespace velmo::tool {
@@ -33,8 +33,8 @@ void print(const LanguageFilter& filter, const std::string& file, const String& 
 
 void run(Report& report, const Options& options) {
     const std::string lists = options.lists.empty() ? velmoResourcesDirectory() : options.lists;
-    const LanguageFilter filter(lists, options.ignoreUmlauts);
-    if (filter.languages().empty()) return report.fail(lists, "no lists of stop words");
+    const LanguageFilter filter = readLanguageFilter(report, lists, options.ignoreUmlauts);
+    if (filter.languages().empty()) return;
     forEachText(report, options.input, [&](const std::string& file, String&& content, Report& own) {
         print(filter, file, content, own);
     });

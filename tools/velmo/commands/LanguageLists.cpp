@@ -1,0 +1,13 @@
+#include "LanguageLists.h"
+
+namespace velmo::tool {
+
+LanguageFilter readLanguageFilter(Report& report, const std::string& folder, bool ignoreUmlauts) {
+    Error error;
+    LanguageFilter filter(folder, ignoreUmlauts, &error);
+    if (filter.languages().empty())
+        report.fail(folder.empty() ? "stop words" : folder, error.text.utf8());
+    return filter;
+}
+
+}  // namespace velmo::tool
