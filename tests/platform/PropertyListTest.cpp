@@ -124,8 +124,10 @@ TEST(PropertyListAsXML, BoundsTheKeysOfADictionary) {
 
 // Long texts with entities are parted for the parser; what they say stays the same.
 TEST(PropertyListAsXML, KeepsLongTextsWithEntities) {
-    for (const std::string& part : {std::string("&amp;"), std::string("a&lt;b&#65;"), std::string(1500, 'x') + "&gt;",
-                                    std::string("&amp;") + std::string(3000, 'y'), std::string(1021, 'z') + "&quot;"}) {
+    for (const auto& [before, entities, after] :
+         {std::tuple(0, "&amp;", 0), std::tuple(0, "a&lt;b&#65;", 0), std::tuple(1500, "&gt;", 0),
+          std::tuple(0, "&amp;", 3000), std::tuple(1021, "&quot;", 0)}) {
+        const std::string part = std::string(before, 'x') + entities + std::string(after, 'y');
         std::string text;
         for (int i = 0; i < 3000; ++i) text += part;
         const std::string list =
