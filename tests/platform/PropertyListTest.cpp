@@ -1,7 +1,6 @@
 #include <velmocore/platform/PropertyList.h>
 
 #include <functional>
-#include <vector>
 
 #include "TestSupport.h"
 

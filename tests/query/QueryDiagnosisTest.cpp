@@ -17,11 +17,7 @@ std::string shown(const std::vector<QueryProblem>& problems) {
 }
 
 TEST(QueryDiagnosis, Queries) {
-    const struct {
-        std::u16string_view query;
-        bool wildcard;
-        std::string expected;
-    } cases[] = {
+    const std::tuple<View, bool, std::string> cases[] = {
         {u"(tea OR \"two cups\") NEAR/5 -a|b [x] NEAR/+2 c", false, ""},
         {u"data* [a-d]?x \"t* ?b\" * c++ e-mai?", true, ""},
         {u"", false, "nothing@0+0 "},
@@ -38,19 +34,17 @@ TEST(QueryDiagnosis, Queries) {
         {u"a]b c+* .net", false, ""},
         {u"[]", true, "hopeless@0+2 "},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(shown(problemsOfQuery(c.query, {.wildcard = c.wildcard})), c.expected) << utf8(c.query);
+    for (const auto& [query, wildcard, expected] : cases)
+        EXPECT_EQ(shown(problemsOfQuery(query, {.wildcard = wildcard})), expected) << utf8(query);
 }
 
 TEST(QueryDiagnosis, Wildcards) {
-    const struct {
-        std::u16string_view wildcard;
-        std::string expected;
-    } cases[] = {
+    const std::pair<View, std::string> cases[] = {
         {u"dat* b?se", ""},       {u"c++", ""}, {u" ", "nothing@0+1 "}, {u"[ab", "[@0+3 "}, {u"??", "hopeless@0+2 "},
         {u"a]", "hopeless@0+2 "},
     };
-    for (const auto& c : cases) EXPECT_EQ(shown(problemsOfWildcard(c.wildcard)), c.expected) << utf8(c.wildcard);
+    for (const auto& [wildcard, expected] : cases)
+        EXPECT_EQ(shown(problemsOfWildcard(wildcard)), expected) << utf8(wildcard);
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 // Wildcards on random patterns and texts beside the slow reference.
 #include <velmocore/query/WildcardSearch.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <random>
 
 #include <velmocore/query/FuzzyAnalogy.h>
 
@@ -20,23 +18,17 @@ struct RandomCase {
     RefSearch search;  // with the text
 };
 
-std::u16string randomUnits(std::mt19937& random, std::u16string_view alphabet, std::size_t count) {
-    std::u16string units;
-    while (count-- > 0) units += alphabet[random() % alphabet.size()];
-    return units;
-}
-
 RandomCase randomCase(std::mt19937& random) {
     // Meaningless patterns test the rules of sets, meaningful ones the searches.
-    static constexpr std::u16string_view Units[] = {u"ab*?[]^-| \u00E4A", u"aab*?", u"aabA\u00E4-* ?", u"[a-b]^*"};
-    static constexpr std::u16string_view Parts[] = {u"*", u"*",    u"a",     u"a",    u"b", u"ab", u"[ab]",
-                                                    u"?", u"[^a]", u"[A-b]", u"[A-]", u" ", u"-"};
-    static constexpr std::u16string_view Texts[] = {u"aabbA\u00E4 -.|[]^*?", u"ab ", u"abA -"};
+    static constexpr View Units[] = {u"ab*?[]^-| \u00E4A", u"aab*?", u"aabA\u00E4-* ?", u"[a-b]^*"};
+    static constexpr View Parts[] = {u"*", u"*",    u"a",     u"a",    u"b", u"ab", u"[ab]",
+                                     u"?", u"[^a]", u"[A-b]", u"[A-]", u" ", u"-"};
+    static constexpr View Texts[] = {u"aabbA\u00E4 -.|[]^*?", u"ab ", u"abA -"};
     RandomCase c;
     for (std::size_t i = 1 + random() % 5 / 3; i > 0; --i) {
         std::u16string wildcard;
         if (random() % 4 == 0)
-            wildcard = randomUnits(random, Units[random() % std::size(Units)], random() % 9);
+            wildcard = test::randomText(random, Units[random() % std::size(Units)], random() % 9);
         else
             for (std::size_t parts = 1 + random() % 4; parts > 0; --parts)
                 wildcard += Parts[random() % std::size(Parts)];
@@ -44,7 +36,7 @@ RandomCase randomCase(std::mt19937& random) {
     }
     RefSearch& search = c.search;
     const std::size_t length = random() % 8 ? 2 + random() % 14 : random() % 120;
-    search.text = randomUnits(random, Texts[random() % std::size(Texts)], length);
+    search.text = test::randomText(random, Texts[random() % std::size(Texts)], length);
     search.start = random() % 4 ? 0 : random() % (length + 1);
     search.end = random() % 4 ? length : search.start + random() % (length - search.start + 1);
     search.comparison = random() % 8;
@@ -68,24 +60,19 @@ std::vector<Range> refAllHits(RefSearch search, const std::vector<std::u16string
     return hits;
 }
 
-template <class Value>
-std::string differs(const char* what, const Value& value, const Value& expected) {
-    if (value == expected) return "";
-    return std::string(what) + ": " + testing::PrintToString(value) + ", but the reference " +
-           testing::PrintToString(expected);
-}
-
 /// What the library and the reference disagree about, or "".
 std::string differenceOf(const RandomCase& c) {
     const RefSearch& in = c.search;
     const std::u16string& wildcard = c.wildcards[0];
     const auto comparison = static_cast<WildcardComparison>(in.comparison);
-    const std::u16string_view head = std::u16string_view(in.text).substr(0, 12);
+    const View head = View(in.text).substr(0, 12);
     const ConversionTable* table = unicharTableForWildcardComparison(comparison);
     const Range range{in.start, in.end - in.start};
     std::string found;
     const auto check = [&](const char* what, const auto& value, const auto& expected) {
-        if (found.empty()) found = differs(what, value, expected);
+        if (found.empty() && value != expected)
+            found = std::string(what) + ": " + testing::PrintToString(value) + ", but the reference " +
+                    testing::PrintToString(expected);
     };
 
     check(
@@ -126,7 +113,7 @@ std::string differenceOf(const RandomCase& c) {
                                           .direction = direction,
                                           .acceptStar = in.acceptStar}),
           refFindString(in, wildcard));
-    const std::vector<String> wildcards(c.wildcards.begin(), c.wildcards.end());
+    const Strings wildcards(c.wildcards.begin(), c.wildcards.end());
     RefSearch starless = in;
     starless.acceptStar = false;
     check("first", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, direction, true}),
@@ -161,8 +148,7 @@ TEST(WildcardReference, RandomPatternsAndTexts) {
     for (unsigned long i = 0; i < cases; ++i) {
         const RandomCase c = randomCase(random);
         found += refNearest(c.search, c.wildcards, true).isFound();
-        const std::string difference = differenceOf(c);
-        ASSERT_TRUE(difference.empty()) << "case " << i << ": " << described(c) << ": " << difference;
+        ASSERT_EQ(differenceOf(c), "") << "case " << i << ": " << described(c);
     }
     // The cases are worth something only if hits and misses are common.
     EXPECT_GT(found, cases / 5);

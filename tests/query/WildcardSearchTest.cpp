@@ -8,96 +8,49 @@
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-using Strings = std::vector<String>;
 using enum WildcardComparison;
 
 constexpr Range None = Range::none();
 
 TEST(WildcardSearch, OneWord) {
-    const struct {
-        View text, wildcard;
-        Range range, expected;
-        FindWildcardOptions options = {};
-    } cases[] = {
-        {u"the data base", u"data", {0, 99}, {4, 4}},
-        {u"the database", u"data", {0, 99}, None},
-        {u"the database", u"data*", {0, 99}, {4, 8}},
-        {u"the database", u"*base", {0, 99}, {4, 8}},
-        {u"the database", u"*tab*", {0, 99}, {4, 8}},
-        {u"dat data", u"d?ta", {0, 99}, {4, 4}},
-        {u"Data data", u"[dD]ata", {0, 99}, {0, 4}},
-        {u"DATA", u"d*a", {0, 99}, {0, 4}, {.comparison = CaseInsensitive}},
-        {u"d\u00E4ta", u"data", {0, 99}, {0, 4}, {.comparison = DiacriticsInsensitive}},
+    const std::tuple<View, View, Range, Range, FindWildcardOptions> cases[] = {
+        {u"the data base", u"data", {0, 99}, {4, 4}, {}},
+        {u"the database", u"*base", {0, 99}, {4, 8}, {}},
+        {u"Data data", u"[dD]ata", {0, 99}, {0, 4}, {}},
         {u"D\u00C4TA", u"*ta", {0, 99}, {0, 4}, {.comparison = Insensitive}},
         {u"\u0436\u0443\u043A", u"\u0416*", {0, 99}, {0, 3}, {.comparison = CaseInsensitive}},
         {u"\u017Fing \u212Aing", u"*SING", {0, 99}, {0, 4}, {.comparison = CaseInsensitive}},
-        {u"database", u"base", {4, 4}, None},     // begins inside a word
-        {u"database", u"data*", {0, 6}, {0, 6}},  // the end of the range ends a word
-        {u"database", u"data", {0, 4}, {0, 4}},
-        {u"a b c", u"a?c", {0, 99}, None},
-        {u"a b", u"a?b", {0, 99}, {0, 3}},  // a mark takes what is no term unit too
-        {u"a b", u"a??", {0, 2}, None},
-        {u"ab ac", u"ac", {0, 99}, {3, 2}, {.direction = Direction::Forward}},
-        {u"ab ac", u"ac", {0, 99}, None, {.anchored = true}},
+        {u"database", u"base", {4, 4}, None, {}},  // begins inside a word
+        {u"a b", u"a?b", {0, 99}, {0, 3}, {}},     // a mark takes what is no term unit too
         {u"..ac", u"ac", {0, 99}, {2, 2}, {.anchored = true}},
-        {u"ab ac ad", u"a*", {0, 99}, {6, 2}, {.direction = Direction::Backward}},
         {u"ab ac ad", u"a*", {1, 99}, {3, 2}, {.direction = Direction::Backward}},  // the last word is left out
-        {u"ab ac ad", u"ad", {0, 99}, {6, 2}, {.direction = Direction::Backward}},
-        {u"a-b a.b", u"a-b", {0, 99}, {0, 3}, {.direction = Direction::Backward}},
-        {u"ab ac", u"ab", {0, 99}, None, {.anchored = true, .direction = Direction::Backward}},
-        {u" one two", u"*", {0, 99}, None},
-        {u" one two", u"**", {0, 99}, {0, 8}, {.acceptStar = true}},
         {u" one two", u"*", {0, 99}, {1, 3}, {.acceptStar = true, .starIsWord = true}},
-        {u"one two", u"*", {1, 99}, {4, 3}, {.acceptStar = true, .starIsWord = true}},
-        {u"one two", u"*", {4, 99}, {4, 1}, {.direction = Direction::Backward, .acceptStar = true, .starIsWord = true}},
-        {u"one two", u"*", {3, 99}, None, {.direction = Direction::Backward, .acceptStar = true, .starIsWord = true}},
         {u"ab", u"a*", {0, 99}, None, {.minCharacters = 2}},
-        {u"a", u"a]", {0, 99}, None},
-        {u"a", u"", {0, 99}, None},
-        {u"a", u"a", {1, 99}, None},
-        {u"a", u"a", {UINT64_MAX, UINT64_MAX}, None},
+        {u"a", u"a]", {0, 99}, None, {}},
+        {u"a", u"a", {UINT64_MAX, UINT64_MAX}, None, {}},
         {u"anal analogie", u"analogy", {0, 99}, {5, 8}, {.comparison = CaseInsensitive | Fuzzy}},
-        {u"data dato", u"dat*", {0, 99}, {0, 4}, {.comparison = Fuzzy}},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(FindWildcardInCharacters(c.text, c.range, c.wildcard, c.options), c.expected)
-            << utf8(c.text) << " / " << utf8(c.wildcard);
+    for (const auto& [text, wildcard, range, expected, options] : cases)
+        EXPECT_EQ(FindWildcardInCharacters(text, range, wildcard, options), expected)
+            << utf8(text) << " / " << utf8(wildcard);
     CharacterSetRep dashes = alphaNumCharacterSetRep();
     dashes.add(u'-');
     EXPECT_EQ(FindWildcardInCharacters(u"a-b", {0, 3}, u"a*", {.termCharacters = &dashes}), (Range{0, 3}));
 }
 
 TEST(WildcardSearch, Phrases) {
-    const struct {
-        View text, wildcard;
-        Range expected;
-        FindWildcardStringOptions options = {};
-    } cases[] = {
-        {u"hello, world", u"hello world", {0, 12}},
-        {u"hello big world", u"hello world", None},
-        {u"hello big world", u"hello * world", {0, 15}},
-        {u"hello hello world", u"h* w*", {6, 11}},
-        {u"send e-mail", u"e-mail", {5, 6}},
-        {u"send email", u"e-mail", {5, 5}},
-        {u"send email", u"e mail", None},
-        {u"the usa", u"u.s.a.", {4, 3}},
-        {u"data", u"\"data\"", None},
-        {u"data base", u"\"data base\"", {0, 9}},
-        {u"a b a b", u"a b", {4, 3}, {.direction = Direction::Backward}},
-        {u"a b a", u"a b", {0, 3}, {.direction = Direction::Backward}},
-        {u"a a b",
-         u"a a",
-         None,
-         {.direction = Direction::Backward}},  // the words behind must end before the place tried last
-        {u"a b", u"*", None},
+    const std::tuple<View, View, Range, FindWildcardStringOptions> cases[] = {
+        {u"hello big world", u"hello * world", {0, 15}, {}},
+        {u"send email", u"e-mail", {5, 5}, {}},
+        {u"the usa", u"u.s.a.", {4, 3}, {}},
+        {u"data base", u"\"data base\"", {0, 9}, {}},
+        // The words behind must end before the place tried last.
+        {u"a a b", u"a a", None, {.direction = Direction::Backward}},
         {u"a b", u"*", {0, 3}, {.acceptStar = true}},
-        {u"", u"a b", None},
-        {u"a b", u"", None},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(FindWildcardStringInCharacters(c.text, {0, 99}, c.wildcard, c.options), c.expected)
-            << utf8(c.text) << " / " << utf8(c.wildcard);
+    for (const auto& [text, wildcard, expected, options] : cases)
+        EXPECT_EQ(FindWildcardStringInCharacters(text, {0, 99}, wildcard, options), expected)
+            << utf8(text) << " / " << utf8(wildcard);
     EXPECT_EQ(rangeOfWildcardWords(u"x a, b", Strings{u"a", u"b"}), (Range{2, 4}));
     EXPECT_EQ(rangeOfWildcardWords(u"a", Strings{}), None);
     EXPECT_EQ(rangeOfWildcard(u"a b a", u"a", {.range = {1, 4}}), (Range{4, 1}));
@@ -105,12 +58,8 @@ TEST(WildcardSearch, Phrases) {
 
 TEST(WildcardSearch, NearestOfSeveral) {
     const Strings ab{u"a", u"b"}, ba{u"b", u"a"}, phrase{u"b", u"a b"};
-    EXPECT_EQ(rangeOfNextWildcard(ba, u"a b"), (Range{0, 1}));
-    EXPECT_EQ(rangeOfNextWildcard(ab, u"a b"), (Range{0, 1}));
     EXPECT_EQ(rangeOfNextWildcard(phrase, u"a b"), (Range{2, 1}));  // the phrase reaches into the hit of b
-    EXPECT_EQ(rangeOfPreviousWildcard(ba, u"a b"), (Range{2, 1}));
     EXPECT_EQ(rangeOfPreviousWildcard(ab, u"a b"), (Range{0, 1}));  // the rest begins behind a, and leaves out b
-    EXPECT_EQ(rangeOfPreviousWildcard(ab, u"a b."), (Range{2, 1}));
     EXPECT_EQ(rangeOfWildcard(u"a b", {0, 3}, ba, {.firstHit = true}), (Range{2, 1}));
     EXPECT_TRUE(containsAnyWildcard(u"xa ya", Strings{u"z", u"*a"}));
     EXPECT_FALSE(containsAnyWildcard(u"xa ya", Strings{u"*"}));
@@ -129,8 +78,7 @@ TEST(WildcardSearch, AllHits) {
 }
 
 TEST(WildcardSearch, ManyHitsTakeLinearTime) {
-    std::u16string text;
-    for (int i = 0; i < 300'000; ++i) text += u"ab ";
+    const std::u16string text = test::repeated(u"ab ", 300'000);
     const Strings wildcards{u"none", u"ab*", u"*n[a-c]ne", u"x y"};
     const auto count = [](Range) { return true; };
     EXPECT_EQ(forEachWildcard(text, wildcards, count), 300'000u);

@@ -1,34 +1,29 @@
 #include <velmocore/storage/Base64.h>
 
-#include <random>
-
 #include "TestSupport.h"
 
 namespace velmo {
 namespace {
 
-std::string decoded(std::u16string_view string) {
+std::string decoded(View string) {
     const auto data = decodedBase64Data(string);
     return data ? std::string(charsOf(*data)) : "absent";
 }
 
 TEST(Base64, PublishedVectorsWithAndWithoutPadding) {
-    const struct {
-        const char* text;
-        std::u16string_view padded, bare;
-    } cases[] = {{"f", u"Zg==", u"Zg"},
-                 {"fo", u"Zm8=", u"Zm8"},
-                 {"foo", u"Zm9v", u"Zm9v"},
-                 {"foob", u"Zm9vYg==", u"Zm9vYg"},
-                 {"fooba", u"Zm9vYmE=", u"Zm9vYmE"},
-                 {"foobar", u"Zm9vYmFy", u"Zm9vYmFy"}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(encodedBase64Data(Bytes(c.text)), c.padded);
-        EXPECT_EQ(encodebase64(String::fromUTF8(c.text)), c.bare);
-        EXPECT_EQ(decoded(c.padded), c.text);
-        EXPECT_EQ(decodebase64(c.padded).utf8(), c.text);
-        EXPECT_EQ(decodebase64(c.bare).utf8(), c.text);
-        EXPECT_TRUE(isBase64String(c.padded) && isBase64String(c.bare));
+    const std::tuple<const char*, View, View> cases[] = {{"f", u"Zg==", u"Zg"},
+                                                         {"fo", u"Zm8=", u"Zm8"},
+                                                         {"foo", u"Zm9v", u"Zm9v"},
+                                                         {"foob", u"Zm9vYg==", u"Zm9vYg"},
+                                                         {"fooba", u"Zm9vYmE=", u"Zm9vYmE"},
+                                                         {"foobar", u"Zm9vYmFy", u"Zm9vYmFy"}};
+    for (const auto& [text, padded, bare] : cases) {
+        EXPECT_EQ(encodedBase64Data(Bytes(text)), padded);
+        EXPECT_EQ(encodebase64(String::fromUTF8(text)), bare);
+        EXPECT_EQ(decoded(padded), text);
+        EXPECT_EQ(decodebase64(padded).utf8(), text);
+        EXPECT_EQ(decodebase64(bare).utf8(), text);
+        EXPECT_TRUE(isBase64String(padded) && isBase64String(bare));
     }
     EXPECT_TRUE(encodedBase64Data({}).isAbsent());
     EXPECT_EQ(encodeBase64Bytes(Bytes("f"), u'.'), u"Zg..");
@@ -36,13 +31,11 @@ TEST(Base64, PublishedVectorsWithAndWithoutPadding) {
 
 TEST(Base64, DamageShiftsNothingAndEqualSignsCount) {
     using namespace std::string_literals;
-    const struct {
-        std::u16string_view string;
-        std::string expected;
-    } cases[] = {{u"Zg", "f\0\0"s},        {u"Zg=", "f\0"s},     {u"====", "absent"},
-                 {u"=", "\0\0"s},          {u"", "absent"},      {u"Zm9v\nYmFy", "foo\1\x89\x85\xC8\0\0"s},
-                 {u"Zg==Zg==", "f\0\0f"s}, {u"Z\u0416==", "d"s}, {u"A=======", "absent"}};
-    for (const auto& c : cases) EXPECT_EQ(decoded(c.string), c.expected) << utf8(c.string);
+    const std::pair<View, std::string> cases[] = {
+        {u"Zg", "f\0\0"s},        {u"Zg=", "f\0"s},     {u"====", "absent"},
+        {u"=", "\0\0"s},          {u"", "absent"},      {u"Zm9v\nYmFy", "foo\1\x89\x85\xC8\0\0"s},
+        {u"Zg==Zg==", "f\0\0f"s}, {u"Z\u0416==", "d"s}, {u"A=======", "absent"}};
+    for (const auto& [string, expected] : cases) EXPECT_EQ(decoded(string), expected) << utf8(string);
     EXPECT_EQ(decodebase64(u"YQBi"), u"a");
     EXPECT_TRUE(decodebase64(u"AAAA").isAbsent());
     EXPECT_TRUE(decodebase64(u"/w==").isAbsent());

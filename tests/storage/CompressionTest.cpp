@@ -1,7 +1,5 @@
 #include <velmocore/storage/Compression.h>
 
-#include <random>
-
 #include "TestSupport.h"
 #include "storage/CompressionPieces.h"
 

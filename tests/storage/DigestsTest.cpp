@@ -6,15 +6,8 @@ namespace velmo {
 namespace {
 
 TEST(Digests, PublishedVectors) {
-    const std::string digits = [] {
-        std::string text;
-        for (int i = 0; i < 8; ++i) text += "1234567890";
-        return text;
-    }();
-    const struct {
-        std::string text;
-        const char *md5, *sha1;
-    } cases[] = {
+    const char* const digits = "12345678901234567890123456789012345678901234567890123456789012345678901234567890";
+    const std::tuple<std::string, const char*, const char*> cases[] = {
         // MD5 of RFC 1321, SHA-1 of FIPS 180 and RFC 3174.
         {"", "d41d8cd98f00b204e9800998ecf8427e", "da39a3ee5e6b4b0d3255bfef95601890afd80709"},
         {"abc", "900150983cd24fb0d6963f7d28e17f72", "a9993e364706816aba3e25717850c26c9cd0d89d"},
@@ -24,9 +17,9 @@ TEST(Digests, PublishedVectors) {
          "84983e441c3bd26ebaae4aa1f95129e5e54670f1"},
         {std::string(1000000, 'a'), nullptr, "34aa973cd4c4daa4f61eeb2bdbad27316534016f"},
     };
-    for (const auto& c : cases) {
-        if (c.md5) { EXPECT_EQ(MD5DigestStringValue(Bytes(c.text)).utf8(), c.md5); }
-        if (c.sha1) { EXPECT_EQ(SHA1DigestStringValue(Bytes(c.text)).utf8(), c.sha1); }
+    for (const auto& [text, md5, sha1] : cases) {
+        if (md5) { EXPECT_EQ(MD5DigestStringValue(Bytes(text)).utf8(), md5); }
+        if (sha1) { EXPECT_EQ(SHA1DigestStringValue(Bytes(text)).utf8(), sha1); }
     }
     EXPECT_EQ(hexStringValue(Data{0x0A, 0xFF}), u"0aff");
     EXPECT_EQ(hexStringValue({}), u"");

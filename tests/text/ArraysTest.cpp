@@ -5,8 +5,6 @@
 namespace velmo {
 namespace {
 
-using Strings = std::vector<String>;
-
 TEST(Arrays, JoinsByEqualityAndByIdentity) {
     const String a = u"a", b = u"b", c = u"c", otherA = u"a";
     const Strings left{a, b, a, c}, right{otherA, c};
@@ -68,33 +66,28 @@ TEST(Arrays, SearchAndSortByAComparison) {
 }
 
 TEST(Arrays, MovesElements) {
-    const struct {
-        std::size_t from, to;
-        bool result;
-        std::u16string_view expected;
-    } cases[] = {{0, 2, true, u"bac"}, {2, 0, true, u"cab"},  {0, 1, true, u"abc"},  {1, 0, true, u"bac"},
-                 {1, 1, true, u"abc"}, {0, 3, false, u"abc"}, {3, 0, false, u"abc"}, {9, 9, true, u"abc"}};
-    for (const auto& c : cases) {
+    const std::tuple<std::size_t, std::size_t, bool, View> cases[] = {
+        {0, 2, true, u"bac"}, {2, 0, true, u"cab"},  {0, 1, true, u"abc"},  {1, 0, true, u"bac"},
+        {1, 1, true, u"abc"}, {0, 3, false, u"abc"}, {3, 0, false, u"abc"}, {9, 9, true, u"abc"}};
+    for (const auto& [from, to, result, expected] : cases) {
         std::vector<char16_t> array{u'a', u'b', u'c'};
-        EXPECT_EQ(moveObjectAtIndex(array, c.from, c.to), c.result);
-        EXPECT_EQ(std::u16string(array.begin(), array.end()), c.expected) << c.from << ' ' << c.to;
+        EXPECT_EQ(moveObjectAtIndex(array, from, to), result);
+        EXPECT_EQ(View(array.data(), 3), expected) << from << ' ' << to;
     }
 }
 
 TEST(Arrays, MinimumCoverOfPaths) {
     const String same = u"/x";
-    const struct {
-        Strings paths, expected;
-    } cases[] = {{{u"/a/b", u"/a", u"/c"}, {u"/a", u"/c"}},
-                 {{u"/a/b/c", u"/a/b", u"/ab"}, {u"/a/b", u"/ab"}},
-                 {{u"/a", u"/a"}, {u"/a"}},
-                 {{same, same}, {same, same}},  // the very same string lies in none
-                 {{u"/a/x", u"/a b", u"/a"}, {u"/a", u"/a b", u"/a/x"}},
-                 {{u"/b"}, {u"/b"}}};
-    for (const auto& c : cases) {
-        Strings paths = c.paths;
+    const std::pair<Strings, Strings> cases[] = {{{u"/a/b", u"/a", u"/c"}, {u"/a", u"/c"}},
+                                                 {{u"/a/b/c", u"/a/b", u"/ab"}, {u"/a/b", u"/ab"}},
+                                                 {{u"/a", u"/a"}, {u"/a"}},
+                                                 {{same, same}, {same, same}},  // the very same string lies in none
+                                                 {{u"/a/x", u"/a b", u"/a"}, {u"/a", u"/a b", u"/a/x"}},
+                                                 {{u"/b"}, {u"/b"}}};
+    for (const auto& [given, expected] : cases) {
+        Strings paths = given;
         minimumCoverOfPaths(paths);
-        EXPECT_EQ(paths, c.expected) << c.paths[0];
+        EXPECT_EQ(paths, expected) << given[0];
     }
 }
 

@@ -5,16 +5,8 @@
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(CharacterFinding, TheCaseRule) {
-    const struct {
-        View text;
-        char16_t unit;
-        CharacterSearch search;
-        std::uint64_t first, last;
-        std::size_t count;
-    } cases[] = {
+    const std::tuple<View, char16_t, CharacterSearch, std::uint64_t, std::uint64_t, std::size_t> cases[] = {
         {u"aaa", u'a', {}, NotFound, NotFound, 0},  // only the capital is looked for
         {u"aAaA", u'a', {}, 1, 3, 2},
         {u"aAaA", u'A', {}, 1, 3, 2},
@@ -30,12 +22,12 @@ TEST(CharacterFinding, TheCaseRule) {
         {u"", u'.', {}, NotFound, NotFound, 0},
         {u"stra\u00DFe", u'\u00DF', {}, 4, 4, 1},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(utf8(c.text));
-        EXPECT_EQ(findCharacter(c.text, c.unit, c.search), c.first);
-        EXPECT_EQ(findLastCharacter(c.text, c.unit, c.search), c.last);
-        EXPECT_EQ(countCharacter(c.text, c.unit, c.search), c.count);
-        EXPECT_EQ(containsCharacter(c.text, c.unit, c.search), c.count > 0);
+    for (const auto& [text, unit, search, first, last, count] : cases) {
+        SCOPED_TRACE(utf8(text));
+        EXPECT_EQ(findCharacter(text, unit, search), first);
+        EXPECT_EQ(findLastCharacter(text, unit, search), last);
+        EXPECT_EQ(countCharacter(text, unit, search), count);
+        EXPECT_EQ(containsCharacter(text, unit, search), count > 0);
     }
 }
 

@@ -18,8 +18,7 @@ bool isIn(unsigned unit, std::uint32_t categories) {
 }
 
 bool isFeed(unsigned unit) {
-    return std::u16string_view(u"\x03\n\f\r\u2028\u2029\uFEFF\uFFFC").find(static_cast<char16_t>(unit)) !=
-           std::u16string_view::npos;
+    return View(u"\x03\n\f\r\u2028\u2029\uFEFF\uFFFC").find(static_cast<char16_t>(unit)) != View::npos;
 }
 
 // The standard sets, unit by unit, against Unicode's own categories.
@@ -51,7 +50,7 @@ TEST(CharacterSets, HoldTheirCategories) {
 TEST(ConversionTables, MapLettersOneToOne) {
     for (unsigned i = 0; i < 65535; ++i) {
         const auto unit = static_cast<char16_t>(i);
-        const std::u16string_view text(&unit, 1);
+        const View text(&unit, 1);
         const auto single = [&](const String& mapped) { return mapped.length() == 1 ? mapped[0] : unit; };
         const bool isUpper = isIn(i, U_GC_LU_MASK | U_GC_LT_MASK), isLower = isIn(i, U_GC_LL_MASK);
         ASSERT_EQ(lowerCharsTable()[unit], isUpper ? single(unicode::lowerCase(text)) : unit) << i;
@@ -60,7 +59,7 @@ TEST(ConversionTables, MapLettersOneToOne) {
         if (!isIn(i, U_GC_L_MASK | U_GC_M_MASK)) { ASSERT_EQ(plain, unit) << i; }
         if (plain != unit) {
             const String parts = unicode::normalized(text, unicode::Form::D);
-            ASSERT_NE(parts.view().find(plain), std::u16string_view::npos) << i;
+            ASSERT_NE(parts.view().find(plain), View::npos) << i;
         }
         ASSERT_EQ(lowerUmlautsCharsTable()[unit], toLower(plain)) << i;
         ASSERT_EQ(upperUmlautsCharsTable()[unit], toUpper(plain)) << i;

@@ -5,8 +5,6 @@
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(CharacterTests, SetsOfAText) {
     const struct {
         View text;
@@ -49,35 +47,29 @@ TEST(CharacterTests, MashedWords) {
 }
 
 TEST(CharacterTests, EqualOverASet) {
-    const struct {
-        View a, b;
-        bool equal, equalNoCase, prefix, prefixNoCase;
-    } cases[] = {
+    const std::tuple<View, View, bool, bool, bool, bool> cases[] = {
         {u"A-B", u"AB", true, true, true, true},      {u"AB", u"ABC", false, false, false, false},
         {u"AB C", u"A.b", false, false, false, true}, {u"ab", u"A B!", false, true, false, true},
         {u"...", u"", true, true, true, true},        {u"abc", u"--", false, false, true, true},
         {u"--", u"abc", false, false, false, false},  {u"", u"", true, true, true, true},
     };
     const CharacterSetRep& set = alphaNumCharacterSetRep();
-    for (const auto& c : cases) {
-        SCOPED_TRACE(utf8(c.a));
-        EXPECT_EQ(equalStringsUsingCharacterSetRep(c.a, c.b, set), c.equal);
-        EXPECT_EQ(equalStringsNoCaseUsingCharacterSetRep(c.a, c.b, set), c.equalNoCase);
-        EXPECT_EQ(hasPrefixUsingCharacterSetRep(c.a, c.b, set), c.prefix);
-        EXPECT_EQ(hasPrefixNoCaseUsingCharacterSetRep(c.a, c.b, set), c.prefixNoCase);
+    for (const auto& [a, b, equal, equalNoCase, prefix, prefixNoCase] : cases) {
+        SCOPED_TRACE(utf8(a));
+        EXPECT_EQ(equalStringsUsingCharacterSetRep(a, b, set), equal);
+        EXPECT_EQ(equalStringsNoCaseUsingCharacterSetRep(a, b, set), equalNoCase);
+        EXPECT_EQ(hasPrefixUsingCharacterSetRep(a, b, set), prefix);
+        EXPECT_EQ(hasPrefixNoCaseUsingCharacterSetRep(a, b, set), prefixNoCase);
     }
 }
 
 TEST(CharacterTests, Numbers) {
     EXPECT_EQ(countNumbers(u""), 0u);
     EXPECT_EQ(countNumbers(u"1 22x333 \u0664"), 3u);
-    const struct {
-        View text;
-        std::size_t digits;
-        bool expected;
-    } runs[] = {{u"ab123c", 3, true}, {u"ab123c", 4, false}, {u"12 34", 3, false},
-                {u"1234", 2, true},   {u"12", 0, false},     {u"", 1, false}};
-    for (const auto& c : runs) EXPECT_EQ(containsNumberWithNDigits(c.text, c.digits), c.expected);
+    const std::tuple<View, std::size_t, bool> runs[] = {{u"ab123c", 3, true}, {u"ab123c", 4, false},
+                                                        {u"12 34", 3, false}, {u"1234", 2, true},
+                                                        {u"12", 0, false},    {u"", 1, false}};
+    for (const auto& [text, digits, expected] : runs) EXPECT_EQ(containsNumberWithNDigits(text, digits), expected);
 
     for (View text : {u"a123b", u"012", u"312", u"", u"1", u"12121"})
         EXPECT_FALSE(containsNumber(text, u"12")) << utf8(text);

@@ -1,7 +1,5 @@
 #include <velmocore/text/Checksums.h>
 
-#include <random>
-
 #include "TestSupport.h"
 
 namespace velmo {

@@ -6,13 +6,8 @@
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(Comparison, ThreeWaysToLookPastADifference) {
-    const struct {
-        View a, b;
-        bool noCase, ascii, nonUmlauted;
-    } cases[] = {
+    const std::tuple<View, View, bool, bool, bool> cases[] = {
         {u"", u"", true, true, true},
         {u"Title", u"tITLE", true, true, true},
         {u"Title", u"Titel", false, false, false},
@@ -29,11 +24,11 @@ TEST(Comparison, ThreeWaysToLookPastADifference) {
         {View(), u"", false, false, false},
         {View(), View(), false, false, false},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(isEqualToStringNoCase(c.a, c.b), c.noCase) << utf8(c.a);
-        EXPECT_EQ(isEqualToStringNoCase(c.b, c.a), c.noCase) << utf8(c.a);
-        EXPECT_EQ(isAsciiEqualToStringNoCase(c.a, c.b), c.ascii) << utf8(c.a);
-        EXPECT_EQ(isNonUmlautedEqualToStringNoCase(c.b, c.a), c.nonUmlauted) << utf8(c.a);
+    for (const auto& [a, b, noCase, ascii, nonUmlauted] : cases) {
+        EXPECT_EQ(isEqualToStringNoCase(a, b), noCase) << utf8(a);
+        EXPECT_EQ(isEqualToStringNoCase(b, a), noCase) << utf8(a);
+        EXPECT_EQ(isAsciiEqualToStringNoCase(a, b), ascii) << utf8(a);
+        EXPECT_EQ(isNonUmlautedEqualToStringNoCase(b, a), nonUmlauted) << utf8(a);
     }
 }
 
@@ -72,17 +67,14 @@ TEST(Comparison, Ranges) {
 }
 
 TEST(Comparison, PrefixAndSuffix) {
-    const struct {
-        View string, part;
-        bool prefix, suffix;
-    } cases[] = {
+    const std::tuple<View, View, bool, bool> cases[] = {
         {u"HTTP://x", u"http:", true, false}, {u"page.HTML", u".html", false, true}, {u"abc", u"ABC", true, true},
         {u"abc", u"", false, false},          {u"abc", View(), false, false},        {u"ab", u"abc", false, false},
         {View(), u"a", false, false},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(hasPrefixNoCase(c.string, c.part), c.prefix) << utf8(c.string);
-        EXPECT_EQ(hasSuffixNoCase(c.string, c.part), c.suffix) << utf8(c.string);
+    for (const auto& [string, part, prefix, suffix] : cases) {
+        EXPECT_EQ(hasPrefixNoCase(string, part), prefix) << utf8(string);
+        EXPECT_EQ(hasSuffixNoCase(string, part), suffix) << utf8(string);
     }
 }
 

@@ -10,7 +10,7 @@ namespace {
 std::string logged;
 
 TEST(Dumping, RowsAndArrays) {
-    const auto dumped = [](void (*operation)(std::u16string_view), std::u16string_view text) {
+    const auto dumped = [](void (*operation)(View), View text) {
         logged.clear();
         setLogHandler([](std::string_view line) { logged += line; });
         operation(text);

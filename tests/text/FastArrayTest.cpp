@@ -1,7 +1,6 @@
 #include <velmocore/text/FastArray.h>
 
 #include <numeric>
-#include <random>
 
 #include "TestSupport.h"
 

@@ -8,29 +8,25 @@ namespace {
 int sign(std::int64_t value) { return (value > 0) - (value < 0); }
 
 TEST(FastCompare, Order) {
-    const struct {
-        std::u16string_view a;
-        const char* b;
-        int exact, noCase;
-    } cases[] = {
+    const std::tuple<View, const char*, int, int> cases[] = {
         {u"", "", 0, 0},       {u"a", "", 1, 1},         {u"", "abc", -1, -1},
         {u"abc", "abc", 0, 0}, {u"abc", "ab", 1, 1},     {u"abc", "abd", -1, -1},
         {u"B", "a", -1, 1},    {u"HREF", "href", -1, 0}, {u"longer text A", "longer text a", -1, 0},
         {u"_", "a", -1, 1},  // upper case is compared, so _ comes behind the letters
     };
-    for (const auto& c : cases) {
-        const std::string a = utf8(c.a);
-        const String b = String::fromUTF8(c.b);
+    for (const auto& [units, chars, exact, noCase] : cases) {
+        const std::string a = utf8(units);
+        const String b = String::fromUTF8(chars);
         SCOPED_TRACE(a);
-        EXPECT_EQ(sign(fastCompareUnichars(c.a, b)), c.exact);
-        EXPECT_EQ(sign(fastCompareUnichars(b, c.a)), -c.exact);
-        EXPECT_EQ(sign(compareCharacters(c.a, std::string_view(c.b))), c.exact);
-        EXPECT_EQ(sign(fastCompareChars(a, c.b)), c.exact);
-        EXPECT_EQ(sign(fastCaseInsensitiveCompareUnichars(c.a, b)), c.noCase);
-        EXPECT_EQ(sign(caseInsensitiveCompareCharacters(c.a, std::string_view(c.b))), c.noCase);
-        EXPECT_EQ(sign(fastCaseInsensitiveCompareChars(a, c.b)), c.noCase);
-        EXPECT_EQ(sign(fastCompareUnicharsUsingConversionTable(c.a, b, &upperCharsTable())), c.noCase);
-        EXPECT_EQ(sign(fastCompareUnicharsUsingConversionTable(c.a, b, nullptr)), c.exact);
+        EXPECT_EQ(sign(fastCompareUnichars(units, b)), exact);
+        EXPECT_EQ(sign(fastCompareUnichars(b, units)), -exact);
+        EXPECT_EQ(sign(compareCharacters(units, std::string_view(chars))), exact);
+        EXPECT_EQ(sign(fastCompareChars(a, chars)), exact);
+        EXPECT_EQ(sign(fastCaseInsensitiveCompareUnichars(units, b)), noCase);
+        EXPECT_EQ(sign(caseInsensitiveCompareCharacters(units, std::string_view(chars))), noCase);
+        EXPECT_EQ(sign(fastCaseInsensitiveCompareChars(a, chars)), noCase);
+        EXPECT_EQ(sign(fastCompareUnicharsUsingConversionTable(units, b, &upperCharsTable())), noCase);
+        EXPECT_EQ(sign(fastCompareUnicharsUsingConversionTable(units, b, nullptr)), exact);
     }
 }
 

@@ -1,20 +1,12 @@
 #include <velmocore/text/Finding.h>
 
-#include <random>
-#include <vector>
-
 #include "TestSupport.h"
 
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(Finding, Substrings) {
-    const struct {
-        View text, sought;
-        std::size_t exact, noCase;
-    } cases[] = {
+    const std::tuple<View, View, std::size_t, std::size_t> cases[] = {
         {u"aaaa", u"aa", 2, 2},
         {u"aAaA", u"aa", 0, 2},
         {u"abc", u"abc", 1, 1},
@@ -27,14 +19,14 @@ TEST(Finding, Substrings) {
         {u"300 \u212A", u"k", 0, 1},
         {u"stra\u00DFe", u"SS", 0, 0},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(utf8(c.text));
-        EXPECT_EQ(countSubstring(c.text, c.sought), c.exact);
-        EXPECT_EQ(countSubstring(c.text, c.sought, Case::Insensitive), c.noCase);
-        EXPECT_EQ(containsSubstring(c.text, c.sought), c.exact > 0);
-        EXPECT_EQ(containsSubstring(c.text, c.sought, Case::Insensitive), c.noCase > 0);
+    for (const auto& [text, sought, exact, noCase] : cases) {
+        SCOPED_TRACE(utf8(text));
+        EXPECT_EQ(countSubstring(text, sought), exact);
+        EXPECT_EQ(countSubstring(text, sought, Case::Insensitive), noCase);
+        EXPECT_EQ(containsSubstring(text, sought), exact > 0);
+        EXPECT_EQ(containsSubstring(text, sought, Case::Insensitive), noCase > 0);
     }
-    const std::vector<String> several = {u"x", String(), u"Two"};
+    const Strings several = {u"x", String(), u"Two"};
     EXPECT_TRUE(containsSubstrings(u"one Two", several));
     EXPECT_FALSE(containsSubstrings(u"one two", several));
     EXPECT_TRUE(containsSubstrings(u"one two", several, Case::Insensitive));
@@ -90,11 +82,7 @@ TEST(Finding, TextsThatRepeatThemselves) {
 
 TEST(Finding, FromASelection) {
     const View text = u"ab AB ab ab";
-    const struct {
-        Range selection;
-        FindOptions options;
-        Range expected;
-    } cases[] = {
+    const std::tuple<Range, FindOptions, Range> cases[] = {
         {{0, 0}, {}, {0, 2}},
         {{0, 2}, {}, {6, 2}},
         {{0, 2}, {.letterCase = Case::Insensitive}, {3, 2}},
@@ -110,15 +98,15 @@ TEST(Finding, FromASelection) {
         {{99, 9}, {.direction = Direction::Backward}, {9, 2}},
         {Range::none(), {.wrap = true}, {0, 2}},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(findString(text, u"ab", c.selection, c.options), c.expected)
-            << c.selection.location << ' ' << int(c.options.direction) << c.options.wrap;
+    for (const auto& [selection, options, expected] : cases)
+        EXPECT_EQ(findString(text, u"ab", selection, options), expected)
+            << selection.location << ' ' << int(options.direction) << options.wrap;
     EXPECT_EQ(findString(text, u"", {0, 0}), Range::none());
     EXPECT_EQ(findString(text, View(), {0, 0}, {.direction = Direction::Backward, .wrap = true}), Range::none());
 }
 
 TEST(Finding, InArrays) {
-    const std::vector<String> array = {u"", String(), u"one", u"ONE", u"\u00C9t\u00E9"};
+    const Strings array = {u"", String(), u"one", u"ONE", u"\u00C9t\u00E9"};
     EXPECT_EQ(indexOfStringEqualTo(array, u"ONE"), 3u);
     EXPECT_EQ(indexOfStringEqualToNoCase(array, u"ONE"), 2u);
     EXPECT_EQ(indexOfStringEqualToNoCase(array, u"\u00E9T\u00C9"), 4u);

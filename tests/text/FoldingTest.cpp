@@ -7,13 +7,8 @@
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(Folding, ThroughTheTables) {
-    const struct {
-        String (*operation)(const String&);
-        View text, expected;
-    } cases[] = {
+    const std::tuple<String (*)(const String&), View, View> cases[] = {
         {nonUmlautedString, u"\u00C4rger \u0439\u00F8", u"Arger \u0438\u00F8"},
         {nonUmlautedString, u"a\u0308", u"a\u0308"},
         {nonUmlautedNormalizedString, u"a\u0308 \uFB01", u"a \uFB01"},
@@ -25,10 +20,10 @@ TEST(Folding, ThroughTheTables) {
         {lowercaseAsciiString, u"\u00C4B\u0416", u"ab "},
         {uppercaseAsciiString, u"\u00E4b\u0436", u"AB "},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(c.operation(c.text), c.expected) << utf8(c.text);
-        EXPECT_TRUE(c.operation(String()).isAbsent());
-        EXPECT_EQ(c.operation(u""), u"");
+    for (const auto& [operation, given, expected] : cases) {
+        EXPECT_EQ(operation(given), expected) << utf8(given);
+        EXPECT_TRUE(operation(String()).isAbsent());
+        EXPECT_EQ(operation(u""), u"");
     }
 }
 
@@ -51,20 +46,17 @@ TEST(Folding, ReceiverOrNewString) {
 }
 
 TEST(Folding, Tests) {
-    const struct {
-        View text;
-        bool ascii, umlauted, lower, upper;
-    } cases[] = {
+    const std::tuple<View, bool, bool, bool, bool> cases[] = {
         {u"", true, false, true, true},         {u"2024-7", true, false, true, true},
         {u"abc", true, false, true, false},     {u"ABC", true, false, false, true},
         {u"a\u00E9", false, true, true, false}, {u"\u00DF", false, false, true, true},
         {u"\u0416", false, false, false, true},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(isAsciiString(c.text), c.ascii) << utf8(c.text);
-        EXPECT_EQ(isUmlautedString(c.text), c.umlauted) << utf8(c.text);
-        EXPECT_EQ(isLowerCaseString(c.text), c.lower) << utf8(c.text);
-        EXPECT_EQ(isUpperCaseString(c.text), c.upper) << utf8(c.text);
+    for (const auto& [text, ascii, umlauted, lower, upper] : cases) {
+        EXPECT_EQ(isAsciiString(text), ascii) << utf8(text);
+        EXPECT_EQ(isUmlautedString(text), umlauted) << utf8(text);
+        EXPECT_EQ(isLowerCaseString(text), lower) << utf8(text);
+        EXPECT_EQ(isUpperCaseString(text), upper) << utf8(text);
     }
     // Every place of a unit or byte that is not ASCII is seen.
     for (std::size_t length = 0; length < 70; ++length) {

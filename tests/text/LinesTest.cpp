@@ -2,21 +2,13 @@
 
 #include <velmocore/text/CharacterSets.h>
 
-#include <random>
-
 #include "TestSupport.h"
 
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(Lines, Counted) {
-    const struct {
-        View text;
-        std::size_t count;
-        View first, feed;
-    } cases[] = {
+    const std::tuple<View, std::size_t, View, View> cases[] = {
         {u"", 0, u"", u""},
         {u"one", 1, u"one", u""},
         {u"one\r\ntwo\r\n", 2, u"one", u"\r\n"},
@@ -25,12 +17,12 @@ TEST(Lines, Counted) {
         {u"one\u2028two\x0B\u0085\uFFFC", 2, u"one", u"\uFFFC"},
         {u"one\x03", 1, u"one", u"\x03"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(numberOfLines(c.text), c.count) << utf8(c.text);
-        EXPECT_EQ(lines(c.text).size(), c.count);
-        EXPECT_EQ(firstLine(c.text), c.first);
-        EXPECT_EQ(feedOfLine(c.text), c.feed);
-        EXPECT_EQ(hasFeedOfLine(c.text), !c.feed.empty());
+    for (const auto& [text, count, first, feed] : cases) {
+        EXPECT_EQ(numberOfLines(text), count) << utf8(text);
+        EXPECT_EQ(lines(text).size(), count);
+        EXPECT_EQ(firstLine(text), first);
+        EXPECT_EQ(feedOfLine(text), feed);
+        EXPECT_EQ(hasFeedOfLine(text), !feed.empty());
     }
     const String text(u"no feed");
     EXPECT_TRUE(firstLine(text).isIdenticalTo(text));

@@ -3,16 +3,12 @@
 #include <unicode/unorm2.h>
 #include <unicode/utf16.h>
 
-#include <random>
-
 #include "TestSupport.h"
 #include "platform/MarkRuns.h"
 #include "platform/Unicode.h"
 
 namespace velmo {
 namespace {
-
-using View = std::u16string_view;
 
 /// By ICU alone.
 std::u16string normalizedDirectly(View text, int form) {
@@ -58,8 +54,8 @@ TEST(Normalisation, CaseOfEveryUnit) {
         const std::u16string original = lower;
         lowercase(lower);
         uppercase(upper);
-        ASSERT_EQ(unicode::lowerCase(std::u16string_view(original)), lower) << unit;
-        ASSERT_EQ(unicode::upperCase(std::u16string_view(original)), upper) << unit;
+        ASSERT_EQ(unicode::lowerCase(View(original)), lower) << unit;
+        ASSERT_EQ(unicode::upperCase(View(original)), upper) << unit;
         ASSERT_EQ(normalizedString(original), unicode::normalized(original, unicode::Form::C)) << unit;
     }
     std::u16string text = u"A\u0130\u03A3";  // a dot above, and a final sigma

@@ -1,46 +1,34 @@
 #include <velmocore/text/Paths.h>
 
 #include <array>
-#include <random>
 
 #include "TestSupport.h"
 
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(Paths, Standardized) {
-    const struct {
-        View path, expected;
-    } cases[] = {{u"/a/./b/../c", u"/a/c"},
-                 {u"../a", u"a"},
-                 {u"a/../../b", u"b"},
-                 {u"//a///b//", u"/a/b"},
-                 {u"/", u"/"},
-                 {u"", u""},
-                 {u".", u""},
-                 {u"/a/..", u"/"},
-                 {u"/..", u""},
-                 {u"/../a", u"a"},
-                 {u"a/../", u""},  // never the root
-                 {u"/../", u""},
-                 {u"a/b/", u"a/b"},
-                 {u"./a", u"a"}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(standardizedPath(c.path), c.expected) << utf8(c.path);
-        EXPECT_EQ(standardizedPath(standardizedPath(c.path)), c.expected);
-    }
-    EXPECT_EQ(standardizedPathComponents(u"/a/b/../c/"), (std::vector<String>{u"/", u"a", u"c"}));
+    const std::pair<View, Strings> cases[] = {
+        {u"/a/c", {u"/a/./b/../c"}},
+        {u"/a/b", {u"//a///b//"}},
+        {u"a/b", {u"a/b/"}},
+        {u"a", {u"../a", u"/../a", u"./a"}},
+        {u"b", {u"a/../../b"}},
+        {u"/", {u"/", u"/a/.."}},
+        {u"", {u"", u".", u"/..", u"a/../", u"/../"}},  // never the root
+    };
+    for (const auto& [expected, paths] : cases)
+        for (const String& path : paths) EXPECT_EQ(standardizedPath(path), expected) << path;
+    for (const auto& [expected, paths] : cases) EXPECT_EQ(standardizedPath(expected), expected);
+    EXPECT_EQ(standardizedPathComponents(u"/a/b/../c/"), (Strings{u"/", u"a", u"c"}));
 }
 
 TEST(Paths, RelativeToADirectory) {
-    const struct {
-        View path, directory, expected;
-    } cases[] = {{u"/a/b", u"/a/b", u"./"},     {u"/a/b/c", u"/a", u"./b/c"},
-                 {u"/a", u"/a/b/c", u"../../"}, {u"/a/b/c", u"/a/x/y", u"../../b/c"},
-                 {u"/a/b", u"/", u"./a/b"},     {u"/a/./b", u"/c/../a/", u"./b"}};
-    for (const auto& c : cases) EXPECT_EQ(relativePathToDirectory(c.path, c.directory), c.expected) << utf8(c.path);
+    const std::tuple<View, View, View> cases[] = {{u"/a/b", u"/a/b", u"./"},     {u"/a/b/c", u"/a", u"./b/c"},
+                                                  {u"/a", u"/a/b/c", u"../../"}, {u"/a/b/c", u"/a/x/y", u"../../b/c"},
+                                                  {u"/a/b", u"/", u"./a/b"},     {u"/a/./b", u"/c/../a/", u"./b"}};
+    for (const auto& [path, directory, expected] : cases)
+        EXPECT_EQ(relativePathToDirectory(path, directory), expected) << utf8(path);
 }
 
 TEST(Paths, RelativePathsLeadBack) {
@@ -65,18 +53,17 @@ TEST(Paths, RelativePathsLeadBack) {
 }
 
 TEST(Paths, InsideADirectory) {
-    const struct {
-        View path, directory;
-        bool expected;
-    } cases[] = {{u"/ab", u"/a", false}, {u"/a/b", u"/a", true}, {u"/a", u"/a", true},
-                 {u"/a", u"/a//", true}, {u"/a", u"/", false},   {u"/a/", u"/a/", true},
-                 {u"/a", u"", false},    {u"/b", u"/a", false},  {u"", u"/a", false}};
-    for (const auto& c : cases) EXPECT_EQ(pathIsInDirectory(c.path, c.directory), c.expected) << utf8(c.path);
+    const std::tuple<View, View, bool> cases[] = {
+        {u"/ab", u"/a", false}, {u"/a/b", u"/a", true}, {u"/a", u"/a", true},
+        {u"/a", u"/a//", true}, {u"/a", u"/", false},   {u"/a/", u"/a/", true},
+        {u"/a", u"", false},    {u"/b", u"/a", false},  {u"", u"/a", false}};
+    for (const auto& [path, directory, expected] : cases)
+        EXPECT_EQ(pathIsInDirectory(path, directory), expected) << utf8(path);
     const String same = u"/a";
     EXPECT_FALSE(pathIsInDirectory(same, same));
     EXPECT_FALSE(pathIsInDirectory(u"/a", String()));
-    EXPECT_TRUE(pathIsInDirectories(u"/b/c", std::vector<String>{u"/a", u"/b"}));
-    EXPECT_FALSE(pathIsInDirectories(u"/c", std::vector<String>{u"/a", u"/b"}));
+    EXPECT_TRUE(pathIsInDirectories(u"/b/c", Strings{u"/a", u"/b"}));
+    EXPECT_FALSE(pathIsInDirectories(u"/c", Strings{u"/a", u"/b"}));
 }
 
 TEST(Paths, ComponentsAndExtensions) {
@@ -112,7 +99,7 @@ TEST(Paths, ComponentsAndExtensions) {
     EXPECT_TRUE(stringByAppendingPathExtensionIfNecessary(path, u"HTML").isIdenticalTo(path));
     EXPECT_TRUE(stringByAppendingPathExtensionIfNecessary(path, String()).isIdenticalTo(path));
     EXPECT_EQ(stringByReplacingPathExtensionWith(path, u""), u"x");
-    const std::vector<String> extensions{u"htm", u"HTML"};
+    const Strings extensions{u"htm", u"HTML"};
     EXPECT_TRUE(pathMatchingExtensions(u"/a/b.Html", extensions) &&
                 pathMatchingExtensionsOrTypes(u"b.htm", extensions));
     EXPECT_FALSE(pathMatchingExtensions(u"/a/b.txt", extensions) || pathMatchingExtensions(u"b", extensions) ||
@@ -124,41 +111,26 @@ TEST(Paths, ComponentsAndExtensions) {
 
 TEST(Paths, NamesFitTheFileSystem) {
     const std::u16string letters(300, u'a'), umlauts(300, u'\u00E4'), ideographs(300, u'\u4E00');
-    std::u16string emoji;
-    for (int i = 0; i < 100; ++i) emoji += u"\U0001F600";
-    const struct {
-        View name, extension;
-        std::size_t units;
-    } cases[] = {{letters, u"", 250},
-                 {umlauts, u"", 125},
-                 {ideographs, u"", 83},
-                 {emoji, u"", 124},
-                 {u"", u"", 0},
-                 {letters, u"html", 250},
-                 {umlauts, u"txt", 127},
-                 {u"a.txt", u"txt", 5},
-                 {u"a", u"txt", 5},
-                 {u"a\xD800"
-                  u"b",
-                  u"", 1},
-                 {u"a", u"abcdefghijklmnopqr", 1}};
-    for (const auto& c : cases) {
-        const String name = stringByCreatingFileSystemRepresentationByAppendingExtension(c.name, c.extension);
-        EXPECT_EQ(name.length(), c.units) << name;
+    const std::u16string emoji = test::repeated(u"\U0001F600", 100), lone = {u'a', 0xD800, u'b'};
+    const std::tuple<View, View, std::size_t> cases[] = {
+        {letters, u"", 250}, {umlauts, u"", 125},     {ideographs, u"", 83},           {emoji, u"", 124},
+        {u"", u"", 0},       {letters, u"html", 250}, {umlauts, u"txt", 127},          {u"a.txt", u"txt", 5},
+        {u"a", u"txt", 5},   {lone, u"", 1},          {u"a", u"abcdefghijklmnopqr", 1}};
+    for (const auto& [text, extension, units] : cases) {
+        const String name = stringByCreatingFileSystemRepresentationByAppendingExtension(text, extension);
+        EXPECT_EQ(name.length(), units) << name;
         EXPECT_LE(name.utf8().size(), 250u);
-        EXPECT_EQ(stringByCreatingFileSystemRepresentationByAppendingExtension(name, c.extension), name);
-        if (c.extension.empty()) { EXPECT_EQ(stringByCreatingFileSystemRepresentation(c.name), name); }
+        EXPECT_EQ(stringByCreatingFileSystemRepresentationByAppendingExtension(name, extension), name);
+        if (extension.empty()) { EXPECT_EQ(stringByCreatingFileSystemRepresentation(text), name); }
     }
-    const struct {
-        View text, expected;
-    } names[] = {{u"..What? Why/How: x", u"What- Why-How- x"},
-                 {u"._:/", u""},
-                 {u"a*b<c>d\\e|f", u"a-b-c-d-e-f"},
-                 {u"a\u0308", u"\u00E4"},
-                 {u"", u""},
-                 {View(u"x\0y", 3), u"x-y"},
-                 {u"x.txt_", u"x.txt"}};
-    for (const auto& c : names) EXPECT_EQ(stringByCreatingFilename(c.text), c.expected);
+    const std::pair<View, View> names[] = {{u"..What? Why/How: x", u"What- Why-How- x"},
+                                           {u"._:/", u""},
+                                           {u"a*b<c>d\\e|f", u"a-b-c-d-e-f"},
+                                           {u"a\u0308", u"\u00E4"},
+                                           {u"", u""},
+                                           {{u"x\0y", 3}, u"x-y"},
+                                           {u"x.txt_", u"x.txt"}};
+    for (const auto& [text, expected] : names) EXPECT_EQ(stringByCreatingFilename(text), expected);
     const std::u16string late = std::u16string(249, u'a') + u"\U0001F600", half(100, u'\xD800');
     for (const auto& [text, units] : {std::pair<View, std::size_t>{letters, 250},
                                       {umlauts, 127},

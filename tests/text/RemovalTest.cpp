@@ -5,8 +5,6 @@
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(Removal, EverywhereAndInPlace) {
     const struct {
         String (*operation)(const String&);

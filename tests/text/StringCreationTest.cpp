@@ -1,7 +1,5 @@
 #include <velmocore/text/StringCreation.h>
 
-#include <vector>
-
 #include "TestSupport.h"
 
 namespace velmo {
@@ -13,7 +11,7 @@ TEST(StringCreation, Components) {
     EXPECT_EQ(stringWithComponents({u"", u""}), u".");
     EXPECT_EQ(stringWithComponents({u"a", String(), u"c"}), u"a");
     EXPECT_TRUE(stringWithComponents({String(), u"b"}).isAbsent());
-    EXPECT_TRUE(stringWithComponents(std::vector<String>()).isAbsent());
+    EXPECT_TRUE(stringWithComponents(Strings()).isAbsent());
 }
 
 TEST(StringCreation, UnitsAndEnds) {

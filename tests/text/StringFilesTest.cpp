@@ -28,10 +28,7 @@ protected:
         std::ofstream(folder_ / name, std::ios::binary) << bytes;
         return path(name);
     }
-    std::string bytes(const char* name) const {
-        std::ifstream file(folder_ / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string bytes(const char* name) const { return test::readFile(folder_ / name); }
 
     fs::path folder_;
 };
@@ -50,12 +47,7 @@ TEST_F(StringFiles, CreatorsAreStrict) {
 
 TEST_F(StringFiles, UnknownEncodingsAreDetected) {
     using namespace std::string_view_literals;
-    struct Case {
-        std::string_view bytes;
-        const char16_t* text;
-        StringEncoding used;
-    };
-    const Case cases[] = {
+    const std::tuple<std::string_view, View, StringEncoding> cases[] = {
         {"caf\xC3\xA9", u"caf\u00E9", UTF8StringEncoding},
         {"\xEF\xBB\xBFz", u"z", UTF8StringEncoding},
         {"\xFF\xFEz\0"sv, u"z", UTF16StringEncoding},
@@ -64,11 +56,11 @@ TEST_F(StringFiles, UnknownEncodingsAreDetected) {
         {"caf\xE9", u"caf\uFFFD", ASCIIStringEncoding},
         {"", u"", UTF8StringEncoding},
     };
-    for (const Case& c : cases)
+    for (const auto& [bytes, text, used] : cases)
         for (StringEncoding unknown : std::initializer_list<StringEncoding>{0, 4294967280, ~0ull}) {
-            const FileText read = stringWithContentsOfFile(written("f", c.bytes), unknown);
-            EXPECT_EQ(read.text, c.text);
-            EXPECT_EQ(read.usedEncoding, c.used) << c.bytes;
+            const FileText read = stringWithContentsOfFile(written("f", bytes), unknown);
+            EXPECT_EQ(read.text, text);
+            EXPECT_EQ(read.usedEncoding, used) << bytes;
         }
     const FileText none = stringWithContentsOfFile(path("none"), 0);
     EXPECT_TRUE(none.text.isAbsent());
@@ -83,11 +75,7 @@ TEST_F(StringFiles, UnknownEncodingsAreDetected) {
 }
 
 TEST_F(StringFiles, WritersChooseTheirEncoding) {
-    struct Case {
-        const char16_t* text;
-        StringEncoding smallest;
-    };
-    const Case cases[] = {
+    const std::pair<String, StringEncoding> cases[] = {
         {u"", ASCIIStringEncoding},
         {u"plain", ASCIIStringEncoding},
         {u"caf\u00E9", ISOLatin1StringEncoding},
@@ -97,18 +85,18 @@ TEST_F(StringFiles, WritersChooseTheirEncoding) {
         // Half a pair is in no other encoding.
         {u"abcdefgh\xD800", UTF16StringEncoding},
     };
-    for (const Case& c : cases) {
-        const FileWriting smallest = writeToFileUsingSmallestEncoding(c.text, path("s"), true);
+    for (const auto& [text, expected] : cases) {
+        const FileWriting smallest = writeToFileUsingSmallestEncoding(text, path("s"), true);
         EXPECT_TRUE(smallest.isWritten);
-        EXPECT_EQ(smallest.usedEncoding, c.smallest);
-        EXPECT_EQ(stringWithContentsOfFile(path("s"), c.smallest).text, c.text);
-        const FileWriting fastest = writeToFileUsingFastestEncoding(c.text, path("s"), false);
+        EXPECT_EQ(smallest.usedEncoding, expected);
+        EXPECT_EQ(stringWithContentsOfFile(path("s"), expected).text, text);
+        const FileWriting fastest = writeToFileUsingFastestEncoding(text, path("s"), false);
         EXPECT_EQ(fastest.usedEncoding, UTF16StringEncoding);
-        EXPECT_EQ(fastest.usedEncoding, fastestEncoding(c.text));
-        EXPECT_EQ(stringWithContentsOfFile(path("s"), fastest.usedEncoding).text, c.text);
-        if (!dataUsingEncoding(c.text, UTF8StringEncoding)) continue;
-        EXPECT_EQ(writeToFileUsingDefaultEncoding(c.text, path("s"), true).usedEncoding, UTF8StringEncoding);
-        EXPECT_EQ(bytes("s"), String(c.text).utf8());
+        EXPECT_EQ(fastest.usedEncoding, fastestEncoding(text));
+        EXPECT_EQ(stringWithContentsOfFile(path("s"), fastest.usedEncoding).text, text);
+        if (!dataUsingEncoding(text, UTF8StringEncoding)) continue;
+        EXPECT_EQ(writeToFileUsingDefaultEncoding(text, path("s"), true).usedEncoding, UTF8StringEncoding);
+        EXPECT_EQ(bytes("s"), text.utf8());
     }
 }
 

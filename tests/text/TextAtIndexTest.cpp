@@ -1,20 +1,13 @@
 #include <velmocore/text/TextAtIndex.h>
 
-#include <string>
-
 #include "TestSupport.h"
 
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 TEST(TextAtIndex, Words) {
     const View text = u"one two3 a\u0308.";
-    const struct {
-        std::uint64_t index;
-        Range expected;
-    } cases[] = {
+    const std::pair<std::uint64_t, Range> cases[] = {
         {0, {0, 3}},
         {2, {0, 3}},
         {3, Range::none()},
@@ -25,10 +18,10 @@ TEST(TextAtIndex, Words) {
         {~0ull, Range::none()},
         {NotFound, Range::none()},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(getWordRangeAtIndex(text, c.index), c.expected) << c.index;
-        EXPECT_EQ(getWordAtIndex(text, c.index),
-                  c.expected.isFound() ? text.substr(c.expected.location, c.expected.length) : u"");
+    for (const auto& [index, expected] : cases) {
+        EXPECT_EQ(getWordRangeAtIndex(text, index), expected) << index;
+        EXPECT_EQ(getWordAtIndex(text, index),
+                  expected.isFound() ? text.substr(expected.location, expected.length) : u"");
     }
     EXPECT_EQ(firstWord(u"one two"), u"one");
     EXPECT_EQ(lastWord(u"one two"), u"two");
@@ -44,9 +37,7 @@ TEST(TextAtIndex, Words) {
 
 TEST(TextAtIndex, Links) {
     // The index is that of the unit behind the |, which is taken out.
-    const struct {
-        View text, expected;
-    } cases[] = {
+    const std::pair<View, View> cases[] = {
         {u"see <http://ex|ample.com/> there", u"http://example.com/"},
         {u"see |http://example.com/a.html.", u"http://example.com/a.html"},
         {u"see http://example.com/|a.html?!\u201D ok", u"http://example.com/a.html"},
@@ -66,11 +57,11 @@ TEST(TextAtIndex, Links) {
         {u"jo|e@a.b (x)", u"joe@a.b"},
         {u"a|", u""},
     };
-    for (const auto& c : cases) {
-        std::u16string text(c.text);
+    for (const auto& [marked, expected] : cases) {
+        std::u16string text(marked);
         const std::size_t index = text.find(u'|');
         text.erase(index, 1);
-        EXPECT_EQ(getLinkAtIndex(text, index), c.expected) << utf8(c.text);
+        EXPECT_EQ(getLinkAtIndex(text, index), expected) << utf8(marked);
     }
     EXPECT_EQ(getLinkRangeAtIndex(u"a http://b.c/ d", 4), (Range{2, 11}));
     EXPECT_EQ(getLinkRangeAtIndex(u"", 0), Range::none());

@@ -7,8 +7,6 @@
 namespace velmo {
 namespace {
 
-using View = std::u16string_view;
-
 const View WithNul(u"\0 a\0", 4);
 
 TEST(Trimming, Ends) {
@@ -16,10 +14,7 @@ TEST(Trimming, Ends) {
         return [=](const String& s) { return stringByTrimmingSpacesAndFeeds(s, feeds); };
     };
     const auto character = [](auto operation) { return [=](const String& s) { return operation(s, u'"'); }; };
-    const struct {
-        std::function<String(const String&)> operation;
-        View text, expected;
-    } cases[] = {
+    const std::tuple<std::function<String(const String&)>, View, View> cases[] = {
         {spaces(true), u" \r\n\uFEFFa b\u2028\t", u"a b"},
         {spaces(true), u" \r\n ", u""},
         {spaces(true), WithNul, u"a"},
@@ -50,13 +45,13 @@ TEST(Trimming, Ends) {
         {[](const String& s) { return stringByTrimmingCharactersNotInRep(s, alphaNumCharacterSetRep()); }, u"--a-1;",
          u"a-1"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(c.operation(c.text), c.expected) << utf8(c.text);
-        EXPECT_TRUE(c.operation(u"").isIdenticalTo(String::empty()));
-        EXPECT_TRUE(c.operation(String()).isAbsent());
+    for (const auto& [operation, given, expected] : cases) {
+        EXPECT_EQ(operation(given), expected) << utf8(given);
+        EXPECT_TRUE(operation(u"").isIdenticalTo(String::empty()));
+        EXPECT_TRUE(operation(String()).isAbsent());
         // What was trimmed once stays; a pair of quotes may be left in it.
         const String clean(u"x");
-        EXPECT_EQ(c.operation(clean), u"x");
+        EXPECT_EQ(operation(clean), u"x");
     }
 }
 
@@ -93,20 +88,16 @@ TEST(Trimming, InPlace) {
 
 TEST(Trimming, Ranges) {
     const String text(u"ab  cd \n ef");
-    const struct {
-        Range range;
-        bool feeds;
-        Range expected;
-    } cases[] = {
+    const std::tuple<Range, bool, Range> cases[] = {
         {{0, 11}, false, {0, 11}}, {{2, 5}, false, {4, 2}},
         {{4, 5}, false, {4, 4}},   {{4, 5}, true, {4, 2}},
         {{2, 2}, false, {4, 0}},   {{6, 3}, true, {9, 0}},
         {{5, 0}, true, {5, 0}},    {{6, ~0ull}, true, {9, 2}},
         {{50, 2}, true, {11, 0}},  {Range::none(), true, Range::none()},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(trimSpacesInRange(text, c.range, c.feeds), c.expected) << c.range.location;
-        EXPECT_EQ(stringByTrimmingSpacesInRange(text, c.range, c.feeds), text.substring(c.expected));
+    for (const auto& [range, feeds, expected] : cases) {
+        EXPECT_EQ(trimSpacesInRange(text, range, feeds), expected) << range.location;
+        EXPECT_EQ(stringByTrimmingSpacesInRange(text, range, feeds), text.substring(expected));
     }
     EXPECT_EQ(trimWhiteSpacesInRange(text, {6, 4}), (Range{9, 1}));
     EXPECT_EQ(stringByTrimmingSpacesInRange(text, {2, 2}, false), u"");

@@ -7,13 +7,8 @@
 namespace velmo {
 namespace {
 
-using Strings = std::vector<String>;
-
 TEST(Components, EndWithTheirSeparators) {
-    const struct {
-        String text;
-        Strings with, without;
-    } cases[] = {
+    const std::tuple<String, Strings, Strings> cases[] = {
         {String(), {}, {}},
         {u"", {}, {}},
         {u"a.b.", {u"a.", u"b."}, {u"a", u"b"}},
@@ -22,18 +17,18 @@ TEST(Components, EndWithTheirSeparators) {
         {u"Yes. No?! Perhaps", {u"Yes.", u" No?!", u" Perhaps"}, {u"Yes", u" No", u" Perhaps"}},
         {u"a\r\nb", {u"a\r\n", u"b"}, {u"a", u"b"}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text.utf8());
-        EXPECT_EQ(componentsUsingDefaultSeparation(c.text), c.with);
-        EXPECT_EQ(componentsUsingSeparators(c.text, {.withSeparators = false}), c.without);
-        EXPECT_EQ(numberOfComponentsUsingSeparators(c.text), c.with.size());
+    for (const auto& [text, with, without] : cases) {
+        SCOPED_TRACE(text.utf8());
+        EXPECT_EQ(componentsUsingDefaultSeparation(text), with);
+        EXPECT_EQ(componentsUsingSeparators(text, {.withSeparators = false}), without);
+        EXPECT_EQ(numberOfComponentsUsingSeparators(text), with.size());
         Strings handled;
-        EXPECT_EQ(parseComponentsWithHandler(c.text,
-                                             [&](std::u16string_view units, Range component) {
+        EXPECT_EQ(parseComponentsWithHandler(text,
+                                             [&](View units, Range component) {
                                                  handled.push_back(units.substr(component.location, component.length));
                                              }),
-                  c.with.size());
-        EXPECT_EQ(handled, c.with);
+                  with.size());
+        EXPECT_EQ(handled, with);
     }
     const String whole(u"whole");
     EXPECT_TRUE(componentsUsingDefaultSeparation(whole)[0].isIdenticalTo(whole));
@@ -56,16 +51,14 @@ TEST(Components, MutableHandlersAndRanges) {
 }
 
 TEST(Components, Paragraphs) {
-    const std::u16string_view text = u"One line\r\n\r\nand another one\n";
-    const struct {
-        Range range;
-        std::uint64_t minLen, paragraphs, words;
-    } cases[] = {{{0, NotFound}, 1, 2, 5}, {{0, 99}, 4, 2, 2}, {{4, 5}, 1, 1, 1},
-                 {{99, 1}, 1, 0, 0},       {{0, 0}, 1, 0, 0},  {Range::none(), 1, 0, 0}};
-    for (const auto& c : cases) {
-        const ParagraphCount count = numberOfParagraphs(text, c.range, c.minLen);
-        EXPECT_EQ(count.paragraphs, c.paragraphs) << c.range.location;
-        EXPECT_EQ(count.words, c.words) << c.range.location;
+    const View text = u"One line\r\n\r\nand another one\n";
+    const std::tuple<Range, std::uint64_t, std::uint64_t, std::uint64_t> cases[] = {
+        {{0, NotFound}, 1, 2, 5}, {{0, 99}, 4, 2, 2}, {{4, 5}, 1, 1, 1},
+        {{99, 1}, 1, 0, 0},       {{0, 0}, 1, 0, 0},  {Range::none(), 1, 0, 0}};
+    for (const auto& [range, minLen, paragraphs, words] : cases) {
+        const ParagraphCount count = numberOfParagraphs(text, range, minLen);
+        EXPECT_EQ(count.paragraphs, paragraphs) << range.location;
+        EXPECT_EQ(count.words, words) << range.location;
     }
     EXPECT_EQ(numberOfParagraphs(u"a\uFEFFb", {0, 3}).paragraphs, 1u);
 }

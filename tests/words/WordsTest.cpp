@@ -1,6 +1,5 @@
 #include <velmocore/words/Words.h>
 
-#include <random>
 #include <set>
 #include <stdexcept>
 
@@ -11,23 +10,8 @@
 namespace velmo {
 namespace {
 
-using Strings = std::vector<String>;
-
-const CharacterSetRep& blanks() {
-    static const CharacterSetRep set = [] {
-        CharacterSetRep s;
-        s.add(u" ");
-        return s;
-    }();
-    return set;
-}
-
 TEST(Words, Strings) {
-    const struct {
-        String text;
-        std::uint64_t minLen;
-        Strings words;
-    } cases[] = {
+    const std::tuple<String, std::uint64_t, Strings> cases[] = {
         {String(), 1, {}},
         {u"", 0, {}},
         {u" ,. ", 1, {}},
@@ -37,10 +21,10 @@ TEST(Words, Strings) {
         {u"-a bc--def ", 2, {u"bc", u"def"}},
         {u"x\U0001F600y \u4E00\u4E01 e\u0301", 1, {u"x", u"y", u"\u4E00\u4E01", u"e\u0301"}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text.utf8());
-        EXPECT_EQ(wordsUsingDefaultSeparation(c.text, c.minLen), c.words);
-        EXPECT_EQ(numberOfWordsUsingDefaultSeparation(c.text, c.minLen), c.words.size());
+    for (const auto& [text, minLen, words] : cases) {
+        SCOPED_TRACE(text.utf8());
+        EXPECT_EQ(wordsUsingDefaultSeparation(text, minLen), words);
+        EXPECT_EQ(numberOfWordsUsingDefaultSeparation(text, minLen), words.size());
     }
     EXPECT_EQ(wordsUsingWhiteSeparation(u" it's\u2028a-b c", 2), (Strings{u"it's", u"a-b"}));
     EXPECT_EQ(wordsUsingSeparators(u"a  b,", {.withSeparators = true}), (Strings{u"a", u"  ", u"b", u","}));
@@ -49,11 +33,7 @@ TEST(Words, Strings) {
 }
 
 TEST(Words, Hyphenated) {
-    const struct {
-        String text;
-        std::uint64_t minLen;
-        bool withSeparators, expected;
-    } cases[] = {
+    const std::tuple<String, std::uint64_t, bool, bool> cases[] = {
         {u"U.S.A", 1, false, true},       {u"U.S.A.", 1, false, true},
         {u"U.S", 1, false, true},         {u"U.S.A", 2, false, false},
         {u"U.S.x1", 1, false, false},     {u"1.2", 1, false, false},
@@ -65,9 +45,9 @@ TEST(Words, Hyphenated) {
         {u"U.S", 1, true, true},          {u"a- b", 1, true, true},  // the run's first unit tells
         {u"abc-d-efg", 3, false, true},
     };
-    for (const auto& c : cases) {
-        const WordOptions options{.withSeparators = c.withSeparators, .minLen = c.minLen};
-        EXPECT_EQ(separatedWords(c.text, options).hyphenated, c.expected) << c.text;
+    for (const auto& [text, minLen, withSeparators, expected] : cases) {
+        const WordOptions options{.withSeparators = withSeparators, .minLen = minLen};
+        EXPECT_EQ(separatedWords(text, options).hyphenated, expected) << text;
     }
 }
 
@@ -81,42 +61,25 @@ TEST(Words, RangesAreMarked) {
     EXPECT_EQ(wordsUsingSeparators<std::multiset<String>>(u"a b a").count(u"a"), 2u);
 }
 
-TEST(Words, BracketsOfWildcards) {
-    const struct {
-        String text;
-        Strings words;
-    } cases[] = {
-        {u"a[b c]d e", {u"a[b c]d", u"e"}}, {u"a [b c", {u"a", u"[b c"}},       {u"[ ", {u"[ "}},
-        {u"a[ ] ]", {u"a[ ]", u"]"}},       {u"a[[ ]b c]", {u"a[[ ]b", u"c]"}},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(wordsUsingSeparators(c.text, {.separators = &blanks(), .wildcard = true}), c.words);
-    // A [ that separates opens nothing.
-    EXPECT_EQ(numberOfWordsUsingSeparators(u"a[b c]d", nullptr, 1, true), 4u);
-}
-
 TEST(Words, InRange) {
-    const std::u16string_view text = u"one two three";
-    const struct {
-        Range range;
-        std::uint64_t minLen, words;
-    } cases[] = {{{0, 13}, 1, 3}, {{1, 5}, 1, 2},         {{1, 5}, 2, 2}, {{4, NotFound}, 1, 2},
-                 {{13, 1}, 1, 0}, {{NotFound, 9}, 1, 0},  {{3, 1}, 1, 0}, {{8, UINT64_MAX}, 4, 1},
-                 {{0, 0}, 1, 0},  {{UINT64_MAX, 2}, 1, 0}};
-    for (const auto& c : cases)
-        EXPECT_EQ(numberOfWordsInRange(text, c.range, nullptr, c.minLen), c.words) << c.range.location;
+    const View text = u"one two three";
+    const std::tuple<Range, std::uint64_t, std::uint64_t> cases[] = {
+        {{0, 13}, 1, 3},       {{1, 5}, 1, 2}, {{1, 5}, 2, 2},          {{4, NotFound}, 1, 2}, {{13, 1}, 1, 0},
+        {{NotFound, 9}, 1, 0}, {{3, 1}, 1, 0}, {{8, UINT64_MAX}, 4, 1}, {{0, 0}, 1, 0},        {{UINT64_MAX, 2}, 1, 0}};
+    for (const auto& [range, minLen, words] : cases)
+        EXPECT_EQ(numberOfWordsInRange(text, range, nullptr, minLen), words) << range.location;
 }
 
 TEST(Words, Handlers) {
-    std::set<std::u16string_view> seen;
-    const std::u16string_view text = u"to be or not to be";
+    std::set<View> seen;
+    const View text = u"to be or not to be";
     EXPECT_EQ(parseWordsWithHandler(text,
-                                    [&](std::u16string_view units, Range word) {
+                                    [&](View units, Range word) {
                                         EXPECT_EQ(units.data(), text.data());
                                         seen.insert(units.substr(word.location, word.length));
                                     }),
               6u);
-    EXPECT_EQ(seen, (std::set<std::u16string_view>{u"to", u"be", u"or", u"not"}));
+    EXPECT_EQ(seen, (std::set<View>{u"to", u"be", u"or", u"not"}));
     EXPECT_EQ(parseWordsWithHandler(text, nullptr), 0u);
     EXPECT_EQ(parseWordsWithHandler(u"ab", [](auto, auto) { FAIL(); }, {.minLen = 3}), 0u);
     EXPECT_THROW(parseWordsWithHandler(text, [](auto, auto) { throw std::runtime_error("x"); }), std::runtime_error);
@@ -135,7 +98,7 @@ TEST(Words, Handlers) {
 }
 
 /// The entries by a walk from unit to unit.
-std::vector<Range> slowWords(std::u16string_view text, const CharacterSetRep& set, const WordOptions& options) {
+std::vector<Range> slowWords(View text, const CharacterSetRep& set, const WordOptions& options) {
     const std::uint64_t minLen = std::max<std::uint64_t>(options.minLen, 1);
     std::vector<Range> entries;
     std::size_t start = 0, i = 0;
@@ -157,11 +120,13 @@ std::vector<Range> slowWords(std::u16string_view text, const CharacterSetRep& se
 
 TEST(Words, RandomTextsAgreeWithAWalk) {
     std::mt19937 random(7);
-    const std::u16string_view alphabet = u"ab [] \u00E9";
+    const View alphabet = u"ab [] \u00E9";
+    CharacterSetRep blanks;
+    blanks.add(u' ');
     for (int round = 0; round < 20000; ++round) {
-        std::u16string text(random() % 8 ? random() % 24 : 50 + random() % 160, u' ');
-        for (char16_t& unit : text) unit = alphabet[random() % alphabet.size()];
-        const WordOptions options{.separators = random() % 2 ? &blanks() : nullptr,
+        const std::size_t length = random() % 8 ? random() % 24 : 50 + random() % 160;
+        const std::u16string text = test::randomText(random, alphabet, length);
+        const WordOptions options{.separators = random() % 2 ? &blanks : nullptr,
                                   .withSeparators = random() % 2 == 0,
                                   .minLen = random() % 4,
                                   .wildcard = random() % 2 == 0};

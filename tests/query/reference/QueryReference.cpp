@@ -1,5 +1,7 @@
 #include "query/reference/QueryReference.h"
 
+#include <map>
+
 #include <velmocore/platform/String.h>
 
 namespace velmo::test {
@@ -28,19 +30,15 @@ std::uint64_t integerOf(const std::u16string& text) {
 /// Sets what an operator word says; false if the part is none.
 bool takeOperator(const std::u16string& part, RefState& state) {
     const std::u16string word = up(part);
-    if (word == u"|" || word == u"OR") return state.op = 1, true;
-    if (word == u"^" || word == u"XOR" || word == u"EOR") return state.op = 2, true;
-    if (word == u"&" || word == u"AND" || word == u"BUT") return state.op = 0, true;
-    if (word == u"OPT") return state.op = 7, true;
+    static const std::map<std::u16string, int> names = {{u"|", 1}, {u"OR", 1},  {u"^", 2},   {u"XOR", 2}, {u"EOR", 2},
+                                                        {u"&", 0}, {u"AND", 0}, {u"BUT", 0}, {u"OPT", 7}, {u"NEAR", 3}};
+    if (const auto found = names.find(word); found != names.end()) return state.op = found->second, true;
     if (word == u"NOT") return state.negated = !state.negated, true;
-    if (word == u"NEAR") return state.op = 3, true;
     if (word == u"NEXT") return state.op = 6, state.distance = 1, true;
     if (word == u"AFTER") return state.op = 5, state.distance = Unbounded, true;
     if (word == u"BEFORE") return state.op = 4, state.distance = Unbounded, true;
-    const struct {
-        std::u16string prefix;
-        int op;
-    } withDistance[] = {{u"NEAR/", 3}, {u"NEXT/", 6}, {u"AFTER/", 5}, {u"BEFORE/", 4}};
+    const std::pair<std::u16string, int> withDistance[] = {
+        {u"NEAR/", 3}, {u"NEXT/", 6}, {u"AFTER/", 5}, {u"BEFORE/", 4}};
     for (const auto& [prefix, op] : withDistance) {
         if (word.size() <= prefix.size() || word.substr(0, prefix.size()) != prefix) continue;
         state.op = op;
@@ -113,16 +111,22 @@ struct RefProximity {
 
 bool matches(const RefText& in, const RefNode& node, const RefProximity& near, std::size_t start, std::size_t end);
 
+/// The stretch around a hit in which the term before it must hold.
+std::pair<std::size_t, std::size_t> windowOf(const RefText& in, const RefProximity& near, const RefHit& hit,
+                                             std::size_t start, std::size_t end) {
+    const std::size_t behind = hit.location + hit.length;
+    return {near.op == 5 ? hit.location : back(in, near.distance, hit.location, start),
+            near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind};
+}
+
 bool matchesNear(const RefText& in, const RefNode& word, const RefProximity& near, std::size_t start, std::size_t end) {
     const auto leftHolds = [&](std::size_t from, std::size_t to) { return matches(in, *near.left, {}, from, to); };
     std::size_t cursor = start, lastEnd = start;
     for (;;) {
         const auto hit = in.find(word, cursor, end);
         if (!hit) return word.negated && lastEnd < end && leftHolds(lastEnd, end);
-        const std::size_t position = hit->location, behind = position + hit->length;
-        const std::size_t windowStart = near.op == 5 ? position : back(in, near.distance, position, start);
-        const std::size_t windowEnd = near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind;
-        cursor = behind;
+        const auto [windowStart, windowEnd] = windowOf(in, near, *hit, start, end);
+        cursor = hit->location + hit->length;
         if (word.negated && windowStart > lastEnd && leftHolds(lastEnd, windowStart)) return true;
         const bool holds = leftHolds(windowStart, std::min(windowEnd, end));
         if (!word.negated && holds) return true;
@@ -184,15 +188,12 @@ struct RefCollection {
                 if (word.negated) leftHolds(lastEnd, end);
                 return;
             }
-            const std::size_t position = hit->location, behind = position + hit->length;
-            const std::size_t windowStart = near.op == 5 ? position : back(in, near.distance, position, start);
-            const std::size_t windowEnd =
-                near.op == 3 || near.op == 5 ? forward(in, near.distance, behind, end) : behind;
+            const auto [windowStart, windowEnd] = windowOf(in, near, *hit, start, end);
             if (word.negated)
                 leftHolds(lastEnd, windowStart);
             else if (leftHolds(windowStart, std::min(windowEnd, end)) && !isEverywhere(word))
                 hits.insert(*hit);
-            cursor = behind;
+            cursor = hit->location + hit->length;
             lastEnd = windowEnd;
         }
     }
