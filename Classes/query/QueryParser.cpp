@@ -225,8 +225,8 @@ private:
         }
         next_.queryOperator = row->op;
         if (part.size() > row->word.size())
-            next_.proximityDistance =
-                static_cast<std::uint64_t>(detail::leadingInteger(part.substr(row->word.size() + 1)));
+            next_.proximityDistance = static_cast<std::uint64_t>(
+                detail::leadingInteger(part.substr(row->word.size() + 1)));
         else if (row->distance)
             next_.proximityDistance = row->distance;
         return true;
