@@ -23,7 +23,7 @@ TEST_F(Tool, TellsLanguages) {
     EXPECT_EQ(run("language --lists " + (folder_ / "missing").string() + " " + text).code, 2);
     // Gathering goes on without a language.
     const Outcome without = shell("VELMO_RESOURCES=/none $V gather --json " + pages());
-    EXPECT_EQ(without.err, "velmo: /none: No such file or directory\n");
+    EXPECT_TRUE(without.err.starts_with("velmo: /none: No such file or directory\n")) << without.err;
     EXPECT_EQ(without.code, 2);
     EXPECT_GT(without.lines().size(), 30u);
 }
