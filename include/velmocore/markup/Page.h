@@ -42,31 +42,31 @@ public:
     [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {});
 
     /// The text of the page, with its tags.
-    [[nodiscard]] const String& markup() const noexcept;
+    [[nodiscard]] const String& markup() const noexcept VELMO_LIFETIME;
     /// The encoding that it was in.
     [[nodiscard]] StringEncoding encoding() const noexcept;
     /// Where it comes from; absent if that was not told.
-    [[nodiscard]] const URL& url() const noexcept;
+    [[nodiscard]] const URL& url() const noexcept VELMO_LIFETIME;
     /// What its links are relative to: its base tag, else where it comes from.
-    [[nodiscard]] const URL& baseURL() const;
+    [[nodiscard]] const URL& baseURL() const VELMO_LIFETIME;
 
     /// What stands in its first title tag, on one line; empty if there is none.
-    [[nodiscard]] const String& title() const;
+    [[nodiscard]] const String& title() const VELMO_LIFETIME;
     /// As stringByConvertingHtml2PlainText() makes it.
-    [[nodiscard]] const String& plainText() const;
+    [[nodiscard]] const String& plainText() const VELMO_LIFETIME;
 
     // References, resolved, in page order or else in that of their texts, each once. What cannot be
     // resolved is left out: all that is relative, if it is not known to what.
 
     /// Of a and area tags, without anchors: those that lead to the web, to FTP, to feeds or to
     /// files.
-    [[nodiscard]] const std::vector<URL>& links() const;
-    [[nodiscard]] const std::vector<URL>& frames() const;
-    [[nodiscard]] const std::vector<URL>& images() const;
-    [[nodiscard]] const std::vector<URL>& stylesheetsAndScripts() const;
-    [[nodiscard]] const std::vector<URL>& embeddedObjects() const;
+    [[nodiscard]] const std::vector<URL>& links() const VELMO_LIFETIME;
+    [[nodiscard]] const std::vector<URL>& frames() const VELMO_LIFETIME;
+    [[nodiscard]] const std::vector<URL>& images() const VELMO_LIFETIME;
+    [[nodiscard]] const std::vector<URL>& stylesheetsAndScripts() const VELMO_LIFETIME;
+    [[nodiscard]] const std::vector<URL>& embeddedObjects() const VELMO_LIFETIME;
     /// Absent if it names none.
-    [[nodiscard]] const URL& favIcon() const;
+    [[nodiscard]] const URL& favIcon() const VELMO_LIFETIME;
 
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.

@@ -110,7 +110,7 @@ public:
     [[nodiscard]] bool queryPhrase() const noexcept;
 
     /// The text of a word; empty for a group. It lives as long as a node of its tree.
-    [[nodiscard]] std::u16string_view word() const noexcept;
+    [[nodiscard]] std::u16string_view word() const noexcept VELMO_LIFETIME;
     [[nodiscard]] std::size_t numberOfChildren() const noexcept;
     /// One of the children; absent if there are not so many.
     [[nodiscard]] QueryTerms child(std::size_t index) const;

@@ -36,8 +36,8 @@ public:
         _start = start.isEmpty() ? String() : start;
         _end = end.isEmpty() ? String() : end;
     }
-    [[nodiscard]] const String& start() const { return _start; }
-    [[nodiscard]] const String& end() const { return _end; }
+    [[nodiscard]] const String& start() const VELMO_LIFETIME { return _start; }
+    [[nodiscard]] const String& end() const VELMO_LIFETIME { return _end; }
 
 private:
     String _start, _end;

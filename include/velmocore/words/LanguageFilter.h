@@ -62,7 +62,7 @@ public:
     /// them could not be written.
     bool writeToDirectory(const Path& directory) const;
 
-    [[nodiscard]] const std::vector<String>& languages() const;
+    [[nodiscard]] const std::vector<String>& languages() const VELMO_LIFETIME;
     [[nodiscard]] bool ignoreUmlauts() const;
 
     /// The chosen language; absent if none.
