@@ -1,7 +1,5 @@
 #include <velmocore/markup/Charsets.h>
 
-#include <vector>
-
 #include <velmocore/platform/Log.h>
 
 #include "TestSupport.h"
@@ -11,11 +9,7 @@ namespace velmo {
 namespace {
 
 TEST(Charsets, NamesAreKnownHoweverTheyAreWritten) {
-    struct Case {
-        TextEncoding encoding;
-        std::vector<const char16_t*> names;
-    };
-    const Case cases[] = {
+    const std::pair<TextEncoding, std::vector<const char16_t*>> cases[] = {
         {513,
          {u"iso-8859-1", u"ISO_8859_1", u"iso8859-1", u"8859-1", u"Latin-1", u"latin", u"iso", u"ISO 8859-1;",
           u"iso-88591", u"885231", u"885111x2", u"885391", u"iso-10059-1", u"l8859"}},
@@ -56,10 +50,9 @@ TEST(Charsets, NamesAreKnownHoweverTheyAreWritten) {
         {1056, {u"cp932"}},
         {UnknownTextEncoding,
          {u"", u"x", u"en", u"--8", u"latin0", u"latin-x", u"iso-8859-12", u"885392", u"88530", u"x-user-defined",
-          u"mac-klingon", u"99999999999999999999", u"4294967733"}},
-    };
-    for (const Case& c : cases)
-        for (const char16_t* name : c.names) EXPECT_EQ(charset2CFStringEncoding(name), c.encoding) << utf8(name);
+          u"mac-klingon", u"99999999999999999999", u"4294967733"}}};
+    for (const auto& [encoding, names] : cases)
+        for (const char16_t* name : names) EXPECT_EQ(charset2CFStringEncoding(name), encoding) << utf8(name);
 }
 
 // The names that the library gives are names that it takes, but for those that the order of

@@ -1,8 +1,5 @@
 #include <velmocore/markup/Links.h>
 
-#include <algorithm>
-#include <random>
-
 #include <velmocore/platform/Log.h>
 
 #include "TestSupport.h"
@@ -28,10 +25,7 @@ std::string base(const char16_t* page) {
 }
 
 TEST(Links, ComeOnceInPageOrder) {
-    const struct {
-        const char16_t* page;
-        const char* links;
-    } cases[] = {
+    const std::pair<const char16_t*, const char*> cases[] = {
         {u"<a href=x>1</a><A HREF='y'>2</A><a href=\"x\">3</a><area href=z>", "x y z"},
         {u"<a href=' x&#32;'><a href=x><a href=x%20><a href=X>", "x X"},
         {u"<a name=x><a href=''><a href><a><a href=' '>", ""},
@@ -40,9 +34,8 @@ TEST(Links, ComeOnceInPageOrder) {
         {u"<a title=\"href=no\" href=a&amp;b>", "a&b"},
         {u"<a href=mailto:x><a href=#>", "mailto:x #"},
         {u"text only", ""},
-        {u"", ""},
-    };
-    for (const auto& c : cases) EXPECT_EQ(links(c.page), c.links) << String(c.page);
+        {u"", ""}};
+    for (const auto& [page, expected] : cases) EXPECT_EQ(links(page), expected) << String(page);
 }
 
 TEST(Links, Options) {
@@ -75,10 +68,7 @@ TEST(Links, HandlersSeeTheRawLinkAndItsText) {
 }
 
 TEST(Links, BaseTags) {
-    const struct {
-        const char16_t* page;
-        const char *base, *log;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char*, const char*> cases[] = {
         {u"<base href=http://h/a>", "http://h/a", ""},
         {u"<BASE HREF='//h/'>", "http://h/", ""},
         {u"<base href=http://a><base href=http://b>", "http://b", ""},
@@ -92,11 +82,10 @@ TEST(Links, BaseTags) {
         {u"<base href='http://.../'>", "", "Invalid base: 'http://.../'"},
         {u"<base href='//'>", "", "Invalid base: 'http://'"},
         {u"</base href=http://h>", "", ""},
-        {u"<base href='http://h/a b'>", "http://h/a%20b", ""},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(base(c.page), c.base) << String(c.page);
-        EXPECT_EQ(lastLog, c.log) << String(c.page);
+        {u"<base href='http://h/a b'>", "http://h/a%20b", ""}};
+    for (const auto& [page, expected, log] : cases) {
+        EXPECT_EQ(base(page), expected) << String(page);
+        EXPECT_EQ(lastLog, log) << String(page);
     }
 }
 

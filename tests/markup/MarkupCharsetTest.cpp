@@ -6,12 +6,7 @@ namespace velmo {
 namespace {
 
 TEST(MarkupCharset, IsReadFromTheHead) {
-    struct Case {
-        const char16_t* page;
-        const char16_t* charset;
-        Range tag;
-    };
-    const Case cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, Range> cases[] = {
         {u"", u"", Range::none()},
         {u"<p>no charset</p>", u"", Range::none()},
         {u"a<meta http-equiv=x content='text/html; charset=koi8-r'>", u"koi8-r", {1, 55}},
@@ -30,11 +25,10 @@ TEST(MarkupCharset, IsReadFromTheHead) {
         {u"</meta charset=x1><xml encoding=x2>", u"", Range::none()},
         {u"<!--<meta charset=x1>--><meta charset=e5>", u"e5", {24, 17}},
         // An empty name in a content is a name.
-        {u"<meta content='charset= ;' charset=x><meta charset=f6>", u"", {0, 37}},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(markupCharset(c.page), c.charset) << utf8(c.page);
-        EXPECT_EQ(markupCharsetRange(c.page), c.tag) << utf8(c.page);
+        {u"<meta content='charset= ;' charset=x><meta charset=f6>", u"", {0, 37}}};
+    for (const auto& [page, charset, tag] : cases) {
+        EXPECT_EQ(markupCharset(page), charset) << utf8(page);
+        EXPECT_EQ(markupCharsetRange(page), tag) << utf8(page);
     }
     EXPECT_EQ(markupEncoding(u"<meta charset=windows-1251>"), WindowsCP1251StringEncoding);
     EXPECT_EQ(headerEncoding(u"text/html; charset=iso-8859-1"), ISOLatin1StringEncoding);
@@ -44,23 +38,17 @@ TEST(MarkupCharset, IsReadFromTheHead) {
 }
 
 TEST(MarkupCharset, PagesGoBackToTheirBytes) {
-    struct Case {
-        const char16_t* page;
-        std::string_view bytes;
-        StringEncoding encoding;
-    };
-    const Case cases[] = {
+    const std::tuple<const char16_t*, std::string_view, StringEncoding> cases[] = {
         {u"", "", ASCIIStringEncoding},
         {u"<meta charset=iso-8859-1>\u00E9", "<meta charset=iso-8859-1>\xE9", 5},
         {u"<meta charset=utf-8>\u20AC", "<meta charset=utf-8>\xE2\x82\xAC", 4},
         {u"<meta charset=x-kam-cs>\u0160", "<meta charset=x-kam-cs>\x9B", KamenickyStringEncoding},
-        {u"<p>\u20AC &\u3042", "<p>&euro; &&#12354;", ASCIIStringEncoding},
-    };
-    for (const Case& c : cases) {
-        const auto [bytes, encoding] = markupData(c.page);
+        {u"<p>\u20AC &\u3042", "<p>&euro; &&#12354;", ASCIIStringEncoding}};
+    for (const auto& [page, expected, used] : cases) {
+        const auto [bytes, encoding] = markupData(page);
         ASSERT_TRUE(bytes);
-        EXPECT_EQ(charsOf(*bytes), c.bytes);
-        EXPECT_EQ(encoding, c.encoding);
+        EXPECT_EQ(charsOf(*bytes), expected);
+        EXPECT_EQ(encoding, used);
     }
     EXPECT_EQ(markupData(String()).bytes, Data());
     EXPECT_EQ(markupData(u"<meta charset=iso-8859-1>\u20AC").bytes, std::nullopt);

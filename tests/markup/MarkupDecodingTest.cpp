@@ -1,9 +1,7 @@
 #include <velmocore/markup/MarkupDecoding.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <map>
-#include <vector>
 
 #include <velmocore/markup/CzechEncodings.h>
 
@@ -61,63 +59,58 @@ TEST(MarkupDecoding, ReadsTheSamplePages) {
 std::string meta(std::string_view charset) { return "<meta charset=" + std::string(charset) + ">"; }
 
 TEST(MarkupDecoding, TriesInOrder) {
-    struct Case {
-        const char* what;
-        std::string bytes;
-        const char16_t* header;
-        StringEncoding defaultEncoding;
-        StringEncoding won;
-        const char16_t* text;  ///< behind the meta tag
-    };
     const std::string utf8 = "caf\xC3\xA9", latin = "caf\xE9", russian = "\xCF\xF0";
-    const Case cases[] = {
-        {"nothing is said", utf8, u"", 4, 4, u"caf\u00E9"},
-        {"nothing is said, and it is not UTF-8", latin, u"", 4, 4, u"caf\uFFFD"},
-        {"the default is all there is", latin, u"", 5, 5, u"caf\u00E9"},
-        {"the header alone", latin, u"iso-8859-1", 4, 5, u"caf\u00E9"},
-        {"an unknown header", utf8, u"auto", 4, 4, u"caf\u00E9"},
-        {"the page alone", meta("latin1") + latin, u"", 4, 5, u"caf\u00E9"},
-        {"the page alone, wrongly", meta("latin1") + utf8, u"", 4, 5, u"caf\u00C3\u00A9"},
-        {"UTF-8 by the header is right, as Latin 1 is longer", meta("iso-8859-1") + utf8, u"utf-8", 4, 4, u"caf\u00E9"},
-        {"the page is right, as UTF-8 has errors", meta("iso-8859-1") + latin, u"utf-8", 4, 5, u"caf\u00E9"},
-        {"the header is right, as the page's reading has errors", meta("utf-8") + latin, u"windows-1252", 4, 12,
-         u"caf\u00E9"},
-        {"both without errors: the page", meta("windows-1252") + utf8, u"utf-8", 4, 12, u"caf\u00C3\u00A9"},
-        {"an unknown declaration", meta("x-auto-x") + utf8, u"", 4, 4, u"caf\u00E9"},
-        {"ASCII is no declaration", meta("us-ascii") + utf8, u"", 4, 4, u"caf\u00E9"},
-        {"Windows-1251 by the page", meta("windows-1251") + russian, u"", 4, 11, u"\u041F\u0440"},
-        {"Windows-1251 by the page against a header of UTF-8 that is right", meta("windows-1251") + "\xD0\x9F",
-         u"utf-8", 4, 4, u"\u041F"},
-        {"Windows-1251 by the page against another header", meta("windows-1251") + russian, u"koi8-r", 4, 11,
-         u"\u041F\u0440"},
-        {"Big5", meta("big5") + "\xA4\xA4\x88\x56", u"", 4, 0x80000A03, u"\u4E2D\u0100"},
-        {"Big5, whose reading has errors, against the header", meta("big5") + "\xFF", u"latin1", 4, 0x80000A03,
-         u"\uFFFD"},
-        {"Kamenicky by the page", meta("x-kam-cs") + "\x9B", u"latin1", 4, KamenickyStringEncoding, u"\u0160"},
-        {"KOI8-CS2 by the page", meta("koi8-cs2") + "\xC3", u"", 4, KOI8CS2StringEncoding, u"\u010D"},
-        {"Kamenicky by the header", "\x9B", u"x-kam-cs", 4, KamenickyStringEncoding, u"\u0160"},
-        {"UTF-16 by the page, which cannot be", "<html><head>" + meta("utf-16") + utf8, u"", 4, 4, u"caf\u00E9"},
-        {"a default that does not exist", latin, u"", 99, 99, nullptr},
-        {"a mark of UTF-16",
-         std::string("\xFF\xFE"
-                     "a\0",
-                     4),
-         u"", 4, UTF16LittleEndianStringEncoding, u"a"},
-        {"a header that names what cannot be read", utf8, u"utf-16", 4, 10, u"\u6163\uC366\uFFFD"},
-        {"a page of its mark only", "\xEF\xBB\xBF", u"", 4, 4, u""},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
+    // What is tried, the bytes, the header, the default, what won, and the text after the meta tag.
+    const std::tuple<const char*, std::string, const char16_t*, StringEncoding, StringEncoding, const char16_t*>
+        cases[] = {
+            {"nothing is said", utf8, u"", 4, 4, u"caf\u00E9"},
+            {"nothing is said, and it is not UTF-8", latin, u"", 4, 4, u"caf\uFFFD"},
+            {"the default is all there is", latin, u"", 5, 5, u"caf\u00E9"},
+            {"the header alone", latin, u"iso-8859-1", 4, 5, u"caf\u00E9"},
+            {"an unknown header", utf8, u"auto", 4, 4, u"caf\u00E9"},
+            {"the page alone", meta("latin1") + latin, u"", 4, 5, u"caf\u00E9"},
+            {"the page alone, wrongly", meta("latin1") + utf8, u"", 4, 5, u"caf\u00C3\u00A9"},
+            {"UTF-8 by the header is right, as Latin 1 is longer", meta("iso-8859-1") + utf8, u"utf-8", 4, 4,
+             u"caf\u00E9"},
+            {"the page is right, as UTF-8 has errors", meta("iso-8859-1") + latin, u"utf-8", 4, 5, u"caf\u00E9"},
+            {"the header is right, as the page's reading has errors", meta("utf-8") + latin, u"windows-1252", 4, 12,
+             u"caf\u00E9"},
+            {"both without errors: the page", meta("windows-1252") + utf8, u"utf-8", 4, 12, u"caf\u00C3\u00A9"},
+            {"an unknown declaration", meta("x-auto-x") + utf8, u"", 4, 4, u"caf\u00E9"},
+            {"ASCII is no declaration", meta("us-ascii") + utf8, u"", 4, 4, u"caf\u00E9"},
+            {"Windows-1251 by the page", meta("windows-1251") + russian, u"", 4, 11, u"\u041F\u0440"},
+            {"Windows-1251 by the page against a header of UTF-8 that is right", meta("windows-1251") + "\xD0\x9F",
+             u"utf-8", 4, 4, u"\u041F"},
+            {"Windows-1251 by the page against another header", meta("windows-1251") + russian, u"koi8-r", 4, 11,
+             u"\u041F\u0440"},
+            {"Big5", meta("big5") + "\xA4\xA4\x88\x56", u"", 4, 0x80000A03, u"\u4E2D\u0100"},
+            {"Big5, whose reading has errors, against the header", meta("big5") + "\xFF", u"latin1", 4, 0x80000A03,
+             u"\uFFFD"},
+            {"Kamenicky by the page", meta("x-kam-cs") + "\x9B", u"latin1", 4, KamenickyStringEncoding, u"\u0160"},
+            {"KOI8-CS2 by the page", meta("koi8-cs2") + "\xC3", u"", 4, KOI8CS2StringEncoding, u"\u010D"},
+            {"Kamenicky by the header", "\x9B", u"x-kam-cs", 4, KamenickyStringEncoding, u"\u0160"},
+            {"UTF-16 by the page, which cannot be", "<html><head>" + meta("utf-16") + utf8, u"", 4, 4, u"caf\u00E9"},
+            {"a default that does not exist", latin, u"", 99, 99, nullptr},
+            {"a mark of UTF-16",
+             std::string("\xFF\xFE"
+                         "a\0",
+                         4),
+             u"", 4, UTF16LittleEndianStringEncoding, u"a"},
+            {"a header that names what cannot be read", utf8, u"utf-16", 4, 10, u"\u6163\uC366\uFFFD"},
+            {"a page of its mark only", "\xEF\xBB\xBF", u"", 4, 4, u""},
+        };
+    for (const auto& [what, bytes, header, defaultEncoding, won, text] : cases) {
+        SCOPED_TRACE(what);
         const MarkupDecoding page =
-            decodeMarkup(Bytes(c.bytes), {.encodingName = c.header, .defaultEncoding = c.defaultEncoding});
-        EXPECT_EQ(page.encoding, c.won);
-        if (!c.text) {
+            decodeMarkup(Bytes(bytes), {.encodingName = header, .defaultEncoding = defaultEncoding});
+        EXPECT_EQ(page.encoding, won);
+        if (!text) {
             EXPECT_TRUE(page.text.isAbsent());
             continue;
         }
         ASSERT_FALSE(page.text.isAbsent());
         const std::size_t tag = page.text.view().rfind(u'>') + 1;
-        EXPECT_EQ(page.text.view().substr(tag), std::u16string_view(c.text)) << page.text;
+        EXPECT_EQ(page.text.view().substr(tag), View(text)) << page.text;
     }
     EXPECT_TRUE(stringWithMarkupData({}).isIdenticalTo(String::empty()));
     EXPECT_EQ(stringWithMarkupData(Bytes(latin), {.contentType = u"text/html; charset=ISO-8859-1"}), u"caf\u00E9");
@@ -137,12 +130,7 @@ protected:
 };
 
 TEST_F(MarkupFile, HasItsOwnOrderOfTrials) {
-    struct Case {
-        std::string bytes;
-        StringEncoding defaultEncoding, used;
-        const char16_t* tail;
-    };
-    const Case cases[] = {
+    const std::tuple<std::string, StringEncoding, StringEncoding, const char16_t*> cases[] = {
         {"caf\xC3\xA9", 4, 4, u"caf\u00E9"},
         {"", 4, 4, u""},
         {meta("us-ascii") + "\xE9", 5, 5, u"\u00E9"},
@@ -155,11 +143,11 @@ TEST_F(MarkupFile, HasItsOwnOrderOfTrials) {
         {meta("kam-cs") + "\x9B", 4, KamenickyStringEncoding, u"\u0160"},
         {"<html><head>" + meta("utf-16") + "a", 4, 10, u"a"},  // told, but not so read
     };
-    for (const Case& c : cases) {
-        const auto [text, used] = read(c.bytes, c.defaultEncoding);
-        EXPECT_EQ(used, c.used) << c.bytes;
+    for (const auto& [bytes, defaultEncoding, expected, tail] : cases) {
+        const auto [text, used] = read(bytes, defaultEncoding);
+        EXPECT_EQ(used, expected) << bytes;
         ASSERT_FALSE(text.isAbsent());
-        EXPECT_EQ(text.view().substr(text.view().rfind(u'>') + 1), std::u16string_view(c.tail));
+        EXPECT_EQ(text.view().substr(text.view().rfind(u'>') + 1), View(tail));
     }
     EXPECT_TRUE(read("a", 99).text.isAbsent());
     EXPECT_EQ(read("a", 99).usedEncoding, 99u);
@@ -187,24 +175,19 @@ TEST_F(MarkupFile, PropertyListsAreGivenAsXML) {
 TEST(CzechEncodings, ReadEveryByte) {
     std::string bytes;
     for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-    struct Case {
-        String text;
-        std::size_t changed;
-        std::u16string_view start;  ///< from 0x80 on
-    };
-    const Case cases[] = {
+    const std::tuple<String, std::size_t, View> cases[] = {
         {stringWithKamenickyData(Bytes(bytes)), 129, u"\u010C\u00FC\u00E9\u010F"},
         {stringWithKoi8cs2Data(Bytes(bytes)), 82, u"\x80\x81\x82\x83"},
     };
-    for (const Case& c : cases) {
-        ASSERT_EQ(c.text.length(), 256u);
+    for (const auto& [text, expected, start] : cases) {
+        ASSERT_EQ(text.length(), 256u);
         std::size_t changed = 0;
-        for (std::size_t i = 0; i < 256; ++i) changed += c.text[i] != i;
-        EXPECT_EQ(changed, c.changed);
-        EXPECT_EQ(c.text.view().substr(0x80, 4), c.start);
+        for (std::size_t i = 0; i < 256; ++i) changed += text[i] != i;
+        EXPECT_EQ(changed, expected);
+        EXPECT_EQ(text.view().substr(0x80, 4), start);
     }
-    EXPECT_TRUE(cases[0].text[0xE2] == 0x0194 && cases[0].text[0x7F] == 0x2302);
-    EXPECT_TRUE(cases[1].text[0x24] == 0x00A4 && cases[1].text[0xC7] == 0x00C7);
+    EXPECT_TRUE(std::get<0>(cases[0])[0xE2] == 0x0194 && std::get<0>(cases[0])[0x7F] == 0x2302);
+    EXPECT_TRUE(std::get<0>(cases[1])[0x24] == 0x00A4 && std::get<0>(cases[1])[0xC7] == 0x00C7);
     EXPECT_TRUE(stringWithKamenickyData({}).isIdenticalTo(String::empty()));
 }
 

@@ -4,8 +4,6 @@
 #include <filesystem>
 #include <map>
 #include <set>
-#include <string>
-#include <vector>
 
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupDecoding.h>
@@ -23,10 +21,7 @@ std::string joined(const std::set<String>& strings) {
 }
 
 TEST(PageResources, Sets) {
-    const struct {
-        const char16_t* page;
-        const char *images, *sheets, *objects;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char*, const char*, const char*> cases[] = {
         {u"<img src=b><IMG SRC='a'><img src=b></img src=c><body background=d>", "a b d", "", ""},
         {u"<link rel=icon href=i><link rel='x-IMAGE' href=/j><link rel=ico href=k><link href=l>", "/i /j", "", ""},
         {u"<link rel=stylesheet href=a.css><link rel=STYLE href=./b><link rel=styl href=c>", "", "./b /a.css", ""},
@@ -39,12 +34,11 @@ TEST(PageResources, Sets) {
          u"data=h>",
          "", "", "a c d e f g"},
         {u"</object data=a></source src=b><objects data=c><param data=d>", "", "", ""},
-        {u"", "", "", ""},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(joined(htmlImages(c.page)), c.images) << String(c.page);
-        EXPECT_EQ(joined(htmlStylesheetsAndScripts(c.page)), c.sheets) << String(c.page);
-        EXPECT_EQ(joined(htmlEmbeddedObjects(c.page)), c.objects) << String(c.page);
+        {u"", "", "", ""}};
+    for (const auto& [page, images, sheets, objects] : cases) {
+        EXPECT_EQ(joined(htmlImages(page)), images) << String(page);
+        EXPECT_EQ(joined(htmlStylesheetsAndScripts(page)), sheets) << String(page);
+        EXPECT_EQ(joined(htmlEmbeddedObjects(page)), objects) << String(page);
     }
 }
 
@@ -77,15 +71,11 @@ TEST(PageResources, LinksAndFrames) {
 }
 
 TEST(PageResources, Feeds) {
-    const struct {
-        const char16_t* page;
-        bool isFeed;
-    } cases[] = {
+    const std::pair<const char16_t*, bool> cases[] = {
         {u"<?xml?><rss>", true},  {u"<FEED xmlns=x>", true}, {u"<rdf:RDF>", true},
         {u"<rdf-rdf>", false},    {u"<html><rss>", false},   {u"<Body><feed>", false},
-        {u"<head/><rss>", false}, {u"<rss><html>", true},    {u"<p><rss>", true},
-    };
-    for (const auto& c : cases) EXPECT_EQ(htmlFramesSet(c.page).isFeed, c.isFeed) << String(c.page);
+        {u"<head/><rss>", false}, {u"<rss><html>", true},    {u"<p><rss>", true}};
+    for (const auto& [page, isFeed] : cases) EXPECT_EQ(htmlFramesSet(page).isFeed, isFeed) << String(page);
 }
 
 TEST(PageResources, FavIcons) {
@@ -96,8 +86,7 @@ TEST(PageResources, FavIcons) {
         {u"<link rel=\"SHORTCUT ICON\" href=\"http://h/a.ico\"><link rel='shortcut icon' href=b>", u"http://h/a.ico"},
         {u"<link rel='shortcut icon'><link rel='x shortcut icon' href=./b>", u"./b"},
         {u"<link rel=icon href=a.ico>", nullptr},
-        {u"</link rel='shortcut icon' href=a>", nullptr},
-    };
+        {u"</link rel='shortcut icon' href=a>", nullptr}};
     for (const auto& c : cases) EXPECT_EQ(htmlFavIcon(c.page), String(c.icon)) << String(c.page);
     std::vector<String> icons;
     GetTagsOfString(
@@ -114,30 +103,28 @@ TEST(PageResources, FavIcons) {
 // are not named have none.
 TEST(PageResources, RealPages) {
     using Counts = std::array<std::size_t, 5>;
-    const std::map<std::string, Counts> expected{
-        {"boost-refresh.html", {2, 0, 0, 0, 0}},
-        {"cc-about-en.html", {90, 41, 30, 0, 0}},
-        {"cc-nc-de.html", {145, 4, 17, 0, 0}},
-        {"extruct-opengraph_test.html", {0, 0, 1, 0, 0}},
-        {"httpd-de-iso-8859-1.html", {68, 3, 5, 0, 0}},
-        {"httpd-es-utf8.html", {73, 3, 5, 0, 0}},
-        {"httpd-fr-utf8.html", {64, 5, 5, 0, 0}},
-        {"httpd-ja-euc-jp.html", {62, 3, 3, 0, 0}},
-        {"httpd-ja-iso-2022-jp.html", {26, 5, 3, 0, 0}},
-        {"httpd-ja-utf8.html", {67, 3, 5, 0, 0}},
-        {"httpd-ko-euc-kr.html", {30, 5, 5, 0, 0}},
-        {"httpd-pt-br-iso-8859-1.html", {48, 5, 5, 0, 0}},
-        {"httpd-ru-koi8-r.html", {49, 5, 5, 0, 0}},
-        {"httpd-tr-utf8.html", {67, 3, 5, 0, 0}},
-        {"httpd-zh-cn-utf8.html", {65, 3, 5, 0, 0}},
-        {"javadoc-frameset.html", {1, 0, 0, 0, 2}},
-        {"jsoup-charset-base.html", {0, 1, 0, 0, 0}},
-        {"jsoup-namespaces.xhtml", {0, 1, 0, 0, 0}},
-        {"readability-base-url-base-element-relative.html", {8, 5, 0, 0, 0}},
-        {"readability-v8-blog.html", {52, 1, 4, 0, 0}},
-        {"trafilatura-tutorial0.html", {1, 0, 0, 0, 0}},
-        {"trafilatura-utf8.html", {1, 0, 0, 0, 0}},
-    };
+    const std::map<std::string, Counts> expected{{"boost-refresh.html", {2, 0, 0, 0, 0}},
+                                                 {"cc-about-en.html", {90, 41, 30, 0, 0}},
+                                                 {"cc-nc-de.html", {145, 4, 17, 0, 0}},
+                                                 {"extruct-opengraph_test.html", {0, 0, 1, 0, 0}},
+                                                 {"httpd-de-iso-8859-1.html", {68, 3, 5, 0, 0}},
+                                                 {"httpd-es-utf8.html", {73, 3, 5, 0, 0}},
+                                                 {"httpd-fr-utf8.html", {64, 5, 5, 0, 0}},
+                                                 {"httpd-ja-euc-jp.html", {62, 3, 3, 0, 0}},
+                                                 {"httpd-ja-iso-2022-jp.html", {26, 5, 3, 0, 0}},
+                                                 {"httpd-ja-utf8.html", {67, 3, 5, 0, 0}},
+                                                 {"httpd-ko-euc-kr.html", {30, 5, 5, 0, 0}},
+                                                 {"httpd-pt-br-iso-8859-1.html", {48, 5, 5, 0, 0}},
+                                                 {"httpd-ru-koi8-r.html", {49, 5, 5, 0, 0}},
+                                                 {"httpd-tr-utf8.html", {67, 3, 5, 0, 0}},
+                                                 {"httpd-zh-cn-utf8.html", {65, 3, 5, 0, 0}},
+                                                 {"javadoc-frameset.html", {1, 0, 0, 0, 2}},
+                                                 {"jsoup-charset-base.html", {0, 1, 0, 0, 0}},
+                                                 {"jsoup-namespaces.xhtml", {0, 1, 0, 0, 0}},
+                                                 {"readability-base-url-base-element-relative.html", {8, 5, 0, 0, 0}},
+                                                 {"readability-v8-blog.html", {52, 1, 4, 0, 0}},
+                                                 {"trafilatura-tutorial0.html", {1, 0, 0, 0, 0}},
+                                                 {"trafilatura-utf8.html", {1, 0, 0, 0, 0}}};
     setLogHandler([](std::string_view) {});  // one of the pages has a relative base
     std::size_t pages = 0;
     for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES)) {

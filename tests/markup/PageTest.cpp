@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <set>
-#include <string>
 #include <thread>
 
 #include <velmocore/markup/Links.h>

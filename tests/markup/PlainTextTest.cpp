@@ -1,8 +1,5 @@
 #include <velmocore/markup/PlainText.h>
 
-#include <random>
-#include <string>
-
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Trimming.h>
 
@@ -24,118 +21,102 @@ void expectTexts(const Sample (&cases)[N]) {
 }
 
 TEST(PlainText, WritesBreaksBetweenText) {
-    expectTexts({
-        {u"plain", u"plain"},
-        {u"<p>a</p><p>b</p>", u"a\n\nb\n\n"},
-        {u"a<br><br>b", u"a\nb"},
-        {u"<br>a", u"a"},
-        {u"x<b>y</b>z", u"xyz"},
-        {u"x <b>y</b> z", u"x y z"},
-        {u"  x \n\t y\u00A0\u00A0z  ", u"x y z"},
-        {u"<a href=\"x\">a</a>b", u"a b"},
-        {u"<h1>a</h1>b<hr>c", u"a\n\nb\n\nc"},
-        {u"<h0>a</h9>b", u"a\n\nb"},
-        {u"<ul><li>a<li>b</ul>c", u"a\nb\nc"},
-        {u"<blockquote>a</blockquote><menu>b</menu>c", u"a\n\nb\n\nc"},
-        {u"a &amp; b&nbsp;&eacute;&#65;x", u"a & b \u00E9Ax"},
-        {u"<script>a</script><style>b</style>c", u"c"},
-        {u"a<!-- b -->c<![CDATA[d]]>e", u"ace"},
-        {u"<title>t</title><p>a", u"t\n\na"},
-    });
+    expectTexts({{u"plain", u"plain"},
+                 {u"<p>a</p><p>b</p>", u"a\n\nb\n\n"},
+                 {u"a<br><br>b", u"a\nb"},
+                 {u"<br>a", u"a"},
+                 {u"x<b>y</b>z", u"xyz"},
+                 {u"x <b>y</b> z", u"x y z"},
+                 {u"  x \n\t y\u00A0\u00A0z  ", u"x y z"},
+                 {u"<a href=\"x\">a</a>b", u"a b"},
+                 {u"<h1>a</h1>b<hr>c", u"a\n\nb\n\nc"},
+                 {u"<h0>a</h9>b", u"a\n\nb"},
+                 {u"<ul><li>a<li>b</ul>c", u"a\nb\nc"},
+                 {u"<blockquote>a</blockquote><menu>b</menu>c", u"a\n\nb\n\nc"},
+                 {u"a &amp; b&nbsp;&eacute;&#65;x", u"a & b \u00E9Ax"},
+                 {u"<script>a</script><style>b</style>c", u"c"},
+                 {u"a<!-- b -->c<![CDATA[d]]>e", u"ace"},
+                 {u"<title>t</title><p>a", u"t\n\na"}});
 }
 
 TEST(PlainText, LaysOutTables) {
-    expectTexts({
-        {u"<td>a</td><td>b</td>", u"a b "},
-        {u"<td>a </td>b", u"a b"},
-        {u"<table><tr><td>a<td>b<tr><td>c</table>d", u"a b\nc\n\nd"},
-        {u"a<tr>b", u"a\nb"},
-        {u"a<td><tr>b", u"a \nb"},
-        {u"ab<table>c", u"ab\n\nc"},
-        {u"ab<br><table>c", u"ab\n\nc"},
-        {u"ab<p><table>c", u"ab\n\nc"},
-    });
+    expectTexts({{u"<td>a</td><td>b</td>", u"a b "},
+                 {u"<td>a </td>b", u"a b"},
+                 {u"<table><tr><td>a<td>b<tr><td>c</table>d", u"a b\nc\n\nd"},
+                 {u"a<tr>b", u"a\nb"},
+                 {u"a<td><tr>b", u"a \nb"},
+                 {u"ab<table>c", u"ab\n\nc"},
+                 {u"ab<br><table>c", u"ab\n\nc"},
+                 {u"ab<p><table>c", u"ab\n\nc"}});
 }
 
 TEST(PlainText, KeepsOrFlattensPreformattedText) {
-    expectTexts({
-        {u"a<pre>b\n c</pre>d", u"a\n\nb cd"},
-        {u"a<pre> b\n\nc\nd\n-e\r\nf</pre>g", u"a\n\n b\n\nc d\n-e f g", {.reformat = true}},
-        {u"<pre>a\n</pre>b", u"ab", {.reformat = true}},
-        {u"a<code>b  c</code>d", u"a b c d"},
-        {u"a<plaintext>b<br>c", u"a\n\nb\nc"},
-        {u"<plaintext>b", u"\n\nb"},
-    });
+    expectTexts({{u"a<pre>b\n c</pre>d", u"a\n\nb cd"},
+                 {u"a<pre> b\n\nc\nd\n-e\r\nf</pre>g", u"a\n\n b\n\nc d\n-e f g", {.reformat = true}},
+                 {u"<pre>a\n</pre>b", u"ab", {.reformat = true}},
+                 {u"a<code>b  c</code>d", u"a b c d"},
+                 {u"a<plaintext>b<br>c", u"a\n\nb\nc"},
+                 {u"<plaintext>b", u"\n\nb"}});
     EXPECT_EQ(stringByConvertingHtml2ReformattedPlainText(u"<pre>a\nb"), u"a b");
 }
 
 TEST(PlainText, LeavesHiddenElementsOut) {
-    expectTexts({
-        {u"<div style=\"display:none\">x</div>y", u"y"},
-        {u"<div style=\"display:none\"><div>x</div>y</div>z", u"x\n\ny\n\nz"},
-        {u"<div class=HIDDEN>x</div>y", u"y"},
-        {u"<span style='visibility: hidden'>x</span>y", u"y"},
-        {u"<span style='hidden visibility'>x</span>y", u"xy"},
-        {u"<div style='position:Absolute;left:-2000px'>x</div>y", u"y"},
-        {u"<div style='position:absolute;left:-20px'>x</div>y", u"x\n\ny"},
-        {u"<div style='width:3px'>x</div>y", u"y"},
-        {u"<div style='width:4px;height:-1px'>x</div>y", u"y"},
-        {u"<div style='width:4px;height:9px'>x</div>y", u"x\n\ny"},
-        {u"<select><option>x<option>y</select>z", u"z"},
-        {u"<textarea>a</textarea>b", u"b"},
-        {u"<textarea>a<div>b</div>", u"b\n\n"},
-        {u"<marquee>a</marquee>b", u"b"},
-        {u"<iframe>a</iframe><noframes>b</noframes><noscript>c</noscript>d", u"d"},
-        {u"<body bgcolor=\"#FFF\"><font color=\"#fff\">x</font>y", u"xy"},
-        {u"<body bgcolor=\"#FFF\"><font color=\"#fff\">x</font>y", u"y", {.removeJunk = true}},
-        {u"<font style='font-size:4pt'>x</font>y", u"y", {.removeJunk = true}},
-        {u"<font style='font-size:14pt'>x</font>y", u"xy", {.removeJunk = true}},
-        {u"<title>t</title>y", u"y", {.removeJunk = true}},
-    });
+    expectTexts({{u"<div style=\"display:none\">x</div>y", u"y"},
+                 {u"<div style=\"display:none\"><div>x</div>y</div>z", u"x\n\ny\n\nz"},
+                 {u"<div class=HIDDEN>x</div>y", u"y"},
+                 {u"<span style='visibility: hidden'>x</span>y", u"y"},
+                 {u"<span style='hidden visibility'>x</span>y", u"xy"},
+                 {u"<div style='position:Absolute;left:-2000px'>x</div>y", u"y"},
+                 {u"<div style='position:absolute;left:-20px'>x</div>y", u"x\n\ny"},
+                 {u"<div style='width:3px'>x</div>y", u"y"},
+                 {u"<div style='width:4px;height:-1px'>x</div>y", u"y"},
+                 {u"<div style='width:4px;height:9px'>x</div>y", u"x\n\ny"},
+                 {u"<select><option>x<option>y</select>z", u"z"},
+                 {u"<textarea>a</textarea>b", u"b"},
+                 {u"<textarea>a<div>b</div>", u"b\n\n"},
+                 {u"<marquee>a</marquee>b", u"b"},
+                 {u"<iframe>a</iframe><noframes>b</noframes><noscript>c</noscript>d", u"d"},
+                 {u"<body bgcolor=\"#FFF\"><font color=\"#fff\">x</font>y", u"xy"},
+                 {u"<body bgcolor=\"#FFF\"><font color=\"#fff\">x</font>y", u"y", {.removeJunk = true}},
+                 {u"<font style='font-size:4pt'>x</font>y", u"y", {.removeJunk = true}},
+                 {u"<font style='font-size:14pt'>x</font>y", u"xy", {.removeJunk = true}},
+                 {u"<title>t</title>y", u"y", {.removeJunk = true}}});
 }
 
 TEST(PlainText, TakesImageTextsAndInputs) {
-    expectTexts({
-        {u"a<img alt=\"b &lt;c\">d", u"a b <c d"},
-        {u"a<img title=b>d", u"a b d"},
-        {u"a<img src=x.png>d", u"a d"},
-        {u"a<img alt=b>d", u"ad", {.imageAlts = false}},
-        {u"a<input>b", u"a b"},
-        {u"<input>b", u"b"},
-    });
+    expectTexts({{u"a<img alt=\"b &lt;c\">d", u"a b <c d"},
+                 {u"a<img title=b>d", u"a b d"},
+                 {u"a<img src=x.png>d", u"a d"},
+                 {u"a<img alt=b>d", u"ad", {.imageAlts = false}},
+                 {u"a<input>b", u"a b"},
+                 {u"<input>b", u"b"}});
 }
 
 TEST(PlainText, HonoursGoogleComments) {
-    expectTexts({
-        {u"<!-- googleoff: index -->x<!-- googleon: index -->y", u"y", {.googleTags = true}},
-        {u"<!-- googleoff: index -->x<!-- googleon: all -->y", u"y", {.googleTags = true}},
-        {u"<!-- googleoff: snippet -->x", u"x", {.googleTags = true}},
-        {u"<!-- googleoff: index -->x", u"x"},
-        {u"<font class=feed_date>x</font>y", u"y", {.googleTags = true}},
-    });
+    expectTexts({{u"<!-- googleoff: index -->x<!-- googleon: index -->y", u"y", {.googleTags = true}},
+                 {u"<!-- googleoff: index -->x<!-- googleon: all -->y", u"y", {.googleTags = true}},
+                 {u"<!-- googleoff: snippet -->x", u"x", {.googleTags = true}},
+                 {u"<!-- googleoff: index -->x", u"x"},
+                 {u"<font class=feed_date>x</font>y", u"y", {.googleTags = true}}});
 }
 
 TEST(PlainText, TakesOnlyTheBody) {
     const PlainTextOptions onlyBody{.onlyBody = true};
-    expectTexts({
-        {u"<head><title>t</title></head><body>a</body>b", u"a", onlyBody},
-        {u"a<p>b", u"a\n\nb", onlyBody},
-        {u"<noframes>a</noframes>b", u"b", onlyBody},
-        {u"<body>a<body>b</body>c</body>d", u"abc", onlyBody},
-        {u"</body></body>a", u"a"},
-    });
+    expectTexts({{u"<head><title>t</title></head><body>a</body>b", u"a", onlyBody},
+                 {u"a<p>b", u"a\n\nb", onlyBody},
+                 {u"<noframes>a</noframes>b", u"b", onlyBody},
+                 {u"<body>a<body>b</body>c</body>d", u"abc", onlyBody},
+                 {u"</body></body>a", u"a"}});
     EXPECT_EQ(stringByConvertingHtml2SimplifiedPlainText(u"<title>t</title><body>a<p>b &amp;c</body>d"), u" a b &c");
     EXPECT_EQ(stringByConvertingHtml2SimplifiedPlainText(u"a<p> b"), u" a  b");
 }
 
 TEST(PlainText, DecodesAsAsked) {
-    expectTexts({
-        {u"\u00E4&auml;&lt;", u"aa<", {.nonUmlauted = true}},
-        {u"&eacute;&lt;x&#60;", u"&eacute;<x<", {.entities = false}},
-        {u"&eacute;&lt;x", u"&eacute;&lt;x", {.entities = false, .stdEntities = false}},
-        {u"&eacute;&lt;x", u"\u00E9&lt;x", {.stdEntities = false}},
-        {u"&lt", u"&lt"},
-    });
+    expectTexts({{u"\u00E4&auml;&lt;", u"aa<", {.nonUmlauted = true}},
+                 {u"&eacute;&lt;x&#60;", u"&eacute;<x<", {.entities = false}},
+                 {u"&eacute;&lt;x", u"&eacute;&lt;x", {.entities = false, .stdEntities = false}},
+                 {u"&eacute;&lt;x", u"\u00E9&lt;x", {.stdEntities = false}},
+                 {u"&lt", u"&lt"}});
 }
 
 TEST(PlainText, RemovesJunk) {

@@ -6,11 +6,7 @@ namespace velmo {
 namespace {
 
 TEST(TagAttributes, ReadsTags) {
-    const struct {
-        const char16_t* tag;
-        const char* name;
-        const char16_t* value;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char*, const char16_t*> cases[] = {
         {u"<a href=\"x\">", "HREF", u"x"},
         {u"<a HREF = 'x y '>", "HREF", u"x y"},
         {u"<a href=  x>", "HREF", u"x"},
@@ -31,21 +27,17 @@ TEST(TagAttributes, ReadsTags) {
         {u"<a href=\"", "HREF", nullptr},
         {u"<a \u017Frc=\"long s\">", "SRC", u"long s"},
         {u"<a b=x>", "HREF", nullptr},
-        {u"<href>", "HREF", nullptr},
-    };
-    for (const auto& c : cases) {
-        const String value = attributeOfTagCharacters(c.tag, c.name);
-        EXPECT_EQ(value, c.value ? String(c.value) : String()) << utf8(c.tag);
-        const Range range = rangeOfAttributeOfTagCharacters(c.tag, c.name);
-        EXPECT_EQ(String(c.tag).substring(range), value) << utf8(c.tag);
+        {u"<href>", "HREF", nullptr}};
+    for (const auto& [tag, name, expected] : cases) {
+        const String value = attributeOfTagCharacters(tag, name);
+        EXPECT_EQ(value, expected ? String(expected) : String()) << utf8(tag);
+        const Range range = rangeOfAttributeOfTagCharacters(tag, name);
+        EXPECT_EQ(String(tag).substring(range), value) << utf8(tag);
     }
 }
 
 TEST(TagAttributes, ContentToleratesMarkup) {
-    const struct {
-        const char16_t* tag;
-        const char16_t* value;
-    } cases[] = {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"<meta content=\"a <b>c</b> d\">", u"a <b>c</b> d"},
         {u"<meta content=\"a>b\">", u"a"},
         {u"<meta content=\">b\">", u">b"},
@@ -55,7 +47,7 @@ TEST(TagAttributes, ContentToleratesMarkup) {
         {u"<meta content=\"two << \">", u"two <<"},
         {u"<meta content='a", u"a"},
     };
-    for (const auto& c : cases) EXPECT_EQ(contentAttributeOfTagCharacters(c.tag), c.value) << utf8(c.tag);
+    for (const auto& [tag, value] : cases) EXPECT_EQ(contentAttributeOfTagCharacters(tag), value) << utf8(tag);
 }
 
 TEST(TagAttributes, StringRulesDiffer) {
@@ -88,10 +80,7 @@ TEST(TagAttributes, ReadsHeaders) {
 }
 
 TEST(TagAttributes, ReadsSizes) {
-    const struct {
-        const char16_t* tag;
-        std::int64_t width, height;
-    } cases[] = {
+    const std::tuple<const char16_t*, std::int64_t, std::int64_t> cases[] = {
         {u"<img width=3 height=4>", 3, 4},
         {u"<img width=100% heigh=50px>", 100, 50},
         {u"<img style='width:7px;height:-2px'>", 7, -2},
@@ -100,21 +89,17 @@ TEST(TagAttributes, ReadsSizes) {
         {u"<img height=7 a=b>", 0, 0},
         {u"<img width=99999999999999999999 >", INT64_MAX, 0},
         {u"<w width=1", 0, 0},
-        {u"<width=1>", 0, 0},
-    };
-    for (const auto& c : cases) {
-        const TagSize size = getTagWidth(c.tag);
-        EXPECT_EQ(size.width, c.width) << utf8(c.tag);
-        EXPECT_EQ(size.height, c.height) << utf8(c.tag);
-        EXPECT_EQ(static_cast<bool>(size), c.width > 0);
+        {u"<width=1>", 0, 0}};
+    for (const auto& [tag, width, height] : cases) {
+        const TagSize size = getTagWidth(tag);
+        EXPECT_EQ(size.width, width) << utf8(tag);
+        EXPECT_EQ(size.height, height) << utf8(tag);
+        EXPECT_EQ(static_cast<bool>(size), width > 0);
     }
 }
 
 TEST(TagAttributes, ReadsBackgroundImages) {
-    const struct {
-        const char16_t* tag;
-        const char16_t* url;
-    } cases[] = {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u"<p style=\"background: URL('a.png') no-repeat\">", u"a.png"},
         {u"<p style='background-image:url(a b) ; no-repeat'>", u"a b"},
         {u"<p style=\"background:url('') no-repeat\">", nullptr},
@@ -122,10 +107,9 @@ TEST(TagAttributes, ReadsBackgroundImages) {
         {u"<p style=\"background:url('a) no-repeat\">", u"'a"},
         {u"<p style=\"background:url(a)\">", nullptr},
         {u"<p style=\"color:url(a) no-repeat\">", nullptr},
-        {u"</p style=\"background:url(a) no-repeat\">", nullptr},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(backgroundStyleURLOfTagCharacters(c.tag), c.url ? String(c.url) : String()) << utf8(c.tag);
+        {u"</p style=\"background:url(a) no-repeat\">", nullptr}};
+    for (const auto& [tag, url] : cases)
+        EXPECT_EQ(backgroundStyleURLOfTagCharacters(tag), url ? String(url) : String()) << utf8(tag);
 }
 
 }  // namespace

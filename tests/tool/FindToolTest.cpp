@@ -15,13 +15,9 @@ TEST_F(FindTool, TellsWhereHitsStand) {
 
     const std::vector<Json> hits = run("find -e 'data base' -e '*base' --json " + file).lines();
     ASSERT_EQ(hits.size(), 2u);
-    EXPECT_EQ(hits[0], Json({{"file", file},
-                             {"range", {14, 8}},
-                             {"bytes", {17, 8}},
-                             {"line", 2},
-                             {"column", 4},
-                             {"text", "database"},
-                             {"lineText", "\xF0\x9F\x98\x80 database"}}));
+    EXPECT_EQ(hits[0], Json::parse(R"({"range": [14, 8], "bytes": [17, 8], "line": 2, "column": 4, "text": "database",
+        "lineText": "\ud83d\ude00 database", "file": ")" +
+                                   file + "\"}"));
     EXPECT_EQ(hits[1]["bytes"], Json({27, 9}));
     EXPECT_EQ(hits[1]["line"], 4);
     EXPECT_EQ(run("find --previous --max-count 1 'd*' --json " + file).lines().at(0)["range"], Json({24, 4}));
@@ -29,10 +25,7 @@ TEST_F(FindTool, TellsWhereHitsStand) {
 
 TEST_F(FindTool, ComparesAsAsked) {
     const std::string file = write("a.txt", "\xC3\x84ra aera ARA aro\n");
-    const struct {
-        const char* options;
-        std::size_t hits;
-    } cases[] = {
+    const std::pair<const char*, std::size_t> cases[] = {
         {"ara", 1},
         {"--comparison=exact ara", 0},
         {"--comparison=diacritics Ara", 1},
@@ -41,10 +34,10 @@ TEST_F(FindTool, ComparesAsAsked) {
         {"--fuzzy=0.6 ara", 2},
         {"--max-count 0 ara", 0},
     };
-    for (const auto& c : cases) {
-        const Outcome found = run(std::string("find --json ") + c.options + " " + file);
-        EXPECT_EQ(found.lines().size(), c.hits) << c.options << found.err;
-        EXPECT_EQ(found.code, c.hits ? 0 : 1) << c.options;
+    for (const auto& [options, hits] : cases) {
+        const Outcome found = run(std::string("find --json ") + options + " " + file);
+        EXPECT_EQ(found.lines().size(), hits) << options << found.err;
+        EXPECT_EQ(found.code, hits ? 0 : 1) << options;
     }
     for (const char* wrong : {"", "--comparison=other a", "--fuzzy=2 a", "--jobs=0 a", "--color=red a"})
         EXPECT_EQ(run(std::string("find ") + wrong).code, 2) << wrong;

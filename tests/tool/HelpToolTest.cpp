@@ -137,9 +137,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
 }
 
 TEST_F(HelpTool, UnderstandsSlips) {
-    const struct {
-        const char *arguments, *complaint;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"exerpts cat", "unknown command exerpts; did you mean excerpts?"},
         {"help gahter", "unknown command gahter; did you mean gather?"},
         {"url simplfy x", "url: unknown command simplfy; did you mean simplify?"},
@@ -157,12 +155,11 @@ TEST_F(HelpTool, UnderstandsSlips) {
         {"words --page --text", "words: --page does not go with --text"},
         {"digest notes.txt", "digest: one of --md5, --sha1 and --crc is missing"},
         {"", "a command is missing"},
-        {"url", "url: an action is missing"},
-    };
-    for (const auto& c : cases) {
-        const Outcome outcome = run(c.arguments);
-        EXPECT_EQ(outcome.code, 2) << c.arguments;
-        EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')), "velmo: "s + c.complaint);
+        {"url", "url: an action is missing"}};
+    for (const auto& [arguments, complaint] : cases) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.code, 2) << arguments;
+        EXPECT_EQ(outcome.err.substr(0, outcome.err.find('\n')), "velmo: "s + complaint);
         EXPECT_NE(outcome.err.find("\nvelmo: see velmo help"), std::string::npos);
     }
     EXPECT_TRUE(std::regex_match(run("-V").out, std::regex("velmo [0-9.]+\n")));

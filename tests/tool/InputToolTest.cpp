@@ -20,11 +20,7 @@ protected:
 
 TEST_F(InputTool, TellsByTheContentWhatAFileIs) {
     const std::string wide = "\xFF\xFEh\0i\0 \0\xE9\0"s, caf = "caf\xC3\xA9";
-    const struct {
-        const char* name;
-        std::string bytes;
-        const char *options, *text;
-    } cases[] = {
+    const std::tuple<const char*, std::string, const char*, const char*> cases[] = {
         {"page.html.de", "<!DOCTYPE html><p>a &amp; b", "", "a & b"},
         {"notes.txt", "\n <html><p>a &amp; b", "", "a & b"},
         {"x", "<b>a &amp; b</b>", "", "a & b"},
@@ -43,11 +39,10 @@ TEST_F(InputTool, TellsByTheContentWhatAFileIs) {
         {"koi.txt", "\xC1\xC2", "--charset koi8-r", "\xD0\xB0\xD0\xB1"},
         {"koi.html", "<meta charset=utf-8><p>\xC1\xC2", "--charset KOI8-R", "\xD0\xB0\xD0\xB1"},
         {"forced.bin", "a\0b"s, "--text", "a\0b"},
-        {"half.txt", "caf\xC3", "", "caf\xC3\x83"},
-    };
-    for (const auto& c : cases) {
-        const std::string expected = c.name == "forced.bin"s ? "a\0b"s : c.text;
-        EXPECT_EQ(textOf(c.name, c.bytes, c.options), expected) << c.name;
+        {"half.txt", "caf\xC3", "", "caf\xC3\x83"}};
+    for (const auto& [name, bytes, options, text] : cases) {
+        const std::string expected = name == "forced.bin"s ? "a\0b"s : text;
+        EXPECT_EQ(textOf(name, bytes, options), expected) << name;
     }
     EXPECT_EQ(run("clean --json", "<b>a &amp; b</b>").lines().at(0)["text"], "a & b");
     for (const std::string& binary : {"GIF89a\x01"s, "a\0b\x01\x02"s, "%PDF-1.4 text"s}) {

@@ -18,15 +18,12 @@ TEST_F(Tool, TellsTheFormsOfAQuery) {
     EXPECT_EQ(nothing["valid"], false);
     EXPECT_EQ(nothing["wildcards"], nullptr);
     EXPECT_EQ(nothing["minTermLen"], 0);
-    const struct {
-        const char *arguments, *tree;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"--plain '~a [b c]*'", "AND group of 2 (AND)\n  AND ~a\n  AND *\n"},
         {"'~a [b c]*'", "AND group of 2 (AND)\n  AND ~*a*\n  AND [b c]*\n"},
         {"--default-operator=near --default-distance=4 'a b'", "NEAR/4 group of 2 (NEAR)\n  NEAR/4 a\n  NEAR/4 b\n"},
-        {"--without-site 'site:c a'", "AND group of 1 (NONE)\n  AND a\n"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(run(std::string("query --tree ") + c.arguments).out, c.tree);
+        {"--without-site 'site:c a'", "AND group of 1 (NONE)\n  AND a\n"}};
+    for (const auto& [arguments, tree] : cases) EXPECT_EQ(run(std::string("query --tree ") + arguments).out, tree);
     const Json unbounded = run("query --json 'a BEFORE b AFTER \"AFTER/-1\" NEXT c'").lines().at(0);
     EXPECT_EQ(unbounded["normalized"], "a BEFORE b AFTER \"after/-1\" BEFORE/1 c");
     EXPECT_EQ(unbounded["description"], "a BEFORE b AFTER \"AFTER/-1\" NEXT c");
@@ -38,10 +35,7 @@ TEST_F(Tool, TellsTheFormsOfAQuery) {
 TEST_F(Tool, MatchesManyFiles) {
     const std::string notes = write("notes.txt", "The database of Z\xC3\xBCrich");
     const std::string other = write("other.txt", "nothing");
-    const struct {
-        std::string arguments;
-        bool holds;
-    } cases[] = {
+    const std::pair<std::string, bool> cases[] = {
         {"database", true},
         {"--plain 'data*'", false},
         {"'data* NEAR/2 z*'", true},
@@ -52,10 +46,10 @@ TEST_F(Tool, MatchesManyFiles) {
         {"--comparison=case+fuzzy databasis", true},
         {"--contains 'zz data?ase'", true},
     };
-    for (const auto& c : cases) {
-        const Outcome outcome = run("match " + c.arguments + " " + notes + " " + other);
-        EXPECT_EQ(outcome.code, c.holds ? 0 : 1) << c.arguments;
-        EXPECT_EQ(outcome.out, c.holds ? notes + "\n" : "") << c.arguments;
+    for (const auto& [arguments, holds] : cases) {
+        const Outcome outcome = run("match " + arguments + " " + notes + " " + other);
+        EXPECT_EQ(outcome.code, holds ? 0 : 1) << arguments;
+        EXPECT_EQ(outcome.out, holds ? notes + "\n" : "") << arguments;
     }
     // A folder in a fixed order, whatever the number of threads.
     const std::string all = run("match -r --jobs=1 -- '-zyzzyva' " VELMO_PAGES).out;
@@ -96,24 +90,19 @@ TEST_F(Tool, ShowsExcerptsAsDescribed) {
 TEST_F(Tool, ShowsWhatMakesAQueryHold) {
     const std::string text =
         "A cat is far away. Version 2.4 of example.org has a cat NEAR its mat. Nothing here. The dog has a mat too.";
-    const struct {
-        const char* arguments;
-        bool matches;
-        Json summary, hits;
-    } cases[] = {
+    const std::tuple<const char*, bool, Json, Json> cases[] = {
         {"'cat NEAR/4 mat'", true, "Version 2.4 of example.org has a cat NEAR its mat", {{33, 3}, {46, 3}}},
         {"'far OR dog'", true, "A cat is far away ... The dog has a mat too", {{9, 3}, {26, 3}}},
         {"'cat -dog'", false, nullptr, Json::array()},
         {"--any-word 'far -dog'", false, "A cat is far away", {{9, 3}}},
         {"--beginning --length=9 'bird'", false, "A cat is...", Json::array()},
         {"--plain 'd* OR far'", true, "A cat is far away", {{9, 3}}},
-        {"--length=25 'mat NEAR/4 cat'", true, " of example.org has a cat...", Json::array({{22, 3}})},
-    };
-    for (const auto& c : cases) {
-        const Json object = run(std::string("excerpts --json ") + c.arguments, text).lines().at(0);
-        EXPECT_EQ(object["matches"], c.matches) << c.arguments;
-        EXPECT_EQ(object["summary"], c.summary) << c.arguments;
-        EXPECT_EQ(object["hits"], c.hits) << c.arguments;
+        {"--length=25 'mat NEAR/4 cat'", true, " of example.org has a cat...", Json::array({{22, 3}})}};
+    for (const auto& [arguments, matches, summary, hits] : cases) {
+        const Json object = run(std::string("excerpts --json ") + arguments, text).lines().at(0);
+        EXPECT_EQ(object["matches"], matches) << arguments;
+        EXPECT_EQ(object["summary"], summary) << arguments;
+        EXPECT_EQ(object["hits"], hits) << arguments;
     }
     EXPECT_EQ(
         run("excerpts --color=always 'far OR dog'", text).out,

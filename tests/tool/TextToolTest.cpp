@@ -29,9 +29,7 @@ TEST_F(Tool, TellsLanguages) {
 }
 
 TEST_F(Tool, CleansInTheOrderOfTheFlags) {
-    const struct {
-        const char *flags, *text, *expected;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"--trim", " \n a  b \t", "a  b"},
         {"--collapse", " a \n\t b ", " a b "},
         {"--trim --collapse", " a \n b ", "a b"},
@@ -46,11 +44,9 @@ TEST_F(Tool, CleansInTheOrderOfTheFlags) {
         {"--feeds --tabs 2 --tabs 8", "a\tb", "a b"},
         {"--unwrap --feeds", "one\n\ntwo", "one\ntwo"},
         {"--feeds --unwrap", "one\n\ntwo", "one two"},
-        {"", " a ", " a "},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(run(std::string("clean --json ") + c.flags + " -", c.text).lines().at(0)["text"], c.expected)
-            << c.flags;
+        {"", " a ", " a "}};
+    for (const auto& [flags, text, expected] : cases)
+        EXPECT_EQ(run(std::string("clean --json ") + flags + " -", text).lines().at(0)["text"], expected) << flags;
     for (const char* wrong : {"clean --normalize=x -", "clean --tabs=0 -", "clean --tabs=x -"})
         EXPECT_EQ(run(wrong).code, 2) << wrong;
 }

@@ -7,19 +7,9 @@ namespace {
 TEST_F(Tool, UrlClassifiesByTheirLooks) {
     const Outcome outcome = run("url classify --json http://www.google.com/search?q=1 '/ads/x.GIF?a'");
     ASSERT_EQ(outcome.lines().size(), 2u) << outcome.err;
-    const Json expected = {{"url", "http://www.google.com/search?q=1"},
-                           {"advertisement", false},
-                           {"imageAd", false},
-                           {"adSense", false},
-                           {"bookmarklet", false},
-                           {"recaptcha", false},
-                           {"translation", false},
-                           {"topic", false},
-                           {"forum", false},
-                           {"cached", false},
-                           {"searchEngine", true},
-                           {"scheme", "http"},
-                           {"extension", nullptr}};
+    const Json expected = Json::parse(R"({"url": "http://www.google.com/search?q=1", "advertisement": false,
+        "imageAd": false, "adSense": false, "bookmarklet": false, "recaptcha": false, "translation": false,
+        "topic": false, "forum": false, "cached": false, "searchEngine": true, "scheme": "http", "extension": null})");
     EXPECT_EQ(outcome.lines()[0], expected);
     EXPECT_EQ(outcome.lines()[1]["advertisement"], true);
     EXPECT_EQ(outcome.lines()[1]["extension"], "GIF");

@@ -14,48 +14,34 @@ TEST_F(Tool, UrlResolvesAndSimplifies) {
     EXPECT_EQ(run("url resolve nonsense a").err, "velmo: nonsense: not a URL\n");
     const std::string url = "'https://www.h.org//a/index.php?sid=b&utm_term=c&d=#e'";
     EXPECT_EQ(run("url simplify --json " + url).lines().at(0)["simplified"], "http://h.org/a");
-    const struct {
-        const char *only, *expected;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"session-ids", "https://www.h.org//a/index.php?utm_term=c&d=#e\n"},
         {"analytics", "https://www.h.org//a/index.php?sid=b&d=#e\n"},
         {"index-pages", "https://www.h.org//a/index.php?sid=b&utm_term=c&d=#e\n"},
         {"empty-params", "https://www.h.org//a/index.php?sid=b&utm_term=c&d=#e\n"},
         {"anchors", "https://www.h.org//a/index.php?sid=b&utm_term=c&d=\n"},
-        {"standardize", "https://www.h.org/a/index.php?sid=b&utm_term=c&d=#e\n"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(run(std::string("url simplify --only=") + c.only + " " + url).out, c.expected);
+        {"standardize", "https://www.h.org/a/index.php?sid=b&utm_term=c&d=#e\n"}};
+    for (const auto& [only, expected] : cases)
+        EXPECT_EQ(run(std::string("url simplify --only=") + only + " " + url).out, expected);
     EXPECT_EQ(run("url simplify --only=nothing " + url).code, 2);
 }
 
 TEST_F(Tool, UrlTellsPartsPathsAndParams) {
     const Json parts = run("url parse --json 'http://me:pw@H.org:8/a%20b/c.d;v?q=1#x'").lines().at(0);
-    const Json some = {{"scheme", "http"},
-                       {"user", "me"},
-                       {"host", "H.org"},
-                       {"port", 8},
-                       {"path", "/a b/c.d"},
-                       {"parameterString", "v"},
-                       {"query", "q=1"},
-                       {"fragment", "x"},
-                       {"pathExtension", "d"},
-                       {"baseDirectory", "/a%20b"},
-                       {"invertedHostComponents", {"org", "h"}}};
+    const Json some = Json::parse(R"({"scheme": "http", "user": "me", "host": "H.org", "port": 8, "path": "/a b/c.d",
+        "parameterString": "v", "query": "q=1", "fragment": "x", "pathExtension": "d", "baseDirectory": "/a%20b",
+        "invertedHostComponents": ["org", "h"]})");
     for (const auto& [name, value] : some.items()) EXPECT_EQ(parts[name], value) << name;
     EXPECT_TRUE(run("url parse --json a").lines().at(0)["host"].is_null());
     EXPECT_EQ(run("url parse 'a b'").code, 2);
-    const struct {
-        const char *options, *path;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"--directory=m 'http://www.h.org/A/?sid=x'", "m/org/h/www/a/index.html\n"},
         {"--keep-sessions --case-sensitive 'http://h.org/A?sid=x'", "org/h/A?sid=x\n"},
         {"--max-host=1 --max-path=2 --extension=txt http://www.h.org/a/b.c", "org.h.www/a-b.c.txt\n"},
         {"--direct --directory=m http://h.org/a/", "m/h.org/a/index.html\n"},
         {"--direct --no-default --directory=m http://h.org/a/", "m/h.org/a\n"},
-        {"--simplified --directory=m http://h.org/a/b?c", "m/h.org/a-b-c\n"},
-    };
-    for (const auto& c : cases) EXPECT_EQ(run(std::string("url path ") + c.options).out, c.path);
+        {"--simplified --directory=m http://h.org/a/b?c", "m/h.org/a-b-c\n"}};
+    for (const auto& [options, path] : cases) EXPECT_EQ(run(std::string("url path ") + options).out, path);
     EXPECT_EQ(run("url path --json http://h/").out, "{\"url\":\"http://h/\",\"path\":\"h/index.html\"}\n");
     EXPECT_EQ(run("url params --json 'http://h/?b=1&a=&c=%41'").out,
               "{\"url\":\"http://h/?b=1&a=&c=%41\",\"params\":{\"b\":\"1\",\"c\":\"%41\"},\"count\":3}\n");
@@ -85,13 +71,10 @@ TEST_F(Tool, GathersTheLinksToFollow) {
     EXPECT_FALSE(few.contains("follow"));
     EXPECT_EQ(gathered("--all")["distinct"], 6);
     const std::string a = "http://h.org/d/a.html", c = "http://h.org/b/c.html", i = "http://i.org/";
-    const struct {
-        const char* mode;
-        Json urls;
-    } cases[] = {{"none", Json::array()},       {"host", {c, a}},   {"folder", Json::array({a})},
-                 {"folders", Json::array({a})}, {"ALL", {c, a, i}}, {"5", {c, a, i}}};
-    for (const auto& each : cases)
-        EXPECT_EQ(gathered(std::string("--follow ") + each.mode)["follow"], each.urls) << each.mode;
+    const std::pair<const char*, Json> cases[] = {{"none", Json::array()},      {"host", {c, a}},
+                                                  {"folder", Json::array({a})}, {"folders", Json::array({a})},
+                                                  {"ALL", {c, a, i}},           {"5", {c, a, i}}};
+    for (const auto& [mode, urls] : cases) EXPECT_EQ(gathered(std::string("--follow ") + mode)["follow"], urls) << mode;
     EXPECT_NE(run("gather --base http://h.org/d/ --follow host " + page).out.find("\n  -> " + a + "\n"),
               std::string::npos);
 }

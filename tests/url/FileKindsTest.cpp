@@ -1,8 +1,6 @@
 #include <velmocore/url/FileKinds.h>
 
-#include <algorithm>
 #include <set>
-#include <vector>
 
 #include "TestSupport.h"
 
@@ -13,11 +11,10 @@ TEST(FileKinds, ListsAndTestsAgree) {
     const struct {
         const std::vector<String>& list;
         bool (*isOf)(std::u16string_view);
-    } cases[] = {
-        {imageTypes(), isImageType},           {markupTypes(), isMarkupType},         {richTextTypes(), isRichTextType},
-        {executableTypes(), isExecutableType}, {multimediaTypes(), isMultimediaType}, {archiveTypes(), isArchiveType},
-        {officeTypes(), isOfficeType},         {binaryFileTypes(), isBinaryFileType},
-    };
+    } cases[] = {{imageTypes(), isImageType},           {markupTypes(), isMarkupType},
+                 {richTextTypes(), isRichTextType},     {executableTypes(), isExecutableType},
+                 {multimediaTypes(), isMultimediaType}, {archiveTypes(), isArchiveType},
+                 {officeTypes(), isOfficeType},         {binaryFileTypes(), isBinaryFileType}};
     for (const auto& c : cases) {
         EXPECT_FALSE(c.list.empty());
         for (const String& extension : c.list) EXPECT_TRUE(c.isOf(extension)) << extension;
@@ -34,19 +31,15 @@ TEST(FileKinds, ListsAndTestsAgree) {
 }
 
 TEST(FileKinds, MultimediaByHowItPlays) {
-    const struct {
-        const char16_t* extension;
-        bool audio, video, embedded;
-    } cases[] = {
+    const std::tuple<const char16_t*, bool, bool, bool> cases[] = {
         {u"MP3", true, false, false},     {u"swf", false, false, true},  {u"mpe", false, true, false},
         {u"movie", false, true, false},   {u"midi", true, false, false}, {u"dv", false, false, false},
-        {u"movies", false, false, false}, {u"x", false, false, false},   {nullptr, false, false, false},
-    };
-    for (const auto& c : cases) {
-        const String extension(c.extension);
-        EXPECT_EQ(isMultimediaType(extension, {.audio = true}), c.audio) << extension;
-        EXPECT_EQ(isMultimediaType(extension, {.video = true}), c.video) << extension;
-        EXPECT_EQ(isMultimediaType(extension, {.embedded = true}), c.embedded) << extension;
+        {u"movies", false, false, false}, {u"x", false, false, false},   {nullptr, false, false, false}};
+    for (const auto& [given, audio, video, embedded] : cases) {
+        const String extension(given);
+        EXPECT_EQ(isMultimediaType(extension, {.audio = true}), audio) << extension;
+        EXPECT_EQ(isMultimediaType(extension, {.video = true}), video) << extension;
+        EXPECT_EQ(isMultimediaType(extension, {.embedded = true}), embedded) << extension;
         EXPECT_FALSE(isMultimediaType(extension, MultimediaKinds{}));
     }
 }

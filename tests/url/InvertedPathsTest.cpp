@@ -11,11 +11,7 @@ namespace {
 URL url(const std::u16string& string) { return URL::URLWithString(string); }
 
 TEST(InvertedPaths, MapsURLs) {
-    const struct {
-        const char16_t* url;
-        InvertedPathOptions options;
-        const char16_t* path;
-    } cases[] = {
+    const std::tuple<const char16_t*, InvertedPathOptions, const char16_t*> cases[] = {
         {u"http://www.H.org", {}, u"/m/org/h/www/index.html"},
         {u"http://h.org/A/b.html", {}, u"/m/org/h/a/b.html"},
         {u"http://h.org/A/b.html", {.letterCase = Case::Sensitive}, u"/m/org/h/A/b.html"},
@@ -35,27 +31,23 @@ TEST(InvertedPaths, MapsURLs) {
         {u"http://a.b/c/d/e.f", {.maxPathComponents = 5}, u"/m/b/a/c/d/e.f"},
         {u"http://a.b/c.d", {.pathExtension = u"txt"}, u"/m/b/a/c.d.txt"},
         {u"file:///A%20b/../C", {}, u"/m/c"},
-        {u"http://../a.b", {}, u"/m/a.b"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(invertedPathRelativeToDirectory(url(c.url), u"/m", c.options), c.path) << String(c.url);
+        {u"http://../a.b", {}, u"/m/a.b"}};
+    for (const auto& [string, options, path] : cases)
+        EXPECT_EQ(invertedPathRelativeToDirectory(url(string), u"/m", options), path) << String(string);
     EXPECT_EQ(invertedPathRelativeToDirectory(url(u"http://a.b/c.d"), String()), u"b/a/c.d");
     EXPECT_TRUE(invertedPathRelativeToDirectory(URL(), u"/m").isAbsent());
 }
 
 TEST(InvertedPaths, CutsLongComponents) {
-    const struct {
-        const char16_t* extension;
-        std::size_t length;
-        std::size_t kept;  ///< 0: not cut
-    } cases[] = {{u"", 250, 0}, {u"", 251, 242}, {u"txt", 246, 0}, {u"txt", 247, 238}};
-    for (const auto& c : cases) {
-        const std::u16string name = std::u16string(c.length - 2, u'n') + u".x";
+    const std::tuple<const char16_t*, std::size_t, std::size_t> cases[] = {
+        {u"", 250, 0}, {u"", 251, 242}, {u"txt", 246, 0}, {u"txt", 247, 238}};
+    for (const auto& [given, length, kept] : cases) {
+        const std::u16string name = std::u16string(length - 2, u'n') + u".x";
         const String path =
-            invertedPathRelativeToDirectory(url(u"http://h/" + name), String(), {.pathExtension = c.extension});
-        const std::string extension = *c.extension ? "." + String(c.extension).utf8() : "";
-        const std::string cut = fmt::format("{}{:08x}", std::string(c.kept, 'n'), crc32(name));
-        EXPECT_EQ(path.utf8(), "h/" + (c.kept ? cut : String(name).utf8()) + extension) << c.length;
+            invertedPathRelativeToDirectory(url(u"http://h/" + name), String(), {.pathExtension = given});
+        const std::string extension = *given ? "." + String(given).utf8() : "";
+        const std::string cut = fmt::format("{}{:08x}", std::string(kept, 'n'), crc32(name));
+        EXPECT_EQ(path.utf8(), "h/" + (kept ? cut : String(name).utf8()) + extension) << length;
     }
     // More components than there may be make one that is cut.
     std::u16string deep = u"http://h";
@@ -68,9 +60,7 @@ TEST(InvertedPaths, CutsLongComponents) {
 }
 
 TEST(InvertedPaths, MapsURLsDirectly) {
-    const struct {
-        const char16_t *url, *path, *withoutDefault, *simplified;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"http://h.Org", u"/m/h.Org/index.html", u"/m/h.Org/index.html", u"/m/h.Org/index.html"},
         {u"http://h/", u"/m/h/index.html", u"/m/h", u"/m/h/index.html"},
         {u"http://h/a/B", u"/m/h/a/B/index.html", u"/m/h/a/B", u"/m/h/a-B"},
@@ -79,13 +69,12 @@ TEST(InvertedPaths, MapsURLsDirectly) {
         {u"http://h/a/../..", u"/m/h/index.html", u"/m/h", u"/m/h/a"},
         {u"http://../a.b", u"/m/-/a.b", u"/m/-/a.b", u"/m/-/a.b"},
         {u"x:/h/a.b", u"/m/-/h/a.b", u"/m/-/h/a.b", u"/m/-/h-a.b"},
-        {u"file:///a/./b%20c", u"/m/a/b c", u"/m/a/b c", u"/m/a/b c"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(pathRelativeToDirectory(url(c.url), u"/m"), c.path) << String(c.url);
-        EXPECT_EQ(pathRelativeToDirectory(url(c.url), u"/m", {.defaultPathComponent = false}), c.withoutDefault)
-            << String(c.url);
-        EXPECT_EQ(pathRelativeToDirectory(url(c.url), u"/m", {.simplified = true}), c.simplified) << String(c.url);
+        {u"file:///a/./b%20c", u"/m/a/b c", u"/m/a/b c", u"/m/a/b c"}};
+    for (const auto& [string, path, withoutDefault, simplified] : cases) {
+        EXPECT_EQ(pathRelativeToDirectory(url(string), u"/m"), path) << String(string);
+        EXPECT_EQ(pathRelativeToDirectory(url(string), u"/m", {.defaultPathComponent = false}), withoutDefault)
+            << String(string);
+        EXPECT_EQ(pathRelativeToDirectory(url(string), u"/m", {.simplified = true}), simplified) << String(string);
     }
     EXPECT_TRUE(pathRelativeToDirectory(URL(), u"/m").isAbsent());
 }

@@ -1,7 +1,5 @@
 #include <velmocore/url/LinkAcceptance.h>
 
-#include <string>
-
 #include "TestSupport.h"
 
 namespace velmo {
@@ -14,9 +12,7 @@ constexpr const char16_t *Bing = u"http://www.bing.com/search", *Ask = u"http://
                          *Lexis = u"http://www.lexisweb.com/x", *Plain = u"http://h.org/a/b";
 
 TEST(LinkAcceptance, FollowsTheRulesOfEachEngine) {
-    const struct {
-        const char16_t *base, *link, *resolved, *accepted;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*, const char16_t*> cases[] = {
         // any host: nothing is unwrapped
         {Plain, u"http://x.org/y", u"http://x.org/y", u"http://x.org/y"},
         {Plain, u"c?u=http://x.org", u"http://h.org/a/c?u=http://x.org", nullptr},
@@ -106,12 +102,11 @@ TEST(LinkAcceptance, FollowsTheRulesOfEachEngine) {
         {nullptr, u"http://x.org", nullptr, u"http://x.org"},
         {nullptr, u"x", nullptr, nullptr},
         {Plain, u"", nullptr, nullptr},
-        {Plain, nullptr, nullptr, nullptr},
-    };
-    for (const auto& c : cases) {
-        const URL base = URL::URLWithString(c.base);
-        EXPECT_EQ(resolveStringURL(c.link, base).absoluteString(), String(c.resolved)) << String(c.link);
-        EXPECT_EQ(acceptStringURL(c.link, base).absoluteString(), String(c.accepted)) << String(c.link);
+        {Plain, nullptr, nullptr, nullptr}};
+    for (const auto& [page, link, resolved, accepted] : cases) {
+        const URL base = URL::URLWithString(page);
+        EXPECT_EQ(resolveStringURL(link, base).absoluteString(), String(resolved)) << String(link);
+        EXPECT_EQ(acceptStringURL(link, base).absoluteString(), String(accepted)) << String(link);
     }
 }
 

@@ -9,10 +9,7 @@ namespace {
 
 TEST(LinkFollowing, GoesAsFarAsTheModeSays) {
     const URL base = URL::URLWithString(u"http://h.org/a/b/c.html");
-    const struct {
-        const char16_t* link;
-        bool host, folder, folders;
-    } cases[] = {
+    const std::tuple<const char16_t*, bool, bool, bool> cases[] = {
         {u"http://H.org/a/b/d.html", true, true, true},
         {u"http://h.org/a/b", true, true, true},
         {u"http://h.org/a/x/../b/", true, true, true},
@@ -20,13 +17,12 @@ TEST(LinkFollowing, GoesAsFarAsTheModeSays) {
         {u"http://h.org/A/b/c", true, false, false},
         {u"http://h.org/a/", true, false, false},
         {u"http://i.org/a/b/c.html", false, false, false},
-        {u"file:///a/b/c.html", false, false, false},
-    };
-    for (const auto& c : cases) {
-        const URL link = URL::URLWithString(c.link);
-        EXPECT_EQ(shouldFollowLink(link, FollowSameHost, 1, base), c.host) << link;
-        EXPECT_EQ(shouldFollowLink(link, FollowSameFolder, 1, base), c.folder) << link;
-        EXPECT_EQ(shouldFollowLink(link, FollowSameFolders, 1, base), c.folders) << link;
+        {u"file:///a/b/c.html", false, false, false}};
+    for (const auto& [given, host, folder, folders] : cases) {
+        const URL link = URL::URLWithString(given);
+        EXPECT_EQ(shouldFollowLink(link, FollowSameHost, 1, base), host) << link;
+        EXPECT_EQ(shouldFollowLink(link, FollowSameFolder, 1, base), folder) << link;
+        EXPECT_EQ(shouldFollowLink(link, FollowSameFolders, 1, base), folders) << link;
         EXPECT_TRUE(shouldFollowLink(link, FollowEverything, 99, base));
         EXPECT_FALSE(shouldFollowLink(link, FollowNothing, 0, base));
         EXPECT_FALSE(shouldFollowLink(link, FollowSameHost, 0, URL()));

@@ -1,8 +1,6 @@
 #include <velmocore/url/MIMETypes.h>
 
 #include <set>
-#include <string>
-#include <vector>
 
 #include "TestSupport.h"
 #include "url/MIMEDatabase.h"
@@ -34,8 +32,7 @@ TEST(MIMETypes, KindsOfTypes) {
         {isMSOfficeMIMEType, {u"x/dot", u"x/ppt", u"x/xls"}, {u"x/pdf"}},
         {isOpenOfficeMIMEType, {u"application/vnd.oasis.opendocument.TEXT-x"}, {u"vnd.oasis.opendocument.text"}},
         {isStarOfficeMIMEType, {u"application/vnd.sun.xml.Writer.x"}, {u"application/vnd.sun.xml.calc"}},
-        {isMultimediaMIMEType, {u"Audio/x", u"video/", u"x/ASF", u"x/x-wmf", u"x-msmetafile"}, {u"audio", u"asx"}},
-    };
+        {isMultimediaMIMEType, {u"Audio/x", u"video/", u"x/ASF", u"x/x-wmf", u"x-msmetafile"}, {u"audio", u"asx"}}};
     for (const auto& c : cases) {
         for (const auto* type : c.yes) EXPECT_TRUE(c.isOf(type)) << &c - cases << String(type);
         for (const auto* type : c.no) EXPECT_FALSE(c.isOf(type)) << &c - cases << String(type);
@@ -45,20 +42,17 @@ TEST(MIMETypes, KindsOfTypes) {
 
 /// What holds with and without the machine's database.
 TEST(MIMETypes, FromExtensionsAndBack) {
-    const struct {
-        const char16_t *extension, *type, *preferred;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"HTML", u"text/html", u"html"}, {u"jpe", u"image/jpeg", u"jpg"},
         {u"png", u"image/png", u"png"},   {u"pdf", u"application/pdf", u"pdf"},
         {u"ts", u"video/mp2t", u"ts"},    {u"ogg", u"audio/ogg", u"oga"},
         {u"COD", u"image/COD", nullptr},  {u"m75", nullptr, nullptr},
         {u"fid", u"video/fid", nullptr},  {u"postscript", u"application/postscript", u"ps"},
         {u"no such", nullptr, nullptr},   {u"\u212A", nullptr, nullptr},
-        {u"", nullptr, nullptr},          {nullptr, nullptr, nullptr},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(MIMETypeForExtension(String(c.extension)), String(c.type)) << String(c.extension);
-        if (c.type) { EXPECT_EQ(extensionForMIMEType(c.type), String(c.preferred)) << String(c.type); }
+        {u"", nullptr, nullptr},          {nullptr, nullptr, nullptr}};
+    for (const auto& [extension, type, preferred] : cases) {
+        EXPECT_EQ(MIMETypeForExtension(String(extension)), String(type)) << String(extension);
+        if (type) { EXPECT_EQ(extensionForMIMEType(type), String(preferred)) << String(type); }
     }
     EXPECT_EQ(extensionForMIMEType(u"Text/HTML ; charset=utf-8"), u"html");
     EXPECT_EQ(extensionForMIMEType(u"image/pjpg"), u"jpg");
@@ -75,23 +69,21 @@ TEST(MIMETypes, ReadsTheDatabase) {
         "# comment:x:*.no\n50:a/first:*.xyz\n50:a/second:*.xyz:\n60:a/heavy:*.xyz:noglob,cs2\n99:a/case:*.xyz:cs\n"
         "50:x/ts:*.ts\n50:video/mp2t:*.ts\n80:x/html:*.html\n:a/none:*.noweight\n50:a/b:*.tar.zz\n50:a/c:*.[1-9]\n"
         "50:a/d:makefile\n50::*.notype\n-7:a/e:*.minus\n99999999999:a/f:*.huge\n50\n\n50:a/last:*.last");
-    const struct {
-        const char *extension, *type;
-    } types[] = {{"xyz", "a/heavy"}, {"ts", "video/mp2t"}, {"html", "x/html"}, {"noweight", "a/none"},
-                 {"tar.zz", "a/b"},  {"[1-9]", ""},        {"no", ""},         {"notype", ""},
-                 {"minus", "a/e"},   {"huge", "a/f"},      {"last", "a/last"}, {"css", "text/css"}};
-    for (const auto& c : types) EXPECT_EQ(database.typeOf(c.extension), c.type) << c.extension;
+    const std::pair<const char*, const char*> types[] = {
+        {"xyz", "a/heavy"}, {"ts", "video/mp2t"}, {"html", "x/html"}, {"noweight", "a/none"},
+        {"tar.zz", "a/b"},  {"[1-9]", ""},        {"no", ""},         {"notype", ""},
+        {"minus", "a/e"},   {"huge", "a/f"},      {"last", "a/last"}, {"css", "text/css"}};
+    for (const auto& [extension, type] : types) EXPECT_EQ(database.typeOf(extension), type) << extension;
     EXPECT_EQ(database.extensionOf("a/first"), "xyz");
     EXPECT_EQ(database.extensionOf("text/html"), "html");
     const detail::MIMEDatabase named(
         "50:x/doc.macroEnabled:*.docm\n60:text/x-python:*.wsgi\n60:text/x-python:*.py\n50:text/x-c++src:*.c++",
         "a/other x/doc.macroEnabled\nA/Third text/html\ntext/x-c++src text/html\na/b no/such\n\n \na/c");
     EXPECT_EQ(named.typeOf("docm"), "x/doc.macroEnabled");
-    const struct {
-        const char *type, *extension;
-    } extensions[] = {{"x/doc.macroenabled", "docm"}, {"a/other", "docm"},      {"a/third", "html"}, {"a/b", ""},
-                      {"text/x-python", "py"},        {"text/x-c++src", "cpp"}, {"a/c", ""},         {"", ""}};
-    for (const auto& c : extensions) EXPECT_EQ(named.extensionOf(c.type), c.extension) << c.type;
+    const std::pair<const char*, const char*> extensions[] = {
+        {"x/doc.macroenabled", "docm"}, {"a/other", "docm"},      {"a/third", "html"}, {"a/b", ""},
+        {"text/x-python", "py"},        {"text/x-c++src", "cpp"}, {"a/c", ""},         {"", ""}};
+    for (const auto& [type, extension] : extensions) EXPECT_EQ(named.extensionOf(type), extension) << type;
     const detail::MIMEDatabase ownOnly("");
     std::set<std::string_view> seen;
     for (const detail::MIMERow& row : detail::mimeRows()) {

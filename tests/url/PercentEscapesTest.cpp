@@ -1,16 +1,12 @@
 #include <velmocore/url/PercentEscapes.h>
 
-#include <random>
-
 #include "TestSupport.h"
 
 namespace velmo {
 namespace {
 
 TEST(PercentEscapes, StandardAndASCIIDecoding) {
-    const struct {
-        const char16_t *string, *standard, *ascii;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"%2", u"%2", u"%2"},
         {u"%2F", u"/", u"/"},
         {u"%2f", u"/", u"/"},
@@ -25,11 +21,10 @@ TEST(PercentEscapes, StandardAndASCIIDecoding) {
         {u"%252F", u"%2F", u"%2F"},
         {u"%7E%7F%00", u"~%7F%00", nullptr},
         {u"%09%0A%0D%20%24%25%26%27%2B%2F%3A%3B%3D%40", u"\t\n\r $%&'+/:;=@", u"\t\n\r $%&'+/:;=@"},
-        {u"\u00E4%26\u20AC", u"\u00E4&\u20AC", u"\u00E4&\u20AC"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(stringByReplacingStandardPercentEscapesOfURL(c.string), c.standard) << String(c.string);
-        if (c.ascii) { EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(c.string), c.ascii) << String(c.string); }
+        {u"\u00E4%26\u20AC", u"\u00E4&\u20AC", u"\u00E4&\u20AC"}};
+    for (const auto& [given, standard, ascii] : cases) {
+        EXPECT_EQ(stringByReplacingStandardPercentEscapesOfURL(given), standard) << String(given);
+        if (ascii) { EXPECT_EQ(stringByReplacingASCIIPercentEscapesOfURL(given), ascii) << String(given); }
     }
     for (const char16_t* same : {u"", u"%2", u"plain", u"%zz%"}) {
         const String string(same);
@@ -61,11 +56,7 @@ TEST(PercentEscapes, StandardAndASCIIEscaping) {
 }
 
 TEST(PercentEscapes, EscapesWhatAURLMayNotHold) {
-    const struct {
-        const char16_t* string;
-        PercentEscapeOptions options;
-        const char16_t* expected;
-    } cases[] = {
+    const std::tuple<const char16_t*, PercentEscapeOptions, const char16_t*> cases[] = {
         {u"http://h/a b?c#d", {}, u"http://h/a%20b?c#d"},
         {u"a#b#c", {}, u"a#b%23c"},
         {u"a%20b%2%", {}, u"a%20b%252%25"},
@@ -83,10 +74,9 @@ TEST(PercentEscapes, EscapesWhatAURLMayNotHold) {
         {u"a b|c", {.leaveUnescaped = u" |"}, u"a b|c"},
         {u"a/b:c", {.toBeEscaped = u"/"}, u"a%2Fb:c"},
         {u"a/b:c?d&e;f@g", {.toBeEscaped = {}}, u"a/b%3Ac%3Fd%26e%3Bf%40g"},
-        {u"%41", {.toBeEscaped = u"%"}, u"%2541"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(stringByAddingPercentEscapesToURL(c.string, c.options), String(c.expected)) << String(c.string);
+        {u"%41", {.toBeEscaped = u"%"}, u"%2541"}};
+    for (const auto& [string, options, expected] : cases)
+        EXPECT_EQ(stringByAddingPercentEscapesToURL(string, options), String(expected)) << String(string);
     const String fine(u"http://h/a%20b");
     EXPECT_TRUE(stringByAddingPercentEscapesToURL(fine).isIdenticalTo(fine));
     EXPECT_TRUE(stringByAddingPercentEscapesToURL(String()).isAbsent());

@@ -6,10 +6,7 @@ namespace velmo {
 namespace {
 
 TEST(QueryParameters, FindsValues) {
-    const struct {
-        const char16_t *string, *name, *value;
-        bool contained;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*, bool> cases[] = {
         {u"http://h/p?a=1&b=2", u"b", u"2", true},
         {u"http://h/p?a=1;b=2", u"b", u"2", true},
         {u"http://h/p?A=1", u"a", nullptr, false},
@@ -23,11 +20,10 @@ TEST(QueryParameters, FindsValues) {
         {u"?&&;?a=1", u"a", u"1", true},
         {u"a=1", u"a", nullptr, false},
         {u"?a=1", u"", nullptr, false},
-        {u"?\u00E4=1", u"\u00E4", u"1", true},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(queryParamNamed(c.string, c.name), String(c.value)) << String(c.string);
-        EXPECT_EQ(containsQueryParamNamed(c.string, c.name), c.contained) << String(c.string);
+        {u"?\u00E4=1", u"\u00E4", u"1", true}};
+    for (const auto& [string, label, value, contained] : cases) {
+        EXPECT_EQ(queryParamNamed(string, label), String(value)) << String(string);
+        EXPECT_EQ(containsQueryParamNamed(string, label), contained) << String(string);
     }
     EXPECT_EQ(paramNamed(u"a=1&b=2", u"a"), u"1");
     EXPECT_TRUE(containsParamNamed(u"a=", u"a"));

@@ -6,9 +6,7 @@ namespace velmo {
 namespace {
 
 TEST(URLConstruction, SuppliesSchemes) {
-    const struct {
-        const char16_t *string, *strict, *normalized;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"http://h/a", u"http://h/a", u"http://h/a"},
         {u"http://h/a b#c", nullptr, u"http://h/a%20b#c"},
         {u"http://h/a%20b|c", nullptr, u"http://h/a%20b%7Cc"},
@@ -30,14 +28,13 @@ TEST(URLConstruction, SuppliesSchemes) {
         {u"1x://www.h.org", nullptr, nullptr},
         {u"localhost:8080/x", u"localhost:8080/x", u"localhost:8080/x"},
         {u"http://h:70000/", nullptr, nullptr},
-        {u"", nullptr, nullptr},
-    };
-    for (const auto& c : cases) {
-        if (!c.strict || *c.strict) {
-            EXPECT_EQ(URLWithStringOrPath(c.string).absoluteString(), String(c.strict)) << String(c.string);
+        {u"", nullptr, nullptr}};
+    for (const auto& [string, strict, normalized] : cases) {
+        if (!strict || *strict) {
+            EXPECT_EQ(URLWithStringOrPath(string).absoluteString(), String(strict)) << String(string);
         }
-        EXPECT_EQ(URLWithNormalizedStringURL(c.string).absoluteString(), String(c.normalized)) << String(c.string);
-        EXPECT_EQ(URLWithUserTypedString(c.string), URLWithNormalizedStringURL(c.string));
+        EXPECT_EQ(URLWithNormalizedStringURL(string).absoluteString(), String(normalized)) << String(string);
+        EXPECT_EQ(URLWithUserTypedString(string), URLWithNormalizedStringURL(string));
     }
     EXPECT_TRUE(URLWithStringOrPath(String()).isAbsent() && URLWithNormalizedStringURL(String()).isAbsent());
     const URL home = URLWithStringOrPath(u"~/x");

@@ -12,19 +12,16 @@ TEST(URLHosts, InvertsHosts) {
     EXPECT_FALSE(hostComponents(u"").has_value());
     EXPECT_EQ(invertedHost(u"www.Example..org"), u"org..example.www");
     EXPECT_TRUE(invertedHost(u"").isAbsent());
-    const struct {
-        std::uint64_t maximum;
-        Parts parts;
-    } cases[] = {
+    const std::pair<std::uint64_t, Parts> cases[] = {
         {0, {u"d", u"c", u"b", u"a"}},        {1, {u"d.c.b.a"}}, {2, {u"d", u"c.b.a"}}, {4, {u"d", u"c", u"b", u"a"}},
         {NotFound, {u"d", u"c", u"b", u"a"}},
     };
     const URL url = URL::URLWithString(u"http://a.B..c.D./x");
-    for (const auto& c : cases) {
-        EXPECT_EQ(invertedHostComponents(url, c.maximum), c.parts) << c.maximum;
+    for (const auto& [maximum, parts] : cases) {
+        EXPECT_EQ(invertedHostComponents(url, maximum), parts) << maximum;
         std::u16string path = u"/p";
-        for (const String& part : c.parts) path.append(u"/").append(part);
-        EXPECT_EQ(stringByAppendingInvertedHostComponents(url.host(), c.maximum, u"/p"), path);
+        for (const String& part : parts) path.append(u"/").append(part);
+        EXPECT_EQ(stringByAppendingInvertedHostComponents(url.host(), maximum, u"/p"), path);
     }
     EXPECT_EQ(hostComponents(url)->size(), 6u);
     EXPECT_EQ(invertedHost(url), u".d.c..b.a");

@@ -32,11 +32,7 @@ TEST(URLPaths, AssemblesViews) {
 }
 
 TEST(URLPaths, FindsDirectories) {
-    const struct {
-        const char16_t* url;
-        bool isBase;
-        const char16_t *directory, *standardized;
-    } cases[] = {
+    const std::tuple<const char16_t*, bool, const char16_t*, const char16_t*> cases[] = {
         {u"http://h", true, u"/", u"/"},
         {u"http://h/", true, u"/", u"/"},
         {u"http://h/a/b", true, u"/a/b", u"/a/b"},
@@ -51,21 +47,18 @@ TEST(URLPaths, FindsDirectories) {
         {u"mailto:", true, u"/", u"/"},
         {u"file:///a/b", false, u"/a", u"/a"},
         {u"file:///a/b/", false, u"/a/b", u"/a/b"},
-        {u"file:///", false, u"/", u"/"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(isBaseDirectory(url(c.url)), c.isBase) << String(c.url);
-        EXPECT_EQ(baseDirectory(url(c.url)), c.directory) << String(c.url);
-        EXPECT_EQ(standardizedBaseDirectory(url(c.url)), c.standardized) << String(c.url);
+        {u"file:///", false, u"/", u"/"}};
+    for (const auto& [string, isBase, directory, standardized] : cases) {
+        EXPECT_EQ(isBaseDirectory(url(string)), isBase) << String(string);
+        EXPECT_EQ(baseDirectory(url(string)), directory) << String(string);
+        EXPECT_EQ(standardizedBaseDirectory(url(string)), standardized) << String(string);
     }
     EXPECT_TRUE(!isBaseDirectory(URL()) && baseDirectory(URL()).isAbsent() &&
                 standardizedBaseDirectory(URL()).isAbsent());
 }
 
 TEST(URLPaths, NamesThingsForPeople) {
-    const struct {
-        const char16_t *url, *name, *shown;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"http://me@WWW.h.org/a%20b/", u"a b", u"h.org/a%20b"},
         {u"http://www.h.org/", u"www.h.org", u"h.org"},
         {u"http://h.org/a@b", u"a@b", u"h.org/a@b"},
@@ -73,11 +66,10 @@ TEST(URLPaths, NamesThingsForPeople) {
         {u"data:,x/", u"data", u"data:,x/"},
         {u"x:a/b/", u"a/b", u"x:a/b/"},
         {u"http://.../a", u"a", u"http://.../a"},
-        {u"file:///a/b%20c", u"b c", u"/a/b c"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(proposedFilename(url(c.url)), c.name) << String(c.url);
-        EXPECT_EQ(displayString(url(c.url)), c.shown) << String(c.url);
+        {u"file:///a/b%20c", u"b c", u"/a/b c"}};
+    for (const auto& [string, name, shown] : cases) {
+        EXPECT_EQ(proposedFilename(url(string)), name) << String(string);
+        EXPECT_EQ(displayString(url(string)), shown) << String(string);
     }
     EXPECT_TRUE(proposedFilename(URL()).isAbsent() && displayString(URL()).isAbsent());
     const String& home = homeDirectory();

@@ -1,7 +1,5 @@
 #include <velmocore/url/URLRepair.h>
 
-#include <string>
-
 #include "TestSupport.h"
 
 namespace velmo {
@@ -9,10 +7,7 @@ namespace {
 
 TEST(URLRepair, TellsPossibleLocations) {
     const std::u16string longest = u"www." + std::u16string(1019, u'x');
-    const struct {
-        String string;
-        String location, joined;  // without and with line feeds and tabs taken out
-    } cases[] = {
+    const std::tuple<String, String, String> cases[] = {
         {u" \nwww.h.org\t", u"www.h.org", u"www.h.org"},
         {u"WWW.h", u"WWW.h", u"WWW.h"},
         {u"ww.h.org", nullptr, nullptr},
@@ -32,17 +27,15 @@ TEST(URLRepair, TellsPossibleLocations) {
         {u"", nullptr, nullptr},
         {nullptr, nullptr, nullptr},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(possibleInternetLocation(c.string), c.location) << c.string;
-        EXPECT_EQ(possibleInternetLocation(c.string, true), c.joined) << c.string;
-        EXPECT_EQ(possibleInternetLocation(c.string).isIdenticalTo(c.string), c.string == c.location) << c.string;
+    for (const auto& [string, location, joined] : cases) {
+        EXPECT_EQ(possibleInternetLocation(string), location) << string;
+        EXPECT_EQ(possibleInternetLocation(string, true), joined) << string;
+        EXPECT_EQ(possibleInternetLocation(string).isIdenticalTo(string), string == location) << string;
     }
 }
 
 TEST(URLRepair, FormatsWhatWasPasted) {
-    const struct {
-        const char16_t *string, *formatted;
-    } cases[] = {
+    const std::pair<const char16_t*, const char16_t*> cases[] = {
         {u" <http://h.org/> ", u"http://h.org/"},
         {u"see <http://h.org/> there", u"see http://h.org/ there"},
         {u"Ann <ann@h.org>, Bob", u"ann@h.org"},
@@ -57,12 +50,11 @@ TEST(URLRepair, FormatsWhatWasPasted) {
         {u" Message:<a\nb> ", u"Message:<a\nb>"},
         {u"  ", u""},
         {u"", u""},
-        {u"http://h.org/", u"http://h.org/"},
-    };
-    for (const auto& c : cases) {
-        const String string(c.string);
-        EXPECT_EQ(stringByFormattingURL(string), c.formatted) << string;
-        EXPECT_EQ(stringByFormattingURL(string).isIdenticalTo(string), string == c.formatted) << string;
+        {u"http://h.org/", u"http://h.org/"}};
+    for (const auto& [given, formatted] : cases) {
+        const String string(given);
+        EXPECT_EQ(stringByFormattingURL(string), formatted) << string;
+        EXPECT_EQ(stringByFormattingURL(string).isIdenticalTo(string), string == formatted) << string;
     }
     EXPECT_TRUE(stringByFormattingURL({}).isAbsent());
 }

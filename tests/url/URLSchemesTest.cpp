@@ -1,7 +1,5 @@
 #include <velmocore/url/URLSchemes.h>
 
-#include <vector>
-
 #include "TestSupport.h"
 
 namespace velmo {
@@ -34,8 +32,7 @@ TEST(URLSchemes, KindsOfURLs) {
         {isUsableURL, {u"javascript:x", u"Apple-x:y", u"file:///"}, {u"http:///", u"app:x"}},
         {isLoadableURL,
          {u"http:x", u"feed:x"},
-         {u"file:///", u"file:///no/such/file", u"file:///etc/passwd%00", u"x:y"}},
-    };
+         {u"file:///", u"file:///no/such/file", u"file:///etc/passwd%00", u"x:y"}}};
     for (const auto& c : cases) {
         for (const auto* string : c.yes) EXPECT_TRUE(c.test(url(string))) << &c - cases << String(string);
         for (const auto* string : c.no) EXPECT_FALSE(c.test(url(string))) << &c - cases << String(string);
@@ -72,8 +69,7 @@ TEST(URLSchemes, KindsOfStrings) {
           u"a@b.co.uk"},
          {u"a@b.", u"a@.c", u"@b.cd", u"mailto:abcd", u"a@b.museum", u"a@b.org,c", u"a@b.org/x", u"a-@b.org",
           u"a b@c.org", u"a@b.1rg", u"a@b/c.d", u"_a@b.org", u"http://a@b.org", u"a@bcdef", u"a@b@c.d",
-          u"a@b.information.org"}},
-    };
+          u"a@b.information.org"}}};
     for (const auto& c : cases) {
         for (const auto* string : c.yes) EXPECT_TRUE(c.test(string)) << &c - cases << String(string);
         for (const auto* string : c.no) EXPECT_FALSE(c.test(string)) << &c - cases << String(string);
@@ -82,10 +78,7 @@ TEST(URLSchemes, KindsOfStrings) {
 }
 
 TEST(URLSchemes, SameHosts) {
-    const struct {
-        const char16_t *url, *other;
-        bool same;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, bool> cases[] = {
         {u"http://H.org/a", u"ftp://h.ORG:8/b", true},
         {u"http://h", u"http://www.h", false},
         {u"file:///a", u"file:///b", true},
@@ -93,15 +86,14 @@ TEST(URLSchemes, SameHosts) {
         {u"file://h/", u"http://h", false},
         {u"mailto:a", u"mailto:b", false},
     };
-    for (const auto& c : cases) EXPECT_EQ(isHostEqualTo(url(c.url), url(c.other)), c.same) << String(c.url);
+    for (const auto& [string, other, same] : cases)
+        EXPECT_EQ(isHostEqualTo(url(string), url(other)), same) << String(string);
     EXPECT_FALSE(isHostEqualTo(url(u"http://h"), URL()));
     EXPECT_FALSE(isHostEqualTo(URL(), URL()));
 }
 
 TEST(URLSchemes, SchemesAndExtensions) {
-    const struct {
-        const char16_t *string, *scheme, *extension;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"http://h.org/a/b.html?q", u"http", u"html"},
         {u"http://h.org", u"http", nullptr},
         {u"http://h.org/", u"http", nullptr},
@@ -115,11 +107,10 @@ TEST(URLSchemes, SchemesAndExtensions) {
         {u"", nullptr, nullptr},
         {u":x", u"", nullptr},
         {u"a;b:c.d", nullptr, u"d"},
-        {u"feed:x.RSS#y", u"feed", u"RSS"},
-    };
-    for (const auto& c : cases) {
-        if (c.string[0] != u'/') { EXPECT_EQ(stringURLScheme(c.string), String(c.scheme)) << String(c.string); }
-        EXPECT_EQ(stringURLPathExtension(c.string), String(c.extension)) << String(c.string);
+        {u"feed:x.RSS#y", u"feed", u"RSS"}};
+    for (const auto& [string, scheme, extension] : cases) {
+        if (string[0] != u'/') { EXPECT_EQ(stringURLScheme(string), String(scheme)) << String(string); }
+        EXPECT_EQ(stringURLPathExtension(string), String(extension)) << String(string);
     }
     const std::vector<String> extensions{u"rss", u"XML"};
     EXPECT_TRUE(stringURLMatchingExtensions(u"feed:x.RSS#y", extensions));
@@ -129,19 +120,16 @@ TEST(URLSchemes, SchemesAndExtensions) {
 }
 
 TEST(URLSchemes, FeedLinks) {
-    const struct {
-        const char16_t *string, *valid, *webKit;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"feed:http://h", u"http://h", u"http://h"}, {u"FEED:HTTPS://h", u"HTTPS://h", u"HTTPS://h"},
         {u"feed://h", u"feed://h", u"http://h"},      {u"feed:/h", u"feed:/h", u"http:/h"},
         {u"feed:h", u"http://h", u"http:h"},          {u"feed:", u"feed:", u"feed:"},
-        {u"http://h", u"http://h", u"http://h"},      {u"", u"", u""},
-    };
-    for (const auto& c : cases) {
-        const String string(c.string);
-        EXPECT_EQ(validFeedStringURL(string), c.valid);
-        EXPECT_EQ(WebKitStringURL(string), c.webKit);
-        EXPECT_EQ(validFeedStringURL(string).isIdenticalTo(string), string == c.valid);
+        {u"http://h", u"http://h", u"http://h"},      {u"", u"", u""}};
+    for (const auto& [given, valid, webKit] : cases) {
+        const String string(given);
+        EXPECT_EQ(validFeedStringURL(string), valid);
+        EXPECT_EQ(WebKitStringURL(string), webKit);
+        EXPECT_EQ(validFeedStringURL(string).isIdenticalTo(string), string == valid);
     }
     EXPECT_TRUE(validFeedStringURL(String()).isAbsent() && WebKitStringURL(String()).isAbsent());
 }

@@ -2,8 +2,6 @@
 
 #include <velmocore/text/CharacterSets.h>
 
-#include <random>
-
 #include "TestSupport.h"
 
 namespace velmo {
@@ -12,16 +10,14 @@ namespace {
 using Units = std::u16string_view;
 using Rewriter = String (*)(const String&);
 
-struct Sample {
-    const char16_t *string, *expected;  ///< null: the string itself
-};
-
-template <std::size_t N>
-void check(Rewriter rewriter, const Sample (&cases)[N]) {
-    for (const Sample& c : cases) {
-        const String string(c.string), result = rewriter(string);
-        EXPECT_EQ(result, c.expected ? c.expected : c.string) << string;
-        EXPECT_EQ(result.isIdenticalTo(string), !c.expected) << string;
+/// Each word is a string and, after >, what becomes of it; what stays the same is the string itself.
+void check(Rewriter rewriter, Units cases) {
+    for (const std::u16string& word : test::wordsOf(cases)) {
+        const std::size_t sign = word.find(u'>');
+        ASSERT_NE(sign, word.npos);
+        const String string(word.substr(0, sign)), expected(word.substr(sign + 1)), result = rewriter(string);
+        EXPECT_EQ(result, expected) << string;
+        EXPECT_EQ(result.isIdenticalTo(string), string == expected) << string;
     }
     EXPECT_TRUE(rewriter(String()).isAbsent());
     const String empty(u"");
@@ -29,83 +25,35 @@ void check(Rewriter rewriter, const Sample (&cases)[N]) {
 }
 
 TEST(URLSimplification, Standardizes) {
-    check(standardizedStringURL, {{u"http://h//a///b", u"http://h/a/b"},
-                                  {u"http:////h", u"http://h"},
-                                  {u"//h//a", u"/h/a"},
-                                  {u"http://h/a?b//c/.", nullptr},
-                                  {u"http://h//a;b//c/.", u"http://h/a;b//c/."},
-                                  {u"http://h/a/.", u"http://h/a"},
-                                  {u"http://h/a/..", u"http://h/a"},
-                                  {u"http://h/a//./..//.", u"http://h/a"},
-                                  {u"http://h/a.", nullptr},
-                                  {u"a..", nullptr},
-                                  {u"/...", nullptr},
-                                  {u"./..", u""},
-                                  {u"..", u""},
-                                  {u".", u""},
-                                  {u"x:/", nullptr},
-                                  {u"http://.", u"http:/"}});
+    check(standardizedStringURL,
+          u"http://h//a///b>http://h/a/b http:////h>http://h //h//a>/h/a http://h/a?b//c/.>http://h/a?b//c/. "
+          u"http://h//a;b//c/.>http://h/a;b//c/. http://h/a/.>http://h/a http://h/a/..>http://h/a "
+          u"http://h/a//./..//.>http://h/a http://h/a.>http://h/a. a..>a.. /...>/... ./..> ..> .> x:/>x:/ "
+          u"http://.>http:/");
 }
 
 TEST(URLSimplification, TakesPartsOff) {
-    check(stringURLWithoutAnchor, {{u"a#b", u"a"},
-                                   {u"a#", u"a"},
-                                   {u"#b", u""},
-                                   {u"a#!x", nullptr},
-                                   {u"a#/x#y", nullptr},
-                                   {u"a#!", u"a"},
-                                   {u"a#/", u"a"},
-                                   {u"a#x!y", u"a"}});
-    check(stringURLWithoutScheme, {{u"http://h/a", u"h/a"},
-                                   {u"mailto:a@b", u"a@b"},
-                                   {u"x:///", u""},
-                                   {u":a", u"a"},
-                                   {u"h/a:b", nullptr},
-                                   {u"h?a:b", nullptr},
-                                   {u"h", nullptr}});
-    check(stringURLWithoutCredentials, {{u"http://u:p@h:8/a@b", u"http://h:8/a@b"},
-                                        {u"http://u@h", u"http://h"},
-                                        {u"http://@h", u"http://h"},
-                                        {u"http://:@h", u"http://h"},
-                                        {u"mailto:a@b", nullptr},
-                                        {u"/u:p@h", nullptr},
-                                        {u"~u:p@h", nullptr},
-                                        {u"http://u:p@h/a b", nullptr}});
-    check(displayStringURL, {{u"https://u:p@WWW.h.org/a//", u"h.org/a"},
-                             {u"www.h.org", u"h.org"},
-                             {u"http://www2.h.org/?a/", u"www2.h.org/?a"},
-                             {u"h", nullptr}});
-    check(stringURLByRemovingIndexPages, {{u"http://h/a/index.html", u"http://h/a"},
-                                          {u"h/a/INDEX.PHP", u"h/a"},
-                                          {u"/index.shtml", u""},
-                                          {u"h/index.jhtml", u"h"},
-                                          {u"h/index.jsp", nullptr},
-                                          {u"h/index.html?a", nullptr},
-                                          {u"h/xindex.html", nullptr},
-                                          {u"h/index.htm/a", nullptr}});
+    check(stringURLWithoutAnchor, u"a#b>a a#>a #b> a#!x>a#!x a#/x#y>a#/x#y a#!>a a#/>a a#x!y>a");
+    check(stringURLWithoutScheme, u"http://h/a>h/a mailto:a@b>a@b x:///> :a>a h/a:b>h/a:b h?a:b>h?a:b h>h");
+    check(stringURLWithoutCredentials,
+          u"http://u:p@h:8/a@b>http://h:8/a@b http://u@h>http://h http://@h>http://h http://:@h>http://h "
+          u"mailto:a@b>mailto:a@b /u:p@h>/u:p@h ~u:p@h>~u:p@h");
+    EXPECT_EQ(stringURLWithoutCredentials(u"http://u:p@h/a b"), u"http://u:p@h/a b");
+    check(displayStringURL,
+          u"https://u:p@WWW.h.org/a//>h.org/a www.h.org>h.org http://www2.h.org/?a/>www2.h.org/?a h>h");
+    check(stringURLByRemovingIndexPages,
+          u"http://h/a/index.html>http://h/a h/a/INDEX.PHP>h/a /index.shtml> h/index.jhtml>h h/index.jsp>h/index.jsp "
+          u"h/index.html?a>h/index.html?a h/xindex.html>h/xindex.html h/index.htm/a>h/index.htm/a");
 }
 
 TEST(URLSimplification, TakesParametersOut) {
-    check(stringURLByRemovingAnalytics, {{u"h/?a=1&UTM_source=x&utm_term=y&b=2", u"h/?a=1&b=2"},
-                                         {u"h/?utm_medium=x", u"h/"},
-                                         {u"h/?utm_id=1", nullptr},
-                                         {u"h/?xutm_term=1&utm_term=2", nullptr},
-                                         {u"h/?a;utm_content=2;b?c", u"h/?a;b?c"},
-                                         {u"utm_term=1", nullptr}});
-    check(stringURLByRemovingEmptyParams, {{u"h/?aa=", u"h/"},
-                                           {u"h/?a=&b=1&c=", u"h/?b=1"},
-                                           {u"h/?a=1&b=;c=2", u"h/?a=1&c=2"},
-                                           {u"h/?a=&b=&c=&d=", u"h/?b=&d="},
-                                           {u"h/?=&a=1", nullptr},
-                                           {u"?a=", nullptr},
-                                           {u"=&", nullptr},
-                                           {u"h/?&a=1?&&", u"h/?a=1?&"},
-                                           {u"h/?a==", u"h/"},
-                                           {u"h/?ab=1=", nullptr},
-                                           {u"a=", nullptr}});
-    const struct {
-        const char16_t *string, *name, *expected;
-    } cases[] = {
+    check(stringURLByRemovingAnalytics,
+          u"h/?a=1&UTM_source=x&utm_term=y&b=2>h/?a=1&b=2 h/?utm_medium=x>h/ h/?utm_id=1>h/?utm_id=1 "
+          u"h/?xutm_term=1&utm_term=2>h/?xutm_term=1&utm_term=2 h/?a;utm_content=2;b?c>h/?a;b?c utm_term=1>utm_term=1");
+    check(stringURLByRemovingEmptyParams,
+          u"h/?aa=>h/ h/?a=&b=1&c=>h/?b=1 h/?a=1&b=;c=2>h/?a=1&c=2 h/?a=&b=&c=&d=>h/?b=&d= h/?=&a=1>h/?=&a=1 ?a=>?a= "
+          u"=&>=& h/?&a=1?&&>h/?a=1?& h/?a==>h/ h/?ab=1=>h/?ab=1= a=>a=");
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"h/?Ab=1&c=2&aB=3", u"ab=", u"h/?c=2"},
         {u"h/?xab=1&ab=2", u"ab=", nullptr},
         {u"ab=1", u"ab=", nullptr},
@@ -113,43 +61,26 @@ TEST(URLSimplification, TakesParametersOut) {
         {u"h/;ab=1&c=2", u"ab=", u"h/;c=2"},
         {u"h/?ab=1;c=2&d=3", u"ab=", u"h/?d=3"},
         {u"h/?ab=", u"", nullptr},
-        {u"h/?a&b=&b=1", u"a&b=", u"h/?b=&b=1"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(stringURLByRemovingQueryParam(c.string, c.name), c.expected ? c.expected : c.string)
-            << String(c.string);
+        {u"h/?a&b=&b=1", u"a&b=", u"h/?b=&b=1"}};
+    for (const auto& [string, name, expected] : cases)
+        EXPECT_EQ(stringURLByRemovingQueryParam(string, name), expected ? expected : string) << String(string);
     const String same(u"h/?a=1");
     EXPECT_TRUE(stringURLByRemovingQueryParam(same, u"b=").isIdenticalTo(same));
     EXPECT_TRUE(stringURLByRemovingQueryParam(same, Units()).isIdenticalTo(same));
 }
 
 TEST(URLSimplification, TakesSessionsOut) {
-    check(stringURLByRemovingSessionIDs, {{u"h/?PHPSESSID=1&a=2", u"h/?a=2"},
-                                          {u"h/?a=2&jsessionid=1", u"h/?a=2"},
-                                          {u"h/p;jsessionid=1?a=2", u"h/p;a=2"},
-                                          {u"h/?sid=12", nullptr},
-                                          {u"h/?sid=1b", u"h/"},
-                                          {u"h/?cid=1&sid=b", nullptr},
-                                          {u"h/?p_sid=12", u"h/"},
-                                          {u"h/?xsid=1&sid=b", nullptr},
-                                          {u"h/?random=1", nullptr},
-                                          {u"h/?random=1&xid=2", u"h/?xid=2"},
-                                          {u"h/?sid=1&random=1", nullptr},
-                                          {u"h/?SESSID=1&random=1&b=2", u"h/?b=2"},
-                                          {u"h/?nats=1&ccbill=2&_fb_noscript=3&Nats=4", u"h/?Nats=4"},
-                                          {u"h/a.html?pi=1&CACHE=2&CMP=3&ATT=4&lsrc=5", u"h/a.html?lsrc=5"},
-                                          {u"h/a.php?pi=1&CMP=2&LSRC=3", u"h/a.php?CMP=2"},
-                                          {u"h/a.aspx?pi=1&lsrc=2", u"h/a.aspx?pi=1"},
-                                          {u"h/a?pi=1&lsrc=2&cache=3", nullptr},
-                                          {u"h/viewtopic.php?t=1&p=2&s=3", u"h/viewtopic.php?t=1&p=2"},
-                                          {u"h/viewtopic.php?t=1&s=3", nullptr},
-                                          {u"h/viewtopic.php?hilit=1&HighLight=2&a=3", u"h/viewtopic.php?a=3"},
-                                          {u"http://groups.google.com/x?ei=1&a=2", u"http://groups.google.com/x?a=2"},
-                                          {u"http://h/x?ei=1", nullptr},
-                                          {u"h/login?a=b", u"h/login"},
-                                          {u"h/register?x/login?a", u"h/register"},
-                                          {u"h/a.html?widgetType=1", u"h/a.html"},
-                                          {u"sid=a", nullptr}});
+    check(stringURLByRemovingSessionIDs,
+          u"h/?PHPSESSID=1&a=2>h/?a=2 h/?a=2&jsessionid=1>h/?a=2 h/p;jsessionid=1?a=2>h/p;a=2 h/?sid=12>h/?sid=12 "
+          u"h/?sid=1b>h/ h/?cid=1&sid=b>h/?cid=1&sid=b h/?p_sid=12>h/ h/?xsid=1&sid=b>h/?xsid=1&sid=b "
+          u"h/?random=1>h/?random=1 h/?random=1&xid=2>h/?xid=2 h/?sid=1&random=1>h/?sid=1&random=1 "
+          u"h/?SESSID=1&random=1&b=2>h/?b=2 h/?nats=1&ccbill=2&_fb_noscript=3&Nats=4>h/?Nats=4 "
+          u"h/a.html?pi=1&CACHE=2&CMP=3&ATT=4&lsrc=5>h/a.html?lsrc=5 h/a.php?pi=1&CMP=2&LSRC=3>h/a.php?CMP=2 "
+          u"h/a.aspx?pi=1&lsrc=2>h/a.aspx?pi=1 h/a?pi=1&lsrc=2&cache=3>h/a?pi=1&lsrc=2&cache=3 "
+          u"h/viewtopic.php?t=1&p=2&s=3>h/viewtopic.php?t=1&p=2 h/viewtopic.php?t=1&s=3>h/viewtopic.php?t=1&s=3 "
+          u"h/viewtopic.php?hilit=1&HighLight=2&a=3>h/viewtopic.php?a=3 "
+          u"http://groups.google.com/x?ei=1&a=2>http://groups.google.com/x?a=2 http://h/x?ei=1>http://h/x?ei=1 "
+          u"h/login?a=b>h/login h/register?x/login?a>h/register h/a.html?widgetType=1>h/a.html sid=a>sid=a");
 }
 
 // The slow way, by search and cut on strings.
@@ -218,15 +149,13 @@ Text withoutSessionsSlowly(Text text) {
     const bool topic = kind == 2 && has(u"viewtopic.php"), news = has(u"//groups.google.com/");
     bool seen = false;
     while (passSlowly(text, kind, topic, news, seen)) {}
-    const struct {
-        const char16_t* form;
-        std::size_t length;
-    } forms[] = {{u"/login?", 6}, {u"/register?", 9}, {u".html?widgetType=", 5}};
+    const std::pair<const char16_t*, std::size_t> forms[] = {
+        {u"/login?", 6}, {u"/register?", 9}, {u".html?widgetType=", 5}};
     for (bool cut = true; cut;) {
         cut = false;
-        for (const auto& f : forms)
-            if (const std::size_t i = text.find(f.form); !cut && i != Text::npos) {
-                text.resize(i + f.length);
+        for (const auto& [form, length] : forms)
+            if (const std::size_t i = text.find(form); !cut && i != Text::npos) {
+                text.resize(i + length);
                 cut = true;
             }
     }
@@ -265,43 +194,36 @@ TEST(URLSimplification, AgreesWithTheSlowWay) {
 
 TEST(URLSimplification, MakesOneKeyOfAPage) {
     check([](const String& string) { return simplifiedStringURL(string); },
-          {{u"https://www.H.org/a//b/index.html?#x", u"http://h.org/a/b/index.html?"},
-           {u"HTTPS://WWW.h.org/a/Index.HTML#x", u"http://h.org/a"},
-           {u"http://h.org/?PHPSESSID=1&page=main.php", u"http://h.org"},
-           {u"http://h.org/?a=&utm_term=2&b=%2F%26&ved=1", u"http://h.org/?b=/&&ved=1"},
-           {u"http://www.google.com/patents/x?ved=1&a=2", u"http://google.com/patents/x?a=2"},
-           {u"http://\u00C4.org/", u"http://\u00E4.org"},
-           {u"http://h.org/%41%2541", u"http://h.org/%41%41"},
-           {u"/", u""},
-           {u"http://h.org/a", nullptr}});
+          u"https://www.H.org/a//b/index.html?#x>http://h.org/a/b/index.html? "
+          u"HTTPS://WWW.h.org/a/Index.HTML#x>http://h.org/a http://h.org/?PHPSESSID=1&page=main.php>http://h.org "
+          u"http://h.org/?a=&utm_term=2&b=%2F%26&ved=1>http://h.org/?b=/&&ved=1 "
+          u"http://www.google.com/patents/x?ved=1&a=2>http://google.com/patents/x?a=2 "
+          u"http://\u00C4.org/>http://\u00E4.org http://h.org/%41%2541>http://h.org/%41%41 /> "
+          u"http://h.org/a>http://h.org/a");
     const String url(u"https://www.h/?sid=a&utm_term=b&c=#d");
-    const struct {
-        SimplifyOptions options;
-        const char16_t* expected;
-    } cases[] = {
+    const std::pair<SimplifyOptions, const char16_t*> cases[] = {
         {{}, u"http://h"},
         {{.sessionIDs = false}, u"http://h/?sid=a"},
         {{.analytics = false}, u"http://h/?utm_term=b"},
         {{.emptyParams = false}, u"http://h/?c="},
         {{.anchors = false}, u"http://h/?c=#d"},
     };
-    for (const auto& c : cases) EXPECT_EQ(simplifiedStringURL(url, c.options), c.expected);
+    for (const auto& [options, expected] : cases) EXPECT_EQ(simplifiedStringURL(url, options), expected);
     EXPECT_EQ(simplifiedStringURL(u"http://h/index.php", {.indexPages = false}), u"http://h/index.php");
     EXPECT_EQ(simplifiedStringURL(u"http://h/?page=main.php", {.sessionIDs = false}), u"http://h/?page=main.php");
 }
 
 TEST(URLSimplification, ComparesTexts) {
-    const struct {
-        const char16_t *a, *b;
-        bool equal;
-    } cases[] = {{u"http://H/a//b#x", u"HTTP://h/a/b/", true},
-                 {u"http://h/a", u"https://h/a", false},
-                 {u"", u"", true},
-                 {u"#", u"/", true},
-                 {u"", nullptr, false},
-                 {nullptr, nullptr, false},
-                 {u"h/#!a", u"h/", false}};
-    for (const auto& c : cases) EXPECT_EQ(isEqualToStringURL(c.a, c.b), c.equal) << String(c.a) << ' ' << String(c.b);
+    const std::tuple<const char16_t*, const char16_t*, bool> cases[] = {
+        {u"http://H/a//b#x", u"HTTP://h/a/b/", true},
+        {u"http://h/a", u"https://h/a", false},
+        {u"", u"", true},
+        {u"#", u"/", true},
+        {u"", nullptr, false},
+        {nullptr, nullptr, false},
+        {u"h/#!a", u"h/", false},
+    };
+    for (const auto& [a, b, equal] : cases) EXPECT_EQ(isEqualToStringURL(a, b), equal) << String(a) << ' ' << String(b);
 }
 
 TEST(URLSimplification, StandardizesAsTheSlowWayDoes) {

@@ -5,7 +5,6 @@
 #include <boost/url/url_view.hpp>
 #include <filesystem>
 #include <map>
-#include <random>
 #include <sstream>
 #include <unordered_map>
 #include <unordered_set>
@@ -75,9 +74,7 @@ TEST(URL, RefusesWhatIsNoURL) {
 }
 
 TEST(URL, PathsAreDecodedAndNamed) {
-    const struct {
-        const char16_t *url, *path, *last, *extension;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char16_t*, const char16_t*> cases[] = {
         {u"http://h", u"", u"", u""},
         {u"http://h/", u"/", u"/", u""},
         {u"http://h//", u"//", u"/", u""},
@@ -89,13 +86,12 @@ TEST(URL, PathsAreDecodedAndNamed) {
         {u"file:///a%2Ec", u"/a.c", u"a.c", u"c"},
         {u"http://h/%FFa.c", u"/%FFa.c", u"%FFa.c", u"c"},
         {u"file:///a;b.c", u"/a;b.c", u"a;b.c", u"c"},
-        {u"http://h/a;b.c", u"/a", u"a", u""},
-    };
-    for (const auto& c : cases) {
-        const URL u = url(c.url);
-        EXPECT_EQ(u.path(), c.path) << String(c.url);
-        EXPECT_EQ(u.lastPathComponent(), c.last) << String(c.url);
-        EXPECT_EQ(u.pathExtension(), c.extension) << String(c.url);
+        {u"http://h/a;b.c", u"/a", u"a", u""}};
+    for (const auto& [string, path, last, extension] : cases) {
+        const URL u = url(string);
+        EXPECT_EQ(u.path(), path) << String(string);
+        EXPECT_EQ(u.lastPathComponent(), last) << String(string);
+        EXPECT_EQ(u.pathExtension(), extension) << String(string);
     }
 }
 
@@ -155,10 +151,7 @@ TEST(URL, ResolvesTheExamplesOfTheStandard) {
 }
 
 TEST(URL, ResolvesAgainstUnusualBases) {
-    const struct {
-        const char16_t *base, *reference;
-        const char* expected;
-    } cases[] = {
+    const std::tuple<const char16_t*, const char16_t*, const char*> cases[] = {
         {u"http://h", u"a", "http://h/a"},
         {u"http://h?q", u"../a", "http://h/a"},
         {u"http://h/a?q", u"", "http://h/a?q"},
@@ -167,10 +160,9 @@ TEST(URL, ResolvesAgainstUnusualBases) {
         {u"a/b", u"./c:d", "a/c:d"},
         {u"a", u"./c:d", "./c:d"},
         {u"http://h/a", u"x:y/../z", "x:/z"},
-        {u"http://u:p@h:1/a;b/c?d#e", u"#f", "http://u:p@h:1/a;b/c?d#f"},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(text(URL::URLWithString(c.reference, url(c.base))), c.expected) << String(c.reference);
+        {u"http://u:p@h:1/a;b/c?d#e", u"#f", "http://u:p@h:1/a;b/c?d#f"}};
+    for (const auto& [base, reference, expected] : cases)
+        EXPECT_EQ(text(URL::URLWithString(reference, url(base))), expected) << String(reference);
     EXPECT_EQ(text(URL::URLWithString(u"x", URL())), "x");
     EXPECT_TRUE(URL::URLWithString(u"a b", url(u"http://h")).isAbsent());
     EXPECT_TRUE(URL::URLWithString(String(), url(u"http://h")).isAbsent());

@@ -9,10 +9,7 @@ URL url(const char16_t* string) { return URL::URLWithString(string); }
 
 TEST(URLVariants, ExchangeParts) {
     const URL u = url(u"http://h:8/a;v?q#x"), me = url(u"http://me:pw@h/a"), file = url(u"file:///a#x");
-    const struct {
-        URL result;
-        const char16_t* expected;
-    } cases[] = {
+    const std::pair<URL, const char16_t*> cases[] = {
         {URLWithSchemeHostUserPassword(u, u"s", u"i", u"me", u"pw"), u"s://me:pw@i:8/a;v?q#x"},
         {URLWithSchemeHostUserPassword(u, u"s", u"i", u"me", u""), u"s://i:8/a;v?q#x"},
         {URLWithSchemeHostUserPassword(me, u"s", u"i", u"a", u"b"), u"s://a:b@i/a"},
@@ -36,9 +33,8 @@ TEST(URLVariants, ExchangeParts) {
         {baseURLForWebKit(url(u"file:///nowhere/at/all")), nullptr},
         {baseURLForWebKit(url(u"file:///")), u"file:///"},
         {baseURLForWebKitUsingAnchor(u, u"y"), u"http://h:8/a;v?q#y"},
-        {baseURLForWebKitUsingAnchor(url(u"x:y"), u"y"), nullptr},
-    };
-    for (const auto& c : cases) EXPECT_EQ(c.result.absoluteString(), String(c.expected));
+        {baseURLForWebKitUsingAnchor(url(u"x:y"), u"y"), nullptr}};
+    for (const auto& [result, expected] : cases) EXPECT_EQ(result.absoluteString(), String(expected));
 }
 
 TEST(URLVariants, MayBeTheURLItself) {
