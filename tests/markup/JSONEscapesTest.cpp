@@ -6,25 +6,23 @@ namespace velmo {
 namespace {
 
 TEST(JSONEscapes, Decodes) {
-    struct Case {
-        const char16_t* text;
-        std::u16string_view json, script;
-    };
     using namespace std::string_view_literals;
-    const Case cases[] = {{u"\\b\\f\\n\\r\\t\\\"\\/\\\\\\q", u"\b\f\n\r\t\"/\\q"sv, u"\b\f\n\r\t\"/\\q"sv},
-                          {u"\\u00e9\\u00E9x", u"\u00E9\u00E9x"sv, u"\u00E9\u00E9x"sv},
-                          {u"\\u0g4z1", u"\u00401"sv, u"\u00401"sv},
-                          {u"\\u12", u"\u1200"sv, u"\u1200"sv},
-                          {u"\\u", u"\0"sv, u"\0"sv},
-                          {u"\\v\\x41\\O\\0", u"vx41O0"sv,
-                           u"\vA\0"
-                           u"0"sv},
-                          {u"\\x4", u"x4"sv, u"@"sv},
-                          {u"a\\", u"a\\"sv, u"a\\"sv},
-                          {u"\\ud83d\\ude00", u"\U0001F600"sv, u"\U0001F600"sv}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(stringByConvertingJSONToCharacters(c.text), c.json) << utf8(c.text);
-        EXPECT_EQ(stringByConvertingJavaScriptToCharacters(c.text), c.script) << utf8(c.text);
+    const std::tuple<const char16_t*, View, View> cases[] = {
+        {u"\\b\\f\\n\\r\\t\\\"\\/\\\\\\q", u"\b\f\n\r\t\"/\\q"sv, u"\b\f\n\r\t\"/\\q"sv},
+        {u"\\u00e9\\u00E9x", u"\u00E9\u00E9x"sv, u"\u00E9\u00E9x"sv},
+        {u"\\u0g4z1", u"\u00401"sv, u"\u00401"sv},
+        {u"\\u12", u"\u1200"sv, u"\u1200"sv},
+        {u"\\u", u"\0"sv, u"\0"sv},
+        {u"\\v\\x41\\O\\0", u"vx41O0"sv,
+         u"\vA\0"
+         u"0"sv},
+        {u"\\x4", u"x4"sv, u"@"sv},
+        {u"a\\", u"a\\"sv, u"a\\"sv},
+        {u"\\ud83d\\ude00", u"\U0001F600"sv, u"\U0001F600"sv},
+    };
+    for (const auto& [text, json, script] : cases) {
+        EXPECT_EQ(stringByConvertingJSONToCharacters(text), json) << utf8(text);
+        EXPECT_EQ(stringByConvertingJavaScriptToCharacters(text), script) << utf8(text);
     }
 }
 

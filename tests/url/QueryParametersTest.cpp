@@ -21,9 +21,9 @@ TEST(QueryParameters, FindsValues) {
         {u"a=1", u"a", nullptr, false},
         {u"?a=1", u"", nullptr, false},
         {u"?\u00E4=1", u"\u00E4", u"1", true}};
-    for (const auto& [string, label, value, contained] : cases) {
-        EXPECT_EQ(queryParamNamed(string, label), String(value)) << String(string);
-        EXPECT_EQ(containsQueryParamNamed(string, label), contained) << String(string);
+    for (const auto& [string, name, value, contained] : cases) {
+        EXPECT_EQ(queryParamNamed(string, name), String(value)) << String(string);
+        EXPECT_EQ(containsQueryParamNamed(string, name), contained) << String(string);
     }
     EXPECT_EQ(paramNamed(u"a=1&b=2", u"a"), u"1");
     EXPECT_TRUE(containsParamNamed(u"a=", u"a"));
