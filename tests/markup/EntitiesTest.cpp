@@ -47,7 +47,7 @@ TEST(Entities, DecodesWhatTheWebWrites) {
         {u"&#128512;&#xD800;&#55296;", u"\U0001F600\xD800\xD800", {}},
         {u"&#x10FFFF;&#x110000;&#4294967361;", u"\U0010FFFF&#x110000;A", {}},
         {u"&apos&lt&gt;&ampx&quot", u"'<>&x\"", {}},
-        {u"&lt;&#60;&apos;&#65;", u"&lt;&#60;'A", Mild},
+        {u"&lt;&#60;&apos;&#65;&amp;&quot;&gt;&#38;&#34;&#x3e;", u"&lt;&#60;'A&amp;&quot;&gt;&#38;&#34;&#x3e;", Mild},
         {u"&eacute;&apos;&nbsp;&#65;", u"&eacute;'\u00A0A", Numbers},
         // At the end of the range the last unit counts as terminator.
         {u"&#65", u"\0065", {}},

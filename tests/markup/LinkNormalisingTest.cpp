@@ -18,7 +18,8 @@ TEST(LinkNormalising, CleansReferences) {
         {u"a\\b", u"a/b"},
         {u"a\\b?c\\d", u"a\\b?c\\d"},
         {u"a&eacute;&nbsp;b", u"a&eacute;\u00A0b"},
-        {u"x%09%0d%22%27%3E%5c%5D", u"x"},
+        {u"'x'", u"'x'"},
+        {u"x%20%09%0A%0d%22%27%3E%5c%5D", u"x"},
         {u"x%21%20", u"x%21"},
         {u"\" x \"", u" x "},
     };

@@ -50,6 +50,7 @@ TEST(TagScanner, TellsNamesInAnyCase) {
 TEST(TagScanner, SwallowsScriptAndStyle) {
     const std::pair<const char16_t*, const char*> cases[] = {
         {u"<SCRIPT>x</script >y", "1 SCRIPT [<SCRIPT>x</script >] \n0  [] y"},
+        {u"<style a>b<c></STYLE>d", "1 style [<style a>b<c></STYLE>] \n0  [] d"},
         {u"<scripts>a</script>", "1 scripts [<scripts>] \n1 script [</script>] a\n0  [] "},
         // The element is not closed: its length reaches one unit too far.
         {u"<script>x</script", "1 script [<script>x</script] \n0  [] "}};
