@@ -46,6 +46,9 @@ constexpr int MostRepeats = 2000, LooksBeforeFault = 3, BestOf = 5;
 constexpr double LongRun = 0.01, VeryLongRun = 0.1, ShortLook = 0.0003, LongLook = 0.004;
 // What leaves a cache between n and 4n does so no more between 4n and 16n.
 constexpr std::size_t NextLook = 4;
+// Beyond this, what a text makes of itself outgrows every cache, which no clock can tell from
+// work that grows.
+constexpr std::size_t MostUnits = 32768;
 
 /// The cost of a piece of work: instructions where the machine counts them for us, else the
 /// time that the thread was on the processor.
@@ -138,7 +141,8 @@ public:
         for (int looks = 0; looks < LooksBeforeFault && costs.factor() > Limit; ++looks) {
             costs = look(units, LongLook, BestOf);
             if (costs.longest < LongLook) return constant(costs);
-            if (costs.secondsAt4n < VeryLongRun) units *= NextLook;
+            if (costs.secondsAt4n < VeryLongRun)
+                units = std::max(units, std::min(units * NextLook, MostUnits));
         }
         // Instructions say the same each time; a clock also sees a text outgrow a cache, once.
         costs.isFault =
