@@ -5,9 +5,11 @@
 #pragma once
 
 #include <algorithm>
+#include <map>
 #include <optional>
 #include <set>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "query/EvaluationCore.h"
@@ -59,13 +61,20 @@ private:
             pending_.push_back(call);
     }
 
+    /// Stretches that begin together have the same occurrences but for those at their ends, so
+    /// each goes on where the one before it has come to: many windows may begin with the text.
     void addOccurrences(const Call& call) {
         if (finder_.isEverywhere(call.node)) return;
-        for (std::uint64_t from = call.start; from < call.end;) {
+        std::vector<std::uint64_t>& ends = walked_[{call.node, call.start}];
+        const auto known = std::ranges::lower_bound(ends, call.end);
+        // The last occurrence before the end is sought again: it may be another one there.
+        std::uint64_t from = known - ends.begin() > 1 ? *(known - 2) : call.start;
+        while (from < call.end) {
             const Range hit = finder_.find(call.node, from, call.end);
             if (!hit.isFound()) break;
             hits_.push_back(hit);
             from = hit.end();
+            if (from < call.end && (ends.empty() || from > ends.back())) ends.push_back(from);
         }
     }
 
@@ -160,6 +169,8 @@ private:
     Finder& finder_;
     Evaluation evaluation_;
     std::set<Seen> seen_;
+    /// By word and start of a stretch, the ends of the occurrences that lie well inside it.
+    std::map<std::pair<std::size_t, std::uint64_t>, std::vector<std::uint64_t>> walked_;
     std::vector<Call> pending_;
     std::vector<Range> hits_;
 };
