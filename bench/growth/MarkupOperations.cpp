@@ -2,6 +2,7 @@
 #include <velmocore/markup/Charsets.h>
 #include <velmocore/markup/CzechEncodings.h>
 #include <velmocore/markup/Entities.h>
+#include <velmocore/markup/ErrorPages.h>
 #include <velmocore/markup/FileTypes.h>
 #include <velmocore/markup/JSONEscapes.h>
 #include <velmocore/markup/LinkNormalising.h>
@@ -130,6 +131,12 @@ constexpr Operation Rows[] = {
          use(normalizedHtmlString(in.text));
          use(revisitAfter(in.text));
          use(getLinkAttribute(in.text));
+     }},
+    {"error pages",
+     [](const Input& in) {
+         use(isErrorPageTitle(in.text, in.text, in.text));
+         use(isErrorPageTitle({}, in.text, u"http://h.org/404.html"));
+         use(exceededPageLoadFrequencyTitle({}, in.text));
      }},
     {"a page at once",
      [](const Input& in) {
