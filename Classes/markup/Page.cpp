@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 
+#include <velmocore/markup/ErrorPages.h>
 #include <velmocore/markup/LinkNormalising.h>
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/TagPredicates.h>
@@ -91,7 +92,9 @@ struct Page::State {
     Lazy<detail::TagList> tags_;
     Lazy<HtmlReferences> references_;
     Lazy<String> title, plainText;
+    Lazy<bool> isErrorPage;
     Lazy<URL> favIcon;
+    Lazy<LinkThumbnails> linkThumbnails;
     Lazy<std::vector<URL>> links, frames, images, stylesheetsAndScripts, embeddedObjects;
 };
 
@@ -117,6 +120,16 @@ const String& Page::title() const {
 const String& Page::plainText() const {
     return state_->plainText.get(
         [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}).text; });
+}
+
+bool Page::isErrorPage() const {
+    return state_->isErrorPage.get([this] {
+        // The title, which the plain text holds too, must not confirm itself.
+        const String body = detail::plainTextOf(state_->markup, state_->tags(),
+                                                {.onlyBody = true, .removeJunk = true})
+                                .text;
+        return isErrorPageTitle(title(), body, url().absoluteString());
+    });
 }
 
 const std::vector<URL>& Page::links() const {
@@ -153,6 +166,13 @@ const std::vector<URL>& Page::embeddedObjects() const {
 
 const URL& Page::favIcon() const {
     return state_->favIcon.get([this] { return state_->resolved(state_->references().favIcon); });
+}
+
+const LinkThumbnails& Page::linkThumbnails() const {
+    return state_->linkThumbnails.get([this] {
+        return detail::thumbnailsOf(state_->markup, state_->tags(),
+                                    {.baseURL = baseURL(), .resolve = true});
+    });
 }
 
 String Page::language(const LanguageFilter& filter) const {

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
@@ -54,6 +55,9 @@ public:
     [[nodiscard]] const String& title() const VELMO_LIFETIME;
     /// As stringByConvertingHtml2PlainText() makes it.
     [[nodiscard]] const String& plainText() const VELMO_LIFETIME;
+    /// Whether it only says that there is no such page, by its title, the text of its body and
+    /// where it comes from; see markup/ErrorPages.h.
+    [[nodiscard]] bool isErrorPage() const;
 
     // References, resolved, in page order or else in that of their texts, each once. What cannot be
     // resolved is left out: all that is relative, if it is not known to what.
@@ -67,6 +71,9 @@ public:
     [[nodiscard]] const std::vector<URL>& embeddedObjects() const VELMO_LIFETIME;
     /// Absent if it names none.
     [[nodiscard]] const URL& favIcon() const VELMO_LIFETIME;
+    /// Thumbnails, titles and texts of its links, resolved as getLinkThumbnails() does it. Nothing
+    /// if it is not known what links are relative to.
+    [[nodiscard]] const LinkThumbnails& linkThumbnails() const VELMO_LIFETIME;
 
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.
