@@ -6,6 +6,7 @@
 #include <velmocore/markup/FileTypes.h>
 #include <velmocore/markup/JSONEscapes.h>
 #include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupCharset.h>
 #include <velmocore/markup/MarkupDecoding.h>
@@ -117,6 +118,13 @@ constexpr Operation Rows[] = {
          use(htmlLinks(in.text, {.useRelNoFollow = true, .filter = true}));
          use(htmlLinksContaining(in.text, u"zz", false));
      }},
+    {"thumbnails of links",
+     [](const Input& in) {
+         const URL base = URL::URLWithString(u"http://h.org/a/");
+         use(getLinkThumbnails(in.text, {.baseURL = base}));
+         use(getLinkThumbnails(in.text, {.baseURL = base, .resolve = true, .googleTags = true}));
+         use(stringByExtractingJavaScriptURL(in.text));
+     }},
     {"frames and robots", [](const Input& in) { use(htmlLinksAndFramesSet(in.text)); }},
     {"resources",
      [](const Input& in) {
@@ -149,6 +157,8 @@ constexpr Operation Rows[] = {
          use(page.stylesheetsAndScripts());
          use(page.embeddedObjects());
          use(page.favIcon());
+         use(page.linkThumbnails());
+         use(page.isErrorPage());
      }},
     {"kinds of markup files",
      [](const Input& in) {
