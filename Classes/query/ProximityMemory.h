@@ -29,11 +29,12 @@ struct ProximityState {
 class ProximityMemory {
 public:
     /// To be called first for each stretch. A stretch is not worth remembering before a second
-    /// one begins or ends with it.
-    void begin(std::uint64_t start, std::uint64_t end) {
-        sharesStart_ = isUsed_ && start == start_;
+    /// one begins or ends with it. Those that begin together share nothing if what is found
+    /// first in a stretch may be another place in a longer one.
+    void begin(std::uint64_t start, std::uint64_t end, bool isInOrder) {
+        const bool sharesStart = isInOrder && isUsed_ && start == start_;
         sharesEnd_ = isUsed_ && end == end_;
-        if (!sharesStart_) reached_ = {.state = {start, start}};
+        if (!sharesStart) reached_ = {.state = {start, start}};
         if (!sharesEnd_) verdicts_.clear();
         isUsed_ = true;
         if (way_) row_ = *way_;
@@ -105,7 +106,7 @@ private:
         return std::max(state.cursor, state.lastEnd) < end_;
     }
 
-    bool isUsed_ = false, sharesStart_ = false, sharesEnd_ = false;
+    bool isUsed_ = false, sharesEnd_ = false;
     std::uint64_t start_ = 0, end_ = 0;
     Reached reached_;
     Row row_;                                              // of the stretches before
