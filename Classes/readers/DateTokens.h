@@ -57,6 +57,7 @@ public:
 private:
     bool addNumber();
     bool addWord();
+    bool addCompound();
     bool addMark();
     DateToken& add(DateToken::Kind kind, std::size_t length);
     std::size_t foldedWord(std::span<char16_t> folded) const;

@@ -103,11 +103,9 @@ private:
     }
 
     bool readTime() {
-        const bool hasT = text_.takeOneOf(u"Tt");
-        if (!hasT && isBlank(text_.peek()))
-            text_.skipBlanks();
-        else if (!hasT)
-            return readZone();
+        const bool hasT = text_.takeOneOf(u"Tt") != 0;
+        if (!hasT && !isBlank(text_.peek())) return readZoneOfDay();
+        if (!hasT) text_.skipBlanks();
         return readClock(hasT) && readFraction() && (text_.skipBlanks(), readZone());
     }
 
@@ -147,6 +145,12 @@ private:
     void addSeconds(int seconds) {
         fields_.second += seconds % 60;
         fields_.minute += seconds / 60;
+    }
+
+    /// A short offset behind a day may be something else, such as the end of a span.
+    bool readZoneOfDay() {
+        constexpr std::size_t FullOffset = 6;  // +01:00
+        return (text_.rest() == u"Z" || text_.left() == FullOffset) && readZone();
     }
 
     bool readZone() {

@@ -51,19 +51,22 @@ private:
 
     // Times.
 
-    /// 10:11, 10:11:12.5, 10h11, with am or pm.
+    /// 10:11, 10:11:12.5, 10h11, and 10.11 where a word tells that it is a time.
     bool readTime() {
-        if (hasTime_ || !peek().isShort() || !peek(1).isGlued) return false;
-        const bool hasColon = peek(1).isMark(u':');
-        if (!hasColon && !(peek(1).as(Meaning::HourMark) && peek(2).isGlued)) return false;
-        if (!isMinute(2)) return false;
+        if (hasTime_ || !peek().isShort() || !peek(1).isGlued || !isMinute(2)) return false;
+        const bool hasColon = peek(1).isMark(u':'), isLong = peek(2).digits == 2;
+        if (!hasColon && !peek(1).as(Meaning::HourMark) && !isDottedTime()) return false;
         fields_.hour = peek().value;
         fields_.minute = peek(2).value;
-        const bool isLong = peek(2).digits == 2;
         take(3);
         if (!(hasColon && readSeconds()) && !isLong) return false;
         if (peek().isMark(u':')) return false;
         return setTime();
+    }
+    bool isDottedTime() const {
+        const DateToken& behind = peek(3);
+        return peek(1).isMark(u'.') &&
+               (behind.as(Meaning::Meridiem) || behind.as(Meaning::HourMark));
     }
     bool isMinute(std::size_t ahead) const { return peek(ahead).isShort() && peek(ahead).isGlued; }
 
@@ -83,15 +86,17 @@ private:
     bool readHour() {
         if (hasTime_ || !peek().isShort()) return false;
         const DateToken& behind = peek(1);
-        const DateWord* const named = behind.as(Meaning::NamedHour);
-        fields_.hour = peek().value;
-        if (named && fields_.hour == 12) {
-            fields_.hour = named->value;
-            return hasClearTime_ = hasTime_ = take(2);
-        }
+        if (const DateWord* const named = behind.as(Meaning::NamedHour))
+            return peek().value == 12 && setNamedHour(named->value, 2);
         const bool isHour = behind.as(Meaning::Meridiem) || behind.as(Meaning::HourMark) ||
                             (hasWholeDay() && isZoneAt(1));
-        return isHour && take(1) && setTime();
+        if (!isHour) return false;
+        fields_.hour = peek().value;
+        return take(1) && setTime();
+    }
+    bool setNamedHour(int hour, std::size_t tokens) {
+        fields_.hour = hour;
+        return hasClearTime_ = hasTime_ = take(tokens);
     }
 
     /// The hour is read; takes what may follow it.
@@ -187,10 +192,8 @@ private:
         const DateToken& word = peek();
         if (const DateWord* const month = word.as(Meaning::Month); month && setMonth(month->value))
             return true;
-        if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_) {
-            fields_.hour = hour->value;
-            return hasClearTime_ = hasTime_ = take(1);
-        }
+        if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_)
+            return setNamedHour(hour->value, 1);
         if (word.as(Meaning::Weekday) && !hasWeekday_) return hasWeekday_ = take(1);
         if (const DateWord* const day = word.as(Meaning::Ordinal); day && !hasDayOfMonth_)
             return setDayOfMonth(day->value, 1);
@@ -199,7 +202,7 @@ private:
 
     /// Words without weight stand before something. A zone may be spelt like one (AT).
     bool readFiller() {
-        if (isLast()) return false;
+        if (isLast() || peek(1).kind == DateToken::Kind::Mark) return false;
         const bool joinsTime =
             peek().as(Meaning::TimeMark) && peek().isGlued && peek(1).isShort() && peek(1).isGlued;
         return (joinsTime || peek().as(Meaning::Filler)) && take(1);
@@ -234,9 +237,11 @@ private:
         return token.end != 0 && DateCursor(text_.substr(token.begin)).zone().has_value();
     }
 
-    /// Behind a time, or behind all that a day has.
+    /// Behind a time; behind all that a day has, if it is a name or a full offset. A shorter one
+    /// may be the end of a span.
     bool readZone() {
-        if (!hasTime_ && !hasWholeDay()) return false;
+        const bool isMark = peek().kind == DateToken::Kind::Mark;
+        if (!hasTime_ && !(hasWholeDay() && (!isMark || peek(1).digits == 4))) return false;
         DateCursor cursor(text_.substr(peek().begin));
         const auto zone = cursor.zone();
         if (!zone || !canBeZone(*zone)) return false;
@@ -295,11 +300,15 @@ private:
         return unit && unit->value == SecondsOfDay;
     }
 
-    /// 3 days ago, 2 weeks from now
+    /// 3 days ago, 2 weeks from now, 2 weeks from today
     bool readAgo() {
         if (relative_) return false;
         if (peek(2).as(Meaning::Ago)) return readCount(0, -1) && take(1);
-        return peek(2).as(Meaning::From) && peek(3).as(Meaning::Now) && readCount(0, 1) && take(2);
+        return peek(2).as(Meaning::From) && isPresent(peek(3)) && readCount(0, 1) && take(2);
+    }
+    static bool isPresent(const DateToken& token) {
+        const DateWord* const day = token.as(Meaning::RelativeDay);
+        return token.as(Meaning::Now) || (day && day->value == 0);
     }
 
     /// A count and a unit.
