@@ -183,7 +183,7 @@ TEST(NaturalDates, RandomPartsAreReadInOneWay) {
         u"days W05 034 5th \uB144");
     std::mt19937 random(5);
     int dates = 0;
-    for (int i = 0; i < 200'000; ++i) {
+    for (int i = 0; i < 50'000; ++i) {
         std::u16string text, wide;
         for (std::size_t left = 1 + random() % 6; left > 0; --left) {
             const std::u16string blank(random() % 2, u' ');
@@ -195,7 +195,7 @@ TEST(NaturalDates, RandomPartsAreReadInOneWay) {
         EXPECT_EQ(read(text + u" zyx"), "none") << String(text);
         dates += date != "none";
     }
-    EXPECT_GT(dates, 2000);
+    EXPECT_GT(dates, 500);
 }
 
 }  // namespace
