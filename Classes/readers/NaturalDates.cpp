@@ -5,6 +5,7 @@
 // its own, which is asked first.
 #include <velmocore/readers/NaturalDates.h>
 
+#include "platform/CalendarYears.h"
 #include "readers/DateFields.h"
 #include "readers/DateTokens.h"
 #include "readers/NaturalReading.h"
@@ -22,8 +23,9 @@ public:
     std::optional<Date> read() {
         if (!tokens_.cut(text_)) return {};
         while (next_ < tokens_.size())
-            if (!readPart()) return {};
-        return relative_ ? relativeDate() : hasDay() ? dayDate() : timeOfToday();
+            if (!readPart() || isRefused_) return {};
+        if (hasWholeDay() && !relative_) return dateOf(fields_, zone());
+        return isInCalendar(now()) ? dateFromPresent() : std::nullopt;
     }
 
 private:
@@ -33,6 +35,11 @@ private:
     bool take(std::size_t count) {
         next_ += count;
         return true;
+    }
+    /// For what is read in part and is not in order: no other reader may go on from there.
+    bool refuse() {
+        isRefused_ = true;
+        return false;
     }
     bool isLast() const { return next_ + 1 >= tokens_.size(); }
 
@@ -59,9 +66,8 @@ private:
         fields_.hour = peek().value;
         fields_.minute = peek(2).value;
         take(3);
-        if (!(hasColon && readSeconds()) && !isLong) return false;
-        if (peek().isMark(u':')) return false;
-        return setTime();
+        if (!(hasColon && readSeconds()) && !isLong) return refuse();
+        return peek().isMark(u':') ? refuse() : setTime();
     }
     bool isDottedTime() const {
         const DateToken& behind = peek(3);
@@ -103,20 +109,22 @@ private:
     bool setTime() {
         if (peek().as(Meaning::HourMark)) take(1);
         hasTime_ = true;
+        if (const DateWord* const named = peek().as(Meaning::NamedHour))
+            return fields_.hour == 12 ? setNamedHour(named->value, 1) : refuse();
         const DateWord* const half = peek().as(Meaning::Meridiem);
         if (!half) return true;
-        if (fields_.hour < 1 || fields_.hour > 12) return false;
-        fields_.hour = fields_.hour % 12 + half->value;
-        return hasClearTime_ = take(1);
+        return setHalf(half->value) && (hasClearTime_ = take(1));
+    }
+    bool setHalf(int half) {
+        if (fields_.hour < 1 || fields_.hour > 12) return refuse();
+        fields_.hour = fields_.hour % 12 + half;
+        return true;
     }
 
     /// A time behind the half of the day.
     bool readTimeOf(int half) {
         take(1);
-        if (!peek().isNumber() || !readTime() || fields_.hour < 1 || fields_.hour > 12)
-            return false;
-        fields_.hour = fields_.hour % 12 + half;
-        return true;
+        return readTime() && setHalf(half);
     }
 
     // Days.
@@ -302,10 +310,17 @@ private:
         return isThere ? TimeZone::named(u"Asia/Seoul").value_or(options_.zone) : options_.zone;
     }
 
+    /// What lacks something is filled from the present.
+    std::optional<Date> dateFromPresent() {
+        if (relative_) return relativeDate();
+        return hasDay() ? dayOfYear() : timeOfToday();
+    }
+
     std::optional<Date> relativeDate() {
         if (hasDay() || hasWeekday_ || (hasTime_ && relative_->seconds)) return {};
-        if (!hasTime_) return relative_->from(now(), options_.zone);
-        return atTimeOn(relative_->dayFrom(here()));
+        if (hasTime_) return atTimeOn(relative_->dayFrom(here()));
+        const Date date = relative_->from(now(), options_.zone);
+        return isInCalendar(date) ? std::optional(date) : std::nullopt;
     }
 
     std::optional<Date> timeOfToday() {
@@ -314,16 +329,13 @@ private:
     }
 
     std::optional<Date> atTimeOn(std::chrono::local_days day) {
-        const std::chrono::year_month_day date(day);
-        setDay(static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
-               static_cast<int>(static_cast<unsigned>(date.day())));
+        fields_.setDay(std::chrono::year_month_day(day));
         return dateOf(fields_, options_.zone);
     }
 
     /// A year alone is no date, nor is a day; a month is one with either.
-    std::optional<Date> dayDate() {
-        if (!hasMonth_) return {};
-        if (!fields_.year && !hasDayOfMonth_ && !reading_.monthAlone) return {};
+    std::optional<Date> dayOfYear() {
+        if (!hasMonth_ || !(fields_.year || hasDayOfMonth_ || reading_.monthAlone)) return {};
         if (!fields_.year) {
             const auto today = std::chrono::floor<std::chrono::days>(here());
             fields_.year = static_cast<int>(std::chrono::year_month_day(today).year());
@@ -336,6 +348,7 @@ private:
     const NaturalReading reading_;
     DateTokens tokens_;
     std::size_t next_ = 0;
+    bool isRefused_ = false;
     DateFields fields_;
     bool hasMonth_ = false, hasDayOfMonth_ = false, hasWeekday_ = false;
     bool hasTime_ = false;

@@ -1,6 +1,8 @@
 // Natural language: what is read, what is refused, and that no text can be read in two ways.
 #include <velmocore/readers/NaturalDates.h>
 
+#include <limits>
+
 #include "readers/ReaderTestSupport.h"
 
 namespace velmo {
@@ -141,6 +143,7 @@ TEST(NaturalDates, Times) {
         {u"Feb 3 2001, 5 o'clock", "2001-02-03T05:00:00Z"},
         {u"noon, Feb 3 2001", "2001-02-03T12:00:00Z"},
         {u"Feb 3 2001 midnight", "2001-02-03T00:00:00Z"},
+        {u"Feb 3 2001 12:00 noon", "2001-02-03T12:00:00Z"},
         {u"3. Februar 2001 - 10:11", "2001-02-03T10:11:00Z"},
         {u"February 3, 2001 @ 10:11 pm", "2001-02-03T22:11:00Z"},
         {u"10:11 03.02.2001", "2001-02-03T10:11:00Z"},
@@ -188,6 +191,17 @@ TEST(NaturalDates, RelativeTime) {
     EXPECT_EQ(at(985519800, u"1 day ago", u"Europe/Berlin"), "2001-03-24T12:30:00Z");
     EXPECT_EQ(at(985519800, u"24 hours ago", u"Europe/Berlin"), "2001-03-24T11:30:00Z");
     EXPECT_EQ(at(981194400, u"today", u"Asia/Tokyo"), "2001-02-02T15:00:00Z");
+}
+
+/// A present that no calendar knows leaves only what needs none.
+TEST(NaturalDates, WildPresents) {
+    for (const double wild : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
+        const DateOptions options{.zone = {}, .now = Date(std::chrono::duration<double>(wild))};
+        for (const View text :
+             {View(u"today"), View(u"3 Feb"), View(u"noon"), View(u"last Monday at noon"), View(u"in 2 hours")})
+            EXPECT_FALSE(dateWithNaturalLanguageString(text, options)) << String(text);
+        EXPECT_EQ(iso(dateWithNaturalLanguageString(u"3 Feb 2001", options)), "2001-02-03T00:00:00Z");
+    }
 }
 
 TEST(NaturalDates, RefusesWhatIsNoDateOrCouldBeTwo) {
@@ -241,6 +255,11 @@ TEST(NaturalDates, RefusesWhatIsNoDateOrCouldBeTwo) {
                                  u"0 May 2001",
                                  u"Jan 5 0000",
                                  u"12:30:15 2001",
+                                 u"1:2 5 pm",
+                                 u"1:2:3:4 pm",
+                                 u"13:00 pm",
+                                 u"11:00 noon, 5 Jan 2001",
+                                 u"9999 years ago",
                                  u"10:30",
                                  u"1,234",
                                  u"5 Jan 20001",
