@@ -91,7 +91,9 @@ struct Page::State {
     Lazy<detail::TagList> tags_;
     Lazy<HtmlReferences> references_;
     Lazy<String> title, plainText;
-    Lazy<URL> favIcon;
+    Lazy<HtmlMetadata> metadata;
+    Lazy<HtmlMetaSummary> summary;
+    Lazy<URL> favIcon, canonicalURL;
     Lazy<std::vector<URL>> links, frames, images, stylesheetsAndScripts, embeddedObjects;
 };
 
@@ -117,6 +119,15 @@ const String& Page::title() const {
 const String& Page::plainText() const {
     return state_->plainText.get(
         [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}).text; });
+}
+
+const HtmlMetadata& Page::metadata() const {
+    // The tags of the whole page are not wanted for this: many who ask for it want no more.
+    return state_->metadata.get([this] { return htmlMetadata(state_->markup); });
+}
+
+const HtmlMetaSummary& Page::summary() const {
+    return state_->summary.get([this] { return detail::summaryOf(state_->tags()); });
 }
 
 const std::vector<URL>& Page::links() const {
@@ -153,6 +164,10 @@ const std::vector<URL>& Page::embeddedObjects() const {
 
 const URL& Page::favIcon() const {
     return state_->favIcon.get([this] { return state_->resolved(state_->references().favIcon); });
+}
+
+const URL& Page::canonicalURL() const {
+    return state_->canonicalURL.get([this] { return state_->resolved(metadata().canonical); });
 }
 
 String Page::language(const LanguageFilter& filter) const {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <velmocore/markup/Links.h>
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/markup/TagScanner.h>
@@ -65,6 +66,7 @@ HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
 std::set<String> imagesOf(TagWalk walk);
 std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
 std::set<String> embeddedObjectsOf(TagWalk walk);
+HtmlMetaSummary summaryOf(TagWalk walk);
 HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
 
 }  // namespace velmo::detail

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
@@ -55,6 +56,11 @@ public:
     /// As stringByConvertingHtml2PlainText() makes it.
     [[nodiscard]] const String& plainText() const VELMO_LIFETIME;
 
+    /// What its head says of it, all but the summary, read in one scan that ends at its body.
+    [[nodiscard]] const HtmlMetadata& metadata() const VELMO_LIFETIME;
+    /// As htmlMetaKeywordsDescriptionTitleDate() reads it from all of the page.
+    [[nodiscard]] const HtmlMetaSummary& summary() const VELMO_LIFETIME;
+
     // References, resolved, in page order or else in that of their texts, each once. What cannot be
     // resolved is left out: all that is relative, if it is not known to what.
 
@@ -67,6 +73,8 @@ public:
     [[nodiscard]] const std::vector<URL>& embeddedObjects() const VELMO_LIFETIME;
     /// Absent if it names none.
     [[nodiscard]] const URL& favIcon() const VELMO_LIFETIME;
+    /// The address that it wants to be known by; absent if it names none.
+    [[nodiscard]] const URL& canonicalURL() const VELMO_LIFETIME;
 
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.
