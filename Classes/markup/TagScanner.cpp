@@ -65,7 +65,7 @@ const char16_t* findText(const char16_t* from, const char16_t* to, std::string_v
     for (std::size_t start = 0;; ++start) {
         start = detail::nextCandidate(from, start, starts, first, second);
         if (start == starts) return nullptr;
-        if (keyword::beginsWith({from + start, to}, needle)) return from + start;
+        if (detail::keyword::beginsWith({from + start, to}, needle)) return from + start;
     }
 }
 
@@ -86,7 +86,7 @@ public:
           commentEnd_({end, "-->"}),
           closingBehindComment_({end, closing}) {}
 
-    bool isNamed(std::u16string_view name) const { return keyword::equals(name, name_); }
+    bool isNamed(std::u16string_view name) const { return detail::keyword::equals(name, name_); }
 
     /// The place of the > that ends the element opened at a tag, end if there is a closing
     /// text and no > behind it, and null if there is no closing text.
@@ -98,7 +98,7 @@ public:
             if (const char16_t* commentEnd = commentEnd_.from(comment))
                 if (const char16_t* behind = closingBehindComment_.from(commentEnd))
                     closing = behind;
-        return scan::find(closing + closingLength_, end_, u'>');
+        return detail::scan::find(closing + closingLength_, end_, u'>');
     }
 
 private:
@@ -221,13 +221,13 @@ private:
 #if defined(__SSE2__)
         // Most names end within eight units. What is not plain ASCII, or a slash or a > in a
         // quoted value, ends this search, and the loop below tells what it is.
-        if (end_ - at >= scan::BlockUnits) {
-            const __m128i block = scan::loadBlock(at);
-            const __m128i ends =
-                _mm_or_si128(scan::equalTo(block, u'/'), scan::equalTo(block, u'>'));
+        if (end_ - at >= detail::scan::BlockUnits) {
+            const __m128i block = detail::scan::loadBlock(at);
+            const __m128i ends = _mm_or_si128(detail::scan::equalTo(block, u'/'),
+                                              detail::scan::equalTo(block, u'>'));
             const int plain =
-                _mm_movemask_epi8(_mm_andnot_si128(ends, scan::inRange(block, 0x21, 0x7F)));
-            at = std::min(at + scan::firstOf(~plain), last);
+                _mm_movemask_epi8(_mm_andnot_si128(ends, detail::scan::inRange(block, 0x21, 0x7F)));
+            at = std::min(at + detail::scan::firstOf(~plain), last);
             if (at == last || *at == u' ') return at;
         }
 #endif
@@ -306,7 +306,8 @@ void logException(const std::string& name, const char* reason) {
 
 bool Tag::hasNameUnits(std::string_view ascii) const {
     return std::equal(ascii.begin(), ascii.end(), name().begin(), [](char letter, char16_t unit) {
-        return keyword::upper(static_cast<unsigned char>(letter)) == keyword::upper(unit);
+        return detail::keyword::upper(static_cast<unsigned char>(letter)) ==
+               detail::keyword::upper(unit);
     });
 }
 
