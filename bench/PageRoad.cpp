@@ -4,10 +4,12 @@
 #include <unicode/ustring.h>
 
 #include <cstring>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/PlainText.h>
@@ -51,12 +53,31 @@ void textVelmo(benchmark::State& state) {
 }
 BENCHMARK(textVelmo)->Name("plain-text/velmo")->Unit(benchmark::kMillisecond);
 
+void thumbnailsVelmo(benchmark::State& state) {
+    const URL base = URL::URLWithString(u"http://h.org/a/");
+    eachPage(state, corpus().pages, [&](const std::string& page) {
+        const String units = stringWithMarkupData(Bytes(page));
+        benchmark::DoNotOptimize(getLinkThumbnails(units, {.baseURL = base}));
+    });
+}
+BENCHMARK(thumbnailsVelmo)->Name("thumbnails/velmo")->Unit(benchmark::kMillisecond);
+
 /// What the peer's handlers collect.
 struct Collected {
     std::vector<std::string> links;
     std::string text;
     int raw = 0;
+    std::string link;  ///< the one that is open
+    std::map<std::string, std::string> thumbnails, titles, texts;
 };
+
+/// The value of an attribute; empty if there is none.
+std::string_view valueOf(const xmlChar** attributes, const char* name) {
+    for (; attributes && attributes[0]; attributes += 2)
+        if (!std::strcmp(reinterpret_cast<const char*>(attributes[0]), name) && attributes[1])
+            return reinterpret_cast<const char*>(attributes[1]);
+    return {};
+}
 
 bool isRaw(const xmlChar* name) {
     return !std::strcmp(reinterpret_cast<const char*>(name), "script") ||
@@ -93,6 +114,40 @@ void linksLibxml2(benchmark::State& state) {
              [&](const std::string& page) { parseWithLibxml2(page, handler); });
 }
 BENCHMARK(linksLibxml2)->Name("links/libxml2")->Unit(benchmark::kMillisecond);
+
+/// The first image in each link, as it stands, its title and its text: no image is judged or
+/// resolved, none beside a link is looked for, and no white space is collapsed.
+void thumbnailsLibxml2(benchmark::State& state) {
+    htmlSAXHandler handler{};
+    handler.startElement = [](void* data, const xmlChar* name, const xmlChar** attributes) {
+        auto* collected = static_cast<Collected*>(data);
+        const char* tag = reinterpret_cast<const char*>(name);
+        if (!std::strcmp(tag, "a")) {
+            collected->link = valueOf(attributes, "href");
+            collected->text.clear();
+            if (const auto title = valueOf(attributes, "title"); !title.empty())
+                collected->titles.emplace(collected->link, title);
+        } else if (!std::strcmp(tag, "img") && !collected->link.empty()) {
+            collected->thumbnails.emplace(collected->link, valueOf(attributes, "src"));
+            collected->titles.emplace(collected->link, valueOf(attributes, "alt"));
+        }
+    };
+    handler.characters = [](void* data, const xmlChar* text, int length) {
+        auto* collected = static_cast<Collected*>(data);
+        if (!collected->link.empty())
+            collected->text.append(reinterpret_cast<const char*>(text),
+                                   static_cast<std::size_t>(length));
+    };
+    handler.endElement = [](void* data, const xmlChar* name) {
+        auto* collected = static_cast<Collected*>(data);
+        if (std::strcmp(reinterpret_cast<const char*>(name), "a")) return;
+        if (!collected->link.empty()) collected->texts.emplace(collected->link, collected->text);
+        collected->link.clear();
+    };
+    eachPage(state, corpus().pages,
+             [&](const std::string& page) { parseWithLibxml2(page, handler); });
+}
+BENCHMARK(thumbnailsLibxml2)->Name("thumbnails/libxml2")->Unit(benchmark::kMillisecond);
 
 void textLibxml2(benchmark::State& state) {
     htmlSAXHandler handler{};

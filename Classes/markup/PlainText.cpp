@@ -14,6 +14,7 @@
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/GoogleMask.h"
 #include "markup/PlainTextOutput.h"
 #include "markup/TagName.h"
 #include "markup/TagSupport.h"
@@ -30,10 +31,6 @@ using detail::Break;
 
 /// What a body must not count down to when everything counts as body.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
-
-constexpr std::size_t ShortestGoogleComment = 19;
-
-enum GoogleBits : unsigned { Index = 1, Snippet = 2, Anchor = 4, AllBits = 7 };
 
 bool opens(Units tag) { return isTagOpen(tag) && !isTagClosed(tag); }
 bool closes(Units tag) { return isTagClosed(tag) && !isTagOpen(tag); }
@@ -161,9 +158,9 @@ private:
         backgroundColor_ = attributeOfTagCharacters(tag, "BGCOLOR");
     }
 
-    /// Comments with which a site keeps parts of its pages out of an index. Each names the uses it
-    /// switches; text counts as long as it may be indexed.
+    /// Text counts as long as it may be indexed.
     void noteGoogleComment(const Tag& tag) {
+<<<<<<< HEAD
         if (!options_.googleTags || tag.tagLength < ShortestGoogleComment) return;
         const Units comment = tag.whole();
         const bool on = detail::keyword::contains(comment, "GOOGLEON:");
@@ -174,6 +171,9 @@ private:
         if (detail::keyword::contains(comment, "ANCHOR")) bits |= Anchor;
         if (detail::keyword::contains(comment, "ALL")) bits = AllBits;
         googleMask_ = on ? googleMask_ | bits : googleMask_ & ~bits;
+=======
+        if (options_.googleTags) googleMask_.note(tag);
+>>>>>>> w-thumbs
     }
 
     // --- text -------------------------------------------------------------------------
@@ -191,7 +191,8 @@ private:
     bool isHeldBack() const {
         return inFrameAlternative_ || inNoScript_ || inMarquee_ || inTextarea_ ||
                (options_.removeJunk && hiddenFont_) ||
-               (options_.googleTags && (!(googleMask_ & Index) || feedDate_));
+               (options_.googleTags &&
+                (!googleMask_.allows(detail::GoogleMask::Index) || feedDate_));
     }
 
     /// Invisible text of a hundred units and more that is mostly long words is there for
@@ -295,7 +296,7 @@ private:
     String backgroundColor_;      ///< "BGCOLOR" of the body
     std::int64_t bodyDepth_;      ///< text counts while this is above 0
     std::int64_t linkDepth_ = 0;  ///< open links and headings
-    unsigned googleMask_ = AllBits;
+    detail::GoogleMask googleMask_;
     bool inMarquee_ = false, inTextarea_ = false;
     bool inFrameAlternative_ = false, inNoScript_ = false;
     bool hiddenFont_ = false, feedDate_ = false;

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/PageMetadata.h>
 #include <velmocore/markup/PageResources.h>
@@ -66,7 +67,12 @@ HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
 std::set<String> imagesOf(TagWalk walk);
 std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
 std::set<String> embeddedObjectsOf(TagWalk walk);
+<<<<<<< HEAD
 HtmlMetaSummary summaryOf(TagWalk walk);
+=======
+LinkThumbnails thumbnailsOf(std::u16string_view page, TagWalk walk,
+                            const LinkThumbnailOptions& options);
+>>>>>>> w-thumbs
 HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
 
 }  // namespace velmo::detail

@@ -41,13 +41,15 @@ std::uint64_t hashOf(std::u16string_view link, std::uint64_t start) {
 
 UniqueLinks::UniqueLinks(std::vector<String>& links) : links_(links), seed_(seed()) {}
 
-void UniqueLinks::add(std::u16string_view link) {
+std::size_t UniqueLinks::add(std::u16string_view link) {
     if (links_.size() * 2 >= slots_.size()) grow();
     const std::uint64_t hash = hashOf(link, seed_);
     Slot& slot = slotFor(hash, link);
-    if (slot.number) return;
-    links_.emplace_back(link);
-    slot = {hash, links_.size()};
+    if (!slot.number) {
+        links_.emplace_back(link);
+        slot = {hash, links_.size()};
+    }
+    return slot.number - 1;
 }
 
 // A slot that is taken is followed by the next one: with half of them free, runs are short.

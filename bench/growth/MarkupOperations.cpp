@@ -2,9 +2,11 @@
 #include <velmocore/markup/Charsets.h>
 #include <velmocore/markup/CzechEncodings.h>
 #include <velmocore/markup/Entities.h>
+#include <velmocore/markup/ErrorPages.h>
 #include <velmocore/markup/FileTypes.h>
 #include <velmocore/markup/JSONEscapes.h>
 #include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupCharset.h>
 #include <velmocore/markup/MarkupDecoding.h>
@@ -116,6 +118,13 @@ constexpr Operation Rows[] = {
          use(htmlLinks(in.text, {.useRelNoFollow = true, .filter = true}));
          use(htmlLinksContaining(in.text, u"zz", false));
      }},
+    {"thumbnails of links",
+     [](const Input& in) {
+         const URL base = URL::URLWithString(u"http://h.org/a/");
+         use(getLinkThumbnails(in.text, {.baseURL = base}));
+         use(getLinkThumbnails(in.text, {.baseURL = base, .resolve = true, .googleTags = true}));
+         use(stringByExtractingJavaScriptURL(in.text));
+     }},
     {"frames and robots", [](const Input& in) { use(htmlLinksAndFramesSet(in.text)); }},
     {"resources",
      [](const Input& in) {
@@ -131,6 +140,12 @@ constexpr Operation Rows[] = {
          use(revisitAfter(in.text));
          use(getLinkAttribute(in.text));
      }},
+    {"error pages",
+     [](const Input& in) {
+         use(isErrorPageTitle(in.text, in.text, in.text));
+         use(isErrorPageTitle({}, in.text, u"http://h.org/404.html"));
+         use(exceededPageLoadFrequencyTitle({}, in.text));
+     }},
     {"a page at once",
      [](const Input& in) {
          const Page page = Page::pageWithString(in.text, URL::URLWithString(u"http://h.org/a/"));
@@ -142,6 +157,8 @@ constexpr Operation Rows[] = {
          use(page.stylesheetsAndScripts());
          use(page.embeddedObjects());
          use(page.favIcon());
+         use(page.linkThumbnails());
+         use(page.isErrorPage());
      }},
     {"kinds of markup files",
      [](const Input& in) {

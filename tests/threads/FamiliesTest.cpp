@@ -73,6 +73,7 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         },
         [&] { return std::to_string(page.links().size() + 100 * page.images().size()); },
         [&] { return joined(std::vector<String>(htmlImages(page.markup()).size(), page.favIcon().absoluteString())); },
+        [&] { return std::to_string(page.linkThumbnails().texts.size()) + (page.isErrorPage() ? "error" : "page"); },
         [&] { return stringByConvertingEntitiesToCharacters(page.markup()).utf8(); },
         [&] { return stringByConvertingCharactersToJSON(text).utf8(); },
         [&] { return joined(wordsUsingDefaultSeparation(text)); },

@@ -15,7 +15,7 @@ TEST_F(OutputTool, ChecksEveryWrite) {
     for (const char* command :
          {"--help", "--version", "help query", "words a.txt", "text --json p.html", "match one a.txt", "find o* a.txt",
           "excerpts one a.txt", "query one", "lines a.txt", "clean a.txt", "digest --md5 a.txt", "pack --stdout a.txt",
-          "url simplify http://h/", "mime html", "charset p.html", "language a.txt", "links p.html", "gather p.html"}) {
+          "url simplify http://h/", "mime html", "charset p.html", "language a.txt", "links p.html", "thumbs p.html", "gather p.html"}) {
         const Outcome full = shell("$V "s + command + " >/dev/full");
         EXPECT_EQ(full.code, 2) << command;
         EXPECT_EQ(full.err, "velmo: standard output: No space left on device\n") << command;

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/PageMetadata.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
@@ -55,6 +56,9 @@ public:
     [[nodiscard]] const String& title() const VELMO_LIFETIME;
     /// As stringByConvertingHtml2PlainText() makes it.
     [[nodiscard]] const String& plainText() const VELMO_LIFETIME;
+    /// Whether it only says that there is no such page, by its title, the text of its body and
+    /// where it comes from; see markup/ErrorPages.h.
+    [[nodiscard]] bool isErrorPage() const;
 
     /// What its head says of it, all but the summary, read in one scan that ends at its body.
     [[nodiscard]] const HtmlMetadata& metadata() const VELMO_LIFETIME;
@@ -75,6 +79,9 @@ public:
     [[nodiscard]] const URL& favIcon() const VELMO_LIFETIME;
     /// The address that it wants to be known by; absent if it names none.
     [[nodiscard]] const URL& canonicalURL() const VELMO_LIFETIME;
+    /// Thumbnails, titles and texts of its links, resolved as getLinkThumbnails() does it. Nothing
+    /// if it is not known what links are relative to.
+    [[nodiscard]] const LinkThumbnails& linkThumbnails() const VELMO_LIFETIME;
 
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.

@@ -21,6 +21,7 @@ Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
 Command makeTextCommand(Session& session);
+Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
