@@ -92,15 +92,11 @@ struct Page::State {
     Lazy<detail::TagList> tags_;
     Lazy<HtmlReferences> references_;
     Lazy<String> title, plainText;
-<<<<<<< HEAD
     Lazy<HtmlMetadata> metadata;
     Lazy<HtmlMetaSummary> summary;
-    Lazy<URL> favIcon, canonicalURL;
-=======
     Lazy<bool> isErrorPage;
-    Lazy<URL> favIcon;
+    Lazy<URL> favIcon, canonicalURL;
     Lazy<LinkThumbnails> linkThumbnails;
->>>>>>> w-thumbs
     Lazy<std::vector<URL>> links, frames, images, stylesheetsAndScripts, embeddedObjects;
 };
 
@@ -128,7 +124,6 @@ const String& Page::plainText() const {
         [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}).text; });
 }
 
-<<<<<<< HEAD
 const HtmlMetadata& Page::metadata() const {
     // The tags of the whole page are not wanted for this: many who ask for it want no more.
     return state_->metadata.get([this] { return htmlMetadata(state_->markup); });
@@ -136,7 +131,8 @@ const HtmlMetadata& Page::metadata() const {
 
 const HtmlMetaSummary& Page::summary() const {
     return state_->summary.get([this] { return detail::summaryOf(state_->tags()); });
-=======
+}
+
 bool Page::isErrorPage() const {
     return state_->isErrorPage.get([this] {
         // The title, which the plain text holds too, must not confirm itself.
@@ -145,7 +141,6 @@ bool Page::isErrorPage() const {
                                 .text;
         return isErrorPageTitle(title(), body, url().absoluteString());
     });
->>>>>>> w-thumbs
 }
 
 const std::vector<URL>& Page::links() const {
@@ -184,16 +179,15 @@ const URL& Page::favIcon() const {
     return state_->favIcon.get([this] { return state_->resolved(state_->references().favIcon); });
 }
 
-<<<<<<< HEAD
 const URL& Page::canonicalURL() const {
     return state_->canonicalURL.get([this] { return state_->resolved(metadata().canonical); });
-=======
+}
+
 const LinkThumbnails& Page::linkThumbnails() const {
     return state_->linkThumbnails.get([this] {
         return detail::thumbnailsOf(state_->markup, state_->tags(),
                                     {.baseURL = baseURL(), .resolve = true});
     });
->>>>>>> w-thumbs
 }
 
 String Page::language(const LanguageFilter& filter) const {

@@ -160,20 +160,7 @@ private:
 
     /// Text counts as long as it may be indexed.
     void noteGoogleComment(const Tag& tag) {
-<<<<<<< HEAD
-        if (!options_.googleTags || tag.tagLength < ShortestGoogleComment) return;
-        const Units comment = tag.whole();
-        const bool on = detail::keyword::contains(comment, "GOOGLEON:");
-        if (!on && !detail::keyword::contains(comment, "GOOGLEOFF:")) return;
-        unsigned bits = 0;
-        if (detail::keyword::contains(comment, "INDEX")) bits |= Index;
-        if (detail::keyword::contains(comment, "SNIPPET")) bits |= Snippet;
-        if (detail::keyword::contains(comment, "ANCHOR")) bits |= Anchor;
-        if (detail::keyword::contains(comment, "ALL")) bits = AllBits;
-        googleMask_ = on ? googleMask_ | bits : googleMask_ & ~bits;
-=======
         if (options_.googleTags) googleMask_.note(tag);
->>>>>>> w-thumbs
     }
 
     // --- text -------------------------------------------------------------------------

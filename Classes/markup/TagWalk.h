@@ -67,12 +67,9 @@ HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
 std::set<String> imagesOf(TagWalk walk);
 std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
 std::set<String> embeddedObjectsOf(TagWalk walk);
-<<<<<<< HEAD
 HtmlMetaSummary summaryOf(TagWalk walk);
-=======
 LinkThumbnails thumbnailsOf(std::u16string_view page, TagWalk walk,
                             const LinkThumbnailOptions& options);
->>>>>>> w-thumbs
 HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
 
 }  // namespace velmo::detail
