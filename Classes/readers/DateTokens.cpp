@@ -20,6 +20,8 @@ char16_t fold(char16_t unit) {
     return unit < 128 ? ascii::toLower(unit) : lowerUmlautsCharsTable()[unit];
 }
 
+constexpr bool isHangul(char16_t unit) { return unit >= 0xAC00 && unit <= 0xD7A3; }
+
 /// Whether a word of the text ends where the other, which is folded, does.
 bool beginsWithFolded(std::u16string_view text, std::u16string_view folded) {
     if (text.size() < folded.size()) return false;
@@ -84,6 +86,7 @@ bool DateTokens::addWord() {
     DateToken& token = add(DateToken::Kind::Word, length);
     token.meanings = meanings;
     mayHaveZone_ |= token.as(Meaning::NamedHour) != nullptr;
+    isKorean_ |= !meanings.empty() && isHangul(folded[0]);
     return true;
 }
 

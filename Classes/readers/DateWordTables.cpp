@@ -1,4 +1,4 @@
-// The vocabulary of dates: 318 rows, by language. Names of months and weekdays are those of the
+// The vocabulary of dates: 326 rows, by language. Names of months and weekdays are those of the
 // Unicode locale data, wide and abbreviated, without their full stops; a name that several
 // languages share stands with the first. A word of several meanings has a row for each.
 #include "readers/DateWords.h"
@@ -245,6 +245,16 @@ constexpr DateWord Words[] = {
     {u"\u03c0\u03b1\u03c1", Meaning::Weekday, 5},
     {u"\u03c3\u03b1\u03b2", Meaning::Weekday, 6},
 
+    // Korean, and what Chinese and Japanese share
+    {u"\ub144", Meaning::DatePart, 0},
+    {u"\uc6d4", Meaning::DatePart, 1},
+    {u"\uc77c", Meaning::DatePart, 2},
+    {u"\uc624\uc804", Meaning::EarlyMeridiem, 0},
+    {u"\uc624\ud6c4", Meaning::EarlyMeridiem, 12},
+    {u"\u5e74", Meaning::DatePart, 0},
+    {u"\u6708", Meaning::DatePart, 1},
+    {u"\u65e5", Meaning::DatePart, 2},
+
     // Times of day
     {u"am", Meaning::Meridiem, 0},
     {u"pm", Meaning::Meridiem, 12},
@@ -356,7 +366,7 @@ constexpr DateWord Words[] = {
     {u"am", Meaning::Filler, 0},
     {u"um", Meaning::Filler, 0},
 };
-static_assert(std::size(Words) == 318);
+static_assert(std::size(Words) == 326);
 
 /// The rows by their names, so that a word is found by halving.
 constexpr auto SortedWords = [] {

@@ -40,11 +40,13 @@ private:
     bool readMonth() { return (fields_.month = text_.number(2, 2)) > 0; }
     bool readDayOfMonth() { return (fields_.day = text_.number(2, 2)) > 0; }
 
-    /// -YY-MM
+    /// -YY-MM and -YYMM
     bool readShortMonth() {
-        if (!text_.take(u'-') || text_.digitsHere() != 2) return false;
+        if (!text_.take(u'-')) return false;
+        const std::size_t digits = text_.digitsHere();
+        if (digits != 2 && digits != 4) return false;
         fields_.year = yearOfTwoDigits(text_.number(2, 2));
-        return text_.take(u'-') && readMonth() && text_.isAtEnd();
+        return (digits == 4 || text_.take(u'-')) && readMonth() && text_.isAtEnd();
     }
     /// YY-MM-DD
     bool readShortDay() {

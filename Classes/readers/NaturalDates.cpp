@@ -39,7 +39,7 @@ private:
     bool readPart() {
         switch (peek().kind) {
             case DateToken::Kind::Number:
-                return readTime() || readHour() || readAgo() || readJoined() ||
+                return readNamedPart() || readTime() || readHour() || readAgo() || readJoined() ||
                        readYearAndMonth() || readNumber();
             case DateToken::Kind::Word:
                 return readRelative() || readName() || readZone();
@@ -110,6 +110,15 @@ private:
         return hasClearTime_ = take(1);
     }
 
+    /// A time behind the half of the day.
+    bool readTimeOf(int half) {
+        take(1);
+        if (!peek().isNumber() || !readTime() || fields_.hour < 1 || fields_.hour > 12)
+            return false;
+        fields_.hour = fields_.hour % 12 + half;
+        return true;
+    }
+
     // Days.
 
     bool hasWholeDay() const { return fields_.year && hasMonth_ && hasDayOfMonth_; }
@@ -161,6 +170,16 @@ private:
     }
     static bool isYearOfOurs(int year) { return year >= 1900 && year < 2100; }
 
+    /// A number whose word tells what it is: 2001\u5e74.
+    bool readNamedPart() {
+        const DateWord* const part = peek(1).isGlued ? peek(1).as(Meaning::DatePart) : nullptr;
+        if (!part) return false;
+        const int number = peek().value;
+        if (part->value == 0) return peek().digits == 4 && !fields_.year && setYear(number, 2);
+        if (part->value == 2) return !hasDayOfMonth_ && setDayOfMonth(number, 2);
+        return setMonth(number) && take(1);
+    }
+
     bool readNumber() {
         const DateToken& number = peek();
         if (number.digits == 4 && !fields_.year) return setYear(number.value, 1);
@@ -194,6 +213,8 @@ private:
             return true;
         if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_)
             return setNamedHour(hour->value, 1);
+        if (const DateWord* const half = word.as(Meaning::EarlyMeridiem))
+            return readTimeOf(half->value);
         if (word.as(Meaning::Weekday) && !hasWeekday_) return hasWeekday_ = take(1);
         if (const DateWord* const day = word.as(Meaning::Ordinal); day && !hasDayOfMonth_)
             return setDayOfMonth(day->value, 1);
@@ -214,6 +235,8 @@ private:
         const bool isInside = mark.isGlued && peek(1).isGlued;
         if (mark.isMark(u',')) return take(1);
         if (mark.isMark(u'.')) return mark.isGlued && isAbbreviated(*before()) && take(1);
+        if (mark.isMark(u'-') && !mark.isGlued && hasDay() && !hasTime_)
+            return take(1) && readTime();
         if (mark.isMarkOf(u"-/")) return isInside && joinsMonth() && take(1);
         return mark.isMarkOf(u"'\u2019") && readApostrophe();
     }
@@ -340,6 +363,12 @@ private:
     Date now() const { return options_.now ? *options_.now : std::chrono::system_clock::now(); }
     LocalTime here() const { return options_.zone.localTimeOf(now()); }
 
+    /// All of Korea has one zone.
+    TimeZone zone() const {
+        const bool isThere = options_.offsets && tokens_.isKorean();
+        return isThere ? TimeZone::named(u"Asia/Seoul").value_or(options_.zone) : options_.zone;
+    }
+
     std::optional<Date> relativeDate() {
         if (hasDay() || hasWeekday_ || (hasTime_ && relative_->seconds)) return {};
         if (!hasTime_) return relative_->from(now(), options_.zone);
@@ -366,7 +395,7 @@ private:
             const auto today = std::chrono::floor<std::chrono::days>(here());
             fields_.year = static_cast<int>(std::chrono::year_month_day(today).year());
         }
-        return dateOf(fields_, options_.zone);
+        return dateOf(fields_, zone());
     }
 
     static constexpr int SecondsOfDay = 86400;
