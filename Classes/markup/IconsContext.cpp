@@ -21,7 +21,12 @@ using Units = std::u16string_view;
 
 /// By its name: a link to a JPEG is one to a picture in full size.
 bool namesJpeg(Units url) {
-    return keyword::contains(url, ".JPG") || keyword::contains(url, ".JPE");
+    for (std::size_t dot = url.find(u'.'); dot != url.npos; dot = url.find(u'.', dot + 1)) {
+        const Units extension = url.substr(dot + 1);
+        if (keyword::beginsWith(extension, "JPG") || keyword::beginsWith(extension, "JPE"))
+            return true;
+    }
+    return false;
 }
 
 Units withoutTitlePrefix(Units title) {

@@ -87,9 +87,9 @@ bool SuffixTable::isAtEndOf(Units text, Reading reading) const {
     for (std::size_t depth = 0; from != to; ++depth) {
         if (from->size() == depth) return true;
         const auto unitOf = [depth](const std::u16string& row) { return row[depth]; };
-        const auto same = std::ranges::equal_range(from, to, reader.next(), {}, unitOf);
-        from = same.begin();
-        to = same.end();
+        const char16_t unit = reader.next();
+        from = std::ranges::lower_bound(from, to, unit, {}, unitOf);
+        to = std::ranges::upper_bound(from, to, unit, {}, unitOf);
     }
     return false;
 }
