@@ -86,7 +86,7 @@ const std::vector<String>& decodedPages() {
 
 void metadataVelmo(benchmark::State& state) {
     eachPage(state, decodedPages(), [](const String& page) {
-        benchmark::DoNotOptimize(htmlMetadata(page, {.convertedAttributes = false}));
+        benchmark::DoNotOptimize(htmlMetadata(page));
     });
 }
 BENCHMARK(metadataVelmo)->Name("metadata/velmo")->Unit(benchmark::kMillisecond);
@@ -94,7 +94,7 @@ BENCHMARK(metadataVelmo)->Name("metadata/velmo")->Unit(benchmark::kMillisecond);
 void metadataOfBytesVelmo(benchmark::State& state) {
     eachPage(state, corpus().pages, [](const std::string& page) {
         const String units = stringWithMarkupData(Bytes(page));
-        benchmark::DoNotOptimize(htmlMetadata(units, {.convertedAttributes = false}));
+        benchmark::DoNotOptimize(htmlMetadata(units));
     });
 }
 BENCHMARK(metadataOfBytesVelmo)->Name("metadata/velmo-bytes")->Unit(benchmark::kMillisecond);

@@ -3,10 +3,12 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/markup/TagScanner.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/Normalisation.h>
 
 #include "markup/TagSupport.h"
 #include "text/Keyword.h"
@@ -26,13 +28,18 @@ public:
     Units property() { return read(property_, "PROPERTY"); }
     /// The NAME, or else the PROPERTY.
     Units key() { return name().empty() ? property() : name(); }
-    Units content() {
-        if (!content_.wasRead) {
-            const Range range = rangeOfContentAttributeOfTagCharacters(tag_);
-            if (range.isFound()) content_.value = tag_.substr(range.location, range.length);
-            content_.wasRead = true;
+    const String& lowercaseKey() {
+        if (lowercaseKey_.isAbsent()) {
+            std::u16string units(key());
+            lowercase(units);
+            lowercaseKey_ = units;
         }
-        return content_.value;
+        return lowercaseKey_;
+    }
+    /// The CONTENT; absent if there is none.
+    const String& content() {
+        if (!std::exchange(hasReadContent_, true)) content_ = contentAttributeOfTagCharacters(tag_);
+        return content_;
     }
 
 private:
@@ -47,7 +54,9 @@ private:
     }
 
     const Units tag_;
-    Attribute name_, httpEquiv_, property_, content_;
+    Attribute name_, httpEquiv_, property_;
+    String lowercaseKey_, content_;
+    bool hasReadContent_ = false;
 };
 
 /// Which meta tags are meant: those whose NAME, or HTTP-EQUIV, is one of up to three values in any
@@ -72,19 +81,24 @@ private:
     }
 };
 
-/// The contents of several tags with spaces between.
+/// The contents of several tags with spaces between. Nearly always there is one, which is shared.
 class JoinedContents {
 public:
-    void add(std::u16string_view content) {
-        if (content.empty()) return;
-        if (!joined_.empty()) joined_ += u' ';
-        joined_ += content;
+    void add(const String& content) {
+        if (content.isEmpty()) return;
+        if (first_.isAbsent()) {
+            first_ = content;
+            return;
+        }
+        if (joined_.empty()) joined_ = first_.view();
+        joined_.append(1, u' ').append(content);
     }
 
     /// Absent if there were none.
-    String finish() const { return joined_.empty() ? String() : String(joined_); }
+    String finish() const { return joined_.empty() ? first_ : String(joined_); }
 
 private:
+    String first_;
     std::u16string joined_;
 };
 

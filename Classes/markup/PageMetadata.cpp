@@ -12,7 +12,6 @@
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/text/CharacterFinding.h>
 #include <velmocore/text/Collapsing.h>
-#include <velmocore/text/Normalisation.h>
 
 #include "markup/BaseRule.h"
 #include "markup/MetaTag.h"
@@ -125,7 +124,7 @@ private:
 class DateReader {
 public:
     bool operator()(MetaTag& tag) {
-        if (!givesDate(tag) || tag.content().empty()) return false;
+        if (!givesDate(tag) || tag.content().isEmpty()) return false;
         date_ = tag.content();
         return true;
     }
@@ -136,13 +135,10 @@ private:
 };
 
 /// A value for people.
-std::u16string converted(Units content) {
-    String value = stringByConvertingEntitiesToCharacters(content);
-    if (countLTGT(value))
-        value = stringByRemovingMultipleFeeds(stringByConvertingHtml2PlainText(value));
-    else
-        value = stringByRemovingMultipleWhiteSpaces(value);
-    return std::u16string(value);
+String converted(const String& content) {
+    const String value = stringByConvertingEntitiesToCharacters(content);
+    if (!countLTGT(value)) return stringByRemovingMultipleWhiteSpaces(value);
+    return stringByRemovingMultipleFeeds(stringByConvertingHtml2PlainText(value));
 }
 
 class AttributesReader {
@@ -150,32 +146,34 @@ public:
     explicit AttributesReader(bool convert) : convert_(convert) {}
 
     bool operator()(MetaTag& tag) {
-        std::u16string key(tag.key());
-        if (key.empty() || tag.content().empty()) return false;
-        lowercase(key);
-        std::u16string value = convert_ ? converted(tag.content()) : std::u16string(tag.content());
-        const auto [entry, isNew] = values_.try_emplace(std::move(key), std::move(value));
-        // A value that was not used up is still there.
-        if (!isNew) entry->second.append(1, u' ').append(value);
+        if (tag.key().empty() || tag.content().isAbsent()) return false;
+        add(tag.lowercaseKey(), convert_ ? converted(tag.content()) : tag.content());
         return false;
     }
 
-    MetaAttributes finish() const {
-        MetaAttributes attributes;
-        for (const auto& [key, value] : values_)
-            attributes.emplace_hint(attributes.end(), key, value);
-        return attributes;
+    MetaAttributes finish() {
+        for (const auto& [key, value] : joined_) attributes_[key] = value;
+        return std::move(attributes_);
     }
 
 private:
+    void add(const String& key, const String& value) {
+        const auto [entry, isNew] = attributes_.try_emplace(key, value);
+        if (isNew) return;
+        // Seldom, but then a tag may come very often.
+        const auto joined = joined_.try_emplace(key, entry->second).first;
+        joined->second.append(1, u' ').append(value);
+    }
+
     const bool convert_;
-    std::map<std::u16string, std::u16string> values_;
+    MetaAttributes attributes_;
+    std::map<String, std::u16string> joined_;
 };
 
 class SummaryReader {
 public:
     void readTitle(const Tag& tag) {
-        if (isTagClosed(tag.whole())) keepFirst(title_, tag.text());
+        if (isTagClosed(tag.whole()) && title_.isEmpty()) keepFirst(title_, tag.text());
     }
 
     bool operator()(MetaTag& tag) {
@@ -220,8 +218,8 @@ private:
             keepFirst(dcTitle_, tag.content());
     }
 
-    static void keepFirst(String& slot, Units value) {
-        if (slot.isEmpty() && !value.empty()) slot = value;
+    static void keepFirst(String& slot, const String& value) {
+        if (slot.isEmpty() && !value.isEmpty()) slot = value;
     }
     static String either(const String& first, const String& second) {
         return first.isAbsent() ? second : first;
@@ -279,7 +277,7 @@ public:
         return false;
     }
 
-    HtmlMetadata finish() const {
+    HtmlMetadata finish() {
         HtmlMetadata metadata;
         metadata.title = title_.reader.finish();
         metadata.normalizedTitle = normalizedHtmlString(metadata.title);
