@@ -10,7 +10,7 @@ namespace velmo::detail {
 namespace {
 
 constexpr std::size_t LongestNumber = 9, LongestWord = 16;
-constexpr std::u16string_view Marks = u"-/.:,+'_\u2019";
+constexpr std::u16string_view Marks = u"-/.:,+'_@\u2019";
 
 bool isLetter(char16_t unit) {
     return unit < 128 ? ascii::isLetter(unit) : alphaCharacterSetRep().contains(unit);

@@ -1,6 +1,6 @@
-// The vocabulary of dates: 326 rows, by language. Names of months and weekdays are those of the
-// Unicode locale data, wide and abbreviated, without their full stops; a name that several
-// languages share stands with the first. A word of several meanings has a row for each.
+// The vocabulary of dates: 328 rows, by language. Names of months and weekdays are the
+// full ones and the usual abbreviations, without their full stops; a name that several languages
+// share stands with the first. A word of several meanings has a row for each.
 #include "readers/DateWords.h"
 
 #include <algorithm>
@@ -349,6 +349,8 @@ constexpr DateWord Words[] = {
     {u"\u00ba", Meaning::Suffix, 0},
 
     // Words without weight
+    {u"ad", Meaning::Era, 0},
+    {u"ce", Meaning::Era, 0},
     {u"the", Meaning::Filler, 0},
     {u"of", Meaning::Filler, 0},
     {u"at", Meaning::Filler, 0},
@@ -366,7 +368,7 @@ constexpr DateWord Words[] = {
     {u"am", Meaning::Filler, 0},
     {u"um", Meaning::Filler, 0},
 };
-static_assert(std::size(Words) == 326);
+static_assert(std::size(Words) == 328);
 
 /// The rows by their names, so that a word is found by halving.
 constexpr auto SortedWords = [] {

@@ -30,6 +30,7 @@ enum class Meaning : std::uint8_t {
     DatePart,       ///< behind a year, a month or a day: 0, 1 or 2
     HourMark,       ///< behind hours: 10 Uhr, 10h30
     TimeMark,       ///< between day and time: T
+    Era,            ///< behind a year: AD
     Filler,         ///< has no weight
 };
 

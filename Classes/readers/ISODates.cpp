@@ -97,10 +97,7 @@ private:
     }
 
     bool setDay(std::chrono::sys_days day) {
-        const std::chrono::year_month_day date(day);
-        fields_.year = static_cast<int>(date.year());
-        fields_.month = static_cast<int>(static_cast<unsigned>(date.month()));
-        fields_.day = static_cast<int>(static_cast<unsigned>(date.day()));
+        fields_.setDay(std::chrono::year_month_day(day));
         return true;
     }
 

@@ -62,7 +62,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 29u);
+    EXPECT_EQ(names.size(), 30u);
     for (const std::string& name : names) {
         if (name == "url") continue;
         const std::string help = run("help " + name).out;
@@ -114,6 +114,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url classify", "http://h/"},
         {"url repair", "h.org"},
         {"mime", "html"},
+        {"date", "2001-02-03"},
     };
     EXPECT_EQ(std::size(runs), commands().size());
     for (const auto& [command, arguments] : runs) {

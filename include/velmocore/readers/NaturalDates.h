@@ -27,10 +27,10 @@ namespace velmo {
 /// day; "last Monday" is before today, "next Monday" after it. A number alone, a version, an amount
 /// of money or a running text is no date. Strings longer than 100 units are none.
 ///
-///     const DateOptions there = {.zone = {}, .now = Date(981194400s)};    // 2001-02-03 10:00
-///     dateWithNaturalLanguageString(u"yesterday at noon", there) == Date(981115200s);    // true
-///     dateWithNaturalLanguageString(u"3rd of February, 10:00", there) == Date(981194400s);    // true
-///     dateWithNaturalLanguageString(u"version 2.3", there).has_value();    // false
+///     const DateOptions there = {.zone = {}, .now = date(u"2001-02-03 10:00", {.zone = {}})};
+///     stringInISO8601(*dateWithNaturalLanguageString(u"yesterday, noon", there));    // 2001-02-02T12:00:00Z
+///     stringInISO8601(*dateWithNaturalLanguageString(u"5th of May", there));         // 2001-05-05T00:00:00Z
+///     dateWithNaturalLanguageString(u"version 2.3", there).has_value();              // false
 [[nodiscard]] VELMO_API std::optional<Date> dateWithNaturalLanguageString(
     std::u16string_view string, const DateOptions& options = {});
 
