@@ -7,7 +7,8 @@ namespace {
 
 using Units = std::u16string_view;
 
-// clang-format off: one row a line
+// One row a line.
+// clang-format off
 
 /// 10 wordings.
 constexpr Units ErrorPageTitles[] = {
@@ -30,27 +31,31 @@ constexpr Units PageLoadNotices[] = {
     u"Sorry. You have exceeded the allowed page load frequency. Come back later...",
     u"You have exceeded the allowed page load frequency. Please try again in a minute.",
     u"You have exceeded the allowed page load frequency. Please reload the page in 15 seconds.",
-    u"You have exceeded the allowed page load frequency. Wait a few seconds, then you can refresh "
-    u"and continue.",
-    u"You have exceeded the allowed page load frequency. Please wait a few seconds before "
-    u"reloading the page.",
-    u"Due to spam, we limit the number of times a page can be loaded. You have exceeded the "
-    u"allowed page load frequency.",
-    u"You have exceeded the allowed page load frequency. Please wait a moment then try again. "
-    u"Thank you.",
+    u"You have exceeded the allowed page load frequency. Wait a few seconds, then you can refresh and continue.",
+    u"You have exceeded the allowed page load frequency. Please wait a few seconds before reloading the page.",
+    u"Due to spam, we limit the number of times a page can be loaded. You have exceeded the allowed page load frequency.",
+    u"You have exceeded the allowed page load frequency. Please wait a moment then try again. Thank you.",
     u"Woah, slow down! You have exceeded the allowed page load frequency.",
 };
 static_assert(std::size(PageLoadNotices) == 9);
 
 /// 5 names of files.
 constexpr Units ErrorPageEndings[] = {
-    u"/404.php", u"/404.htm", u"/404.html", u"/404.shtml", u"/404-index.html",
+    u"/404.php",
+    u"/404.htm",
+    u"/404.html",
+    u"/404.shtml",
+    u"/404-index.html",
 };
 static_assert(std::size(ErrorPageEndings) == 5);
 
 /// 5 wordings, English and German.
 constexpr std::string_view MissingPageWordings[] = {
-    "not found", "does not exist", "doesn't exist", "nicht gefunden", "nicht vorhanden",
+    "not found",
+    "does not exist",
+    "doesn't exist",
+    "nicht gefunden",
+    "nicht vorhanden",
 };
 static_assert(std::size(MissingPageWordings) == 5);
 

@@ -2,17 +2,19 @@
 
 #include <algorithm>
 #include <numeric>
-#include <string>
 #include <utility>
 
 #include <velmocore/markup/Entities.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Comparison.h>
-#include <velmocore/text/Trimming.h>
 #include <velmocore/words/Words.h>
 
 #include "markup/TagSupport.h"
 #include "markup/ThumbnailTables.h"
+#include "platform/Unicode.h"
+#include "text/Keyword.h"
+#include "text/Pieces.h"
+#include "text/Trim.h"
 
 namespace velmo::detail {
 namespace {
@@ -90,23 +92,24 @@ void IconsContext::addTitles(Units tag, Link link, bool replace) {
             addTitle(stringByConvertingEntitiesToCharacters(title), link, replace);
 }
 
-void IconsContext::addTitle(Units title, Link link, bool replace) {
-    title = withoutTitlePrefix(title);
-    if (!saysNothing(title)) addString(entries_[link].title, title, links_[link], replace, true);
+void IconsContext::addTitle(const String& title, Link link, bool replace) {
+    const Units said = withoutTitlePrefix(title);
+    if (saysNothing(said)) return;
+    addString(entries_[link].title, pieceOf(title, said), links_[link], replace, true);
 }
 
-void IconsContext::addText(Units text, Link link) {
+void IconsContext::addText(const String& text, Link link) {
     addString(entries_[link].text, text, links_[link], true, false);
 }
 
-void IconsContext::addString(Wording& present, Units value, Units key, bool replace,
+void IconsContext::addString(Wording& present, const String& value, Units key, bool replace,
                              bool collapseAll) {
     if (!present.string.isAbsent() && !replace) return;
     const std::size_t words = numberOfWordsUsingDefaultSeparation(value);
     if (words == 0 || words < present.words) return;
-    std::u16string clean(value);
-    trimWhiteSpaces(clean);
-    removeMultipleWhiteSpaces(clean, collapseAll ? RunClass::WhiteSpaces : RunClass::Spaces);
+    const String clean = stringByRemovingMultipleWhiteSpaces(
+        trimmedString(value, Ends::Both, unicode::isWhiteSpaceOrNewline),
+        collapseAll ? RunClass::WhiteSpaces : RunClass::Spaces);
     // A link is no title.
     if (isEqualToStringNoCase(clean, key) || isAddress(clean)) return;
     present = {clean, words};

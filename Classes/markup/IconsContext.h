@@ -39,7 +39,7 @@ public:
     /// The titles that a tag has for the link. Without replace they count only if it has none.
     void addTitles(std::u16string_view tag, Link link, bool replace);
     /// The text of a link, as plain text.
-    void addText(std::u16string_view text, Link link);
+    void addText(const String& text, Link link);
 
     /// All that was found. The context is empty then.
     LinkThumbnails finish();
@@ -59,8 +59,8 @@ private:
 
     bool heldIsReplacedFor(std::optional<Link> link) const;
     void setThumbnail(const Thumbnail& thumbnail, Link link);
-    void addTitle(std::u16string_view title, Link link, bool replace);
-    static void addString(Wording& present, std::u16string_view value, std::u16string_view key,
+    void addTitle(const String& title, Link link, bool replace);
+    static void addString(Wording& present, const String& value, std::u16string_view key,
                           bool replace, bool collapseAll);
 
     const LinkThumbnailOptions& options_;

@@ -136,7 +136,8 @@ private:
         if (!options_.texts || !open_->hasText) return;
         const Units text =
             page_.substr(open_->textLocation, closing.tagLocation - open_->textLocation);
-        context_.addText(stringByConvertingHtml2PlainText(text), open_->link);
+        // Without a receiver to give back: an empty text is none anyway.
+        context_.addText(plainTextOf(String(), scanOf(text), {}).text, open_->link);
     }
 
     void closeLink() {

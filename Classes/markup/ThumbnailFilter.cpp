@@ -7,9 +7,9 @@
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/Comparison.h>
-#include <velmocore/text/Finding.h>
 
 #include "markup/ThumbnailTables.h"
+#include "text/Keyword.h"
 #include "text/UnitFold.h"
 
 namespace velmo::detail {
@@ -54,7 +54,9 @@ bool hasPictureSize(Units tag) {
 bool isThumbnailGif(Units reference) {
     static const SuffixTable gifs(thumbnailGifs());
     return !gifs.isAtEndOf(reference, SuffixTable::Reading::Path) &&
-           !containsSubstring(reference, u"ytimg.com/yt/img/pixel-", Case::Insensitive);
+           std::ranges::none_of(trackerGifs(), [reference](std::string_view tracker) {
+               return keyword::contains(reference, tracker);
+           });
 }
 
 bool isThumbnailJpeg(Units reference, Units tag) {

@@ -17,6 +17,9 @@ std::span<const std::string_view> thumbnailJpegs1() noexcept;
 std::span<const std::string_view> thumbnailJpegs2() noexcept;
 std::span<const std::string_view> thumbnailPngs() noexcept;
 
+/// What the URLs of GIFs hold that only count who looks, in capitals.
+std::span<const std::string_view> trackerGifs() noexcept;
+
 /// What the host of a search engine's page has in it, in capitals.
 std::span<const std::string_view> searchPageHosts() noexcept;
 

@@ -126,7 +126,7 @@ TEST_F(Tool, CountsAndNamesTheFilesOfExcerpts) {
                                                                {"--count --any-word 'cat dog'", "2\n", 0},
                                                                {"-c --described 'dog -cat'", "1\n", 0},
                                                                {"-c --plain --any-word 'd*'", "1\n", 0},
-        {"-c -l 'bird'", "0\n", 1},
+                                                               {"-c -l 'bird'", "0\n", 1},
                                                                {"-l 'cat OR dog'", both + "\n" + cat + "\n", 0},
                                                                {"-l0 --list 'cat -dog'", cat + '\0', 0},
                                                                {"-q cat", "", 0},
