@@ -85,9 +85,8 @@ const std::vector<String>& decodedPages() {
 }
 
 void metadataVelmo(benchmark::State& state) {
-    eachPage(state, decodedPages(), [](const String& page) {
-        benchmark::DoNotOptimize(htmlMetadata(page));
-    });
+    eachPage(state, decodedPages(),
+             [](const String& page) { benchmark::DoNotOptimize(htmlMetadata(page)); });
 }
 BENCHMARK(metadataVelmo)->Name("metadata/velmo")->Unit(benchmark::kMillisecond);
 
