@@ -24,8 +24,9 @@ struct PageOptions {
 };
 
 /// A page of the web, and what most programs want to know of it; the operations of the other
-/// headers tell more, one thing at a time. It is decoded when it is made and scanned once. Each
-/// part is made when it is first asked for, and kept.
+/// headers tell more, one thing at a time. It is decoded when it is made and scanned once, but for
+/// what its head says, which needs no more than that. Each part is made when it is first asked for,
+/// and kept.
 ///
 ///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>",
 ///                     {.url = URL::URLWithString(u"http://h.org/a/")});
