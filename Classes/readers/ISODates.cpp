@@ -130,7 +130,7 @@ private:
         return true;
     }
 
-    /// Of the last part, whatever it is.
+    /// Of the last part, whatever it is: half a minute is 30 seconds.
     bool readFraction() {
         if (ascii::isDigit(text_.peek())) return false;
         if (!text_.takeOneOf(u".,")) return true;

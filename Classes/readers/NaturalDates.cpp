@@ -216,11 +216,18 @@ private:
         return hasMonth_ = take(1);
     }
 
+    static const DateWord* monthOf(const DateToken& token) {
+        const DateWord* const month = token.as(Meaning::Month);
+        return month ? month : token.as(Meaning::WeakMonth);
+    }
+
     /// A word that has a meaning by itself.
     bool readName() {
         const DateToken& word = peek();
-        if (const DateWord* const month = word.as(Meaning::Month); month && setMonth(month->value))
+        if (const DateWord* const month = monthOf(word); month && setMonth(month->value)) {
+            isWeakMonth_ = month->meaning == Meaning::WeakMonth;
             return true;
+        }
         if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_)
             return setNamedHour(hour->value, 1);
         if (const DateWord* const half = word.as(Meaning::EarlyMeridiem))
@@ -255,8 +262,11 @@ private:
     bool isAbbreviated(const DateToken& token) const {
         return token.isWord() || (token.isShort() && !peek(1).isNumber());
     }
-    /// 3-Feb-2001
-    bool joinsMonth() const { return before()->as(Meaning::Month) || peek(1).as(Meaning::Month); }
+    /// 3-Feb-2001, Feb-3-2001
+    bool joinsMonth() const {
+        if (monthOf(*before()) || monthOf(peek(1))) return true;
+        return next_ >= 3 && tokens_[next_ - 2].isMark(peek().mark) && monthOf(tokens_[next_ - 3]);
+    }
     /// '01
     bool readApostrophe() {
         const DateToken& year = peek(1);
@@ -335,7 +345,8 @@ private:
 
     /// A year alone is no date, nor is a day; a month is one with either.
     std::optional<Date> dayOfYear() {
-        if (!hasMonth_ || !(fields_.year || hasDayOfMonth_ || reading_.monthAlone)) return {};
+        if (!hasMonth_ || isWeakMonth_ || !(fields_.year || hasDayOfMonth_ || reading_.monthAlone))
+            return {};
         if (!fields_.year) {
             const auto today = std::chrono::floor<std::chrono::days>(here());
             fields_.year = static_cast<int>(std::chrono::year_month_day(today).year());
@@ -351,6 +362,7 @@ private:
     bool isRefused_ = false;
     DateFields fields_;
     bool hasMonth_ = false, hasDayOfMonth_ = false, hasWeekday_ = false;
+    bool isWeakMonth_ = false;
     bool hasTime_ = false;
     bool hasClearTime_ = false;  // one that is nothing but a time: 10 pm, noon
     std::optional<RelativeTime> relative_;

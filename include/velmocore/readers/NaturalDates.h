@@ -18,7 +18,7 @@ namespace velmo {
 ///   (00 to 69 for 2000 to 2069), commas, full names, zones by name or offset
 /// - the output of Unix programs: Sat Feb 3 10:11:12 CET 2001
 /// - days with the month's name, also in German, French, Spanish, Italian, Portuguese, Dutch,
-///   Greek and Hungarian: 3 February 2001, Feb 3rd, February 2001, le 3 mars 2001
+///   Greek, Hungarian and Korean: 3 February 2001, Feb 3rd, February 2001, le 3 mars 2001
 /// - numbers joined by slashes, dashes or dots with a year of four digits, or two of two digits
 /// - times of 12 and 24 hours, noon, midnight
 /// - today, yesterday at 5 pm, tomorrow, last Monday, next week, in 3 days, 2 weeks ago
