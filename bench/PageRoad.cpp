@@ -1,4 +1,4 @@
-// The road of a page: bytes to units, links and plain text, beside ICU and libxml2.
+// The road of a page: bytes to units, links, plain text and metadata, beside ICU and libxml2.
 #include <benchmark/benchmark.h>
 #include <libxml/HTMLparser.h>
 #include <unicode/ustring.h>
@@ -12,7 +12,9 @@
 #include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/markup/PlainText.h>
+#include <velmocore/markup/TagStripping.h>
 
 #include "Corpus.h"
 
@@ -62,6 +64,40 @@ void thumbnailsVelmo(benchmark::State& state) {
 }
 BENCHMARK(thumbnailsVelmo)->Name("thumbnails/velmo")->Unit(benchmark::kMillisecond);
 
+void strippingVelmo(benchmark::State& state) {
+    eachPage(state, corpus().pages, [](const std::string& page) {
+        const String units = stringWithMarkupData(Bytes(page));
+        benchmark::DoNotOptimize(stripTags(units));
+    });
+}
+BENCHMARK(strippingVelmo)->Name("strip-tags/velmo")->Unit(benchmark::kMillisecond);
+
+/// The pages as units: a head is read of a page that is there, and the peer stops decoding where
+/// it stops reading.
+const std::vector<String>& decodedPages() {
+    static const std::vector<String> pages = [] {
+        std::vector<String> decoded;
+        for (const std::string& page : corpus().pages)
+            decoded.push_back(stringWithMarkupData(Bytes(page)));
+        return decoded;
+    }();
+    return pages;
+}
+
+void metadataVelmo(benchmark::State& state) {
+    eachPage(state, decodedPages(),
+             [](const String& page) { benchmark::DoNotOptimize(htmlMetadata(page)); });
+}
+BENCHMARK(metadataVelmo)->Name("metadata/velmo")->Unit(benchmark::kMillisecond);
+
+void metadataOfBytesVelmo(benchmark::State& state) {
+    eachPage(state, corpus().pages, [](const std::string& page) {
+        const String units = stringWithMarkupData(Bytes(page));
+        benchmark::DoNotOptimize(htmlMetadata(units));
+    });
+}
+BENCHMARK(metadataOfBytesVelmo)->Name("metadata/velmo-bytes")->Unit(benchmark::kMillisecond);
+
 /// What the peer's handlers collect.
 struct Collected {
     std::vector<std::string> links;
@@ -69,6 +105,9 @@ struct Collected {
     int raw = 0;
     std::string link;  ///< the one that is open
     std::map<std::string, std::string> thumbnails, titles, texts;
+    htmlParserCtxtPtr parser = nullptr;
+    std::map<std::string, std::string> metadata;
+    bool inTitle = false;
 };
 
 /// The value of an attribute; empty if there is none.
@@ -89,6 +128,7 @@ void parseWithLibxml2(const std::string& page, htmlSAXHandler& handler) {
     htmlParserCtxtPtr context =
         htmlCreateMemoryParserCtxt(page.data(), static_cast<int>(page.size()));
     if (!context) return;
+    collected.parser = context;
     htmlSAXHandlerPtr own = context->sax;
     context->sax = &handler;
     context->userData = &collected;
@@ -148,6 +188,39 @@ void thumbnailsLibxml2(benchmark::State& state) {
              [&](const std::string& page) { parseWithLibxml2(page, handler); });
 }
 BENCHMARK(thumbnailsLibxml2)->Name("thumbnails/libxml2")->Unit(benchmark::kMillisecond);
+
+/// Meta tags by their names, the title, the base and the canonical link, up to the body.
+void metadataLibxml2(benchmark::State& state) {
+    htmlSAXHandler handler{};
+    handler.startElement = [](void* data, const xmlChar* name, const xmlChar** attributes) {
+        auto* collected = static_cast<Collected*>(data);
+        const std::string_view tag(reinterpret_cast<const char*>(name));
+        if (tag == "body") return xmlStopParser(collected->parser);
+        if (tag == "title") collected->inTitle = true;
+        if (tag == "base") collected->metadata.emplace("base", valueOf(attributes, "href"));
+        if (tag == "link" && valueOf(attributes, "rel") == "canonical")
+            collected->metadata.emplace("canonical", valueOf(attributes, "href"));
+        if (tag != "meta") return;
+        std::string_view key = valueOf(attributes, "name");
+        if (key.empty()) key = valueOf(attributes, "property");
+        if (key.empty()) key = valueOf(attributes, "http-equiv");
+        const auto [entry, isNew] =
+            collected->metadata.try_emplace(std::string(key), valueOf(attributes, "content"));
+        if (!isNew) entry->second.append(" ").append(valueOf(attributes, "content"));
+    };
+    handler.characters = [](void* data, const xmlChar* text, int length) {
+        auto* collected = static_cast<Collected*>(data);
+        if (collected->inTitle)
+            collected->text.append(reinterpret_cast<const char*>(text),
+                                   static_cast<std::size_t>(length));
+    };
+    handler.endElement = [](void* data, const xmlChar*) {
+        static_cast<Collected*>(data)->inTitle = false;
+    };
+    eachPage(state, corpus().pages,
+             [&](const std::string& page) { parseWithLibxml2(page, handler); });
+}
+BENCHMARK(metadataLibxml2)->Name("metadata/libxml2")->Unit(benchmark::kMillisecond);
 
 void textLibxml2(benchmark::State& state) {
     htmlSAXHandler handler{};

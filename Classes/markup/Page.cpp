@@ -92,8 +92,10 @@ struct Page::State {
     Lazy<detail::TagList> tags_;
     Lazy<HtmlReferences> references_;
     Lazy<String> title, plainText;
+    Lazy<HtmlMetadata> metadata;
+    Lazy<HtmlMetaSummary> summary;
     Lazy<bool> isErrorPage;
-    Lazy<URL> favIcon;
+    Lazy<URL> favIcon, canonicalURL;
     Lazy<LinkThumbnails> linkThumbnails;
     Lazy<std::vector<URL>> links, frames, images, stylesheetsAndScripts, embeddedObjects;
 };
@@ -120,6 +122,15 @@ const String& Page::title() const {
 const String& Page::plainText() const {
     return state_->plainText.get(
         [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}).text; });
+}
+
+const HtmlMetadata& Page::metadata() const {
+    // The tags of the whole page are not wanted for this: many who ask for it want no more.
+    return state_->metadata.get([this] { return htmlMetadata(state_->markup); });
+}
+
+const HtmlMetaSummary& Page::summary() const {
+    return state_->summary.get([this] { return detail::summaryOf(state_->tags()); });
 }
 
 bool Page::isErrorPage() const {
@@ -166,6 +177,10 @@ const std::vector<URL>& Page::embeddedObjects() const {
 
 const URL& Page::favIcon() const {
     return state_->favIcon.get([this] { return state_->resolved(state_->references().favIcon); });
+}
+
+const URL& Page::canonicalURL() const {
+    return state_->canonicalURL.get([this] { return state_->resolved(metadata().canonical); });
 }
 
 const LinkThumbnails& Page::linkThumbnails() const {

@@ -9,6 +9,7 @@
 
 #include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/markup/TagScanner.h>
@@ -66,6 +67,7 @@ HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
 std::set<String> imagesOf(TagWalk walk);
 std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
 std::set<String> embeddedObjectsOf(TagWalk walk);
+HtmlMetaSummary summaryOf(TagWalk walk);
 LinkThumbnails thumbnailsOf(std::u16string_view page, TagWalk walk,
                             const LinkThumbnailOptions& options);
 HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);

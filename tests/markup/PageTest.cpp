@@ -44,6 +44,20 @@ TEST(Page, TellsItsParts) {
     EXPECT_TRUE(other.favIcon().isAbsent());
 }
 
+TEST(Page, TellsItsMetadata) {
+    const Page page = Page::pageWithString(
+        u"<title>a</title><meta name=author content=A><meta name=description content=b><link rel=canonical "
+        u"href=c><body><meta name=dc.title content=d><meta name=copyright content=e>",
+        URL::URLWithString(u"http://h.org/d/e"));
+    EXPECT_EQ(page.metadata().author, u"A");
+    EXPECT_EQ(page.metadata().convertedAttributes, (MetaAttributes{{u"author", u"A"}, {u"description", u"b"}}));
+    EXPECT_TRUE(page.metadata().copyright.isAbsent());
+    EXPECT_EQ(page.summary().title, u"d");
+    EXPECT_EQ(page.summary().description, u"b");
+    EXPECT_EQ(page.canonicalURL().absoluteString(), u"http://h.org/d/c");
+    EXPECT_TRUE(Page::pageWithString(u"<p>").canonicalURL().isAbsent());
+}
+
 TEST(Page, TellsThumbnailsAndErrorPages) {
     const Page page = Page::pageWithString(u"<base href=http://b.org/x/><a href=c#d><img src=e.jpg alt=E>F</a>");
     const LinkThumbnails& found = page.linkThumbnails();

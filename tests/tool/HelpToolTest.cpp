@@ -62,7 +62,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 27u);
+    EXPECT_EQ(names.size(), 30u);
     for (const std::string& name : names) {
         if (name == "url") continue;
         const std::string help = run("help " + name).out;
@@ -89,6 +89,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
         {"thumbs", "page.html"},
+        {"meta", "page.html"},
+        {"strip", "--tags page.html"},
         {"charset", "page.html"},
         {"words", "--list notes.txt"},
         {"language", "notes.txt"},

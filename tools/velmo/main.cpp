@@ -21,6 +21,8 @@ const std::vector<CommandEntry>& allCommands() {
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
         {"thumbs", makeThumbsCommand},
+        {"meta", makeMetaCommand},
+        {"strip", makeStripCommand},
         {"charset", makeCharsetCommand},
         {"words", makeWordsCommand},
         {"match", makeMatchCommand},

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <velmocore/markup/LinkThumbnails.h>
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
@@ -23,8 +24,9 @@ struct PageOptions {
 };
 
 /// A page of the web, and what most programs want to know of it; the operations of the other
-/// headers tell more, one thing at a time. It is decoded when it is made and scanned once. Each
-/// part is made when it is first asked for, and kept.
+/// headers tell more, one thing at a time. It is decoded when it is made and scanned once, but for
+/// what its head says, which needs no more than that. Each part is made when it is first asked for,
+/// and kept.
 ///
 ///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>",
 ///                     {.url = URL::URLWithString(u"http://h.org/a/")});
@@ -59,6 +61,11 @@ public:
     /// where it comes from; see markup/ErrorPages.h.
     [[nodiscard]] bool isErrorPage() const;
 
+    /// What its head says of it, all but the summary, read in one scan that ends at its body.
+    [[nodiscard]] const HtmlMetadata& metadata() const VELMO_LIFETIME;
+    /// As htmlMetaKeywordsDescriptionTitleDate() reads it from all of the page.
+    [[nodiscard]] const HtmlMetaSummary& summary() const VELMO_LIFETIME;
+
     // References, resolved, in page order or else in that of their texts, each once. What cannot be
     // resolved is left out: all that is relative, if it is not known to what.
 
@@ -71,6 +78,8 @@ public:
     [[nodiscard]] const std::vector<URL>& embeddedObjects() const VELMO_LIFETIME;
     /// Absent if it names none.
     [[nodiscard]] const URL& favIcon() const VELMO_LIFETIME;
+    /// The address that it wants to be known by; absent if it names none.
+    [[nodiscard]] const URL& canonicalURL() const VELMO_LIFETIME;
     /// Thumbnails, titles and texts of its links, resolved as getLinkThumbnails() does it. Nothing
     /// if it is not known what links are relative to.
     [[nodiscard]] const LinkThumbnails& linkThumbnails() const VELMO_LIFETIME;
