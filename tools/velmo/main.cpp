@@ -61,6 +61,8 @@ constexpr std::string_view OverviewTail =
 
 std::string listOf(std::span<const CommandEntry> commands, Session& session) {
     std::string list;
+    // A command is made only to ask for its summary: what it says of itself stands in its own
+    // file.
     for (const CommandEntry& entry : commands)
         list += fmt::format("  {:11}{}\n", entry.name,
                             entry.make ? entry.make(session).summary : entry.summary);
@@ -68,6 +70,7 @@ std::string listOf(std::span<const CommandEntry> commands, Session& session) {
 }
 
 /// The entry of that name; throws a UsageError with the nearest name if there is none.
+/// One walk for both: the names that were passed on the way are those to suggest from.
 const CommandEntry& entryOf(std::span<const CommandEntry> commands, std::string_view name) {
     std::vector<std::string_view> names;
     for (const CommandEntry& entry : commands) {
@@ -109,6 +112,7 @@ private:
 
     void runHelp(const std::vector<std::string>& names) {
         if (names.empty()) return printOverview();
+        // The word is a topic and a command; both are told, the topic first.
         if (names.front() == "query" && names.size() == 1)
             report_.printLine(std::string(QueryHelp));
         arguments_ = names;
@@ -133,6 +137,7 @@ private:
     /// Takes the words that name a command off the arguments.
     const CommandEntry* find(std::span<const CommandEntry> commands) {
         const CommandEntry* entry = nullptr;
+        // A group has no work of its own, so the next word is looked up among its actions.
         do {
             if (arguments_.empty() || isHelp(arguments_.front())) break;
             entry = &entryOf(entry ? entry->actions : commands, arguments_.front());
@@ -146,6 +151,7 @@ private:
         const CommandEntry* entry = find(allCommands());
         if (!entry) throw UsageError("a command is missing");
         if (!entry->make) {
+            // What is left can only be a wish for help: find() stopped there.
             if (arguments_.empty()) throw UsageError("an action is missing");
             return printActions(*entry);
         }
@@ -198,6 +204,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     std::ios::sync_with_stdio(false);
     velmo::setLogHandler(Report::logLine);
+    // The session outlives the run, whose reports write to its console until they are destroyed.
     Session session;
     Run run(session, {argv + 1, argv + argc});
     return runTool(session, run);
