@@ -1,3 +1,5 @@
+// Searches for strings. Each public form settles its rule (case, direction, table) ahead of the
+// loop and then runs one of two kernels, forward or backward, made for that rule.
 #include <velmocore/text/Finding.h>
 
 #include <algorithm>
@@ -35,6 +37,8 @@ std::size_t countSubstring(View string, View substring, Case letterCase) {
         std::size_t count = 0;
         std::uint64_t hit;
         for (View rest = string; (hit = firstOccurrence(rest, substring, fold)) != NotFound;
+             // Occurrences do not overlap, as with replacing: the count is the number of
+             // replacements.
              rest.remove_prefix(hit + substring.size()))
             ++count;
         return count;
@@ -49,6 +53,8 @@ bool containsSubstrings(View string, std::span<const String> substrings, Case le
 
 bool containsSubCStrings(View string, std::span<const std::string_view> keywords, Case letterCase) {
     return fastContainsSubCStrings(string, keywords,
+                                   // Only the text is mapped: keywords are in lower case by
+                                   // contract.
                                    letterCase == Case::Sensitive ? nullptr : &lowerCharsTable());
 }
 
@@ -56,6 +62,9 @@ Range findString(View string, View sought, Range selection, FindOptions options)
     const std::size_t start = std::min<std::size_t>(selection.location, string.size());
     const std::size_t end = start + std::min<std::size_t>(selection.length, string.size() - start);
     return withFold(options.letterCase, [&](const auto& fold) {
+        // The selection itself is in neither part: a hit there is what the user sees already. Both
+        // parts are searched in the direction of the search, so that a wrapped one goes on from
+        // the far end.
         const auto before = [&] {
             return findInPart(string, 0, start, sought, options.direction, fold);
         };

@@ -44,6 +44,7 @@ bool isUnchangedBy(View string, const ConversionTable& table) {
 /// Whether all bytes are ASCII; 32 at a time.
 bool areAscii(const std::uint8_t* bytes, std::size_t size) {
     constexpr std::uint64_t High = 0x8080808080808080;
+    // One test for four words; memcpy() as the bytes may stand at any address.
     for (; size >= 32; bytes += 32, size -= 32) {
         std::uint64_t words[4];
         std::memcpy(words, bytes, 32);
@@ -66,6 +67,8 @@ String uppercaseNonUmlautedString(const String& string) {
     return mapped(string, through(upperUmlautsCharsTable()), Unchanged::GivesReceiver);
 }
 
+// The forms with a normalisation compose first: a letter and a mark of its own would each be
+// looked up alone, and the mark would stay.
 String nonUmlautedNormalizedString(const String& string) {
     return normalizedAndMapped(string, through(umlautsCharsTable()));
 }

@@ -37,6 +37,7 @@ inline bool equalNoCase(std::u16string_view a, std::u16string_view b) {
 }
 
 /// Where the keyword first stands in the units, from a position on; npos if nowhere.
+/// A plain loop: keywords are short constants, and what they are sought in is a tag or a header.
 inline std::size_t find(std::u16string_view units, std::string_view capitals,
                         std::size_t from = 0) {
     for (std::size_t i = from; i + capitals.size() <= units.size(); ++i)
