@@ -35,6 +35,8 @@ public:
     /// Where the group of an opening parenthesis ends: at the closing one, or at the end of
     /// the query. To be asked from left to right.
     std::size_t closeOf(std::size_t open) {
+        // Parentheses in quotes and brackets are in the list but are never asked for, and are
+        // passed.
         while (pairs_[next_].open < open) ++next_;
         return pairs_[next_].close;
     }
@@ -56,6 +58,7 @@ public:
 
     QueryTree parse(const QueryTermFields& fields) {
         tree_.wildcard = options_.wildcard;
+        // The query itself is the outermost group, which no parenthesis closes.
         groups_.push_back({fields, query_.size(), 0, QueryOperator::None});
         for (;;) {
             if (index_ < groups_.back().end) {
@@ -150,6 +153,8 @@ private:
     }
 
     void openGroup() {
+        // Parentheses in quotes may pair across those of a group; a group never reaches beyond the
+        // one around it.
         const std::size_t end = std::min(parentheses_.closeOf(index_), groups_.back().end);
         groups_.push_back({next_, end, children_.size(), QueryOperator::None});
         reset();

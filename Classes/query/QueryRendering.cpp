@@ -31,6 +31,9 @@ constexpr ProximityRow ProximityRows[] = {
     {QueryOperator::Before, RenderBefore, "BEFORE"},
 };
 
+/// Walks the tree with a stack of its own, for its depth. What is written for a node depends on
+/// flags and on its own fields only, but for one thing: a leading plus of a group is known to be
+/// needed only when a later child is joined by AND.
 class Renderer {
 public:
     Renderer(const QueryTree& tree, std::uint64_t flags, const OperatorDictionary& dictionary)

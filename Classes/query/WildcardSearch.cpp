@@ -83,6 +83,7 @@ Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const Str
         if (!hit.isFound()) continue;
         best = hit;
         if (options.firstHit) break;
+        // A hit bounds what the next wildcard is sought in: only a nearer one can replace it.
         (options.direction == Direction::Backward ? start : end) =
             options.direction == Direction::Backward ? hit.end() : hit.location;
     }
@@ -121,6 +122,8 @@ Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> wor
     if (words.empty()) return Range::none();
     std::u16string phrase;
     for (const String& word : words) {
+        // The quotes separate words and are no hyphens: so nothing here is also sought as one
+        // joined word.
         phrase += phrase.empty() ? u'"' : u' ';
         phrase += word.view();
     }

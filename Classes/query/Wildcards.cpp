@@ -36,6 +36,7 @@ bool isCaseInsensitiveLike(std::u16string_view string, std::u16string_view wildc
                                              TableFold{upper});
 }
 
+/// The units of the language must not cut a wildcard in two.
 CharacterSetRep makeWildcardSeparators() {
     CharacterSetRep set = defaultWordSeparators();
     for (char16_t unit : {u'*', u'?', u'[', u']'}) set.remove(unit);
@@ -133,6 +134,7 @@ bool isUnicharTablePartOfConversionTable(const ConversionTable* table,
                                          const ConversionTable* conversion) {
     if (!table || !conversion) return false;
     if (table == conversion) return true;
+    // Told by the tables' addresses: each is one object for the whole process.
     const bool isLower = conversion == &lowerUmlautsCharsTable();
     const bool isUpper = conversion == &upperUmlautsCharsTable();
     if (table == &lowerCharsTable()) return isLower;

@@ -57,6 +57,7 @@ Range findWord(std::u16string_view text, std::u16string_view word, Range range,
 std::size_t FindWordInString(std::u16string_view text, Range range, std::u16string_view word,
                              const FindWordOptions& options) {
     if (word.empty()) return NotFound;
+    // Before the range is cut: such a word counts as found at the start of any range.
     if (word.front() == u'*') return range.location;
     range = cutAt(text, range);
     const detail::SoughtWord sought{text, word, options.letterCase, options.wholeWord,
@@ -100,6 +101,7 @@ Range FindNonExactPhraseInString(std::u16string_view text, Range range,
         const std::uint64_t behind = hit + words[0].length();
         const std::uint64_t last = behind < end ? endOfRest(behind, end) : NotFound;
         if (last != NotFound) return {hit, last - hit};
+        // Nothing would be left of the stretch.
         if (options.direction == Direction::Backward ? hit <= start : behind >= end)
             return Range::none();
         (options.direction == Direction::Backward ? end : start) =
