@@ -29,8 +29,10 @@ using Units = std::u16string_view;
 using detail::Break;
 
 /// What a body must not count down to when everything counts as body.
+// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
+// In units, with the angle brackets; shorter comments are passed without a look at their text.
 constexpr std::size_t ShortestGoogleComment = 19;
 
 enum GoogleBits : unsigned { Index = 1, Snippet = 2, Anchor = 4, AllBits = 7 };
@@ -143,6 +145,7 @@ private:
     }
 
     void changeDepth(Units tag, int step) {
+        // Counted, and not a flag, as a body may stand within another.
         if (opens(tag)) bodyDepth_ += step;
         if (closes(tag)) bodyDepth_ -= step;
     }
@@ -223,6 +226,7 @@ private:
         }
         const TagRule* rule = ruleOf(tag);
         if (!rule) return;
+        // Before the tag's own work: the break belongs to the text in front of the tag.
         if (out_.hasPendingText() && rule->breakIfPending != Break::None)
             out_.writeBreak(rule->breakIfPending);
         if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
@@ -378,6 +382,7 @@ HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions
         walk([&](const Tag& tag) { return (converter.*handler)(tag); });
         if (converter.didOutput()) return {converter.finish(), converter.didRemoveJunk()};
         if (!options.onlyBody || page.isEmpty()) return {page};
+        // Twice at most: a walk over the whole page is the last one.
         options.onlyBody = false;
     }
 }

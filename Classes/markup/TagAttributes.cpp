@@ -17,6 +17,7 @@ namespace {
 
 using Units = std::u16string_view;
 
+/// The readers of tags, contents, strings and styles are one but for these.
 struct AttributeRules {
     std::size_t slack;  ///< units that must stand besides the name
     char16_t assignment;
@@ -57,6 +58,7 @@ public:
 
     /// Quoted values of other attributes are passed over: what they hold is no attribute.
     Range read() const {
+        // In a shorter text there is no room for the name, its assignment and a value.
         if (name_.empty() || name_.size() + rules_.slack >= tag_.size()) return Range::none();
         const char16_t* const stop = tag_.data() + tag_.size() - name_.size();
         const char16_t* at = tag_.data();
@@ -79,6 +81,7 @@ private:
     /// The next quote mark or unit that may begin the name.
     const char16_t* findCandidate(const char16_t* from, const char16_t* to) const {
         const auto isCandidate = [this](char16_t unit) {
+            // A unit outside ASCII may have an upper-case form in it, as the long s has.
             return isQuote(unit) || unit == first_ || unit == (first_ | 0x20) || unit > 127;
         };
 #if defined(__SSE2__)

@@ -41,6 +41,7 @@ public:
 
     /// The first hit at or behind the position; null if there is none.
     const char16_t* from(const char16_t* position) {
+        // Without any hit there is none behind a later position either.
         if (!searched_ || (hit_ && hit_ < position)) {
             hit_ = find_(position);
             searched_ = true;
@@ -94,6 +95,7 @@ public:
         const char16_t* closing = closing_.from(tag + 1);
         if (!closing) return nullptr;
         // A body wrapped in a comment may hold the closing text in a string.
+        // Only up to the closing text: a comment behind it is none of this element's.
         if (const char16_t* comment = findText(tag, closing, "<!-"))
             if (const char16_t* commentEnd = commentEnd_.from(comment))
                 if (const char16_t* behind = closingBehindComment_.from(commentEnd))
@@ -288,6 +290,7 @@ std::string demangled(const char* name) {
 }
 
 std::string callStack() {
+    // The calls that led to the scan: those of the handler are gone when its exception is caught.
     void* frames[32];
     const int count = backtrace(frames, 32);
     const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames, count),
