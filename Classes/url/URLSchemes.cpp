@@ -202,6 +202,7 @@ String stringURLScheme(Units string) {
 String stringURLPathExtension(Units string) {
     if (string.size() < 2) return {};
     // The full stops of a host are no extensions.
+    // A text that begins so has no host.
     if (string[0] != u'.' && string[0] != u'/') {
         if (const std::size_t scheme = string.find(u"://"); scheme != Units::npos) {
             const std::size_t path = string.find_first_of(u"/?", scheme + 3);
