@@ -15,6 +15,7 @@ namespace {
 /// So much is kept before it is written.
 constexpr std::size_t PortionSize = 65536;
 
+// The library's diagnostics name no file: whom they are about is told by the thread they come on.
 thread_local Report* current = nullptr;
 
 /// How many units of a text make its next piece; no pair is split.
