@@ -1,6 +1,10 @@
 // The query parser: one pass from left to right, without precedence and without a separate
 // tokeniser. Parentheses open a group on a stack of its own, so that the depth of a query
 // costs no recursion.
+//
+// Every text is a query: nothing fails, and what is missing or too much is passed over. What is
+// set for the next term (an operator, a negation) is kept beside the terms and used up by the
+// first one that comes, so that operators in a row need no rule of their own: the last one counts.
 #include <algorithm>
 
 #include <velmocore/text/CharacterSets.h>

@@ -1,4 +1,7 @@
 // A query as a text again, in any of several dialects.
+// One walk writes them all: a dialect is a set of flags that tell what it has words for. What it
+// has none for is written as the nearest that it has, so that each dialect finds too much rather
+// than too little.
 #include <velmocore/query/QueryTerms.h>
 #include <velmocore/text/ConversionTables.h>
 
@@ -195,6 +198,7 @@ private:
     std::vector<OpenGroup> open_;
 };
 
+// A flag that is added must not slip into one of these.
 constexpr std::uint64_t StandardizedFlags = RenderAnd | RenderOr | RenderXor | RenderNegated |
                                             RenderQuotes | RenderBrackets | RenderOptional;
 constexpr std::uint64_t NormalizedFlags = StandardizedFlags | RenderNear | RenderAfter |

@@ -1,4 +1,6 @@
 // The nearest occurrence of any of several terms.
+// The terms are sought one after the other; going forward, each only where it can still beat the
+// best hit so far.
 #include <algorithm>
 
 #include <velmocore/query/WordSearch.h>

@@ -1,6 +1,9 @@
 // Searches for wildcards in a text: single ones, the nearest of several, and all of them one
 // after the other. What a wildcard finds is settled in WildcardTerm, what is remembered from
 // hit to hit in WildcardWalk; here ranges are cut to the text and options handed on.
+//
+// The one-off searches make their pattern anew and remember nothing. Whoever wants hit after hit
+// takes forEachWildcard(), which keeps what it found from one hit to the next.
 #include <velmocore/query/WildcardSearch.h>
 
 #include <algorithm>

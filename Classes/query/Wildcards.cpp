@@ -1,5 +1,9 @@
 // The wildcard language for single strings: the operations are thin, the matchers stand in
 // WildcardMatch.h and the normalising pass in WildcardShape.cpp.
+//
+// Two languages share one matcher. The plain one has * and ? only; the other one, called Unix, has
+// sets in brackets too. Which one it is, and how units are folded, are template arguments, so that
+// the loop over the units has no branch for either.
 #include <velmocore/query/Wildcards.h>
 
 #include <algorithm>

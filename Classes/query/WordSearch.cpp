@@ -1,5 +1,8 @@
 // Words and phrases in a text. All of it stands on the one scan of WordScan, forwards or from
 // the end; a phrase is tried at each place of its first word.
+//
+// An occurrence is asked for in a range, whose edges end words as the edges of a text do. So the
+// evaluation of a query can ask about a window around a word without cutting the text.
 #include <velmocore/query/WordSearch.h>
 
 #include <algorithm>
