@@ -1,5 +1,9 @@
 // One mapping routine for all operations. Its settings are template arguments: the mapping
 // of a unit, and whether a text that stays as it is comes back itself.
+//
+// A mapping goes from unit to unit, so that the length stays and the result is written in one
+// pass. What may change the length, such as the upper case of a sharp s, is the matter of
+// Normalisation.
 #include <velmocore/text/Folding.h>
 
 #include <algorithm>

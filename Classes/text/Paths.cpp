@@ -1,6 +1,8 @@
 // Paths are taken apart into views (PathParts.h) and put together once; a component is no string
 // of its own. Names for files are cut by two measures, units and bytes of UTF-8, and never within
 // a surrogate pair.
+//
+// The file system is never asked: a path may be that of another machine, or of nothing yet.
 #include <velmocore/text/Paths.h>
 
 #include <algorithm>

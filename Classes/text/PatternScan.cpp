@@ -1,5 +1,8 @@
 // The kernels of the search by two units: eight or thirty-two starts a step, each with a plain loop
 // beside it; and the units that a fold makes equal, from which anchors outside ASCII are made.
+//
+// Each kernel hands what is left over to the next narrower one, so that none reads behind the last
+// start.
 #include "text/PatternScan.h"
 
 #include <algorithm>
@@ -88,6 +91,7 @@ __attribute__((target("avx2"))) std::size_t nextAvx2(const char16_t* text, std::
             }
             both[half] = _mm256_and_si256(hitX, hitY);
         }
+        // One test for both halves, as most steps find nothing.
         if (_mm256_testz_si256(_mm256_or_si256(both[0], both[1]),
                                _mm256_or_si256(both[0], both[1])))
             continue;

@@ -1,3 +1,6 @@
+// Every replacement of strings is a walk from hit to hit that copies what lies between in one
+// piece, into a new text. In place each change of length would move all that follows, and the time
+// would grow with the square of the number of hits.
 #include <velmocore/text/Replacing.h>
 
 #include <algorithm>
