@@ -2,6 +2,9 @@
 // words of all lists are one table, so that a text is read once however many languages there
 // are; what is counted comes from LanguageTally. The settings are copied once a scan, so that
 // scans on several threads need no lock while they run.
+//
+// A text is rather left undecided than named wrongly, which does more harm: hence the limits on
+// how many hits there must be, how different, and by how much more than any before.
 #include <velmocore/words/LanguageFilter.h>
 
 #include <algorithm>

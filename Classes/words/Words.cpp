@@ -1,5 +1,8 @@
 // Words, in every form: each operation is a small callable over the runs of RunScan.h, and the
 // modes are settled ahead of the loops.
+//
+// Words are ranges of the text; only the forms that promise strings make any. The text is not
+// folded and no list is kept, so that counting the words of a text of any size takes no memory.
 #include <velmocore/words/Words.h>
 
 #include <string>
