@@ -1,6 +1,9 @@
 // Most texts have nothing to decode or escape, which is found out before anything is copied. What
 // is to be done with a unit is looked up in tables of its value; only %, # and brackets need their
 // place in the text as well, since the same unit is legal in one and not in another.
+//
+// The loops that write have no branch on what a unit is where they can do without: in URLs escapes
+// come and go too irregularly for the machine to foretell.
 #include <velmocore/url/PercentEscapes.h>
 
 #include <algorithm>

@@ -1,6 +1,8 @@
 // Two families of tests, of a URL by its scheme and of a text by its first units. They differ in
 // places, which is how callers know them: texts may begin with "www." where a URL needs a scheme,
 // and some schemes are compared in exact case.
+//
+// Only isLoadableURL() asks the file system; all else goes by the text alone.
 #include <velmocore/url/URLSchemes.h>
 
 #include <sys/stat.h>
