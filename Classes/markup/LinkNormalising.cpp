@@ -1,6 +1,8 @@
 // Nearly all references of a page are normal already, which one look for a suspect unit tells, and
 // are then given back where they stand. The others are copied once, without the units that are
 // removed everywhere; every later step only shortens the copy, at its ends or in its place.
+//
+// The order of the steps is part of the result: what one of them uncovers, a later one may remove.
 #include <velmocore/markup/LinkNormalising.h>
 
 #include <algorithm>

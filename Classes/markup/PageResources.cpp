@@ -1,6 +1,9 @@
 // One handler a kind of page part, each of which takes references from the tags that it knows.
 // Tags are told apart by the length of their name first: most tags of a page are of no interest to
 // a handler, and a switch tells so without looking at a unit.
+//
+// References are normalised but not resolved: pages are read without a known address too, and what
+// a reference leads to is the caller's affair.
 #include <velmocore/markup/PageResources.h>
 
 #include <algorithm>

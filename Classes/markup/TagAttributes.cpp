@@ -1,6 +1,9 @@
 // Two readers serve all operations. AttributeReader walks a tag or a style list, passes
 // over quoted values, and has its differences as settings. The header reader looks for
 // NAME=value in a line of text and has no idea of tags.
+//
+// A tag is read anew for each attribute that is asked for. Handlers ask for one or two, and of few
+// tags; to take every tag apart into a list would cost each page more.
 #include <velmocore/markup/TagAttributes.h>
 
 #include <fmt/format.h>
