@@ -1,5 +1,8 @@
 // velmo: the library from a shell. Finds the command, and sees to it that every run ends with
 // an exit code and never with an exception.
+//
+// What a command can do is data that it makes itself (frame/Command.h), so that help, suggestions
+// and the parsing of arguments are written once here and in the frame, and none can disagree.
 #include <fmt/core.h>
 
 #include <csignal>

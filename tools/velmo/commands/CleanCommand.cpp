@@ -1,5 +1,8 @@
 // Each flag is a step; the steps are done in the order in which the flags were given, on one
 // buffer or piece by piece, so that a large text stands in memory once.
+//
+// The order is the user's because it matters: white space that is collapsed before a mail is
+// unwrapped would take the line breaks with it that tell where its paragraphs end.
 #include <memory>
 
 #include <velmocore/text/Collapsing.h>

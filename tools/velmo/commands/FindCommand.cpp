@@ -1,5 +1,8 @@
 // Wildcards in texts and pages, hit by hit. A hit is printed where it is found, so that many of
 // them take no memory; only a search from the end back must keep their places.
+//
+// A hit is told in three ways of counting: by lines and columns for people and editors, by UTF-16
+// units for the library's callers, by bytes for whatever else reads the file.
 #include <fmt/core.h>
 
 #include <algorithm>

@@ -1,4 +1,6 @@
 // Files compressed and inflated beside themselves, or to standard output.
+// A result is whole in memory before its file is made, so that a damaged input leaves nothing
+// behind.
 #include <fmt/core.h>
 
 #include <memory>

@@ -1,3 +1,6 @@
+// What is printed is collected and written in portions, each at once: lines of two inputs never
+// mix, and a call for each line would cost more than the work. A report that has its turn writes
+// when a portion is full; one that has not waits for it then, so that little is ever kept.
 #include "Report.h"
 
 #include <fmt/core.h>
@@ -34,6 +37,7 @@ Report::~Report() {
 }
 
 void Report::append(std::string_view bytes) {
+    // Complaints are told even so.
     if (session_.isQuiet) return;
     out_ += bytes;
     if (out_.size() >= PortionSize) flush();
@@ -96,6 +100,7 @@ void Report::warn(std::string_view file, std::string_view text) {
 }
 
 void Report::flush() {
+    // With nothing to say there is no turn to wait for.
     if (complaints_.empty() && out_.empty()) return;
     if (turn_) turn_();
     for (const std::string& complaint : complaints_) session_.console.complain(complaint);
