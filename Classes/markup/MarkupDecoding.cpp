@@ -111,7 +111,8 @@ private:
     /// The charset that the page names, if its head tells; absent if the whole page must be
     /// read for it. Where another reading than the first wins, the first is then never made.
     String charsetOfHead() const {
-        // A sequence that is cut at their end does no harm, as only tags in front of it count.
+        // A sequence that is cut at the end of the head does no harm, as only tags in front of it
+        // count.
         constexpr std::size_t HeadBytes = 2048;
         if (isNamed_ || encoding_ != UTF8StringEncoding || data_.size() < HeadBytes) return {};
         const String head = String::fromUTF8(charsOf(data_.first(HeadBytes)));

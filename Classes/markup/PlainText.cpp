@@ -29,7 +29,7 @@ using Units = std::u16string_view;
 using detail::Break;
 
 /// What a body must not count down to when everything counts as body.
-// Closing tags count the depth down, and no page has as many.
+/// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
 // In units, with the angle brackets; shorter comments are passed without a look at their text.
@@ -76,6 +76,7 @@ bool isTinyFont(Units style) {
     const std::size_t points = detail::keyword::find(style, "PT");
     if (points == Units::npos || points < 2) return false;
     const char16_t tens = style[points - 2], ones = style[points - 1];
+    // With a digit in front it would be ten points and more.
     return !detail::ascii::isDigit(tens) && ones >= u'1' && ones <= u'4';
 }
 

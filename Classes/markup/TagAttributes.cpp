@@ -218,6 +218,8 @@ private:
         if (tagMode_) i = skipWhite(text_, i);
         if (i == text_.size()) return {};
         if (text_[i] == options_.quotation || (tagMode_ && isQuote(text_[i]))) {
+            // An empty value in quotes is none, and the search goes on; without them it is an
+            // empty one.
             const std::size_t stop = std::min(text_.find(text_[i], i + 1), text_.size());
             return stop == i + 1 ? String() : String(text_.substr(i + 1, stop - i - 1));
         }

@@ -166,6 +166,7 @@ private:
     }
 
     const char16_t* endOfComment(const char16_t* at) {
+        // What was opened with one hyphen closes with one.
         const bool isShort = !(end_ - at > 3 && at[3] == u'-');
         for (at += 3; (at = marks_.greater(at)) != end_; ++at) {
             if (isShort ? at[-1] == u'-'
@@ -200,6 +201,8 @@ private:
         for (;;) {
             at = marks_.equalOrGreater(at);
             if (at == end_ || *at == u'>') return at;
+            // White space may stand between the = and its value, so the next quote mark opens one
+            // too.
             if (!(++at < end_ && (*at == u'"' || *at == u'\''))) at = marks_.quoteOrGreater(at);
             if (at == end_ || *at == u'>') return at;
             at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
@@ -211,6 +214,7 @@ private:
     void findName(const char16_t* at, const char16_t* last) {
         at += *at == u'/';
         if (!detail::ascii::isLetter(*at)) {
+            // As of <?xml and <!DOCTYPE: the name begins with the first letter.
             while (at < last && !alpha_.contains(*at)) ++at;
             if (at >= last) return;
         }

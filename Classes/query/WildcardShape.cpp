@@ -1,6 +1,6 @@
-// A wildcard is classified before it is used: most are a word with a star at one end, for which a
-// comparison of one edge is enough. The pass that counts the elements also drops what means
-// nothing, so that two wildcards that mean the same have the same shape.
+// A wildcard is classified before it is used: for a word with a star at one end, which is what
+// people mostly write, a comparison of one edge is enough. The pass that counts the elements also
+// drops what means nothing and would hide such a shape.
 #include "query/WildcardShape.h"
 
 #include <utility>
@@ -42,7 +42,7 @@ std::size_t compact(char16_t* wildcard, std::size_t length, Counts& counts) {
                 ++counts.literals;
                 ++counts.sets;
             } else {
-                // A set without a member could never hold: it goes as if it were not there.
+                // A set without a member means nothing, and goes as if it were not there.
                 out = openedAt;
             }
             openedAt = nullptr;

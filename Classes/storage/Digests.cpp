@@ -1,5 +1,5 @@
-// The algorithms are OpenSSL's; here is only what their callers need: contexts that cannot be used
-// wrongly, and a salted hash that stored values were made with.
+// The algorithms are OpenSSL's; here is only what their callers need: contexts that give a result
+// in whatever order they are used, and the salted hash.
 #include <velmocore/storage/Digests.h>
 
 #include <openssl/evp.h>

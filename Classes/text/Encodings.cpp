@@ -1,6 +1,6 @@
 // String encodings and text encodings are two numberings of the same converters. Sixteen string
-// encodings have small numbers of their own, which callers store; all others are the number of the
-// text encoding with a high bit, so that the mapping needs no table for them and loses nothing.
+// encodings have numbers of their own; all others are the number of the text encoding with a high
+// bit, so that the mapping needs no table for them and loses nothing.
 #include <velmocore/text/Encodings.h>
 
 #include <algorithm>

@@ -36,9 +36,8 @@ std::size_t countSubstring(View string, View substring, Case letterCase) {
     return withFold(letterCase, [&](const auto& fold) {
         std::size_t count = 0;
         std::uint64_t hit;
+        // Occurrences do not overlap, as with replacing: the count is the number of replacements.
         for (View rest = string; (hit = firstOccurrence(rest, substring, fold)) != NotFound;
-             // Occurrences do not overlap, as with replacing: the count is the number of
-             // replacements.
              rest.remove_prefix(hit + substring.size()))
             ++count;
         return count;
@@ -52,9 +51,8 @@ bool containsSubstrings(View string, std::span<const String> substrings, Case le
 }
 
 bool containsSubCStrings(View string, std::span<const std::string_view> keywords, Case letterCase) {
+    // Only the text is mapped: keywords are in lower case by contract.
     return fastContainsSubCStrings(string, keywords,
-                                   // Only the text is mapped: keywords are in lower case by
-                                   // contract.
                                    letterCase == Case::Sensitive ? nullptr : &lowerCharsTable());
 }
 

@@ -79,7 +79,6 @@ public:
         : file_(file), text_(text), report_(report) {}
 
     void print(const Hit& hit) const {
-        // Both forms are made from the same hit, so that neither can tell another place.
         if (report_.json())
             printObject(hit);
         else

@@ -1,7 +1,6 @@
-// The library's sets tell what a page loads and leads to, each once and sorted; here every
-// reference counts, in page order, with the text about it. All come from one scan, and the text of
-// a link is collected while it is open, so that the time is linear however links are nested or
-// left open.
+// The library's lists tell what a page loads and leads to, each once; here every reference counts,
+// in page order, with the text about it. All come from one scan, and the text of a link is
+// collected while it is open, so that the time is linear however links are nested or left open.
 #include "LinkDetails.h"
 
 #include <algorithm>
@@ -110,6 +109,7 @@ private:
         if (link.isAbsent()) return;
         const bool isImage = pointer->kind == LinkKind::Image;
         links.push_back({pointer->kind, raw, link,
+                         // What stands for an image where it is not shown is its text.
                          isImage ? cleanText(attributeOfTagCharacters(opening, "ALT")) : String(),
                          cleanText(attributeOfTagCharacters(opening, "TITLE")),
                          cleanText(attributeOfTagCharacters(opening, "REL"))});

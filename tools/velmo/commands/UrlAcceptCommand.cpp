@@ -19,6 +19,7 @@ struct Options {
 
 void run(Report& report, const Options& options, Filter filter) {
     const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
+    // No base and one that is no URL differ: the second was meant to be one.
     if (base.isAbsent() && !options.base.empty()) return report.fail(options.base, "not a URL");
     forEachUrl(report, options.links, [&](const String& link) {
         const URL url = filter(link, base);
