@@ -30,6 +30,7 @@ using Units = std::u16string_view;
 using detail::Break;
 
 /// What a body must not count down to when everything counts as body.
+/// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
 bool opens(Units tag) { return isTagOpen(tag) && !isTagClosed(tag); }
@@ -71,6 +72,7 @@ bool isTinyFont(Units style) {
     const std::size_t points = detail::keyword::find(style, "PT");
     if (points == Units::npos || points < 2) return false;
     const char16_t tens = style[points - 2], ones = style[points - 1];
+    // With a digit in front it would be ten points and more.
     return !detail::ascii::isDigit(tens) && ones >= u'1' && ones <= u'4';
 }
 
@@ -140,6 +142,7 @@ private:
     }
 
     void changeDepth(Units tag, int step) {
+        // Counted, and not a flag, as a body may stand within another.
         if (opens(tag)) bodyDepth_ += step;
         if (closes(tag)) bodyDepth_ -= step;
     }
@@ -211,6 +214,7 @@ private:
         }
         const TagRule* rule = ruleOf(tag);
         if (!rule) return;
+        // Before the tag's own work: the break belongs to the text in front of the tag.
         if (out_.hasPendingText() && rule->breakIfPending != Break::None)
             out_.writeBreak(rule->breakIfPending);
         if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
@@ -366,6 +370,7 @@ HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions
         walk([&](const Tag& tag) { return (converter.*handler)(tag); });
         if (converter.didOutput()) return {converter.finish(), converter.didRemoveJunk()};
         if (!options.onlyBody || page.isEmpty()) return {page};
+        // Twice at most: a walk over the whole page is the last one.
         options.onlyBody = false;
     }
 }

@@ -45,6 +45,7 @@ public:
             tag.tagLength = kept.tagLength;
             tag.kind = kept.kind;
             if (handler(tag)) return;
+            // Text begins where the tag before ended, so it need not be kept.
             tag.textLocation = kept.tagLocation + kept.tagLength;
         }
     }
