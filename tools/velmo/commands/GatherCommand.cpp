@@ -7,7 +7,12 @@
 #include <mutex>
 #include <set>
 
+#include <velmocore/feeds/FeedItems.h>
+#include <velmocore/feeds/FeedRendering.h>
 #include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/LinkThumbnails.h>
+#include <velmocore/markup/Links.h>
+#include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/platform/Resources.h>
@@ -19,6 +24,7 @@
 #include "Commands.h"
 #include "LanguageLists.h"
 #include "PageLinks.h"
+#include "ParsedDate.h"
 #include "QueryOptions.h"
 #include "SearchOptions.h"
 #include "frame/FileRun.h"
@@ -39,6 +45,9 @@ struct Options {
 
 struct GatheredPage {
     String title;
+    String author, date, canonical;  ///< absent if it does not tell
+    std::size_t thumbnails = 0;      ///< links that have one
+    bool isErrorPage = false, isFeed = false;
     std::string encoding;
     String language;  ///< absent if it is not clear
     std::uint64_t words = 0;
@@ -107,11 +116,10 @@ public:
         GatheredPage page;
         page.encoding = content.encoding;
         String text = content.units;
-        if (content.kind == Kind::Page) {
-            page.title = singleLine(normalizedHtmlString(htmlFramesSet(content.units).title));
-            page.links = linksOfPage(content.units, urlOf(file, base_), options_.links);
-            text = stringByConvertingHtml2PlainText(content.units);
-        }
+        if (content.kind == Kind::Page && isFeed(content.units))
+            text = readFeedInto(page, content.units, urlOf(file, base_));
+        else if (content.kind == Kind::Page)
+            text = readPageInto(page, content.units, urlOf(file, base_));
         page.words = numberOfWordsUsingDefaultSeparation(text);
         page.language = languages_.languageOfText(text);
         page.matches = query_.holdsFor(text);
@@ -120,6 +128,40 @@ public:
     }
 
 private:
+    // Each gives the text of what it has read.
+
+    String readPageInto(GatheredPage& page, const String& units, const URL& url) const {
+        const Page whole = Page::pageWithString(units, url);
+        const HtmlMetadata& metadata = whole.metadata();
+        page.title = singleLine(normalizedHtmlString(htmlFramesSet(units).title));
+        page.author = singleLine(normalizedHtmlString(metadata.author));
+        page.date = singleLine(normalizedHtmlString(metadata.date));
+        page.canonical = whole.canonicalURL().absoluteString();
+        page.isErrorPage = whole.isErrorPage();
+        const HtmlLinks found = htmlLinks(units);
+        page.links = linksOfPage(found.links, found.baseURL, url, options_.links);
+        page.thumbnails = thumbnailsOf(units, found.baseURL.isAbsent() ? url : found.baseURL);
+        return whole.plainText();
+    }
+
+    static std::size_t thumbnailsOf(const String& units, const URL& base) {
+        return getLinkThumbnails(
+                   units, {.baseURL = base, .resolve = true, .titles = false, .texts = false})
+            .thumbnails.size();
+    }
+
+    String readFeedInto(GatheredPage& page, const String& units, const URL& url) const {
+        const Feed feed = readFeed(units, {.baseURL = url, .boundCData = true});
+        page.isFeed = true;
+        page.title = singleLine(feed.title);
+        std::vector<String> links;
+        for (const FeedItem& item : feed.items)
+            if (!item.link.isEmpty()) links.push_back(item.link);
+        page.links = linksOfPage(links, {}, url, options_.links);
+        return stringByConvertingHtml2PlainText(
+            stringByConvertingItemsToSearchableHTML(feed.items));
+    }
+
     /// The sentences with a hit, on one line.
     String excerptOf(const String& text) const {
         return singleLine(assembleOccurrencesOfHits(text, query_.hitsIn(text),
@@ -147,13 +189,35 @@ void printObject(const std::string& file, const GatheredPage& page, const Option
                           {"links", page.links.number},
                           {"distinct", page.links.distinct.size()},
                           {"matches", options.query.empty() ? Json() : Json(page.matches)},
-                          {"excerpt", page.excerpt}});
+                          {"excerpt", page.excerpt},
+                          {"author", page.author},
+                          {"date", page.date},
+                          {"parsedDate", parsedDate(page.date)},
+                          {"canonical", page.canonical},
+                          {"thumbnails", page.thumbnails},
+                          {"errorPage", page.isErrorPage},
+                          {"feed", page.isFeed}});
     if (options.links.follow) {
         JsonArray urls;
         for (const URL& url : page.links.followed) urls.push_back(url.absoluteString());
         object.push_back({"follow", std::move(urls)});
     }
     report.printObject(object);
+}
+
+/// What a page tells of itself beside its title, on one line.
+std::string detailsOf(const GatheredPage& page) {
+    std::vector<std::string> details;
+    if (page.isErrorPage) details.push_back("an error page");
+    if (page.isFeed) details.push_back("a feed");
+    if (!page.author.isEmpty()) details.push_back("by " + page.author.utf8());
+    if (const String date = parsedDate(page.date); !date.isAbsent())
+        details.push_back(date.utf8());
+    else if (!page.date.isEmpty())
+        details.push_back(page.date.utf8());
+    if (page.thumbnails > 0) details.push_back(fmt::format("{} thumbnails", page.thumbnails));
+    if (!page.canonical.isEmpty()) details.push_back(page.canonical.utf8());
+    return fmt::format("{}", fmt::join(details, ", "));
 }
 
 void printLines(const std::string& file, const GatheredPage& page, bool asked, Report& report) {
@@ -165,6 +229,7 @@ void printLines(const std::string& file, const GatheredPage& page, bool asked, R
                                  !asked         ? ""
                                  : page.matches ? ", matches"
                                                 : ", no match"));
+    if (const std::string more = detailsOf(page); !more.empty()) report.printLine("  " + more);
     if (!page.excerpt.isEmpty()) report.printLine("  > " + page.excerpt.utf8());
     for (const URL& url : page.links.followed)
         report.printLine("  -> " + url.absoluteString().utf8());
@@ -247,7 +312,7 @@ Option followOption(PageLinkOptions& links) {
 Command makeGatherCommand(Session& session) {
     auto options = std::make_shared<Options>();
     Command command = {
-        .summary = "Walk folders for pages: titles, charsets, words, links and hits",
+        .summary = "Walk folders for pages and feeds: titles, dates, words, links and hits",
         .examples = {"velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'"},
         .run = [options](Report& report) { run(report, *options); },
     };

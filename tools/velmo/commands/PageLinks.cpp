@@ -3,7 +3,6 @@
 // library's repairing resolver, and fall back on the plain rules only where it refuses.
 #include "PageLinks.h"
 
-#include <velmocore/markup/Links.h>
 #include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/LinkFollowing.h>
 #include <velmocore/url/PercentEscapes.h>
@@ -39,12 +38,12 @@ URL urlOfLink(const String& link, const URL& base, bool keepAnchor) {
     return url.isAbsent() ? resolvedPlainly(link, base) : url;
 }
 
-PageLinks linksOfPage(const String& page, const URL& url, const PageLinkOptions& options) {
-    const HtmlLinks found = htmlLinks(page);
-    const URL& base = found.baseURL.isAbsent() ? url : found.baseURL;
+PageLinks linksOfPage(std::span<const String> found, const URL& ownBase, const URL& url,
+                      const PageLinkOptions& options) {
+    const URL& base = ownBase.isAbsent() ? url : ownBase;
     PageLinks links;
-    links.number = found.links.size();
-    for (const String& link : found.links) {
+    links.number = found.size();
+    for (const String& link : found) {
         const URL target = options.all ? urlOfLink(link, base, false) : pageOfLink(link, base);
         // The first of several URLs of one page is kept, as emplace() changes nothing that is
         // there.

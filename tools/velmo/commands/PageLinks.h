@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include <velmocore/platform/String.h>
@@ -28,7 +29,9 @@ struct PageLinks {
     std::vector<URL> followed;       ///< of the distinct ones, sorted by their keys
 };
 
-/// The links of a page that stands at a URL, resolved against its own base if it has one.
-PageLinks linksOfPage(const String& page, const URL& url, const PageLinkOptions& options);
+/// The links of a page or feed that stands at a URL, resolved against a base, or else against that
+/// URL.
+PageLinks linksOfPage(std::span<const String> links, const URL& base, const URL& url,
+                      const PageLinkOptions& options);
 
 }  // namespace velmo::tool
