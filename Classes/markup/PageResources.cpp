@@ -172,18 +172,6 @@ std::set<String> referencesOfOpeningTags(TagWalk walk, Add add) {
     return references.finish();
 }
 
-/// The opening tag of an element that is reported with its body.
-Units openingTagOf(Units element) {
-    for (std::size_t i = 1; i < element.size(); ++i) {
-        if (element[i] == u'>') return element.substr(0, i + 1);
-        if (element[i] != u'=') continue;
-        i = std::min(element.find_first_of(u"\"'>", i), element.size() - 1);
-        if (element[i] == u'>') return element.substr(0, i + 1);
-        i = std::min(element.find(element[i], i + 1), element.size());
-    }
-    return element;
-}
-
 /// The source of a script or style element, else its first import.
 void addSheetOrScriptToSet(References& references, Units element) {
     if (references.addNormalized(attributeOf(openingTagOf(element), "SRC"))) return;
