@@ -1,7 +1,9 @@
 #include <velmocore/feeds/FeedItems.h>
 
+#include <algorithm>
 #include <utility>
 
+#include <velmocore/markup/TagStripping.h>
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/CharacterTests.h>
 #include <velmocore/text/Comparison.h>
@@ -10,6 +12,20 @@
 
 namespace velmo {
 namespace {
+
+using Units = std::u16string_view;
+
+/// Whether the body of an item says no more than its title.
+bool repeatsTitle(const String& body, Units title) {
+    return isEqualToStringNoCase(body, title) ||
+           equalStringsNoCaseUsingCharacterSetRep(body, title, alphaCharacterSetRep()) ||
+           isEqualToStringNoCase(stripTag(body, "IFRAME"), title);
+}
+
+bool isBlank(Units text) {
+    const CharacterSetRep& white = whiteCharacterSetRep();
+    return std::ranges::all_of(text, [&](char16_t unit) { return white.contains(unit); });
+}
 
 Feed feedOf(detail::FeedFacts&& facts) { return {facts.recognized, std::move(facts.title), {}}; }
 
@@ -41,6 +57,11 @@ std::vector<FeedItem> getItemsOfFeed(std::u16string_view feed, const URL& baseUR
 String feedTitle(std::u16string_view feed) {
     const auto stop = [](const detail::FeedFacts&) { return true; };
     return detail::scanFeed(feed, {.channel = stop}, {}).title;
+}
+
+bool isEmptyFeedItem(const FeedItem& item) {
+    const String& body = item.content.isEmpty() ? item.description : item.content;
+    return item.icon.isAbsent() && (isBlank(body) || repeatsTitle(body, item.title));
 }
 
 }  // namespace velmo

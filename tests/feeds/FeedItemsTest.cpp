@@ -149,6 +149,21 @@ TEST(FeedItems, AreHandedOutUntilOneIsEnough) {
     EXPECT_TRUE(feed.isFeed && !feed.isComplete && feed.items.empty());
 }
 
+TEST(FeedItems, AreEmptyIfOnlyTheirTitleTells) {
+    const std::pair<FeedItem, bool> cases[] = {
+        {{}, true},
+        {{.title = u"t", .description = u" \n"}, true},
+        {{.title = u"A title", .description = u"a TITLE"}, true},
+        {{.title = u"A title", .description = u"<a title>!"}, true},
+        {{.title = u"t", .description = u"<iframe src=x></iframe>T"}, true},
+        {{.title = u"t", .description = u"text", .content = u"t"}, true},
+        {{.title = u"t", .description = u"text"}, false},
+        {{.title = u"t", .description = u"t", .icon = u"i"}, false},
+        {{.icon = u"i"}, false},
+    };
+    for (const auto& [item, isEmpty] : cases) EXPECT_EQ(isEmptyFeedItem(item), isEmpty) << item.description;
+}
+
 TEST(FeedItems, AreThoseOfAnXMLParser) {
     std::size_t count = 0;
     for (const FeedSample& sample : test::feedSamples()) {
