@@ -20,6 +20,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"gather", makeGatherCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
+        {"feed", makeFeedCommand},
         {"charset", makeCharsetCommand},
         {"words", makeWordsCommand},
         {"match", makeMatchCommand},

@@ -11,6 +11,7 @@ Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
+Command makeFeedCommand(Session& session);
 Command makeFindCommand(Session& session);
 Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);

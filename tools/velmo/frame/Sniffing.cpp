@@ -34,9 +34,10 @@ constexpr std::string_view Signatures[] = {
 };
 
 /// Tags that a page begins with, or that are in no other kind of text.
-constexpr std::string_view PageTags[] = {"<!doctype"sv, "<html"sv,   "<head"sv,  "<title"sv,
-                                         "<body"sv,     "<?xml"sv,   "<!--"sv,   "<meta"sv,
-                                         "<frameset"sv, "<script"sv, "<style"sv, "<base"sv};
+constexpr std::string_view PageTags[] = {"<!doctype"sv, "<html"sv,    "<head"sv,  "<title"sv,
+                                         "<body"sv,     "<?xml"sv,    "<!--"sv,   "<meta"sv,
+                                         "<frameset"sv, "<script"sv,  "<style"sv, "<base"sv,
+                                         "<rss"sv,      "<rdf:rdf"sv, "<feed"sv};
 
 /// The mark of UTF-32 in little-endian order begins with that of UTF-16.
 constexpr std::array<ByteOrderMark, 5> Marks = {{
