@@ -3,6 +3,8 @@
 #include <velmocore/feeds/FeedRendering.h>
 
 #include <velmocore/markup/TagStripping.h>
+#include <velmocore/platform/DateFormat.h>
+#include <velmocore/readers/Dates.h>
 #include <velmocore/text/CharacterTests.h>
 
 #include "feeds/FeedScan.h"
@@ -27,7 +29,12 @@ struct ItemParts {
 };
 
 /// The date as people write it here; as the feed has it if it cannot be read.
-String shownDate(Units date, const FeedDisplayOptions&) { return date; }
+String shownDate(Units text, const FeedDisplayOptions& options) {
+    const std::optional<Date> read = date(text, options.dates);
+    const String shown =
+        read ? localizedDateAndTime(*read, options.dates.zone, options.locale) : String();
+    return shown.isAbsent() ? String(text) : shown;
+}
 
 std::u16string bylineOf(const ItemParts& item) {
     if (item.author.empty() || item.date.isEmpty())

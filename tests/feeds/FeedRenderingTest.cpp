@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include <velmocore/markup/MarkupDecoding.h>
-#include <velmocore/platform/Resources.h>
+#include <velmocore/platform/Log.h>
 #include <velmocore/platform/UserDefaults.h>
 
 #include "FeedSamples.h"
@@ -25,13 +25,18 @@ std::string bodyOf(const String& page) {
     return utf8(text);
 }
 
-const FeedDisplayOptions Inline = {.linkedStyleSheet = false, .styleSheet = Sheet, .zone = {}, .locale = "en_GB"};
+const FeedDisplayOptions Inline = {
+    .linkedStyleSheet = false, .styleSheet = Sheet, .dates = {.zone = {}}, .locale = "en_GB"};
 
 std::string displayed(const FeedItem& item) { return bodyOf(stringByConvertingItemToDisplayHTML(item, Inline)); }
 
 TEST(FeedRendering, WritesItemsByWhatTheyHave) {
+    setLogHandler([](std::string_view) {});  // soon is no date
     const std::pair<FeedItem, const char*> cases[] = {
         {{.title = u"t"}, "\n<div class=\"feed_header\">t<br/></div><div class=\"feed_article\">\n\n</div>\n"},
+        {{.date = u"Mon, 1 Jan 2001 10:00:00 GMT"},
+         "\n<div class=\"feed_header\"><br/><font class=\"feed_date\">1 Jan 2001, 10:00</font></div><div "
+         "class=\"feed_article\">\n\n</div>\n"},
         {{.title = u"t", .date = u"soon", .link = u"l"},
          "\n<div class=\"feed_header\"><a class=\"feed_link\" href=\"l\">t</a><br/><font "
          "class=\"feed_date\">soon</font>"
@@ -51,6 +56,7 @@ TEST(FeedRendering, WritesItemsByWhatTheyHave) {
          "</p></div>\n</div>\n"},
     };
     for (const auto& [item, expected] : cases) EXPECT_EQ(displayed(item), expected);
+    setLogHandler(nullptr);
 }
 
 TEST(FeedRendering, HidesFromAnIndexWhatNobodyLooksFor) {

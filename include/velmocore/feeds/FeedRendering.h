@@ -7,7 +7,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Path.h>
 #include <velmocore/platform/String.h>
-#include <velmocore/platform/TimeZone.h>
+#include <velmocore/readers/DateOptions.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo {
@@ -34,8 +34,9 @@ struct FeedDisplayOptions {
     // Ours:
     /// Another sheet than linkableFeedStyleSheet(). One that cannot be read is empty.
     Path styleSheet = {};
-    TimeZone zone = TimeZone::system();  ///< of the dates that are shown
-    std::string locale = {};             ///< of these, as "en_GB"; the user's if empty
+    /// How dates are read. Their zone is also the one in which they are shown.
+    DateOptions dates = {};
+    std::string locale = {};  ///< of the dates that are shown, as "en_GB"; the user's if empty
 };
 
 /// The display HTML of a feed, made in the scan of its items. A text that is no feed comes back as

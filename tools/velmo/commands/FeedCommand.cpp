@@ -1,5 +1,7 @@
 #include <velmocore/feeds/FeedItems.h>
 #include <velmocore/feeds/FeedRendering.h>
+#include <velmocore/platform/DateFormat.h>
+#include <velmocore/readers/Dates.h>
 #include <velmocore/url/URLConstruction.h>
 
 #include <fmt/core.h>
@@ -36,11 +38,21 @@ Json nameOf(FeedDialect dialect) {
     }
 }
 
+/// Null if it cannot be read.
+Json parsedDate(const String& text) {
+    const std::optional<Date> read = date(text, {.offsets = true});
+    return read ? stringInISO8601(*read) : String();
+}
+
 JsonObject valueOf(const FeedItem& item) {
-    JsonObject value = {{"title", item.title},     {"description", item.description},
-                        {"content", item.content}, {"author", item.author},
-                        {"guid", item.guid},       {"date", item.date},
-                        {"parsedDate", Json()},    {"link", item.link}};
+    JsonObject value = {{"title", item.title},
+                        {"description", item.description},
+                        {"content", item.content},
+                        {"author", item.author},
+                        {"guid", item.guid},
+                        {"date", item.date},
+                        {"parsedDate", parsedDate(item.date)},
+                        {"link", item.link}};
     if (!item.tags.empty()) value.push_back({"tags", jsonArray(item.tags)});
     if (!item.enclosures.empty()) {
         JsonArray enclosures;
@@ -69,7 +81,8 @@ private:
     String pageOf(const String& text) const {
         if (options_.form() == Form::Searchable)
             return stringByConvertingItemsToSearchableHTML(getItemsOfFeed(text, base_));
-        FeedDisplayOptions display = {.baseURL = base_, .linkedStyleSheet = !options_.isInline};
+        FeedDisplayOptions display = {
+            .baseURL = base_, .linkedStyleSheet = !options_.isInline, .dates = {.offsets = true}};
         if (!options_.styleSheet.empty()) display.styleSheet = Path(options_.styleSheet);
         return stringByConvertingFeed(text, display);
     }

@@ -1,0 +1,43 @@
+// The words that dates are made of.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace velmo::detail {
+
+enum class Meaning : std::uint8_t {
+    Month,        ///< 1 to 12
+    Weekday,      ///< 0 is Sunday
+    Meridiem,     ///< hours that it adds: 0 or 12
+    NamedHour,    ///< noon and midnight: 12 and 0
+    RelativeDay,  ///< days from today
+    Now,          ///< the present instant
+    Seconds,      ///< a unit of so many seconds
+    Months,       ///< a unit of so many months
+    Count,        ///< a number
+    Ordinal,      ///< a day of the month
+    Suffix,       ///< of an ordinal number in digits
+    Ago,
+    In,
+    From,
+    After,
+    Before,
+    Last,
+    Next,
+    HourMark,  ///< behind hours: 10 Uhr, 10h30
+    TimeMark,  ///< between day and time: T
+    Filler,    ///< has no weight
+};
+
+struct DateWord {
+    std::u16string_view name;  ///< in lower case and without diacritics
+    Meaning meaning;
+    int value;
+};
+
+/// All meanings of a word; none if it is unknown.
+std::span<const DateWord> meaningsOf(std::u16string_view folded) noexcept;
+
+}  // namespace velmo::detail

@@ -1,0 +1,393 @@
+// A text in natural language is cut into a few tokens, and each is given to the first reader that
+// knows what to do with it: times, days joined by marks, plain numbers, names, relative time, zones.
+// They fill slots, in whatever order the parts come; a part whose slot is taken, or that no reader
+// knows, ends it all, so that nothing is guessed and nothing is left over. ISO 8601 has a reader of
+// its own, which is asked first.
+#include <velmocore/readers/NaturalDates.h>
+
+#include "readers/DateFields.h"
+#include "readers/DateTokens.h"
+#include "readers/NaturalReading.h"
+#include "readers/RelativeTime.h"
+
+namespace velmo {
+namespace detail {
+namespace {
+
+class NaturalReader {
+public:
+    NaturalReader(std::u16string_view text, const DateOptions& options, NaturalReading reading)
+        : text_(text), options_(options), reading_(reading) {}
+
+    std::optional<Date> read() {
+        if (!tokens_.cut(text_)) return {};
+        while (next_ < tokens_.size())
+            if (!readPart()) return {};
+        return relative_ ? relativeDate() : hasDay() ? dayDate() : timeOfToday();
+    }
+
+private:
+    // Tokens from the next one on.
+    const DateToken& peek(std::size_t ahead = 0) const { return tokens_[next_ + ahead]; }
+    const DateToken* before() const { return next_ > 0 ? &tokens_[next_ - 1] : nullptr; }
+    bool take(std::size_t count) {
+        next_ += count;
+        return true;
+    }
+    bool isLast() const { return next_ + 1 >= tokens_.size(); }
+
+    bool readPart() {
+        switch (peek().kind) {
+            case DateToken::Kind::Number:
+                return readTime() || readHour() || readAgo() || readJoined() ||
+                       readYearAndMonth() || readNumber();
+            case DateToken::Kind::Word:
+                return readRelative() || readName() || readZone();
+            case DateToken::Kind::Mark:
+                return readZone() || readMark();
+        }
+        return false;
+    }
+
+    // Times.
+
+    /// 10:11, 10:11:12.5, 10h11, with am or pm.
+    bool readTime() {
+        if (hasTime_ || !peek().isShort() || !peek(1).isGlued) return false;
+        const bool hasColon = peek(1).isMark(u':');
+        if (!hasColon && !(peek(1).as(Meaning::HourMark) && peek(2).isGlued)) return false;
+        if (!isMinute(2)) return false;
+        fields_.hour = peek().value;
+        fields_.minute = peek(2).value;
+        const bool isLong = peek(2).digits == 2;
+        take(3);
+        if (!(hasColon && readSeconds()) && !isLong) return false;
+        if (peek().isMark(u':')) return false;
+        return setTime();
+    }
+    bool isMinute(std::size_t ahead) const { return peek(ahead).isShort() && peek(ahead).isGlued; }
+
+    bool readSeconds() {
+        if (!peek().isMark(u':') || !isMinute(1)) return false;
+        fields_.second = peek(1).value;
+        take(2);
+        if (peek().isMarkOf(u".,") && peek().isGlued && peek(1).isNumber() && peek(1).isGlued) {
+            DateCursor digits(text_.substr(peek(1).begin));
+            fields_.fraction = digits.fraction();
+            take(2);
+        }
+        return true;
+    }
+
+    /// 10 pm, 12 noon, 10 Uhr, 10 GMT.
+    bool readHour() {
+        if (hasTime_ || !peek().isShort()) return false;
+        const DateToken& behind = peek(1);
+        const DateWord* const named = behind.as(Meaning::NamedHour);
+        fields_.hour = peek().value;
+        if (named && fields_.hour == 12) {
+            fields_.hour = named->value;
+            return hasClearTime_ = hasTime_ = take(2);
+        }
+        const bool isHour = behind.as(Meaning::Meridiem) || behind.as(Meaning::HourMark) ||
+                            (hasWholeDay() && isZoneAt(1));
+        return isHour && take(1) && setTime();
+    }
+
+    /// The hour is read; takes what may follow it.
+    bool setTime() {
+        if (peek().as(Meaning::HourMark)) take(1);
+        hasTime_ = true;
+        const DateWord* const half = peek().as(Meaning::Meridiem);
+        if (!half) return true;
+        if (fields_.hour < 1 || fields_.hour > 12) return false;
+        fields_.hour = fields_.hour % 12 + half->value;
+        return hasClearTime_ = take(1);
+    }
+
+    // Days.
+
+    bool hasWholeDay() const { return fields_.year && hasMonth_ && hasDayOfMonth_; }
+    bool hasDay() const { return fields_.year || hasMonth_ || hasDayOfMonth_; }
+
+    /// Whether a number follows behind one of the marks.
+    bool isJoined(std::size_t ahead, std::u16string_view marks) const {
+        return peek(ahead).isGlued && peek(ahead).isMarkOf(marks) && peek(ahead + 1).isNumber() &&
+               (peek(ahead + 1).isGlued || peek(ahead).isMark(u'.'));
+    }
+
+    /// 3/2/2001, 2001-02-03, 3.2.2001: two equal marks and nothing joined to them.
+    bool readJoined() {
+        if (!isJoined(1, u"/-.") || !isJoined(3, u"/-.") || peek(1).mark != peek(3).mark)
+            return false;
+        if (hasDay() || isJoined(5, u"/-.")) return false;
+        const DateToken &a = peek(), &b = peek(2), &c = peek(4);
+        if (!b.isShort()) return false;
+        const bool isRead = a.digits == 4 && c.isShort()   ? setDay(a.value, b.value, c.value)
+                            : a.isShort() && c.digits == 4 ? setDayFirst(c.value, a.value, b.value)
+                                                           : setShortYear(a, b, c);
+        return isRead && take(5);
+    }
+    bool setDay(int year, int month, int day) {
+        fields_.year = year;
+        fields_.month = month;
+        fields_.day = day;
+        return hasMonth_ = hasDayOfMonth_ = true;
+    }
+    /// The day comes first wherever it can.
+    bool setDayFirst(int year, int a, int b) {
+        return b <= 12 ? setDay(year, b, a) : setDay(year, a, b);
+    }
+    /// Three numbers of two digits: the year is last, behind dashes first.
+    bool setShortYear(const DateToken& a, const DateToken& b, const DateToken& c) {
+        if (a.digits != 2 || b.digits != 2 || c.digits != 2) return false;
+        return peek(1).isMark(u'-') ? setDay(yearOfTwoDigits(a.value), b.value, c.value)
+                                    : setDayFirst(yearOfTwoDigits(c.value), a.value, b.value);
+    }
+
+    /// 2/2001 and 2001/2.
+    bool readYearAndMonth() {
+        if (hasDay() || !isJoined(1, u"/") || isJoined(3, u"/-.")) return false;
+        const bool isYearFirst = peek().digits == 4;
+        const DateToken &year = peek(isYearFirst ? 0 : 2), &month = peek(isYearFirst ? 2 : 0);
+        if (year.digits != 4 || !month.isShort() || !isYearOfOurs(year.value)) return false;
+        setDay(year.value, month.value, 1);
+        return take(3);
+    }
+    static bool isYearOfOurs(int year) { return year >= 1900 && year < 2100; }
+
+    bool readNumber() {
+        const DateToken& number = peek();
+        if (number.digits == 4 && !fields_.year) return setYear(number.value, 1);
+        if (!number.isShort()) return false;
+        const bool isOrdinal = peek(1).isGlued && peek(1).as(Meaning::Suffix);
+        if (!hasDayOfMonth_ && number.value >= 1 && number.value <= 31)
+            return setDayOfMonth(number.value, isOrdinal ? 2 : 1);
+        if (isOrdinal || number.digits != 2 || fields_.year || !hasMonth_ || !hasDayOfMonth_)
+            return false;
+        return setYear(yearOfTwoDigits(number.value), 1);
+    }
+    bool setYear(int year, std::size_t tokens) {
+        fields_.year = year;
+        return year > 0 && take(tokens);
+    }
+    bool setDayOfMonth(int day, std::size_t tokens) {
+        fields_.day = day;
+        hasDayOfMonth_ = true;
+        return take(tokens);
+    }
+    bool setMonth(int month) {
+        if (hasMonth_) return false;
+        fields_.month = month;
+        return hasMonth_ = take(1);
+    }
+
+    /// A word that has a meaning by itself.
+    bool readName() {
+        const DateToken& word = peek();
+        if (const DateWord* const month = word.as(Meaning::Month); month && setMonth(month->value))
+            return true;
+        if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_) {
+            fields_.hour = hour->value;
+            return hasClearTime_ = hasTime_ = take(1);
+        }
+        if (word.as(Meaning::Weekday) && !hasWeekday_) return hasWeekday_ = take(1);
+        if (const DateWord* const day = word.as(Meaning::Ordinal); day && !hasDayOfMonth_)
+            return setDayOfMonth(day->value, 1);
+        return readFiller();
+    }
+
+    /// Words without weight stand before something. A zone may be spelt like one (AT).
+    bool readFiller() {
+        if (isLast()) return false;
+        const bool joinsTime =
+            peek().as(Meaning::TimeMark) && peek().isGlued && peek(1).isShort() && peek(1).isGlued;
+        return (joinsTime || peek().as(Meaning::Filler)) && take(1);
+    }
+
+    bool readMark() {
+        const DateToken& mark = peek();
+        if (!before()) return false;
+        const bool isInside = mark.isGlued && peek(1).isGlued;
+        if (mark.isMark(u',')) return take(1);
+        if (mark.isMark(u'.')) return mark.isGlued && isAbbreviated(*before()) && take(1);
+        if (mark.isMarkOf(u"-/")) return isInside && joinsMonth() && take(1);
+        return mark.isMarkOf(u"'\u2019") && readApostrophe();
+    }
+    /// Names are, and days: 3. Februar.
+    bool isAbbreviated(const DateToken& token) const {
+        return token.isWord() || (token.isShort() && !peek(1).isNumber());
+    }
+    /// 3-Feb-2001
+    bool joinsMonth() const { return before()->as(Meaning::Month) || peek(1).as(Meaning::Month); }
+    /// '01
+    bool readApostrophe() {
+        const DateToken& year = peek(1);
+        if (fields_.year || !hasMonth_ || !year.isGlued || year.digits != 2) return false;
+        return setYear(yearOfTwoDigits(year.value), 2);
+    }
+
+    // Zones.
+
+    bool isZoneAt(std::size_t ahead) const {
+        const DateToken& token = peek(ahead);
+        return token.end != 0 && DateCursor(text_.substr(token.begin)).zone().has_value();
+    }
+
+    /// Behind a time, or behind all that a day has.
+    bool readZone() {
+        if (!hasTime_ && !hasWholeDay()) return false;
+        DateCursor cursor(text_.substr(peek().begin));
+        const auto zone = cursor.zone();
+        if (!zone || !canBeZone(*zone)) return false;
+        fields_.zone = zone;
+        const std::size_t end = text_.size() - cursor.left();
+        while (next_ < tokens_.size() && tokens_[next_].begin < end) ++next_;
+        return true;
+    }
+    /// A second one may only make the first more exact: GMT +0100, +0000 UTC.
+    bool canBeZone(const TimeZone& zone) const {
+        return !fields_.zone || *fields_.zone == zone || *fields_.zone == TimeZone();
+    }
+
+    // Relative time.
+
+    bool readRelative() {
+        if (relative_) return false;
+        const DateToken& word = peek();
+        if (const DateWord* const day = word.as(Meaning::RelativeDay))
+            return setDays(day->value, 1);
+        if (word.as(Meaning::Now)) return setRelative({}, 1);
+        if (word.as(Meaning::Last)) return readLastOrNext(-1);
+        if (word.as(Meaning::Next)) return readLastOrNext(1);
+        if (word.as(Meaning::In)) return readCount(1, 1) && take(1);
+        return readDayAround() || readAgo();
+    }
+
+    bool setRelative(RelativeTime time, std::size_t tokens) {
+        relative_ = time;
+        return take(tokens);
+    }
+    bool setDays(int days, std::size_t tokens) {
+        return setRelative({.isWholeDay = true, .days = days}, tokens);
+    }
+
+    /// last Monday, next week
+    bool readLastOrNext(int direction) {
+        if (const DateWord* const weekday = peek(1).as(Meaning::Weekday)) {
+            const std::chrono::weekday day(static_cast<unsigned>(weekday->value));
+            return setDays(direction < 0 ? daysToLast(day, here()) : daysToNext(day, here()), 2);
+        }
+        return setUnits(peek(1), direction) && take(2);
+    }
+
+    /// (the) day before yesterday, (the) day after tomorrow
+    bool readDayAround() {
+        const std::size_t start = peek().as(Meaning::Filler) ? 1 : 0;
+        if (!isDayUnit(peek(start))) return false;
+        const DateWord* const day = peek(start + 2).as(Meaning::RelativeDay);
+        if (!day || day->value == 0) return false;
+        if (!peek(start + 1).as(day->value < 0 ? Meaning::Before : Meaning::After)) return false;
+        return setDays(2 * day->value, start + 3);
+    }
+    static bool isDayUnit(const DateToken& token) {
+        const DateWord* const unit = token.as(Meaning::Seconds);
+        return unit && unit->value == SecondsOfDay;
+    }
+
+    /// 3 days ago, 2 weeks from now
+    bool readAgo() {
+        if (relative_) return false;
+        if (peek(2).as(Meaning::Ago)) return readCount(0, -1) && take(1);
+        return peek(2).as(Meaning::From) && peek(3).as(Meaning::Now) && readCount(0, 1) && take(2);
+    }
+
+    /// A count and a unit.
+    bool readCount(std::size_t ahead, int direction) {
+        const DateToken& count = peek(ahead);
+        const DateWord* const word = count.as(Meaning::Count);
+        if (!word && (!count.isNumber() || count.digits > 4)) return false;
+        return setUnits(peek(ahead + 1), direction * (word ? word->value : count.value)) && take(2);
+    }
+
+    bool setUnits(const DateToken& unit, int count) {
+        RelativeTime time;
+        if (const DateWord* const months = unit.as(Meaning::Months)) {
+            time.months = months->value * count;
+        } else if (const DateWord* const seconds = unit.as(Meaning::Seconds)) {
+            const bool isDays = seconds->value >= SecondsOfDay;
+            if (isDays)
+                time.days = seconds->value / SecondsOfDay * count;
+            else
+                time.seconds = std::int64_t{seconds->value} * count;
+        } else {
+            return false;
+        }
+        return setRelative(time, 0);
+    }
+
+    // What the slots come to.
+
+    Date now() const { return options_.now ? *options_.now : std::chrono::system_clock::now(); }
+    LocalTime here() const { return options_.zone.localTimeOf(now()); }
+
+    std::optional<Date> relativeDate() {
+        if (hasDay() || hasWeekday_ || (hasTime_ && relative_->seconds)) return {};
+        if (!hasTime_) return relative_->from(now(), options_.zone);
+        return atTimeOn(relative_->dayFrom(here()));
+    }
+
+    std::optional<Date> timeOfToday() {
+        if (!hasClearTime_ || hasWeekday_) return {};
+        return atTimeOn(std::chrono::floor<std::chrono::days>(here()));
+    }
+
+    std::optional<Date> atTimeOn(std::chrono::local_days day) {
+        const std::chrono::year_month_day date(day);
+        setDay(static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
+               static_cast<int>(static_cast<unsigned>(date.day())));
+        return dateOf(fields_, options_.zone);
+    }
+
+    /// A year alone is no date, nor is a day; a month is one with either.
+    std::optional<Date> dayDate() {
+        if (!hasMonth_) return {};
+        if (!fields_.year && !hasDayOfMonth_ && !reading_.monthAlone) return {};
+        if (!fields_.year) {
+            const auto today = std::chrono::floor<std::chrono::days>(here());
+            fields_.year = static_cast<int>(std::chrono::year_month_day(today).year());
+        }
+        return dateOf(fields_, options_.zone);
+    }
+
+    static constexpr int SecondsOfDay = 86400;
+
+    std::u16string_view text_;
+    const DateOptions& options_;
+    const NaturalReading reading_;
+    DateTokens tokens_;
+    std::size_t next_ = 0;
+    DateFields fields_;
+    bool hasMonth_ = false, hasDayOfMonth_ = false, hasWeekday_ = false;
+    bool hasTime_ = false;
+    bool hasClearTime_ = false;  // one that is nothing but a time: 10 pm, noon
+    std::optional<RelativeTime> relative_;
+};
+
+}  // namespace
+
+std::optional<Date> readNaturalDate(std::u16string_view text, const DateOptions& options,
+                                    NaturalReading reading) {
+    if (text.size() > DateTokens::LongestText) return {};
+    if (const auto date = readISODate(text, options.zone)) return date;
+    return NaturalReader(text, options, reading).read();
+}
+
+}  // namespace detail
+
+std::optional<Date> dateWithNaturalLanguageString(std::u16string_view string,
+                                                  const DateOptions& options) {
+    return detail::readNaturalDate(string, options);
+}
+
+}  // namespace velmo
