@@ -34,7 +34,7 @@ Feed feedOf(detail::FeedFacts&& facts) { return {facts.recognized, std::move(fac
 Feed parseFeedWithHandler(std::u16string_view feed,
                           FunctionRef<bool(const FeedItemView& item)> handler,
                           const FeedOptions& options) {
-    return feedOf(detail::scanFeed(feed, {.item = handler}, options.baseURL));
+    return feedOf(detail::scanFeed(feed, {.item = handler}, options));
 }
 
 Feed readFeed(std::u16string_view feed, const FeedOptions& options) {
@@ -56,7 +56,7 @@ std::vector<FeedItem> getItemsOfFeed(std::u16string_view feed, const URL& baseUR
 
 String feedTitle(std::u16string_view feed) {
     const auto stop = [](const detail::FeedFacts&) { return true; };
-    return detail::scanFeed(feed, {.channel = stop}, {}).title;
+    return detail::scanFeed(feed, {.channel = stop}).title;
 }
 
 bool isEmptyFeedItem(const FeedItem& item) {

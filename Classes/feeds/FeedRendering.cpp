@@ -159,7 +159,7 @@ String stringByConvertingFeed(const String& feed, const FeedDisplayOptions& opti
         return false;
     };
     const FeedFacts facts =
-        scanFeed(feed, {.item = appendItem, .channel = leaveChannel}, options.baseURL);
+        scanFeed(feed, {.item = appendItem, .channel = leaveChannel}, options.feed);
     if (!facts.rootSeen) return feed;
     if (facts.headWritten && !hasHeader) appendHeader(out, facts.title);
     append(out, facts.headWritten ? templates::PageEnd : templates::PageEndWithoutBody);

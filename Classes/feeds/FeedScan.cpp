@@ -68,7 +68,8 @@ private:
 
 class FeedScan {
 public:
-    FeedScan(const FeedHandlers& handlers, const URL& base) : handlers_(handlers), base_(base) {}
+    FeedScan(const FeedHandlers& handlers, const FeedOptions& options)
+        : handlers_(handlers), options_(options) {}
 
     FeedFacts finish() {
         facts_.recognized = recognition_.found();
@@ -117,7 +118,10 @@ private:
     }
 
     bool readItem(const Tag& tag, FeedTag meaning) {
-        if (meaning == FeedTag::Other && facts_.headWritten) return false;
+        if (meaning == FeedTag::Other && facts_.headWritten) {
+            if (options_.boundCData && tag.isClosing()) pendingCData_.reset();
+            return false;
+        }
         const bool isClosed = isTagClosed(tag.whole());
         if (meaning == FeedTag::Link && link_.empty()) readLinkAttributes(tag.whole());
         if (meaning == FeedTag::GUID) readGuid(tag);
@@ -160,7 +164,12 @@ private:
             guidNotPermaLink_ = keyword::equals(attributeOf(tag.whole(), "ISPERMALINK"), "FALSE");
             return;
         }
-        guid_ = guidNotPermaLink_ ? Units() : textBefore(tag, Decoding::Standard);
+        Units guid;
+        if (options_.boundCData)
+            fill(guid, tag.text(), Decoding::Standard);
+        else
+            guid = textBefore(tag, Decoding::Standard);
+        guid_ = guidNotPermaLink_ ? Units() : guid;
         guidNotPermaLink_ = false;
     }
 
@@ -204,6 +213,7 @@ private:
             case FeedTag::Enclosure:
                 return addEnclosure(tag.whole());
             default:
+                if (options_.boundCData) pendingCData_.reset();
                 return;
         }
     }
@@ -242,7 +252,7 @@ private:
         // What a feed's writer made of a list when it wanted a text.
         if (description_ != u"Array" && handlers_.item) {
             String joined;
-            const Units link = linkOfItem(guid_, link_, base_, joined);
+            const Units link = linkOfItem(guid_, link_, options_.baseURL, joined);
             stops = handlers_.item(
                 {title_, description_, content_, author_, guid_, date_, link, tags_, enclosures_});
         }
@@ -266,7 +276,7 @@ private:
     };
 
     const FeedHandlers& handlers_;
-    const URL& base_;
+    const FeedOptions& options_;
     FeedFacts facts_;
     FeedRecognition recognition_;
     bool isRecognized_ = false;
@@ -286,8 +296,8 @@ String stringOf(Units view) { return view.empty() ? String::empty() : String(vie
 
 }  // namespace
 
-FeedFacts scanFeed(Units feed, const FeedHandlers& handlers, const URL& base) {
-    FeedScan scan(handlers, base);
+FeedFacts scanFeed(Units feed, const FeedHandlers& handlers, const FeedOptions& options) {
+    FeedScan scan(handlers, options);
     GetTagsOfString(feed, scan);
     return scan.finish();
 }

@@ -24,7 +24,8 @@ struct FeedHandlers {
     FunctionRef<bool(const FeedFacts&)> channel = nullptr;
 };
 
-FeedFacts scanFeed(std::u16string_view feed, const FeedHandlers& handlers, const URL& base);
+FeedFacts scanFeed(std::u16string_view feed, const FeedHandlers& handlers,
+                   const FeedOptions& options = {});
 
 /// The item as strings of its own.
 FeedItem keptItem(const FeedItemView& item);

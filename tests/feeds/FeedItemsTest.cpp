@@ -86,6 +86,20 @@ TEST(FeedItems, TakeCDataForTheNextSlot) {
     });
 }
 
+TEST(FeedItems, KeepCDataInItsElementIfAsked) {
+    const std::pair<View, View> cases[] = {
+        {u"<guid isPermaLink=false><![CDATA[x]]></guid><link>l</link>", u"l:l"},
+        {u"<guid><![CDATA[http://a/?b&amp;c]]></guid><link>l</link>", u"g:http://a/?b&c l:http://a/?b&c"},
+        {u"<media:title><![CDATA[x]]></media:title><link>l</link>", u"l:l"},
+        {u"<title><![CDATA[t]]></title><category><![CDATA[c]]></category><link>l</link>", u"t:t l:l #c"},
+        {u"<![CDATA[x]]><title>t</title>", u"t:x"},
+    };
+    for (const auto& [parts, expected] : cases) {
+        const String feed = u"<rss><item>" + String(parts) + u"</item>";
+        EXPECT_EQ(utf8(textOf(readFeed(feed, {.boundCData = true}).items)), utf8(expected)) << utf8(parts);
+    }
+}
+
 TEST(FeedItems, LeadToWhatIsMeant) {
     expectItems(
         {

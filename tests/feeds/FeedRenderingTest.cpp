@@ -63,7 +63,7 @@ TEST(FeedRendering, HidesFromAnIndexWhatNobodyLooksFor) {
     const FeedItem item = {.title = u"t",
                            .content = u"c",
                            .author = u"<b>n</b>",
-                           .date = u"soon",
+                           .date = u"2001-01-01",
                            .tags = {u"x", u"y z"},
                            .enclosures = {{u"u", u"1"}}};
     EXPECT_EQ(bodyOf(stringByConvertingItemToSearchableHTML(item)),
@@ -91,7 +91,7 @@ TEST(FeedRendering, FramesAFeedByHowFarItGoes) {
                                  "href=\"http://h/l\"></a><br/></div><div class=\"feed_article\">\n\n</div>\n")},
     };
     FeedDisplayOptions options = Inline;
-    options.baseURL = URL::URLWithString(u"http://h/");
+    options.feed.baseURL = URL::URLWithString(u"http://h/");
     for (const auto& [feed, expected] : cases)
         EXPECT_EQ(bodyOf(stringByConvertingFeed(feed, options)), expected) << utf8(feed);
     const String page = u"<html><rss><item></item></rss>";

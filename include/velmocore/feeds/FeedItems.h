@@ -60,6 +60,10 @@ struct FeedItemView {
 struct FeedOptions {
     /// Links that begin with / are relative to it. Absent if it is not known.
     URL baseURL = {};
+    /// A CDATA section counts for the next part of its item that is closed, also if it stands in an
+    /// element that is no part of an item, or in a guid. Ours: with this it does not count outside
+    /// of its element, and is the text of a guid, as XML has it.
+    bool boundCData = false;
 };
 
 /// What one scan tells of a feed.

@@ -27,8 +27,8 @@ namespace velmo {
 [[nodiscard]] VELMO_API String linkableFeedStyleSheet();
 
 struct FeedDisplayOptions {
-    /// Of a feed; links of its items that begin with / are relative to it.
-    URL baseURL = {};
+    /// How a feed is read.
+    FeedOptions feed = {};
     /// Whether the sheet is linked or a part of the page. A list of items always links it.
     bool linkedStyleSheet = true;
     // Ours:

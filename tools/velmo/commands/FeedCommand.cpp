@@ -19,7 +19,7 @@ enum class Form { Items, Display, Searchable };
 struct Options {
     InputOptions input;
     std::string base, styleSheet;
-    bool html = false, searchable = false, isInline = false;
+    bool html = false, searchable = false, isInline = false, isDescribed = false;
 
     Form form() const { return html ? Form::Display : searchable ? Form::Searchable : Form::Items; }
 };
@@ -67,11 +67,12 @@ JsonObject valueOf(const FeedItem& item) {
 /// Prints what one feed holds, or the page that it makes.
 class Printer {
 public:
-    Printer(const Options& options, const URL& base) : options_(options), base_(base) {}
+    Printer(const Options& options, const URL& base)
+        : options_(options), reading_{.baseURL = base, .boundCData = !options.isDescribed} {}
 
     void print(const std::string& file, const String& text, Report& report) const {
         if (options_.form() != Form::Items) return printPage(file, text, report);
-        const Feed feed = readFeed(text, {.baseURL = base_});
+        const Feed feed = readFeed(text, reading_);
         if (report.json()) return printObject(file, feed, report);
         report.printHeading(file);
         printItems(feed, report);
@@ -80,9 +81,9 @@ public:
 private:
     String pageOf(const String& text) const {
         if (options_.form() == Form::Searchable)
-            return stringByConvertingItemsToSearchableHTML(getItemsOfFeed(text, base_));
+            return stringByConvertingItemsToSearchableHTML(readFeed(text, reading_).items);
         FeedDisplayOptions display = {
-            .baseURL = base_, .linkedStyleSheet = !options_.isInline, .dates = {.offsets = true}};
+            .feed = reading_, .linkedStyleSheet = !options_.isInline, .dates = {.offsets = true}};
         if (!options_.styleSheet.empty()) display.styleSheet = Path(options_.styleSheet);
         return stringByConvertingFeed(text, display);
     }
@@ -120,7 +121,7 @@ private:
     }
 
     const Options& options_;
-    const URL base_;
+    const FeedOptions reading_;
 };
 
 void run(Report& report, const Options& options) {
@@ -147,7 +148,7 @@ Command makeFeedCommand(Session& session) {
     Command command = {
         .summary = "Print the items of RSS, RDF and Atom feeds, or feeds as pages",
         .examples = {"velmo feed --base https://example.org/feed.xml --json feed.xml",
-                     "velmo feed --html --inline feed.xml > feed.html"},
+                     "velmo feed --html --inline feed.xml"},
         .run = [options](Report& report) { run(report, *options); },
     };
     Option html = flag("--html", options->html, "a page to read");
@@ -159,6 +160,9 @@ Command makeFeedCommand(Session& session) {
         flag("--searchable", options->searchable, "a page of what is worth finding, for an index"),
         text("--stylesheet", "FILE", options->styleSheet, "the style sheet of --html"),
         flag("--inline", options->isInline, "the style sheet becomes a part of the page"),
+        flag("--described", options->isDescribed,
+             "the plain form: a CDATA section counts for the next part of its item, wherever it "
+             "stands"),
     });
     addContentOptions(command, session, options->input, Kind::Page);
     command.add({jsonFlag(session, "one JSON object a feed")});
