@@ -210,7 +210,7 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
     Report result;
     for (const auto operations :
          {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
-          urlOperations(), markupOperations(), storageOperations()})
+          urlOperations(), markupOperations(), feedOperations(), storageOperations()})
         for (const Operation& operation : operations)
             report(meter, hostile, operation, Case(meter, operation, inputs).measured(), result);
     return result;

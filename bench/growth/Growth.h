@@ -55,6 +55,7 @@ std::span<const Operation> wordOperations();
 std::span<const Operation> queryOperations();
 std::span<const Operation> urlOperations();
 std::span<const Operation> markupOperations();
+std::span<const Operation> feedOperations();
 std::span<const Operation> storageOperations();
 
 /// Uses a result, so that no compiler leaves the work out.
