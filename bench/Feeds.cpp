@@ -1,6 +1,6 @@
 // Feeds from bytes to items, beside the SAX reader of libxml2 and the tree of pugixml. The feeds
-// are the well-formed ones of tests/data in UTF-8, each with its items over and over up to the
-// size of a large feed, and all of these over and over up to 25 MB.
+// are the well-formed ones of tests/data in UTF-8, each with as many items as large feeds have, and
+// all of these over and over up to 25 MB.
 #include <benchmark/benchmark.h>
 #include <libxml/parser.h>
 #include <libxml/parserInternals.h>
@@ -17,6 +17,7 @@
 #include <vector>
 
 #include <velmocore/feeds/FeedItems.h>
+#include <velmocore/markup/Entities.h>
 #include <velmocore/markup/MarkupDecoding.h>
 
 #include "Corpus.h"
@@ -24,20 +25,51 @@
 namespace velmo::bench {
 namespace {
 
-constexpr std::size_t Total = 25'000'000, LargeFeed = 100'000;
+constexpr std::size_t Total = 25'000'000, Items = 100, ArticleSize = 4000;
 
-/// The feed with what its first item begins and its last one ends as often as fills the size.
-std::string grown(const std::string& feed, std::size_t size) {
+/// What feeds carry along that hold whole articles: pieces of real pages, in turn escaped and as
+/// CDATA sections.
+const std::vector<std::string>& articles() {
+    static const std::vector<std::string> made = [] {
+        std::vector<std::string> list;
+        for (const std::string& page : corpus().utf8) {
+            const std::size_t body = std::max<std::size_t>(page.find("<body"), 1) - 1;
+            std::string piece = page.substr(std::min(body, page.size()), ArticleSize);
+            while (!piece.empty() && (piece.back() & 0x80)) piece.pop_back();
+            if (piece.size() < ArticleSize / 2 || piece.find("]>") != piece.npos) continue;
+            const String escaped =
+                stringByConvertingCharactersToStandardEntities(String::fromUTF8(piece));
+            list.push_back(list.size() % 2 ? "<![CDATA[" + piece + "]]>" : escaped.utf8());
+        }
+        return list;
+    }();
+    return made;
+}
+
+std::string articleElement(std::size_t index) {
+    return "<content:encoded>" + articles()[index % articles().size()] + "</content:encoded>";
+}
+
+/// The feed with its items so often, and with articles in them.
+std::string grown(std::string feed, std::size_t times, bool hasArticles) {
+    constexpr std::string_view Namespace =
+        " xmlns:content=\"http://purl.org/rss/1.0/modules/content/\"";
+    for (const std::string_view root : {"<rss", "<rdf:RDF", "<feed"})
+        if (const std::size_t at = feed.find(root);
+            at != feed.npos && feed.find("xmlns:content") == feed.npos)
+            feed.insert(at + root.size(), Namespace);
     const std::size_t start = std::min(feed.find("<item"), feed.find("<entry"));
     const std::size_t end = std::max(feed.rfind("</item>") + 1, feed.rfind("</entry>") + 1);
     if (start == feed.npos || end == 0) return {};
     // The <items> of RDF stand in front of its items.
     const std::size_t first =
         feed.compare(start, 7, "<items>") ? start : feed.find("<item ", start);
-    const std::size_t behind = feed.find('>', end) + 1;
+    const std::string inside = feed.substr(first, end - 1 - first);
+    const std::string closing = feed.substr(end - 1, feed.find('>', end) + 1 - (end - 1));
     std::string items;
-    while (items.size() < size) items += feed.substr(first, behind - first);
-    return feed.substr(0, first) + items + feed.substr(behind);
+    for (std::size_t i = 0; i < times; ++i)
+        items += inside + (hasArticles ? articleElement(i) : std::string()) + closing;
+    return feed.substr(0, first) + items + feed.substr(end - 1 + closing.size());
 }
 
 /// What the peers keep of an item.
@@ -54,7 +86,8 @@ std::string trimmed(std::string_view text) {
 }
 
 /// Which text an element holds; null if none.
-std::string* slotOf(PeerItem& item, std::string_view name) {
+template <class Name>
+std::string* slotOf(PeerItem& item, const Name& name) {
     if (name == "title") return &item.title;
     if (name == "description" || name == "summary") return &item.description;
     if (name == "content" || name == "content:encoded") return &item.content;
@@ -81,15 +114,33 @@ struct SaxState {
 
 std::string_view viewOf(const xmlChar* text) { return reinterpret_cast<const char*>(text); }
 
-std::string_view attributeOf(const xmlChar** attributes, std::string_view name) {
-    for (; attributes && attributes[0]; attributes += 2)
-        if (viewOf(attributes[0]) == name) return viewOf(attributes[1]);
+/// Attributes come as name, prefix, URI, and where the value begins and ends.
+std::string_view attributeOf(const xmlChar** attributes, int count, std::string_view name) {
+    for (; count-- > 0; attributes += 5)
+        if (viewOf(attributes[0]) == name)
+            return {viewOf(attributes[3]).data(), std::size_t(attributes[4] - attributes[3])};
     return {};
 }
 
-void startElement(void* data, const xmlChar* element, const xmlChar** attributes) {
+/// The name with the prefix that feeds use for its namespace.
+struct Name {
+    Name(const xmlChar* local, const xmlChar* prefix) : local_(viewOf(local)) {
+        if (prefix) prefix_ = viewOf(prefix);
+    }
+    bool operator==(std::string_view name) const {
+        if (prefix_.empty() || prefix_ == "rss") return local_ == name;
+        return name.size() == prefix_.size() + 1 + local_.size() && name.starts_with(prefix_) &&
+               name.ends_with(local_);
+    }
+
+private:
+    std::string_view local_, prefix_;
+};
+
+void startElement(void* data, const xmlChar* local, const xmlChar* prefix, const xmlChar*, int,
+                  const xmlChar**, int count, int, const xmlChar** attributes) {
     auto& state = *static_cast<SaxState*>(data);
-    const std::string_view name = viewOf(element);
+    const Name name(local, prefix);
     state.text.clear();
     if (name == "item" || name == "entry") {
         state.items.emplace_back();
@@ -97,20 +148,20 @@ void startElement(void* data, const xmlChar* element, const xmlChar** attributes
     } else if (!state.inItem) {
         return;
     } else if (name == "link") {
-        fill(state.items.back().link, attributeOf(attributes, "href"));
-    } else if (name == "category" && attributes) {
-        if (const auto term = attributeOf(attributes, "term"); !term.empty())
+        fill(state.items.back().link, attributeOf(attributes, count, "href"));
+    } else if (name == "category" && count > 0) {
+        if (const auto term = attributeOf(attributes, count, "term"); !term.empty())
             state.items.back().tags.emplace_back(term);
     } else if (name == "enclosure") {
-        state.items.back().enclosures.emplace_back(attributeOf(attributes, "url"),
-                                                   attributeOf(attributes, "length"));
+        state.items.back().enclosures.emplace_back(attributeOf(attributes, count, "url"),
+                                                   attributeOf(attributes, count, "length"));
     }
 }
 
-void endElement(void* data, const xmlChar* element) {
+void endElement(void* data, const xmlChar* local, const xmlChar* prefix, const xmlChar*) {
     auto& state = *static_cast<SaxState*>(data);
     if (!state.inItem) return;
-    const std::string_view name = viewOf(element);
+    const Name name(local, prefix);
     if (name == "item" || name == "entry")
         state.inItem = false;
     else if (name == "name")
@@ -129,8 +180,9 @@ void characters(void* data, const xmlChar* text, int length) {
 
 std::vector<PeerItem> itemsOfSax(const std::string& feed) {
     xmlSAXHandler handler{};
-    handler.startElement = startElement;
-    handler.endElement = endElement;
+    handler.initialized = XML_SAX2_MAGIC;
+    handler.startElementNs = startElement;
+    handler.endElementNs = endElement;
     handler.characters = characters;
     handler.cdataBlock = characters;
     handler.getEntity = [](void*, const xmlChar* name) { return xmlGetPredefinedEntity(name); };
@@ -177,55 +229,63 @@ std::vector<FeedItem> itemsOfVelmo(const std::string& feed) {
 }
 
 /// The feeds, of which all readers find as many items.
-const std::vector<std::string>& feeds() {
-    static const std::vector<std::string> made = [] {
-        std::vector<std::string> list;
-        for (const auto& entry : std::filesystem::directory_iterator(VELMO_FEEDS)) {
-            std::ifstream file(entry.path(), std::ios::binary);
-            std::string feed = grown({std::istreambuf_iterator<char>(file), {}}, LargeFeed);
-            const std::size_t count = itemsOfVelmo(feed).size();
-            if (count > 0 && itemsOfSax(feed).size() == count && itemsOfTree(feed).size() == count)
-                list.push_back(std::move(feed));
-        }
-        return list;
-    }();
-    return made;
+std::vector<std::string> makeFeeds(bool haveArticles) {
+    std::vector<std::string> list;
+    for (const auto& entry : std::filesystem::directory_iterator(VELMO_FEEDS)) {
+        std::ifstream file(entry.path(), std::ios::binary);
+        std::string feed = grown({std::istreambuf_iterator<char>(file), {}}, Items, haveArticles);
+        const std::size_t count = itemsOfVelmo(feed).size();
+        if (count > 0 && itemsOfSax(feed).size() == count && itemsOfTree(feed).size() == count)
+            list.push_back(std::move(feed));
+    }
+    return list;
+}
+
+const std::vector<std::string>& feeds(bool haveArticles) {
+    static const std::vector<std::string> bare = makeFeeds(false), full = makeFeeds(true);
+    return haveArticles ? full : bare;
 }
 
 template <class Read>
-void eachFeed(benchmark::State& state, Read read) {
+void eachFeed(benchmark::State& state, bool haveArticles, Read read) {
     std::size_t bytes = 0;
-    for (const std::string& feed : feeds()) bytes += feed.size();
+    for (const std::string& feed : feeds(haveArticles)) bytes += feed.size();
     const std::size_t rounds = Total / bytes + 1;
     for (auto _ : state)
         for (std::size_t round = 0; round < rounds; ++round)
-            for (const std::string& feed : feeds()) benchmark::DoNotOptimize(read(feed));
+            for (const std::string& feed : feeds(haveArticles))
+                benchmark::DoNotOptimize(read(feed));
     state.SetBytesProcessed(static_cast<std::int64_t>(bytes * rounds * state.iterations()));
-    state.counters["feeds"] = static_cast<double>(feeds().size());
+    state.counters["feeds"] = static_cast<double>(feeds(haveArticles).size());
 }
-
-void feedsVelmo(benchmark::State& state) { eachFeed(state, itemsOfVelmo); }
-BENCHMARK(feedsVelmo)->Name("feed-items/velmo")->Unit(benchmark::kMillisecond);
-
-void feedsLibxml2(benchmark::State& state) { eachFeed(state, itemsOfSax); }
-BENCHMARK(feedsLibxml2)->Name("feed-items/libxml2")->Unit(benchmark::kMillisecond);
-
-void feedsPugixml(benchmark::State& state) { eachFeed(state, itemsOfTree); }
-BENCHMARK(feedsPugixml)->Name("feed-items/pugixml")->Unit(benchmark::kMillisecond);
 
 /// Handed out as views, which no peer does.
-void feedsHandled(benchmark::State& state) {
-    eachFeed(state, [](const std::string& feed) {
-        std::size_t units = 0;
-        (void)parseFeedWithHandler(stringWithMarkupData(Bytes(feed)),
-                                   [&](const FeedItemView& item) {
-                                       units += item.title.size() + item.content.size();
-                                       return false;
-                                   });
-        return units;
+std::size_t unitsOfViews(const std::string& feed) {
+    std::size_t units = 0;
+    (void)parseFeedWithHandler(stringWithMarkupData(Bytes(feed)), [&](const FeedItemView& item) {
+        units += item.title.size() + item.content.size();
+        return false;
     });
+    return units;
 }
-BENCHMARK(feedsHandled)->Name("feed-views/velmo")->Unit(benchmark::kMillisecond);
+
+/// The feeds as they are, whose items are mostly tags, and with articles, as most feeds have them.
+template <class Read>
+void add(const std::string& peer, const std::string& name, Read read) {
+    for (const bool haveArticles : {false, true})
+        benchmark::RegisterBenchmark(
+            (name + (haveArticles ? "/" : "-bare/") + peer).c_str(),
+            [=](benchmark::State& state) { eachFeed(state, haveArticles, read); })
+            ->Unit(benchmark::kMillisecond);
+}
+
+[[maybe_unused]] const bool isRegistered = [] {
+    add("velmo", "feed-items", itemsOfVelmo);
+    add("libxml2", "feed-items", itemsOfSax);
+    add("pugixml", "feed-items", itemsOfTree);
+    add("velmo", "feed-views", unitsOfViews);
+    return true;
+}();
 
 }  // namespace
 }  // namespace velmo::bench

@@ -20,6 +20,7 @@
 #include "feeds/FeedLinks.h"
 #include "feeds/FeedTags.h"
 #include "markup/FeedRoots.h"
+#include "markup/TagScan.h"
 #include "markup/TagSupport.h"
 #include "text/Keyword.h"
 #include "text/Trim.h"
@@ -298,7 +299,7 @@ String stringOf(Units view) { return view.empty() ? String::empty() : String(vie
 
 FeedFacts scanFeed(Units feed, const FeedHandlers& handlers, const FeedOptions& options) {
     FeedScan scan(handlers, options);
-    GetTagsOfString(feed, scan);
+    if (!feed.empty()) TagScan<FeedScan>(feed, scan).run();
     return scan.finish();
 }
 
