@@ -167,9 +167,11 @@ private:
         return end_;
     }
 
+    /// Looked for by its bracket: a CDATA section may hold a page, which is full of >.
     const char16_t* endOfDeclaration(const char16_t* at) {
-        for (at += 3; (at = marks_.greater(at)) != end_; ++at) {
-            if (at[-1] == u']' || (at[-1] == u'-' && at[-2] == u'-' && at[-3] == u']')) return at;
+        for (at += 3; (at = scan::find(at, end_, u']')) < end_; ++at) {
+            if (end_ - at > 1 && at[1] == u'>') return at + 1;
+            if (end_ - at > 3 && at[1] == u'-' && at[2] == u'-' && at[3] == u'>') return at + 3;
         }
         return end_;
     }
