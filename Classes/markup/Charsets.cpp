@@ -66,7 +66,7 @@ TextEncoding firstMatch(std::span<const detail::CharsetName> tests, Name name) {
 /// Names that are wrong for reasons that no one need be told of.
 bool isLeftOver(Name name) {
     return name.empty() || Name(u"%/0<>").find(name.front()) != Name::npos ||
-           keyword::equals(name, "AUTO");
+           detail::keyword::equals(name, "AUTO");
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ void appendTo(std::vector<String>& list, const std::vector<String>& more) {
 
 bool isOneOf(std::u16string_view extension, Keywords keywords) {
     for (std::string_view keyword : keywords)
-        if (keyword::equals(extension, keyword)) return true;
+        if (detail::keyword::equals(extension, keyword)) return true;
     return false;
 }
 
@@ -83,7 +83,7 @@ std::vector<String> XMLFileTypes() {
     std::vector<String> list = listOf(XMLNames);
     for (const String& custom : CustomXMLFileTypes()) {
         list.push_back(custom);
-        list.emplace_back(unicode::upperCase(custom.view()));
+        list.emplace_back(detail::unicode::upperCase(custom.view()));
     }
     return list;
 }
@@ -101,7 +101,7 @@ bool isHTMLExtension(std::u16string_view extension) {
 
 bool isXMLExtension(std::u16string_view extension) {
     for (const String& custom : CustomXMLFileTypes())
-        if (keyword::equalNoCase(extension, custom)) return true;
+        if (detail::keyword::equalNoCase(extension, custom)) return true;
     return isOneOf(extension, XMLKeywords);
 }
 

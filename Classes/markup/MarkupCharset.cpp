@@ -30,15 +30,16 @@ NamedCharset findCharset(std::u16string_view page, bool* reachesFarther = nullpt
     GetTagsOfString(page, [&](const Tag& tag) {
         const std::u16string_view name = tag.name();
         // The scan looks ahead for the end of a script or a style.
-        if (reachesFarther && (tag.kind == TagKind::End || keyword::equals(name, "SCRIPT") ||
-                               keyword::equals(name, "STYLE")))
+        if (reachesFarther &&
+            (tag.kind == TagKind::End || detail::keyword::equals(name, "SCRIPT") ||
+             detail::keyword::equals(name, "STYLE")))
             return *reachesFarther = true;
         String charset;
         if (name.size() == 4) {
-            if (keyword::equals(name, "BODY")) return true;
-            if (!keyword::equals(name, "META") || tag.isClosing()) return false;
+            if (detail::keyword::equals(name, "BODY")) return true;
+            if (!detail::keyword::equals(name, "META") || tag.isClosing()) return false;
             charset = charsetOfMetaTag(tag.whole());
-        } else if (keyword::equals(name, "XML") && tag.whole()[1] == u'?') {
+        } else if (detail::keyword::equals(name, "XML") && tag.whole()[1] == u'?') {
             charset = attributeOfTagCharacters(tag.whole(), "ENCODING");
         }
         // A tag that names none does not end the search: pages have many meta tags.

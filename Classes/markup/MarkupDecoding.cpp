@@ -50,7 +50,7 @@ struct Trial {
 
     bool failed() const { return text.isAbsent(); }
     std::size_t errors() const {
-        return scan::count(text.begin(), text.end(), detail::ReplacementUnit);
+        return detail::scan::count(text.begin(), text.end(), detail::ReplacementUnit);
     }
 };
 

@@ -56,7 +56,7 @@ bool isHiddenStyle(Units tag) {
     const Units style = tag.substr(range.location, range.length);
     if (containsBehind(style, u"visibility", u"hidden")) return true;
     if (containsBehind(style, u"display:", u"none")) return true;
-    if (keyword::contains(style, "POSITION:ABSOLUTE") &&
+    if (detail::keyword::contains(style, "POSITION:ABSOLUTE") &&
         (styleNumber(style, u"TOP") < -1000 || styleNumber(style, u"LEFT") < -1000))
         return true;
     const TagSize size = getTagWidth(tag);
@@ -64,13 +64,14 @@ bool isHiddenStyle(Units tag) {
 }
 
 bool isHiddenElement(Units tag) {
-    return keyword::equals(attributeOfTagCharacters(tag, "CLASS"), "HIDDEN") || isHiddenStyle(tag);
+    return detail::keyword::equals(attributeOfTagCharacters(tag, "CLASS"), "HIDDEN") ||
+           isHiddenStyle(tag);
 }
 
 /// Whether a style asks for letters of one to four points.
 bool isTinyFont(Units style) {
-    if (!keyword::contains(style, "FONT-SIZE")) return false;
-    const std::size_t points = keyword::find(style, "PT");
+    if (!detail::keyword::contains(style, "FONT-SIZE")) return false;
+    const std::size_t points = detail::keyword::find(style, "PT");
     if (points == Units::npos || points < 2) return false;
     const char16_t tens = style[points - 2], ones = style[points - 1];
     return !detail::ascii::isDigit(tens) && ones >= u'1' && ones <= u'4';
@@ -101,9 +102,10 @@ public:
                 didOutput_ = true;
             }
         }
-        if (keyword::equals(tag.name(), "BODY") || keyword::equals(tag.name(), "NOFRAMES"))
+        if (detail::keyword::equals(tag.name(), "BODY") ||
+            detail::keyword::equals(tag.name(), "NOFRAMES"))
             changeDepth(tag.whole(), +1);
-        else if (keyword::equals(tag.name(), "HEAD"))
+        else if (detail::keyword::equals(tag.name(), "HEAD"))
             changeDepth(tag.whole(), -1);
         return false;
     }
@@ -126,14 +128,14 @@ private:
     void handleOutsideBody(const Tag& tag) {
         if (tag.kind == TagKind::Comment) return noteGoogleComment(tag);
         const Units name = tag.name();
-        const bool isNoFrames = keyword::equals(name, "NOFRAMES");
-        if (isNoFrames || keyword::equals(name, "NOSCRIPT")) {
+        const bool isNoFrames = detail::keyword::equals(name, "NOFRAMES");
+        if (isNoFrames || detail::keyword::equals(name, "NOSCRIPT")) {
             changeDepth(tag.whole(), +1);
             clearElements();
             (isNoFrames ? inFrameAlternative_ : inNoScript_) = !isTagClosed(tag.whole());
-        } else if (keyword::equals(name, "BODY")) {
+        } else if (detail::keyword::equals(name, "BODY")) {
             enterBody(tag.whole());
-        } else if (keyword::equals(name, "HEAD")) {
+        } else if (detail::keyword::equals(name, "HEAD")) {
             changeDepth(tag.whole(), -1);
             clearElements();
             inFrameAlternative_ = false;
@@ -164,13 +166,13 @@ private:
     void noteGoogleComment(const Tag& tag) {
         if (!options_.googleTags || tag.tagLength < ShortestGoogleComment) return;
         const Units comment = tag.whole();
-        const bool on = keyword::contains(comment, "GOOGLEON:");
-        if (!on && !keyword::contains(comment, "GOOGLEOFF:")) return;
+        const bool on = detail::keyword::contains(comment, "GOOGLEON:");
+        if (!on && !detail::keyword::contains(comment, "GOOGLEOFF:")) return;
         unsigned bits = 0;
-        if (keyword::contains(comment, "INDEX")) bits |= Index;
-        if (keyword::contains(comment, "SNIPPET")) bits |= Snippet;
-        if (keyword::contains(comment, "ANCHOR")) bits |= Anchor;
-        if (keyword::contains(comment, "ALL")) bits = AllBits;
+        if (detail::keyword::contains(comment, "INDEX")) bits |= Index;
+        if (detail::keyword::contains(comment, "SNIPPET")) bits |= Snippet;
+        if (detail::keyword::contains(comment, "ANCHOR")) bits |= Anchor;
+        if (detail::keyword::contains(comment, "ALL")) bits = AllBits;
         googleMask_ = on ? googleMask_ | bits : googleMask_ & ~bits;
     }
 
@@ -178,7 +180,7 @@ private:
 
     void handleText(const Tag& tag) {
         if (!tag.hasText()) return;
-        if (options_.removeJunk && keyword::equals(tag.name(), "TITLE")) return;
+        if (options_.removeJunk && detail::keyword::equals(tag.name(), "TITLE")) return;
         if (hiddenDiv_ || hiddenSpan_ || inOption_) return;
         if (isHeldBack())
             noteKeywordStuffing(tag.text());
@@ -272,7 +274,8 @@ private:
     /// Letters in the colour of the page, or too small to read, are there for search engines.
     void font(Units tag) {
         const String color = attributeOfTagCharacters(tag, "COLOR");
-        hiddenFont_ = !backgroundColor_.isAbsent() && keyword::equalNoCase(color, backgroundColor_);
+        hiddenFont_ =
+            !backgroundColor_.isAbsent() && detail::keyword::equalNoCase(color, backgroundColor_);
         if (!hiddenFont_) hiddenFont_ = isTinyFont(attributeOfTagCharacters(tag, "STYLE"));
         feedDate_ = attributeOfTagCharacters(tag, "CLASS") == u"feed_date";
     }
@@ -357,8 +360,8 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         return names;
     }());
     if (tag.nameLength > detail::MaxPackedUnits) {
-        if (keyword::equals(tag.name(), Blockquote.name)) return &Blockquote;
-        return keyword::equals(tag.name(), Plaintext.name) ? &Plaintext : nullptr;
+        if (detail::keyword::equals(tag.name(), Blockquote.name)) return &Blockquote;
+        return detail::keyword::equals(tag.name(), Plaintext.name) ? &Plaintext : nullptr;
     }
     const int row = Table.find(detail::packedName(tag));
     return row < 0 ? nullptr : &Rules[row];

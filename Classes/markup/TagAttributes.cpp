@@ -53,7 +53,7 @@ public:
         : tag_(tag),
           name_(name),
           rules_(rules),
-          first_(name.empty() ? u'\0' : keyword::upper(static_cast<char16_t>(name[0]))) {}
+          first_(name.empty() ? u'\0' : detail::keyword::upper(static_cast<char16_t>(name[0]))) {}
 
     /// Quoted values of other attributes are passed over: what they hold is no attribute.
     Range read() const {
@@ -62,7 +62,7 @@ public:
         const char16_t* at = tag_.data();
         while ((at = findCandidate(at, stop)) < stop) {
             if (isQuote(*at)) {
-                at = scan::find(at + 1, end(), *at);
+                at = detail::scan::find(at + 1, end(), *at);
             } else if (const auto i = static_cast<std::size_t>(at - tag_.data()); isName(i)) {
                 const std::size_t assignment = skipWhite(tag_, i + name_.size());
                 if (assignment < tag_.size() && tag_[assignment] == rules_.assignment)
@@ -82,15 +82,15 @@ private:
             return isQuote(unit) || unit == first_ || unit == (first_ | 0x20) || unit > 127;
         };
 #if defined(__SSE2__)
-        return scan::findWhere(
+        return detail::scan::findWhere(
             from, to,
             [this](__m128i block) {
-                const __m128i quotes =
-                    _mm_or_si128(scan::equalTo(block, u'"'), scan::equalTo(block, u'\''));
-                const __m128i letters =
-                    _mm_or_si128(scan::equalTo(block, first_),
-                                 scan::equalTo(block, static_cast<char16_t>(first_ | 0x20)));
-                return _mm_or_si128(_mm_or_si128(quotes, letters), scan::aboveAscii(block));
+                const __m128i quotes = _mm_or_si128(detail::scan::equalTo(block, u'"'),
+                                                    detail::scan::equalTo(block, u'\''));
+                const __m128i letters = _mm_or_si128(
+                    detail::scan::equalTo(block, first_),
+                    detail::scan::equalTo(block, static_cast<char16_t>(first_ | 0x20)));
+                return _mm_or_si128(_mm_or_si128(quotes, letters), detail::scan::aboveAscii(block));
             },
             isCandidate);
 #else
@@ -107,7 +107,8 @@ private:
                 return false;
         }
         for (std::size_t k = 0; k < name_.size(); ++k)
-            if (keyword::upper(tag_[i + k]) != keyword::upper(static_cast<char16_t>(name_[k])))
+            if (detail::keyword::upper(tag_[i + k]) !=
+                detail::keyword::upper(static_cast<char16_t>(name_[k])))
                 return false;
         return true;
     }
@@ -132,7 +133,7 @@ private:
     std::size_t endOfQuoted(std::size_t open) const {
         const char16_t* const value = tag_.data() + open + 1;
         return static_cast<std::size_t>(
-            scan::findEither(value, end(), tag_[open], rules_.terminator) - tag_.data());
+            detail::scan::findEither(value, end(), tag_[open], rules_.terminator) - tag_.data());
     }
 
     /// A > inside the value closes a < of the value; a <meta inside means that the closing
@@ -146,7 +147,7 @@ private:
                 if (openTags == 0) return i;
                 --openTags;
             } else if (tag_[i] == u'<') {
-                if (keyword::beginsWith(tag_.substr(i + 1), "META")) return i;
+                if (detail::keyword::beginsWith(tag_.substr(i + 1), "META")) return i;
                 ++openTags;
             }
         }
@@ -200,7 +201,7 @@ public:
 private:
     bool isName(std::size_t i) const {
         for (std::size_t k = 0; k < name_.size(); ++k)
-            if (keyword::upper(text_[i + k]) != name_[k]) return false;
+            if (detail::keyword::upper(text_[i + k]) != name_[k]) return false;
         return true;
     }
 
@@ -302,10 +303,11 @@ TagSize getTagWidth(Units tag) {
 String backgroundStyleURLOfTagCharacters(Units tag) {
     if (tag.size() < 3 || tag[1] == u'/') return {};
     const String style = attributeOfTagCharacters(tag, "STYLE");
-    if (!keyword::contains(style, "BACKGROUND:") && !keyword::contains(style, "BACKGROUND-IMAGE:"))
+    if (!detail::keyword::contains(style, "BACKGROUND:") &&
+        !detail::keyword::contains(style, "BACKGROUND-IMAGE:"))
         return {};
-    if (!keyword::contains(style, "NO-REPEAT")) return {};
-    const std::size_t open = keyword::find(style, "URL(");
+    if (!detail::keyword::contains(style, "NO-REPEAT")) return {};
+    const std::size_t open = detail::keyword::find(style, "URL(");
     if (open == Units::npos) return {};
     const std::size_t close = style.view().find(u')', open + 4);
     if (close == Units::npos) return {};

@@ -21,11 +21,13 @@ bool isRemarkTag(std::u16string_view tag) noexcept {
 
 // A page is told by its first tags and not parsed: a program asks this of every text it meets.
 bool isHTML(std::u16string_view text) {
-    while (!text.empty() && unicode::isWhiteSpaceOrNewline(text.front())) text.remove_prefix(1);
-    while (!text.empty() && unicode::isWhiteSpaceOrNewline(text.back())) text.remove_suffix(1);
+    while (!text.empty() && detail::unicode::isWhiteSpaceOrNewline(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && detail::unicode::isWhiteSpaceOrNewline(text.back()))
+        text.remove_suffix(1);
     if (text.size() < 6 || text.front() != u'<' || text.back() != u'>') return false;
-    return keyword::contains(text, "<!DOCTYPE HTML") || keyword::contains(text, "<HTML") ||
-           keyword::contains(text, "<TITLE");
+    return detail::keyword::contains(text, "<!DOCTYPE HTML") ||
+           detail::keyword::contains(text, "<HTML") || detail::keyword::contains(text, "<TITLE");
 }
 
 }  // namespace velmo

@@ -44,7 +44,8 @@ void logException(const std::string& name, const char* reason) {
 
 bool Tag::hasNameUnits(std::string_view ascii) const {
     return std::equal(ascii.begin(), ascii.end(), name().begin(), [](char letter, char16_t unit) {
-        return keyword::upper(static_cast<unsigned char>(letter)) == keyword::upper(unit);
+        return detail::keyword::upper(static_cast<unsigned char>(letter)) ==
+               detail::keyword::upper(unit);
     });
 }
 

@@ -13,7 +13,7 @@
 
 #include "platform/MarkRuns.h"
 
-namespace velmo::unicode {
+namespace velmo::detail::unicode {
 namespace {
 
 const UNormalizer2* normalizerOf(Form form) {
@@ -189,4 +189,4 @@ bool isWhiteSpaceOrNewline(char16_t unit) noexcept {
     return unit == 0x85 || (categoriesOf(unit) & (SpaceSeparator | LineOrParagraph)) != 0;
 }
 
-}  // namespace velmo::unicode
+}  // namespace velmo::detail::unicode

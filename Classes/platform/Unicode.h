@@ -9,7 +9,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
 
-namespace velmo::unicode {
+namespace velmo::detail::unicode {
 
 /// Unicode's general categories, as bits of a mask.
 enum Category : std::uint32_t {
@@ -58,4 +58,4 @@ VELMO_API String titleCase(std::u16string_view text);
 /// U+000D and U+0085.
 VELMO_API bool isWhiteSpaceOrNewline(char16_t unit) noexcept;
 
-}  // namespace velmo::unicode
+}  // namespace velmo::detail::unicode

@@ -27,6 +27,8 @@ concept WordFinder = requires(Finder finder, std::size_t node, std::uint64_t pos
     /// Whether the word occurs exactly where certain runs of term units stand, whatever
     /// stretch is looked at that does not cut a run. It saves time only.
     { finder.isOneRun(node) } -> std::same_as<bool>;
+    /// Whether what is found first in a stretch is so in a longer one that cuts it no more.
+    { finder.isInOrder(node) } -> std::same_as<bool>;
     /// Whether an occurrence may begin or end inside a run of term units.
     { finder.cutsRuns(node) } -> std::same_as<bool>;
 };
@@ -212,7 +214,7 @@ private:
             if (*answer != frame.asksWhole) return finishProximity(*answer);
         } else {
             ProximityMemory& memory = near_[call.node];
-            memory.begin(call.start, call.end);
+            memory.begin(call.start, call.end, finder_.isInOrder(call.node));
             if (Remembers && memory.isKnownToHold()) return finish(true);
             frame.state = Remembers ? memory.firstState() : ProximityState{call.start, call.start};
             frame.firstPassed = passed_.size();

@@ -65,6 +65,7 @@ private:
     /// each goes on where the one before it has come to: many windows may begin with the text.
     void addOccurrences(const Call& call) {
         if (finder_.isEverywhere(call.node)) return;
+        if (!finder_.isInOrder(call.node)) walked_.erase({call.node, call.start});
         std::vector<std::uint64_t>& ends = walked_[{call.node, call.start}];
         const auto known = std::ranges::lower_bound(ends, call.end);
         // The last occurrence before the end is sought again: it may be another one there.

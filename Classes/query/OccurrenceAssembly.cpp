@@ -1,6 +1,7 @@
 // Summaries: the sentences with a hit, up to a limit.
 #include <velmocore/query/Occurrences.h>
 
+#include <algorithm>
 #include <unordered_set>
 
 #include <velmocore/words/Ellipsizing.h>
@@ -23,13 +24,14 @@ public:
 
     /// The summary; absent if there is nothing in it.
     template <class Hits>
-    String of(Hits&& hits) {
+    Summary of(Hits&& hits) {
         for (std::uint64_t from = 0; from < units_.text.size();) {
             const Range hit = hits.next(from);
             if (!hit.isFound()) break;
             from = addWordToAssembly(hit);
         }
-        return isEmpty_ ? String() : out_.finish();
+        if (isEmpty_) return {};
+        return {out_.finish(), std::move(parts_)};
     }
 
 private:
@@ -48,7 +50,7 @@ private:
         isEmpty_ = false;
         lastEnd_ = excerpt.end;
         if (limit_ == 0 || out_.length() + (excerpt.end - excerpt.start) <= limit_) {
-            out_.append(viewOf(excerpt.start, excerpt.end));
+            append(excerpt.start, excerpt.end);
             const bool isFull = limit_ && out_.length() + separator_.size() >= limit_;
             return isFull ? NotFound : excerpt.next;
         }
@@ -81,14 +83,19 @@ private:
     void addPart(const Excerpt& excerpt, std::uint64_t hitEnd) {
         const std::uint64_t room = limit_ - out_.length();
         if (excerpt.start + room >= hitEnd) {
-            out_.append(viewOf(excerpt.start, whole(excerpt.start + room)));
+            append(excerpt.start, whole(excerpt.start + room));
         } else {
             std::uint64_t start = whole(hitEnd - room);
             if (units_.isTerm(start))
                 while (start > 0 && units_.isTerm(start - 1)) --start;
-            out_.append(viewOf(start, hitEnd));
+            append(start, hitEnd);
         }
         out_.append(u"...");
+    }
+
+    void append(std::uint64_t start, std::uint64_t end) {
+        parts_.push_back({{start, end - start}, out_.length()});
+        out_.append(viewOf(start, end));
     }
 
     /// A position to cut at, or the one before it where it would cut a pair.
@@ -111,37 +118,56 @@ private:
     bool isEmpty_ = true;
     std::uint64_t lastEnd_ = 0;  // of the excerpt before
     StringBuilder out_;
+    std::vector<SummaryPart> parts_;
     std::unordered_set<std::u16string_view> seen_;
 };
 
+/// A text as its own summary, or the beginning of it.
+Summary beginningOf(const String& text, String string) {
+    const std::u16string_view units = text, shown = string;
+    const auto same = std::ranges::mismatch(units, shown).in1 - units.begin();
+    return {std::move(string), {{{0, static_cast<std::uint64_t>(same)}, 0}}};
+}
+
 /// The part that does not depend on how hits are found.
 template <class MakeHits>
-String assemble(const String& text, bool isSought, MakeHits makeHits,
-                const AssemblyOptions& options) {
+Summary assemble(const String& text, bool isSought, MakeHits makeHits,
+                 const AssemblyOptions& options) {
     if (text.isEmpty()) return {};
     const std::uint64_t limit = options.ellipsizeAfterNCharacters;
-    if (!options.onlyOccurrences && limit && text.length() <= limit) return text;
+    if (!options.onlyOccurrences && limit && text.length() <= limit) return beginningOf(text, text);
     if (isSought) {
-        String summary = Assembly(text, options).of(makeHits());
-        if (!summary.isAbsent()) return summary;
+        Summary summary = Assembly(text, options).of(makeHits());
+        if (!summary.string.isAbsent()) return summary;
     }
-    return options.onlyOccurrences ? String() : stringByEllipsizingAfterNCharacters(text, limit);
+    if (options.onlyOccurrences) return {};
+    return beginningOf(text, stringByEllipsizingAfterNCharacters(text, limit));
 }
 
 }  // namespace
 
-String assembleOccurrencesOfWildcards(const String& text, std::span<const String> wildcards,
-                                      const AssemblyOptions& options) {
+Summary summaryOfWildcards(const String& text, std::span<const String> wildcards,
+                           const AssemblyOptions& options) {
     const auto makeHits = [&] {
         return detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters);
     };
     return assemble(text, !wildcards.empty(), makeHits, options);
 }
 
-String assembleOccurrencesOfHits(const String& text, std::span<const Range> hits,
-                                 const AssemblyOptions& options) {
+String assembleOccurrencesOfWildcards(const String& text, std::span<const String> wildcards,
+                                      const AssemblyOptions& options) {
+    return summaryOfWildcards(text, wildcards, options).string;
+}
+
+Summary summaryOfHits(const String& text, std::span<const Range> hits,
+                      const AssemblyOptions& options) {
     return assemble(
         text, !hits.empty(), [&] { return detail::KnownHits(hits); }, options);
+}
+
+String assembleOccurrencesOfHits(const String& text, std::span<const Range> hits,
+                                 const AssemblyOptions& options) {
+    return summaryOfHits(text, hits, options).string;
 }
 
 String assembleOccurrencesOfQueryTerms(const String& text, const QueryTerms& terms,
@@ -153,7 +179,7 @@ String assembleOccurrencesOfQueryTerms(const String& text, const QueryTerms& ter
 String assembleOccurrencesOfString(const String& text, std::u16string_view sought,
                                    const AssemblyOptions& options) {
     const auto makeHits = [&] { return detail::StringHits(text, sought, options.comparison); };
-    return assemble(text, !sought.empty(), makeHits, options);
+    return assemble(text, !sought.empty(), makeHits, options).string;
 }
 
 }  // namespace velmo

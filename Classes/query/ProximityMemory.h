@@ -29,14 +29,16 @@ struct ProximityState {
 class ProximityMemory {
 public:
     /// To be called first for each stretch. A stretch is not worth remembering before a second
-    /// one begins or ends with it.
-    void begin(std::uint64_t start, std::uint64_t end) {
-        sharesStart_ = isUsed_ && start == start_;
+    /// one begins or ends with it. Those that begin together share nothing if what is found
+    /// first in a stretch may be another place in a longer one.
+    void begin(std::uint64_t start, std::uint64_t end, bool isInOrder) {
+        const bool sharesStart = isInOrder && isUsed_ && start == start_;
         sharesEnd_ = isUsed_ && end == end_;
-        if (!sharesStart_) reached_ = {.state = {start, start}};
+        if (!sharesStart) reached_ = {.state = {start, start}};
         if (!sharesEnd_) verdicts_.clear();
         isUsed_ = true;
-        isInRow_ = false;
+        if (way_) row_ = *way_;
+        way_.reset();
         start_ = start;
         end_ = end;
     }
@@ -56,11 +58,13 @@ public:
         if (!isInside(state)) return state;
         if (state.cursor > reached_.state.cursor) reached_.state = state;
         if (!state.isFree || !canSkip) return state;
-        if (!isInRow_ && (state.cursor < rowStart_ || state.cursor > row_.cursor))
-            rowStart_ = state.cursor;
-        isInRow_ = true;
-        if (state.cursor >= row_.cursor) row_ = state;
-        return isInside(row_) ? row_ : state;
+        if (!way_) way_ = {state.cursor, state};
+        if (state.cursor > way_->last.cursor) way_->last = state;
+        if (row_.has(state)) {
+            way_->start = std::min(way_->start, row_.start);
+            if (row_.last.cursor > way_->last.cursor) way_->last = row_.last;
+        }
+        return isInside(way_->last) ? way_->last : state;
     }
     /// A window has decided for all stretches that end after a position.
     void hold(std::uint64_t end) { reached_.holdsAfter = std::min(reached_.holdsAfter, end); }
@@ -86,19 +90,27 @@ private:
         bool holds;
     };
 
+    /// Windows in a row that no stretch cuts and that are all in vain: those of the occurrences
+    /// that end after the start and up to the last.
+    struct Row {
+        std::uint64_t start = 0;
+        ProximityState last;
+
+        bool has(const ProximityState& state) const {
+            return start <= state.cursor && state.cursor <= last.cursor;
+        }
+    };
+
     /// Whether the end of the stretch cuts none of the windows so far.
     bool isInside(const ProximityState& state) const {
         return std::max(state.cursor, state.lastEnd) < end_;
     }
 
-    bool isUsed_ = false, sharesStart_ = false, sharesEnd_ = false;
+    bool isUsed_ = false, sharesEnd_ = false;
     std::uint64_t start_ = 0, end_ = 0;
     Reached reached_;
-    // Windows in a row that no stretch cuts are in vain: those of the occurrences that end
-    // after the one and up to the other.
-    std::uint64_t rowStart_ = 0;
-    ProximityState row_;
-    bool isInRow_ = false;
+    Row row_;                                              // of the stretches before
+    std::optional<Row> way_;                               // of this one
     std::unordered_map<std::uint64_t, Verdict> verdicts_;  // by cursor
 };
 

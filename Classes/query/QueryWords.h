@@ -58,6 +58,8 @@ public:
                std::ranges::all_of(word, [&](char16_t u) { return termCharacters_.contains(u); });
     }
 
+    bool isInOrder(std::size_t) const { return true; }
+
     bool cutsRuns(std::size_t index) const {
         const QueryNode& node = tree_.nodes[index];
         const std::u16string_view word = tree_.wordOf(node);
@@ -99,6 +101,7 @@ public:
     }
 
     bool isOneRun(std::size_t index) { return occurrencesOf(index).isOneRun(); }
+    bool isInOrder(std::size_t index) { return occurrencesOf(index).isInOrder(); }
     bool cutsRuns(std::size_t) const { return false; }
     bool isEverywhere(std::size_t index) { return occurrencesOf(index).hasLoneStar(); }
 

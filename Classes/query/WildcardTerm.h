@@ -60,6 +60,9 @@ public:
 
     /// Whether it matches single runs of term units, told by nothing but their units.
     bool isOneRun() const;
+    /// Whether what is found first in a stretch is so in every longer one that cuts it no more. A
+    /// hyphenated term is found as one word only where it is not found as several.
+    bool isInOrder() const { return !joined_; }
     /// Whether it is, or may stand for, a lone star.
     bool hasLoneStar() const { return term_.hasLoneStar(); }
 

@@ -8,13 +8,13 @@ namespace {
 CharacterSetRep setOfCategories(std::uint32_t categories) {
     CharacterSetRep set;
     for (unsigned unit = 0; unit < 65536; ++unit)
-        if (unicode::categoriesOf(static_cast<char16_t>(unit)) & categories)
+        if (detail::unicode::categoriesOf(static_cast<char16_t>(unit)) & categories)
             set.add(static_cast<char16_t>(unit));
     return set;
 }
 
 CharacterSetRep makeSpaceSet() {
-    CharacterSetRep set = setOfCategories(unicode::SpaceSeparator);
+    CharacterSetRep set = setOfCategories(detail::unicode::SpaceSeparator);
     set.add(u'\0');
     set.add(u'\t');
     return set;
@@ -24,7 +24,7 @@ CharacterSetRep makeWhiteSet() {
     CharacterSetRep set;
     for (unsigned unit = 0; unit < 65536; ++unit) {
         const auto c = static_cast<char16_t>(unit);
-        if (unicode::isWhiteSpaceOrNewline(c) || isFeedUnit(c)) set.add(c);
+        if (detail::unicode::isWhiteSpaceOrNewline(c) || isFeedUnit(c)) set.add(c);
     }
     set.add(u'\0');
     return set;
@@ -48,28 +48,29 @@ const CharacterSetRep& whiteCharacterSetRep() {
 }
 
 const CharacterSetRep& alphaCharacterSetRep() {
-    static const CharacterSetRep set = setOfCategories(unicode::Letter | unicode::Mark);
+    static const CharacterSetRep set =
+        setOfCategories(detail::unicode::Letter | detail::unicode::Mark);
     return set;
 }
 
 const CharacterSetRep& alphaNumCharacterSetRep() {
     static const CharacterSetRep set =
-        setOfCategories(unicode::Letter | unicode::Mark | unicode::Number);
+        setOfCategories(detail::unicode::Letter | detail::unicode::Mark | detail::unicode::Number);
     return set;
 }
 
 const CharacterSetRep& digitCharacterSetRep() {
-    static const CharacterSetRep set = setOfCategories(unicode::DecimalDigit);
+    static const CharacterSetRep set = setOfCategories(detail::unicode::DecimalDigit);
     return set;
 }
 
 const CharacterSetRep& lowerCharacterSetRep() {
-    static const CharacterSetRep set = setOfCategories(unicode::Lowercase);
+    static const CharacterSetRep set = setOfCategories(detail::unicode::Lowercase);
     return set;
 }
 
 const CharacterSetRep& upperCharacterSetRep() {
-    static const CharacterSetRep set = setOfCategories(unicode::UppercaseOrTitle);
+    static const CharacterSetRep set = setOfCategories(detail::unicode::UppercaseOrTitle);
     return set;
 }
 

@@ -23,7 +23,7 @@ const ConversionTable& makeTable(Map map) {
 const ConversionTable& makeCategoryTable(std::uint32_t categories,
                                          char16_t (*map)(char16_t) noexcept) {
     return makeTable([=](char16_t unit) {
-        return (unicode::categoriesOf(unit) & categories) ? map(unit) : unit;
+        return (detail::unicode::categoriesOf(unit) & categories) ? map(unit) : unit;
     });
 }
 
@@ -36,19 +36,19 @@ const ConversionTable& makeComposedTable(const ConversionTable& outer,
 
 const ConversionTable& lowerCharsTable() {
     static const ConversionTable& table =
-        makeCategoryTable(unicode::UppercaseOrTitle, &unicode::lowerCase);
+        makeCategoryTable(detail::unicode::UppercaseOrTitle, &detail::unicode::lowerCase);
     return table;
 }
 
 const ConversionTable& upperCharsTable() {
     static const ConversionTable& table =
-        makeCategoryTable(unicode::Lowercase, &unicode::upperCase);
+        makeCategoryTable(detail::unicode::Lowercase, &detail::unicode::upperCase);
     return table;
 }
 
 const ConversionTable& umlautsCharsTable() {
-    static const ConversionTable& table =
-        makeCategoryTable(unicode::Letter | unicode::Mark, &unicode::withoutDiacritics);
+    static const ConversionTable& table = makeCategoryTable(
+        detail::unicode::Letter | detail::unicode::Mark, &detail::unicode::withoutDiacritics);
     return table;
 }
 

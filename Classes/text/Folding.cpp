@@ -105,7 +105,7 @@ String stringByRemovingNonAlphaNumericCharactersAndApplyingConversionTable(
 
 bool isAsciiString(View string) {
     const char16_t* const end = string.data() + string.size();
-    return scan::findNonAscii(string.data(), end) == end;
+    return detail::scan::findNonAscii(string.data(), end) == end;
 }
 
 bool isAsciiString(Bytes data) { return areAscii(data.data(), data.size()); }

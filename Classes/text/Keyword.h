@@ -9,7 +9,7 @@
 
 #include "platform/Ascii.h"
 
-namespace velmo::keyword {
+namespace velmo::detail::keyword {
 
 /// The unit through the upper-case table; ASCII does not touch memory.
 inline char16_t upper(char16_t unit) {
@@ -48,4 +48,4 @@ inline bool contains(std::u16string_view units, std::string_view capitals) {
     return find(units, capitals) != std::u16string_view::npos;
 }
 
-}  // namespace velmo::keyword
+}  // namespace velmo::detail::keyword

@@ -15,7 +15,8 @@ namespace {
 using namespace detail;
 using View = std::u16string_view;
 
-/// Takes a mail apart unit by unit. What is written never gets longer than what was read.
+/// Takes a mail apart unit by unit. What is written never gets longer than what was read, so
+/// that it may be written over it.
 class MailUnwrapper {
 public:
     MailUnwrapper(View text, char16_t* out)
@@ -76,6 +77,11 @@ String reformattedMailing(const String& string) {
     char16_t* const start = out.prepare(string.length());
     out.commit(static_cast<std::size_t>(MailUnwrapper(string, start).unwrap() - start));
     return out.finish();
+}
+
+void reformatMailing(std::u16string& string) {
+    char16_t* const start = string.data();
+    string.resize(static_cast<std::size_t>(MailUnwrapper(string, start).unwrap() - start));
 }
 
 String reformattedStringByRemovingCharactersOfString(const String& string, View characters) {

@@ -10,7 +10,7 @@
 #include <immintrin.h>
 #endif
 
-namespace velmo::scan {
+namespace velmo::detail::scan {
 
 #if defined(__SSE2__)
 
@@ -133,4 +133,4 @@ inline std::size_t count(const char16_t* from, const char16_t* to, char16_t unit
     return n;
 }
 
-}  // namespace velmo::scan
+}  // namespace velmo::detail::scan

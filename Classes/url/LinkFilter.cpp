@@ -30,13 +30,14 @@ bool filterLink(std::u16string_view link) {
     // Without a slash a scheme leads to a program, but for a feed, which stands before a host.
     if (colon + 1 == link.size() || link[colon + 1] != u'/') return !isFeedStringURL(link);
     const std::u16string_view scheme = link.substr(0, colon + 1);
-    if (std::any_of(std::begin(Filtered), std::end(Filtered),
-                    [scheme](std::string_view other) { return keyword::equals(scheme, other); }))
+    if (std::any_of(std::begin(Filtered), std::end(Filtered), [scheme](std::string_view other) {
+            return detail::keyword::equals(scheme, other);
+        }))
         return true;
     if (isDataStringURL(scheme) || isAboutStringURL(scheme) || isJavaScriptStringURL(scheme) ||
         isAppleScriptStringURL(scheme))
         return true;
-    return scheme.size() >= 8 && keyword::beginsWith(scheme, "X-VELMO");
+    return scheme.size() >= 8 && detail::keyword::beginsWith(scheme, "X-VELMO");
 }
 
 }  // namespace velmo

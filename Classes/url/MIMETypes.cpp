@@ -25,7 +25,7 @@ using Units = std::u16string_view;
 
 bool endsWith(Units type, std::string_view capitals) {
     return type.size() >= capitals.size() &&
-           keyword::equals(type.substr(type.size() - capitals.size()), capitals);
+           detail::keyword::equals(type.substr(type.size() - capitals.size()), capitals);
 }
 
 /// Whether one of the keywords, which are in capitals, stands at the end of a type.
@@ -37,7 +37,7 @@ bool endsWithAny(Units type, std::initializer_list<std::string_view> keywords) {
 /// The same for anywhere in a type.
 bool containsAny(Units type, std::initializer_list<std::string_view> keywords) {
     return std::any_of(keywords.begin(), keywords.end(), [type](std::string_view keyword) {
-        return keyword::contains(type, keyword);
+        return detail::keyword::contains(type, keyword);
     });
 }
 
@@ -78,8 +78,9 @@ String typeByKind(Units extension) {
     if (isOneOf(detail::pdfExtensions())) return u"application/pdf";
     if (isOneOf(detail::postScriptExtensions())) return u"application/postscript";
     if (isImageType(extension)) {
-        const bool isJPEG = keyword::equals(extension, "JPEG") ||
-                            keyword::equals(extension, "JPG") || keyword::equals(extension, "JPE");
+        const bool isJPEG = detail::keyword::equals(extension, "JPEG") ||
+                            detail::keyword::equals(extension, "JPG") ||
+                            detail::keyword::equals(extension, "JPE");
         return isJPEG ? String(u"image/jpeg") : typeOfKind(u"image/", extension);
     }
     if (isMultimediaType(extension, {.audio = true})) return typeOfKind(u"audio/", extension);
@@ -99,17 +100,21 @@ Units withoutParameters(Units type) {
 
 bool isMarkupMIMEType(Units type) {
     if (isTextMIMEType(type)) return true;
-    return keyword::beginsWith(type, "APPLICATION/") &&
+    return detail::keyword::beginsWith(type, "APPLICATION/") &&
            (containsAny(type, {"HTM", "SGML", "XML", "RSD", "ATOM"}) || contains(type, u"rdf") ||
             contains(type, u"rss"));
 }
 
-bool isHTMLMIMEType(Units type) { return isTextMIMEType(type) || keyword::contains(type, "HTM"); }
+bool isHTMLMIMEType(Units type) {
+    return isTextMIMEType(type) || detail::keyword::contains(type, "HTM");
+}
 bool isJSONMIMEType(Units type) { return endsWith(type, "/JSON"); }
-bool isWebArchiveMIMEType(Units type) { return keyword::equals(type, "APPLICATION/X-WEBARCHIVE"); }
-bool isImageMIMEType(Units type) { return keyword::beginsWith(type, "IMAGE/"); }
-bool isTextMIMEType(Units type) { return keyword::beginsWith(type, "TEXT/"); }
-bool isPlainTextMIMEType(Units type) { return keyword::beginsWith(type, "TEXT/PLAIN"); }
+bool isWebArchiveMIMEType(Units type) {
+    return detail::keyword::equals(type, "APPLICATION/X-WEBARCHIVE");
+}
+bool isImageMIMEType(Units type) { return detail::keyword::beginsWith(type, "IMAGE/"); }
+bool isTextMIMEType(Units type) { return detail::keyword::beginsWith(type, "TEXT/"); }
+bool isPlainTextMIMEType(Units type) { return detail::keyword::beginsWith(type, "TEXT/PLAIN"); }
 bool isStylesheetOrScriptMIMEType(Units type) {
     return containsAny(type, {"CSS", "JAVASCRIPT", "POINTPLUS"});
 }
@@ -121,7 +126,7 @@ bool isPostScriptMIMEType(Units type) {
     return endsWithAny(type, {"/POSTSCRIPT", "/X-POSTSCRIPT"});
 }
 bool isMSWordMIMEType(Units type) {
-    return keyword::contains(type, "MSWORD") ||
+    return detail::keyword::contains(type, "MSWORD") ||
            endsWithAny(type, {"/DOC", "/DOCX", "/X-DOC", "/X-DOCX", "/DOT", "/X-DOT"});
 }
 bool isMSPowerPointMIMEType(Units type) {
@@ -132,11 +137,14 @@ bool isMSOfficeMIMEType(Units type) {
     return isMSWordMIMEType(type) || isMSPowerPointMIMEType(type) || isMSExcelMIMEType(type);
 }
 bool isOpenOfficeMIMEType(Units type) {
-    return keyword::contains(type, "/VND.OASIS.OPENDOCUMENT.TEXT");
+    return detail::keyword::contains(type, "/VND.OASIS.OPENDOCUMENT.TEXT");
 }
-bool isStarOfficeMIMEType(Units type) { return keyword::contains(type, "/VND.SUN.XML.WRITER"); }
+bool isStarOfficeMIMEType(Units type) {
+    return detail::keyword::contains(type, "/VND.SUN.XML.WRITER");
+}
 bool isMultimediaMIMEType(Units type) {
-    return keyword::beginsWith(type, "AUDIO/") || keyword::beginsWith(type, "VIDEO/") ||
+    return detail::keyword::beginsWith(type, "AUDIO/") ||
+           detail::keyword::beginsWith(type, "VIDEO/") ||
            containsAny(type, {"/WMF", "/X-WMF", "/ASF", "/X-ASF", "/ASX", "/X-ASX", "MSMETAFILE"});
 }
 

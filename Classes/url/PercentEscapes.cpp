@@ -47,7 +47,7 @@ constexpr UnitTable ASCIIEscaped = [] {
 
 bool containsUnit(Units text, char16_t unit) {
     const char16_t* const end = text.data() + text.size();
-    return scan::find(text.data(), end, unit) != end;
+    return detail::scan::find(text.data(), end, unit) != end;
 }
 
 /// Which escapes of a text are decoded, by their values.
@@ -188,7 +188,7 @@ private:
 std::size_t convertPercentEscapesOfURL(char16_t* characters, std::size_t length,
                                        bool standard) noexcept {
     const char16_t* const end = characters + length;
-    const char16_t* read = scan::find(characters, end, u'%');
+    const char16_t* read = detail::scan::find(characters, end, u'%');
     if (end - read < 3) return length;
     const Decoding decoding({characters, length}, standard);
     char16_t* write = characters + (read - characters);

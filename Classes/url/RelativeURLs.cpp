@@ -34,18 +34,20 @@ using detail::concatenated;
 using detail::indexOf;
 using detail::pieceOf;
 
-bool begins(Units text, std::string_view capitals) { return keyword::beginsWith(text, capitals); }
+bool begins(Units text, std::string_view capitals) {
+    return detail::keyword::beginsWith(text, capitals);
+}
 
 /// The link without its anchor and the white space around it.
 String trimmed(const String& link, bool trimAnchor) {
     const Units rest = trimAnchor ? detail::withoutAnchor(link) : link.view();
-    return pieceOf(link,
-                   detail::trimmedView(rest, detail::Ends::Both, unicode::isWhiteSpaceOrNewline));
+    return pieceOf(link, detail::trimmedView(rest, detail::Ends::Both,
+                                             detail::unicode::isWhiteSpaceOrNewline));
 }
 
 /// How many units in front of an address of the web are there twice, or by mistake.
 std::size_t extraUnits(Units link) {
-    if (!keyword::contains(link, "HTTP:")) return 0;
+    if (!detail::keyword::contains(link, "HTTP:")) return 0;
     if (begins(link, "HHTTP:")) return 1;
     if (begins(link, "HTTP://HTTP://")) return 7;
     return begins(link, "HTTP:// HTTP://") ? 8 : 0;
@@ -62,7 +64,7 @@ String repairedMail(const String& link) {
 
 /// The link with a scheme that people got wrong put right; absent if nothing is left.
 String repaired(const String& link) {
-    switch (keyword::upper(link[0])) {
+    switch (detail::keyword::upper(link[0])) {
         case u':':
             return begins(link, ":HTTP://") ? String(link.view().substr(1)) : link;
         case u'E':

@@ -115,7 +115,9 @@ String URL::pathExtension() const {
     return detail::extensionOfComponent(name);
 }
 
-bool URL::isFileURL() const noexcept { return keyword::equals(part(URLPart::Scheme), "FILE"); }
+bool URL::isFileURL() const noexcept {
+    return detail::keyword::equals(part(URLPart::Scheme), "FILE");
+}
 
 URL URL::standardizedURL() const {
     if (isAbsent() || !hasDotSegments(rep_->reference().wholePath())) return *this;

@@ -16,7 +16,8 @@ URL ifItHasScheme(URL url) { return hasScheme(url) ? url : URL(); }
 
 /// Mail and message links often hold what a URL may not.
 bool isMessageLink(std::u16string_view string) {
-    return keyword::beginsWith(string, "MAILTO:") || keyword::beginsWith(string, "MESSAGE:");
+    return detail::keyword::beginsWith(string, "MAILTO:") ||
+           detail::keyword::beginsWith(string, "MESSAGE:");
 }
 
 /// Raw and escaped quote marks in one text are all made escaped ones.

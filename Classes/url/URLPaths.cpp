@@ -130,7 +130,7 @@ String displayString(const URL& url) {
     if (url.isFileURL()) return abbreviated(url.path());
     if (!isWebKitURL(url) && !isMailURL(url)) return url.absoluteString();
     Units shown = withoutSlashes(url.part(URLPart::ResourceSpecifier), Ends::Both);
-    if (keyword::beginsWith(shown, "WWW.")) shown.remove_prefix(4);
+    if (detail::keyword::beginsWith(shown, "WWW.")) shown.remove_prefix(4);
     return shown;
 }
 

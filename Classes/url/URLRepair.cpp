@@ -20,9 +20,10 @@ constexpr std::size_t LeastLocation = 4, LongestLocation = 1023;
 bool canBeInternetLocation(Units text) {
     if (text.size() < LeastLocation || text.size() > LongestLocation) return false;
     if (containsWhiteCharacter(text)) return false;
-    if (text.find(u"://") != Units::npos || keyword::beginsWith(text, "MAILTO:")) return true;
+    if (text.find(u"://") != Units::npos || detail::keyword::beginsWith(text, "MAILTO:"))
+        return true;
     return text.find(u'.') != Units::npos &&
-           (keyword::beginsWith(text, "WWW") || keyword::beginsWith(text, "FTP") ||
+           (detail::keyword::beginsWith(text, "WWW") || detail::keyword::beginsWith(text, "FTP") ||
             std::count(text.begin(), text.end(), u'@') == 1);
 }
 
@@ -57,7 +58,7 @@ String stringByFormattingURL(const String& string) {
     if (string.isEmpty()) return string;
     std::u16string text(string.view());
     trimWhiteSpaces(text);
-    if (!keyword::beginsWith(text, "MESSAGE:")) {
+    if (!detail::keyword::beginsWith(text, "MESSAGE:")) {
         text = std::u16string(withoutBrackets(text));
         std::erase_if(
             text, [](char16_t unit) { return unit == u'<' || unit == u'>' || isFeedUnit(unit); });

@@ -39,15 +39,16 @@ constexpr Scheme Schemes[] = {
 
 bool isScheme(Units scheme, int groups) {
     return std::any_of(std::begin(Schemes), std::end(Schemes), [=](const Scheme& known) {
-        return (known.group & groups) && keyword::equals(scheme, known.name);
+        return (known.group & groups) && detail::keyword::equals(scheme, known.name);
     });
 }
 bool isScheme(const URL& url, int groups) { return isScheme(url.part(URLPart::Scheme), groups); }
 
 bool isScheme(const URL& url, std::initializer_list<std::string_view> names) {
     const Units scheme = url.part(URLPart::Scheme);
-    return std::any_of(names.begin(), names.end(),
-                       [=](std::string_view name) { return keyword::equals(scheme, name); });
+    return std::any_of(names.begin(), names.end(), [=](std::string_view name) {
+        return detail::keyword::equals(scheme, name);
+    });
 }
 
 /// A text is of a kind if it is long enough and begins with one of the prefixes.
@@ -59,7 +60,7 @@ struct StringKind {
 bool isOfKind(Units string, const StringKind& kind) {
     return string.size() >= kind.leastLength &&
            std::any_of(kind.prefixes.begin(), kind.prefixes.end(), [=](std::string_view prefix) {
-               return keyword::beginsWith(string, prefix);
+               return detail::keyword::beginsWith(string, prefix);
            });
 }
 
@@ -91,7 +92,8 @@ Units feedTarget(Units string) {
 }
 
 bool isLoadedAsItIs(Units feedTarget) {
-    return keyword::beginsWith(feedTarget, "HTTP:") || keyword::beginsWith(feedTarget, "HTTPS:");
+    return detail::keyword::beginsWith(feedTarget, "HTTP:") ||
+           detail::keyword::beginsWith(feedTarget, "HTTPS:");
 }
 
 }  // namespace
@@ -132,7 +134,7 @@ bool isWebKitURL(const URL& url) { return url.isFileURL() || isRemoteWebKitURL(u
 
 bool isUsableURL(const URL& url) {
     return isWebKitURL(url) || isJavaScriptURL(url) ||
-           keyword::beginsWith(url.part(URLPart::Scheme), "APPLE");
+           detail::keyword::beginsWith(url.part(URLPart::Scheme), "APPLE");
 }
 
 // Files have no host, or any name of this machine's: they all are of one.
@@ -180,12 +182,12 @@ bool isBookendsStringURL(Units string) {
 }
 bool isFileStringURL(Units string) {
     return string.starts_with(u'/') || string.starts_with(u'~') ||
-           keyword::beginsWith(string, "FILE://");
+           detail::keyword::beginsWith(string, "FILE://");
 }
 
 bool isMailStringURL(Units string) {
     if (string.size() < 5) return false;
-    if (keyword::beginsWith(string, "MAILTO:")) return string.size() > 11;
+    if (detail::keyword::beginsWith(string, "MAILTO:")) return string.size() > 11;
     if (!isLetterOrDigit(string[0])) return false;
     const std::size_t at = string.find_first_of(u":@/?");
     if (at == Units::npos || at == 0 || string[at] != u'@') return false;

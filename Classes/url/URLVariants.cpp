@@ -26,8 +26,9 @@ bool fileExists(const String& path) {
 /// feed: stands in front of a whole URL or in place of its scheme; both are found on pages.
 URL withHTTPForFeed(const URL& url) {
     const String specifier = url.resourceSpecifier();
-    return keyword::beginsWith(specifier, "HTTP:") ? URL::URLWithString(specifier)
-                                                   : URLWithFormat(u"%@:%@", {u"http", specifier});
+    return detail::keyword::beginsWith(specifier, "HTTP:")
+               ? URL::URLWithString(specifier)
+               : URLWithFormat(u"%@:%@", {u"http", specifier});
 }
 
 }  // namespace
@@ -75,7 +76,7 @@ URL URLWithAnchor(const URL& url, const String& anchor) {
 URL WebKitURL(const URL& url) {
     if (url.isFileURL()) return url;
     // A web view may be kept from looking up names, and this one is known.
-    if (keyword::equals(url.part(URLPart::Host), "LOCALHOST"))
+    if (detail::keyword::equals(url.part(URLPart::Host), "LOCALHOST"))
         return URLWithSchemeHostUserPassword(url, url.scheme(), u"127.0.0.1", url.user(),
                                              url.password());
     return isFeedURL(url) ? withHTTPForFeed(url) : url;

@@ -198,7 +198,7 @@ void LanguageFilter::setLanguage(const String& key) {
     String language;
     const String* chosen = nullptr;
     if (key.length() == 2) {
-        language = unicode::upperCase(key);
+        language = detail::unicode::upperCase(key);
         for (std::span<const String> keys :
              {std::span<const String>(scriptKeys()), std::span<const String>(state_->keys)})
             if (const auto found = std::ranges::find(keys, language); found != keys.end())

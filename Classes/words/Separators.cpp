@@ -19,8 +19,9 @@ constexpr char16_t ListedWordSeparators[] = {
 };
 static_assert(std::size(ListedWordSeparators) == 73);
 
-constexpr std::uint32_t SeparatingCategories =
-    unicode::Punctuation | unicode::Unassigned | unicode::Control | unicode::Symbol;
+constexpr std::uint32_t SeparatingCategories = detail::unicode::Punctuation |
+                                               detail::unicode::Unassigned |
+                                               detail::unicode::Control | detail::unicode::Symbol;
 
 CharacterSetRep makeWordSeparators() {
     CharacterSetRep set;
@@ -30,7 +31,8 @@ CharacterSetRep makeWordSeparators() {
     for (unsigned unit = 0xF400; unit < 0xF8FF; ++unit) set.add(static_cast<char16_t>(unit));
     for (unsigned unit = 0; unit < 0xFFFF; ++unit) {
         const auto c = static_cast<char16_t>(unit);
-        if ((unicode::categoriesOf(c) & SeparatingCategories) || unicode::isWhiteSpaceOrNewline(c))
+        if ((detail::unicode::categoriesOf(c) & SeparatingCategories) ||
+            detail::unicode::isWhiteSpaceOrNewline(c))
             set.add(c);
     }
     return set;

@@ -160,7 +160,7 @@ private:
     /// As many units as usual, or fewer where the operation is slow already.
     std::size_t fittingUnits() {
         operation_.run(inputs_[LeastUnits]);  // makes the tables
-        std::size_t units = LeastUnits;
+        std::size_t units = std::max(LeastUnits, operation_.leastUnits);
         while (units < UsualUnits && secondsOf(operation_, inputs_[units]) < LongRun) units *= 2;
         return units;
     }

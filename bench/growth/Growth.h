@@ -47,6 +47,9 @@ struct Input {
 struct Operation {
     const char* name;
     void (*run)(const Input& input);
+    /// The least n that tells anything, where small texts cost less a unit than all others: as
+    /// many as fit into a window, or into what the processor remembers of a branch.
+    std::size_t leastUnits = 0;
 };
 
 std::span<const Operation> textOperations();

@@ -217,7 +217,8 @@ constexpr Operation Rows[] = {
              paths.push_back(folder + u"/" + String::fromUTF8(std::to_string(i)));
          minimumCoverOfPaths(paths);
          use(paths);
-     }},
+     },
+     131072},  // a sort of the same few paths again and again is foretold by the processor
     {"arrays",
      [](const Input& in) {
          std::vector<String> all = partsOf(in.text, u' ');

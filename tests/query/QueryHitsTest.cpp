@@ -24,8 +24,15 @@ TEST(QueryHits, WhatMadeItTrue) {
     };
     for (const auto& [query, text, expected] : cases)
         EXPECT_EQ(shown(text, hitsOfQueryTerms(text, QueryTerms(query))), expected) << utf8(query);
-    const QueryTerms wildcards(u"e-mai? \"t* a\"", {.wildcard = true});
-    EXPECT_EQ(shown(u"the, A email", hitsOfQueryTerms(u"the, A email", wildcards)), "0the, A 7email ");
+    const std::tuple<View, View, std::string> wildcards[] = {
+        {u"e-mai? \"t* a\"", u"the, A email", "0the, A 7email "},
+        // What the second word of the last group asks goes on where the first one's answers ended.
+        {u"([^a]* AFTER/1 ab) AFTER (\"a b\" XOR a)", u"a c.ax b a ab ab x a-b ab a-b a-b ", "0a 9a 14ab 17x "},
+        // Up to the second a-b, the ab stands for one; in the whole text that one does.
+        {u"c OPT (a*b NEAR/2 a-b) BEFORE ~a", u"a-b a. Bb ab x c a-b a.", "10ab 15c 17a "},
+    };
+    for (const auto& [query, text, expected] : wildcards)
+        EXPECT_EQ(shown(text, hitsOfQueryTerms(text, QueryTerms(query, {.wildcard = true}))), expected) << utf8(query);
     EXPECT_TRUE(hitsOfQueryTerms(u"a", QueryTerms()).empty());
     EXPECT_TRUE(hitsOfQueryTerms(u"", QueryTerms(u"-a")).empty());
 }

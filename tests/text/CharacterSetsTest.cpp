@@ -53,12 +53,12 @@ TEST(ConversionTables, MapLettersOneToOne) {
         const View text(&unit, 1);
         const auto single = [&](const String& mapped) { return mapped.length() == 1 ? mapped[0] : unit; };
         const bool isUpper = isIn(i, U_GC_LU_MASK | U_GC_LT_MASK), isLower = isIn(i, U_GC_LL_MASK);
-        ASSERT_EQ(lowerCharsTable()[unit], isUpper ? single(unicode::lowerCase(text)) : unit) << i;
-        ASSERT_EQ(upperCharsTable()[unit], isLower ? single(unicode::upperCase(text)) : unit) << i;
+        ASSERT_EQ(lowerCharsTable()[unit], isUpper ? single(detail::unicode::lowerCase(text)) : unit) << i;
+        ASSERT_EQ(upperCharsTable()[unit], isLower ? single(detail::unicode::upperCase(text)) : unit) << i;
         const char16_t plain = umlautsCharsTable()[unit];
         if (!isIn(i, U_GC_L_MASK | U_GC_M_MASK)) { ASSERT_EQ(plain, unit) << i; }
         if (plain != unit) {
-            const String parts = unicode::normalized(text, unicode::Form::D);
+            const String parts = detail::unicode::normalized(text, detail::unicode::Form::D);
             ASSERT_NE(parts.view().find(plain), View::npos) << i;
         }
         ASSERT_EQ(lowerUmlautsCharsTable()[unit], toLower(plain)) << i;

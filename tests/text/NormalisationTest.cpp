@@ -54,9 +54,9 @@ TEST(Normalisation, CaseOfEveryUnit) {
         const std::u16string original = lower;
         lowercase(lower);
         uppercase(upper);
-        ASSERT_EQ(unicode::lowerCase(View(original)), lower) << unit;
-        ASSERT_EQ(unicode::upperCase(View(original)), upper) << unit;
-        ASSERT_EQ(normalizedString(original), unicode::normalized(original, unicode::Form::C)) << unit;
+        ASSERT_EQ(detail::unicode::lowerCase(View(original)), lower) << unit;
+        ASSERT_EQ(detail::unicode::upperCase(View(original)), upper) << unit;
+        ASSERT_EQ(normalizedString(original), detail::unicode::normalized(original, detail::unicode::Form::C)) << unit;
     }
     std::u16string text = u"A\u0130\u03A3";  // a dot above, and a final sigma
     lowercase(text);

@@ -19,6 +19,11 @@ TEST(Reformatting, Mails) {
         {u"\none", u"one"},
     };
     for (const auto& [text, expected] : cases) EXPECT_EQ(reformattedMailing(text), expected) << utf8(text);
+    for (const auto& [text, expected] : cases) {
+        std::u16string inPlace(text);
+        reformatMailing(inPlace);
+        EXPECT_EQ(inPlace, expected) << utf8(text);
+    }
     EXPECT_TRUE(reformattedMailing(String()).isAbsent());
 }
 

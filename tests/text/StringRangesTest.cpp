@@ -76,9 +76,10 @@ std::u16string slowlyFolded(View character, SearchOptions options) {
     std::u16string result;
     for (const char16_t unit : character) {
         const bool isWidthForm = (options & WidthInsensitiveSearch) && unit >= 0xFF00 && unit <= 0xFFEE;
-        result += isWidthForm ? unicode::normalized(View(&unit, 1), unicode::Form::KC).view() : View(&unit, 1);
+        result += isWidthForm ? detail::unicode::normalized(View(&unit, 1), detail::unicode::Form::KC).view()
+                              : View(&unit, 1);
     }
-    result = unicode::normalized(result, unicode::Form::D).view();
+    result = detail::unicode::normalized(result, detail::unicode::Form::D).view();
     if (options & DiacriticInsensitiveSearch)
         std::erase_if(result, [](char16_t unit) { return unit >= 0x300 && unit < 0x370; });
     if (options & CaseInsensitiveSearch)
@@ -137,7 +138,7 @@ TEST(StringRanges, AgreeWithTheSlowSearch) {
             text += list[random() % list.size()];
         }
         std::u16string sought = text.empty() ? u"a" : text.substr(random() % text.size(), 1 + random() % 6);
-        if (random() % 4 == 0) sought = unicode::normalized(sought, unicode::Form::D).view();
+        if (random() % 4 == 0) sought = detail::unicode::normalized(sought, detail::unicode::Form::D).view();
         if (random() % 4 == 0) sought[random() % sought.size()] = plain[random() % plain.size()][0];
         const auto options =
             static_cast<SearchOptions>(random() % 2 | (random() % 2) << 2 | (random() % 4 ? 0 : random() % 4 << 7));

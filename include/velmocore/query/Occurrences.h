@@ -70,6 +70,26 @@ struct AssemblyOptions {
                                                            std::u16string_view sought,
                                                            const AssemblyOptions& options = {});
 
+/// A piece of a text that stands in a summary of it.
+struct SummaryPart {
+    Range range;            ///< in the text
+    std::size_t start = 0;  ///< in the summary
+};
+
+/// A summary that knows where its parts come from, so that hits can be shown in it.
+struct Summary {
+    String string;
+    std::vector<SummaryPart> parts;  ///< in their order; what is between them are separators
+};
+
+/// What assembleOccurrencesOfWildcards() and assembleOccurrencesOfHits() give, with the places.
+/// These operations are ours.
+[[nodiscard]] VELMO_API Summary summaryOfWildcards(const String& text,
+                                                   std::span<const String> wildcards,
+                                                   const AssemblyOptions& options = {});
+[[nodiscard]] VELMO_API Summary summaryOfHits(const String& text, std::span<const Range> hits,
+                                              const AssemblyOptions& options = {});
+
 /// An excerpt with one hit or more.
 struct Occurrence {
     Range range;           ///< in the text

@@ -18,6 +18,8 @@ namespace velmo {
 ///
 ///     reformattedMailing(u"one\ntwo\n> three");    // one two\n> three
 [[nodiscard]] VELMO_API String reformattedMailing(const String& string);
+/// The same in place. This operation is ours.
+VELMO_API void reformatMailing(std::u16string& string);
 
 /// Unwraps a text line by line: each line is freed of the given characters and trimmed, and
 /// the lines of a paragraph are joined by spaces. Paragraphs end at empty lines, of which one

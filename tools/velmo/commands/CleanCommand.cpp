@@ -77,14 +77,6 @@ Step inPieces(Step change) {
     };
 }
 
-/// Makes a line of each paragraph. Paragraphs may be of any length, so this is done in one piece.
-void unwrap(std::u16string& text) {
-    String mail(std::exchange(text, {}));
-    String unwrapped = reformattedMailing(mail);
-    mail = String();
-    text = takeUnits(std::move(unwrapped));
-}
-
 /// Without a copy of the text.
 JsonObject objectOf(const std::string& file, std::u16string&& text) {
     JsonObject object = fileObject(file);
@@ -119,7 +111,7 @@ std::vector<Option> stepOptions(std::vector<Step>& steps) {
                  inPieces(removeMultipleFeeds)),
         stepFlag(steps, "--ligatures", "write Latin ligatures as letters",
                  convertLigaturesToCharacters),
-        stepFlag(steps, "--unwrap", "join the lines of a mail's paragraphs", unwrap),
+        stepFlag(steps, "--unwrap", "join the lines of a mail's paragraphs", reformatMailing),
         {"--normalize", "FORM", "normalise to form c, d, kc or kd",
          [&steps](const std::string& name) {
              const NormalizationForm form = Forms[indexOfName(name, FormNames)];

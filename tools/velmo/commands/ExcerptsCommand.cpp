@@ -16,8 +16,6 @@ namespace velmo::tool {
 namespace {
 
 constexpr std::uint64_t DefaultLength = 300;
-/// So much beside a hit tells it from another one where a sentence was cut.
-constexpr std::size_t ContextUnits = 8;
 
 struct Options {
     std::string query, separator;
@@ -38,9 +36,10 @@ struct Excerpt {
 /// The hits that stand in a range, counted from where that range begins in what is printed.
 void addHits(std::vector<Range>& shown, std::span<const Range> hits, Range range,
              std::size_t start) {
-    for (const Range& hit : hits)
-        if (hit.location >= range.location && hit.end() <= range.end())
-            shown.push_back({hit.location - range.location + start, hit.length});
+    auto hit = std::ranges::lower_bound(hits, range.location, {}, &Range::location);
+    for (; hit != hits.end() && hit->location < range.end(); ++hit)
+        if (hit->end() <= range.end())
+            shown.push_back({hit->location - range.location + start, hit->length});
 }
 
 /// A record's text begins with dots if it crossed a boundary.
@@ -50,19 +49,6 @@ Excerpt excerptOf(const Occurrence& record, std::u16string_view text, std::span<
         record.string.view().find(text.substr(record.range.location, record.range.length));
     if (start != std::u16string_view::npos) addHits(excerpt.hits, hits, record.range, start);
     return excerpt;
-}
-
-/// Where a hit stands in a text that was cut from another one, from a place on, by what stands
-/// on either side of it there; none if it was left out.
-Range hitInCut(std::u16string_view cut, std::size_t from, std::u16string_view text, Range hit) {
-    const std::size_t before = std::min<std::size_t>(ContextUnits, hit.location);
-    const Range contexts[] = {{hit.location - before, before + hit.length},
-                              {hit.location, hit.length + ContextUnits}};
-    for (const Range& context : contexts) {
-        const std::size_t at = cut.find(text.substr(context.location, context.length), from);
-        if (at != cut.npos) return {at + hit.location - context.location, hit.length};
-    }
-    return Range::none();
 }
 
 /// Makes and prints the excerpts of one file after the other, on any threads.
@@ -107,7 +93,7 @@ private:
                                      .strictSentenceEnds = !options_.described});
     }
 
-    String summaryOf(const String& text, std::span<const Range> hits, bool isForPeople) const {
+    Excerpt summaryOf(const String& text, std::span<const Range> hits, bool isForPeople) const {
         AssemblyOptions options = {
             .comparison = query_.comparison,
             .paragraphs = options_.paragraphs,
@@ -115,37 +101,15 @@ private:
             .onlyOccurrences = options_.described ? options_.onlyOccurrences : !options_.beginning,
             .ellipsizeAfterNCharacters = options_.length};
         if (!options_.separator.empty()) options.separator = String::fromUTF8(options_.separator);
-        if (options_.described) return assembleOccurrencesOfWildcards(text, wildcards_, options);
-        options.gapSeparator = isForPeople ? u" \u2026 " : u" ... ";
-        options.strictSentenceEnds = options.keepsPairs = true;
-        return assembleOccurrencesOfHits(text, hits, options);
-    }
-
-    /// The hits in a summary: those of its whole sentences first, and then those of the one that
-    /// was cut to fit.
-    Excerpt excerptOfSummary(const String& summary, std::u16string_view text,
-                             std::span<const Range> hits) const {
-        Excerpt excerpt = {.text = summary};
-        const std::u16string_view shown = summary;
-        std::size_t from = 0;
-        for (const Occurrence& record : recordsOf(text, hits, 0)) {
-            const std::u16string_view sentence =
-                text.substr(record.range.location, record.range.length);
-            const std::size_t at = shown.find(sentence, from);
-            if (at != shown.npos) {
-                addHits(excerpt.hits, hits, record.range, at);
-                from = at + sentence.size();
-                continue;
-            }
-            for (const Range& hit : hits) {
-                if (hit.location < record.range.location || hit.end() > record.range.end())
-                    continue;
-                const Range found = hitInCut(shown, from, text, hit);
-                if (found.location == NotFound) continue;
-                excerpt.hits.push_back(found);
-                from = found.end();
-            }
+        if (!options_.described) {
+            options.gapSeparator = isForPeople ? u" \u2026 " : u" ... ";
+            options.strictSentenceEnds = options.keepsPairs = true;
         }
+        const Summary summary = options_.described ? summaryOfWildcards(text, wildcards_, options)
+                                                   : summaryOfHits(text, hits, options);
+        Excerpt excerpt = {.text = summary.string};
+        for (const SummaryPart& part : summary.parts)
+            addHits(excerpt.hits, hits, part.range, part.start);
         return excerpt;
     }
 
@@ -157,7 +121,7 @@ private:
 
     void printSummary(const std::string& file, const String& text, std::span<const Range> hits,
                       JsonObject object, Report& report) const {
-        const Excerpt excerpt = excerptOfSummary(summaryOf(text, hits, !report.json()), text, hits);
+        const Excerpt excerpt = summaryOf(text, hits, !report.json());
         if (report.json()) {
             object.push_back({"summary", excerpt.text});
             object.push_back({"hits", valuesOf(excerpt.hits)});

@@ -8,6 +8,7 @@
 #include <velmocore/markup/Charsets.h>
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/PlainText.h>
+#include <velmocore/text/CharacterFinding.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Trimming.h>
 
@@ -37,14 +38,18 @@ std::size_t countOf(std::string_view bytes, std::string_view sought) {
     return count;
 }
 
-/// Whether bytes are UTF-8: decoding them gives no U+FFFD but those that are in them.
+/// Whether decoding UTF-8 gave no U+FFFD but those that are in it.
+bool isWhole(std::u16string_view units, std::string_view bytes) {
+    const std::size_t first = findCharacter(units, Replacement);
+    if (first == NotFound) return true;
+    return static_cast<std::size_t>(std::ranges::count(units.substr(first), Replacement)) ==
+           countOf(bytes, ReplacementUtf8);
+}
+
 bool isUTF8(Bytes bytes) {
     while (!bytes.empty()) {
         const std::string_view piece = charsOf(bytes.first(pieceOf(bytes)));
-        const String units = String::fromUTF8(piece);
-        if (static_cast<std::size_t>(std::ranges::count(units, Replacement)) !=
-            countOf(piece, ReplacementUtf8))
-            return false;
+        if (!isWhole(String::fromUTF8(piece), piece)) return false;
         bytes = bytes.subspan(piece.size());
     }
     return true;
@@ -73,6 +78,16 @@ String decoded(Data&& data, StringEncoding encoding) {
     const std::span<char16_t> room(units.prepare(bytes.size()), bytes.size());
     units.commit(convertEncodingToUnicode(bytes, textEncodingOf(encoding), room).count);
     return units.finish();
+}
+
+/// A text of ordinary length in UTF-8 without a mark, which is what most are, decoded at once;
+/// absent if it is not that.
+String decodedPlainText(Bytes bytes) {
+    const bool isPlain = bytes.size() <= PieceSize && markOf(bytes).encoding == 0 &&
+                         charsOf(bytes).find('\0') == std::string_view::npos;
+    if (!isPlain) return {};
+    String units = String::fromUTF8(charsOf(bytes));
+    return isWhole(units, charsOf(bytes)) ? units : String();
 }
 
 StringEncoding encodingOfText(Bytes bytes) {
@@ -108,6 +123,9 @@ Content decodedPage(Data&& data, const ContentOptions& options) {
 
 Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
     StringEncoding encoding = UnknownStringEncoding;
+    if (kind == Kind::Text && options.charset.empty())
+        if (String units = decodedPlainText(bytes); !units.isAbsent())
+            return {kind, std::move(units), std::string(ianaName(UTF8StringEncoding)), {}};
     if (!options.charset.empty())
         encoding = charset2NSStringEncoding(String::fromUTF8(options.charset));
     else if (kind == Kind::Text)

@@ -15,6 +15,9 @@ namespace {
 
 using namespace std::string_view_literals;
 
+/// Controls are counted in so many bytes: what is no text shows it soon.
+constexpr std::size_t StartSize = 2048;
+
 /// How the bytes of formats begin that are no text, though they may have no zero near their
 /// start.
 constexpr std::string_view Signatures[] = {
@@ -53,6 +56,8 @@ constexpr std::array<ByteOrderMark, 5> Marks = {{
 /// What a text in UTF-16 without a mark has: so many units, and high bytes of so few values.
 constexpr std::size_t FewestPairs = 4, MostRows = 8;
 
+bool hasZero(Bytes head) { return charsOf(head).find('\0') != std::string_view::npos; }
+
 bool isTextControl(std::uint8_t byte) {
     return (byte >= '\b' && byte <= '\r') || byte == 0x1A || byte == 0x1B;
 }
@@ -74,19 +79,25 @@ bool isBinary(Bytes head) {
     const std::string_view chars = charsOf(head);
     if (std::ranges::any_of(Signatures, [&](auto each) { return chars.starts_with(each); }))
         return true;
-    std::size_t controls = 0;
-    for (const std::uint8_t byte : head) {
-        if (byte == 0) return true;
-        controls += byte < 0x20 && !isTextControl(byte);
-    }
-    return controls > head.size() / 10;
+    if (hasZero(head)) return true;
+    const Bytes start = head.first(std::min(head.size(), StartSize));
+    const auto controls = std::ranges::count_if(
+        start, [](std::uint8_t byte) { return byte < 0x20 && !isTextControl(byte); });
+    return static_cast<std::size_t>(controls) > start.size() / 10;
 }
 
-/// The characters of the head in lower case, those of UTF-16 without their zeros.
-std::string lowerHead(Bytes head) {
+/// What follows the mark and the white space at the start, in lower case; that of UTF-16 without
+/// its zeros. Empty if it begins with no tag.
+std::string lowerMarkup(Bytes head) {
+    const auto isNoSpace = [](std::uint8_t byte) {
+        return " \t\r\n\f\0"sv.find(static_cast<char>(byte)) == std::string_view::npos;
+    };
+    const Bytes text = head.subspan(markOf(head).bytes.size());
     std::string lower;
-    for (const std::uint8_t byte : head)
-        if (byte != 0) lower += static_cast<char>(std::tolower(byte));
+    auto at = std::ranges::find_if(text, isNoSpace);
+    if (at == text.end() || *at != '<') return lower;
+    for (; at != text.end(); ++at)
+        if (*at != 0) lower += static_cast<char>(std::tolower(*at));
     return lower;
 }
 
@@ -103,10 +114,8 @@ std::string_view firstTagName(std::string_view text) {
 /// Whether a head looks like markup: it begins with a tag of pages, or with any tag that is also
 /// closed, or is by the library's test a page.
 bool beginsAsMarkup(Bytes head) {
-    const std::string lower = lowerHead(head.subspan(markOf(head).bytes.size()));
-    const std::string_view text = std::string_view(lower).substr(
-        std::min(lower.find_first_not_of(" \t\r\n\f"), lower.size()));
-    if (!text.starts_with('<')) return false;
+    const std::string text = lowerMarkup(head);
+    if (text.empty()) return false;
     if (std::ranges::any_of(PageTags, [&](auto tag) { return text.starts_with(tag); })) return true;
     const std::string_view name = firstTagName(text);
     if (!name.empty() && text.find("</" + std::string(name)) != text.npos) return true;
@@ -135,7 +144,7 @@ ByteOrderMark markOf(Bytes bytes) {
 
 StringEncoding encodingOfZeros(Bytes head) {
     const std::size_t pairs = head.size() / 2;
-    if (pairs < FewestPairs) return UnknownStringEncoding;
+    if (pairs < FewestPairs || !hasZero(head)) return UnknownStringEncoding;
     if (pairs >= 2 * FewestPairs)
         for (const bool isBig : {false, true})
             if (isUTF32(head, isBig)) return isBig ? UTF32BigEndian : UTF32LittleEndian;
