@@ -49,6 +49,8 @@ private:
     mutable std::unique_ptr<icu::BasicTimeZone> zone_;
 };
 
+namespace detail {
+
 /// The list of all names.
 class ZoneDatabase {
 public:
@@ -87,6 +89,8 @@ private:
     std::vector<std::unique_ptr<TimeZone::Rules>> zones_;
 };
 
+}  // namespace detail
+
 namespace {
 
 constexpr std::size_t LongestName = 40;
@@ -100,7 +104,7 @@ std::optional<TimeZone> abbreviated(std::u16string_view name) {
     for (const auto& row : detail::zoneAbbreviations())
         if (isNamed(name, row.name)) return TimeZone::ofOffset(std::chrono::minutes(row.minutes));
     for (const auto& row : detail::zonesOfPlaces())
-        if (isNamed(name, row.name)) return ZoneDatabase::shared().find(row.place);
+        if (isNamed(name, row.name)) return detail::ZoneDatabase::shared().find(row.place);
     return {};
 }
 
@@ -120,7 +124,7 @@ std::optional<TimeZone> ofPlace(std::u16string_view name) {
         if (unit > 0x7e) return {};
         key += static_cast<char>(ascii::toLower(unit));
     }
-    return ZoneDatabase::shared().find(key);
+    return detail::ZoneDatabase::shared().find(key);
 }
 
 TimeZone systemZone() {

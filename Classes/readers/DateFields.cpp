@@ -33,7 +33,7 @@ std::optional<Date> dateOf(const DateFields& f, const TimeZone& zone) noexcept {
 }
 
 double DateCursor::fraction() noexcept {
-    constexpr std::size_t Digits = 9;  // more than a Date can hold
+    constexpr std::size_t Digits = 6;  // more would be rounded up to the next second
     const std::size_t count = digitsHere();
     if (count == 0) return -1;
     double value = 0, weight = 1;

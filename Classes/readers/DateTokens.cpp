@@ -20,6 +20,16 @@ char16_t fold(char16_t unit) {
     return unit < 128 ? ascii::toLower(unit) : lowerUmlautsCharsTable()[unit];
 }
 
+constexpr bool isHangul(char16_t unit) { return unit >= 0xAC00 && unit <= 0xD7A3; }
+
+/// Whether a word of the text ends where the other, which is folded, does.
+bool beginsWithFolded(std::u16string_view text, std::u16string_view folded) {
+    if (text.size() < folded.size()) return false;
+    for (std::size_t i = 0; i < folded.size(); ++i)
+        if (fold(text[i]) != folded[i]) return false;
+    return text.size() == folded.size() || !isLetter(text[folded.size()]);
+}
+
 }  // namespace
 
 bool DateTokens::cut(std::u16string_view text) {
@@ -68,23 +78,34 @@ std::size_t DateTokens::foldedWord(std::span<char16_t> folded) const {
 
 bool DateTokens::addWord() {
     char16_t folded[LongestWord];
-    std::size_t length = foldedWord(folded), known = length;
+    const std::size_t length = foldedWord(folded);
     if (length > LongestWord) return false;
-    // a.m. and p.m. are one word.
-    const std::u16string_view behind = text_.substr(at_ + length);
-    if (length == 1 && (folded[0] == u'a' || folded[0] == u'p') && behind.size() > 1 &&
-        behind[0] == u'.' && fold(behind[1]) == u'm' &&
-        (behind.size() == 2 || !isLetter(behind[2]))) {
-        folded[1] = u'm';
-        known = 2;
-        length = 3;
-    }
-    const auto meanings = meaningsOf({folded, known});
+    if (length == 1 && addCompound()) return true;
+    const auto meanings = meaningsOf({folded, length});
     if (meanings.empty() && !mayHaveZone_) return false;
     DateToken& token = add(DateToken::Kind::Word, length);
     token.meanings = meanings;
     mayHaveZone_ |= token.as(Meaning::NamedHour) != nullptr;
+    isKorean_ |= !meanings.empty() && isHangul(folded[0]);
     return true;
+}
+
+/// Words with a mark in them become the word that means the same.
+bool DateTokens::addCompound() {
+    static constexpr struct {
+        std::u16string_view written, word;
+    } Compounds[] = {
+        {u"a.m", u"am"},
+        {u"p.m", u"pm"},
+        {u"o'clock", u"h"},
+        {u"o\u2019clock", u"h"},
+    };
+    for (const auto& [written, word] : Compounds) {
+        if (!beginsWithFolded(text_.substr(at_), written)) continue;
+        add(DateToken::Kind::Word, written.size()).meanings = meaningsOf(word);
+        return true;
+    }
+    return false;
 }
 
 bool DateTokens::addMark() {

@@ -49,6 +49,8 @@ public:
     bool cut(std::u16string_view text);
 
     std::size_t size() const { return count_; }
+    /// Whether a word with a meaning is Korean.
+    bool isKorean() const { return isKorean_; }
     /// The token; behind the last one, a mark that is none.
     const DateToken& operator[](std::size_t index) const {
         return tokens_[index < count_ ? index : Most];
@@ -57,6 +59,7 @@ public:
 private:
     bool addNumber();
     bool addWord();
+    bool addCompound();
     bool addMark();
     DateToken& add(DateToken::Kind kind, std::size_t length);
     std::size_t foldedWord(std::span<char16_t> folded) const;
@@ -64,6 +67,7 @@ private:
     std::u16string_view text_;
     std::size_t at_ = 0, count_ = 0;
     bool mayHaveZone_ = false;  // there is a number or a named hour
+    bool isKorean_ = false;
     std::array<DateToken, Most + 1> tokens_;
 };
 

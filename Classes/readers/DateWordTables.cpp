@@ -1,4 +1,4 @@
-// The vocabulary of dates: 308 rows, by language. Names of months and weekdays are those of the
+// The vocabulary of dates: 326 rows, by language. Names of months and weekdays are those of the
 // Unicode locale data, wide and abbreviated, without their full stops; a name that several
 // languages share stands with the first. A word of several meanings has a row for each.
 #include "readers/DateWords.h"
@@ -245,6 +245,16 @@ constexpr DateWord Words[] = {
     {u"\u03c0\u03b1\u03c1", Meaning::Weekday, 5},
     {u"\u03c3\u03b1\u03b2", Meaning::Weekday, 6},
 
+    // Korean, and what Chinese and Japanese share
+    {u"\ub144", Meaning::DatePart, 0},
+    {u"\uc6d4", Meaning::DatePart, 1},
+    {u"\uc77c", Meaning::DatePart, 2},
+    {u"\uc624\uc804", Meaning::EarlyMeridiem, 0},
+    {u"\uc624\ud6c4", Meaning::EarlyMeridiem, 12},
+    {u"\u5e74", Meaning::DatePart, 0},
+    {u"\u6708", Meaning::DatePart, 1},
+    {u"\u65e5", Meaning::DatePart, 2},
+
     // Times of day
     {u"am", Meaning::Meridiem, 0},
     {u"pm", Meaning::Meridiem, 12},
@@ -320,6 +330,15 @@ constexpr DateWord Words[] = {
     {u"tenth", Meaning::Ordinal, 10},
     {u"eleventh", Meaning::Ordinal, 11},
     {u"twelfth", Meaning::Ordinal, 12},
+    {u"thirteenth", Meaning::Ordinal, 13},
+    {u"fourteenth", Meaning::Ordinal, 14},
+    {u"fifteenth", Meaning::Ordinal, 15},
+    {u"sixteenth", Meaning::Ordinal, 16},
+    {u"seventeenth", Meaning::Ordinal, 17},
+    {u"eighteenth", Meaning::Ordinal, 18},
+    {u"nineteenth", Meaning::Ordinal, 19},
+    {u"twentieth", Meaning::Ordinal, 20},
+    {u"thirtieth", Meaning::Ordinal, 30},
     {u"st", Meaning::Suffix, 0},
     {u"nd", Meaning::Suffix, 0},
     {u"rd", Meaning::Suffix, 0},
@@ -333,6 +352,7 @@ constexpr DateWord Words[] = {
     {u"the", Meaning::Filler, 0},
     {u"of", Meaning::Filler, 0},
     {u"at", Meaning::Filler, 0},
+    {u"a", Meaning::Filler, 0},
     {u"on", Meaning::Filler, 0},
     {u"de", Meaning::Filler, 0},
     {u"del", Meaning::Filler, 0},
@@ -346,7 +366,7 @@ constexpr DateWord Words[] = {
     {u"am", Meaning::Filler, 0},
     {u"um", Meaning::Filler, 0},
 };
-static_assert(std::size(Words) == 308);
+static_assert(std::size(Words) == 326);
 
 /// The rows by their names, so that a word is found by halving.
 constexpr auto SortedWords = [] {

@@ -26,9 +26,11 @@ enum class Meaning : std::uint8_t {
     Before,
     Last,
     Next,
-    HourMark,  ///< behind hours: 10 Uhr, 10h30
-    TimeMark,  ///< between day and time: T
-    Filler,    ///< has no weight
+    EarlyMeridiem,  ///< the same before the hour
+    DatePart,       ///< behind a year, a month or a day: 0, 1 or 2
+    HourMark,       ///< behind hours: 10 Uhr, 10h30
+    TimeMark,       ///< between day and time: T
+    Filler,         ///< has no weight
 };
 
 struct DateWord {

@@ -33,7 +33,7 @@ constexpr const char* UnixFormat = "%a %b %d %H:%M:%S %Y";
 /// What is looked at of a string: up to the first bracket or semicolon, without white space.
 View partWithDate(View string) {
     string = string.substr(0, string.find_first_of(u";[]{}()"));
-    return detail::trimmedView(string, detail::Ends::Both, unicode::isWhiteSpaceOrNewline);
+    return detail::trimmedView(string, detail::Ends::Both, detail::unicode::isWhiteSpaceOrNewline);
 }
 
 bool hasLetter(View text) {

@@ -37,7 +37,7 @@ public:
         if (length_ > LongestMonth) return 0;
         for (const detail::DocumentMonth& row : detail::documentMonths())
             if (length_ <= row.name.size() &&
-                keyword::equalNoCase(row.name.substr(0, length_), view()))
+                detail::keyword::equalNoCase(row.name.substr(0, length_), view()))
                 return row.month;
         return 0;
     }
@@ -53,7 +53,7 @@ private:
     View view() const { return {units_, length_}; }
     bool hasOrdinalEnd() const {
         for (const std::string_view end : {"ND", "RD", "ST", "TH"})
-            if (keyword::equals(view().substr(length_ - end.size()), end)) return true;
+            if (detail::keyword::equals(view().substr(length_ - end.size()), end)) return true;
         return false;
     }
 

@@ -40,11 +40,13 @@ private:
     bool readMonth() { return (fields_.month = text_.number(2, 2)) > 0; }
     bool readDayOfMonth() { return (fields_.day = text_.number(2, 2)) > 0; }
 
-    /// -YY-MM
+    /// -YY-MM and -YYMM
     bool readShortMonth() {
-        if (!text_.take(u'-') || text_.digitsHere() != 2) return false;
+        if (!text_.take(u'-')) return false;
+        const std::size_t digits = text_.digitsHere();
+        if (digits != 2 && digits != 4) return false;
         fields_.year = yearOfTwoDigits(text_.number(2, 2));
-        return text_.take(u'-') && readMonth() && text_.isAtEnd();
+        return (digits == 4 || text_.take(u'-')) && readMonth() && text_.isAtEnd();
     }
     /// YY-MM-DD
     bool readShortDay() {
@@ -103,11 +105,9 @@ private:
     }
 
     bool readTime() {
-        const bool hasT = text_.takeOneOf(u"Tt");
-        if (!hasT && isBlank(text_.peek()))
-            text_.skipBlanks();
-        else if (!hasT)
-            return readZone();
+        const bool hasT = text_.takeOneOf(u"Tt") != 0;
+        if (!hasT && !isBlank(text_.peek())) return readZoneOfDay();
+        if (!hasT) text_.skipBlanks();
         return readClock(hasT) && readFraction() && (text_.skipBlanks(), readZone());
     }
 
@@ -147,6 +147,12 @@ private:
     void addSeconds(int seconds) {
         fields_.second += seconds % 60;
         fields_.minute += seconds / 60;
+    }
+
+    /// A short offset behind a day may be something else, such as the end of a span.
+    bool readZoneOfDay() {
+        constexpr std::size_t FullOffset = 6;  // +01:00
+        return (text_.rest() == u"Z" || text_.left() == FullOffset) && readZone();
     }
 
     bool readZone() {

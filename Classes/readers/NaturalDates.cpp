@@ -39,7 +39,7 @@ private:
     bool readPart() {
         switch (peek().kind) {
             case DateToken::Kind::Number:
-                return readTime() || readHour() || readAgo() || readJoined() ||
+                return readNamedPart() || readTime() || readHour() || readAgo() || readJoined() ||
                        readYearAndMonth() || readNumber();
             case DateToken::Kind::Word:
                 return readRelative() || readName() || readZone();
@@ -51,19 +51,22 @@ private:
 
     // Times.
 
-    /// 10:11, 10:11:12.5, 10h11, with am or pm.
+    /// 10:11, 10:11:12.5, 10h11, and 10.11 where a word tells that it is a time.
     bool readTime() {
-        if (hasTime_ || !peek().isShort() || !peek(1).isGlued) return false;
-        const bool hasColon = peek(1).isMark(u':');
-        if (!hasColon && !(peek(1).as(Meaning::HourMark) && peek(2).isGlued)) return false;
-        if (!isMinute(2)) return false;
+        if (hasTime_ || !peek().isShort() || !peek(1).isGlued || !isMinute(2)) return false;
+        const bool hasColon = peek(1).isMark(u':'), isLong = peek(2).digits == 2;
+        if (!hasColon && !peek(1).as(Meaning::HourMark) && !isDottedTime()) return false;
         fields_.hour = peek().value;
         fields_.minute = peek(2).value;
-        const bool isLong = peek(2).digits == 2;
         take(3);
         if (!(hasColon && readSeconds()) && !isLong) return false;
         if (peek().isMark(u':')) return false;
         return setTime();
+    }
+    bool isDottedTime() const {
+        const DateToken& behind = peek(3);
+        return peek(1).isMark(u'.') &&
+               (behind.as(Meaning::Meridiem) || behind.as(Meaning::HourMark));
     }
     bool isMinute(std::size_t ahead) const { return peek(ahead).isShort() && peek(ahead).isGlued; }
 
@@ -83,15 +86,17 @@ private:
     bool readHour() {
         if (hasTime_ || !peek().isShort()) return false;
         const DateToken& behind = peek(1);
-        const DateWord* const named = behind.as(Meaning::NamedHour);
-        fields_.hour = peek().value;
-        if (named && fields_.hour == 12) {
-            fields_.hour = named->value;
-            return hasClearTime_ = hasTime_ = take(2);
-        }
+        if (const DateWord* const named = behind.as(Meaning::NamedHour))
+            return peek().value == 12 && setNamedHour(named->value, 2);
         const bool isHour = behind.as(Meaning::Meridiem) || behind.as(Meaning::HourMark) ||
                             (hasWholeDay() && isZoneAt(1));
-        return isHour && take(1) && setTime();
+        if (!isHour) return false;
+        fields_.hour = peek().value;
+        return take(1) && setTime();
+    }
+    bool setNamedHour(int hour, std::size_t tokens) {
+        fields_.hour = hour;
+        return hasClearTime_ = hasTime_ = take(tokens);
     }
 
     /// The hour is read; takes what may follow it.
@@ -103,6 +108,15 @@ private:
         if (fields_.hour < 1 || fields_.hour > 12) return false;
         fields_.hour = fields_.hour % 12 + half->value;
         return hasClearTime_ = take(1);
+    }
+
+    /// A time behind the half of the day.
+    bool readTimeOf(int half) {
+        take(1);
+        if (!peek().isNumber() || !readTime() || fields_.hour < 1 || fields_.hour > 12)
+            return false;
+        fields_.hour = fields_.hour % 12 + half;
+        return true;
     }
 
     // Days.
@@ -156,6 +170,16 @@ private:
     }
     static bool isYearOfOurs(int year) { return year >= 1900 && year < 2100; }
 
+    /// A number whose word tells what it is: 2001\u5e74.
+    bool readNamedPart() {
+        const DateWord* const part = peek(1).isGlued ? peek(1).as(Meaning::DatePart) : nullptr;
+        if (!part) return false;
+        const int number = peek().value;
+        if (part->value == 0) return peek().digits == 4 && !fields_.year && setYear(number, 2);
+        if (part->value == 2) return !hasDayOfMonth_ && setDayOfMonth(number, 2);
+        return setMonth(number) && take(1);
+    }
+
     bool readNumber() {
         const DateToken& number = peek();
         if (number.digits == 4 && !fields_.year) return setYear(number.value, 1);
@@ -187,10 +211,10 @@ private:
         const DateToken& word = peek();
         if (const DateWord* const month = word.as(Meaning::Month); month && setMonth(month->value))
             return true;
-        if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_) {
-            fields_.hour = hour->value;
-            return hasClearTime_ = hasTime_ = take(1);
-        }
+        if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_)
+            return setNamedHour(hour->value, 1);
+        if (const DateWord* const half = word.as(Meaning::EarlyMeridiem))
+            return readTimeOf(half->value);
         if (word.as(Meaning::Weekday) && !hasWeekday_) return hasWeekday_ = take(1);
         if (const DateWord* const day = word.as(Meaning::Ordinal); day && !hasDayOfMonth_)
             return setDayOfMonth(day->value, 1);
@@ -199,7 +223,7 @@ private:
 
     /// Words without weight stand before something. A zone may be spelt like one (AT).
     bool readFiller() {
-        if (isLast()) return false;
+        if (isLast() || peek(1).kind == DateToken::Kind::Mark) return false;
         const bool joinsTime =
             peek().as(Meaning::TimeMark) && peek().isGlued && peek(1).isShort() && peek(1).isGlued;
         return (joinsTime || peek().as(Meaning::Filler)) && take(1);
@@ -211,6 +235,8 @@ private:
         const bool isInside = mark.isGlued && peek(1).isGlued;
         if (mark.isMark(u',')) return take(1);
         if (mark.isMark(u'.')) return mark.isGlued && isAbbreviated(*before()) && take(1);
+        if (mark.isMark(u'-') && !mark.isGlued && hasDay() && !hasTime_)
+            return take(1) && readTime();
         if (mark.isMarkOf(u"-/")) return isInside && joinsMonth() && take(1);
         return mark.isMarkOf(u"'\u2019") && readApostrophe();
     }
@@ -234,9 +260,11 @@ private:
         return token.end != 0 && DateCursor(text_.substr(token.begin)).zone().has_value();
     }
 
-    /// Behind a time, or behind all that a day has.
+    /// Behind a time; behind all that a day has, if it is a name or a full offset. A shorter one
+    /// may be the end of a span.
     bool readZone() {
-        if (!hasTime_ && !hasWholeDay()) return false;
+        const bool isMark = peek().kind == DateToken::Kind::Mark;
+        if (!hasTime_ && !(hasWholeDay() && (!isMark || peek(1).digits == 4))) return false;
         DateCursor cursor(text_.substr(peek().begin));
         const auto zone = cursor.zone();
         if (!zone || !canBeZone(*zone)) return false;
@@ -295,11 +323,15 @@ private:
         return unit && unit->value == SecondsOfDay;
     }
 
-    /// 3 days ago, 2 weeks from now
+    /// 3 days ago, 2 weeks from now, 2 weeks from today
     bool readAgo() {
         if (relative_) return false;
         if (peek(2).as(Meaning::Ago)) return readCount(0, -1) && take(1);
-        return peek(2).as(Meaning::From) && peek(3).as(Meaning::Now) && readCount(0, 1) && take(2);
+        return peek(2).as(Meaning::From) && isPresent(peek(3)) && readCount(0, 1) && take(2);
+    }
+    static bool isPresent(const DateToken& token) {
+        const DateWord* const day = token.as(Meaning::RelativeDay);
+        return token.as(Meaning::Now) || (day && day->value == 0);
     }
 
     /// A count and a unit.
@@ -331,6 +363,12 @@ private:
     Date now() const { return options_.now ? *options_.now : std::chrono::system_clock::now(); }
     LocalTime here() const { return options_.zone.localTimeOf(now()); }
 
+    /// All of Korea has one zone.
+    TimeZone zone() const {
+        const bool isThere = options_.offsets && tokens_.isKorean();
+        return isThere ? TimeZone::named(u"Asia/Seoul").value_or(options_.zone) : options_.zone;
+    }
+
     std::optional<Date> relativeDate() {
         if (hasDay() || hasWeekday_ || (hasTime_ && relative_->seconds)) return {};
         if (!hasTime_) return relative_->from(now(), options_.zone);
@@ -357,7 +395,7 @@ private:
             const auto today = std::chrono::floor<std::chrono::days>(here());
             fields_.year = static_cast<int>(std::chrono::year_month_day(today).year());
         }
-        return dateOf(fields_, options_.zone);
+        return dateOf(fields_, zone());
     }
 
     static constexpr int SecondsOfDay = 86400;

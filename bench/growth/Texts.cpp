@@ -279,12 +279,27 @@ constexpr Hostile Queries[] = {
     {"halves of hits", u"", u"the of quiz. "},
 };
 
+constexpr Hostile Dates[] = {
+    {"digits", u"", u"1"},
+    {"dashes of a date", u"2001", u"-"},
+    {"dots of a date", u"", u"3.2."},
+    {"colons of a time", u"", u"10:"},
+    {"days", u"", u"03.02.1949 "},
+    {"months", u"", u"May "},
+    {"German months", u"10:11:12 ", u"Mrz"},
+    {"days without a year", u"", u"3. Mai, "},
+    {"fractions of a second", u"2001-02-03T10:11:12.", u"5"},
+    {"blanks before a number", u"Sat, ", u" ", u"3 Feb 2001"},
+    {"name of a zone", u"Sat, 03 Feb 2001 10:11:12 ", u"a/"},
+};
+
 }  // namespace
 
 std::span<const Hostile> plainTexts() { return Plain; }
 std::span<const Hostile> markupTexts() { return Markup; }
 std::span<const Hostile> locationTexts() { return Locations; }
 std::span<const Hostile> queryTexts() { return Queries; }
+std::span<const Hostile> dateTexts() { return Dates; }
 
 std::u16string textOf(const Hostile& hostile, std::size_t units) {
     std::u16string text(hostile.head);

@@ -13,6 +13,7 @@
 #include <velmocore/markup/JSONEscapes.h>
 #include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageResources.h>
+#include <velmocore/platform/DateFormat.h>
 #include <velmocore/platform/Log.h>
 #include <velmocore/platform/PropertyList.h>
 #include <velmocore/platform/Resources.h>
@@ -20,6 +21,8 @@
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/query/QueryHits.h>
 #include <velmocore/query/QueryRewriting.h>
+#include <velmocore/readers/Dates.h>
+#include <velmocore/readers/DocumentDates.h>
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
@@ -59,6 +62,14 @@ std::string joined(const std::vector<String>& strings) {
     std::string all;
     for (const String& string : strings) (all += string.utf8()) += '\n';
     return all;
+}
+
+/// A date in a zone, written for people, and one among words.
+std::string dates() {
+    const DateOptions berlin{.zone = TimeZone::named(u"Europe/Berlin").value()};
+    const Date day = date(u"3. Februar 2001, 10:11 Uhr", berlin).value();
+    const Date other = documentDateByValidatingSeparation(u"on 3/2/2001", true, berlin).value();
+    return stringInISO8601(other).utf8() + localizedDateAndTime(day, berlin.zone, "en_GB").utf8();
 }
 
 /// What all families make of a page; the order in which they are asked differs by thread.
@@ -103,6 +114,7 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return std::string(charsOf(*dataByInflatingData(*dataByGzippingData(Bytes(bytes))))); },
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
+        [&] { return dates(); },
         [&] { return std::string(charsOf(*dataUsingEncoding(text, ISO2022JPStringEncoding, true))); },
     };
     std::vector<std::string> all(std::size(families));

@@ -114,6 +114,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url classify", "http://h/"},
         {"url repair", "h.org"},
         {"mime", "html"},
+        {"date", "2001-02-03"},
     };
     EXPECT_EQ(std::size(runs), commands().size());
     for (const auto& [command, arguments] : runs) {

@@ -35,6 +35,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"unpack", makeUnpackCommand},
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs"},
         {"mime", makeMimeCommand},
+        {"date", makeDateCommand},
     };
     return commands;
 }

@@ -11,6 +11,10 @@
 
 namespace velmo {
 
+namespace detail {
+class ZoneDatabase;
+}
+
 /// What clocks on the wall show, in seconds with fractions, without saying where.
 using LocalTime = std::chrono::local_time<std::chrono::duration<double>>;
 
@@ -73,7 +77,7 @@ public:
     friend bool operator==(const TimeZone&, const TimeZone&) noexcept = default;
 
 private:
-    friend class ZoneDatabase;
+    friend class detail::ZoneDatabase;
     struct Rules;
 
     [[nodiscard]] std::chrono::seconds ruledOffsetAt(Date instant) const noexcept;

@@ -38,6 +38,7 @@ std::string shownNames(const Option& option) {
         names.insert(comma + 1, " ");
     else
         names.insert(0, "    ");
+    if (option.isValueOptional) return fmt::format("{}[={}]", names, option.value);
     return option.value.empty() ? names : fmt::format("{} {}", names, option.value);
 }
 
