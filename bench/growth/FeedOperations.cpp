@@ -9,11 +9,17 @@ namespace velmo::growth {
 namespace {
 
 /// Without a sheet, which is the same for each feed.
+FeedDisplayOptions makeDisplay() {
+    FeedDisplayOptions options;
+    options.linkedStyleSheet = false;
+    options.styleSheet = Path("/none");
+    options.dates = {.zone = {}, .now = Date{}};
+    options.locale = "en";
+    return options;
+}
+
 const FeedDisplayOptions& display() {
-    static const FeedDisplayOptions options = {.linkedStyleSheet = false,
-                                               .styleSheet = "/none",
-                                               .dates = {.zone = {}, .now = Date{}},
-                                               .locale = "en"};
+    static const FeedDisplayOptions options = makeDisplay();
     return options;
 }
 
