@@ -154,7 +154,7 @@ constexpr Hostile Markup[] = {
     {"items of a feed", u"<rss>", u"<item><title>t\001</title><link>/l\001</link></item>"},
     {"open items", u"<rss>", u"<item><description>"},
     {"closed descriptions", u"<rss><item><description>", u" </description>"},
-    {"closed contents", u"<feed><entry><content>", u"&#32;</content>"},
+    {"closed feed contents", u"<feed><entry><content>", u"&#32;</content>"},
     {"sections of an item", u"<rss><item>", u"<![CDATA[x&amp;]]>"},
     {"titles of an item", u"<rss><item>", u"<title>&#32;</title>"},
     {"categories of an item", u"<rss><item>", u"<category term='a&amp;\001'/>", u"</item>"},
