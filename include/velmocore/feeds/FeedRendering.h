@@ -27,16 +27,15 @@ namespace velmo {
 [[nodiscard]] VELMO_API String linkableFeedStyleSheet();
 
 struct FeedDisplayOptions {
-    /// How a feed is read.
-    FeedOptions feed = {};
     /// Whether the sheet is linked or a part of the page. A list of items always links it.
     bool linkedStyleSheet = true;
-    // Ours:
-    /// Another sheet than linkableFeedStyleSheet(). One that cannot be read is empty.
+    /// Ours: another sheet than linkableFeedStyleSheet(). One that cannot be read is empty.
     Path styleSheet = {};
-    /// How dates are read. Their zone is also the one in which they are shown.
+    /// Ours: how dates are read. Their zone is also the one in which they are shown.
     DateOptions dates = {};
-    std::string locale = {};  ///< of the dates that are shown, as "en_GB"; the user's if empty
+    /// Ours: of the dates that are shown, as "en_GB"; the user's if empty.
+    std::string locale = {};
+    FeedOptions feed = {};  ///< how a feed is read
 };
 
 /// The display HTML of a feed, made in the scan of its items. A text that is no feed comes back as

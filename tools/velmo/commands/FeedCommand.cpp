@@ -83,7 +83,7 @@ private:
         if (options_.form() == Form::Searchable)
             return stringByConvertingItemsToSearchableHTML(readFeed(text, reading_).items);
         FeedDisplayOptions display = {
-            .feed = reading_, .linkedStyleSheet = !options_.isInline, .dates = {.offsets = true}};
+            .linkedStyleSheet = !options_.isInline, .dates = {.offsets = true}, .feed = reading_};
         if (!options_.styleSheet.empty()) display.styleSheet = Path(options_.styleSheet);
         return stringByConvertingFeed(text, display);
     }
