@@ -8,15 +8,10 @@
 #include <cmath>
 #include <memory>
 
+#include "platform/CalendarYears.h"
+
 namespace velmo {
 namespace {
-
-using Seconds = std::chrono::sys_seconds;
-
-constexpr Seconds First = std::chrono::sys_days(std::chrono::year(1) / 1 / 1);
-constexpr Seconds End = std::chrono::sys_days(std::chrono::year(10000) / 1 / 1);
-
-bool isWritable(Date date) { return date >= First && date < End; }
 
 /// A formatter, which takes long to make. The last one is kept for each thread, since lists of
 /// dates are written for one reader.
@@ -45,7 +40,7 @@ struct Formatter {
 }  // namespace
 
 String stringInISO8601(Date date) {
-    if (!isWritable(date)) return {};
+    if (!detail::isInCalendar(date)) return {};
     const auto time = std::chrono::floor<std::chrono::seconds>(date);
     const auto days = std::chrono::floor<std::chrono::days>(time);
     const std::chrono::year_month_day day(days);
@@ -57,7 +52,7 @@ String stringInISO8601(Date date) {
 }
 
 String localizedDateAndTime(Date date, TimeZone zone, const std::string& locale) {
-    if (!isWritable(date)) return {};
+    if (!detail::isInCalendar(date)) return {};
     thread_local Formatter formatter;
     formatter.prepare(locale, zone);
     icu::UnicodeString text;

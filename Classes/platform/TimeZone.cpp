@@ -81,7 +81,8 @@ private:
                   [](const auto& a, const auto& b) { return a->key < b->key; });
     }
 
-    /// Names of three letters are abbreviations, and other ones than these.
+    /// Names of three letters are abbreviations, and mean other zones here than in the American
+    /// and European texts that ours stand for: BST is Bangladesh.
     void add(std::string_view id) {
         if (id.size() > 3) zones_.push_back(std::make_unique<TimeZone::Rules>(std::string(id)));
     }
@@ -127,6 +128,8 @@ std::optional<TimeZone> ofPlace(std::u16string_view name) {
     return detail::ZoneDatabase::shared().find(key);
 }
 
+/// ICU reads TZ and the files of the system, but may find a zone that is not in its database: a
+/// rule of POSIX, of which the offset without daylight-saving time is taken.
 TimeZone systemZone() {
     const std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createDefault());
     icu::UnicodeString id;

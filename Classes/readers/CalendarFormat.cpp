@@ -24,6 +24,7 @@ constexpr std::array<std::string_view, 12> Months = {
     "july",    "august",   "september", "october", "november", "december",
 };
 
+// Three letters tell all months apart, and all weekdays, so that a full name is found by them too.
 constexpr std::size_t Abbreviation = 3;
 
 template <class Unit>
@@ -129,7 +130,7 @@ private:
         return (field = cursor_.number(least, most)) >= 0;
     }
 
-    /// Looks at what the format has left.
+    /// Looks at what the format has left. A year of two digits must not be the half of one of four.
     bool isRestInOrder() {
         if (endsWithNumber_ && ascii::isDigit(cursor_.peek())) return false;
         return !options_.offsets || fields_.zone || readRest();

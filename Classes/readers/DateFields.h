@@ -21,6 +21,12 @@ struct DateFields {
     int hour = 0, minute = 0, second = 0;
     double fraction = 0;           ///< of a second
     std::optional<TimeZone> zone;  ///< absent where the text names none
+
+    void setDay(std::chrono::year_month_day date) noexcept {
+        year = static_cast<int>(date.year());
+        month = static_cast<int>(static_cast<unsigned>(date.month()));
+        day = static_cast<int>(static_cast<unsigned>(date.day()));
+    }
 };
 
 /// The instant; absent if a field is out of range. Hour 24 is the end of a day. Second 60 is let

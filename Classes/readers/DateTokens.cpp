@@ -1,3 +1,6 @@
+// Cutting ends where it is clear that a text is no date, so that running text costs its first words
+// only, as most of what is asked about is none. Words are folded as they are cut, in a buffer
+// as long as the longest word that dates know.
 #include "readers/DateTokens.h"
 
 #include <velmocore/text/CharacterSets.h>
@@ -10,7 +13,7 @@ namespace velmo::detail {
 namespace {
 
 constexpr std::size_t LongestNumber = 9, LongestWord = 16;
-constexpr std::u16string_view Marks = u"-/.:,+'_\u2019";
+constexpr std::u16string_view Marks = u"-/.:,+'_@\u2019";
 
 bool isLetter(char16_t unit) {
     return unit < 128 ? ascii::isLetter(unit) : alphaCharacterSetRep().contains(unit);
@@ -82,6 +85,7 @@ bool DateTokens::addWord() {
     if (length > LongestWord) return false;
     if (length == 1 && addCompound()) return true;
     const auto meanings = meaningsOf({folded, length});
+    // An unknown word may be a zone, and zones stand behind times.
     if (meanings.empty() && !mayHaveZone_) return false;
     DateToken& token = add(DateToken::Kind::Word, length);
     token.meanings = meanings;

@@ -1,6 +1,6 @@
-// The vocabulary of dates: 326 rows, by language. Names of months and weekdays are those of the
-// Unicode locale data, wide and abbreviated, without their full stops; a name that several
-// languages share stands with the first. A word of several meanings has a row for each.
+// The vocabulary of dates: 328 rows, by language. Names of months and weekdays are the
+// full ones and the usual abbreviations, without their full stops; a name that several languages
+// share stands with the first. A word of several meanings has a row for each.
 #include "readers/DateWords.h"
 
 #include <algorithm>
@@ -90,7 +90,7 @@ constexpr DateWord Words[] = {
     {u"fevrier", Meaning::Month, 2},
     {u"fevr", Meaning::Month, 2},
     {u"fev", Meaning::Month, 2},
-    {u"mars", Meaning::Month, 3},
+    {u"mars", Meaning::WeakMonth, 3},
     {u"avril", Meaning::Month, 4},
     {u"avr", Meaning::Month, 4},
     {u"juin", Meaning::Month, 6},
@@ -126,10 +126,10 @@ constexpr DateWord Words[] = {
     {u"junio", Meaning::Month, 6},
     {u"julio", Meaning::Month, 7},
     {u"agosto", Meaning::Month, 8},
-    {u"ago", Meaning::Month, 8},
+    {u"ago", Meaning::WeakMonth, 8},
     {u"septiembre", Meaning::Month, 9},
     {u"setiembre", Meaning::Month, 9},
-    {u"set", Meaning::Month, 9},
+    {u"set", Meaning::WeakMonth, 9},
     {u"octubre", Meaning::Month, 10},
     {u"noviembre", Meaning::Month, 11},
     {u"diciembre", Meaning::Month, 12},
@@ -149,11 +149,11 @@ constexpr DateWord Words[] = {
 
     // Italian
     {u"gennaio", Meaning::Month, 1},
-    {u"gen", Meaning::Month, 1},
+    {u"gen", Meaning::WeakMonth, 1},
     {u"febbraio", Meaning::Month, 2},
     {u"aprile", Meaning::Month, 4},
     {u"maggio", Meaning::Month, 5},
-    {u"mag", Meaning::Month, 5},
+    {u"mag", Meaning::WeakMonth, 5},
     {u"giugno", Meaning::Month, 6},
     {u"giu", Meaning::Month, 6},
     {u"luglio", Meaning::Month, 7},
@@ -180,7 +180,7 @@ constexpr DateWord Words[] = {
     {u"julho", Meaning::Month, 7},
     {u"setembro", Meaning::Month, 9},
     {u"outubro", Meaning::Month, 10},
-    {u"out", Meaning::Month, 10},
+    {u"out", Meaning::WeakMonth, 10},
     {u"novembro", Meaning::Month, 11},
     {u"dezembro", Meaning::Month, 12},
     {u"segunda", Meaning::Weekday, 1},
@@ -349,6 +349,8 @@ constexpr DateWord Words[] = {
     {u"\u00ba", Meaning::Suffix, 0},
 
     // Words without weight
+    {u"ad", Meaning::Era, 0},
+    {u"ce", Meaning::Era, 0},
     {u"the", Meaning::Filler, 0},
     {u"of", Meaning::Filler, 0},
     {u"at", Meaning::Filler, 0},
@@ -366,7 +368,7 @@ constexpr DateWord Words[] = {
     {u"am", Meaning::Filler, 0},
     {u"um", Meaning::Filler, 0},
 };
-static_assert(std::size(Words) == 326);
+static_assert(std::size(Words) == 328);
 
 /// The rows by their names, so that a word is found by halving.
 constexpr auto SortedWords = [] {

@@ -9,6 +9,7 @@ namespace velmo::detail {
 
 enum class Meaning : std::uint8_t {
     Month,        ///< 1 to 12
+    WeakMonth,    ///< the same, but an English word too: a month in a whole date only
     Weekday,      ///< 0 is Sunday
     Meridiem,     ///< hours that it adds: 0 or 12
     NamedHour,    ///< noon and midnight: 12 and 0
@@ -26,10 +27,11 @@ enum class Meaning : std::uint8_t {
     Before,
     Last,
     Next,
-    EarlyMeridiem,  ///< the same before the hour
+    EarlyMeridiem,  ///< as Meridiem, before the hour
     DatePart,       ///< behind a year, a month or a day: 0, 1 or 2
     HourMark,       ///< behind hours: 10 Uhr, 10h30
     TimeMark,       ///< between day and time: T
+    Era,            ///< behind a year: AD
     Filler,         ///< has no weight
 };
 

@@ -83,6 +83,7 @@ private:
     /// In dates that are joined by dashes: whether the year comes first.
     bool isYearFirst() const { return text_.find(u'-') == 4; }
 
+    // The last one that is tried leaves the result, or none.
     bool attempt(const char* format) { return attempt(text_, format); }
     bool attempt(View text, const char* format) {
         result_ = dateWithString(text, format, options_);
@@ -131,7 +132,7 @@ private:
             readOthers();
     }
 
-    /// Two colons.
+    /// Two colons. Letters tell the long form with a weekday from plain numbers.
     void readTimed() {
         useEnglishMonths();
         if (attempt(MailFormat)) return;

@@ -5,6 +5,8 @@
 namespace velmo::detail {
 namespace {
 
+// clang-format off: one row a line
+
 constexpr DocumentMonth Months[] = {
     {u"January", 1},   {u"Januar", 1}, {u"Jan", 1},       {u"February", 2},  {u"Februar", 2},
     {u"Feb", 2},       {u"March", 3},  {u"Maerz", 3},     {u"M\u00e4rz", 3}, {u"Mar", 3},
@@ -15,6 +17,8 @@ constexpr DocumentMonth Months[] = {
     {u"Dezember", 12}, {u"Dec", 12},
 };
 static_assert(std::size(Months) == 32);
+
+// clang-format on
 
 }  // namespace
 

@@ -97,10 +97,7 @@ private:
     }
 
     bool setDay(std::chrono::sys_days day) {
-        const std::chrono::year_month_day date(day);
-        fields_.year = static_cast<int>(date.year());
-        fields_.month = static_cast<int>(static_cast<unsigned>(date.month()));
-        fields_.day = static_cast<int>(static_cast<unsigned>(date.day()));
+        fields_.setDay(std::chrono::year_month_day(day));
         return true;
     }
 
@@ -133,7 +130,7 @@ private:
         return true;
     }
 
-    /// Of the last part, whatever it is.
+    /// Of the last part, whatever it is: half a minute is 30 seconds.
     bool readFraction() {
         if (ascii::isDigit(text_.peek())) return false;
         if (!text_.takeOneOf(u".,")) return true;

@@ -5,6 +5,7 @@
 // its own, which is asked first.
 #include <velmocore/readers/NaturalDates.h>
 
+#include "platform/CalendarYears.h"
 #include "readers/DateFields.h"
 #include "readers/DateTokens.h"
 #include "readers/NaturalReading.h"
@@ -22,8 +23,9 @@ public:
     std::optional<Date> read() {
         if (!tokens_.cut(text_)) return {};
         while (next_ < tokens_.size())
-            if (!readPart()) return {};
-        return relative_ ? relativeDate() : hasDay() ? dayDate() : timeOfToday();
+            if (!readPart() || isRefused_) return {};
+        if (hasWholeDay() && !relative_) return dateOf(fields_, zone());
+        return isInCalendar(now()) ? dateFromPresent() : std::nullopt;
     }
 
 private:
@@ -34,13 +36,18 @@ private:
         next_ += count;
         return true;
     }
+    /// For what is read in part and is not in order: no other reader may go on from there.
+    bool refuse() {
+        isRefused_ = true;
+        return false;
+    }
     bool isLast() const { return next_ + 1 >= tokens_.size(); }
 
     bool readPart() {
         switch (peek().kind) {
             case DateToken::Kind::Number:
-                return readNamedPart() || readTime() || readHour() || readAgo() || readJoined() ||
-                       readYearAndMonth() || readNumber();
+                return readNamedPart() || readTime() || readHour() || readRelative() ||
+                       readJoined() || readYearAndMonth() || readNumber();
             case DateToken::Kind::Word:
                 return readRelative() || readName() || readZone();
             case DateToken::Kind::Mark:
@@ -59,9 +66,8 @@ private:
         fields_.hour = peek().value;
         fields_.minute = peek(2).value;
         take(3);
-        if (!(hasColon && readSeconds()) && !isLong) return false;
-        if (peek().isMark(u':')) return false;
-        return setTime();
+        if (!(hasColon && readSeconds()) && !isLong) return refuse();
+        return peek().isMark(u':') ? refuse() : setTime();
     }
     bool isDottedTime() const {
         const DateToken& behind = peek(3);
@@ -103,20 +109,22 @@ private:
     bool setTime() {
         if (peek().as(Meaning::HourMark)) take(1);
         hasTime_ = true;
+        if (const DateWord* const named = peek().as(Meaning::NamedHour))
+            return fields_.hour == 12 ? setNamedHour(named->value, 1) : refuse();
         const DateWord* const half = peek().as(Meaning::Meridiem);
         if (!half) return true;
-        if (fields_.hour < 1 || fields_.hour > 12) return false;
-        fields_.hour = fields_.hour % 12 + half->value;
-        return hasClearTime_ = take(1);
+        return setHalf(half->value) && (hasClearTime_ = take(1));
+    }
+    bool setHalf(int half) {
+        if (fields_.hour < 1 || fields_.hour > 12) return refuse();
+        fields_.hour = fields_.hour % 12 + half;
+        return true;
     }
 
     /// A time behind the half of the day.
     bool readTimeOf(int half) {
         take(1);
-        if (!peek().isNumber() || !readTime() || fields_.hour < 1 || fields_.hour > 12)
-            return false;
-        fields_.hour = fields_.hour % 12 + half;
-        return true;
+        return readTime() && setHalf(half);
     }
 
     // Days.
@@ -152,9 +160,11 @@ private:
     bool setDayFirst(int year, int a, int b) {
         return b <= 12 ? setDay(year, b, a) : setDay(year, a, b);
     }
-    /// Three numbers of two digits: the year is last, behind dashes first.
+    /// Three numbers of two digits: the year is last, behind dashes first. Behind slashes the others
+    /// may be shorter.
     bool setShortYear(const DateToken& a, const DateToken& b, const DateToken& c) {
-        if (a.digits != 2 || b.digits != 2 || c.digits != 2) return false;
+        const std::size_t least = peek(1).isMark(u'/') ? 1 : 2;
+        if (!a.isShort() || a.digits < least || b.digits < least || c.digits != 2) return false;
         return peek(1).isMark(u'-') ? setDay(yearOfTwoDigits(a.value), b.value, c.value)
                                     : setDayFirst(yearOfTwoDigits(c.value), a.value, b.value);
     }
@@ -206,11 +216,18 @@ private:
         return hasMonth_ = take(1);
     }
 
+    static const DateWord* monthOf(const DateToken& token) {
+        const DateWord* const month = token.as(Meaning::Month);
+        return month ? month : token.as(Meaning::WeakMonth);
+    }
+
     /// A word that has a meaning by itself.
     bool readName() {
         const DateToken& word = peek();
-        if (const DateWord* const month = word.as(Meaning::Month); month && setMonth(month->value))
+        if (const DateWord* const month = monthOf(word); month && setMonth(month->value)) {
+            isWeakMonth_ = month->meaning == Meaning::WeakMonth;
             return true;
+        }
         if (const DateWord* const hour = word.as(Meaning::NamedHour); hour && !hasTime_)
             return setNamedHour(hour->value, 1);
         if (const DateWord* const half = word.as(Meaning::EarlyMeridiem))
@@ -223,6 +240,7 @@ private:
 
     /// Words without weight stand before something. A zone may be spelt like one (AT).
     bool readFiller() {
+        if (fields_.year && peek().as(Meaning::Era)) return take(1);
         if (isLast() || peek(1).kind == DateToken::Kind::Mark) return false;
         const bool joinsTime =
             peek().as(Meaning::TimeMark) && peek().isGlued && peek(1).isShort() && peek(1).isGlued;
@@ -234,18 +252,21 @@ private:
         if (!before()) return false;
         const bool isInside = mark.isGlued && peek(1).isGlued;
         if (mark.isMark(u',')) return take(1);
+        if (isInside && mark.isMarkOf(u"-/.") && joinsMonth()) return take(1);
+        if (!mark.isGlued && mark.isMark(u'-') && hasDay()) return take(1) && readTime();
+        if (!mark.isGlued && mark.isMark(u'@') && hasDay() && !isLast()) return take(1);
         if (mark.isMark(u'.')) return mark.isGlued && isAbbreviated(*before()) && take(1);
-        if (mark.isMark(u'-') && !mark.isGlued && hasDay() && !hasTime_)
-            return take(1) && readTime();
-        if (mark.isMarkOf(u"-/")) return isInside && joinsMonth() && take(1);
         return mark.isMarkOf(u"'\u2019") && readApostrophe();
     }
     /// Names are, and days: 3. Februar.
     bool isAbbreviated(const DateToken& token) const {
         return token.isWord() || (token.isShort() && !peek(1).isNumber());
     }
-    /// 3-Feb-2001
-    bool joinsMonth() const { return before()->as(Meaning::Month) || peek(1).as(Meaning::Month); }
+    /// 3-Feb-2001, Feb-3-2001
+    bool joinsMonth() const {
+        if (monthOf(*before()) || monthOf(peek(1))) return true;
+        return next_ >= 3 && tokens_[next_ - 2].isMark(peek().mark) && monthOf(tokens_[next_ - 3]);
+    }
     /// '01
     bool readApostrophe() {
         const DateToken& year = peek(1);
@@ -282,80 +303,10 @@ private:
 
     bool readRelative() {
         if (relative_) return false;
-        const DateToken& word = peek();
-        if (const DateWord* const day = word.as(Meaning::RelativeDay))
-            return setDays(day->value, 1);
-        if (word.as(Meaning::Now)) return setRelative({}, 1);
-        if (word.as(Meaning::Last)) return readLastOrNext(-1);
-        if (word.as(Meaning::Next)) return readLastOrNext(1);
-        if (word.as(Meaning::In)) return readCount(1, 1) && take(1);
-        return readDayAround() || readAgo();
-    }
-
-    bool setRelative(RelativeTime time, std::size_t tokens) {
-        relative_ = time;
-        return take(tokens);
-    }
-    bool setDays(int days, std::size_t tokens) {
-        return setRelative({.isWholeDay = true, .days = days}, tokens);
-    }
-
-    /// last Monday, next week
-    bool readLastOrNext(int direction) {
-        if (const DateWord* const weekday = peek(1).as(Meaning::Weekday)) {
-            const std::chrono::weekday day(static_cast<unsigned>(weekday->value));
-            return setDays(direction < 0 ? daysToLast(day, here()) : daysToNext(day, here()), 2);
-        }
-        return setUnits(peek(1), direction) && take(2);
-    }
-
-    /// (the) day before yesterday, (the) day after tomorrow
-    bool readDayAround() {
-        const std::size_t start = peek().as(Meaning::Filler) ? 1 : 0;
-        if (!isDayUnit(peek(start))) return false;
-        const DateWord* const day = peek(start + 2).as(Meaning::RelativeDay);
-        if (!day || day->value == 0) return false;
-        if (!peek(start + 1).as(day->value < 0 ? Meaning::Before : Meaning::After)) return false;
-        return setDays(2 * day->value, start + 3);
-    }
-    static bool isDayUnit(const DateToken& token) {
-        const DateWord* const unit = token.as(Meaning::Seconds);
-        return unit && unit->value == SecondsOfDay;
-    }
-
-    /// 3 days ago, 2 weeks from now, 2 weeks from today
-    bool readAgo() {
-        if (relative_) return false;
-        if (peek(2).as(Meaning::Ago)) return readCount(0, -1) && take(1);
-        return peek(2).as(Meaning::From) && isPresent(peek(3)) && readCount(0, 1) && take(2);
-    }
-    static bool isPresent(const DateToken& token) {
-        const DateWord* const day = token.as(Meaning::RelativeDay);
-        return token.as(Meaning::Now) || (day && day->value == 0);
-    }
-
-    /// A count and a unit.
-    bool readCount(std::size_t ahead, int direction) {
-        const DateToken& count = peek(ahead);
-        const DateWord* const word = count.as(Meaning::Count);
-        if (!word && (!count.isNumber() || count.digits > 4)) return false;
-        return setUnits(peek(ahead + 1), direction * (word ? word->value : count.value)) && take(2);
-    }
-
-    bool setUnits(const DateToken& unit, int count) {
-        RelativeTime time;
-        if (const DateWord* const months = unit.as(Meaning::Months)) {
-            time.months = months->value * count;
-        } else if (const DateWord* const seconds = unit.as(Meaning::Seconds)) {
-            const bool isDays = seconds->value >= SecondsOfDay;
-            if (isDays)
-                time.days = seconds->value / SecondsOfDay * count;
-            else
-                time.seconds = std::int64_t{seconds->value} * count;
-        } else {
-            return false;
-        }
-        return setRelative(time, 0);
+        const auto phrase = relativePhraseAt(tokens_, next_);
+        if (!phrase) return false;
+        relative_ = phrase->time;
+        return take(phrase->tokens);
     }
 
     // What the slots come to.
@@ -369,10 +320,17 @@ private:
         return isThere ? TimeZone::named(u"Asia/Seoul").value_or(options_.zone) : options_.zone;
     }
 
+    /// What lacks something is filled from the present.
+    std::optional<Date> dateFromPresent() {
+        if (relative_) return relativeDate();
+        return hasDay() ? dayOfYear() : timeOfToday();
+    }
+
     std::optional<Date> relativeDate() {
         if (hasDay() || hasWeekday_ || (hasTime_ && relative_->seconds)) return {};
-        if (!hasTime_) return relative_->from(now(), options_.zone);
-        return atTimeOn(relative_->dayFrom(here()));
+        if (hasTime_) return atTimeOn(relative_->dayFrom(here()));
+        const Date date = relative_->from(now(), options_.zone);
+        return isInCalendar(date) ? std::optional(date) : std::nullopt;
     }
 
     std::optional<Date> timeOfToday() {
@@ -381,16 +339,14 @@ private:
     }
 
     std::optional<Date> atTimeOn(std::chrono::local_days day) {
-        const std::chrono::year_month_day date(day);
-        setDay(static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
-               static_cast<int>(static_cast<unsigned>(date.day())));
+        fields_.setDay(std::chrono::year_month_day(day));
         return dateOf(fields_, options_.zone);
     }
 
     /// A year alone is no date, nor is a day; a month is one with either.
-    std::optional<Date> dayDate() {
-        if (!hasMonth_) return {};
-        if (!fields_.year && !hasDayOfMonth_ && !reading_.monthAlone) return {};
+    std::optional<Date> dayOfYear() {
+        if (!hasMonth_ || isWeakMonth_ || !(fields_.year || hasDayOfMonth_ || reading_.monthAlone))
+            return {};
         if (!fields_.year) {
             const auto today = std::chrono::floor<std::chrono::days>(here());
             fields_.year = static_cast<int>(std::chrono::year_month_day(today).year());
@@ -398,15 +354,15 @@ private:
         return dateOf(fields_, zone());
     }
 
-    static constexpr int SecondsOfDay = 86400;
-
     std::u16string_view text_;
     const DateOptions& options_;
     const NaturalReading reading_;
     DateTokens tokens_;
     std::size_t next_ = 0;
+    bool isRefused_ = false;
     DateFields fields_;
     bool hasMonth_ = false, hasDayOfMonth_ = false, hasWeekday_ = false;
+    bool isWeakMonth_ = false;
     bool hasTime_ = false;
     bool hasClearTime_ = false;  // one that is nothing but a time: 10 pm, noon
     std::optional<RelativeTime> relative_;

@@ -14,10 +14,18 @@ local_days withMonthsAdded(local_days day, int months) {
     return local_days(date);
 }
 
+/// Days to the nearest such weekday that is not today.
+std::chrono::days daysTo(std::chrono::weekday weekday, int direction, local_days today) {
+    const std::chrono::weekday now(today);
+    const std::chrono::days days = direction < 0 ? now - weekday : weekday - now;
+    return direction * (days.count() == 0 ? std::chrono::days(7) : days);
+}
+
 }  // namespace
 
-std::chrono::local_days RelativeTime::dayFrom(LocalTime present) const {
-    return withMonthsAdded(dayOf(present), months) + std::chrono::days(days);
+local_days RelativeTime::dayFrom(LocalTime present) const {
+    const local_days day = withMonthsAdded(dayOf(present), months) + std::chrono::days(days);
+    return weekday ? day + daysTo(*weekday, direction, day) : day;
 }
 
 Date RelativeTime::from(Date present, const TimeZone& zone) const {
@@ -28,15 +36,6 @@ Date RelativeTime::from(Date present, const TimeZone& zone) const {
     const bool keepsDay = months == 0 && days == 0;
     const Date start = keepsDay ? present : zone.instantOf(day + (local - dayOf(local)));
     return start + std::chrono::seconds(seconds);
-}
-
-int daysToNext(std::chrono::weekday weekday, LocalTime present) {
-    const auto days = (weekday - std::chrono::weekday(dayOf(present))).count();
-    return static_cast<int>(days == 0 ? 7 : days);
-}
-
-int daysToLast(std::chrono::weekday weekday, LocalTime present) {
-    return daysToNext(weekday, present) - 7 - (daysToNext(weekday, present) == 7 ? 7 : 0);
 }
 
 }  // namespace velmo::detail

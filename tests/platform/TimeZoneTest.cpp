@@ -61,7 +61,7 @@ TEST(TimeZone, NamesAreAbbreviationsOffsetsAndPlaces) {
     for (const auto& [name, minutes] : cases) {
         const auto zone = TimeZone::named(name);
         ASSERT_EQ(zone.has_value(), minutes != -1) << String(name);
-        if (zone) EXPECT_EQ(zone->offsetAt(instant(2010, 7, 1)), minutes * 1min) << String(name);
+        if (zone) { EXPECT_EQ(zone->offsetAt(instant(2010, 7, 1)), minutes * 1min) << String(name); }
     }
     EXPECT_FALSE(TimeZone::named(std::u16string(1 << 20, u'A')));
 }

@@ -94,7 +94,8 @@ TEST(CalendarFormat, LeavesTheRestUnlessOffsetsAreAskedFor) {
 /// Every instant is written by the C library and read back.
 TEST(CalendarFormat, ReadsWhatTheCLibraryWrites) {
     std::mt19937_64 random(1);
-    const char* const formats[] = {"%a, %d %b %Y %H:%M:%S %Z", "%A, %d-%B-%Y %H:%M:%S", "%Y%m%d%H%M%S", "%Y/%m/%d %H.%M.%S"};
+    const char* const formats[] = {"%a, %d %b %Y %H:%M:%S %Z", "%A, %d-%B-%Y %H:%M:%S", "%Y%m%d%H%M%S",
+                                   "%Y/%m/%d %H.%M.%S"};
     for (int i = 0; i < 4000; ++i) {
         const auto instant = static_cast<std::time_t>(random() % 300'000'000'000u) - 60'000'000'000;
         std::tm fields{};

@@ -1,6 +1,8 @@
 // Natural language: what is read, what is refused, and that no text can be read in two ways.
 #include <velmocore/readers/NaturalDates.h>
 
+#include <limits>
+
 #include "readers/ReaderTestSupport.h"
 
 namespace velmo {
@@ -86,20 +88,48 @@ TEST(NaturalDates, MailAndUnix) {
 }
 
 TEST(NaturalDates, DaysInManyLanguages) {
-    for (const View text :
-         {View(u"3 February 2001"), View(u"Feb 3, 2001"), View(u"February 3rd, 2001"), View(u"the 3rd of February 2001"),
-          View(u"Feb. 3 '01"), View(u"third of February, 2001"), View(u"2001 February 3"), View(u"3-Feb-2001"),
-          View(u"03/Feb/2001"), View(u"3. Februar 2001"), View(u"Samstag, den 3. Feb. 2001"), View(u"le 3 f\u00E9vrier 2001"),
-          View(u"3 de febrero de 2001"), View(u"sabato 3 febbraio 2001"), View(u"3 de fevereiro de 2001"),
-          View(u"zaterdag 3 februari 2001"), View(u"\u03A3\u03B1\u03B2, 03 \u03A6\u03B5\u03B2 2001"), View(u"2001-febru\u00E1r-03"),
-          View(u"2001\u5E742\u67083\u65E5"), View(u"3/2/2001"), View(u"3.2.2001"), View(u"3-2-2001"), View(u"2001/2/3"),
-          View(u"03/02/01"), View(u"03.02.01"), View(u"3 Feb"), View(u"February 3")})
+    for (const View text : {View(u"3 February 2001"),
+                            View(u"Feb 3, 2001"),
+                            View(u"February 3rd, 2001"),
+                            View(u"the 3rd of February 2001"),
+                            View(u"Feb. 3 '01"),
+                            View(u"third of February, 2001"),
+                            View(u"2001 February 3"),
+                            View(u"3-Feb-2001"),
+                            View(u"03/Feb/2001"),
+                            View(u"3. Februar 2001"),
+                            View(u"Samstag, den 3. Feb. 2001"),
+                            View(u"le 3 f\u00E9vrier 2001"),
+                            View(u"3 de febrero de 2001"),
+                            View(u"sabato 3 febbraio 2001"),
+                            View(u"3 de fevereiro de 2001"),
+                            View(u"zaterdag 3 februari 2001"),
+                            View(u"\u03A3\u03B1\u03B2, 03 \u03A6\u03B5\u03B2 2001"),
+                            View(u"2001-febru\u00E1r-03"),
+                            View(u"2001\u5E742\u67083\u65E5"),
+                            View(u"3/2/2001"),
+                            View(u"3.2.2001"),
+                            View(u"3-2-2001"),
+                            View(u"2001/2/3"),
+                            View(u"03/02/01"),
+                            View(u"3/2/01"),
+                            View(u"Feb-03-2001"),
+                            View(u"Feb.3.2001"),
+                            View(u"3.Feb.2001"),
+                            View(u"February 3, 2001 AD"),
+                            View(u"03.02.01"),
+                            View(u"3 Feb"),
+                            View(u"February 3")})
         EXPECT_EQ(read(text), "2001-02-03T00:00:00Z") << String(text);
     check({
-        {u"5 M\u00E4rz 2001", "2001-03-05T00:00:00Z"},   {u"5 ao\u00FBt 2001", "2001-08-05T00:00:00Z"},
-        {u"5 mar\u00E7o 2001", "2001-03-05T00:00:00Z"}, {u"5 ago 2001", "2001-08-05T00:00:00Z"},
-        {u"February 2001", "2001-02-01T00:00:00Z"},     {u"2/2001", "2001-02-01T00:00:00Z"},
-        {u"February", "none"},                          {u"2/13/2001", "2001-02-13T00:00:00Z"},
+        {u"5 M\u00E4rz 2001", "2001-03-05T00:00:00Z"},
+        {u"5 ao\u00FBt 2001", "2001-08-05T00:00:00Z"},
+        {u"5 mar\u00E7o 2001", "2001-03-05T00:00:00Z"},
+        {u"5 ago 2001", "2001-08-05T00:00:00Z"},
+        {u"February 2001", "2001-02-01T00:00:00Z"},
+        {u"2/2001", "2001-02-01T00:00:00Z"},
+        {u"February", "none"},
+        {u"2/13/2001", "2001-02-13T00:00:00Z"},
     });
 }
 
@@ -115,7 +145,9 @@ TEST(NaturalDates, Times) {
         {u"Feb 3 2001, 5 o'clock", "2001-02-03T05:00:00Z"},
         {u"noon, Feb 3 2001", "2001-02-03T12:00:00Z"},
         {u"Feb 3 2001 midnight", "2001-02-03T00:00:00Z"},
+        {u"Feb 3 2001 12:00 noon", "2001-02-03T12:00:00Z"},
         {u"3. Februar 2001 - 10:11", "2001-02-03T10:11:00Z"},
+        {u"February 3, 2001 @ 10:11 pm", "2001-02-03T22:11:00Z"},
         {u"10:11 03.02.2001", "2001-02-03T10:11:00Z"},
         {u"noon", "2001-02-03T12:00:00Z"},
         {u"5 pm", "2001-02-03T17:00:00Z"},
@@ -163,15 +195,80 @@ TEST(NaturalDates, RelativeTime) {
     EXPECT_EQ(at(981194400, u"today", u"Asia/Tokyo"), "2001-02-02T15:00:00Z");
 }
 
+/// A present that no calendar knows leaves only what needs none.
+TEST(NaturalDates, WildPresents) {
+    for (const double wild : {1e300, -1e300, std::numeric_limits<double>::quiet_NaN()}) {
+        const DateOptions options{.zone = {}, .now = Date(std::chrono::duration<double>(wild))};
+        for (const View text :
+             {View(u"today"), View(u"3 Feb"), View(u"noon"), View(u"last Monday at noon"), View(u"in 2 hours")})
+            EXPECT_FALSE(dateWithNaturalLanguageString(text, options)) << String(text);
+        EXPECT_EQ(iso(dateWithNaturalLanguageString(u"3 Feb 2001", options)), "2001-02-03T00:00:00Z");
+    }
+}
+
 TEST(NaturalDates, RefusesWhatIsNoDateOrCouldBeTwo) {
-    for (const char16_t* text :
-         {u"", u" ", u"42", u"2001", u"12345", u"1136214245", u"1.2.3", u"10.2.1", u"1.2.3.4", u"192.168.0.1", u"v2.3",
-          u"version 2.3", u"$19.99", u"19.99 EUR", u"EUR 5", u"3/4", u"24/7", u"1/2", u"555-1234", u"2001-2002", u"1995-96",
-          u"May the force be with you", u"The meeting was yesterday", u"on March with", u"a", u"in", u"at", u"the", u"5th",
-          u"Jan 5-7, 2001", u"5-7 Jan 2001", u"Jan-Feb 2001", u"5 Jan 2001-03", u"2001-02-03 - 2001-02-05",
-          u"5 Jan 2001 and 6 Jan 2001", u"5 5 2001", u"2001 5 5", u"1 2 3", u"Jan 2001 2002", u"Jan Feb 5", u"5 Jan 6",
-          u"Jan 1.5", u"Q1 2001", u"Spring 2001", u"-5 January", u"5 January at", u"29 February 2001", u"0 May 2001",
-          u"Jan 5 0000", u"12:30:15 2001", u"10:30", u"1,234", u"5 Jan 20001", u"Saturday Sunday 5 Jan"})
+    for (const char16_t* text : {u"",
+                                 u" ",
+                                 u"42",
+                                 u"2001",
+                                 u"12345",
+                                 u"1136214245",
+                                 u"1.2.3",
+                                 u"10.2.1",
+                                 u"1.2.3.4",
+                                 u"192.168.0.1",
+                                 u"v2.3",
+                                 u"version 2.3",
+                                 u"$19.99",
+                                 u"19.99 EUR",
+                                 u"EUR 5",
+                                 u"3/4",
+                                 u"24/7",
+                                 u"1/2",
+                                 u"555-1234",
+                                 u"2001-2002",
+                                 u"1995-96",
+                                 u"May the force be with you",
+                                 u"The meeting was yesterday",
+                                 u"on March with",
+                                 u"a",
+                                 u"in",
+                                 u"at",
+                                 u"the",
+                                 u"5th",
+                                 u"Jan 5-7, 2001",
+                                 u"5-7 Jan 2001",
+                                 u"Jan-Feb 2001",
+                                 u"5 Jan 2001-03",
+                                 u"2001-02-03 - 2001-02-05",
+                                 u"5 Jan 2001 and 6 Jan 2001",
+                                 u"5 5 2001",
+                                 u"2001 5 5",
+                                 u"1 2 3",
+                                 u"Jan 2001 2002",
+                                 u"Jan Feb 5",
+                                 u"5 Jan 6",
+                                 u"Jan 1.5",
+                                 u"Q1 2001",
+                                 u"set 5",
+                                 u"out 2001",
+                                 u"Feb-3-4",
+                                 u"Spring 2001",
+                                 u"-5 January",
+                                 u"5 January at",
+                                 u"29 February 2001",
+                                 u"0 May 2001",
+                                 u"Jan 5 0000",
+                                 u"12:30:15 2001",
+                                 u"1:2 5 pm",
+                                 u"1:2:3:4 pm",
+                                 u"13:00 pm",
+                                 u"11:00 noon, 5 Jan 2001",
+                                 u"9999 years ago",
+                                 u"10:30",
+                                 u"1,234",
+                                 u"5 Jan 20001",
+                                 u"Saturday Sunday 5 Jan"})
         EXPECT_EQ(read(text), "none") << String(text);
 }
 
@@ -179,11 +276,12 @@ TEST(NaturalDates, RefusesWhatIsNoDateOrCouldBeTwo) {
 /// date than its neighbour with blanks doubled, and none that goes on with junk is one.
 TEST(NaturalDates, RandomPartsAreReadInOneWay) {
     const auto parts = wordsOf(
-        u"3 03 13 2001 Feb February sat 10:11 10:11:12 pm noon GMT +0100 -05:00 , . - / ' of the T Z st at yesterday ago in "
+        u"3 03 13 2001 Feb February sat 10:11 10:11:12 pm noon GMT +0100 -05:00 , . - / ' of the T Z st at yesterday "
+        u"ago in "
         u"days W05 034 5th \uB144");
     std::mt19937 random(5);
     int dates = 0;
-    for (int i = 0; i < 200'000; ++i) {
+    for (int i = 0; i < 50'000; ++i) {
         std::u16string text, wide;
         for (std::size_t left = 1 + random() % 6; left > 0; --left) {
             const std::u16string blank(random() % 2, u' ');
@@ -195,7 +293,7 @@ TEST(NaturalDates, RandomPartsAreReadInOneWay) {
         EXPECT_EQ(read(text + u" zyx"), "none") << String(text);
         dates += date != "none";
     }
-    EXPECT_GT(dates, 2000);
+    EXPECT_GT(dates, 500);
 }
 
 }  // namespace

@@ -27,8 +27,8 @@ namespace velmo {
 /// for one without a year. A month, day or time that the format does not have is the first. The
 /// time is that of the format, however long the text is.
 ///
-///     dateWithString(u"Sun, 06 Nov 1994", "%a, %d %b %Y", {.zone = {}}) == Date(784080000s);  // true
-///     dateWithString(u"31.04.2001", "%d.%m.%Y").has_value();                                  // false
+///     stringInISO8601(*dateWithString(u"3.2.01", "%d.%m.%y", {.zone = {}}));    // 2001-02-03T00:00:00Z
+///     dateWithString(u"31.04.2001", "%d.%m.%Y").has_value();    // false
 [[nodiscard]] VELMO_API std::optional<Date> dateWithString(std::u16string_view text,
                                                            std::string_view calendarFormat,
                                                            const DateOptions& options = {});

@@ -26,15 +26,15 @@ namespace velmo {
 ///
 /// Logs "Unknown date: " and the string if it is none.
 ///
-///     date(u"2001-02-03 10:11:12", {.zone = {}}) == Date(981195072s);      // true
-///     date(u"3. Februar 2001", {.zone = {}}) == Date(981158400s);         // true
-///     date(u"1.2.3").has_value();                                         // false
+///     stringInISO8601(*date(u"2001-02-03 10:11:12", {.zone = {}}));    // 2001-02-03T10:11:12Z
+///     stringInISO8601(*date(u"3. Februar 2001", {.zone = {}}));        // 2001-02-03T00:00:00Z
+///     date(u"1.2.3").has_value();                                      // false
 [[nodiscard]] VELMO_API std::optional<Date> date(std::u16string_view string,
                                                  const DateOptions& options = {});
 
 /// The date of an HTTP header, in any of its three formats.
 ///
-///     dateFromHTTPHeaderValue(u"Sun, 06 Nov 1994 08:49:37 GMT") == Date(784111777s);    // true
+///     dateFromHTTPHeaderValue(u"Thu, 01 Jan 1970 00:00:00 GMT") == Date{};    // true
 [[nodiscard]] VELMO_API std::optional<Date> dateFromHTTPHeaderValue(
     std::u16string_view value, const DateOptions& options = {});
 

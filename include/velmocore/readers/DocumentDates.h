@@ -20,7 +20,8 @@ namespace velmo {
 /// asked of what stands between, but a day or month of one digit is none.
 ///
 ///     const DateOptions there = {.zone = {}};
-///     documentDateByValidatingSeparation(u"Hamburg, 3. Februar 2001.", true, there) == Date(981158400s);    // true
+///     auto printed = documentDateByValidatingSeparation(u"Hamburg, 3. Februar 2001.", true, there);
+///     stringInISO8601(*printed);    // 2001-02-03T00:00:00Z
 ///     documentDateByValidatingSeparation(u"Pages 3, 2 and 2001", true, there).has_value();    // false
 [[nodiscard]] VELMO_API std::optional<Date> documentDateByValidatingSeparation(
     std::u16string_view text, bool validate, const DateOptions& options = {});

@@ -18,7 +18,7 @@ namespace velmo {
 ///   (00 to 69 for 2000 to 2069), commas, full names, zones by name or offset
 /// - the output of Unix programs: Sat Feb 3 10:11:12 CET 2001
 /// - days with the month's name, also in German, French, Spanish, Italian, Portuguese, Dutch,
-///   Greek and Hungarian: 3 February 2001, Feb 3rd, February 2001, le 3 mars 2001
+///   Greek, Hungarian and Korean: 3 February 2001, Feb 3rd, February 2001, le 3 mars 2001
 /// - numbers joined by slashes, dashes or dots with a year of four digits, or two of two digits
 /// - times of 12 and 24 hours, noon, midnight
 /// - today, yesterday at 5 pm, tomorrow, last Monday, next week, in 3 days, 2 weeks ago
@@ -27,10 +27,10 @@ namespace velmo {
 /// day; "last Monday" is before today, "next Monday" after it. A number alone, a version, an amount
 /// of money or a running text is no date. Strings longer than 100 units are none.
 ///
-///     const DateOptions there = {.zone = {}, .now = Date(981194400s)};    // 2001-02-03 10:00
-///     dateWithNaturalLanguageString(u"yesterday at noon", there) == Date(981115200s);    // true
-///     dateWithNaturalLanguageString(u"3rd of February, 10:00", there) == Date(981194400s);    // true
-///     dateWithNaturalLanguageString(u"version 2.3", there).has_value();    // false
+///     const DateOptions there = {.zone = {}, .now = date(u"2001-02-03 10:00", {.zone = {}})};
+///     stringInISO8601(*dateWithNaturalLanguageString(u"yesterday, noon", there));    // 2001-02-02T12:00:00Z
+///     stringInISO8601(*dateWithNaturalLanguageString(u"5th of May", there));         // 2001-05-05T00:00:00Z
+///     dateWithNaturalLanguageString(u"version 2.3", there).has_value();              // false
 [[nodiscard]] VELMO_API std::optional<Date> dateWithNaturalLanguageString(
     std::u16string_view string, const DateOptions& options = {});
 
