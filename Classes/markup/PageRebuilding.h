@@ -42,7 +42,6 @@ public:
         out_.append(units);
     }
 
-    bool isEmpty() const { return run_.empty() && out_.isEmpty(); }
     /// Whether what there is so far ends in white space. Nothing does not.
     bool endsWhite() const {
         if (!run_.empty()) return isWhite(run_.back());

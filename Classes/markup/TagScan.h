@@ -32,6 +32,7 @@ public:
 
     /// The first hit at or behind the position; null if there is none.
     const char16_t* from(const char16_t* position) {
+        // Without any hit there is none behind a later position either.
         if (!searched_ || (hit_ && hit_ < position)) {
             hit_ = find_(position);
             searched_ = true;
@@ -85,6 +86,7 @@ public:
         const char16_t* closing = closing_.from(tag + 1);
         if (!closing) return nullptr;
         // A body wrapped in a comment may hold the closing text in a string.
+        // Only up to the closing text: a comment behind it is none of this element's.
         if (const char16_t* comment = findText(tag, closing, "<!-"))
             if (const char16_t* commentEnd = commentEnd_.from(comment))
                 if (const char16_t* behind = closingBehindComment_.from(commentEnd))
@@ -157,6 +159,7 @@ private:
     }
 
     const char16_t* endOfComment(const char16_t* at) {
+        // What was opened with one hyphen closes with one.
         const bool isShort = !(end_ - at > 3 && at[3] == u'-');
         for (at += 3; (at = marks_.greater(at)) != end_; ++at) {
             if (isShort ? at[-1] == u'-'
@@ -193,6 +196,8 @@ private:
         for (;;) {
             at = marks_.equalOrGreater(at);
             if (at == end_ || *at == u'>') return at;
+            // White space may stand between the = and its value, so the next quote mark opens one
+            // too.
             if (!(++at < end_ && (*at == u'"' || *at == u'\''))) at = marks_.quoteOrGreater(at);
             if (at == end_ || *at == u'>') return at;
             at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
@@ -204,6 +209,7 @@ private:
     void findName(const char16_t* at, const char16_t* last) {
         at += *at == u'/';
         if (!ascii::isLetter(*at)) {
+            // As of <?xml and <!DOCTYPE: the name begins with the first letter.
             while (at < last && !alpha_.contains(*at)) ++at;
             if (at >= last) return;
         }

@@ -26,6 +26,7 @@ std::string demangled(const char* name) {
 }
 
 std::string callStack() {
+    // The calls that led to the scan: those of the handler are gone when its exception is caught.
     void* frames[32];
     const int count = backtrace(frames, 32);
     const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames, count),

@@ -10,10 +10,12 @@
 #include <vector>
 
 #include <velmocore/feeds/FeedRendering.h>
+#include <velmocore/markup/EditableNotes.h>
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/JSONEscapes.h>
 #include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageResources.h>
+#include <velmocore/markup/TagStripping.h>
 #include <velmocore/platform/DateFormat.h>
 #include <velmocore/platform/Log.h>
 #include <velmocore/platform/PropertyList.h>
@@ -85,6 +87,12 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         },
         [&] { return std::to_string(page.links().size() + 100 * page.images().size()); },
         [&] { return joined(std::vector<String>(htmlImages(page.markup()).size(), page.favIcon().absoluteString())); },
+        [&] { return std::to_string(page.linkThumbnails().texts.size()) + (page.isErrorPage() ? "error" : "page"); },
+        [&] {
+            return joined({page.metadata().description, page.summary().title}) +
+                   page.canonicalURL().absoluteString().utf8();
+        },
+        [&] { return stripTags(page.markup()).utf8() + formattedNote(page.markup()).utf8(); },
         [&] { return stringByConvertingEntitiesToCharacters(page.markup()).utf8(); },
         [&] { return stringByConvertingCharactersToJSON(text).utf8(); },
         [&] { return joined(wordsUsingDefaultSeparation(text)); },

@@ -64,7 +64,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 28u);
+    EXPECT_EQ(names.size(), 31u);
     for (const std::string& name : names) {
         if (name == "url") continue;
         const std::string help = run("help " + name).out;
@@ -91,6 +91,9 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
         {"feed", "feed.xml"},
+        {"thumbs", "page.html"},
+        {"meta", "page.html"},
+        {"strip", "--tags page.html"},
         {"charset", "page.html"},
         {"words", "--list notes.txt"},
         {"language", "notes.txt"},
@@ -128,7 +131,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         const std::function<void(const Json&)> check = [&](const Json& value) {
             if (!value.is_structured()) return;
             for (const auto& [name, member] : value.items()) {
-                const bool isToldWithAll = !value.is_object() || name == "file" || name == "a";
+                const bool isToldWithAll = !value.is_object() || name == "file" || name == "a" || name == "x";
                 EXPECT_TRUE(isToldWithAll || told->find("\\(dq" + name + "\\(dq") != std::string::npos)
                     << command << " " << name;
                 check(member);

@@ -19,10 +19,13 @@ Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
 Command makeLinksCommand(Session& session);
 Command makeMatchCommand(Session& session);
+Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
+Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
+Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 

@@ -31,6 +31,7 @@ void addOption(CLI::App& app, const Option& option) {
         return true;
     };
     CLI::Option* added = app.add_option(std::string(option.names), run);
+    // Called for each use and in the order of the command line, as some options are steps.
     added->trigger_on_parse()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     added->type_size(takesNext(option) ? 1 : 0);
     added->expected(takesNext(option) ? 1 : 0);
@@ -89,6 +90,7 @@ bool parseArguments(const Command& command, std::vector<std::string> arguments) 
                    })
         ->expected(-1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    // The parser takes them from the back.
     std::ranges::reverse(arguments);
     try {
         app.parse(arguments);
