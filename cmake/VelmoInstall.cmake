@@ -7,7 +7,7 @@ list(TRANSFORM VELMO_MODULES PREPEND velmo- OUTPUT_VARIABLE module_targets)
 install(TARGETS ${module_targets} velmocore EXPORT velmocore)
 install(DIRECTORY include/velmocore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY resources/ DESTINATION ${CMAKE_INSTALL_DATADIR}/velmocore
-        FILES_MATCHING PATTERN "StopWords*")
+        FILES_MATCHING PATTERN "StopWords*" PATTERN "*.feeds.stylesheet.css")
 install(EXPORT velmocore NAMESPACE velmo:: DESTINATION ${package_dir}
         FILE velmocoreTargets.cmake)
 

@@ -25,7 +25,6 @@ namespace {
 using namespace detail;
 
 using Units = std::u16string_view;
-using Traits = std::char_traits<char16_t>;
 
 /// The string forms do not look at shorter texts: no reference has less units.
 constexpr std::size_t MinReference = 4;
@@ -43,27 +42,29 @@ struct Reference {
 
 Reference plainUnit(std::size_t taken, char16_t unit) { return {taken, {unit}, 1, true}; }
 
-struct LooseForm {
-    Units text;
-    char16_t unit;
-    bool isStandard;
-};
-
-/// References that need no semicolon, nor anything else behind them.
-constexpr LooseForm LooseForms[] = {
-    {u"&apos", u'\'', false}, {u"&nbsp", u'\u00A0', false}, {u"&quot", u'"', true},
-    {u"&amp", u'&', true},    {u"&lt", u'<', true},         {u"&gt", u'>', true},
-};
-
+/// References that need no semicolon, nor anything else behind them. Those of markup come by the
+/// thousand where a text holds a page.
 Reference readLooseForm(Units text, bool convertStandard) {
-    for (const LooseForm& form : LooseForms) {
-        if (form.isStandard && !convertStandard) continue;
-        // One unit rules most forms out without a call.
-        if (text[1] != form.text[1] || !text.starts_with(form.text)) continue;
-        const std::size_t length = form.text.size();
-        return {length + (text.size() > length && text[length] == u';'), {form.unit}};
+    const auto form = [&](Units name, char16_t unit) -> Reference {
+        if (!text.starts_with(name)) return {};
+        const std::size_t length = name.size();
+        return {length + (text.size() > length && text[length] == u';'), {unit}};
+    };
+    switch (text[1]) {
+        case u'l':
+            return convertStandard ? form(u"&lt", u'<') : Reference();
+        case u'g':
+            return convertStandard ? form(u"&gt", u'>') : Reference();
+        case u'q':
+            return convertStandard ? form(u"&quot", u'"') : Reference();
+        case u'n':
+            return form(u"&nbsp", u'\u00A0');
+        case u'a':
+            if (convertStandard && text.size() > 2 && text[2] == u'm') return form(u"&amp", u'&');
+            return form(u"&apos", u'\'');
+        default:
+            return {};
     }
-    return {};
 }
 
 /// A name or a number is a run of units behind the & that the first other unit ends. The end
@@ -118,6 +119,23 @@ Reference readName(Units text) {
     return unit ? plainUnit(run.taken, unit) : Reference();
 }
 
+constexpr std::uint64_t fourUnits(Units text) {
+    return text[0] | std::uint64_t{text[1]} << 16 | std::uint64_t{text[2]} << 32 |
+           std::uint64_t{text[3]} << 48;
+}
+
+/// The references that nearly all are where a text holds a page: &lt; &gt; &quot; and &amp; as they
+/// should be. Needs six units; what is none of them is read by the others.
+Reference readCommonForm(const char16_t* text) {
+    constexpr std::uint64_t Angle = fourUnits({u"&\0t;", 4}), Second = 0xFFFF0000;
+    const std::uint64_t four = fourUnits({text, 4});
+    if ((four & ~Second) == Angle && (text[1] == u'l' || text[1] == u'g'))
+        return {4, {text[1] == u'l' ? u'<' : u'>'}};
+    if (four == fourUnits(u"&quo") && text[4] == u't' && text[5] == u';') return {6, {u'"'}};
+    if (four == fourUnits(u"&amp") && text[4] == u';') return {5, {u'&'}};
+    return {};
+}
+
 /// Reads the reference that the text, from its & on, begins with.
 Reference readReference(Units text, EntityOptions options) {
     if (text.size() < 2) return {};
@@ -127,13 +145,36 @@ Reference readReference(Units text, EntityOptions options) {
     return options.onlyNumericEntities ? Reference() : readName(text);
 }
 
-char16_t* copyPlain(const char16_t* from, const char16_t* to, char16_t* out,
-                    const ConversionTable* table) {
-    if (!table) {
-        if (from != out) Traits::move(out, from, static_cast<std::size_t>(to - from));
-        return out + (to - from);
+/// Copies what stands in front of the next & and moves to it; gives the end of the copy. Both may
+/// be parts of one array if the copy does not stand behind the original: a block is read before it
+/// is written, and is never written over what is still to be read.
+char16_t* copyPlain(const char16_t*& in, const char16_t* end, char16_t* out) {
+#if defined(__SSE2__)
+    while (end - in >= scan::BlockUnits) {
+        const __m128i block = scan::loadBlock(in);
+        if (const int mask = _mm_movemask_epi8(scan::equalTo(block, u'&'))) {
+            if (reinterpret_cast<std::uintptr_t>(in) - reinterpret_cast<std::uintptr_t>(out) <
+                sizeof(block))
+                break;
+            // What is written beyond is written over, and not read any more.
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out), block);
+            const int count = scan::firstOf(mask);
+            in += count;
+            return out + count;
+        }
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), block);
+        in += scan::BlockUnits;
+        out += scan::BlockUnits;
     }
-    while (from < to) *out++ = (*table)[*from++];
+#endif
+    while (in < end && *in != u'&') *out++ = *in++;
+    return out;
+}
+
+char16_t* copyPlain(const char16_t*& in, const char16_t* end, char16_t* out,
+                    const ConversionTable* table) {
+    if (!table) return copyPlain(in, end, out);
+    while (in < end && *in != u'&') *out++ = (*table)[*in++];
     return out;
 }
 
@@ -194,10 +235,15 @@ std::size_t convertEntities2Characters(const char16_t* source, char16_t* destina
     const char16_t* const end = in + length;
     char16_t* out = destination;
     while (in < end) {
-        const char16_t* const ampersand = scan::find(in, end, u'&');
-        out = copyPlain(in, ampersand, out, table);
-        in = ampersand;
+        out = copyPlain(in, end, out, table);
         if (in == end) break;
+        if (options.convertStandard && end - in >= 6) {
+            if (const Reference common = readCommonForm(in); common.taken) {
+                *out++ = common.units[0];
+                in += common.taken;
+                continue;
+            }
+        }
         const Reference reference = readReference({in, end}, options);
         if (!reference.taken) {
             *out++ = *in++;
@@ -230,9 +276,7 @@ std::size_t convertStdEntities2Characters(char16_t* characters, std::size_t leng
     const char16_t* const end = in + length;
     char16_t* out = characters;
     while (in < end) {
-        const char16_t* const ampersand = scan::find(in, end, u'&');
-        out = copyPlain(in, ampersand, out, nullptr);
-        in = ampersand;
+        out = copyPlain(in, end, out);
         if (in == end) break;
         const StandardForm* const form = standardFormOf({in, end});
         *out++ = form ? form->unit : u'&';

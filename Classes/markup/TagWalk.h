@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/FeedRecognition.h>
 #include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/PageMetadata.h>
@@ -65,6 +66,8 @@ private:
 
 HtmlLinks linksOf(TagWalk walk, const LinkOptions& options);
 HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
+bool isFeedOf(TagWalk walk);
+FeedCompleteness feedCompletenessOf(TagWalk walk);
 std::set<String> imagesOf(TagWalk walk);
 std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
 std::set<String> embeddedObjectsOf(TagWalk walk);

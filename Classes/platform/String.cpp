@@ -20,9 +20,16 @@ constexpr std::size_t MaxUnits = (SIZE_MAX / 2 - 64) / sizeof(char16_t);
 
 String::String(std::u16string_view units) {
     if (units.data() == nullptr) return;
-    StringBuilder builder(units.size());
-    builder.append(units);
-    *this = builder.finish();
+    if (units.empty()) {
+        *this = empty();
+        return;
+    }
+    // Most strings are made here: the block is exact, and nothing needs to be looked at again.
+    if (units.size() > MaxUnits) throw std::bad_alloc();
+    void* block = std::malloc(sizeof(Rep) + units.size() * sizeof(char16_t));
+    if (!block) throw std::bad_alloc();
+    rep_ = new (block) Rep{1, units.size()};
+    std::char_traits<char16_t>::copy(rep_->units(), units.data(), units.size());
 }
 
 String String::fromUTF8(std::string_view bytes) {

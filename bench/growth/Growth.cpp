@@ -210,7 +210,8 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
     Report result;
     for (const auto operations :
          {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
-          urlOperations(), markupOperations(), storageOperations(), readerOperations()})
+          urlOperations(), markupOperations(), feedOperations(), storageOperations(),
+          readerOperations()})
         for (const Operation& operation : operations)
             report(meter, hostile, operation, Case(meter, operation, inputs).measured(), result);
     return result;

@@ -59,6 +59,7 @@ std::span<const Operation> wordOperations();
 std::span<const Operation> queryOperations();
 std::span<const Operation> urlOperations();
 std::span<const Operation> markupOperations();
+std::span<const Operation> feedOperations();
 std::span<const Operation> storageOperations();
 std::span<const Operation> readerOperations();
 

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include <velmocore/feeds/FeedRendering.h>
 #include <velmocore/markup/EditableNotes.h>
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/JSONEscapes.h>
@@ -123,6 +124,10 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
         [&] { return dates(); },
+        [&] {
+            const String feed = u"<feed><entry><title>" + page.title() + u"</title><content>" + page.markup();
+            return stringByConvertingFeed(feed + u"</content></entry>", {.linkedStyleSheet = false}).utf8();
+        },
         [&] { return std::string(charsOf(*dataUsingEncoding(text, ISO2022JPStringEncoding, true))); },
     };
     std::vector<std::string> all(std::size(families));

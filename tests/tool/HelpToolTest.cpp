@@ -21,6 +21,8 @@ protected:
         std::filesystem::create_directories(folder_ / "site");
         std::filesystem::create_directories(folder_ / "letters");
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
+        write("feed.xml",
+              "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 /></item></rss>");
         for (const char* name : {"page.html", "site/page.html"})
             write(name, "<html><title>T</title><body>" + text + "<a href=x>link</a><img src=i>");
     }
@@ -62,7 +64,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 30u);
+    EXPECT_EQ(names.size(), 31u);
     for (const std::string& name : names) {
         if (name == "url") continue;
         const std::string help = run("help " + name).out;
@@ -88,6 +90,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"gather", "site --follow all --query cat"},
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
+        {"feed", "feed.xml"},
         {"thumbs", "page.html"},
         {"meta", "page.html"},
         {"strip", "--tags page.html"},

@@ -23,6 +23,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"gather", makeGatherCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
+        {"feed", makeFeedCommand},
         {"thumbs", makeThumbsCommand},
         {"meta", makeMetaCommand},
         {"strip", makeStripCommand},

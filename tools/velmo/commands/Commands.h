@@ -12,6 +12,7 @@ Command makeCleanCommand(Session& session);
 Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
+Command makeFeedCommand(Session& session);
 Command makeFindCommand(Session& session);
 Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);

@@ -98,6 +98,14 @@ StringEncoding encodingOfText(Bytes bytes) {
     return isUTF8(bytes) ? UTF8StringEncoding : WindowsCP1252StringEncoding;
 }
 
+/// The encoding of a page that its bytes tell before it can say anything itself.
+StringEncoding encodingOfWidePage(Bytes bytes) {
+    const ByteOrderMark mark = markOf(bytes);
+    if (mark.bytes.size() == 4) return mark.encoding;  // UTF-32, of which pages know nothing
+    if (mark.encoding != 0) return UnknownStringEncoding;
+    return encodingOfZeros(bytes.first(std::min(bytes.size(), HeadSize)));
+}
+
 /// A charset name of a page: the IANA name of what it means, or the name itself if it means
 /// nothing; absent for none.
 String nameOf(const String& charset) {
@@ -123,8 +131,8 @@ Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
         encoding = charset2NSStringEncoding(String::fromUTF8(options.charset));
     else if (kind == Kind::Text)
         encoding = encodingOfText(bytes);
-    else if (markOf(bytes).encoding == 0)
-        encoding = encodingOfZeros(Bytes(bytes).first(std::min(bytes.size(), HeadSize)));
+    else
+        encoding = encodingOfWidePage(bytes);
     if (encoding == UnknownStringEncoding) return decodedPage(std::move(bytes), options);
     return {kind, decoded(std::move(bytes), encoding), std::string(ianaName(encoding)), {}};
 }

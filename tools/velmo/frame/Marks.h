@@ -17,8 +17,8 @@ struct ByteOrderMark {
 /// The mark that bytes begin with.
 ByteOrderMark markOf(Bytes bytes);
 
-/// UTF-16 without a mark: zeros at every other place only, as of spaces and Latin letters.
-/// UnknownStringEncoding if it is not that.
+/// UTF-16 without a mark: zeros at every other place only, as of spaces and Latin letters. Also
+/// UTF-32 if all of its units are characters. UnknownStringEncoding if it is neither.
 StringEncoding encodingOfZeros(Bytes head);
 
 }  // namespace velmo::tool

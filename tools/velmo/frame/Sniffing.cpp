@@ -41,14 +41,17 @@ constexpr std::string_view Signatures[] = {
 };
 
 /// Tags that a page begins with, or that are in no other kind of text.
-constexpr std::string_view PageTags[] = {"<!doctype"sv, "<html"sv,   "<head"sv,  "<title"sv,
-                                         "<body"sv,     "<?xml"sv,   "<!--"sv,   "<meta"sv,
-                                         "<frameset"sv, "<script"sv, "<style"sv, "<base"sv};
+constexpr std::string_view PageTags[] = {"<!doctype"sv, "<html"sv,    "<head"sv,  "<title"sv,
+                                         "<body"sv,     "<?xml"sv,    "<!--"sv,   "<meta"sv,
+                                         "<frameset"sv, "<script"sv,  "<style"sv, "<base"sv,
+                                         "<rss"sv,      "<rdf:rdf"sv, "<feed"sv};
+
+constexpr StringEncoding UTF32BigEndian = 0x98000100, UTF32LittleEndian = 0x9C000100;
 
 /// The mark of UTF-32 in little-endian order begins with that of UTF-16.
 constexpr std::array<ByteOrderMark, 5> Marks = {{
-    {"\xFF\xFE\0\0"sv, 0x9C000100},
-    {"\0\0\xFE\xFF"sv, 0x98000100},
+    {"\xFF\xFE\0\0"sv, UTF32LittleEndian},
+    {"\0\0\xFE\xFF"sv, UTF32BigEndian},
     {"\xEF\xBB\xBF"sv, UTF8StringEncoding},
     {"\xFE\xFF"sv, UTF16BigEndianStringEncoding},
     {"\xFF\xFE"sv, UTF16LittleEndianStringEncoding},
@@ -61,6 +64,19 @@ bool hasZero(Bytes head) { return charsOf(head).find('\0') != std::string_view::
 
 bool isTextControl(std::uint8_t byte) {
     return (byte >= '\b' && byte <= '\r') || byte == 0x1A || byte == 0x1B;
+}
+
+/// Whether bytes are UTF-32 in an order: of all characters, none is beyond the last or no text.
+bool isUTF32(Bytes head, bool isBig) {
+    constexpr std::uint32_t LastCharacter = 0x10FFFF;
+    for (std::size_t i = 0; i + 4 <= head.size(); i += 4) {
+        std::uint32_t unit = 0;
+        for (std::size_t k = 0; k < 4; ++k) unit = unit << 8 | head[i + (isBig ? k : 3 - k)];
+        if (unit > LastCharacter ||
+            (unit < 0x20 && !isTextControl(static_cast<std::uint8_t>(unit))))
+            return false;
+    }
+    return true;
 }
 
 bool isBinary(Bytes head) {
@@ -133,6 +149,9 @@ ByteOrderMark markOf(Bytes bytes) {
 StringEncoding encodingOfZeros(Bytes head) {
     const std::size_t pairs = head.size() / 2;
     if (pairs < FewestPairs || !hasZero(head)) return UnknownStringEncoding;
+    if (pairs >= 2 * FewestPairs)
+        for (const bool isBig : {false, true})
+            if (isUTF32(head, isBig)) return isBig ? UTF32BigEndian : UTF32LittleEndian;
     std::size_t zeros[2] = {0, 0};
     for (std::size_t i = 0; i < head.size(); ++i) zeros[i % 2] += head[i] == 0;
     if ((zeros[0] == 0) == (zeros[1] == 0)) return UnknownStringEncoding;
