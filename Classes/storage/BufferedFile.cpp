@@ -35,10 +35,10 @@ bool BufferedFile::seek(std::uint64_t position) {
     return true;
 }
 
-std::uint64_t BufferedFile::size() {
+std::optional<std::uint64_t> BufferedFile::size() {
     struct stat info;
-    if (calls_.fstat(file_, info) != 0) return 0;
-    const std::uint64_t stored = static_cast<std::uint64_t>(std::max<off_t>(info.st_size, 0));
+    if (calls_.fstat(file_, info) != 0 || info.st_size < 0) return std::nullopt;
+    const auto stored = static_cast<std::uint64_t>(info.st_size);
     return behind_.empty() ? stored : std::max(stored, behindStart_ + behind_.size());
 }
 
@@ -73,7 +73,7 @@ bool BufferedFile::fill(std::uint64_t offset, std::size_t count) {
     portion_ = goesOn ? std::min(2 * portion_, LargestPortion) : LeastPortion;
     if (count > portion_) {
         // A length that is not true must not become memory.
-        const std::uint64_t end = size();
+        const std::uint64_t end = size().value_or(0);
         count = offset < end
                     ? static_cast<std::size_t>(std::min<std::uint64_t>(count, end - offset))
                     : 0;
@@ -119,9 +119,18 @@ void BufferedFile::keepInStep(std::uint64_t offset, Bytes bytes) {
                     ahead_.data() + (first - aheadStart_));
 }
 
+/// Where a file that is appended to is written. No place is taken for the end that is not known to
+/// be: a block might be written over others.
+bool BufferedFile::goToEnd() {
+    if (access_ != Access::Append || isAtEnd_) return true;
+    const auto end = size();
+    if (!end) return false;
+    position_ = *end;
+    return isAtEnd_ = true;
+}
+
 bool BufferedFile::write(Bytes bytes) {
-    if (access_ == Access::Append && !isAtEnd_) position_ = size();
-    isAtEnd_ = true;
+    if (!goToEnd()) return false;
     if (position_ > FarthestPosition - bytes.size()) return false;
     const bool goesOn = position_ == behindStart_ + behind_.size();
     if ((!goesOn || behind_.size() + bytes.size() > LargestPortion) && !flush()) return false;

@@ -11,7 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <optional>
 
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
@@ -38,8 +38,8 @@ public:
     std::uint64_t position() const { return position_; }
     /// False for what no file can have.
     bool seek(std::uint64_t position);
-    /// With what has not been written yet; 0 if the system does not tell.
-    std::uint64_t size();
+    /// With what has not been written yet; none if the system does not tell.
+    std::optional<std::uint64_t> size();
 
     /// So many bytes from an offset, fewer only at the end of the file; good until the next
     /// operation. Of a file that is appended to there are none.
@@ -64,6 +64,7 @@ public:
     int close();
 
 private:
+    bool goToEnd();
     bool fill(std::uint64_t offset, std::size_t count);
     std::size_t readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
     std::size_t writeAt(std::uint64_t offset, Bytes bytes);

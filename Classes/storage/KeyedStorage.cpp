@@ -142,9 +142,8 @@ void KeyedStorage::setBlockSize(std::uint64_t blockSize) {
 std::uint64_t KeyedStorage::offsetInFile() const { return _file ? _file->position() : 0; }
 
 std::uint64_t KeyedStorage::seekToEndOfFile() {
-    if (!_file) return 0;
-    const std::uint64_t end = _file->size();
-    return _file->seek(end) ? end : 0;
+    const auto end = _file ? _file->size() : std::nullopt;
+    return end && _file->seek(*end) ? *end : 0;
 }
 
 bool KeyedStorage::seekToFileOffset(std::uint64_t offset) { return _file && _file->seek(offset); }
@@ -264,10 +263,12 @@ std::optional<KeyedStorage::Place> KeyedStorage::placeToAppend() {
         _checkedEnd = _file->position();
     }
     if (_file->position() == _checkedEnd) return Place::End;
-    const std::uint64_t end = _file->size();
+    auto end = _file->size();
+    if (!end) return std::nullopt;
     if (_file->access() != StoreAccess::Append && _file->position() != end) return Place::Middle;
-    if (_checkedEnd != end && !mendTail(end)) return std::nullopt;
-    _checkedEnd = seekToEndOfFile();
+    if (_checkedEnd != end && (!mendTail(*end) || !(end = _file->size()) || !_file->seek(*end)))
+        return std::nullopt;
+    _checkedEnd = end;
     return Place::End;
 }
 

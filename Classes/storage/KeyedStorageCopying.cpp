@@ -44,14 +44,14 @@ bool KeyedStorage::copyInto(KeyedStorage& destination, BlockCopy& block,
 bool KeyedStorage::copyAllInto(KeyedStorage& destination, bool skipErrors,
                                KeyedStorageHandler* handler, bool& hasError) {
     seekToFileOffset(0);
-    destination.truncateFileAtOffset(0);
+    if (destination.isValid() && !destination.truncateFileAtOffset(0)) return false;
     destination._blockSize = _blockSize;
     while (auto block = _mutableCopyOfNextAvailableBlock(hasError)) {
         if (!copyInto(destination, *block, handler)) return false;
         if (hasError && !skipErrors) return false;
         if (handler && handler->shouldCancelIterationOfStorage(*this)) return false;
     }
-    return true;
+    return !_file->readFailed();  // which is no damage of the store, and tells nothing of its rest
 }
 
 bool KeyedStorage::optimizeToPath(const Path& path, bool skipErrors, KeyedStorageHandler* handler) {

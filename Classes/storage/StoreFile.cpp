@@ -79,10 +79,12 @@ bool isRegular(FileCalls& calls, int file) {
     return S_ISREG(info.st_mode);
 }
 
-/// Without its flags, which were for opening only. The pages of what is appended are not wanted
-/// soon; that is a hint, and nothing comes of its failing.
-void settle(int file, StoreAccess access) {
+/// Makes a file ready that was opened and locked. What says where to write is the offset alone from
+/// now on, so that a write can be done again after it failed. That the pages of what is appended are
+/// not wanted soon is a hint, and nothing comes of its failing.
+bool settle(int file, StoreAccess access) {
     if (access == StoreAccess::Append) ::posix_fadvise(file, 0, 0, POSIX_FADV_NOREUSE);
+    return ::fcntl(file, F_SETFL, 0) == 0;
 }
 
 }  // namespace
@@ -101,7 +103,7 @@ std::unique_ptr<BufferedFile> openStoreFile(FileCalls& calls, const Path& path,
             return nullptr;
         }
         if (calls.flock(number, mode.lock | LOCK_NB) != 0) return nullptr;
-        settle(number, access);
+        if (!settle(number, access)) return nullptr;
         if (isStill(calls, number, path)) return file;
     }
     return nullptr;

@@ -34,12 +34,15 @@ public:
 
     int close(int file) override { return failed() ? (FileCalls::close(file), -1) : FileCalls::close(file); }
     ssize_t pread(int file, void* bytes, std::size_t count, off_t offset) override {
-        return failed() ? shortCount(FileCalls::pread(file, bytes, count / 2, offset))
-                        : FileCalls::pread(file, bytes, count, offset);
+        if (!failed()) return FileCalls::pread(file, bytes, count, offset);
+        return way == Way::IsShort ? FileCalls::pread(file, bytes, (count + 1) / 2, offset) : -1;
     }
     ssize_t pwrite(int file, const void* bytes, std::size_t count, off_t offset) override {
-        return failed() ? shortCount(FileCalls::pwrite(file, bytes, count / 2, offset))
-                        : FileCalls::pwrite(file, bytes, count, offset);
+        const bool wasFull = hasFailed;
+        if (!failed()) return FileCalls::pwrite(file, bytes, count, offset);
+        // A disk becomes full between two of its blocks; a call that fails has written nothing.
+        const bool isPart = way == Way::IsShort || (way == Way::FindsDiskFull && !wasFull && count > 512);
+        return isPart ? FileCalls::pwrite(file, bytes, (count + 1) / 2, offset) : -1;
     }
     int fstat(int file, struct stat& info) override { return failed() ? -1 : FileCalls::fstat(file, info); }
     int ftruncate(int file, off_t length) override { return failed() ? -1 : FileCalls::ftruncate(file, length); }
@@ -52,11 +55,6 @@ private:
         ++calls;
         if (isBroken) hasFailed = true, errno = way == Way::IsInterrupted ? EINTR : way == Way::Fails ? EIO : ENOSPC;
         return isBroken;
-    }
-    /// Half of the bytes were moved, which is told only if being short is the fault.
-    ssize_t shortCount(ssize_t count) {
-        errno = way == Way::IsInterrupted ? EINTR : way == Way::Fails ? EIO : ENOSPC;
-        return way == Way::IsShort ? count : -1;
     }
 };
 
