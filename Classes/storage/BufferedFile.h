@@ -49,6 +49,8 @@ public:
     /// Whether bytes stand in the buffer, which writing may change.
     bool isOwn(Bytes bytes) const;
 
+    /// Moves to where the next write goes. False if that is not known.
+    bool goToEnd();
     /// Writes at the position, which moves behind it; when a file is appended to, at its end.
     bool write(Bytes bytes);
     /// Zeros, in portions.
@@ -64,7 +66,6 @@ public:
     int close();
 
 private:
-    bool goToEnd();
     bool fill(std::uint64_t offset, std::size_t count);
     std::size_t readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
     std::size_t writeAt(std::uint64_t offset, Bytes bytes);

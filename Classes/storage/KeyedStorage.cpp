@@ -287,11 +287,13 @@ bool KeyedStorage::append(Bytes data, std::uint32_t marker) {
     const std::optional<std::uint64_t> padding = paddingFor(data);
     const auto place = padding ? placeToAppend() : std::nullopt;
     if (!place) return false;
+    if (!_file->goToEnd()) return false;
     const std::uint64_t start = _file->position();
     const BlockHeader header = {marker, static_cast<std::uint32_t>(data.size()),
                                 static_cast<std::uint32_t>(*padding), CRC32(data)};
     const bool isWritten = writeBlock(header, data, *padding);
     _checkedEnd.reset();
+    if (isWritten) _appendedAt = start;
     if (isWritten && place == Place::End) _checkedEnd = _file->position();
     if (!isWritten) _file->dropFrom(start);
     if (!isWritten && place == Place::End) _tornAt = start;

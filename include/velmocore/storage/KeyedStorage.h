@@ -136,6 +136,9 @@ public:
     bool appendCompressedBlock(Bytes data);
     /// As it is, whatever isCompressed() says.
     bool appendUncompressedBlock(Bytes data);
+    /// Ours: where the block begins that was appended last. The end of the file before may have been
+    /// another place, if a torn block was taken off.
+    [[nodiscard]] std::uint64_t offsetOfAppendedBlock() const noexcept { return _appendedAt; }
     /// Replaces what a block holds. False if it does not fit into the block and its padding. Not
     /// safe against a crash.
     bool updateBlock(Bytes data, std::uint64_t offset);
@@ -212,6 +215,7 @@ private:
     Data _unpacked;  // what the last compressed block held
     std::optional<std::uint64_t>
         _checkedEnd;                       // the end of the file, once looked at for torn blocks
+    std::uint64_t _appendedAt = 0;
     std::optional<std::uint64_t> _tornAt;  // a block that could only be written in part
 };
 

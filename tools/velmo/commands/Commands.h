@@ -20,10 +20,13 @@ Command makeMatchCommand(Session& session);
 Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
+Command makeRecordsCommand(Session& session);
 Command makeTextCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo store".
+std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".
 std::span<const CommandEntry> urlActions();
 
