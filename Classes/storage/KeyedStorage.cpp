@@ -130,6 +130,7 @@ KeyedStorage::KeyedStorage(std::unique_ptr<BufferedFile> file, const Path& path,
     if (append) seekToEndOfFile();
 }
 
+KeyedStorage::KeyedStorage() noexcept = default;
 KeyedStorage::KeyedStorage(KeyedStorage&&) noexcept = default;
 KeyedStorage& KeyedStorage::operator=(KeyedStorage&&) noexcept = default;
 KeyedStorage::~KeyedStorage() = default;

@@ -302,7 +302,7 @@ TEST_F(Storage, DoesWhatASimpleModelDoes) {
                 ASSERT_TRUE(store.deleteBlockAtFileOffset(chosen->first));
                 chosen->second.first.clear();
             } else if (what == 6 && random() % 4 == 0) {
-                store = KeyedStorage(nullptr, Path(), false);
+                store = KeyedStorage();
                 store = updating("s");
             } else {
                 store.seekToFileOffset(chosen->first);

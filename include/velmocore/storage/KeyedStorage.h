@@ -72,6 +72,8 @@ public:
     /// Creates the file if there is none. All that is written goes to its end; it cannot be read.
     [[nodiscard]] static KeyedStorage keyedStorageForAppendingAtPath(const Path& path);
 
+    /// Without a file.
+    KeyedStorage() noexcept;
     /// Takes over an open file, at its end or at its start.
     KeyedStorage(std::unique_ptr<detail::BufferedFile> file, const Path& path, bool append);
     /// Takes over a descriptor of a file that can be read and written, without locking it.
