@@ -17,7 +17,7 @@ namespace velmo {
 //     addStrings(data, std::vector<String>{u"tea", u"coffee"}, 1);
 //     setBool(data, true, 1);
 //     setBool(data, false, 1);
-//     data.size();                         // 58
+//     data.size();                         // 57
 //     removeStringForKey(data, 1);
 //     stringForKey(data, 1);               // coffee
 //

@@ -216,7 +216,7 @@ private:
 
     Data _unpacked;  // what the last compressed block held
     std::optional<std::uint64_t>
-        _checkedEnd;                       // the end of the file, once looked at for torn blocks
+        _checkedEnd;  // the end of the file, once looked at for torn blocks
     std::uint64_t _appendedAt = 0;
     std::optional<std::uint64_t> _tornAt;  // a block that could only be written in part
 };

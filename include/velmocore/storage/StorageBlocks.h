@@ -14,12 +14,12 @@ namespace velmo {
 // the same for files, docs/formats.md describes a block byte by byte. Nothing is shared: any thread
 // may read bytes that none changes meanwhile.
 //
-//     const Data store = dataOfStoreFile();
-//     forEachStorageBlock(store, [&](const StorageBlock& block) {
-//         if (block.state != BlockState::Live) return true;
-//         print(block.offset);
+//     std::size_t live = 0;
+//     forEachStorageBlock(bytes, [&](const StorageBlock& block) {
+//         live += block.state == BlockState::Live;
 //         return true;
 //     });
+//     live;    // 0
 
 /// Of the header of a block.
 inline constexpr std::size_t BlockHeaderSize = 16;
