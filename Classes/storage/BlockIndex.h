@@ -12,11 +12,12 @@
 #include <vector>
 
 #include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/Export.h>
 
 namespace velmo::detail {
 
 /// Checksums of any stretch of some bytes.
-class StretchChecksums {
+class VELMO_API StretchChecksums {
 public:
     explicit StretchChecksums(Bytes bytes) : bytes_(bytes) {}
 
