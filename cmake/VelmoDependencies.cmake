@@ -1,7 +1,7 @@
 # Third-party libraries. All are private to the modules that link them: none
 # shows in a public header. The installed package finds them with this file too.
 include(CMakeFindDependencyMacro)
-find_dependency(ICU COMPONENTS uc)
+find_dependency(ICU COMPONENTS uc i18n)
 find_dependency(fmt)
 find_dependency(ZLIB)
 find_dependency(OpenSSL COMPONENTS Crypto)

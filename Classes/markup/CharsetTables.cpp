@@ -1,3 +1,6 @@
+// The rows are tried from the first to the last, and the first hit counts: where one name contains
+// another, their order is part of the meaning. What stands last in a row is a text encoding by its
+// number.
 #include "markup/CharsetTables.h"
 
 namespace velmo::detail {

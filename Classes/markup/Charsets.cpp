@@ -1,3 +1,6 @@
+// What a charset's name means, however it is spelt. Names are reduced to their letters and digits,
+// then the first number in them decides, and only what no number settled goes through tests of the
+// name itself, in their order. So new misspellings mostly mean the right thing without a new row.
 #include <velmocore/markup/Charsets.h>
 
 #include <algorithm>
@@ -23,6 +26,7 @@ std::u16string normalized(Name name) {
     const CharacterSetRep& kept = alphaNumCharacterSetRep();
     const ConversionTable& lower = lowerCharsTable();
     std::u16string result;
+    // "ISO-8859-1", "iso_8859_1" and "iso 8859.1" are one name.
     for (char16_t unit : name)
         if (kept.contains(unit)) result += lower[unit];
     return result;
@@ -35,6 +39,7 @@ std::optional<std::uint32_t> firstNumber(Name name) {
     if (start == name.end()) return std::nullopt;
     std::uint32_t number = 0;
     for (auto digit = start; digit != name.end() && isDigit(*digit); ++digit)
+        // Cut at each digit, so that no number overflows into one that means something.
         number = std::min(number * 10 + (*digit - u'0'), Limit);
     return number;
 }
@@ -79,6 +84,7 @@ TextEncoding charset2CFStringEncoding(std::u16string_view name) {
     // Most names hold the number of a standard or a code page, by which far more misspellings are
     // known than could be listed.
     const std::u16string normal = normalized(name);
+    // No name of an encoding is shorter.
     if (normal.size() < 3) return UnknownTextEncoding;
     if (const auto number = firstNumber(normal)) {
         const TextEncoding encoding = encodingOfNumber(*number, normal);

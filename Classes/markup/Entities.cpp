@@ -58,6 +58,7 @@ constexpr LooseForm LooseForms[] = {
 Reference readLooseForm(Units text, bool convertStandard) {
     for (const LooseForm& form : LooseForms) {
         if (form.isStandard && !convertStandard) continue;
+        // One unit rules most forms out without a call.
         if (text[1] != form.text[1] || !text.starts_with(form.text)) continue;
         const std::size_t length = form.text.size();
         return {length + (text.size() > length && text[length] == u';'), {form.unit}};
@@ -75,6 +76,7 @@ struct Run {
 
 template <class Belongs>
 Run readRun(Units text, std::size_t position, Belongs belongs) {
+    // This bound is what keeps a text of nothing but ampersands linear.
     while (position < text.size() && position <= MaxRun + 1)
         if (!belongs(text[position++])) break;
     const std::size_t length = position - 1;  // all but the &
@@ -90,6 +92,8 @@ Reference readNumber(Units text, bool convertStandard) {
         readRun(text, start, [=](char16_t unit) { return ascii::hexValue(unit) < base; });
     if (!run.end) return {};
     std::uint32_t value = 0;
+    // May wrap around: a run of up to 31 digits is read modulo 2^32, and what comes out is a
+    // character if it is in the range of one.
     for (std::size_t i = start; i < run.end; ++i) value = value * base + ascii::hexValue(text[i]);
     if (value > 0x10FFFF) return {};
     if (value > 0xFFFF)

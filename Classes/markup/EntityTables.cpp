@@ -1,3 +1,6 @@
+// One list, and two ways into it that the compiler makes: by name a hash table of the names as
+// numbers, by unit an array of rows. So nothing is set up at run time, and a reference costs one
+// look.
 #include "markup/EntityTables.h"
 
 #include <algorithm>
@@ -97,6 +100,7 @@ struct NameIndex {
     std::array<Slot, 1u << Bits> slots{};
 
     static constexpr std::size_t home(std::uint64_t key) {
+        // The golden ratio spreads keys that differ in few bits, as short names do.
         return static_cast<std::size_t>(key * 0x9E3779B97F4A7C15u >> (64 - Bits));
     }
     static constexpr std::size_t next(std::size_t slot) { return (slot + 1) & ((1u << Bits) - 1); }
@@ -119,6 +123,7 @@ struct NameIndex {
 constexpr auto makeUnitIndex() {
     std::array<std::int16_t, MaxUnit - MinUnit + 1> index{};
     index.fill(-1);
+    // From the last on, so that the first of several names of a unit stays.
     for (std::size_t row = RowCount; row-- > 0;)
         index[Rows[row].unit - MinUnit] = static_cast<std::int16_t>(row);
     return index;

@@ -71,6 +71,8 @@ bool isOneOf(std::u16string_view extension, Keywords keywords) {
 std::vector<String> HTMLFileTypes() { return listOf(HTMLNames); }
 std::vector<String> PropertyListFileTypes() { return listOf(PropertyListNames); }
 
+/// Asked for until there are some, and then kept, so that a hook which is set after the first
+/// question still counts.
 std::vector<String> CustomXMLFileTypes() {
     static std::mutex mutex;
     static std::vector<String> kept;
@@ -96,6 +98,7 @@ std::vector<String> MarkupFileTypes() {
 }
 
 bool isHTMLExtension(std::u16string_view extension) {
+    // An extension cut from a URL may still have the query on it.
     return isOneOf(extension.substr(0, extension.find(u'?')), HTMLKeywords);
 }
 

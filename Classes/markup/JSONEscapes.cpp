@@ -1,3 +1,6 @@
+// Escapes of JSON and of scripts, both as pages have them and not as a parser would demand: what
+// is broken gives a unit and not an error, as callers want the text. Runs without an escape are
+// copied in one piece.
 #include <velmocore/markup/JSONEscapes.h>
 
 #include "markup/RewriteRuns.h"
@@ -13,6 +16,7 @@ using namespace detail;
 char16_t readHex(const char16_t*& at, const char16_t* end, int digits) {
     unsigned value = 0;
     for (int i = 0; i < digits; ++i)
+        // A unit that is no digit has the value 16, and counts as 0.
         value = value << 4 | (at < end ? ascii::hexValue(*at++) % 16 : 0);
     return static_cast<char16_t>(value);
 }

@@ -1,6 +1,8 @@
 // Nearly all references of a page are normal already, which one look for a suspect unit tells, and
 // are then given back where they stand. The others are copied once, without the units that are
 // removed everywhere; every later step only shortens the copy, at its ends or in its place.
+//
+// The order of the steps is part of the result: what one of them uncovers, a later one may remove.
 #include <velmocore/markup/LinkNormalising.h>
 
 #include <algorithm>
@@ -66,6 +68,7 @@ bool endsWithStrayEscape(Units link) {
 bool isNormal(Units value, bool decodePercentEscapes) {
     if (findSuspect(value.data(), value.data() + value.size()) != value.data() + value.size())
         return false;
+    // With decoding each escape may change the link; without it only one at the end may.
     return decodePercentEscapes ? value.find(u'%') == value.npos : !endsWithStrayEscape(value);
 }
 
@@ -105,6 +108,7 @@ NormalizedLink::NormalizedLink(Units value, bool decodePercentEscapes) {
 }
 
 Units NormalizedLink::normalized(Units value, bool decodePercentEscapes) {
+    // Room for the whole value, as every step after the copy only shortens.
     if (value.size() > SmallSize) large_ = std::make_unique_for_overwrite<char16_t[]>(value.size());
     char16_t* const units = large_ ? large_.get() : small_;
     const CharacterSetRep& white = whiteCharacterSetRep();
@@ -132,9 +136,11 @@ Units NormalizedLink::normalized(Units value, bool decodePercentEscapes) {
             writable(), writable(), 0, link.size(), {.onlyNumericEntities = true});
         link = link.substr(0, length);
     }
+    // After the entities: one of them may stand for the % of an escape.
     while (endsWithStrayEscape(link)) link.remove_suffix(3);
     if (decodePercentEscapes)
         link = link.substr(0, convertPercentEscapesOfURL(writable(), link.size(), true));
+    // White space goes first, as it may stand outside the quote marks.
     return withoutPairs(withoutWhiteEnds(link, white), u"\"");
 }
 

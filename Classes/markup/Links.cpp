@@ -1,3 +1,6 @@
+// One handler for links with and without their text. Where no text is asked for, a link counts
+// when it is opened; else when it is closed, as only then all of its text is known. A link is
+// stored once, however often a page has it.
 #include <velmocore/markup/Links.h>
 
 #include <string>
@@ -63,6 +66,8 @@ private:
     /// Starts to gather the text of a link; of null, nothing.
     void openLink(Units href) {
         href_ = href;
+        // A link without a reference gathers nothing, so that its text is not that of the next
+        // one.
         hasLinkText_ = !href.empty();
         linkText_.clear();
     }

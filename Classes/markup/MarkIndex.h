@@ -69,10 +69,13 @@ private:
     /// Makes the block that starts at the position the current one. Behind the end of the
     /// text stand zeros.
     [[gnu::noinline]] void load(const char16_t* from) {
+        // The block begins where the search does, and not at a multiple of 64: nothing in front of
+        // the position is looked at again.
         block_ = from;
         if (end_ - from >= BlockUnits) {
             mark(from);
         } else {
+            // A copy, as the kernels read 64 units whatever there are.
             char16_t tail[BlockUnits] = {};
             std::memcpy(tail, from, static_cast<std::size_t>(end_ - from) * sizeof(char16_t));
             mark(tail);

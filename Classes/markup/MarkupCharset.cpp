@@ -1,3 +1,5 @@
+// The charset that a page names is the first one named in front of its body, by a meta tag or the
+// XML declaration.
 #include <velmocore/markup/MarkupCharset.h>
 
 #include <velmocore/markup/Charsets.h>
@@ -36,6 +38,7 @@ NamedCharset findCharset(std::u16string_view page, bool* reachesFarther = nullpt
             return *reachesFarther = true;
         String charset;
         if (name.size() == 4) {
+            // Behind it no meta tag counts, and the rest of the page is not scanned.
             if (detail::keyword::equals(name, "BODY")) return true;
             if (!detail::keyword::equals(name, "META") || tag.isClosing()) return false;
             charset = charsetOfMetaTag(tag.whole());
@@ -78,6 +81,7 @@ StringEncoding defaultURLEncoding(std::u16string_view page) {
 MarkupData markupData(const String& page) {
     if (page.isEmpty()) return {Data(), ASCIIStringEncoding};
     const StringEncoding named = markupEncoding(page);
+    // Else in ASCII with references, which says the same in whatever encoding it is read.
     if (named != UnknownStringEncoding) return {dataUsingEncoding(page, named), named};
     return {dataUsingEncoding(stringByConvertingCharactersToEntities(page), ASCIIStringEncoding),
             ASCIIStringEncoding};

@@ -68,6 +68,7 @@ Trial tryOneOf(Bytes data, std::span<const TextEncoding> encodings) {
 
 /// The encoding that a page says it has by its byte-order mark; else the given one.
 StringEncoding markedEncoding(Bytes data, StringEncoding otherwise) {
+    // Two bytes could only be the mark itself.
     if (data.size() < 3) return otherwise;
     if (data[0] == 0xFF && data[1] == 0xFE) return UTF16LittleEndianStringEncoding;
     if (data[0] == 0xFE && data[1] == 0xFF) return UTF16BigEndianStringEncoding;
@@ -77,6 +78,8 @@ StringEncoding markedEncoding(Bytes data, StringEncoding otherwise) {
 /// Whether UTF-8 was right although the page names a single-byte encoding: read as such, UTF-8
 /// makes a longer text.
 bool isUTF8AfterAll(const Trial& first, const Trial& second) {
+    // In these nearly every byte is a unit, so that reading UTF-8 as such makes no errors by which
+    // the reading could be refused.
     const bool isSingleByte = second.encoding == WindowsCP1251StringEncoding ||
                               second.encoding == ISOLatin1StringEncoding;
     return isSingleByte && second.text.length() > first.text.length() && first.errors() == 0 &&
@@ -108,6 +111,8 @@ private:
     /// The charset that the page names, if its head tells; absent if the whole page must be
     /// read for it. Where another reading than the first wins, the first is then never made.
     String charsetOfHead() const {
+        // A sequence that is cut at the end of the head does no harm, as only tags in front of it
+        // count.
         constexpr std::size_t HeadBytes = 2048;
         if (isNamed_ || encoding_ != UTF8StringEncoding || data_.size() < HeadBytes) return {};
         const String head = String::fromUTF8(charsOf(data_.first(HeadBytes)));

@@ -7,6 +7,7 @@
 #include <optional>
 #include <set>
 
+#include <velmocore/markup/ErrorPages.h>
 #include <velmocore/markup/LinkNormalising.h>
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/TagPredicates.h>
@@ -91,7 +92,11 @@ struct Page::State {
     Lazy<detail::TagList> tags_;
     Lazy<HtmlReferences> references_;
     Lazy<String> title, plainText;
-    Lazy<URL> favIcon;
+    Lazy<HtmlMetadata> metadata;
+    Lazy<HtmlMetaSummary> summary;
+    Lazy<bool> isErrorPage;
+    Lazy<URL> favIcon, canonicalURL;
+    Lazy<LinkThumbnails> linkThumbnails;
     Lazy<std::vector<URL>> links, frames, images, stylesheetsAndScripts, embeddedObjects;
 };
 
@@ -117,6 +122,25 @@ const String& Page::title() const {
 const String& Page::plainText() const {
     return state_->plainText.get(
         [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}).text; });
+}
+
+const HtmlMetadata& Page::metadata() const {
+    // The tags of the whole page are not wanted for this: many who ask for it want no more.
+    return state_->metadata.get([this] { return htmlMetadata(state_->markup); });
+}
+
+const HtmlMetaSummary& Page::summary() const {
+    return state_->summary.get([this] { return detail::summaryOf(state_->tags()); });
+}
+
+bool Page::isErrorPage() const {
+    return state_->isErrorPage.get([this] {
+        // The title, which the plain text holds too, must not confirm itself.
+        const String body = detail::plainTextOf(state_->markup, state_->tags(),
+                                                {.onlyBody = true, .removeJunk = true})
+                                .text;
+        return isErrorPageTitle(title(), body, url().absoluteString());
+    });
 }
 
 const std::vector<URL>& Page::links() const {
@@ -153,6 +177,17 @@ const std::vector<URL>& Page::embeddedObjects() const {
 
 const URL& Page::favIcon() const {
     return state_->favIcon.get([this] { return state_->resolved(state_->references().favIcon); });
+}
+
+const URL& Page::canonicalURL() const {
+    return state_->canonicalURL.get([this] { return state_->resolved(metadata().canonical); });
+}
+
+const LinkThumbnails& Page::linkThumbnails() const {
+    return state_->linkThumbnails.get([this] {
+        return detail::thumbnailsOf(state_->markup, state_->tags(),
+                                    {.baseURL = baseURL(), .resolve = true});
+    });
 }
 
 String Page::language(const LanguageFilter& filter) const {

@@ -1,6 +1,9 @@
 // One handler a kind of page part, each of which takes references from the tags that it knows.
 // Tags are told apart by the length of their name first: most tags of a page are of no interest to
 // a handler, and a switch tells so without looking at a unit.
+//
+// References are normalised but not resolved: pages are read without a known address too, and what
+// a reference leads to is the caller's affair.
 #include <velmocore/markup/PageResources.h>
 
 #include <algorithm>
@@ -54,6 +57,7 @@ private:
 bool relContains(Units tag, std::size_t leastLength,
                  std::initializer_list<std::string_view> words) {
     const Units rel = attributeOf(tag, "REL");
+    // Most tags have a short REL or none, and are told apart by its length alone.
     if (rel.size() < leastLength) return false;
     for (std::string_view word : words)
         if (keyword::contains(rel, word)) return true;
@@ -166,26 +170,17 @@ template <class Add>
 std::set<String> referencesOfOpeningTags(TagWalk walk, Add add) {
     References references;
     walk([&](const Tag& tag) {
+        // No tag that is asked for has a shorter name; a and p, the most frequent, are passed by
+        // here.
         if (tag.nameLength > 2 && isOpening(tag)) add(references, tag);
         return false;
     });
     return references.finish();
 }
 
-/// The opening tag of an element that is reported with its body.
-Units openingTagOf(Units element) {
-    for (std::size_t i = 1; i < element.size(); ++i) {
-        if (element[i] == u'>') return element.substr(0, i + 1);
-        if (element[i] != u'=') continue;
-        i = std::min(element.find_first_of(u"\"'>", i), element.size() - 1);
-        if (element[i] == u'>') return element.substr(0, i + 1);
-        i = std::min(element.find(element[i], i + 1), element.size());
-    }
-    return element;
-}
-
 /// The source of a script or style element, else its first import.
 void addSheetOrScriptToSet(References& references, Units element) {
+    // Of the opening tag only: a script's text may hold what looks like an attribute.
     if (references.addNormalized(attributeOf(openingTagOf(element), "SRC"))) return;
     const std::uint64_t import = fastCaseInsensitiveUnicharsContainChars(element, "@import");
     if (import == NotFound) return;

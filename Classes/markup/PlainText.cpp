@@ -14,6 +14,7 @@
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/GoogleMask.h"
 #include "markup/PlainTextOutput.h"
 #include "markup/TagName.h"
 #include "markup/TagSupport.h"
@@ -29,11 +30,8 @@ using Units = std::u16string_view;
 using detail::Break;
 
 /// What a body must not count down to when everything counts as body.
+/// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
-
-constexpr std::size_t ShortestGoogleComment = 19;
-
-enum GoogleBits : unsigned { Index = 1, Snippet = 2, Anchor = 4, AllBits = 7 };
 
 bool opens(Units tag) { return isTagOpen(tag) && !isTagClosed(tag); }
 bool closes(Units tag) { return isTagClosed(tag) && !isTagOpen(tag); }
@@ -74,6 +72,7 @@ bool isTinyFont(Units style) {
     const std::size_t points = detail::keyword::find(style, "PT");
     if (points == Units::npos || points < 2) return false;
     const char16_t tens = style[points - 2], ones = style[points - 1];
+    // With a digit in front it would be ten points and more.
     return !detail::ascii::isDigit(tens) && ones >= u'1' && ones <= u'4';
 }
 
@@ -143,6 +142,7 @@ private:
     }
 
     void changeDepth(Units tag, int step) {
+        // Counted, and not a flag, as a body may stand within another.
         if (opens(tag)) bodyDepth_ += step;
         if (closes(tag)) bodyDepth_ -= step;
     }
@@ -161,19 +161,9 @@ private:
         backgroundColor_ = attributeOfTagCharacters(tag, "BGCOLOR");
     }
 
-    /// Comments with which a site keeps parts of its pages out of an index. Each names the uses it
-    /// switches; text counts as long as it may be indexed.
+    /// Text counts as long as it may be indexed.
     void noteGoogleComment(const Tag& tag) {
-        if (!options_.googleTags || tag.tagLength < ShortestGoogleComment) return;
-        const Units comment = tag.whole();
-        const bool on = detail::keyword::contains(comment, "GOOGLEON:");
-        if (!on && !detail::keyword::contains(comment, "GOOGLEOFF:")) return;
-        unsigned bits = 0;
-        if (detail::keyword::contains(comment, "INDEX")) bits |= Index;
-        if (detail::keyword::contains(comment, "SNIPPET")) bits |= Snippet;
-        if (detail::keyword::contains(comment, "ANCHOR")) bits |= Anchor;
-        if (detail::keyword::contains(comment, "ALL")) bits = AllBits;
-        googleMask_ = on ? googleMask_ | bits : googleMask_ & ~bits;
+        if (options_.googleTags) googleMask_.note(tag);
     }
 
     // --- text -------------------------------------------------------------------------
@@ -191,7 +181,8 @@ private:
     bool isHeldBack() const {
         return inFrameAlternative_ || inNoScript_ || inMarquee_ || inTextarea_ ||
                (options_.removeJunk && hiddenFont_) ||
-               (options_.googleTags && (!(googleMask_ & Index) || feedDate_));
+               (options_.googleTags &&
+                (!googleMask_.allows(detail::GoogleMask::Index) || feedDate_));
     }
 
     /// Invisible text of a hundred units and more that is mostly long words is there for
@@ -223,6 +214,7 @@ private:
         }
         const TagRule* rule = ruleOf(tag);
         if (!rule) return;
+        // Before the tag's own work: the break belongs to the text in front of the tag.
         if (out_.hasPendingText() && rule->breakIfPending != Break::None)
             out_.writeBreak(rule->breakIfPending);
         if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
@@ -295,7 +287,7 @@ private:
     String backgroundColor_;      ///< "BGCOLOR" of the body
     std::int64_t bodyDepth_;      ///< text counts while this is above 0
     std::int64_t linkDepth_ = 0;  ///< open links and headings
-    unsigned googleMask_ = AllBits;
+    detail::GoogleMask googleMask_;
     bool inMarquee_ = false, inTextarea_ = false;
     bool inFrameAlternative_ = false, inNoScript_ = false;
     bool hiddenFont_ = false, feedDate_ = false;
@@ -378,6 +370,7 @@ HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions
         walk([&](const Tag& tag) { return (converter.*handler)(tag); });
         if (converter.didOutput()) return {converter.finish(), converter.didRemoveJunk()};
         if (!options.onlyBody || page.isEmpty()) return {page};
+        // Twice at most: a walk over the whole page is the last one.
         options.onlyBody = false;
     }
 }

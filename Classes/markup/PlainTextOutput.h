@@ -46,6 +46,7 @@ public:
             spaceOwed_ = collapseWhite_;
             return;
         }
+        // One pass for most spans; it gives up, without a trace, at the first &.
         if (collapseWhite_ && !mapsUnits_ && copyUnlessEncoded(span)) return;
         Units text = decoded(span, options_);
         if (text.empty()) {
@@ -78,6 +79,7 @@ public:
         if (!maps &&
             scan::find(span.data(), span.data() + span.size(), u'&') == span.data() + span.size())
             return span;
+        // One buffer for all spans, which grows to the longest of them and stays.
         scratch_.assign(span);
         const std::size_t length =
             options.entities
@@ -147,6 +149,7 @@ public:
     }
 
 private:
+    // All of these in units.
     static constexpr std::size_t JunkSpan = 10001;     ///< a span this long is no text
     static constexpr std::size_t JunkLinkText = 3501;  ///< nor is one in a link or a heading
     static constexpr std::size_t JunkRun = 20001;      ///< nor is a run without any break

@@ -1,6 +1,9 @@
 // Two readers serve all operations. AttributeReader walks a tag or a style list, passes
 // over quoted values, and has its differences as settings. The header reader looks for
 // NAME=value in a line of text and has no idea of tags.
+//
+// A tag is read anew for each attribute that is asked for. Handlers ask for one or two, and of few
+// tags; to take every tag apart into a list would cost each page more.
 #include <velmocore/markup/TagAttributes.h>
 
 #include <fmt/format.h>
@@ -17,6 +20,7 @@ namespace {
 
 using Units = std::u16string_view;
 
+/// The readers of tags, contents, strings and styles are one but for these.
 struct AttributeRules {
     std::size_t slack;  ///< units that must stand besides the name
     char16_t assignment;
@@ -57,6 +61,7 @@ public:
 
     /// Quoted values of other attributes are passed over: what they hold is no attribute.
     Range read() const {
+        // In a shorter text there is no room for the name, its assignment and a value.
         if (name_.empty() || name_.size() + rules_.slack >= tag_.size()) return Range::none();
         const char16_t* const stop = tag_.data() + tag_.size() - name_.size();
         const char16_t* at = tag_.data();
@@ -79,6 +84,7 @@ private:
     /// The next quote mark or unit that may begin the name.
     const char16_t* findCandidate(const char16_t* from, const char16_t* to) const {
         const auto isCandidate = [this](char16_t unit) {
+            // A unit outside ASCII may have an upper-case form in it, as the long s has.
             return isQuote(unit) || unit == first_ || unit == (first_ | 0x20) || unit > 127;
         };
 #if defined(__SSE2__)
@@ -212,6 +218,8 @@ private:
         if (tagMode_) i = skipWhite(text_, i);
         if (i == text_.size()) return {};
         if (text_[i] == options_.quotation || (tagMode_ && isQuote(text_[i]))) {
+            // An empty value in quotes is none, and the search goes on; without them it is an
+            // empty one.
             const std::size_t stop = std::min(text_.find(text_[i], i + 1), text_.size());
             return stop == i + 1 ? String() : String(text_.substr(i + 1, stop - i - 1));
         }

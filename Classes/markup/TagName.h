@@ -44,6 +44,7 @@ inline PackedName packedUnits(std::u16string_view name) {
 template <std::size_t Count>
 class NameTable {
 public:
+    // At compile time, so that the search for a multiplier costs no caller anything.
     consteval explicit NameTable(const std::array<PackedName, Count>& names) {
         while (!isPerfectFor(names))
             multiplier_ = multiplier_ * 6364136223846793005 + 1442695040888963407;
@@ -73,6 +74,7 @@ private:
         return true;
     }
 
+    // The high byte of a product depends on all bytes of the name; 256 slots.
     constexpr std::size_t slotOf(PackedName name) const { return (name * multiplier_) >> 56; }
 
     std::uint64_t multiplier_ = 0x9E3779B97F4A7C15;
@@ -92,6 +94,7 @@ inline PackedName packedName(const Tag& tag) {
                                                   _mm_cmplt_epi8(bytes, _mm_set1_epi8('Z' + 1)));
             const __m128i lower = _mm_or_si128(bytes, _mm_and_si128(capital, _mm_set1_epi8(0x20)));
             const auto value = static_cast<PackedName>(_mm_cvtsi128_si64(lower));
+            // Eight units were loaded whatever the length; those behind the name are cut off.
             return value & (~PackedName{0} >> (64 - 8 * tag.nameLength));
         }
     }

@@ -1,3 +1,5 @@
+// Quick questions about single tags, by the units at their edges. They trust the scanner that cut
+// the tag: none looks for its end.
 #include <velmocore/markup/TagPredicates.h>
 
 #include "platform/Unicode.h"

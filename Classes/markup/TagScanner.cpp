@@ -41,6 +41,7 @@ public:
 
     /// The first hit at or behind the position; null if there is none.
     const char16_t* from(const char16_t* position) {
+        // Without any hit there is none behind a later position either.
         if (!searched_ || (hit_ && hit_ < position)) {
             hit_ = find_(position);
             searched_ = true;
@@ -94,6 +95,7 @@ public:
         const char16_t* closing = closing_.from(tag + 1);
         if (!closing) return nullptr;
         // A body wrapped in a comment may hold the closing text in a string.
+        // Only up to the closing text: a comment behind it is none of this element's.
         if (const char16_t* comment = findText(tag, closing, "<!-"))
             if (const char16_t* commentEnd = commentEnd_.from(comment))
                 if (const char16_t* behind = closingBehindComment_.from(commentEnd))
@@ -164,6 +166,7 @@ private:
     }
 
     const char16_t* endOfComment(const char16_t* at) {
+        // What was opened with one hyphen closes with one.
         const bool isShort = !(end_ - at > 3 && at[3] == u'-');
         for (at += 3; (at = marks_.greater(at)) != end_; ++at) {
             if (isShort ? at[-1] == u'-'
@@ -198,6 +201,8 @@ private:
         for (;;) {
             at = marks_.equalOrGreater(at);
             if (at == end_ || *at == u'>') return at;
+            // White space may stand between the = and its value, so the next quote mark opens one
+            // too.
             if (!(++at < end_ && (*at == u'"' || *at == u'\''))) at = marks_.quoteOrGreater(at);
             if (at == end_ || *at == u'>') return at;
             at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
@@ -209,6 +214,7 @@ private:
     void findName(const char16_t* at, const char16_t* last) {
         at += *at == u'/';
         if (!detail::ascii::isLetter(*at)) {
+            // As of <?xml and <!DOCTYPE: the name begins with the first letter.
             while (at < last && !alpha_.contains(*at)) ++at;
             if (at >= last) return;
         }
@@ -288,6 +294,7 @@ std::string demangled(const char* name) {
 }
 
 std::string callStack() {
+    // The calls that led to the scan: those of the handler are gone when its exception is caught.
     void* frames[32];
     const int count = backtrace(frames, 32);
     const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames, count),

@@ -7,7 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/markup/TagScanner.h>
@@ -43,6 +45,7 @@ public:
             tag.tagLength = kept.tagLength;
             tag.kind = kept.kind;
             if (handler(tag)) return;
+            // Text begins where the tag before ended, so it need not be kept.
             tag.textLocation = kept.tagLocation + kept.tagLength;
         }
     }
@@ -65,6 +68,9 @@ HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
 std::set<String> imagesOf(TagWalk walk);
 std::set<String> stylesheetsAndScriptsOf(TagWalk walk);
 std::set<String> embeddedObjectsOf(TagWalk walk);
+HtmlMetaSummary summaryOf(TagWalk walk);
+LinkThumbnails thumbnailsOf(std::u16string_view page, TagWalk walk,
+                            const LinkThumbnailOptions& options);
 HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
 
 }  // namespace velmo::detail

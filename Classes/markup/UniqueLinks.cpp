@@ -1,3 +1,5 @@
+// A hash table of places in the list, and not of strings: a link that the list has already is
+// found without making a String of it, and most links of a page come more than once.
 #include "markup/UniqueLinks.h"
 
 #include <cstring>
@@ -41,13 +43,16 @@ std::uint64_t hashOf(std::u16string_view link, std::uint64_t start) {
 
 UniqueLinks::UniqueLinks(std::vector<String>& links) : links_(links), seed_(seed()) {}
 
-void UniqueLinks::add(std::u16string_view link) {
+std::size_t UniqueLinks::add(std::u16string_view link) {
+    // Before the look-up, which needs a free slot to end at.
     if (links_.size() * 2 >= slots_.size()) grow();
     const std::uint64_t hash = hashOf(link, seed_);
     Slot& slot = slotFor(hash, link);
-    if (slot.number) return;
-    links_.emplace_back(link);
-    slot = {hash, links_.size()};
+    if (!slot.number) {
+        links_.emplace_back(link);
+        slot = {hash, links_.size()};
+    }
+    return slot.number - 1;
 }
 
 // A slot that is taken is followed by the next one: with half of them free, runs are short.

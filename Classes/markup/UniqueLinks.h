@@ -14,8 +14,8 @@ class UniqueLinks {
 public:
     explicit UniqueLinks(std::vector<String>& links);
 
-    /// Appends the link unless it is in the list.
-    void add(std::u16string_view link);
+    /// Appends the link unless it is in the list, and gives its place there.
+    std::size_t add(std::u16string_view link);
 
 private:
     struct Slot {

@@ -11,6 +11,7 @@
 namespace velmo::detail {
 namespace {
 
+/// In units. Up to here the time that ICU takes, the square of the run, does no harm.
 constexpr std::size_t ShortRun = 32;
 
 /// A mark as the normaliser sees it: what is to be put in order, and by what.

@@ -1,3 +1,6 @@
+// A string is one block: the count of owners, the length, and the units behind them. The builder
+// makes such a block from the start and leaves room for the head, so that finishing a text writes
+// the head and copies nothing. malloc() and not new, as only realloc() can grow a block in place.
 #include <velmocore/platform/String.h>
 
 #include <algorithm>
@@ -71,6 +74,7 @@ StringBuilder::~StringBuilder() {
 
 void StringBuilder::grow(std::size_t count) {
     if (count > MaxUnits - length_) throw std::bad_alloc();
+    // By half as much again at least, so that appending unit by unit stays linear.
     const std::size_t capacity =
         std::max(length_ + count, std::min(capacity_ + capacity_ / 2, MaxUnits));
     void* old = units_ ? reinterpret_cast<String::Rep*>(units_) - 1 : nullptr;
@@ -95,6 +99,7 @@ String StringBuilder::finish() {
     // A block that is nearly full stays as it is; otherwise the rest goes back.
     if (capacity_ - length_ > length_ / 16 + 16) {
         void* shrunk = std::realloc(block, sizeof(String::Rep) + length_ * sizeof(char16_t));
+        // A refusal to shrink is no failure: the larger block is as good.
         if (shrunk) block = shrunk;
     }
     auto* rep = new (block) String::Rep{1, length_};

@@ -1,5 +1,9 @@
 // Every question to ICU about characters in one place. Operations on whole texts are run with a
 // guess of the room and once more if that did not do, straight into the new string's array.
+//
+// No operation takes a locale: the same text must fold and compare alike on every machine, as it
+// does in what was stored. What a single unit becomes is asked once and kept in tables; see
+// text/ConversionTables.h.
 #include "platform/Unicode.h"
 
 #include <unicode/uchar.h>
@@ -44,6 +48,7 @@ String filled(std::size_t guess, Fill fill) {
             capacity = length;
             continue;
         }
+        // Want of memory is what is left: the arguments are always right.
         if (U_FAILURE(status)) throw std::bad_alloc();
         out.commit(static_cast<std::size_t>(length));
         return out.finish();
@@ -142,6 +147,7 @@ char16_t withoutDiacritics(char16_t unit) noexcept {
         kept = static_cast<char16_t>(point);
         count += U16_LENGTH(point);
     }
+    // A letter of which two would be left, or none, stays as it is: the tables map unit to unit.
     return count == 1 ? kept : unit;
 }
 

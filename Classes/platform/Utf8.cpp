@@ -64,6 +64,7 @@ inline std::uint32_t nextFour(const Byte* in) {
            std::uint32_t(in[3]) << 24;
 }
 
+/// The second condition keeps out the overlong forms C0 and C1.
 bool isPair(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
 bool isTriple(std::uint32_t four) { return (four & 0xC0C0F0) == 0x8080E0; }
 bool isOverlongOrSurrogate(std::uint32_t unit) { return unit < 0x800 || isSurrogate(unit); }

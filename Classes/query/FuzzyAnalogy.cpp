@@ -15,6 +15,7 @@ Units folded(std::u16string_view units, const ConversionTable& table) {
 
 }  // namespace
 
+// Set before anything runs, so that a static of another file may read it.
 constinit std::atomic<double> MinWildcardFuzzyAnalogy = 0.75;
 
 double stringMatchesUnixWildcardFuzzy(std::u16string_view first, std::u16string_view second) {

@@ -1,4 +1,7 @@
 // Summaries: the sentences with a hit, up to a limit.
+// Each hit brings in the sentence around it, and the search goes on behind that sentence: so no
+// sentence is read twice, however many hits it has, and the whole is linear. A sentence that stood
+// in the summary before is left out, as pages repeat their headings and teasers.
 #include <velmocore/query/Occurrences.h>
 
 #include <algorithm>
@@ -44,6 +47,7 @@ private:
     /// Where the search goes on; NotFound if the summary is full.
     std::uint64_t addWordToAssembly(Range hit) {
         const Excerpt excerpt = excerptAround(hit);
+        // A heading or a cell of a table that is the hit alone tells a reader nothing.
         const bool says = excerpt.start < excerpt.end && (!excerpt.bare || options_.singleWords);
         if (!says || !seen_.insert(viewOf(excerpt.start, excerpt.end)).second) return excerpt.next;
         if (!isEmpty_) out_.append(touchesLast(excerpt) ? separator_ : gapSeparator_);
@@ -51,6 +55,7 @@ private:
         lastEnd_ = excerpt.end;
         if (limit_ == 0 || out_.length() + (excerpt.end - excerpt.start) <= limit_) {
             append(excerpt.start, excerpt.end);
+            // Without room for more than a separator the rest need not be searched.
             const bool isFull = limit_ && out_.length() + separator_.size() >= limit_;
             return isFull ? NotFound : excerpt.next;
         }
@@ -125,6 +130,7 @@ private:
 /// A text as its own summary, or the beginning of it.
 Summary beginningOf(const String& text, String string) {
     const std::u16string_view units = text, shown = string;
+    // The dots at its end are no part of the text.
     const auto same = std::ranges::mismatch(units, shown).in1 - units.begin();
     return {std::move(string), {{{0, static_cast<std::uint64_t>(same)}, 0}}};
 }
@@ -135,6 +141,7 @@ Summary assemble(const String& text, bool isSought, MakeHits makeHits,
                  const AssemblyOptions& options) {
     if (text.isEmpty()) return {};
     const std::uint64_t limit = options.ellipsizeAfterNCharacters;
+    // A text that fits is its own best summary, whatever is found in it.
     if (!options.onlyOccurrences && limit && text.length() <= limit) return beginningOf(text, text);
     if (isSought) {
         Summary summary = Assembly(text, options).of(makeHits());

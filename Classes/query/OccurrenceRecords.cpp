@@ -1,4 +1,8 @@
 // Lists of excerpts: each hit with the sentence around it, or more.
+// A record reaches from sentence end to sentence end, or farther, until it has enough words on
+// either side. The search goes on where it stopped: what one record shows is not looked at for
+// another. Growing back ends at the sentence or with the words that are asked for, so that the
+// whole costs no more than the text times these.
 #include <velmocore/query/Occurrences.h>
 
 #include "query/OccurrenceSearch.h"
@@ -24,6 +28,7 @@ public:
     void add(bool isBoundary, bool isTerm, std::uint64_t edge) {
         isBehindBoundary_ |= isBoundary;
         if (isTerm) {
+            // A word counts when it is entered; the one that the hit itself stands in does not.
             words_ += !isInWord_;
             edge_ = edge;
             isCut_ = isBehindBoundary_;

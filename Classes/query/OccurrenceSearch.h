@@ -64,6 +64,7 @@ public:
     explicit KnownHits(std::span<const Range> hits) : hits_(hits) {}
 
     Range next(std::uint64_t from) {
+        // Hits within a sentence that was shown are passed over, as the other searches do.
         while (!hits_.empty() && hits_.front().location < from) hits_ = hits_.subspan(1);
         return hits_.empty() ? Range::none() : hits_.front();
     }
@@ -100,6 +101,7 @@ struct ExcerptUnits {
     /// Whether a unit that ends sentences does not, as it stands inside of something.
     bool isInside(std::uint64_t i) const {
         const char16_t unit = text[i];
+        // A line end is a boundary also without white space behind it.
         const bool isMark = unit == u'.' || unit == u'!' || unit == u'?';
         return isMark && i + 1 < text.size() && !white.contains(text[i + 1]);
     }

@@ -1,3 +1,6 @@
+// Which two units of a pattern to look for in a text. They must stand at a fixed distance from
+// each other, so they come from one stretch without a star; and the rarer they are in text, the
+// fewer places need a closer look. A set or a ? holds a place and cannot be looked for itself.
 #include "query/PatternAnchors.h"
 
 #include <optional>
@@ -13,6 +16,7 @@ namespace {
 std::optional<Anchor> anchorOf(std::size_t offset, char16_t unit, const ConversionTable* table) {
     if (!table) return exactAnchor(offset, unit);
     const std::span<const char16_t> variants = unitsFoldedTo(unit, *table);
+    // Three is what the kernels compare with in one step.
     if (variants.empty() || variants.size() > 3) return std::nullopt;
     return Anchor{offset, {variants[0], variants[variants.size() / 2], variants.back()}};
 }
@@ -61,6 +65,7 @@ PatternAnchors::Place placeOf(WildcardType type, bool isFirst, bool isLast) {
 PatternAnchors anchorsOf(std::u16string_view core, WildcardType type,
                          const ConversionTable* table) {
     PatternAnchors best;
+    // Below what a stretch with one anchor of no worth comes to, so that any is better than none.
     int bestWorth = -2;
     Stretch stretch;
     bool isFirst = true;
@@ -68,6 +73,8 @@ PatternAnchors anchorsOf(std::u16string_view core, WildcardType type,
         if (stretch.first && stretch.worth() > bestWorth) {
             bestWorth = stretch.worth();
             best = {placeOf(type, isFirst, isLast), stretch.length, *stretch.first,
+                    // One unit alone is sought twice at the same place, so that there is one
+                    // kernel for both.
                     stretch.second.value_or(*stretch.first)};
         }
         stretch = {};

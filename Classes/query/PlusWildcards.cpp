@@ -28,6 +28,7 @@ public:
             groups_.pop_back();
             addGroup(group);
         }
+        // Short ones first, and equal ones beside each other to be made one.
         std::ranges::sort(found_, [](const String& a, const String& b) {
             return a.length() != b.length() ? a.length() < b.length() : a < b;
         });

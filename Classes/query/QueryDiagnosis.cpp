@@ -33,6 +33,8 @@ std::string hopelessness(View pattern) {
     if (!optimized.core.isFound()) return "a set without end, a ] without set, or a [ inside one";
     if (optimized.type == WildcardType::Unusable) return "nothing but * and ?";
     const CharacterSetRep& terms = queryTermCharacters();
+    // A direct pattern is compared from the start of a word on, so only its first unit must begin
+    // one.
     const bool isDirect =
         optimized.type == WildcardType::Plain || optimized.type == WildcardType::Marks;
     for (std::size_t at = 0; at < compacted.size() && !(isDirect && at > 0); ++at) {

@@ -1,3 +1,5 @@
+// The tree as text, for people who want to know why a query means what it does. The nodes that are
+// still to be written stand on a stack of their own: a query may be nested as deep as it is long.
 #include <velmocore/query/QueryDump.h>
 
 #include <fmt/format.h>
@@ -17,6 +19,8 @@ using detail::QueryTree;
 
 constexpr std::string_view OperatorNames[] = {"AND",   "OR",   "XOR", "NEAR", "BEFORE",
                                               "AFTER", "NEXT", "OPT", "NONE"};
+// In levels. Beyond it lines are indented alike, as the output of a deep tree would otherwise grow
+// with the square of its depth.
 constexpr std::size_t DeepestIndent = 40;
 
 std::string_view nameOf(QueryOperator op) { return OperatorNames[static_cast<std::size_t>(op)]; }
@@ -55,6 +59,7 @@ std::string dumpOfQueryTerms(const QueryTerms& terms) {
         const QueryNode& node = tree.nodes[index];
         appendLine(out, tree, node, depth);
         const auto children = tree.childrenOf(node);
+        // From the last on, so that the first is on top.
         for (std::size_t i = children.size(); i > 0; --i)
             pending.push_back({children[i - 1], depth + 1});
     }

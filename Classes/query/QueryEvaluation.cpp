@@ -1,3 +1,6 @@
+// The public questions to a query. They differ in how words are found, as they are written or as
+// wildcards, and what is asked: whether the query holds, or whether any of its positive words
+// occurs. Places of words are kept only where proximity asks for the same ones over and over.
 #include <velmocore/query/QueryEvaluation.h>
 
 #include <atomic>
@@ -13,6 +16,7 @@ using detail::PlainWords;
 using detail::QueryTree;
 using detail::WildcardWords;
 
+// Null stands for the usual set, so that nothing needs to be made before main().
 std::atomic<const CharacterSetRep*> currentTermCharacters = nullptr;
 
 template <class Words>

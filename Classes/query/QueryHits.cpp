@@ -1,3 +1,5 @@
+// Unlike the mere question whether a query holds, finding what made it hold asks for places again
+// and again, so that they are always kept.
 #include <velmocore/query/QueryHits.h>
 
 #include "query/HitCollection.h"

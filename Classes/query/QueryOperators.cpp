@@ -1,3 +1,5 @@
+// The words of the query language that are no terms. A part is compared with each: there are
+// fourteen, and most parts differ from all of them in length.
 #include "query/QueryOperators.h"
 
 #include <velmocore/text/FastCompare.h>

@@ -1,6 +1,10 @@
 // The query parser: one pass from left to right, without precedence and without a separate
 // tokeniser. Parentheses open a group on a stack of its own, so that the depth of a query
 // costs no recursion.
+//
+// Every text is a query: nothing fails, and what is missing or too much is passed over. What is
+// set for the next term (an operator, a negation) is kept beside the terms and used up by the
+// first one that comes, so that operators in a row need no rule of their own: the last one counts.
 #include <algorithm>
 
 #include <velmocore/text/CharacterSets.h>
@@ -35,6 +39,8 @@ public:
     /// Where the group of an opening parenthesis ends: at the closing one, or at the end of
     /// the query. To be asked from left to right.
     std::size_t closeOf(std::size_t open) {
+        // Parentheses in quotes and brackets are in the list but are never asked for, and are
+        // passed.
         while (pairs_[next_].open < open) ++next_;
         return pairs_[next_].close;
     }
@@ -56,6 +62,7 @@ public:
 
     QueryTree parse(const QueryTermFields& fields) {
         tree_.wildcard = options_.wildcard;
+        // The query itself is the outermost group, which no parenthesis closes.
         groups_.push_back({fields, query_.size(), 0, QueryOperator::None});
         for (;;) {
             if (index_ < groups_.back().end) {
@@ -150,6 +157,8 @@ private:
     }
 
     void openGroup() {
+        // Parentheses in quotes may pair across those of a group; a group never reaches beyond the
+        // one around it.
         const std::size_t end = std::min(parentheses_.closeOf(index_), groups_.back().end);
         groups_.push_back({next_, end, children_.size(), QueryOperator::None});
         reset();

@@ -1,4 +1,7 @@
 // A query as a text again, in any of several dialects.
+// One walk writes them all: a dialect is a set of flags that tell what it has words for. What it
+// has none for is written as the nearest that it has, so that each dialect finds too much rather
+// than too little.
 #include <velmocore/query/QueryTerms.h>
 #include <velmocore/text/ConversionTables.h>
 
@@ -31,6 +34,9 @@ constexpr ProximityRow ProximityRows[] = {
     {QueryOperator::Before, RenderBefore, "BEFORE"},
 };
 
+/// Walks the tree with a stack of its own, for its depth. What is written for a node depends on
+/// flags and on its own fields only, but for one thing: a leading plus of a group is known to be
+/// needed only when a later child is joined by AND.
 class Renderer {
 public:
     Renderer(const QueryTree& tree, std::uint64_t flags, const OperatorDictionary& dictionary)
@@ -192,6 +198,7 @@ private:
     std::vector<OpenGroup> open_;
 };
 
+// A flag that is added must not slip into one of these.
 constexpr std::uint64_t StandardizedFlags = RenderAnd | RenderOr | RenderXor | RenderNegated |
                                             RenderQuotes | RenderBrackets | RenderOptional;
 constexpr std::uint64_t NormalizedFlags = StandardizedFlags | RenderNear | RenderAfter |

@@ -1,4 +1,6 @@
 // The nearest occurrence of any of several terms.
+// The terms are sought one after the other; going forward, each only where it can still beat the
+// best hit so far.
 #include <algorithm>
 
 #include <velmocore/query/WordSearch.h>
@@ -24,6 +26,7 @@ struct Way {
 
 Range findTerm(const String& term, std::u16string_view text, Range range, Way way,
                const TermSearchOptions& options) {
+    // A star alone would be found everywhere, and hide what the other terms find.
     if (term.isEmpty() || term.length() > range.length || term == u"*") return Range::none();
     if (!options.exactPhrase && term.length() >= 3) {
         const std::vector<String> words = wordsUsingDefaultSeparation(term);
@@ -65,6 +68,7 @@ Nearest nearestTerm(std::span<const String> terms, std::u16string_view text, Ran
 Range nearestTerm(std::vector<String>& terms, std::u16string_view text, Range range, Way way,
                   const TermSearchOptions& options) {
     const Nearest best = nearestTerm(std::span<const String>(terms), text, range, way, options);
+    // Whoever searches on in the same direction need not look for these again.
     terms.erase(terms.begin(), terms.begin() + static_cast<std::ptrdiff_t>(best.missed));
     return best.range;
 }

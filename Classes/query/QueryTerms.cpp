@@ -1,3 +1,5 @@
+// A QueryTerms is a tree that is shared and never changes, and the index of a node in it. So a
+// child costs no copy, keeps the whole tree alive, and may be used on any thread.
 #include <velmocore/query/QueryTerms.h>
 
 #include "query/QueryTree.h"
@@ -9,6 +11,7 @@ using detail::QueryTree;
 
 namespace {
 
+// What an absent query answers with: one node for all, so that no member needs a branch.
 const QueryNode AbsentNode;
 
 QueryTermFields defaultFields(const QueryOptions& options) {
@@ -23,6 +26,7 @@ QueryTerms::QueryTerms(std::u16string_view query, const QueryOptions& options)
 QueryTerms::QueryTerms(std::u16string_view query, const QueryOptions& options,
                        const QueryTermFields& fields)
     : tree_(std::make_shared<const QueryTree>(detail::parseQuery(query, options, fields))),
+      // Nodes are made when they are closed, so the top one is the last.
       index_(tree_->nodes.size() - 1) {}
 
 QueryTerms QueryTerms::queryTermsWithString(const String& query) {

@@ -1,3 +1,7 @@
+// Asked for many stretches of one text, a sequence answers from what it found before. Most answers
+// are the hit in the text as a whole; only where a stretch ends within a word may another one be
+// right, and is searched for. Phrases that try one place after the other also remember what came
+// of each place, as many searches run into the same chain of places.
 #include "query/SequencePlaces.h"
 
 #include <algorithm>
@@ -65,6 +69,8 @@ Range SequencePlaces::hitOfChain(std::uint64_t start, std::uint64_t end,
 void SequencePlaces::forgetBefore(std::uint64_t position) {
     forgotten_ = position;
     if (places_.empty() || places_.back().location >= position) return;
+    // Only all at once, when none of them is needed any more: to move the rest each time would
+    // cost the number of places times the number of calls.
     places_.clear();
     inText_.clear();
     inStretch_.clear();

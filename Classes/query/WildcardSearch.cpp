@@ -1,6 +1,9 @@
 // Searches for wildcards in a text: single ones, the nearest of several, and all of them one
 // after the other. What a wildcard finds is settled in WildcardTerm, what is remembered from
 // hit to hit in WildcardWalk; here ranges are cut to the text and options handed on.
+//
+// The one-off searches make their pattern anew and remember nothing. Whoever wants hit after hit
+// takes forEachWildcard(), which keeps what it found from one hit to the next.
 #include <velmocore/query/WildcardSearch.h>
 
 #include <algorithm>
@@ -83,6 +86,7 @@ Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const Str
         if (!hit.isFound()) continue;
         best = hit;
         if (options.firstHit) break;
+        // A hit bounds what the next wildcard is sought in: only a nearer one can replace it.
         (options.direction == Direction::Backward ? start : end) =
             options.direction == Direction::Backward ? hit.end() : hit.location;
     }
@@ -121,6 +125,8 @@ Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> wor
     if (words.empty()) return Range::none();
     std::u16string phrase;
     for (const String& word : words) {
+        // The quotes separate words and are no hyphens: so nothing here is also sought as one
+        // joined word.
         phrase += phrase.empty() ? u'"' : u' ';
         phrase += word.view();
     }

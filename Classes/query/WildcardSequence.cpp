@@ -1,3 +1,5 @@
+// One pattern, or a phrase of them. A phrase is tried at each place of its first word; the others
+// must be the very next words, so that a try costs the phrase and no search.
 #include "query/WildcardSequence.h"
 
 #include <algorithm>
@@ -19,6 +21,7 @@ Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end,
                    Direction direction, bool starIsWord) {
     if (!starIsWord) return {start, end - start};
     const bool beginsInside = text.isAfterTerm(start);
+    // Backwards a star takes the one unit at the start; a deliberate rule, see the header.
     if (direction == Direction::Backward)
         return !beginsInside && text.isTerm(start) ? Range{start, 1} : Range::none();
     std::uint64_t word = beginsInside ? text.endOfRun(start, end) : start;

@@ -1,3 +1,6 @@
+// A wildcard is classified before it is used: for a word with a star at one end, which is what
+// people mostly write, a comparison of one edge is enough. The pass that counts the elements also
+// drops what means nothing and would hide such a shape.
 #include "query/WildcardShape.h"
 
 #include <utility>
@@ -31,6 +34,7 @@ std::size_t compact(char16_t* wildcard, std::size_t length, Counts& counts) {
         const char16_t before = std::exchange(previous, wildcard[i]);
         const char16_t unit = previous;
         if (openedAt) {
+            // A | in a set means nothing, as every member is an alternative already.
             if (unit != u'|') *out++ = unit;
             hasMember |= unit != u'^' && unit != u'-' && unit != u'|' && unit != u']';
             if (unit != u']') continue;
@@ -38,6 +42,7 @@ std::size_t compact(char16_t* wildcard, std::size_t length, Counts& counts) {
                 ++counts.literals;
                 ++counts.sets;
             } else {
+                // A set without a member means nothing, and goes as if it were not there.
                 out = openedAt;
             }
             openedAt = nullptr;
@@ -64,6 +69,7 @@ WildcardType typeOf(std::u16string_view wildcard, const Counts& counts,
     using enum WildcardType;
     if (counts.literals == 0) return Unusable;
     if (counts.stars == 0) return counts.sets ? Sets : counts.marks ? Marks : Plain;
+    // Asked of wildcards with a star only, which are those that could match nearly every word.
     if (counts.literals < minCharacters) return Unusable;
     const bool starFirst = wildcard.front() == u'*', starLast = wildcard.back() == u'*';
     if (counts.stars == 1 && (starFirst || starLast)) {

@@ -1,3 +1,6 @@
+// A wildcard with separators in it is a phrase; one joined by hyphens is sought also as one word,
+// as authors differ in how they write it. The joined form is asked only where the words apart are
+// not found: of two hits in a stretch this rule, and not their places, decides.
 #include "query/WildcardTerm.h"
 
 #include <string>
@@ -6,6 +9,7 @@ namespace velmo::detail {
 
 /// The words of a wildcard; none if there are fewer than two.
 static SeparatedWords partsOf(std::u16string_view wildcard) {
+    // Two words and a separator have three units at least.
     if (wildcard.size() < 3 || numberOfWordsUsingWildcardSeparation(wildcard) < 2) return {};
     return separatedWildcardWords(String(wildcard));
 }

@@ -1,3 +1,7 @@
+// Many wildcards, hit by hit. The nearest hit ends the stretch in which the wildcards after it are
+// sought; each of them keeps what it found beyond, so that no part of the text is scanned by one
+// wildcard more than once. Backwards the same, with the difference that a stretch which begins
+// behind a word leaves out a word at its very end.
 #include "query/WildcardWalk.h"
 
 #include <functional>

@@ -1,5 +1,9 @@
 // The wildcard language for single strings: the operations are thin, the matchers stand in
 // WildcardMatch.h and the normalising pass in WildcardShape.cpp.
+//
+// Two languages share one matcher. The plain one has * and ? only; the other one, called Unix, has
+// sets in brackets too. Which one it is, and how units are folded, are template arguments, so that
+// the loop over the units has no branch for either.
 #include <velmocore/query/Wildcards.h>
 
 #include <algorithm>
@@ -36,6 +40,7 @@ bool isCaseInsensitiveLike(std::u16string_view string, std::u16string_view wildc
                                              TableFold{upper});
 }
 
+/// The units of the language must not cut a wildcard in two.
 CharacterSetRep makeWildcardSeparators() {
     CharacterSetRep set = defaultWordSeparators();
     for (char16_t unit : {u'*', u'?', u'[', u']'}) set.remove(unit);
@@ -133,6 +138,7 @@ bool isUnicharTablePartOfConversionTable(const ConversionTable* table,
                                          const ConversionTable* conversion) {
     if (!table || !conversion) return false;
     if (table == conversion) return true;
+    // Told by the tables' addresses: each is one object for the whole process.
     const bool isLower = conversion == &lowerUmlautsCharsTable();
     const bool isUpper = conversion == &upperUmlautsCharsTable();
     if (table == &lowerCharsTable()) return isLower;

@@ -1,3 +1,6 @@
+// A stretch differs from the whole text only at its edges, where a word may stand that goes on
+// outside. So the answers for all stretches come from one list of places, and two looks at the
+// edges.
 #include "query/WordOccurrences.h"
 
 #include <algorithm>
@@ -27,6 +30,7 @@ std::uint64_t WordOccurrences::firstListed(const SoughtWord& sought, std::uint64
             break;
         }
         scanned_ = found + 1;
+        // Found at the edge of this stretch only; for the list it is none.
         if (!wordStandsAt(sought, found, 0, sought.text.size())) continue;
         positions_.push_back(found);
         if (found >= from) return found;

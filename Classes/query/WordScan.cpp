@@ -1,3 +1,5 @@
+// A word is sought as units first and judged by its neighbours then: the search for units is many
+// times faster than cutting the text into words, and words that are asked for are mostly rare.
 #include "query/WordScan.h"
 
 #include "text/PatternScan.h"
@@ -28,6 +30,7 @@ template <class Fold>
 std::uint64_t firstAccepted(const SoughtWord& sought, std::uint64_t start, std::uint64_t end,
                             const Fold& fold) {
     const std::uint64_t starts = end - sought.word.size() + 1;
+    // One unit behind a refused place, as an occurrence may overlap it.
     for (std::uint64_t from = start; from < starts; ++from) {
         const std::uint64_t found =
             firstOccurrence(sought.text.data() + from, starts - from, sought.word, fold);

@@ -1,5 +1,8 @@
 // Words and phrases in a text. All of it stands on the one scan of WordScan, forwards or from
 // the end; a phrase is tried at each place of its first word.
+//
+// An occurrence is asked for in a range, whose edges end words as the edges of a text do. So the
+// evaluation of a query can ask about a window around a word without cutting the text.
 #include <velmocore/query/WordSearch.h>
 
 #include <algorithm>
@@ -57,6 +60,7 @@ Range findWord(std::u16string_view text, std::u16string_view word, Range range,
 std::size_t FindWordInString(std::u16string_view text, Range range, std::u16string_view word,
                              const FindWordOptions& options) {
     if (word.empty()) return NotFound;
+    // Before the range is cut: such a word counts as found at the start of any range.
     if (word.front() == u'*') return range.location;
     range = cutAt(text, range);
     const detail::SoughtWord sought{text, word, options.letterCase, options.wholeWord,
@@ -100,6 +104,7 @@ Range FindNonExactPhraseInString(std::u16string_view text, Range range,
         const std::uint64_t behind = hit + words[0].length();
         const std::uint64_t last = behind < end ? endOfRest(behind, end) : NotFound;
         if (last != NotFound) return {hit, last - hit};
+        // Nothing would be left of the stretch.
         if (options.direction == Direction::Backward ? hit <= start : behind >= end)
             return Range::none();
         (options.direction == Direction::Backward ? end : start) =

@@ -1,3 +1,6 @@
+// A window of some words around a place is mostly narrow, and a walk over its units is then
+// cheaper than any list. A wide one around each of many hits would cost hits times words; for
+// these the ends of all words are listed once, and a step is a binary search.
 #include "query/WordSteps.h"
 
 #include <algorithm>
@@ -43,6 +46,7 @@ std::uint64_t WordSteps::forward(std::uint64_t position, std::uint64_t end, std:
     if (n <= NearSteps || position >= end || end - position <= n)
         return wordsForward(text_, termCharacters_, position, end, n);
     listWords();
+    // A word that ends at the position is behind it, as the walk has it.
     const auto first = std::ranges::upper_bound(ends_, position);
     if (static_cast<std::uint64_t>(ends_.end() - first) < n) return end;
     return std::min(first[static_cast<std::ptrdiff_t>(n - 1)], end);

@@ -1,3 +1,6 @@
+// zlib's streams under the two operations. It counts what goes in in 32 bits and what comes out is
+// not known ahead, so both go in portions: the input as views of the caller's bytes, the output
+// through a buffer on the stack, which is checked against the limit before anything is kept.
 #include <velmocore/storage/Compression.h>
 
 #include <zlib.h>
@@ -12,10 +15,14 @@
 namespace velmo {
 namespace {
 
+// A window of 2^15 bytes, the largest; zlib adds 16 to it for gzip and 32 for either format, told
+// by the first bytes. The memory level is zlib's own default.
 constexpr int ZlibWindowBits = 15, GzipWindowBits = 31, AnyWindowBits = 47;
 constexpr int MemoryLevel = 8;
+/// Bytes.
 constexpr std::size_t PortionSize = 16384;
 
+/// 0, zlib's level that only stores, is no level here, and counts as the nearest one.
 int usableLevel(int level) {
     return level == DefaultCompressionLevel ? level : std::clamp(level, 1, 9);
 }
@@ -50,12 +57,15 @@ bool runToEnd(z_stream& stream, Input& input, Data& out, std::size_t limit, Step
         input.feed(stream);
         stream.next_out = portion.data();
         stream.avail_out = static_cast<uInt>(portion.size());
+        // A stream that breaks off ends here too: when nothing is left to go in, zlib reports that
+        // it cannot go on, so that the loop always ends.
         const int status = step(stream);
         if (status != Z_OK && status != Z_STREAM_END) return false;
         const std::size_t made = portion.size() - stream.avail_out;
         const std::size_t taken = std::min(made, limit - out.size());
         out.insert(out.end(), portion.begin(),
                    portion.begin() + static_cast<std::ptrdiff_t>(taken));
+        // What fits was kept, as the caller may want the start of what was too long.
         if (taken < made) return false;
         if (status == Z_STREAM_END) return true;
     }
@@ -96,6 +106,7 @@ bool detail::inflateInto(Data& data, Bytes bytes, std::size_t maximumLength, std
     const Data former = std::exchange(data, {});  // may hold the bytes
     return runToEnd(stream, input, data, maximumLength,
                     [](z_stream& s) { return inflate(&s, Z_NO_FLUSH); }) &&
+           // Bytes behind the end of the stream are damage, another gzip member too.
            stream.avail_in == 0 && input.isLast();
 }
 

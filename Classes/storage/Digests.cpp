@@ -1,3 +1,5 @@
+// The algorithms are OpenSSL's; here is only what their callers need: contexts that give a result
+// in whatever order they are used, and the salted hash.
 #include <velmocore/storage/Digests.h>
 
 #include <openssl/evp.h>
@@ -18,6 +20,7 @@ void require(bool done) {
 
 template <std::size_t Size>
 std::array<std::uint8_t, Size> digestOf(Bytes bytes, const EVP_MD* algorithm) {
+    // Not initialised, as all of it is written or an exception leaves.
     std::array<std::uint8_t, Size> digest;
     require(EVP_Digest(bytes.data(), bytes.size(), digest.data(), nullptr, algorithm, nullptr));
     return digest;
@@ -58,6 +61,7 @@ DigestContext::~DigestContext() = default;
 /// The steps of both algorithms.
 struct DigestSteps {
     static void init(DigestContext& context, const EVP_MD* algorithm) {
+        // Made whole first: if it is refused, the context is what it was.
         auto state = std::make_unique<DigestContext::State>();
         require(state->openssl && EVP_DigestInit_ex(state->openssl, algorithm, nullptr));
         context.state_ = std::move(state);
@@ -67,6 +71,7 @@ struct DigestSteps {
             require(EVP_DigestUpdate(context.state_->openssl, bytes.data(), bytes.size()));
     }
     static void final(DigestContext& context, std::uint8_t* digest, const EVP_MD* algorithm) {
+        // A context that was not started gives the digest of no bytes, and never garbage.
         if (!context.state_) init(context, algorithm);
         require(EVP_DigestFinal_ex(context.state_->openssl, digest, nullptr));
         invalidate(context);

@@ -1,3 +1,6 @@
+// The folders are looked up once, at first use, and kept for the life of the process: they do not
+// move while a program runs, and every test of a path would otherwise read files. All of this is
+// text; no folder is made, and none need exist.
 #include <velmocore/system/StandardFolders.h>
 
 #include <cstdlib>
@@ -13,6 +16,7 @@ namespace {
 using View = std::u16string_view;
 
 const detail::UserFolders& folders() {
+    // Never freed, so that threads which outlive main() may still ask.
     static const auto& found = *new detail::UserFolders(
         detail::findUserFolders([](const char* name) { return std::getenv(name); }));
     return found;
@@ -71,6 +75,8 @@ bool isTemporaryPath(View path) {
     if (path.starts_with(u"/tmp") || path.starts_with(u"/var/tmp/") ||
         liesBelow(path, folders().temporary))
         return true;
+    // Each test first looks for a part that few paths have, so that no path is put together for
+    // the others.
     if (contains(path, u"/TemporaryItems") &&
         path.starts_with(pathInCachesDirectory(u"TemporaryItems")))
         return true;

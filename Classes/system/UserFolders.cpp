@@ -17,12 +17,14 @@ namespace velmo::detail {
 namespace {
 
 /// Settings beyond this are not read: no client writes that much.
+/// In bytes.
 constexpr std::size_t LongestSettings = 1 << 20;
 
 String orElse(const String& folder, const String& parent, std::u16string_view fallback) {
     return folder.isAbsent() ? detail::appendedComponent(parent, fallback) : folder;
 }
 
+/// Only of a regular file: a pipe of that name would be waited for without end.
 std::string settings(const String& path) {
     const std::optional<Data> bytes = readRegularFile(path.utf8(), LongestSettings);
     return bytes ? std::string(charsOf(*bytes)) : std::string();
@@ -38,6 +40,8 @@ String folderOfSetting(std::string_view quoted, const String& home) {
         value += quoted[i];
     }
     constexpr std::string_view Home = "$HOME";
+    // The only variable that the file may name; others stay as they are, and their folder does not
+    // begin with a slash, so it counts as not told.
     if (value == Home || value.starts_with("$HOME/")) value.replace(0, Home.size(), home.utf8());
     return absoluteFolder(value);
 }
@@ -46,6 +50,7 @@ String folderOfSetting(std::string_view quoted, const String& home) {
 String userDirectory(const std::string& settings, std::string_view key, const String& home) {
     String folder;
     std::istringstream lines(settings);
+    // The last one counts, as in the shell that reads this file too.
     for (std::string line; std::getline(lines, line);) {
         const std::string_view text =
             std::string_view(line).substr(std::min(line.find_first_not_of(" \t"), line.size()));
@@ -61,6 +66,7 @@ std::vector<String> dropboxFolders(const String& home) {
         settings(detail::appendedComponent(home, u".dropbox/info.json")), nullptr,
         /*allow_exceptions=*/false);
     for (const char* account : {"personal", "business"}) {
+        // Either account may be missing, and any value may be of another kind.
         if (!info.is_object() || !info.contains(account) || !info[account].is_object()) continue;
         const auto path = info[account].find("path");
         if (path != info[account].end() && path->is_string())

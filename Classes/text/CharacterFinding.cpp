@@ -1,3 +1,6 @@
+// Finding single units. Without regard to case a unit is compared through the upper-case table,
+// and a unit that has no case is sought as it is, by the fastest loop; the rule is settled once,
+// ahead of it.
 #include <velmocore/text/CharacterFinding.h>
 
 #include <algorithm>
@@ -24,6 +27,8 @@ std::size_t startIn(View string, CharacterSearch search) {
 /// case rule.
 template <class Function>
 auto withCaseRule(char16_t unit, Case letterCase, Function function) {
+    // A unit of two cases is sought by its upper one under either rule: case sensitive it is so
+    // found only if it was given in upper case.
     const char16_t upper = toUpper(unit);
     if (upper == toLower(unit)) return function(unit, NoFold{});
     return letterCase == Case::Insensitive ? function(upper, UpperFold{})

@@ -1,3 +1,6 @@
+// Sets are bitmaps of the whole 16-bit plane, 8 KB each: a test is one load and a shift, whatever
+// script the unit is of. Each is made at first use, by a walk over Unicode's categories, so that
+// no table of the library can disagree with the Unicode version of the system.
 #include <velmocore/text/CharacterSets.h>
 
 #include "platform/Unicode.h"
@@ -16,6 +19,7 @@ CharacterSetRep setOfCategories(std::uint32_t categories) {
 CharacterSetRep makeSpaceSet() {
     CharacterSetRep set = setOfCategories(detail::unicode::SpaceSeparator);
     set.add(u'\0');
+    // Unicode has the tab among the controls.
     set.add(u'\t');
     return set;
 }
@@ -24,6 +28,7 @@ CharacterSetRep makeWhiteSet() {
     CharacterSetRep set;
     for (unsigned unit = 0; unit < 65536; ++unit) {
         const auto c = static_cast<char16_t>(unit);
+        // Feed units are not all white by Unicode: U+0003, U+FEFF and U+FFFC are white only here.
         if (detail::unicode::isWhiteSpaceOrNewline(c) || isFeedUnit(c)) set.add(c);
     }
     set.add(u'\0');

@@ -96,6 +96,7 @@ bool isMashedWordString(View string) {
     const CharacterSetRep& lower = lowerCharacterSetRep();
     if (string.size() < 3 || !upper.contains(string[0])) return false;
     std::size_t i = 1;
+    // Only the start is looked at: what follows the second word may be anything.
     while (i < string.size() && lower.contains(string[i])) ++i;
     return i >= 2 && i + 1 < string.size() && upper.contains(string[i]) &&
            lower.contains(string[i + 1]);
@@ -129,6 +130,8 @@ bool containsNumberWithNDigits(View string, std::size_t digits) {
     if (digits == 0 || string.size() < digits) return false;
     std::size_t run = 0;
     for (char16_t unit : string) {
+        // A longer run holds one of that length too, so the first place at which it is reached
+        // decides.
         run = detail::ascii::isDigit(unit) ? run + 1 : 0;
         if (run == digits) return true;
     }

@@ -1,3 +1,6 @@
+// Both forms, the string and the text in place, share one look for the first unit that changes:
+// what stands before it is copied in one piece or not at all, and a text that is clean comes back
+// itself.
 #include <velmocore/text/Collapsing.h>
 
 #include "text/SmallBuffer.h"
@@ -48,6 +51,8 @@ String stringByRemovingMultipleWhiteSpaces(const String& string, RunClass runs,
 
 void removeMultipleWhiteSpaces(std::u16string& text, RunClass runs, char16_t replacement) {
     collapse(text, runs, replacement, [&](View settled, const auto& writeRest) {
+        // A buffer of its own, as the kernel writes whole blocks and must not overlap what it
+        // reads.
         SmallBuffer<char16_t> rest(text.size() - settled.size());
         const std::size_t length = writeRest(rest.data());
         text.replace(settled.size(), std::u16string::npos, rest.data(), length);

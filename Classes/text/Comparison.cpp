@@ -1,3 +1,6 @@
+// Comparing without a copy: each rule is a folding of single units, so that texts of different
+// length are never equal and nothing is allocated. An absent string equals nothing, not even
+// another absent one; an absent part of a range likewise.
 #include <velmocore/text/Comparison.h>
 
 #include "text/UnitFold.h"
@@ -17,6 +20,7 @@ bool equal(View a, View b, const Fold& fold) {
 
 bool bothPresent(View a, View b) { return a.data() && b.data(); }
 
+/// The length is compared with what is left, as a sum of both could pass 64 bits.
 bool liesIn(Range range, View string) {
     return range.location <= string.size() && range.length <= string.size() - range.location;
 }
@@ -49,6 +53,7 @@ bool rangeIsEqualTo(View string, Range range, View other) {
 }
 
 bool rangeIsEqualToNoCase(View string, Range range, View other) {
+    // Absent counts as empty here, as it does in rangeIsEqualTo(), which compares plain views.
     return isEqualToStringNoCase(part(string, range), orEmpty(other));
 }
 

@@ -19,6 +19,7 @@ std::vector<String> configLines(View string) {
                     // The line end goes with the white space.
                     const View line =
                         trimmedView(View(begin, end), Ends::Both, spacesAndFeeds(true));
+                    // A setting has a key and something behind it, which one unit cannot be.
                     if (line.size() >= 2 && line.front() != u'#') result.emplace_back(line);
                 });
     return result;
@@ -27,6 +28,7 @@ std::vector<String> configLines(View string) {
 String configValueForKey(View line, View key) {
     if (line.size() <= key.size() || !hasPrefixNoCase(line, key)) return {};
     const View rest = line.substr(key.size());
+    // Else the key is only the start of a longer one.
     if (!whiteCharacterSetRep().contains(rest.front())) return {};
     const View value = trimmedView(rest, Ends::Both, unicode::isWhiteSpaceOrNewline);
     return value.empty() ? String() : String(value);

@@ -13,6 +13,7 @@ namespace {
 template <class Map>
 const ConversionTable& makeTable(Map map) {
     auto* table = new ConversionTable;
+    // U+FFFF is no character, and maps to itself without being asked for.
     for (unsigned unit = 0; unit < 65535; ++unit)
         table->entries[unit] = map(static_cast<char16_t>(unit));
     table->entries[65535] = 65535;

@@ -28,6 +28,7 @@ void dump(std::u16string_view string) {
         out +=
             fmt::format("{}{}: {}\n", utf8(row), std::string(RowUnits - row.size(), ' '), values);
     }
+    // One call for all, so that the rows of two threads do not mix.
     log(out + frame);
 }
 

@@ -1,3 +1,6 @@
+// String encodings and text encodings are two numberings of the same converters. Sixteen string
+// encodings have numbers of their own; all others are the number of the text encoding with a high
+// bit, so that the mapping needs no table for them and loses nothing.
 #include <velmocore/text/Encodings.h>
 
 #include <algorithm>
@@ -40,6 +43,7 @@ constexpr EncodingPair Pairs[] = {
 
 constexpr std::uint32_t OtherBit = 0x80000000;
 
+// Relaxed: the number stands for itself, and no other memory depends on it.
 std::atomic<StringEncoding> processEncoding = UTF8StringEncoding;
 
 }  // namespace
@@ -53,6 +57,7 @@ StringEncoding stringEncodingOf(TextEncoding encoding) noexcept {
 TextEncoding textEncodingOf(StringEncoding encoding) noexcept {
     const auto pair = std::ranges::find(Pairs, encoding, &EncodingPair::string);
     if (pair != std::end(Pairs)) return pair->text;
+    // The unknown encoding has the bit too, and is none.
     const bool other = encoding < UnknownStringEncoding && (encoding & OtherBit);
     return other ? static_cast<TextEncoding>(encoding & ~OtherBit) : UnknownTextEncoding;
 }
@@ -93,6 +98,8 @@ Conversion convertUnicodeToUTF8(std::u16string_view source, std::span<std::uint8
             written += detail::encodeUtf8(source.substr(0, count),
                                           reinterpret_cast<char*>(destination.data() + written));
         } else {
+            // The most that a character takes; it is copied only if all of it fits, as no half of
+            // a sequence may stand at the end.
             char bytes[4];
             count = detail::isPairAt(source, 0) ? 2 : 1;
             const std::size_t length = detail::encodeUtf8(source.substr(0, count), bytes);

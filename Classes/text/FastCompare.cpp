@@ -1,3 +1,6 @@
+// Comparing for order. The result is the difference of the first units that differ, else that of
+// the lengths, in 64 bits, so that none overflows. Units are compared before they are folded, so
+// that texts which are alike cost no table.
 #include <velmocore/text/FastCompare.h>
 
 #include <algorithm>
@@ -42,6 +45,7 @@ std::int64_t fastCompareChars(std::string_view a, std::string_view b) {
     const std::size_t common = std::min(a.size(), b.size());
     const auto [x, y] = std::mismatch(a.begin(), a.begin() + lengthOf(common), b.begin());
     if (x != a.begin() + lengthOf(common))
+        // Signed, whatever the machine's char is: an order that is stored must not depend on it.
         return static_cast<signed char>(*x) - static_cast<signed char>(*y);
     return lengthOf(a.size()) - lengthOf(b.size());
 }

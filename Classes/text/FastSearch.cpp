@@ -33,6 +33,8 @@ public:
     }
 
 private:
+    // 4096 bits are 512 bytes, which are cheap to clear for a text of 1024 units at most. ASCII
+    // pairs hardly share a slot: six bits of the first unit lie above all but one of the second.
     static unsigned slotOf(char16_t a, char16_t b) { return ((a << 6) ^ b) & 4095u; }
 
     std::uint64_t bits_[64] = {};
@@ -42,6 +44,8 @@ bool containsAny(std::u16string_view text, std::span<const std::string_view> key
     const auto occurs = [&](std::string_view keyword) {
         return firstOccurrence(text, keyword, NoFold{}) != NotFound;
     };
+    // The filter pays for lists of hundreds of keywords over one link. A filter that says no is
+    // always right, so the answer is the same with and without it.
     if (text.size() > PairFilter::MaxUnits) return std::ranges::any_of(keywords, occurs);
     const PairFilter pairs(text);
     return std::ranges::any_of(keywords, [&](std::string_view keyword) {
@@ -53,6 +57,7 @@ bool containsAny(std::u16string_view text, std::span<const std::string_view> key
 
 std::size_t fastContainsUnichars(std::u16string_view text, std::u16string_view pattern) {
     if (pattern.empty() || pattern.size() >= text.size()) return NotFound;
+    // One start less than there is, on purpose; see the header.
     return firstOccurrence(text.data(), text.size() - pattern.size(), pattern, NoFold{});
 }
 
@@ -75,6 +80,7 @@ bool fastContainsSubCStrings(std::u16string_view text, std::span<const std::stri
     if (text.empty()) return false;
     if (!table) return containsAny(text, keywords);
 
+    // Mapped once for all keywords, and not once for each.
     SmallBuffer<char16_t> units(text.size());
     mapUnits(text.data(), text.data() + text.size(), units.data(), TableFold{*table});
     return containsAny({units.data(), units.size()}, keywords);

@@ -1,3 +1,5 @@
+// Searches for strings. Each public form settles its rule (case, direction, table) ahead of the
+// loop and then runs one of two kernels, forward or backward, made for that rule.
 #include <velmocore/text/Finding.h>
 
 #include <algorithm>
@@ -34,6 +36,7 @@ std::size_t countSubstring(View string, View substring, Case letterCase) {
     return withFold(letterCase, [&](const auto& fold) {
         std::size_t count = 0;
         std::uint64_t hit;
+        // Occurrences do not overlap, as with replacing: the count is the number of replacements.
         for (View rest = string; (hit = firstOccurrence(rest, substring, fold)) != NotFound;
              rest.remove_prefix(hit + substring.size()))
             ++count;
@@ -48,6 +51,7 @@ bool containsSubstrings(View string, std::span<const String> substrings, Case le
 }
 
 bool containsSubCStrings(View string, std::span<const std::string_view> keywords, Case letterCase) {
+    // Only the text is mapped: keywords are in lower case by contract.
     return fastContainsSubCStrings(string, keywords,
                                    letterCase == Case::Sensitive ? nullptr : &lowerCharsTable());
 }
@@ -56,6 +60,9 @@ Range findString(View string, View sought, Range selection, FindOptions options)
     const std::size_t start = std::min<std::size_t>(selection.location, string.size());
     const std::size_t end = start + std::min<std::size_t>(selection.length, string.size() - start);
     return withFold(options.letterCase, [&](const auto& fold) {
+        // The selection itself is in neither part: a hit there is what the user sees already. Both
+        // parts are searched in the direction of the search, so that a wrapped one goes on from
+        // the far end.
         const auto before = [&] {
             return findInPart(string, 0, start, sought, options.direction, fold);
         };

@@ -1,5 +1,9 @@
 // One mapping routine for all operations. Its settings are template arguments: the mapping
 // of a unit, and whether a text that stays as it is comes back itself.
+//
+// A mapping goes from unit to unit, so that the length stays and the result is written in one
+// pass. What may change the length, such as the upper case of a sharp s, is the matter of
+// Normalisation.
 #include <velmocore/text/Folding.h>
 
 #include <algorithm>
@@ -44,6 +48,7 @@ bool isUnchangedBy(View string, const ConversionTable& table) {
 /// Whether all bytes are ASCII; 32 at a time.
 bool areAscii(const std::uint8_t* bytes, std::size_t size) {
     constexpr std::uint64_t High = 0x8080808080808080;
+    // One test for four words; memcpy() as the bytes may stand at any address.
     for (; size >= 32; bytes += 32, size -= 32) {
         std::uint64_t words[4];
         std::memcpy(words, bytes, 32);
@@ -66,6 +71,8 @@ String uppercaseNonUmlautedString(const String& string) {
     return mapped(string, through(upperUmlautsCharsTable()), Unchanged::GivesReceiver);
 }
 
+// The forms with a normalisation compose first: a letter and a mark of its own would each be
+// looked up alone, and the mark would stay.
 String nonUmlautedNormalizedString(const String& string) {
     return normalizedAndMapped(string, through(umlautsCharsTable()));
 }

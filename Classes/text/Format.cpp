@@ -1,3 +1,6 @@
+// A format is data here and may come from anywhere, so nothing of it reaches printf() unread: each
+// conversion is taken apart, its letter must fit the kind of the argument, and it is put together
+// anew. What does not fit stays in the text as it stands, where whoever wrote it will see it.
 #include "text/Format.h"
 
 #include <algorithm>
@@ -26,6 +29,7 @@ Conversion conversionAt(View format) {
     };
     const auto number = [&] {
         int value = 0;
+        // Five digits bound what one conversion can write, and no int overflows.
         for (int n = 0; n < 5 && isAt(u"0123456789"); ++n)
             value = value * 10 + (format[i++] - u'0');
         return value;
@@ -37,6 +41,7 @@ Conversion conversionAt(View format) {
         ++i;
         result.precision = number();
     }
+    // Lengths are read over: the argument knows its own.
     while (isAt(u"hlqjzt")) ++i;
     if (i < format.size() && format[i] < 128) result.letter = static_cast<char>(format[i++]);
     result.size = i;
@@ -47,6 +52,7 @@ Conversion conversionAt(View format) {
 template <class Value>
 std::u16string printed(const Conversion& conversion, const char* length, char letter, Value value) {
     const std::string format = "%" + conversion.flags + "*.*" + length + letter;
+    // A precision below 0 is none for printf() too.
     const auto print = [&](char* out, std::size_t room) {
         return std::snprintf(out, room, format.c_str(), conversion.width, conversion.precision,
                              value);
@@ -103,6 +109,8 @@ std::u16string formatted(View format, std::initializer_list<FormatArgument> argu
         const Conversion conversion = conversionAt(format.substr(1));
         const View whole = format.substr(0, conversion.size + 1);
         format.remove_prefix(whole.size());
+        // A double percent sign takes no argument; any other conversion takes one, also if it does
+        // not fit, so that those after it keep theirs.
         if (conversion.letter == '%')
             out += u'%';
         else if (next == arguments.end() || !appendArgument(out, conversion, *next++))

@@ -1,3 +1,6 @@
+// HOME goes first, as shells and tests set it; the account's own folder is for programs that were
+// started without an environment. A path that is not absolute would depend on where the program
+// was started, and counts as none.
 #include "text/HomeFolder.h"
 
 #include <pwd.h>
@@ -14,6 +17,7 @@ namespace {
 String accountHome() {
     passwd account;
     passwd* found = nullptr;
+    // Bytes for the entry's strings; an entry that needs more is as good as none.
     std::array<char, 4096> buffer;
     getpwuid_r(getuid(), &account, buffer.data(), buffer.size(), &found);
     return found && found->pw_dir ? detail::absoluteFolder(found->pw_dir) : String();
@@ -38,6 +42,7 @@ String detail::homeFolderOf(EnvironmentVariable variable) {
 }
 
 const String& homeDirectory() {
+    // Never freed, so that threads which outlive main() may still ask.
     static const auto& home =
         *new String(detail::homeFolderOf([](const char* name) { return std::getenv(name); }));
     return home;

@@ -36,7 +36,8 @@ inline bool equalNoCase(std::u16string_view a, std::u16string_view b) {
     return true;
 }
 
-/// Where the keyword first stands in the units, from a position on; npos if nowhere.
+/// Where the keyword first stands in the units, from a position on; npos if nowhere. A plain loop:
+/// keywords are short constants, and what they are sought in is a tag, a type or a link.
 inline std::size_t find(std::u16string_view units, std::string_view capitals,
                         std::size_t from = 0) {
     for (std::size_t i = from; i + capitals.size() <= units.size(); ++i)

@@ -22,6 +22,7 @@ inline std::int64_t leadingInteger(std::u16string_view text) {
     std::int64_t value = 0;
     for (; i < text.size() && ascii::isDigit(text[i]); ++i) {
         const int digit = text[i] - u'0';
+        // Before it overflows: the product of the next line would pass 64 bits.
         if (value > (Max - digit) / 10) return negative ? -Max - 1 : Max;
         value = value * 10 + digit;
     }

@@ -1,3 +1,6 @@
+// Nearly all text is in form C already and is proved so by a scan for units above U+02FF, many at
+// a time; ICU gets only what that leaves open. Case goes through the tables where they say the
+// same as Unicode's full mapping, in which a letter may become several.
 #include <velmocore/text/Normalisation.h>
 
 #include <algorithm>
@@ -18,6 +21,7 @@ using View = std::u16string_view;
 
 /// What must not be kept in stored text.
 bool isUnsafe(char16_t unit) {
+    // The stretch of private use is that of the word separators, with its last unit.
     return unit == 0 || isSurrogate(unit) || (unit >= 0xF400 && unit <= 0xF8FF);
 }
 
@@ -39,6 +43,8 @@ String uppercased(View text) {
     return unicode::upperCase(text);
 }
 
+/// The compatibility forms of Unicode would give "st" for the long s with t; "ft" is deliberate,
+/// see the header.
 View lettersOf(char16_t unit) {
     switch (unit) {
         case 0xFB00:
@@ -68,6 +74,7 @@ View lettersOf(char16_t unit) {
 
 String normalizedString(const String& string, NormalizationForm form) {
     if (string.isEmpty()) return string;
+    // A view makes a new string: callers may count on one.
     if (form == NormalizationForm::C && isComposed(string)) return string.view();
     return unicode::normalized(string, static_cast<unicode::Form>(form));
 }
@@ -110,6 +117,7 @@ void capitalize(std::u16string& text) { text = unicode::titleCase(text); }
 
 void convertLigaturesToCharacters(std::u16string& text) {
     const auto isLigature = [](char16_t unit) { return !lettersOf(unit).empty(); };
+    // Most texts have none and are not copied.
     const auto first = std::ranges::find_if(text, isLigature);
     if (first == text.end()) return;
     std::u16string out(text.begin(), first);

@@ -1,6 +1,8 @@
 // Paths are taken apart into views (PathParts.h) and put together once; a component is no string
 // of its own. Names for files are cut by two measures, units and bytes of UTF-8, and never within
 // a surrogate pair.
+//
+// The file system is never asked: a path may be that of another machine, or of nothing yet.
 #include <velmocore/text/Paths.h>
 
 #include <algorithm>
@@ -24,10 +26,12 @@ constexpr std::size_t LongestName = 250;      ///< in units, and in bytes of UTF
 constexpr std::size_t LongestFilename = 255;  ///< in bytes, as file systems have it
 constexpr std::size_t LongestExtension = 17;
 
-/// The components that are left of a path when it is standardised.
+/// The components that are left of a path when it is standardised. A .. takes the root away too:
+/// a path that climbs above it becomes relative.
 std::vector<View> keptComponents(View path) {
     std::vector<View> kept;
     for (const View component : detail::componentsOfPath(path)) {
+        // The views lie in the path itself, so the address tells the first slash from the last.
         const bool isRoot = component.data() == path.data();  // and no slash at the end
         if (component == u"." || (component == u"/" && !isRoot)) continue;
         if (component != u"..")
@@ -71,6 +75,7 @@ std::size_t unitsWithinBytes(View text, std::size_t bytes) {
 
 /// At most 250 units, and so many bytes.
 void cutName(std::u16string& name, std::size_t bytes) {
+    // Both measures hold: 250 units may be 750 bytes, and most file systems count bytes.
     const std::size_t units = detail::wholePairs(name, LongestName);
     name.resize(unitsWithinBytes(View(name).substr(0, units), bytes));
 }
@@ -94,6 +99,7 @@ String relativePathToDirectory(View path, View directory) {
 
 bool pathIsInDirectory(const String& path, const String& directory) {
     if (directory.isAbsent() || path.isIdenticalTo(directory)) return false;
+    // Without its slashes the root is the folder without a name, in which nothing lies.
     return detail::liesIn(path, detail::withoutSlashesAtEnd(directory));
 }
 
@@ -173,6 +179,7 @@ void createFileSystemRepresentationAndAppendExtension(std::u16string& name, View
     if (extension.empty() || extension.size() > LongestExtension)
         return createFileSystemRepresentation(name);
     const std::u16string suffix = u"." + std::u16string(extension);
+    // At most 3 * 17 bytes and the full stop, so that room for a name is always left.
     cutRepresentation(name, LongestName - utf8(suffix).size());
     if (!View(name).ends_with(suffix)) name += suffix;
 }
@@ -188,6 +195,7 @@ void createFilename(std::u16string& text) {
     detail::trimInPlace(text, detail::Ends::Both, [](char16_t unit) {
         return unit == u'.' || unit == u'/' || unit == u':' || unit == u'_';
     });
+    // Cut before units are replaced, as the replacements are one byte for one.
     cutName(text, LongestFilename);
     constexpr View Illegal(u"*/:<>?\\|\0", 9);
     std::replace_if(

@@ -1,5 +1,8 @@
 // The kernels of the search by two units: eight or thirty-two starts a step, each with a plain loop
 // beside it; and the units that a fold makes equal, from which anchors outside ASCII are made.
+//
+// Each kernel hands what is left over to the next narrower one, so that none reads behind the last
+// start.
 #include "text/PatternScan.h"
 
 #include <algorithm>
@@ -88,6 +91,7 @@ __attribute__((target("avx2"))) std::size_t nextAvx2(const char16_t* text, std::
             }
             both[half] = _mm256_and_si256(hitX, hitY);
         }
+        // One test for both halves, as most steps find nothing.
         if (_mm256_testz_si256(_mm256_or_si256(both[0], both[1]),
                                _mm256_or_si256(both[0], both[1])))
             continue;
@@ -137,6 +141,7 @@ public:
         const auto first = std::ranges::lower_bound(members_, fold_(unit), {}, &Member::key);
         const auto last = std::ranges::upper_bound(members_, fold_(unit), {}, &Member::key);
         const std::span<const Member> members(first, last);
+        // Few units have so many forms; the search then does without an anchor here.
         if (members.size() > 3) return std::nullopt;
         if (members.empty()) return exactAnchor(offset, unit);
         const auto variant = [&](std::size_t i) {
@@ -154,6 +159,7 @@ private:
     std::vector<Member> members_;  // in the order of the keys
 };
 
+/// Equal variants fill up those that are missing, so that kernels for more never match too much.
 int variantsOf(const Anchor& anchor) noexcept {
     const auto& v = anchor.variants;
     if (v[2] != v[0] && v[2] != v[1]) return 3;
@@ -164,6 +170,8 @@ int variantsOf(const Anchor& anchor) noexcept {
 
 std::size_t nextCandidate(const char16_t* text, std::size_t start, std::size_t starts,
                           const Anchor& first, const Anchor& second) noexcept {
+    // The number of variants is a template argument, so that the kernels' inner loops are
+    // unrolled.
     switch (std::max(variantsOf(first), variantsOf(second))) {
         case 1:
             return next<1>(text, start, starts, first, second);
@@ -176,6 +184,7 @@ std::size_t nextCandidate(const char16_t* text, std::size_t start, std::size_t s
 
 std::optional<Anchor> anyCaseAnchor(std::size_t offset, char16_t unit) {
     if (unit <= 127) return caseAnchor(offset, unit);
+    // Made when the first pattern outside ASCII is sought: it walks the whole plane once.
     static const auto& classes = *new FoldClasses;
     return classes.anchor(offset, unit);
 }

@@ -1,3 +1,6 @@
+// Two ways to undo hard line breaks. Mails are read unit by unit, as what a break means depends on
+// the units beside it only; other texts go line by line, as the characters to remove must be gone
+// before it shows whether a line is empty.
 #include <velmocore/text/Reformatting.h>
 
 #include <string>
@@ -39,10 +42,13 @@ private:
     }
 
     void joinAtBreak(std::size_t breaks) {
+        // Two breaks were at least two units, so the two that are written fit.
         if (breaks >= 2) {
             *out_++ = u'\n';
             *out_++ = u'\n';
         } else if (breaks == 1 && read_ < end_) {
+            // What begins so is a quotation, a list, an indented line or code, which would not
+            // survive joining.
             if (View(u" -/>}").find(*read_) != View::npos) {
                 *out_++ = u'\n';
             } else if (out_ > start_ && !white_.contains(out_[-1])) {
@@ -58,6 +64,7 @@ private:
             do ++read_;
             while (read_ < end_ && spaces_.contains(*read_));
         }
+        // A unit a step at least: feeds were skipped before, so the loop ends.
         if (read_ < end_ && !isFeedUnit(*read_)) *out_++ = *read_++;
     }
 

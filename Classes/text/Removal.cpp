@@ -1,3 +1,5 @@
+// Each operation is a class of units handed to the one routine of Remove.h. Tabs, feeds and single
+// units are found many at a time; digits and sets are tested one by one, as they stand close.
 #include <velmocore/text/Removal.h>
 
 #include "text/Remove.h"

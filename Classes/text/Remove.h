@@ -19,6 +19,7 @@ char16_t* copyKept(const char16_t* from, const char16_t* to, char16_t* out, cons
                    const Map& map) {
     for (; from < to; ++from) {
         const char16_t unit = *from;
+        // Written whether it is kept or not; what is not kept is overwritten by the next.
         *out = map(unit);
         out += keep(unit) ? 1 : 0;
     }

@@ -1,3 +1,6 @@
+// Every replacement of strings is a walk from hit to hit that copies what lies between in one
+// piece, into a new text. In place each change of length would move all that follows, and the time
+// would grow with the square of the number of hits.
 #include <velmocore/text/Replacing.h>
 
 #include <algorithm>
@@ -32,9 +35,11 @@ String stringByReplacingCharacter(const String& string, char16_t from, char16_t 
                                   Case letterCase) {
     if (from == to) return string;
     const char16_t upper = toUpper(from);
+    // A unit of two cases is replaced as it stands under either rule, on purpose; see the header.
     const bool literal = letterCase == Case::Sensitive || upper != toLower(from);
     const UpperFold fold;
     const auto isHit = [&](char16_t c) { return literal ? c == from : fold(c) == upper; };
+    // Looked for first, as the string itself comes back if nothing changes.
     if (std::none_of(string.begin(), string.end(), isHit)) return string;
     StringBuilder out;
     std::replace_copy_if(string.begin(), string.end(), out.prepare(string.length()), isHit, to);
@@ -52,6 +57,7 @@ String stringByReplacingString(const String& string, View sought, const String& 
 }
 
 String stringByRotating(const String& string, std::int64_t places) {
+    // The remainder of a negative number is negative, and this makes it count from the other end.
     const int shift = static_cast<int>((places % 26 + 26) % 26);
     if (string.isEmpty() || shift == 0) return string;
     const auto rotated = [shift](char16_t unit) {

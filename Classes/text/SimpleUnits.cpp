@@ -1,3 +1,6 @@
+// Which units are characters by themselves, in any text: they combine with nothing beside them and
+// no normalisation changes them. Made once, by asking ICU for each unit, and kept as a set, so
+// that a search settles with one pass whether it may compare units.
 #include "text/SimpleUnits.h"
 
 #include <algorithm>
@@ -43,6 +46,7 @@ bool areSimpleUnits(std::u16string_view text) {
         from, to, [](__m128i block) { return scan::inRange(block, FirstMark, 0xFFFF); },
         [](char16_t unit) { return unit >= FirstMark; });
 #endif
+    // Text below the marks ends here, and the set is not even made for it.
     if (from == to) return true;
     const CharacterSetRep& simple = simpleUnits();
     return std::all_of(from, to, [&](char16_t unit) { return simple.contains(unit); });

@@ -15,6 +15,7 @@ class SmallBuffer {
 public:
     /// The elements are not initialised.
     explicit SmallBuffer(std::size_t size) : size_(size) {
+        // Without value-initialisation, which would clear what is written over at once.
         if (size > Inline) heap_.reset(new T[size]);
     }
     SmallBuffer(std::size_t size, T value) : SmallBuffer(size) { std::fill_n(data(), size, value); }

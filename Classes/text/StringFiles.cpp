@@ -1,3 +1,6 @@
+// Files as strings. Reading without a known encoding takes the word of a byte-order mark or tries
+// UTF-8, and proves either by decoding strictly: bytes that are not that would come out as another
+// text without anybody noticing.
 #include <velmocore/text/StringFiles.h>
 
 #include <algorithm>
@@ -40,6 +43,8 @@ String stringWithData(Bytes data, StringEncoding encoding) {
     if (data.empty())
         return isEncodingAvailable(textEncodingOf(encoding)) ? String::empty() : String();
     const auto how =
+        // ASCII is the encoding of last resort: it takes any bytes, so that reading ends with some
+        // text.
         encoding == ASCIIStringEncoding ? detail::Decode::Lenient : detail::Decode::Strict;
     return detail::decodedString(textEncodingOf(encoding), data, how);
 }
@@ -90,6 +95,7 @@ FileWriting writeToFileUsingSmallestEncoding(const String& string, const Path& p
     return writtenIn(smallestEncoding(string), string, path, atomically);
 }
 
+// The units as they stand in memory: nothing is computed.
 StringEncoding fastestEncoding(std::u16string_view) noexcept { return UTF16StringEncoding; }
 
 StringEncoding smallestEncoding(std::u16string_view string) noexcept {
@@ -100,8 +106,10 @@ StringEncoding smallestEncoding(std::u16string_view string) noexcept {
         // A surrogate pair has four bytes, two for each half.
         bytes += unit < 0x80 ? 1 : unit < 0x800 || detail::isSurrogate(unit) ? 2 : 3;
     }
+    // The units or-ed together are below a power of two only if each of them is.
     if (all < 0x80) return ASCIIStringEncoding;
     if (all < 0x100) return ISOLatin1StringEncoding;
+    // UTF-8 has no form for it.
     if (detail::hasLoneSurrogate(string)) return UTF16StringEncoding;
     // UTF-16 has a byte-order mark besides.
     return bytes <= 2 * string.size() + 2 ? UTF8StringEncoding : UTF16StringEncoding;

@@ -1,3 +1,5 @@
+// Landmarks in a text. Both markers are sought by the same search, but the second one always
+// ahead, as the stretch that is named lies behind the first.
 #include <velmocore/text/StringRanges.h>
 
 #include "text/SubstringSearch.h"
@@ -24,6 +26,7 @@ struct Markers {
 
 Markers findMarkers(View string, View start, View end, SearchOptions options) {
     Markers markers{found(string, start, 0, masked(options, StartMask)), Range::none()};
+    // Without a start the end is not sought: the text would be read for nothing.
     if (markers.start.isFound())
         markers.end = found(string, end, markers.start.end(), masked(options, EndMask));
     return markers;

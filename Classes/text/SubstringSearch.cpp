@@ -55,6 +55,7 @@ std::u16string withUsualWidths(View character) {
 }
 
 std::u16string folded(View character, SearchOptions options) {
+    // Most characters, even of pieces that need rewriting; nothing else but case changes them.
     if (character.size() == 1 && character[0] < 0x80) {
         std::u16string result(character);
         if (options & CaseInsensitiveSearch) result[0] = CaseFold{}(result[0]);
@@ -64,6 +65,7 @@ std::u16string folded(View character, SearchOptions options) {
     if (options & WidthInsensitiveSearch) result = withUsualWidths(result);
     if (!(options & LiteralSearch) || (options & DiacriticInsensitiveSearch))
         result = unicode::normalized(result, unicode::Form::D);
+    // After decomposing, which is what makes marks of diacritics.
     if (options & DiacriticInsensitiveSearch) std::erase_if(result, isMark);
     if (options & CaseInsensitiveSearch)
         std::transform(result.begin(), result.end(), result.begin(), CaseFold{});
@@ -101,6 +103,8 @@ struct Rewritten {
 template <class Accept>
 void offerOccurrences(View text, View pattern, bool backwards, Accept accept) {
     const auto offer = [&](const auto& textUnit, const auto& patternUnit, auto startOf) {
+        // Linear, also where nearly every start is a hit that ends within a character and is
+        // refused.
         TwoWaySearch occurrences(textUnit, text.size(), patternUnit, pattern.size());
         std::uint64_t hit;
         do hit = occurrences.next();
@@ -164,6 +168,8 @@ private:
         offerOccurrences(text.text, rewritten_, options_ & BackwardsSearch, [&](std::size_t hit) {
             const std::uint64_t start = text.sourceOf(hit);
             const std::uint64_t end = text.sourceOf(hit + rewritten_.size());
+            // A hit that takes only some marks of its last character is none: "e" is not found in
+            // a decomposed "e" with an accent.
             if (start == NotFound || end == NotFound) return false;
             range = {start, end - start};
             return true;
@@ -184,6 +190,8 @@ struct Piece {
     bool isSimple;
 };
 
+/// Units: enough that making a piece costs little beside searching it, and small beside a text of
+/// which only one place is hard.
 constexpr std::size_t LeastPiece = 4096;
 
 Piece pieceAt(View text, std::size_t start, const Sought& sought) {

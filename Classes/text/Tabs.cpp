@@ -1,3 +1,6 @@
+// Columns are counted in units from the last feed unit, modulo the width, so that no number grows
+// with the text. Decoding goes into a new text, as tabs become longer; encoding is done in place,
+// as what is written never passes what was read.
 #include <velmocore/text/Tabs.h>
 
 #include <algorithm>
@@ -27,6 +30,8 @@ void encodeTabs(std::u16string& text, std::size_t width) {
     if (width == 0) return;
     const CharacterSetRep& spaces = spaceCharacterSetRep();
     char16_t* write = text.data();
+    // A run becomes a tab only where it reaches the end of a column: the spaces behind the last
+    // tab stop stay spaces, so that decoding gives back what was there.
     char16_t* run = nullptr;  // where the pending run of spaces begins in what was written
     std::size_t column = 0;   // modulo the width
     for (const char16_t unit : text) {

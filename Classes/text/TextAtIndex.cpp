@@ -1,3 +1,5 @@
+// What an editor selects at a click. It looks only at the units around the index, up to the first
+// that ends the word or link on either side, so that it costs the same in a text of any length.
 #include <velmocore/text/TextAtIndex.h>
 
 #include "text/UnitClasses.h"
@@ -20,6 +22,7 @@ template <class Member>
 Range membersAround(View string, std::uint64_t index, const Member& member) {
     if (index >= string.size()) return Range::none();
     std::size_t start = index, end = index;
+    // To the right first: if the unit at the index is no member, nothing to the left counts.
     while (end < string.size() && member(string[end])) ++end;
     if (end == start) return Range::none();
     while (start > 0 && member(string[start - 1])) --start;
@@ -33,6 +36,7 @@ bool isDoubleQuote(char16_t unit) { return unit >= 0x201C && unit <= 0x201F; }
 /// Whether the unit in front of an address cannot belong to it.
 bool stopsAddress(View string, std::size_t i, const CharacterSetRep& white) {
     const char16_t unit = string[i];
+    // Two full stops end a sentence; one may stand in the name of a mailbox.
     if (unit == u'.') return i > 0 && string[i - 1] == u'.';
     return white.contains(unit) || isOneOf(unit, u"<(@[\"'|") || isDoubleQuote(unit);
 }
@@ -83,6 +87,7 @@ Range getLinkRangeAtIndex(View string, std::size_t index) {
     };
     while (start > 0 && !stops(start - 1)) --start;
 
+    // Last, as the marks of a sentence may stand within a URL but hardly at its end.
     while (end > start && isTrailer(string[end - 1], mail)) --end;
     return rangeBetween(start, end);
 }

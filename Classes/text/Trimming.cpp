@@ -1,3 +1,6 @@
+// Each operation is a class of units and the ends at which it goes. There are two classes of white
+// space: that of the platform, and the library's own, which also takes NUL, U+0003, U+FEFF and
+// U+FFFC; what each operation uses is part of its contract.
 #include <velmocore/text/Trimming.h>
 
 #include <algorithm>
@@ -28,6 +31,7 @@ String stringByTrimmingSpacesOfRightSideAndFeeds(const String& string, bool andF
 }
 
 String stringByTrimmingWhiteSpaces(const String& string) {
+    // The view makes a new string, also where nothing was trimmed; see the header.
     return trimmedView(string, Ends::Both, unicode::isWhiteSpaceOrNewline);
 }
 
@@ -66,6 +70,7 @@ String stringByTrimmingFeeds(const String& string) {
 String stringByTrimmingEnclosingCharacter(const String& string, char16_t unit) {
     const std::size_t length = string.length();
     std::size_t pairs = 0;
+    // A unit in the middle has no partner and stays.
     while (pairs < length / 2 && string[pairs] == unit && string[length - 1 - pairs] == unit)
         ++pairs;
     return string.substring({pairs, length - 2 * pairs});

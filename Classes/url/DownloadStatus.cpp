@@ -1,3 +1,5 @@
+// Which failures of a download are worth another try, and what status a failure without one stands
+// for. Both are lists and not ranges: neighbours among the codes mean quite different things.
 #include <velmocore/url/DownloadStatus.h>
 
 namespace velmo {

@@ -1,3 +1,6 @@
+// Percent escapes as bytes of an encoding. UTF-8, which nearly all of them are, is decoded
+// straight into units; for other encodings the bytes of a run are gathered and converted together,
+// as the bytes of one character may be written as an escape and a plain letter.
 #include "url/Escapes.h"
 
 #include <algorithm>
@@ -19,6 +22,7 @@ bool decodeCharacter(int lead, const char16_t*& read, const char16_t* end, char1
         *write++ = static_cast<char16_t>(lead);
         return true;
     }
+    // The others begin no sequence: parts of one, overlong forms, or beyond what Unicode has.
     if (lead < 0xC2 || lead > 0xF4) return false;
     const int further = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
     if (end - read < 3 * further) return false;
@@ -28,6 +32,8 @@ bool decodeCharacter(int lead, const char16_t*& read, const char16_t* end, char1
         if ((byte & ~0x3F) != 0x80) return false;
         c = (c << 6) | static_cast<char32_t>(byte & 0x3F);
     }
+    // By the number of further bytes. A shorter form of the same character must be refused, or a
+    // filter that looks for a unit could be passed by.
     constexpr char32_t Least[] = {0, 0x80, 0x800, 0x10000};
     if (c < Least[further] || c > 0x10FFFF || isSurrogate(c)) return false;
     if (c < 0x10000) {
@@ -79,6 +85,8 @@ bool appendBytes(StringBuilder& out, Units units, StringEncoding encoding) {
 String decoded(const String& text, StringEncoding encoding) {
     const Units units = text;
     const char16_t* percent = scan::find(text.begin(), text.end(), u'%');
+    // A % that begins no escape is a unit like any other, so a text with only such ones comes
+    // back.
     while (percent < text.end() && (text.end() - percent < 3 || escapeValue(percent) < 0))
         percent = scan::find(percent + 1, text.end(), u'%');
     if (percent == text.end()) return text;

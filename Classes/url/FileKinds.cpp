@@ -1,3 +1,6 @@
+// Kinds of files by their extensions. The lists are what callers show and store, the predicates
+// what they ask; both read the same tables. A row is compared only if it is as long as the
+// extension, which rules nearly all of them out, so that a table needs no order and no index.
 #include <velmocore/url/FileKinds.h>
 
 #include <algorithm>
@@ -93,6 +96,7 @@ std::vector<String> binaryFileTypesIncluding(const BinaryFileOptions& options) {
     const std::vector<String> office = officeTypesIncluding(options.programs);
     list.insert(list.end(), office.begin(), office.end());
     if (options.richText) appendTo(list, richTextExtensions());
+    // An extension of any program's data: of no kind, but no text either.
     list.push_back(u"dat");
     return list;
 }

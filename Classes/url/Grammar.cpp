@@ -92,6 +92,8 @@ bool isPort(std::u16string_view digits) noexcept {
     std::uint32_t port = 0;
     for (char16_t unit : digits) {
         if (!ascii::isDigit(unit)) return false;
+        // Leading zeros are allowed, so the digits are not counted; the value never exceeds ten
+        // times the limit.
         port = port * 10 + static_cast<std::uint32_t>(unit - u'0');
         if (port > 65535) return false;
     }
@@ -129,6 +131,7 @@ bool cutAuthority(std::u16string_view text, std::uint32_t start, Parts& parts) n
 void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t end,
                    Parts& parts) noexcept {
     std::uint32_t pathEnd = end;
+    // Names of files may hold a semicolon.
     if (!keyword::equals(parts[URLPart::Scheme].of(text), "FILE")) {
         pathEnd = find(text.substr(0, end), u';', start);
         if (pathEnd < end) parts[URLPart::Parameters] = {pathEnd + 1, end - pathEnd - 1};
@@ -164,6 +167,7 @@ std::size_t removeDotSegments(char16_t* path, std::size_t length) noexcept {
             continue;
         }
         if (segment.size() == 2) {
+            // Back to the slash in front of the segment before, which the rest is written over.
             while (write > 0 && path[--write] != u'/') {
             }
         }
@@ -269,6 +273,7 @@ bool cut(std::u16string_view text, Parts& parts) noexcept {
     parts = Parts();
     std::uint32_t i = 0;
     if (end && ascii::isLetter(text[0])) {
+        // No scheme is found without a colon behind it; what was read is then part of the path.
         while (i < end && isIn(text[i], InScheme)) ++i;
         if (i < end && text[i] == u':')
             parts[URLPart::Scheme] = {0, i++};
@@ -320,6 +325,8 @@ Composed resolved(const Reference& reference, const Reference& base) {
             const std::u16string_view basePath = base.wholePath();
             if (path.empty()) {
                 target.path(basePath);
+                // Only a reference without a path, such as one of an anchor alone, keeps the query
+                // of the base.
                 target.query(reference.has(URLPart::Query) ? reference : base);
             } else {
                 std::u16string_view directory;

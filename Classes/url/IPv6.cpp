@@ -1,3 +1,5 @@
+// Whether a text is an IPv6 address, by the grammar of RFC 3986. It is read once from left to
+// right; only the number of groups and whether a :: stood for some need to be known at the end.
 #include "url/IPv6.h"
 
 #include "platform/Ascii.h"
@@ -23,6 +25,7 @@ bool takeByte(std::u16string_view& rest) {
         if (!ascii::isDigit(unit)) break;
         value = value * 10 + (unit - u'0');
     }
+    // A leading zero is octal to some readers, so the same text would be two addresses.
     if (digits == 0 || value > 255 || (digits > 1 && rest[0] == u'0')) return false;
     rest.remove_prefix(digits);
     return true;
@@ -53,6 +56,7 @@ bool isIPv6Address(std::u16string_view text) noexcept {
         const std::size_t length = lengthOfGroup(rest);
         if (length < rest.size() && rest[length] == u'.') {
             if (!isIPv4Address(rest)) return false;
+            // An IPv4 address at the end takes the place of two groups.
             groups += 2;
             break;
         }

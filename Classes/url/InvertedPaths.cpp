@@ -1,3 +1,6 @@
+// Where a mirror keeps a page. The host goes first, inverted or as it stands, then path,
+// parameters and query: pages that differ in any of these must not share a file. What stands in a
+// URL is foreign, so nothing of it may lead out of the folder or name a folder of its own.
 #include <velmocore/url/InvertedPaths.h>
 
 #include <algorithm>
@@ -80,6 +83,7 @@ String invertedPathRelativeToDirectory(const URL& url, const String& directory,
                                        const InvertedPathOptions& options) {
     if (url.isAbsent()) return {};
     std::vector<String> list = componentsOf(url, options);
+    // The parts of a host were not standardised as the path was: dots for a host would climb.
     std::erase_if(list, [](const String& component) {
         return component == u"/" || component == u"." || component == u"..";
     });
@@ -87,6 +91,7 @@ String invertedPathRelativeToDirectory(const URL& url, const String& directory,
     if (most != 0 && list.size() > most)
         detail::joinFrom(list, static_cast<std::size_t>(most - 1), u'-');
     const String& extension = options.pathExtension;
+    // For the full stop and the extension, so that the name still fits when they are appended.
     const std::size_t room = extension.isEmpty() ? 0 : extension.length() + 1;
     if (!list.empty()) list.back() = detail::fittingComponent(list.back(), room);
     const String path = list.empty() ? String(directory.isAbsent() ? u"" : directory.view())

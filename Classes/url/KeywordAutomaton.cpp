@@ -61,6 +61,8 @@ public:
         for (std::size_t state = 0; state < marks_.size(); ++state) order.push_back(state);
         const auto marked = std::stable_partition(
             order.begin(), order.end(), [&](std::size_t state) { return marks_[state] == 0; });
+        // The first state stays the first: it has no mark, as no keyword is empty, and the order
+        // is stable.
         automaton.firstMarked_ = static_cast<std::size_t>(marked - order.begin());
         std::vector<State> numbers(order.size());
         for (std::size_t i = 0; i < order.size(); ++i) numbers[order[i]] = static_cast<State>(i);
@@ -84,6 +86,7 @@ private:
 
     std::size_t classOf(char unit) {
         std::uint8_t& known = classes_[static_cast<unsigned char>(unit)];
+        // Classes from 1 on: 0 is every unit that no keyword has, and leads back to the start.
         if (!known) known = ++numberOfClasses_;
         require(numberOfClasses_ < Width, "Classes/KeywordAutomaton", __LINE__, "classes<Width");
         return known;
@@ -102,6 +105,8 @@ KeywordAutomaton::KeywordAutomaton(std::span<const KeywordList> lists) {
             if (canOccur(keyword)) builder.add(keyword, list.mark);
     builder.close();
     builder.moveTo(*this);
+    // Capitals share the classes of their small letters, so that a walk folds ASCII without a
+    // branch.
     for (char16_t unit = u'A'; unit <= u'Z'; ++unit) classes_[unit] = classes_[unit + 32];
 }
 

@@ -171,6 +171,7 @@ std::optional<Unwrapped> googleTarget(const String& s, Units host) {
 }
 
 Unwrapped unwrapGoogle(const String& s, Units host, Purpose purpose) {
+    // What is refused here is the engine's own: a good link to resolve, but no result.
     const bool accepting = purpose == Purpose::Accept;
     if (accepting && contains(s, markers::BloggerStart)) return refused();
     const std::optional<Unwrapped> found = googleTarget(s, host);
@@ -200,6 +201,7 @@ URL ifRemote(const URL& url) { return isRemoteWebKitURL(url) ? url : URL(); }
 
 /// An absolute URL that is a real result.
 URL acceptedURL(const String& link, const String& decoded) {
+    // A relative link leads to the engine itself.
     if (decoded[0] == u'.' || decoded[0] == u'/' || !contains(decoded, u"://")) return {};
     URL url = URL::URLWithString(decoded);
     if (url.isAbsent()) url = URL::URLWithString(link);

@@ -1,3 +1,5 @@
+// Which links are not worth resolving, told by their first units alone, as the filter is asked for
+// every link of a page. What has no scheme passes: it may be relative.
 #include <velmocore/url/LinkFilter.h>
 
 #include <algorithm>
@@ -23,6 +25,7 @@ bool isSchemeUnit(char16_t unit) { return unit == u'-' || detail::ascii::isLette
 
 bool filterLink(std::u16string_view link) {
     if (link.empty()) return false;
+    // Single units that pages have as links to nowhere.
     if (link.size() == 1) return std::u16string_view(u"#&-:").find(link[0]) != link.npos;
     const auto colon = static_cast<std::size_t>(
         std::find_if_not(link.begin(), link.end(), isSchemeUnit) - link.begin());

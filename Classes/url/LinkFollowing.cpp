@@ -1,3 +1,5 @@
+// How far a gatherer goes. Folders are compared as they are standardised, so that a way around by
+// .. is no way out.
 #include <velmocore/url/LinkFollowing.h>
 
 #include <velmocore/url/URLPaths.h>

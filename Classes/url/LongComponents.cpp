@@ -1,3 +1,6 @@
+// Names that are too long for a file system are cut, and the checksum of the whole name keeps
+// those apart that begin alike. It must be the same on every machine and for good: mirrors find
+// their files again by it.
 #include "url/LongComponents.h"
 
 #include <fmt/format.h>
@@ -10,6 +13,7 @@
 namespace velmo::detail {
 
 String fittingComponent(const String& component, std::size_t room) {
+    // In units; the difference is the eight digits.
     constexpr std::size_t Longest = 250, Kept = 242;
     if (component.length() + room <= Longest) return component;
     std::u16string result(component.view().substr(0, Kept - std::min(room, Kept)));

@@ -64,6 +64,8 @@ MIMEDatabase::MIMEDatabase(std::string_view globs, std::string_view aliases) {
     for (const MIMERow& row : mimeRows()) prefer(row.type, row.extension);
     for (const MIMERow& row : preferredRows()) prefer(row.type, row.extension);
     while (!globs.empty()) addLine(cutField(globs, '\n'));
+    // Last and with a weight below all others: our own rows stand in only where the database has
+    // none.
     for (const MIMERow& row : mimeRows()) add(row.extension, row.type, -1);
     while (!aliases.empty()) addAlias(cutField(aliases, '\n'));
 }
@@ -90,6 +92,8 @@ void MIMEDatabase::addLine(std::string_view line) {
     const std::string_view type = cutField(line, ':');
     const std::string_view glob = cutField(line, ':');
     const bool respectsCase = line == "cs";
+    // Only a plain "*.ext" tells an extension; a row in exact case, such as *.C, would claim that
+    // of other files when it is looked up in lower case.
     if (respectsCase || type.empty() || glob.size() < 3 || !glob.starts_with("*.")) return;
     const std::string_view extension = glob.substr(2);
     if (extension.find_first_of("*?[]") != extension.npos) return;

@@ -44,6 +44,7 @@ bool containsAny(Units type, std::initializer_list<std::string_view> keywords) {
 /// In exact case.
 bool contains(Units type, Units word) { return type.find(word) != Units::npos; }
 
+// Units. Without a limit a foreign header would be copied and hashed whatever its length.
 constexpr std::size_t LongestName = 127;
 
 /// An extension or type as a key of the database: ASCII in lower case. Empty if it is none.
@@ -51,6 +52,7 @@ std::string keyOf(Units name) {
     std::string key;
     if (name.size() > LongestName) return key;
     for (char16_t unit : name) {
+        // The database has ASCII only.
         if (unit >= 128) return {};
         key += static_cast<char>(detail::ascii::toLower(unit));
     }

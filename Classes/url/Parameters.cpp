@@ -1,3 +1,6 @@
+// Parameters are found by their =: a unit that is rare beside the letters of names, and the last
+// one of each name. Where a name was found is kept, and put right after a removal, so that one
+// walk over the text is as a rule enough for all of them.
 #include "url/Parameters.h"
 
 #include <bit>
@@ -80,6 +83,7 @@ void ParameterFinder::remove(std::size_t name) {
     const std::size_t before = text_.size();
     const std::size_t joint = removeParameter(text_, separatorOf(name));
     eachBit(present_, [&](std::size_t n) { relocate(n, joint, before - text_.size()); });
+    // The units on both sides of the joint may form a name that was not there before.
     eachBit(list_.crossing, [&](std::size_t n) {
         const bool isBefore = (present_ >> n & 1) && positions_[n] + 1 < joint;
         if (joint > 0 && !isBefore && standsAt(text_, list_.names[n], joint - 1))

@@ -1,6 +1,9 @@
 // Most texts have nothing to decode or escape, which is found out before anything is copied. What
 // is to be done with a unit is looked up in tables of its value; only %, # and brackets need their
 // place in the text as well, since the same unit is legal in one and not in another.
+//
+// The loops that write have no branch on what a unit is where they can do without: in URLs escapes
+// come and go too irregularly for the machine to foretell.
 #include <velmocore/url/PercentEscapes.h>
 
 #include <algorithm>
@@ -55,6 +58,7 @@ class Decoding {
 public:
     Decoding(Units text, bool standard)
         : table_(standard ? StandardDecoded : ASCII),
+          // Where a query has begun, an escaped question mark is part of a name or value.
           questionMark_(standard && !containsUnit(text, u'?') ? u'?' : -1) {}
 
     bool decodes(int value) const {
@@ -84,6 +88,7 @@ String stringByReplacing(const String& string, bool standard) {
             read += 3;
             return true;
         });
+    // Every escape that is decoded shortens the text, so the length tells.
     const bool isSame = end == room.units() + text.size();
     return isSame ? string : room.finish(end);
 }
@@ -143,6 +148,7 @@ public:
 
     bool keeps(std::size_t i) const {
         const char16_t unit = text_[i];
+        // A list, as there is mostly none of these; the table is for ASCII.
         if (unit >= 128) return isIn(leave_, unit);
         const Fate fate = fates_[unit];
         return fate == Fate::ByPlace ? keepsByPlace(i) : static_cast<bool>(fate);
@@ -189,6 +195,7 @@ std::size_t convertPercentEscapesOfURL(char16_t* characters, std::size_t length,
                                        bool standard) noexcept {
     const char16_t* const end = characters + length;
     const char16_t* read = detail::scan::find(characters, end, u'%');
+    // No escape fits behind the first %.
     if (end - read < 3) return length;
     const Decoding decoding({characters, length}, standard);
     char16_t* write = characters + (read - characters);

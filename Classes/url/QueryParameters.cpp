@@ -24,6 +24,8 @@ public:
         name = text_.substr(position_, equals - position_);
         value = text_.substr(equals + 1);
         value = value.substr(0, value.find_first_of(u"&;"));
+        // Behind the separator; beyond the end of the text after the last pair, which ends the
+        // walk.
         position_ = equals + 1 + value.size() + 1;
         return true;
     }
@@ -37,6 +39,7 @@ private:
     const CharacterSetRep& alphanumeric_ = alphaNumCharacterSetRep();
 };
 
+/// A name needs at least its = behind it.
 bool canHold(Units text, Units name) { return !name.empty() && name.size() < text.size(); }
 
 /// The value of the first pair of that name that has one; else null.

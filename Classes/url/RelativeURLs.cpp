@@ -47,6 +47,7 @@ String trimmed(const String& link, bool trimAnchor) {
 
 /// How many units in front of an address of the web are there twice, or by mistake.
 std::size_t extraUnits(Units link) {
+    // Rules out https and most relative links at once.
     if (!detail::keyword::contains(link, "HTTP:")) return 0;
     if (begins(link, "HHTTP:")) return 1;
     if (begins(link, "HTTP://HTTP://")) return 7;
@@ -127,6 +128,8 @@ URL withoutDotSegments(URL url) {
     for (;;) {
         const Units path = url.part(URLPart::Path);
         if (!hasDotBesideSlash(path)) return url;
+        // Removing segments may bring dots beside a slash once more; the loop ends when nothing
+        // changes.
         const URL next = url.standardizedURL();
         if (next.isAbsent() || next == url) return url;
         url = next;

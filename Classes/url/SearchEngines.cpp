@@ -1,3 +1,5 @@
+// Whether a URL is a search engine's, by its host. Most engines are told by the list alone; those
+// that have other services on the same hosts are looked at closer.
 #include <velmocore/url/SearchEngines.h>
 
 #include <algorithm>
@@ -18,6 +20,7 @@ enum HostMark : KeywordMarks { Listed = 1, Google = 2, Yahoo = 4, Amazon = 8, We
 constexpr std::string_view GoogleStem[] = {"google."}, YahooStem[] = {"yahoo."},
                            AmazonStem[] = {".amazon."}, WebStandardsDomain[] = {"webstandards.org"};
 
+/// Made at first use, and never changed: all threads share it.
 const KeywordAutomaton& automaton() {
     static const KeywordAutomaton made(
         std::initializer_list<KeywordList>{{Listed, searchEngineHosts()},

@@ -1,3 +1,6 @@
+// A URL is a text and the places of its parts in it, cut once when it is made. Parts are views
+// into that text, so that asking for one costs nothing; what was resolved or composed comes with
+// its parts from the composer and is not cut again.
 #include <velmocore/url/URL.h>
 
 #include <algorithm>
@@ -14,6 +17,7 @@ namespace velmo {
 namespace escapes = detail::escapes;
 namespace grammar = detail::grammar;
 
+/// Never changes once it is made, so that copies share it on any thread.
 struct URL::Rep {
     String string;
     grammar::Parts parts;

@@ -1,3 +1,5 @@
+// From texts as people and pages write them to URLs. A text is first taken as it is, and escaped
+// only if it is no URL: escapes that it has already would otherwise be escaped once more.
 #include <velmocore/url/URLConstruction.h>
 
 #include <algorithm>
@@ -28,6 +30,7 @@ String withEscapes(const String& string, StringEncoding encoding) {
 /// The scheme that a text without one stands for; empty if that is not safe to tell.
 std::u16string_view impliedScheme(std::u16string_view string) {
     if (isMailStringURL(string)) return u"mailto:";
+    // With a single full stop it may as well be the name of a file.
     if (std::count(string.begin(), string.end(), u'.') < 2) return {};
     if (string.starts_with(u"ftp")) return u"ftp://";
     return string.starts_with(u"www") ? u"http://" : u"";

@@ -1,3 +1,5 @@
+// Hosts as lists of their parts. Only the forms for folders drop empty parts and cut long ones, as
+// no folder can be named so; the others keep what the host has.
 #include <velmocore/url/URLHosts.h>
 
 #include <algorithm>

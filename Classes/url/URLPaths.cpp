@@ -1,3 +1,5 @@
+// Paths of URLs, for people, for folders and for requests. There is no asking the server: what is
+// a folder is told by the looks of the path, with the rule of directoryOf().
 #include <velmocore/url/URLPaths.h>
 
 #include <velmocore/text/HomeFolder.h>
@@ -64,6 +66,7 @@ String orRoot(const String& path) { return path.isEmpty() ? String(u"/") : path;
 /// The path with ~ for the home folder.
 String abbreviated(const String& path) {
     const Units home = homeDirectory(), units = path;
+    // A home folder of one unit is the root, which every path begins with.
     if (home.size() < 2 || !units.starts_with(home)) return path;
     const Units rest = units.substr(home.size());
     if (!rest.empty() && rest[0] != u'/') return path;

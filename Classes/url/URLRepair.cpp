@@ -1,3 +1,6 @@
+// Texts that people paste, which may be a URL with what stood around it: brackets of a mail, line
+// breaks, white space. Nothing is completed or resolved here; the receiver comes back itself where
+// nothing had to be taken off.
 #include <velmocore/url/URLRepair.h>
 
 #include <algorithm>
@@ -15,6 +18,7 @@ namespace {
 
 using Units = std::u16string_view;
 
+// In units.
 constexpr std::size_t LeastLocation = 4, LongestLocation = 1023;
 
 bool canBeInternetLocation(Units text) {

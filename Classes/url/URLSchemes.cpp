@@ -1,6 +1,8 @@
 // Two families of tests, of a URL by its scheme and of a text by its first units. They differ in
 // places, which is how callers know them: texts may begin with "www." where a URL needs a scheme,
 // and some schemes are compared in exact case.
+//
+// Only isLoadableURL() asks the file system; all else goes by the text alone.
 #include <velmocore/url/URLSchemes.h>
 
 #include <sys/stat.h>
@@ -202,6 +204,7 @@ String stringURLScheme(Units string) {
 String stringURLPathExtension(Units string) {
     if (string.size() < 2) return {};
     // The full stops of a host are no extensions.
+    // A text that begins so has no host.
     if (string[0] != u'.' && string[0] != u'/') {
         if (const std::size_t scheme = string.find(u"://"); scheme != Units::npos) {
             const std::size_t path = string.find_first_of(u"/?", scheme + 3);

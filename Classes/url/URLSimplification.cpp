@@ -28,6 +28,7 @@ using Units = std::u16string_view;
 /// Where a slash stands behind another that is not behind a colon; the end if nowhere.
 std::size_t firstExtraSlash(Units text, std::size_t end) noexcept {
     const char16_t* const start = text.data();
+    // Behind the plain path slashes may be part of a value and stay.
     const char16_t* const last = start + end;
     for (const char16_t* slash = start;; ++slash) {
         slash = scan::findDoubled(slash, last, u'/');
@@ -44,6 +45,7 @@ std::size_t lengthWithoutDots(Units text) noexcept {
         if (dots == 0) return text.size();
         if (dots == text.size()) return 0;
         if (text[text.size() - 1 - dots] != u'/') return text.size();
+        // In front of them there may be more: "/./.." loses both.
         text.remove_suffix(dots + 1);
     }
 }
@@ -196,6 +198,7 @@ String lowercased(GapText& text, const String& original) {
     char16_t* const units = text.data();
     char16_t* const end = units + text.size();
     if (scan::findNonAscii(units, end) != end) {
+        // Outside ASCII the lower case of a text may be longer than the text.
         std::u16string copy(units, text.size());
         lowercase(copy);
         return copy == original.view() ? original : String(copy);

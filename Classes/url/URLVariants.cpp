@@ -1,3 +1,5 @@
+// A URL with one part exchanged. Each is put together as text and cut anew, which proves that the
+// result is a URL: an argument that would break it gives the absent one.
 #include <velmocore/url/URLVariants.h>
 
 #include <unistd.h>
@@ -38,6 +40,7 @@ URL URLWithSchemeHostUserPassword(const URL& url, const String& scheme, const St
     if (url.isAbsent()) return url;
     const String path = pathWithParamsAndQueryAndFragment(url);
     const std::uint32_t port = url.port().value_or(0);
+    // One without the other counts as none.
     const bool hasCredentials = !user.isEmpty() && !password.isEmpty();
     if (hasCredentials && port)
         return URLWithFormat(u"%@://%@:%@@%@:%d%@", {scheme, user, password, host, port, path});

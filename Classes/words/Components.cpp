@@ -1,3 +1,6 @@
+// Components are words turned round: of the runs of RunScan.h those of separators count, as each
+// of them ends a component. Only a stretch at the end of the text has none. All forms are small
+// callables over one scan.
 #include <velmocore/words/Components.h>
 
 #include <string>
@@ -19,6 +22,8 @@ void scanComponents(std::u16string_view text, const CharacterSetRep* separators,
     std::size_t start = 0;
     detail::forEachRun(text, separators ? *separators : defaultComponentSeparators(),
                        [&](const Run& run) {
+                           // A text that begins with separators so has a first component of
+                           // nothing else, which those that count and those that give ranges keep.
                            if (run.isMember) {
                                component(start, run.start, run.end);
                                start = run.end;
@@ -58,6 +63,7 @@ std::size_t parseComponentsWithHandler(std::u16string_view text, WordHandler han
 std::size_t parseMutableComponentsWithHandler(std::u16string_view text, MutableWordHandler handler,
                                               const CharacterSetRep* separators) {
     if (!handler) return 0;
+    // The text itself is scanned on: what the handler writes into the copy moves no component.
     std::u16string copy(text);
     return parseComponents(text, separators, [&](Range component) { handler(copy, component); });
 }
@@ -68,6 +74,8 @@ std::vector<String> componentsUsingSeparators(const String& text, const Componen
     scanComponents(text, options.separators,
                    [&](std::size_t start, std::size_t separators, std::size_t end) {
                        const std::size_t last = options.withSeparators ? end : separators;
+                       // Without its separators a component may have no units; an empty string
+                       // would say nothing.
                        if (last > start)
                            components.push_back(text.substring({start, last - start}));
                    });

@@ -1,3 +1,6 @@
+// Shortening looks no further than where it cuts, so that a menu item made of a long text costs no
+// more than one of a short text. Nothing is written before it is sure that something is cut, as
+// the text itself comes back otherwise.
 #include <velmocore/words/Ellipsizing.h>
 
 #include <velmocore/text/CharacterSets.h>
@@ -20,11 +23,14 @@ String ellipsizedAt(const String& text, std::size_t length) {
 }  // namespace
 
 String stringByEllipsizingAfterNWords(const String& text, std::size_t n) {
+    // No text has more words than units.
     if (n == 0 || text.length() <= n) return text;
     std::uint64_t words = 0;
     std::size_t cut = 0;
     detail::forEachRun(text, defaultWordSeparators(), [&](const detail::Run& run) {
         if (run.isMember) return true;
+        // The scan goes on to the next word: only if there is one is anything cut off, as
+        // separators alone behind the last word are nothing that a reader would miss.
         if (++words == n) cut = run.end;
         return words <= n;
     });
@@ -35,6 +41,8 @@ String stringByEllipsizingAfterNCharacters(const String& text, std::size_t n) {
     if (n == 0 || text.length() <= n) return text;
     const CharacterSetRep& word = alphaNumCharacterSetRep();
     std::size_t kept = n;
+    // The word in which the limit falls goes as a whole, and the separators in front of it too, so
+    // that the dots stand right behind a word.
     while (kept > 0 && word.contains(text[kept - 1])) --kept;
     while (kept > 0 && !word.contains(text[kept - 1])) --kept;
     return kept > 0 ? ellipsizedAt(text, kept) : text;
@@ -59,6 +67,7 @@ String stringByEllipsizingNLines(const String& text, std::size_t lines, std::siz
     std::size_t start = 0;
     for (std::size_t i = 0; i < text.length() && lines > 0; ++i) {
         if (!isFeedUnit(text[i])) continue;
+        // Empty lines take none of the lines that are shown.
         if (i > start) add(start, i);
         start = i + 1;
     }

@@ -2,6 +2,9 @@
 // words of all lists are one table, so that a text is read once however many languages there
 // are; what is counted comes from LanguageTally. The settings are copied once a scan, so that
 // scans on several threads need no lock while they run.
+//
+// A text is rather left undecided than named wrongly, which does more harm: hence the limits on
+// how many hits there must be, how different, and by how much more than any before.
 #include <velmocore/words/LanguageFilter.h>
 
 #include <algorithm>
@@ -26,9 +29,13 @@ using detail::LanguageTally;
 using detail::StopWordIndex;
 
 constexpr std::string_view FilePrefix = "StopWords";
+// Lengths are in units, the others in words of the text. One hit for forty words is little for a
+// text in the language; the margin is what short texts, which reach that with one hit, need
+// besides.
 constexpr std::uint64_t LeastMinWordLen = 3;
 constexpr std::uint64_t LeastMargin = 3;
 constexpr std::uint64_t WordsForOneHit = 40;
+// Words; a list of this length leaves the ratio as it is.
 constexpr double PlainListLength = 750;
 
 /// In the order of detail::Script.
@@ -58,6 +65,7 @@ std::vector<std::string> listsInDirectory(const std::string& directory, Error* e
          it.increment(failure))
         if (std::string name = it->path().filename(); isList(name)) names.push_back(name);
     std::ranges::sort(names);
+    // A folder that breaks off while it is read still gives what was read of it.
     if (error && names.empty()) *error = whyNoLists(failure);
     return names;
 }
@@ -75,6 +83,7 @@ std::vector<std::size_t> orderOf(std::span<const String> keys) {
     for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
     const auto english = std::ranges::find(keys, String(u"EN")) - keys.begin();
     const auto first = order.begin();
+    // A rotation, and no swap: the others stay in the order of their names.
     if (english < std::ssize(keys)) std::rotate(first, first + english, first + english + 1);
     return order;
 }
@@ -87,6 +96,9 @@ struct Race {
     std::uint64_t previous = 0;  ///< the best before the winner came, not the second best
     std::uint64_t own = 0;
 
+    // Equal counts change nothing, so the first of equals wins. A rival is what was best when the
+    // winner came: later languages that come close do not make the answer less clear. Both depend
+    // on the order of the languages, which is why it is fixed.
     void enter(const String* key, std::uint64_t count, bool mayWin) {
         if (key == chosen) own = count;
         if (!mayWin || count <= best) return;
@@ -98,6 +110,7 @@ struct Race {
         for (std::size_t i = 0; i < keys.size(); ++i)
             enter(&keys[i], tally.languages[i].hits(), tally.languages[i].hasEnoughWords());
     }
+    // Scripts come after the languages and must have more words than the best of these has hits.
     void enterScripts(const LanguageTally& tally) {
         const detail::WordCount all = tally.edgedByLetters();
         for (std::size_t i = 0; i < detail::NumberOfScripts; ++i)
@@ -105,12 +118,17 @@ struct Race {
     }
     /// Whether the winner stands out among the words of the text and against a rival.
     bool isClear(const LanguageTally& tally, std::uint64_t rival) const {
+        // The quotient is rounded down: below forty words any hit passes, and the margin decides
+        // alone.
         return best > tally.all.words / WordsForOneHit && best >= rival + LeastMargin;
     }
 };
 
 }  // namespace
 
+// All but the settings is constant once it is made, so that scans read it without a lock. It has
+// one address for life, however the filter is moved: the settings and each race hold pointers to
+// keys in it.
 struct LanguageFilter::State {
     State(std::span<const String> given, std::span<const std::vector<String>> stopWords,
           bool ignore)
@@ -232,6 +250,8 @@ bool LanguageFilter::filterText(std::u16string_view text) const {
     const State::Settings settings = state_->settings();
     if (!settings.chosen || state_->keys.empty()) return false;
     const LanguageTally tally = state_->tallyOf(text, settings);
+    // The chosen language starts as the winner with nothing, so that a text without any hit is in
+    // no other language; its own count is the rival.
     Race race{.chosen = settings.chosen, .winner = settings.chosen};
     race.enterLanguages(state_->keys, tally);
     race.enterScripts(tally);
@@ -245,6 +265,7 @@ double LanguageFilter::stopWordRatioOfText(std::u16string_view text) const {
     if (!race.winner) return 0;
     const auto listLength = static_cast<double>(
         state_->index.numberOfWords(static_cast<std::size_t>(race.winner - state_->keys.data())));
+    // A winner has four words of its list in the text, so that neither number is 0.
     return static_cast<double>(race.best) / static_cast<double>(tally.all.words) /
            std::sqrt(listLength / PlainListLength);
 }

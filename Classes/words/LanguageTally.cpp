@@ -1,3 +1,7 @@
+// One pass over the words of a text counts for all languages and scripts at once. What a word
+// speaks for is settled by its first and last unit: Latin letters at both ends, with or without
+// diacritics, make it a word for the lists, and letters of another script speak for that script
+// without a look-up.
 #include "words/LanguageTally.h"
 
 #include <velmocore/words/Separators.h>
@@ -7,6 +11,8 @@
 namespace velmo::detail {
 namespace {
 
+/// Blocks of the plane and not the script property: what counts is which alphabet a word is
+/// written in.
 Script scriptOf(char16_t unit) {
     const auto isIn = [=](char16_t first, char16_t last) { return unit >= first && unit <= last; };
     if (isIn(0x0400, 0x04FF)) return Script::Cyrillic;
@@ -28,6 +34,7 @@ LanguageTally tallyOfText(std::u16string_view text, const StopWordIndex& index,
         if (run.isMember || run.length() < minLen) return true;
         const std::u16string_view word = text.substr(run.start, run.length());
         tally.all.add(word);
+        // Left out of the words among which a script must have half, but not out of all.
         if (!letters.contains(word.front()) || !letters.contains(word.back())) {
             tally.edgedByNonLetters.add(word);
         } else if (plain[word.front()] < 128 && plain[word.back()] < 128) {

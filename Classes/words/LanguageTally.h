@@ -45,6 +45,8 @@ public:
 private:
     std::uint64_t hits_ = 0;
     std::size_t distinct_ = 0;
+    // Enough to tell that there are four; which others occur does not matter. So a text of any
+    // length needs no set of words for each language.
     std::array<std::size_t, 4> words_;
 };
 

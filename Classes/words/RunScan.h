@@ -45,6 +45,8 @@ template <class Handler>
 void forEachRun(std::u16string_view text, const CharacterSetRep& set, Handler run) {
     if (text.empty()) return;
     bool isMember = set.contains(text[0]);
+    // The bit of the unit in front of each block, so that an edge between two blocks is found like
+    // any other. As the first unit is its own forerunner, no edge is seen at the start.
     std::uint64_t before = isMember;
     std::size_t start = 0;
     bool going = true;
@@ -53,6 +55,8 @@ void forEachRun(std::u16string_view text, const CharacterSetRep& set, Handler ru
         if (count < 64) edges &= (std::uint64_t{1} << count) - 1;
         before = members >> 63;
         for (; edges && going; edges &= edges - 1) {
+            // Runs take turns, so that an edge needs no look at the unit to tell what begins
+            // there.
             const std::size_t end = base + static_cast<std::size_t>(std::countr_zero(edges));
             going = run(Run{start, end, isMember});
             start = end;
@@ -76,6 +80,8 @@ void forEachRunWithBrackets(std::u16string_view text, const CharacterSetRep& set
             start = i;
             isMember = !isMember;
         }
+        // The loop's own step then leads to the ]. It is a plain loop: what is skipped depends on
+        // the text, and wildcards are short.
         if (!isMember && text[i] == u'[') i = std::min(text.find(u']', i + 1), text.size()) - 1;
     }
     run(Run{start, text.size(), isMember});
@@ -83,6 +89,7 @@ void forEachRunWithBrackets(std::u16string_view text, const CharacterSetRep& set
 
 /// Number of runs of units that are no separators.
 inline std::uint64_t countOfWordRuns(std::u16string_view text, const CharacterSetRep& set) {
+    // The text begins as after a separator, so that a word at its start is counted.
     std::uint64_t count = 0, before = 1;
     forEachBlock(text, set, [&](std::size_t, std::uint64_t members, std::size_t units) {
         std::uint64_t starts = ~members & (members << 1 | before);

@@ -1,3 +1,6 @@
+// Word separators are listed units and units of certain Unicode categories. The list settles the
+// units that it names whatever their category is; the categories settle all others, so that the
+// punctuation of scripts which nobody listed parts words too.
 #include <velmocore/words/Separators.h>
 
 #include <iterator>

@@ -1,3 +1,7 @@
+// Open addressing with linear probing. The table never changes once it is made and is at most half
+// full, so that a probe is short and always ends at a free place. All words stand in one array of
+// units, and the languages of all words in another: a look-up touches a slot and, if the tag
+// agrees, one word.
 #include "words/StopWordIndex.h"
 
 #include <algorithm>
@@ -14,21 +18,26 @@ namespace {
 /// Shorter words are no stop words; nor are those that no scan can give.
 constexpr std::size_t ShortestStopWord = 3;
 
+/// The apostrophe and the full stop separate words.
 bool isUsable(std::u16string_view word) {
     return word.size() >= ShortestStopWord && word.find_first_of(u"'.") == word.npos;
 }
 
+/// The upper half, as the lower bits choose the place.
 std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
 
 }  // namespace
 
 StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts)
     : fold_(ignoreUmlauts ? lowerUmlautsCharsTable() : lowerCharsTable()) {
+    // Sorted, so that the words of each language come out in order; see wordsOf().
     std::map<String, std::vector<std::uint32_t>> languagesOfWords;
     for (std::uint32_t language = 0; language < lists.size(); ++language)
         for (const String& word : *lists[language]) {
             if (!isUsable(word)) continue;
             auto& languages = languagesOfWords[ignoreUmlauts ? nonUmlautedString(word) : word];
+            // The lists are read one after the other: a word that stands twice in one finds its
+            // own language last.
             if (languages.empty() || languages.back() != language) languages.push_back(language);
         }
     counts_.resize(lists.size());
@@ -54,7 +63,9 @@ void StopWordIndex::place(std::uint32_t word) {
 }
 
 std::size_t StopWordIndex::find(std::u16string_view word) const {
+    // Spares the hash of units that run on without a separator, as in data.
     if (word.size() > longest_) return NoWord;
+    // Without a seed: only the words of the lists stand in the table, and no text can add to it.
     const std::uint64_t hash =
         detail::hashOfUnits(word, 0, [&](char16_t unit) { return fold_[unit]; });
     for (std::size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {

@@ -1,5 +1,8 @@
 // Words, in every form: each operation is a small callable over the runs of RunScan.h, and the
 // modes are settled ahead of the loops.
+//
+// Words are ranges of the text; only the forms that promise strings make any. The text is not
+// folded and no list is kept, so that counting the words of a text of any size takes no memory.
 #include <velmocore/words/Words.h>
 
 #include <string>
@@ -61,6 +64,7 @@ std::uint64_t parseWords(std::u16string_view text, const WordParseOptions& optio
 }
 
 /// Whether the words kept so far read as one term.
+/// Two guesses stand until something refutes them, so that no second look at the words is needed.
 class TermShape {
 public:
     void addSeparator(char16_t unit) {
@@ -89,6 +93,7 @@ std::vector<Range> wordsOfCharacters(std::u16string_view characters, const WordO
 }
 
 std::size_t numberOfWordsOfCharacters(std::u16string_view characters, const WordOptions& options) {
+    // Where every word counts, the edges of 64 units are counted in one step.
     if (options.minLen <= 1 && !options.withSeparators && !options.wildcard)
         return detail::countOfWordRuns(characters, setOrDefault(options.separators));
     std::size_t count = 0;
@@ -98,6 +103,7 @@ std::size_t numberOfWordsOfCharacters(std::u16string_view characters, const Word
 
 std::size_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
                                   const WordParseOptions& options) {
+    // Spares a scan in which no word could be long enough, and a copy below.
     if (!handler || text.size() < options.minLen) return 0;
     return parseWords(text, options, [&](Range word) { handler(text, word); });
 }
@@ -112,6 +118,8 @@ std::size_t parseMutableWordsWithHandler(std::u16string_view text, MutableWordHa
 SeparatedWords separatedWords(const String& text, const WordOptions& options) {
     SeparatedWords result;
     std::vector<String>& words = result.words;
+    // Room for words of seven units and a separator. Where they are shorter the vector grows once
+    // more, which moves handles and no text.
     words.reserve(text.length() / 8);
     TermShape shape;
     const auto unitsOf = [&](const Run& run) {

@@ -26,6 +26,7 @@ std::span<const Hostile> plainTexts();
 std::span<const Hostile> markupTexts();
 std::span<const Hostile> locationTexts();
 std::span<const Hostile> queryTexts();
+std::span<const Hostile> dateTexts();
 
 /// The text of about so many units.
 std::u16string textOf(const Hostile& hostile, std::size_t units);
@@ -59,6 +60,7 @@ std::span<const Operation> queryOperations();
 std::span<const Operation> urlOperations();
 std::span<const Operation> markupOperations();
 std::span<const Operation> storageOperations();
+std::span<const Operation> readerOperations();
 
 /// Uses a result, so that no compiler leaves the work out.
 template <class Result>

@@ -1,19 +1,27 @@
 // Pages: scanning, attributes, entities, charsets, plain text, links and resources.
 #include <velmocore/markup/Charsets.h>
 #include <velmocore/markup/CzechEncodings.h>
+#include <velmocore/markup/EditableNotes.h>
 #include <velmocore/markup/Entities.h>
+#include <velmocore/markup/ErrorPages.h>
 #include <velmocore/markup/FileTypes.h>
 #include <velmocore/markup/JSONEscapes.h>
+#include <velmocore/markup/JunkStripping.h>
 #include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/LinkRewriting.h>
+#include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupCharset.h>
 #include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/MetadataWriting.h>
 #include <velmocore/markup/Page.h>
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
+#include <velmocore/markup/TagStripping.h>
 
 #include "Growth.h"
 
@@ -116,6 +124,13 @@ constexpr Operation Rows[] = {
          use(htmlLinks(in.text, {.useRelNoFollow = true, .filter = true}));
          use(htmlLinksContaining(in.text, u"zz", false));
      }},
+    {"thumbnails of links",
+     [](const Input& in) {
+         const URL base = URL::URLWithString(u"http://h.org/a/");
+         use(getLinkThumbnails(in.text, {.baseURL = base}));
+         use(getLinkThumbnails(in.text, {.baseURL = base, .resolve = true, .googleTags = true}));
+         use(stringByExtractingJavaScriptURL(in.text));
+     }},
     {"frames and robots", [](const Input& in) { use(htmlLinksAndFramesSet(in.text)); }},
     {"resources",
      [](const Input& in) {
@@ -131,6 +146,49 @@ constexpr Operation Rows[] = {
          use(revisitAfter(in.text));
          use(getLinkAttribute(in.text));
      }},
+    {"error pages",
+     [](const Input& in) {
+         use(isErrorPageTitle(in.text, in.text, in.text));
+         use(isErrorPageTitle({}, in.text, u"http://h.org/404.html"));
+         use(exceededPageLoadFrequencyTitle({}, in.text));
+     }},
+    {"metadata",
+     [](const Input& in) {
+         use(htmlMetadata(in.text, {.summary = true}));
+         use(htmlTitle(in.text));
+         use(htmlMetaKeywords(in.text));
+         use(isDateAttribute(in.text));
+     }},
+    {"writing of metadata",
+     [](const Input& in) {
+         use(stringBySettingBaseURL(in.text, u"http://h.org/"));
+         use(stringByAddingBaseURL(in.text, in.text));
+         use(stringByStrippingMetaAttributeWithName(in.text, u"robots"));
+         use(formattedNote(in.text));
+     }},
+    {"stripping of tags",
+     [](const Input& in) {
+         const String tags[] = {u"<p", u"<div", u"<a", in.almost};
+         use(stripTags(in.text));
+         use(stripTag(in.text, "A"));
+         use(stripAttributesOfTag(in.text, "A"));
+         use(stripTagBodies(in.text, tags));
+         use(stripTagBodiesExcept(in.text, tags));
+         use(innerTagBody(in.text, "DIV"));
+         use(outerTagBody(in.text, "A"));
+     }},
+    {"stripping of junk",
+     [](const Input& in) {
+         use(stripObjectsAndReplaceImages(in.text, true));
+         use(stripLinks(in.text));
+         use(stripFileLinks(in.text));
+     }},
+    {"rewriting of links",
+     [](const Input& in) {
+         const URL base = URL::URLWithString(u"http://h.org/a/b");
+         use(resolveLinksUsingBaseURL(in.text, base));
+         use(flattenLinksUsingBaseURL(in.text, base, u"x"));
+     }},
     {"a page at once",
      [](const Input& in) {
          const Page page = Page::pageWithString(in.text, URL::URLWithString(u"http://h.org/a/"));
@@ -142,6 +200,11 @@ constexpr Operation Rows[] = {
          use(page.stylesheetsAndScripts());
          use(page.embeddedObjects());
          use(page.favIcon());
+         use(page.metadata());
+         use(page.summary());
+         use(page.canonicalURL());
+         use(page.linkThumbnails());
+         use(page.isErrorPage());
      }},
     {"kinds of markup files",
      [](const Input& in) {

@@ -150,6 +150,33 @@ constexpr Hostile Markup[] = {
     {"backgrounds", u"", u"<td style=\"background:url('b\001.png')\" background=c>"},
     {"open backgrounds", u"<td style=\"", u"background:url(", u"\">"},
     {"style properties", u"<td style=\"", u"p\001:v;", u"\">"},
+    {"images of one link", u"<a href=l>", u"<img src=i\001.jpg alt=t>", u"</a>"},
+    {"buttons of one link", u"<a href=l>", u"<img src=spacer\001.gif>", u"</a>"},
+    {"one button", u"<a href=l><img src='", u"7", u"spacer.gif'>"},
+    {"images beside links", u"<td>", u"<img src=i\001.jpg><a href=l\001>t</a>"},
+    {"images beside one link", u"<td><a href=l>t</a>", u"<img src=i\001.jpg>"},
+    {"images for a picture", u"<td><a href=1><img src=a.gif></a><a href=2.jpg>",
+     u"<img src=i\001.gif alt='title \001'>"},
+    {"images in open links", u"<td>", u"<a href=l\001.jpg><img src=i\001.gif>"},
+    {"longer texts of one link", u"", u"<a href=l title='a \001'>b \001</a>"},
+    {"texts under a long one", u"<a href=l title=\"", u"b ", u"\">t</a><a href=l title=t>t</a>"},
+    {"figures", u"", u"<figure><img src=i\001.jpg><figcaption><a href=l\001>t</a></figure>"},
+    {"videos", u"<a href=l>", u"<video src=v\001.mov poster=p\001.png>"},
+    {"equal meta tags", u"", u"<meta name=keywords content=k>"},
+    {"meta tags", u"", u"<meta name=n\001 content='a &lt;b&gt;c'>"},
+    {"one meta tag", u"<meta name=date content=\"", u"<a>b ", u"\">"},
+    {"open meta tags", u"", u"<meta name=a content=\"b"},
+    {"titles", u"<title>", u"t <title/>"},
+    {"canonical links", u"", u"<link rel=canonical href=#\001>"},
+    {"heads", u"", u"<head><meta name=x>"},
+    {"bodies in bodies", u"", u"<div a><p>x</p>"},
+    {"closed bodies", u"", u"<div><div/>x</div>"},
+    {"a reference all over its tag", u"<a href=b ", u"b ", u">"},
+    {"a long reference in its tag", u"<a title='", u"aa", u"' href='aaaaaaaaaaaaaaab'>"},
+    {"almost the reference", u"<a href='aaaaaaaaaaaaaaaaaaaaaaaab' title='", u"a", u"'>"},
+    {"open objects", u"", u"<object><param>x<iframe>"},
+    {"images to replace", u"", u"<img alt='a b'>"},
+    {"links to files", u"", u"<a href=file:///f\001>t</a>"},
     {"areas", u"", u"<area href=a\001 shape=rect>"},
     {"property list", u"<?xml version=\"1.0\"?><plist version=\"1.0\"><array>",
      u"<string>s</string>", u"</array></plist>"},
@@ -265,12 +292,27 @@ constexpr Hostile Queries[] = {
     {"halves of hits", u"", u"the of quiz. "},
 };
 
+constexpr Hostile Dates[] = {
+    {"digits", u"", u"1"},
+    {"dashes of a date", u"2001", u"-"},
+    {"dots of a date", u"", u"3.2."},
+    {"colons of a time", u"", u"10:"},
+    {"days", u"", u"03.02.1949 "},
+    {"months", u"", u"May "},
+    {"German months", u"10:11:12 ", u"Mrz"},
+    {"days without a year", u"", u"3. Mai, "},
+    {"fractions of a second", u"2001-02-03T10:11:12.", u"5"},
+    {"blanks before a number", u"Sat, ", u" ", u"3 Feb 2001"},
+    {"name of a zone", u"Sat, 03 Feb 2001 10:11:12 ", u"a/"},
+};
+
 }  // namespace
 
 std::span<const Hostile> plainTexts() { return Plain; }
 std::span<const Hostile> markupTexts() { return Markup; }
 std::span<const Hostile> locationTexts() { return Locations; }
 std::span<const Hostile> queryTexts() { return Queries; }
+std::span<const Hostile> dateTexts() { return Dates; }
 
 std::u16string textOf(const Hostile& hostile, std::size_t units) {
     std::u16string text(hostile.head);

@@ -44,6 +44,39 @@ TEST(Page, TellsItsParts) {
     EXPECT_TRUE(other.favIcon().isAbsent());
 }
 
+TEST(Page, TellsItsMetadata) {
+    const Page page = Page::pageWithString(
+        u"<title>a</title><meta name=author content=A><meta name=description content=b><link rel=canonical "
+        u"href=c><body><meta name=dc.title content=d><meta name=copyright content=e>",
+        URL::URLWithString(u"http://h.org/d/e"));
+    EXPECT_EQ(page.metadata().author, u"A");
+    EXPECT_EQ(page.metadata().convertedAttributes, (MetaAttributes{{u"author", u"A"}, {u"description", u"b"}}));
+    EXPECT_TRUE(page.metadata().copyright.isAbsent());
+    EXPECT_EQ(page.summary().title, u"d");
+    EXPECT_EQ(page.summary().description, u"b");
+    EXPECT_EQ(page.canonicalURL().absoluteString(), u"http://h.org/d/c");
+    EXPECT_TRUE(Page::pageWithString(u"<p>").canonicalURL().isAbsent());
+}
+
+TEST(Page, TellsThumbnailsAndErrorPages) {
+    const Page page = Page::pageWithString(u"<base href=http://b.org/x/><a href=c#d><img src=e.jpg alt=E>F</a>");
+    const LinkThumbnails& found = page.linkThumbnails();
+    EXPECT_EQ(found.thumbnails.at(u"http://b.org/x/c"), u"http://b.org/x/e.jpg");
+    EXPECT_EQ(found.titles.at(u"http://b.org/x/c"), u"E");
+    EXPECT_EQ(&found, &Page(page).linkThumbnails());
+    EXPECT_TRUE(Page::pageWithString(u"<a href=c><img src=e.jpg>F</a>").linkThumbnails().texts.empty());
+    // A title does not confirm itself, with or without a body.
+    const auto isError = [](View markup, View url = u"http://h.org/") {
+        return Page::pageWithString(markup, URL::URLWithString(url)).isErrorPage();
+    };
+    EXPECT_TRUE(isError(u"<title>404 Not Found</title><body><h1>404 Not Found</h1>nginx"));
+    EXPECT_TRUE(isError(u"<title>404 Not Found</title><h1>404 Not Found</h1>nginx"));
+    EXPECT_FALSE(isError(u"<title>404 Not Found</title><body>All about the number"));
+    EXPECT_FALSE(isError(u"<title>404 Not Found</title>All about the number"));
+    EXPECT_TRUE(isError(u"<p>Page not found", u"http://h.org/404.html"));
+    EXPECT_FALSE(isError(u"<p>Page found", u"http://h.org/404.html") || Page(Bytes()).isErrorPage());
+}
+
 TEST(Page, TakesItsBaseFromItsTag) {
     const Page page = Page::pageWithString(u"<a href=c><base href=http://b.org/>", URL::URLWithString(u"http://h/"));
     EXPECT_EQ(page.url().absoluteString(), u"http://h/");

@@ -9,10 +9,13 @@
 #include <thread>
 #include <vector>
 
+#include <velmocore/markup/EditableNotes.h>
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/JSONEscapes.h>
 #include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageResources.h>
+#include <velmocore/markup/TagStripping.h>
+#include <velmocore/platform/DateFormat.h>
 #include <velmocore/platform/Log.h>
 #include <velmocore/platform/PropertyList.h>
 #include <velmocore/platform/Resources.h>
@@ -20,6 +23,8 @@
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/query/QueryHits.h>
 #include <velmocore/query/QueryRewriting.h>
+#include <velmocore/readers/Dates.h>
+#include <velmocore/readers/DocumentDates.h>
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
@@ -63,6 +68,14 @@ std::string joined(const std::vector<String>& strings) {
     return all;
 }
 
+/// A date in a zone, written for people, and one among words.
+std::string dates() {
+    const DateOptions berlin{.zone = TimeZone::named(u"Europe/Berlin").value()};
+    const Date day = date(u"3. Februar 2001, 10:11 Uhr", berlin).value();
+    const Date other = documentDateByValidatingSeparation(u"on 3/2/2001", true, berlin).value();
+    return stringInISO8601(other).utf8() + localizedDateAndTime(day, berlin.zone, "en_GB").utf8();
+}
+
 /// What all families make of a page; the order in which they are asked differs by thread.
 std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
     const Page page(bytes, {.url = URL::URLWithString(u"http://www.h.org/a/b.html?sid=abc123")});
@@ -75,6 +88,12 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         },
         [&] { return std::to_string(page.links().size() + 100 * page.images().size()); },
         [&] { return joined(std::vector<String>(htmlImages(page.markup()).size(), page.favIcon().absoluteString())); },
+        [&] { return std::to_string(page.linkThumbnails().texts.size()) + (page.isErrorPage() ? "error" : "page"); },
+        [&] {
+            return joined({page.metadata().description, page.summary().title}) +
+                   page.canonicalURL().absoluteString().utf8();
+        },
+        [&] { return stripTags(page.markup()).utf8() + formattedNote(page.markup()).utf8(); },
         [&] { return stringByConvertingEntitiesToCharacters(page.markup()).utf8(); },
         [&] { return stringByConvertingCharactersToJSON(text).utf8(); },
         [&] { return joined(wordsUsingDefaultSeparation(text)); },
@@ -111,6 +130,7 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         },
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
+        [&] { return dates(); },
         [&] { return std::string(charsOf(*dataUsingEncoding(text, ISO2022JPStringEncoding, true))); },
     };
     std::vector<std::string> all(std::size(families));

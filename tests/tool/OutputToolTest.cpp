@@ -12,10 +12,26 @@ using OutputTool = Tool;
 
 TEST_F(OutputTool, ChecksEveryWrite) {
     write("a.txt", "one two three"), write("p.html", "<title>x</title><a href=y>z</a>");
-    for (const char* command :
-         {"--help", "--version", "help query", "words a.txt", "text --json p.html", "match one a.txt", "find o* a.txt",
-          "excerpts one a.txt", "query one", "lines a.txt", "clean a.txt", "digest --md5 a.txt", "pack --stdout a.txt",
-          "url simplify http://h/", "mime html", "charset p.html", "language a.txt", "links p.html", "gather p.html"}) {
+    for (const char* command : {"--help",
+                                "--version",
+                                "help query",
+                                "words a.txt",
+                                "text --json p.html",
+                                "match one a.txt",
+                                "find o* a.txt",
+                                "excerpts one a.txt",
+                                "query one",
+                                "lines a.txt",
+                                "clean a.txt",
+                                "digest --md5 a.txt",
+                                "pack --stdout a.txt",
+                                "url simplify http://h/",
+                                "mime html",
+                                "charset p.html",
+                                "language a.txt",
+                                "links p.html",
+                                "thumbs p.html",
+                                "gather p.html"}) {
         const Outcome full = shell("$V "s + command + " >/dev/full");
         EXPECT_EQ(full.code, 2) << command;
         EXPECT_EQ(full.err, "velmo: standard output: No space left on device\n") << command;
@@ -93,6 +109,50 @@ TEST_F(OutputTool, ShowsControlsOnATerminal) {
     EXPECT_EQ(onTerminal("words -r --json . | od -c | grep -c 033"), "0\r\n");
     EXPECT_EQ(onTerminal("nonsense'\x1B[2J'").find('\x1B'), std::string::npos);
     EXPECT_NE(shell("$V find -r cat .").out.find("a cat\x1B[31m"), std::string::npos) << "a pipe gets the bytes";
+}
+
+/// What a terminal shows in the end of the bytes that it got, line by line, and all that it ever
+/// showed.
+struct Screen {
+    std::vector<std::string> lines = {""};
+    std::string ever;
+
+    explicit Screen(const std::string& bytes) {
+        std::size_t column = 0;
+        for (std::size_t i = 0; i < bytes.size(); ++i) {
+            if (bytes[i] == '\r') {
+                column = 0;
+            } else if (bytes[i] == '\n') {
+                lines.emplace_back(), column = 0;
+            } else if (bytes.compare(i, 3, "\x1B[K") == 0) {
+                lines.back().resize(column), i += 2;
+            } else {
+                lines.back().resize(std::max(lines.back().size(), column + 1), ' ');
+                lines.back()[column++] = bytes[i];
+                ever += bytes[i];
+            }
+        }
+    }
+};
+
+TEST_F(OutputTool, ShowsProgressOnATerminalOnlyAndNothingStandsInIt) {
+    write("a.txt", "one"), write("b.txt", "two");
+    write("c.html", "<meta charset=no-such-set><p>x");
+    // The work takes longer than progress waits for.
+    const std::string work = "(sleep .7; echo x) | $V words -j1 a.txt - missing b.txt c.html d >out";
+    const Outcome onTerminal = shell("export V; TERM=dumb script -qec '" + work + "' /dev/null </dev/null");
+    const Screen screen(onTerminal.out);
+    EXPECT_NE(screen.ever.find("2 of 6"), std::string::npos) << onTerminal.out;
+    EXPECT_EQ(screen.lines, (std::vector<std::string>{"velmo: missing: No such file or directory",
+                                                      "velmo: c.html: Unknown/Unsupported encoding: no-such-set",
+                                                      "velmo: d: No such file or directory", ""}));
+    EXPECT_EQ(read("out"), "       1 a.txt\n       1 -\n       1 b.txt\n       1 c.html\n");
+    const Outcome piped = shell(work);
+    EXPECT_EQ(piped.err,
+              "velmo: missing: No such file or directory\n"
+              "velmo: c.html: Unknown/Unsupported encoding: no-such-set\n"
+              "velmo: d: No such file or directory\n");
+    EXPECT_EQ(piped.code, 2);
 }
 
 TEST_F(OutputTool, PassesTheDiagnosticsOfTheLibraryOn) {

@@ -1,4 +1,6 @@
 // The commands that work with queries: query, match and excerpts.
+#include <regex>
+
 #include "ToolFixture.h"
 
 namespace velmo {
@@ -115,6 +117,29 @@ TEST_F(Tool, ShowsWhatMakesAQueryHold) {
             const std::string word = shown.substring({hit[0], hit[1]}).utf8();
             EXPECT_TRUE(word.starts_with('l') || word.starts_with('L') || word == "the" || word == "The") << word;
         }
+}
+
+TEST_F(Tool, CountsAndNamesTheFilesOfExcerpts) {
+    const std::string both = write("a.txt", "a cat, a dog"), cat = write("b.txt", "a cat"), none = write("c.txt", "x");
+    const std::string files = " " + both + " " + cat + " " + none;
+    const std::tuple<const char*, std::string, int> cases[] = {{"-c 'cat dog'", "1\n", 0},
+                                                               {"--count --any-word 'cat dog'", "2\n", 0},
+                                                               {"-c --described 'dog -cat'", "1\n", 0},
+                                                               {"-c --plain --any-word 'd*'", "1\n", 0},
+                                                               {"-c -l 'bird'", "0\n", 1},
+                                                               {"-l 'cat OR dog'", both + "\n" + cat + "\n", 0},
+                                                               {"-l0 --list 'cat -dog'", cat + '\0', 0},
+                                                               {"-q cat", "", 0},
+                                                               {"-q --json bird", "", 1}};
+    for (const auto& [arguments, out, code] : cases) {
+        const Outcome outcome = run(std::string("excerpts ") + arguments + files);
+        EXPECT_EQ(outcome.out, out) << arguments;
+        EXPECT_EQ(outcome.code, code) << arguments;
+        // What is told is what the excerpts themselves tell by the exit code.
+        const std::string shown = std::regex_replace(arguments, std::regex("^(-[clq0]+ |--count )+"), "");
+        EXPECT_EQ(run("excerpts " + shown + files).code, code) << shown;
+    }
+    EXPECT_EQ(run("excerpts -c --json cat" + files).code, 2);
 }
 
 TEST_F(Tool, ExplainsWhatCannotBeMeant) {

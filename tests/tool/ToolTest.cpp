@@ -15,12 +15,28 @@ TEST_F(Tool, AnswersOnEveryPage) {
     for (const char* command :
          {"charset", "text", "text --only-body --reformat --remove-junk --google-tags --no-image-alts", "links",
           "links --base https://example.org/ --nofollow", "links --frames", "links --images", "links --scripts",
-          "links --media", "words --list", "match the"}) {
+          "links --media", "thumbs", "thumbs --resolve --google-tags", "words --list", "match the"}) {
         const Outcome outcome = run(std::string(command) + " --json " + pages());
         EXPECT_EQ(outcome.code, 0) << command << outcome.err;
         EXPECT_EQ(outcome.lines().size(), numberOfPages()) << command;
     }
     EXPECT_GE(numberOfPages(), 37u);
+}
+
+TEST_F(Tool, PrintsThumbnailsOfLinks) {
+    const std::string page =
+        "<td><a href=1 title=A>x<p>y</a><img src=a.jpg></td><!--googleoff: all--><a href=2>z</a><!--googleon: all-->";
+    const std::string file = write("page.html", page), based = write("based.html", "<base href=http://i/>" + page);
+    const auto object = [&](const std::string& arguments) { return run("thumbs --json " + arguments).lines().at(0); };
+    Json expected = {{"file", file}, {"titles", {{"1", "A"}}}, {"texts", {{"1", "x\n\ny"}, {"2", "z"}}}};
+    expected["thumbnails"] = {{"1", "file://" + (folder_ / "a.jpg").string()}};
+    EXPECT_EQ(object(file), expected);
+    EXPECT_EQ(object(based)["thumbnails"], Json({{"1", "http://i/a.jpg"}}));
+    EXPECT_EQ(object("--base http://h/ " + based)["thumbnails"], Json({{"1", "http://h/a.jpg"}}));
+    EXPECT_EQ(object("--base http://h/ --resolve --google-tags " + file)["texts"], Json({{"http://h/1", "x\n\ny"}}));
+    EXPECT_EQ(run("thumbs --base http://h/ -", page).out, "1\thttp://h/a.jpg\tA\tx y\n2\t\t\tz\n");
+    EXPECT_EQ(object(write("empty.html", ""))["texts"], Json::object());
+    EXPECT_EQ(run("thumbs --base nonsense " + file).code, 2);
 }
 
 TEST_F(Tool, NamesCharsets) {

@@ -1,5 +1,8 @@
 // velmo: the library from a shell. Finds the command, and sees to it that every run ends with
 // an exit code and never with an exception.
+//
+// What a command can do is data that it makes itself (frame/Command.h), so that help, suggestions
+// and the parsing of arguments are written once here and in the frame, and none can disagree.
 #include <fmt/core.h>
 
 #include <csignal>
@@ -20,6 +23,9 @@ const std::vector<CommandEntry>& allCommands() {
         {"gather", makeGatherCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
+        {"thumbs", makeThumbsCommand},
+        {"meta", makeMetaCommand},
+        {"strip", makeStripCommand},
         {"charset", makeCharsetCommand},
         {"words", makeWordsCommand},
         {"match", makeMatchCommand},
@@ -34,6 +40,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"unpack", makeUnpackCommand},
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
+        {"date", makeDateCommand},
         {"records", makeRecordsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
@@ -64,6 +71,8 @@ constexpr std::string_view OverviewTail =
 
 std::string listOf(std::span<const CommandEntry> commands, Session& session) {
     std::string list;
+    // A command is made only to ask for its summary: what it says of itself stands in its own
+    // file.
     for (const CommandEntry& entry : commands)
         list += fmt::format("  {:11}{}\n", entry.name,
                             entry.make ? entry.make(session).summary : entry.summary);
@@ -71,6 +80,7 @@ std::string listOf(std::span<const CommandEntry> commands, Session& session) {
 }
 
 /// The entry of that name; throws a UsageError with the nearest name if there is none.
+/// One walk for both: the names that were passed on the way are those to suggest from.
 const CommandEntry& entryOf(std::span<const CommandEntry> commands, std::string_view name) {
     std::vector<std::string_view> names;
     for (const CommandEntry& entry : commands) {
@@ -112,6 +122,7 @@ private:
 
     void runHelp(const std::vector<std::string>& names) {
         if (names.empty()) return printOverview();
+        // The word is a topic and a command; both are told, the topic first.
         if (names.front() == "query" && names.size() == 1)
             report_.printLine(std::string(QueryHelp));
         arguments_ = names;
@@ -137,6 +148,7 @@ private:
     /// Takes the words that name a command off the arguments.
     const CommandEntry* find(std::span<const CommandEntry> commands) {
         const CommandEntry* entry = nullptr;
+        // A group has no work of its own, so the next word is looked up among its actions.
         do {
             if (arguments_.empty() || isHelp(arguments_.front())) break;
             entry = &entryOf(entry ? entry->actions : commands, arguments_.front());
@@ -150,6 +162,7 @@ private:
         const CommandEntry* entry = find(allCommands());
         if (!entry) throw UsageError("a command is missing");
         if (!entry->make) {
+            // What is left can only be a wish for help: find() stopped there.
             if (arguments_.empty()) throw UsageError("an action is missing");
             return printActions(*entry);
         }
@@ -202,6 +215,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     std::ios::sync_with_stdio(false);
     velmo::setLogHandler(Report::logLine);
+    // The session outlives the run, whose reports write to its console until they are destroyed.
     Session session;
     Run run(session, {argv + 1, argv + argc});
     return runTool(session, run);

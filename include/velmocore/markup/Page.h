@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/LinkThumbnails.h>
+#include <velmocore/markup/PageMetadata.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
@@ -22,8 +24,9 @@ struct PageOptions {
 };
 
 /// A page of the web, and what most programs want to know of it; the operations of the other
-/// headers tell more, one thing at a time. It is decoded when it is made and scanned once. Each
-/// part is made when it is first asked for, and kept.
+/// headers tell more, one thing at a time. It is decoded when it is made and scanned once, but for
+/// what its head says, which needs no more than that. Each part is made when it is first asked for,
+/// and kept.
 ///
 ///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>",
 ///                     {.url = URL::URLWithString(u"http://h.org/a/")});
@@ -54,6 +57,14 @@ public:
     [[nodiscard]] const String& title() const VELMO_LIFETIME;
     /// As stringByConvertingHtml2PlainText() makes it.
     [[nodiscard]] const String& plainText() const VELMO_LIFETIME;
+    /// Whether it only says that there is no such page, by its title, the text of its body and
+    /// where it comes from; see markup/ErrorPages.h.
+    [[nodiscard]] bool isErrorPage() const;
+
+    /// What its head says of it, all but the summary, read in one scan that ends at its body.
+    [[nodiscard]] const HtmlMetadata& metadata() const VELMO_LIFETIME;
+    /// As htmlMetaKeywordsDescriptionTitleDate() reads it from all of the page.
+    [[nodiscard]] const HtmlMetaSummary& summary() const VELMO_LIFETIME;
 
     // References, resolved, in page order or else in that of their texts, each once. What cannot be
     // resolved is left out: all that is relative, if it is not known to what.
@@ -67,6 +78,11 @@ public:
     [[nodiscard]] const std::vector<URL>& embeddedObjects() const VELMO_LIFETIME;
     /// Absent if it names none.
     [[nodiscard]] const URL& favIcon() const VELMO_LIFETIME;
+    /// The address that it wants to be known by; absent if it names none.
+    [[nodiscard]] const URL& canonicalURL() const VELMO_LIFETIME;
+    /// Thumbnails, titles and texts of its links, resolved as getLinkThumbnails() does it. Nothing
+    /// if it is not known what links are relative to.
+    [[nodiscard]] const LinkThumbnails& linkThumbnails() const VELMO_LIFETIME;
 
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.

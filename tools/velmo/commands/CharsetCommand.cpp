@@ -1,3 +1,6 @@
+// Two names and not one: what a page says of itself and what it was decoded with often differ, and
+// who looks into garbled text needs to see both. The decoding is that of all commands, so that the
+// answer is what the others work with.
 #include <fmt/core.h>
 
 #include <memory>

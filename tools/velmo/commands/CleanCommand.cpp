@@ -1,5 +1,8 @@
 // Each flag is a step; the steps are done in the order in which the flags were given, on one
 // buffer or piece by piece, so that a large text stands in memory once.
+//
+// The order is the user's because it matters: white space that is collapsed before a mail is
+// unwrapped would take the line breaks with it that tell where its paragraphs end.
 #include <memory>
 
 #include <velmocore/text/Collapsing.h>
@@ -25,10 +28,12 @@ struct Options {
 constexpr std::string_view FormNames[] = {"c", "d", "kc", "kd"};
 constexpr NormalizationForm Forms[] = {NormalizationForm::C, NormalizationForm::D,
                                        NormalizationForm::KC, NormalizationForm::KD};
+/// In columns. A tab becomes as many spaces at most, so this bounds how much a text can grow.
 constexpr std::uint64_t WidestTabs = 1000;
 /// Of large texts so much is worked on at a time.
 constexpr std::size_t PieceUnits = std::size_t{1} << 20;
 
+/// In place: the end is cut first, so that less is moved to the front.
 void trim(std::u16string& text) {
     const Range kept = trimSpacesInRange(text, {0, text.size()}, true);
     text.erase(kept.end());
@@ -38,6 +43,8 @@ void trim(std::u16string& text) {
 /// A text of its own for the steps; the units of a large one move over piece by piece.
 std::u16string takeUnits(String&& string) {
     const String owned = std::exchange(string, String());
+    // The room is reserved at once, and the system backs it page by page as it is written, while
+    // the pages that have been read go back: both together are never much more than one text.
     std::u16string units;
     units.reserve(owned.length());
     for (std::u16string_view rest = owned; !rest.empty();) {
@@ -58,6 +65,8 @@ bool isAsciiLetter(char16_t unit) {
 std::size_t endOfPiece(std::u16string_view text) {
     for (std::size_t at = PieceUnits; at < text.size(); ++at)
         if (text[at - 1] == u'\n' && isAsciiLetter(text[at])) return at;
+    // A text without such a place, as one long line, is one piece: it takes more memory, but is
+    // right.
     return text.size();
 }
 
@@ -95,6 +104,8 @@ void run(Report& report, const Options& options) {
     });
 }
 
+/// A flag that may be given more than once, as the same step may be wanted before and after
+/// another.
 Option stepFlag(std::vector<Step>& steps, std::string_view name, std::string help, Step step) {
     return {
         .names = name, .value = {}, .help = std::move(help), .take = [&steps, step](const auto&) {
@@ -121,6 +132,8 @@ std::vector<Option> stepOptions(std::vector<Step>& steps) {
         {"--tabs", "N", "replace tabs by spaces, in columns of N",
          [&steps](const std::string& given) {
              std::uint64_t width = 0;
+             // The check of values is that of all options; only the place of the step is the
+             // command's own.
              number("--tabs", "N", width, "", 1, WidestTabs).take(given);
              steps.push_back([width](std::u16string& text) { decodeTabs(text, width); });
          }},

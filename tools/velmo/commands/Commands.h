@@ -9,6 +9,7 @@ namespace velmo::tool {
 
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
+Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
 Command makeFindCommand(Session& session);
@@ -17,11 +18,14 @@ Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
 Command makeLinksCommand(Session& session);
 Command makeMatchCommand(Session& session);
+Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
 Command makeRecordsCommand(Session& session);
+Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
+Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 

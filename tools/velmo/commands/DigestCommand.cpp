@@ -1,3 +1,5 @@
+// Fingerprints of the bytes as they stand in the file: nothing is decoded or inflated, so that
+// they compare with those that other programs print.
 #include <fmt/core.h>
 
 #include <memory>
@@ -27,11 +29,13 @@ JsonObject digestsOf(Bytes bytes, const Options& options) {
 void print(const std::string& file, JsonObject digests, Report& report) {
     if (report.json()) return report.printObject(fileObject(file, std::move(digests)));
     std::string line;
+    // Two spaces and the name last, as the tools that check such lists expect it.
     for (const auto& [name, value] : digests) line += value.plain() + "  ";
     report.printLine(line + file);
 }
 
 void run(Report& report, const Options& options) {
+    // No default: a digest that nobody chose would be kept and compared as another one.
     if (!options.md5 && !options.sha1 && !options.crc)
         throw UsageError("one of --md5, --sha1 and --crc is missing");
     forEachFile(report, options.input, [&](const FileName& file, Data&& bytes, Report& own) {

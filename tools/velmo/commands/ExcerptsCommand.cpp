@@ -1,6 +1,7 @@
 // What stands around the words that make a query hold, to read. The library finds and cuts; here
 // is decided of which texts and which hits, and where the hits stand in what is printed.
 #include <algorithm>
+#include <atomic>
 #include <memory>
 
 #include <velmocore/query/Occurrences.h>
@@ -24,6 +25,7 @@ struct Options {
     WildcardComparison comparison = WildcardComparison::CaseInsensitive;
     bool anyWord = false, beginning = false, described = false, onlyOccurrences = false;
     bool paragraphs = false, singleWords = false, list = false;
+    HitOptions hits;
     std::uint64_t length = DefaultLength, enclosingWords = 0;
 };
 
@@ -58,6 +60,13 @@ public:
         : options_(options),
           query_(query),
           wildcards_(plusWildcards(query.text).value_or(std::vector<String>())) {}
+
+    /// Whether there is anything to show; the first hit is enough for that.
+    bool isHit(const String& text) const {
+        if (!byWords()) return query_.holdsFor(text);
+        return forEachWildcard(text, wildcards_, [](Range) { return false; },
+                               {.comparison = query_.comparison}) > 0;
+    }
 
     void print(const std::string& file, const String& text, Report& report) const {
         const bool matches = query_.holdsFor(text);
@@ -167,9 +176,17 @@ void run(Report& report, const Options& options) {
     const Query query = readQuery(report, options.query, options.parse, options.comparison);
     report.flush();
     const Excerpts excerpts(options, query);
+    std::atomic<std::size_t> count = 0;
+    const bool showsExcerpts =
+        !options.hits.countOnly && !options.hits.namesOnly && !report.session().isQuiet;
     forEachText(report, options.input, [&](const std::string& file, String&& text, Report& own) {
-        excerpts.print(file, text, own);
+        if (showsExcerpts) return excerpts.print(file, text, own);
+        const bool isHit = excerpts.isHit(text);
+        own.noteHit(isHit);
+        count += isHit;
+        if (isHit && options.hits.namesOnly) own.printName(file);
     });
+    if (options.hits.countOnly) report.printLine(std::to_string(count));
 }
 
 }  // namespace
@@ -203,6 +220,7 @@ Command makeExcerptsCommand(Session& session) {
     });
     command.add(queryParseOptions(options->parse));
     command.add(comparisonOptions(options->comparison));
+    command.add(hitOptions(session, options->hits, "only the number of files with a hit"));
     addContentOptions(command, session, options->input);
     command.add({colorOption(session), jsonFlag(session, "one JSON object a file")});
     return command;

@@ -1,5 +1,8 @@
 // Wildcards in texts and pages, hit by hit. A hit is printed where it is found, so that many of
 // them take no memory; only a search from the end back must keep their places.
+//
+// A hit is told in three ways of counting: by lines and columns for people and editors, by UTF-16
+// units for the library's callers, by bytes for whatever else reads the file.
 #include <fmt/core.h>
 
 #include <algorithm>
@@ -19,6 +22,7 @@ namespace {
 
 /// So much of a hit's line is shown on either side of it.
 constexpr std::uint64_t ShownUnits = 120;
+/// Outside the range of the option, in which 0 is a measure like any other.
 constexpr double NoFuzzy = -1;
 
 struct Options {
@@ -38,6 +42,8 @@ struct Hit {
     Range bytes = {};  ///< in UTF-8
 };
 
+/// The position goes on from the hit before, so that all hits of a text together cost one walk
+/// through it.
 Hit hitAt(Range range, TextPosition& position) {
     position.goTo(range.location);
     Hit hit = {range, position.line(), position.lineStart(), {position.bytes(), 0}};
@@ -46,6 +52,7 @@ Hit hitAt(Range range, TextPosition& position) {
     return hit;
 }
 
+/// A cut here would leave half a character on either side, each printed as U+FFFD.
 bool splitsPair(std::u16string_view text, std::uint64_t at) {
     return at > 0 && at < text.size() && (text[at - 1] & 0xFC00) == 0xD800 &&
            (text[at] & 0xFC00) == 0xDC00;
@@ -53,6 +60,8 @@ bool splitsPair(std::u16string_view text, std::uint64_t at) {
 
 /// As much of the hit's line as is shown.
 Range shownRange(std::u16string_view text, const Hit& hit) {
+    // Both sides have a limit: a text may be one line of megabytes with a hit in each word, and to
+    // print the line with each would take the square of its length.
     std::uint64_t start =
         std::max(hit.lineStart, hit.range.location - std::min(ShownUnits, hit.range.location));
     if (splitsPair(text, start)) ++start;
@@ -107,6 +116,7 @@ private:
 /// Calls the handler for the hits in the order of the search until it has enough.
 std::uint64_t forEachHit(const String& text, std::span<const String> patterns,
                          const Options& options, FunctionRef<void(const Hit&)> handler) {
+    // A name is told by the first hit; the rest of the text need not be searched.
     const std::uint64_t most = options.hits.namesOnly ? 1 : options.maxCount;
     if (most == 0) return 0;
     const WildcardSearchOptions search{.comparison = options.comparison};
@@ -129,6 +139,7 @@ std::uint64_t forEachHit(const String& text, std::span<const String> patterns,
             return hits.size() < most;
         },
         search);
+    // They came from the end back, and a TextPosition only goes ahead.
     std::for_each(hits.rbegin(), hits.rend(), [&](Hit& hit) { hit = hitAt(hit.range, position); });
     for (const Hit& hit : hits) handler(hit);
     return hits.size();
@@ -142,6 +153,7 @@ void findIn(const std::string& file, const String& text, std::span<const String>
         report.noteHit(true);
         if (printsHits) printer.print(hit);
     });
+    // Hits were noted as they came, so that a quiet run begins no further file after the first.
     if (count == 0) report.noteHit(false);
     if (options.hits.countOnly)
         report.printLine(report.line().add(Line::Color::File, file).add(fmt::format(":{}", count)));
@@ -163,6 +175,7 @@ void sortArguments(Options& options) {
 void run(Report& report, Options& options) {
     sortArguments(options);
     if (options.fuzzy != NoFuzzy) {
+        // A setting of the whole process, so it is made before there are threads.
         setMinWildcardFuzzyAnalogy(options.fuzzy);
         options.comparison = options.comparison | WildcardComparison::Fuzzy;
     }
@@ -170,6 +183,7 @@ void run(Report& report, Options& options) {
     for (const std::string& pattern : options.patterns)
         patterns.push_back(String::fromUTF8(pattern));
     for (const String& pattern : patterns) explainPattern(report, pattern, options.strict);
+    // The complaints of the patterns come first, before those of any input.
     report.flush();
     forEachText(report, options.input, [&](const std::string& file, String&& text, Report& own) {
         findIn(file, text, patterns, options, own);
@@ -207,6 +221,8 @@ Command makeFindCommand(Session& session) {
              "a file"),
         list("FILE", options->arguments,
              "pages and texts, told apart by their content; none, or -, is standard input")};
+    // Both take from one list, as only the options tell whether the first is a pattern; the help
+    // still shows them as what they are.
     command.arguments.front().isList = false;
     return command;
 }

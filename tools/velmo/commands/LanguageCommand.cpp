@@ -1,3 +1,5 @@
+// The lists are read once and shared: a filter never changes while it works, so that all threads
+// ask the same one.
 #include <fmt/core.h>
 
 #include <memory>
@@ -21,6 +23,8 @@ void print(const LanguageFilter& filter, const std::string& file, const String& 
            Report& report) {
     const String language = filter.languageOfText(content);
     const double ratio = filter.stopWordRatioOfText(content);
+    // The ratio belongs to the language that has the most hits, which may be one that does not
+    // stand out. Beside an open answer it would speak for a language that is not named.
     const bool decided = !language.isAbsent();
     if (!report.json())
         return report.printLine(
@@ -34,6 +38,8 @@ void print(const LanguageFilter& filter, const std::string& file, const String& 
 void run(Report& report, const Options& options) {
     const std::string lists = options.lists.empty() ? velmoResourcesDirectory() : options.lists;
     const LanguageFilter filter = readLanguageFilter(report, lists, options.ignoreUmlauts);
+    // Told already. Every input would get the same empty answer, and that would look like a
+    // result.
     if (filter.languages().empty()) return;
     forEachText(report, options.input, [&](const std::string& file, String&& content, Report& own) {
         print(filter, file, content, own);

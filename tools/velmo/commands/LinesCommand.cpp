@@ -1,3 +1,5 @@
+// For people a line is printed without its end, as the tool ends all lines alike. Programs get the
+// ends as they were: the lines of an object, joined, are the text again.
 #include <memory>
 
 #include <velmocore/text/Lines.h>

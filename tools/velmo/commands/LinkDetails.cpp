@@ -1,3 +1,6 @@
+// The library's lists tell what a page loads and leads to, each once; here every reference counts,
+// in page order, with the text about it. All come from one scan, and the text of a link is
+// collected while it is open, so that the time is linear however links are nested or left open.
 #include "LinkDetails.h"
 
 #include <algorithm>
@@ -40,6 +43,7 @@ std::u16string lowered(std::u16string_view text) {
 
 /// A tag without the body that a script or style is scanned with: up to its first > outside
 /// quotes.
+/// Attributes are sought in it, and a script's body may hold what looks like one.
 std::u16string_view openingTag(std::u16string_view tag) {
     char16_t quote = 0;
     for (std::size_t i = 0; i < tag.size(); ++i) {
@@ -57,6 +61,7 @@ std::u16string_view openingTag(std::u16string_view tag) {
 /// What a link tag of the head points at, by its rel: a sheet or an icon.
 std::optional<LinkKind> kindOfLinkTag(std::u16string_view tag) {
     const std::u16string rel = lowered(attributeOfTagCharacters(tag, "REL"));
+    // Part of the value is enough: "alternate stylesheet" and "shortcut icon" are of the kind too.
     if (rel.find(u"stylesheet") != rel.npos) return LinkKind::Script;
     if (rel.find(u"icon") != rel.npos) return LinkKind::Image;
     return std::nullopt;
@@ -80,6 +85,8 @@ String cleanText(const String& text) {
 class Collector {
 public:
     bool take(const Tag& tag) {
+        // tag.text() is what stands between the tag before and this one, so tags within a link,
+        // such as b or img, neither end its text nor come into it.
         if (openLink_) text_ += tag.text();
         if (tag.kind == TagKind::End) closeLink();
         if (tag.kind == TagKind::Element) takeElement(tag);
@@ -90,6 +97,8 @@ public:
 private:
     void takeElement(const Tag& tag) {
         const std::u16string name = lowered(tag.name());
+        // An a, opening or closing, ends the one before: links do not nest, but many are never
+        // closed.
         if (name == u"a") closeLink();
         if (tag.isClosing()) return;
         const std::u16string_view opening = openingTag(tag.whole());
@@ -100,9 +109,11 @@ private:
         if (link.isAbsent()) return;
         const bool isImage = pointer->kind == LinkKind::Image;
         links.push_back({pointer->kind, raw, link,
+                         // What stands for an image where it is not shown is its text.
                          isImage ? cleanText(attributeOfTagCharacters(opening, "ALT")) : String(),
                          cleanText(attributeOfTagCharacters(opening, "TITLE")),
                          cleanText(attributeOfTagCharacters(opening, "REL"))});
+        // By its place, as the vector may move its elements while the link is open.
         if (pointer->kind == LinkKind::A) openLink_ = links.size() - 1;
     }
 

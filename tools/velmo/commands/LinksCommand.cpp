@@ -1,3 +1,6 @@
+// The links of a page as the library finds them, in one of its sets, or each with its details.
+// Nothing is resolved without a base from the command line: a page alone does not tell where it
+// stands.
 #include <fmt/core.h>
 
 #include <algorithm>
@@ -34,6 +37,7 @@ std::vector<String> listOf(const std::set<String>& set) { return {set.begin(), s
 
 Found find(const String& page, const Options& options) {
     const String containing = String::fromUTF8(options.containing);
+    // Whatever was asked for: the page's own base comes with its links.
     HtmlLinks found =
         htmlLinks(page, {.containing = containing, .useRelNoFollow = options.noFollow});
     switch (options.kind) {
@@ -79,6 +83,7 @@ public:
 
     void print(const std::string& file, const String& page, Report& report) const {
         const Found found = find(page, options_);
+        // As in a browser: what the page says of its base goes before where it was found.
         const URL& base = found.base.isAbsent() ? base_ : found.base;
         if (report.json()) return printObject(file, page, found, base, report);
         if (options_.details) return printDetails(page, base, report);
@@ -92,6 +97,7 @@ private:
     bool resolves() const { return !base_.isAbsent(); }
 
     URL resolved(const String& link, const URL& base) const {
+        // With its anchor, which tells people and programs where on the page a link leads.
         return resolves() ? urlOfLink(link, base, true) : URL();
     }
 
@@ -99,6 +105,8 @@ private:
         std::vector<LinkDetails> details = linkDetails(page);
         std::erase_if(details, [&](const LinkDetails& each) {
             return !isWanted(each.kind, options_) ||
+                   // The library leaves such links out of its set itself; details come from a scan
+                   // of our own.
                    (options_.noFollow &&
                     each.rel.view().find(u"nofollow") != std::u16string_view::npos);
         });
@@ -108,6 +116,8 @@ private:
     void printDetails(const String& page, const URL& base, Report& report) const {
         for (const LinkDetails& each : detailsOf(page)) {
             const URL url = resolved(each.link, base);
+            // Tabs, so that cut(1) and spreadsheets take the columns apart; the text goes last, as
+            // it is the only column that may be empty.
             report.printLine(fmt::format(
                 "{}\t{}\t{}", nameOf(each.kind),
                 url.isAbsent() ? each.link.utf8() : url.absoluteString().utf8(), each.text.utf8()));
@@ -151,6 +161,8 @@ void run(Report& report, const Options& options) {
     const Printer printer(options, base);
     forEachContent(report, options.input,
                    [&](const FileName& file, Content&& content, Report& own) {
+                       // A text that looks like markup in places is still a text: it points at
+                       // nothing.
                        const String page = content.kind == Kind::Page ? content.units : String();
                        printer.print(file.path, page, own);
                    });
@@ -159,6 +171,7 @@ void run(Report& report, const Options& options) {
 Option kindFlag(Options& options, std::string_view name, LinkSet kind, std::string help) {
     return {
         .names = name, .value = {}, .help = std::move(help), .take = [&options, kind](const auto&) {
+            // Not an exclusion of two options, as each of the four excludes the three others.
             if (options.hasKind && options.kind != kind)
                 throw UsageError("only one of --frames, --images, --scripts and --media");
             options.kind = kind;

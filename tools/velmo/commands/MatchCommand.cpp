@@ -1,3 +1,5 @@
+// Which inputs a query holds for. Every input is asked, hit or not, as the exit code and --count
+// speak of all of them; only --quiet ends with the first hit.
 #include <atomic>
 #include <memory>
 
@@ -20,12 +22,15 @@ struct Options {
 
 void run(Report& report, const Options& options) {
     const Query query = readQuery(report, options.query, options.parse, options.comparison);
+    // What is wrong with the query is told before anything of the inputs.
     report.flush();
+    // The work runs on several threads, and no lock is worth taking for one number.
     std::atomic<std::size_t> count = 0;
     forEachText(report, options.input, [&](const std::string& file, String&& text, Report& own) {
         const bool matches = options.contains ? query.occursIn(text) : query.holdsFor(text);
         own.noteHit(matches);
         count += matches;
+        // For people a hit is the name of its file, so --files-with-matches has nothing to change.
         if (own.json())
             own.printObject(fileObject(file, {{"matches", matches}}));
         else if (matches && !options.hits.countOnly)

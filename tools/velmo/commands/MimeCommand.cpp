@@ -1,3 +1,6 @@
+// The library's tables of types and their kinds, seen from a shell. One argument is an extension
+// or a type, told by its slash, as no extension has one. The names of the kinds are those of the
+// library's predicates, and stay: programs read them.
 #include <velmocore/url/FileKinds.h>
 #include <velmocore/url/MIMETypes.h>
 
@@ -15,6 +18,7 @@ struct Kind {
     bool (*isOf)(std::u16string_view);
 };
 
+// Parts of one predicate with options; a table of functions needs each with a name of its own.
 bool isAudio(std::u16string_view extension) { return isMultimediaType(extension, {.audio = true}); }
 bool isVideo(std::u16string_view extension) { return isMultimediaType(extension, {.video = true}); }
 bool isEmbedded(std::u16string_view extension) {
@@ -35,6 +39,8 @@ constexpr Kind KindsOfExtensions[] = {
     {"binary", isBinaryFileType},
 };
 
+/// Other kinds than those of extensions: what a server says of its answer, and what programs must
+/// do with it, is told more finely than what a name ends with.
 constexpr Kind KindsOfTypes[] = {
     {"markup", isMarkupMIMEType},
     {"html", isHTMLMIMEType},
@@ -78,6 +84,8 @@ std::string lineOf(const String& part) { return part.isAbsent() ? "-" : part.utf
 void run(Report& report, const std::vector<std::string>& names) {
     forEachUrl(report, names, [&](const String& asked) {
         const Answer found = answer(asked);
+        // An extension may have kinds and no type, as kinds go by tables of their own. It is a
+        // miss even so: what was asked for is the type.
         report.noteHit(found.isKnown);
         if (report.json())
             return report.printObject({{"asked", asked},

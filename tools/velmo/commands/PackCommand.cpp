@@ -1,4 +1,6 @@
 // Files compressed and inflated beside themselves, or to standard output.
+// A result is whole in memory before its file is made, so that a damaged input leaves nothing
+// behind.
 #include <fmt/core.h>
 
 #include <memory>
@@ -19,6 +21,7 @@ struct Options {
     std::uint64_t level = 0, limit = UsualLimit;
 };
 
+/// ".z" and not ".Z", which is an older format that zlib does not read.
 constexpr std::string_view GzipSuffix = ".gz", ZlibSuffix = ".z";
 
 /// What was made of a file, and where it goes.
@@ -30,7 +33,10 @@ struct Made {
 };
 
 void deliver(const Options& options, const Made& made, Report& report) {
+    // Standard input has no name from which one for the result could be made.
     if (options.toStandardOutput || made.file == "-") return report.printBytes(charsOf(made.bytes));
+    // The file itself stays, unlike with other packers: nothing is lost if the result is not
+    // wanted.
     writeNewFile(made.output, made.bytes, options.force, made.file);
     if (report.json())
         report.printObject(fileObject(
@@ -43,10 +49,12 @@ void deliver(const Options& options, const Made& made, Report& report) {
 
 void pack(Report& report, const Options& options) {
     const int level =
+        // The option begins at 1, so 0 is the value that nobody can give.
         options.level == 0 ? DefaultCompressionLevel : static_cast<int>(options.level);
     const std::string suffix(options.zlib ? ZlibSuffix : GzipSuffix);
     forEachFile(report, options.input, [&](const FileName& file, Data&& bytes, Report& own) {
         const auto packed = dataByCompressingBytes(bytes, level, !options.zlib);
+        // The library makes nothing of no bytes.
         if (!packed) throw InputError("nothing to compress");
         deliver(options, {file.path, file.path + suffix, bytes.size(), *packed}, own);
     });
@@ -57,11 +65,14 @@ std::string unpackedName(const std::string& file) {
     for (const std::string_view suffix : {GzipSuffix, ZlibSuffix})
         if (file.size() > suffix.size() && file.ends_with(suffix))
             return file.substr(0, file.size() - suffix.size());
+    // Never the name of the file itself: with --force it would be replaced by its own content.
     return file + ".unpacked";
 }
 
 void unpack(Report& report, const Options& options) {
     forEachFile(report, options.input, [&](const FileName& file, Data&& bytes, Report& own) {
+        // Not the library's operation, which takes one stream: files of gzip are often several,
+        // one after the other.
         const Data made = inflated(bytes, options.limit);
         deliver(options, {file.path, unpackedName(file.path), bytes.size(), made}, own);
     });

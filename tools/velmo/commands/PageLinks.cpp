@@ -1,3 +1,6 @@
+// Two readings of the same links. People and programs want to see where each leads, whatever it
+// is; a gatherer wants pages to fetch, each once, and no advertisements. Both resolve by the
+// library's repairing resolver, and fall back on the plain rules only where it refuses.
 #include "PageLinks.h"
 
 #include <velmocore/markup/Links.h>
@@ -19,6 +22,8 @@ URL resolvedPlainly(const String& link, const URL& base) {
 
 /// The URL of a link; absent if it leads to no page, or to an advertisement.
 URL pageOfLink(const String& link, const URL& base) {
+    // Before it is resolved, as the text alone tells of a script or a mail address; what only
+    // shows in the whole URL is looked at once more below.
     if (filterLink(link)) return {};
     // On a file base the resolver takes a # for a part of the path.
     const URL url = URLRelativeTo(base, stringURLWithoutAnchor(link));
@@ -41,10 +46,14 @@ PageLinks linksOfPage(const String& page, const URL& url, const PageLinkOptions&
     links.number = found.links.size();
     for (const String& link : found.links) {
         const URL target = options.all ? urlOfLink(link, base, false) : pageOfLink(link, base);
+        // The first of several URLs of one page is kept, as emplace() changes nothing that is
+        // there.
         if (!target.isAbsent()) links.distinct.emplace(simplifiedStringURL(target), target);
     }
     if (options.follow)
         for (const auto& [key, target] : links.distinct)
+            // One step from the page itself, so the depth is 1; against the URL of the page and
+            // not its base, which may name another site.
             if (shouldFollowLink(target, *options.follow, 1, url)) links.followed.push_back(target);
     return links;
 }

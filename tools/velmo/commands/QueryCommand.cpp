@@ -21,11 +21,15 @@ struct Options {
 
 /// A query in one of the library's forms, where an unbounded distance is written as -1: as
 /// people write it, BEFORE or AFTER alone. What stands in quotes stays.
+/// The library's form is for programs and is kept as it is; but people would give what they read
+/// here back to the tool.
 std::string withPlainDistances(const String& form) {
     constexpr std::string_view Unbounded = "/-1";
     std::string out;
     bool isQuoted = false;
     const std::string text = form.utf8();
+    // The operator is looked for in what was written so far, which ends with it where a distance
+    // begins.
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] == '"') isQuoted = !isQuoted;
         const bool isDistance = (out.ends_with("BEFORE") || out.ends_with("AFTER")) &&
@@ -57,6 +61,7 @@ JsonObject formsOf(const Query& query, const QueryOptions& options) {
 
 void printLines(const JsonObject& forms, Report& report) {
     for (const auto& [name, value] : forms) {
+        // Of many lines; it has a flag of its own.
         if (name.plain() == "tree") continue;
         std::string line;
         if (const JsonArray* words = value.values())
@@ -73,6 +78,7 @@ void run(Report& report, const Options& options) {
     const Query query = readQuery(report, text, options.parse, WildcardComparison::CaseInsensitive);
     if (options.tree) {
         std::string tree = dumpOfQueryTerms(query.terms);
+        // The line end is the report's.
         if (tree.ends_with('\n')) tree.pop_back();
         return report.printLine(tree);
     }

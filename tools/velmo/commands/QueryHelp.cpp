@@ -1,3 +1,5 @@
+// One text as it is read, not put together from the tables of the parser: what a newcomer needs
+// first stands first. It is no wider than 100 columns.
 #include "QueryHelp.h"
 
 namespace velmo::tool {

@@ -1,3 +1,6 @@
+// The commands with queries read them here, so that a query means the same in all of them, and
+// what cannot mean what was written is told in the same words. Such a query still runs, as every
+// text is one: only --strict, for scripts, makes it a failure.
 #include "QueryOptions.h"
 
 #include <fmt/core.h>
@@ -27,6 +30,7 @@ void explain(Report& report, std::string_view what, const std::vector<QueryProbl
     }
 }
 
+/// Enough for plain words, as readQuery() has refused all other comparisons.
 Case caseOf(WildcardComparison comparison) {
     return isCaseInsensitive(comparison) ? Case::Insensitive : Case::Sensitive;
 }
@@ -34,6 +38,7 @@ Case caseOf(WildcardComparison comparison) {
 }  // namespace
 
 QueryOptions QueryParseOptions::read() const {
+    // Patterns unless told otherwise: people who search from a shell expect * to work.
     return {
         .defaultOperator = defaultOperator, .defaultDistance = defaultDistance, .wildcard = !plain};
 }
@@ -84,6 +89,7 @@ Query readQuery(Report& report, const std::string& text, const QueryParseOptions
         throw UsageError("--plain knows no comparison but exact and case");
     const String query = String::fromUTF8(text);
     explain(report, "query", problemsOfQuery(query, options.read()), options.strict);
+    // Read even after a problem that counts as a failure: the run goes on, and ends with 2.
     QueryTerms terms(query, options.read());
     return {query, std::move(terms), options.plain, comparison};
 }

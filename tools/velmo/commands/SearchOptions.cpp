@@ -1,3 +1,5 @@
+// Options of match, find and their like. They follow the letters of grep (-i, -c, -l, -q), which
+// hands know, but not its default: here case is ignored unless something else is asked for.
 #include "SearchOptions.h"
 
 namespace velmo::tool {
@@ -5,6 +7,7 @@ namespace {
 
 using enum WildcardComparison;
 
+/// A name of its own for one value of --comparison; of several the last one counts.
 Option comparisonFlag(std::string_view names, WildcardComparison& comparison,
                       WildcardComparison value, std::string help) {
     return {.names = names,
@@ -30,6 +33,8 @@ std::vector<Option> comparisonOptions(WildcardComparison& comparison) {
                            {"both+fuzzy", Insensitive | Fuzzy}});
     Option exact =
         comparisonFlag("--case-sensitive", comparison, Exact, "the same as --comparison exact");
+    // Both given contradict each other, and the one that comes first would be passed over
+    // silently.
     exact.excludes = "--comparison";
     return {std::move(named),
             comparisonFlag("-i,--ignore-case", comparison, CaseInsensitive,
@@ -39,6 +44,7 @@ std::vector<Option> comparisonOptions(WildcardComparison& comparison) {
 
 std::vector<Option> hitOptions(Session& session, HitOptions& options, std::string countHelp) {
     Option count = flag("-c,--count", options.countOnly, std::move(countHelp));
+    // A count or a name alone is no object; programs have it in every object, or count these.
     count.excludes = "--json";
     Option names = flag("-l,--files-with-matches", options.namesOnly,
                         "only the names of the files with a hit");
@@ -49,6 +55,7 @@ std::vector<Option> hitOptions(Session& session, HitOptions& options, std::strin
 
 Option colorOption(Session& session) {
     enum class When { Auto, Always, Never };
+    // The default, which stands if the option is not used.
     session.hasColors = isColorTerminal();
     return {.names = "--color",
             .value = "WHEN",
@@ -63,6 +70,8 @@ Option colorOption(Session& session) {
 
 void addHighlighted(Line& line, std::u16string_view text, std::span<const Range> hits) {
     std::uint64_t written = 0;
+    // The hits are in order and do not overlap, so one pass is enough. Each part is made one line
+    // by itself: cut from a whole line that was changed first, the places would no longer fit.
     for (const Range& hit : hits) {
         line.add(oneLine(text.substr(written, hit.location - written)));
         line.add(Line::Color::Hit, oneLine(text.substr(hit.location, hit.length)));

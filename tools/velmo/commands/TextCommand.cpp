@@ -1,3 +1,5 @@
+// Pages as plain text, with the options of the conversion as flags of their own, each off or on as
+// in the library. A text passes through unchanged, so that a mixed folder can be read whole.
 #include <velmocore/markup/PlainText.h>
 
 #include <memory>
@@ -14,6 +16,7 @@ struct Options {
 };
 
 String plainTextOf(Content&& content, const PlainTextOptions& options) {
+    // Moved, so that the page is forgotten here and not kept while its text is printed.
     const String units = std::move(content.units);
     return content.kind == Kind::Page ? stringByConvertingHtml2PlainText(units, options) : units;
 }

@@ -1,3 +1,5 @@
+// Two actions over links of result pages, as alike as their operations in the library: both take a
+// link and a base and give a URL or none. One function runs both.
 #include <velmocore/url/LinkAcceptance.h>
 #include <velmocore/url/URLConstruction.h>
 
@@ -17,9 +19,11 @@ struct Options {
 
 void run(Report& report, const Options& options, Filter filter) {
     const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
+    // No base and one that is no URL differ: the second was meant to be one.
     if (base.isAbsent() && !options.base.empty()) return report.fail(options.base, "not a URL");
     forEachUrl(report, options.links, [&](const String& link) {
         const URL url = filter(link, base);
+        // A link that is refused is a miss and no failure: to refuse is what the action is for.
         report.noteHit(!url.isAbsent());
         if (report.json())
             report.printObject({{"link", link}, {"url", url.absoluteString()}});
@@ -36,6 +40,8 @@ Command makeFilterCommand(Session& session, std::string summary, std::string exa
         .examples = {std::move(example)},
         .run =
             [options, filter, needsBase](Report& report) {
+                // Accepting judges a link as it is where there is no base; unwrapping would refuse
+                // every one, which would look like a result.
                 if (needsBase && options->base.empty()) throw UsageError("--base is missing");
                 run(report, *options, filter);
             },

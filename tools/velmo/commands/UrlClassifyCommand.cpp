@@ -1,3 +1,5 @@
+// All classes of a URL at once: the library walks a link once however many are asked for, so a
+// choice of classes would save nothing.
 #include <fmt/core.h>
 
 #include <velmocore/url/SearchEngines.h>
@@ -28,6 +30,7 @@ JsonObject classesOf(const String& url, bool includingCommonHosts) {
             {"topic", classes.topicOrThread},
             {"forum", classes.forum},
             {"cached", classes.cached},
+            // The only one that is asked of a URL with its host and not of the text.
             {"searchEngine", isSearchEngine(URLWithNormalizedStringURL(url))}};
 }
 

@@ -1,3 +1,6 @@
+// How the actions on URLs get their input: from arguments for people, from lines for programs.
+// Lines are worked on as they come, not gathered first, so that the tool can be kept open as a
+// partner on a pipe, and memory does not grow with their number.
 #include <iostream>
 
 #include <velmocore/text/Trimming.h>
@@ -13,6 +16,7 @@ void addUrlArguments(Command& command, std::vector<std::string>& urls, std::stri
 
 void forEachUrl(Report& report, const std::vector<std::string>& urls,
                 const std::function<void(const String& url)>& work) {
+    // An argument is taken as it is, with its white space: who quotes it means it.
     for (const std::string& url : urls) work(String::fromUTF8(url));
     if (!urls.empty()) return;
     for (std::string line; std::getline(std::cin, line);) {

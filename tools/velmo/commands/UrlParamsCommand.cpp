@@ -1,3 +1,6 @@
+// The parameters as the library reads them: values as they stand, escapes and all, and each name
+// once. The count is of all pairs of the query, and may be larger, as names may come again and
+// values be empty.
 #include <fmt/core.h>
 
 #include <velmocore/url/QueryParameters.h>
@@ -10,6 +13,7 @@ namespace velmo::tool {
 namespace {
 
 void print(Report& report, const String& url) {
+    // A URL without a query and one with an empty one print alike: both have nothing to tell.
     const QueryParams params = queryParams(url).value_or(QueryParams());
     if (!report.json()) {
         report.printLine(url.utf8());

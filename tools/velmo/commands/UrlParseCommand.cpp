@@ -1,3 +1,5 @@
+// The parts of a URL by the plain grammar: this command shows what a URL is, so it repairs
+// nothing, and what is no URL is a failure and not a guess. Relative references are URLs too.
 #include <fmt/core.h>
 
 #include <velmocore/url/URL.h>
@@ -23,6 +25,7 @@ JsonObject partsOf(const URL& url) {
         {"host", url.host()},
         {"port", port ? Json(*port) : Json()},
         {"path", url.path()},
+        // Beside the decoded path, which cannot tell a slash from an escaped one.
         {"rawPath", url.rawPath()},
         {"parameterString", url.parameterString()},
         {"query", url.query()},
@@ -40,6 +43,7 @@ JsonObject partsOf(const URL& url) {
 
 void printLines(Report& report, const JsonObject& parts) {
     for (const auto& [name, value] : parts)
+        // For people what is absent is left out; a program finds every name, with null.
         if (!value.isNull())
             report.printLine(name.plain() == "url"
                                  ? value.plain()

@@ -1,3 +1,5 @@
+// Where a mirror keeps a page, in one of three layouts. Inverted is the usual one: the parts of
+// the host go from the most general to the most special, so that all pages of a site lie together.
 #include <velmocore/url/InvertedPaths.h>
 #include <velmocore/url/URLConstruction.h>
 
@@ -18,6 +20,8 @@ struct Options {
 
 String pathOf(const URL& url, const Options& options) {
     const String directory =
+        // Absent is no directory at all, and the path has no start; an empty one would be a
+        // directory.
         options.directory.empty() ? String() : String::fromUTF8(options.directory);
     if (options.direct || options.simplified)
         return pathRelativeToDirectory(

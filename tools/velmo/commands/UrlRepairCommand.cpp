@@ -1,3 +1,6 @@
+// Two questions about a pasted text that need not agree: whether it can be a place on the net, and
+// what is left when what people and mail programs put around it is taken off. Both are shown
+// always, as the second may be useful where the first says no.
 #include <fmt/core.h>
 
 #include <velmocore/url/URLRepair.h>

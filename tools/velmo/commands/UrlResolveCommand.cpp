@@ -1,3 +1,5 @@
+// Links resolved with the library's repairs. The base is no option but the first argument: without
+// one there is nothing that this action could do.
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLConstruction.h>
 
@@ -20,6 +22,8 @@ void run(Report& report, const Options& options) {
     forEachUrl(report, options.links, [&](const String& link) {
         const URL url = URLRelativeTo(
             base, link, {.trimAnchor = !options.keepAnchor, .standardize = !options.noStandardize});
+        // A link to nowhere prints nothing and only counts as a miss, so that lines out stay
+        // usable.
         report.noteHit(!url.isAbsent());
         if (report.json())
             report.printObject({{"link", link}, {"url", url.absoluteString()}});

@@ -1,3 +1,5 @@
+// The key by which a page is known again, or one of the reductions of which it is made: run alone
+// they show which of them changed a URL.
 #include <velmocore/url/URLSimplification.h>
 
 #include <memory>
@@ -16,6 +18,7 @@ struct Options {
 
 void run(Report& report, const Options& options) {
     forEachUrl(report, options.urls, [&](const String& url) {
+        // The text as it came, not a URL made of it: the key is defined for any text.
         const String simplified = options.only ? options.only(url) : simplifiedStringURL(url);
         if (report.json())
             report.printObject({{"url", url}, {"simplified", simplified}});

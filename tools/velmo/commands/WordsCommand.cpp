@@ -1,3 +1,5 @@
+// Counting makes no strings, and a list for people is printed word by word; only an object needs
+// all words at once. So the common uses take no memory beyond the text.
 #include <fmt/core.h>
 
 #include <memory>

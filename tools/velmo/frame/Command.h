@@ -31,6 +31,8 @@ struct Option {
     /// that cannot be. A flag gives an empty one.
     std::function<void(const std::string& value)> take;
     std::string_view excludes = {};  ///< the long name of an option that it does not go with
+    /// The value stands behind "=" or is left out, and is empty then.
+    bool isValueOptional = false;
 };
 
 Option flag(std::string_view names, bool& target, std::string help);

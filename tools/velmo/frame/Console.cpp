@@ -1,3 +1,6 @@
+// The two outputs of the tool, and the progress on a terminal that shares one of them. One lock
+// covers both, as they may be the same terminal: progress is taken away before anything is
+// written, and never stands in the middle of a line.
 #include "Console.h"
 
 #include <fmt/core.h>
@@ -45,6 +48,7 @@ OutputError::OutputError(int number)
 Console::Console()
     : outputIsTerminal_(isTerminal(STDOUT_FILENO)),
       errorIsTerminal_(isTerminal(STDERR_FILENO)),
+      // A run that is over sooner shows none.
       nextProgress_(std::chrono::steady_clock::now() + 100ms) {}
 
 Console::~Console() { hideProgress(); }

@@ -19,6 +19,7 @@
 namespace velmo::tool {
 namespace {
 
+// In bytes.
 constexpr std::size_t PieceSize = std::size_t{1} << 20;
 constexpr char16_t Replacement = 0xFFFD;
 constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";

@@ -69,10 +69,12 @@ private:
 
     void visit(const std::string& path, const std::string& folder) {
         struct stat status = {};
+        // Links within folders are not followed, so that no walk goes in circles.
         if (lstat(path.c_str(), &status) != 0) return session_.fail(path, message(errno));
         if (S_ISDIR(status.st_mode)) return push(path);
         const bool isWanted = options_.include.empty() ||
                               matchesAny(path.substr(path.rfind('/') + 1), options_.include);
+        // A pipe or device in a folder would be waited for without end; one that is named is read.
         if (S_ISREG(status.st_mode) && isWanted) files_.push_back({path, folder});
     }
 

@@ -1,3 +1,6 @@
+// The frame around every command that reads files: it lists them, hands each to a thread, and
+// turns what goes wrong with one into that file's failure, so that the others go on. A command
+// brings only the work on one input.
 #include "FileRun.h"
 
 #include <fmt/core.h>
@@ -19,6 +22,7 @@ bool isLeftOut(const FileName& file, const ContentOptions& options) {
 }
 
 /// Does the work on one file; what keeps it from being done is the file's failure.
+/// One input that is too large does not end the run: its memory is free again by then.
 template <class Work>
 void guard(const std::string& name, Report& report, Work work) {
     try {
@@ -34,6 +38,7 @@ std::size_t forEachName(Report& report, const InputOptions& options,
                         const std::function<void(const FileName&, Report&)>& work) {
     Session& session = report.session();
     const std::vector<FileName> files = listFiles(session, options.names);
+    // Before any thread is made; all of them read it.
     session.hasSeveralInputs = files.size() > 1;
     runInOrder(session, files.size(), options.jobs, [&](std::size_t i, Report& own) {
         own.nameFile(files[i].path);
@@ -109,6 +114,7 @@ std::size_t forEachContent(Report& report, const InputOptions& options,
     return forEachName(report, options, [&](const FileName& file, Report& own) {
         if (isLeftOut(file, options.content)) return;
         ContentOptions content = options.content;
+        // What a folder happens to hold is not what the user called a page.
         if (!file.wasNamed()) content.unclear = Kind::Text;
         work(file, decode(readFile(file.path), file.path, content), own);
     });

@@ -38,6 +38,7 @@ std::string shownNames(const Option& option) {
         names.insert(comma + 1, " ");
     else
         names.insert(0, "    ");
+    if (option.isValueOptional) return fmt::format("{}[={}]", names, option.value);
     return option.value.empty() ? names : fmt::format("{} {}", names, option.value);
 }
 
@@ -53,6 +54,7 @@ std::string usageOf(const Command& command, std::string_view name) {
 /// How many letters must be changed, added, left out or swapped with their neighbour to make
 /// one word of the other.
 std::size_t distanceOf(std::string_view a, std::string_view b) {
+    // Three rows of the table of distances are enough: a swap looks two rows back.
     std::vector<std::size_t> before, row(b.size() + 1), next(b.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
     for (std::size_t i = 0; i < a.size(); ++i) {
@@ -85,6 +87,7 @@ std::string helpOf(const Command& command, std::string_view name) {
 
 std::string_view nearestName(std::string_view name, std::span<const std::string_view> names) {
     std::string_view nearest;
+    // A third of the letters may differ; a name farther off would be a riddle and no help.
     std::size_t least = std::max<std::size_t>(name.size() / 3, 1) + 1;
     for (const std::string_view each : names)
         if (const std::size_t distance = distanceOf(name, each); distance < least) {

@@ -16,6 +16,7 @@
 namespace velmo::tool {
 namespace {
 
+// As many links as the system itself follows.
 constexpr int MostLinks = 40, MostTries = 100;
 constexpr mode_t UsualMode = 0666;
 
@@ -64,6 +65,7 @@ mode_t modeFor(const std::string& target, const std::string& madeFrom) {
 class Draft {
 public:
     explicit Draft(const std::string& target) : target_(target) {
+        // Readable by nobody else until all of it is there, whatever the mode of the file will be.
         file_ = ::open(folderOf(target).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
         for (int i = 0; file_ < 0 && i < MostTries; ++i) {
             name_ = nameBeside(target);
@@ -105,6 +107,7 @@ public:
                 if (errno != EEXIST || ++i == MostTries) throwError(errno);
             name_ = name;
         }
+        // A link cannot replace a name, so a nameless draft took one of its own first.
         if (::rename(name_.c_str(), target_.c_str()) != 0) throwError(errno);
         name_.clear();
     }

@@ -11,10 +11,19 @@
 namespace velmo::tool {
 namespace {
 
+/// Whether the next argument is its value.
+bool takesNext(const Option& option) { return !option.value.empty() && !option.isValueOptional; }
+
+/// The parser gives "true" for a flag without a value.
+std::string valueOf(const Option& option, const std::string& given) {
+    const bool isLeftOut = !takesNext(option) && (option.value.empty() || given == "true");
+    return isLeftOut ? std::string() : given;
+}
+
 void addOption(CLI::App& app, const Option& option) {
     const auto run = [&option](const std::vector<std::string>& values) {
         try {
-            option.take(option.value.empty() ? std::string() : values.back());
+            option.take(valueOf(option, values.back()));
         } catch (const UsageError& error) {
             const auto longName = option.names.substr(option.names.find("--"));
             throw UsageError(fmt::format("{}: {}", longName, error.what()));
@@ -22,9 +31,10 @@ void addOption(CLI::App& app, const Option& option) {
         return true;
     };
     CLI::Option* added = app.add_option(std::string(option.names), run);
+    // Called for each use and in the order of the command line, as some options are steps.
     added->trigger_on_parse()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    added->type_size(option.value.empty() ? 0 : 1);
-    added->expected(option.value.empty() ? 0 : 1);
+    added->type_size(takesNext(option) ? 1 : 0);
+    added->expected(takesNext(option) ? 1 : 0);
 }
 
 std::vector<std::string_view> longNamesOf(const Command& command) {
@@ -80,6 +90,7 @@ bool parseArguments(const Command& command, std::vector<std::string> arguments) 
                    })
         ->expected(-1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    // The parser takes them from the back.
     std::ranges::reverse(arguments);
     try {
         app.parse(arguments);

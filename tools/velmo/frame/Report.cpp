@@ -1,3 +1,6 @@
+// What is printed is collected and written in portions, each at once: lines of two inputs never
+// mix, and a call for each line would cost more than the work. A report that has its turn writes
+// when a portion is full; one that has not waits for it then, so that little is ever kept.
 #include "Report.h"
 
 #include <fmt/core.h>
@@ -15,6 +18,7 @@ namespace {
 /// So much is kept before it is written.
 constexpr std::size_t PortionSize = 65536;
 
+// The library's diagnostics name no file: whom they are about is told by the thread they come on.
 thread_local Report* current = nullptr;
 
 /// How many units of a text make its next piece; no pair is split.
@@ -33,6 +37,7 @@ Report::~Report() {
 }
 
 void Report::append(std::string_view bytes) {
+    // Complaints are told even so.
     if (session_.isQuiet) return;
     out_ += bytes;
     if (out_.size() >= PortionSize) flush();
@@ -95,6 +100,7 @@ void Report::warn(std::string_view file, std::string_view text) {
 }
 
 void Report::flush() {
+    // With nothing to say there is no turn to wait for.
     if (complaints_.empty() && out_.empty()) return;
     if (turn_) turn_();
     for (const std::string& complaint : complaints_) session_.console.complain(complaint);

@@ -1,5 +1,9 @@
 // What a file is, by its first bytes. Names say little: servers send pages from files called
 // page.html.ja.euc-jp, and from files without any extension. So the bytes are asked first.
+//
+// A wrong guess costs much on one side: a text that is taken for a page loses what looks like
+// tags, while a page that is taken for a text is only ugly. So what is not sure is no page by its
+// bytes, and only then its name is asked.
 #include <algorithm>
 #include <array>
 #include <cctype>

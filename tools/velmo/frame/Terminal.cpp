@@ -36,6 +36,7 @@ std::size_t sequenceLength(std::string_view bytes) {
 std::string shownCharacter(std::string_view& bytes) {
     const auto first = static_cast<unsigned char>(bytes.front());
     if (first < 0x80) {
+        // A carriage return alone would let what follows be written over the line.
         const bool isLineEnd = first == '\r' && bytes.size() > 1 && bytes[1] == '\n';
         bytes.remove_prefix(1);
         return isLineEnd ? "\r" : std::string{'^', static_cast<char>(first ^ 0x40)};
@@ -47,6 +48,8 @@ std::string shownCharacter(std::string_view& bytes) {
         return fmt::format("<{:02X}>", first);
     }
     bytes.remove_prefix(sequence.size());
+    // Controls of the C1 set are commands to some terminals, and turned text can show another name
+    // than a file has.
     if (units[0] < 0xA0 || turnsDirection(units[0]))
         return fmt::format("<U+{:04X}>", static_cast<unsigned>(units[0]));
     return std::string(sequence);

@@ -1,0 +1,278 @@
+// A handler that walks the page once with at most three links in mind: the one that is open, the
+// one that was closed last in the cell at hand, and, with the image that waits for it, the one to
+// come. No tree is built: a cell is the stretch between two tags that begin or end one. What a link
+// keeps of what it is offered, is the matter of markup/IconsContext.h; what is no thumbnail at all,
+// that of markup/ThumbnailFilter.h.
+//
+// Of the thousands of images of a page most come too late for their link. So whether an image is
+// wanted is asked first, and only then what it is.
+#include <velmocore/markup/LinkThumbnails.h>
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+#include <optional>
+#include <utility>
+
+#include <velmocore/markup/MarkupCharset.h>
+#include <velmocore/markup/PlainText.h>
+#include <velmocore/url/LinkAcceptance.h>
+#include <velmocore/url/RelativeURLs.h>
+#include <velmocore/url/URLClassification.h>
+#include <velmocore/url/URLSchemes.h>
+
+#include "markup/GoogleMask.h"
+#include "markup/IconsContext.h"
+#include "markup/NormalizedLink.h"
+#include "markup/TagName.h"
+#include "markup/TagSupport.h"
+#include "markup/TagWalk.h"
+#include "markup/ThumbnailFilter.h"
+#include "markup/ThumbnailTables.h"
+#include "text/Keyword.h"
+
+namespace velmo {
+namespace {
+
+using namespace detail;
+
+using Units = std::u16string_view;
+using Link = IconsContext::Link;
+
+bool isSearchPage(const URL& base) {
+    return std::ranges::any_of(searchPageHosts(), [&](std::string_view host) {
+        return keyword::contains(base.part(URLPart::Host), host);
+    });
+}
+
+/// Whether a link on a search engine's page leads to the engine's copy of a page.
+bool isEnginesOwn(Units link) {
+    const URLClasses classes = classesOfStringURL(link);
+    return classes.translation || classes.cached || link.find(u"&q=related:") != link.npos;
+}
+
+class IconsHandler {
+public:
+    IconsHandler(Units page, const LinkThumbnailOptions& options)
+        : page_(page),
+          options_(options),
+          context_(options),
+          isSearchPage_(options.resolve && isSearchPage(options.baseURL)) {}
+
+    bool operator()(const Tag& tag) {
+        if (tag.kind == TagKind::Comment && options_.googleTags) mask_.note(tag);
+        if (tag.kind == TagKind::End) closeLink();
+        if (const auto rule = ruleOf(tag)) (this->*rule)(tag);
+        return false;
+    }
+
+    LinkThumbnails finish() { return context_.finish(); }
+
+private:
+    enum class Cell { None, Any, Figure };
+
+    struct OpenLink {
+        Link link;
+        std::size_t textLocation;
+        bool hasText;                     ///< whether its text counts
+        std::optional<Thumbnail> before;  ///< the image that waited for it
+    };
+
+    using Rule = void (IconsHandler::*)(const Tag& tag);
+    /// What a tag does; null for most.
+    static Rule ruleOf(const Tag& tag);
+
+    // --- cells ------------------------------------------------------------------------
+
+    /// What waits or is held is so for one cell only.
+    void changeCell(Cell cell) {
+        cell_ = cell;
+        waiting_.reset();
+        context_.held.reset();
+    }
+
+    void handleItem(const Tag& tag) { changeCell(isOpening(tag) ? Cell::Any : Cell::None); }
+    void handleList(const Tag&) { changeCell(Cell::None); }
+
+    void handleTableCell(const Tag& tag) {
+        handleItem(tag);
+        handleBackground(tag);
+    }
+
+    void handleTable(const Tag& tag) {
+        changeCell(Cell::None);
+        handleBackground(tag);
+    }
+
+    /// In a cell a figure is a part of it, which may stand beside its link.
+    void handleFigure(const Tag& tag) {
+        if (cell_ != Cell::Any) changeCell(isOpening(tag) ? Cell::Figure : Cell::None);
+    }
+
+    // --- links ------------------------------------------------------------------------
+
+    void handleAnchor(const Tag& tag) {
+        if (open_ && tag.isClosing()) addText(tag);
+        closeLink();
+        if (!isOpening(tag)) return;
+        if (const std::optional<Link> link = linkOf(tag.whole())) {
+            const bool hasText = mask_.allows(GoogleMask::Anchor);
+            if (hasText) context_.addTitles(tag.whole(), *link, true);
+            open_ = OpenLink{*link, tag.tagLocation + tag.tagLength, hasText, takeWaiting()};
+        }
+    }
+
+    void handleArea(const Tag& tag) {
+        if (!isOpening(tag)) return;
+        const std::optional<Link> link = linkOf(tag.whole());
+        if (!link) return;
+        if (mask_.allows(GoogleMask::Anchor)) context_.addTitles(tag.whole(), *link, true);
+        leaveLink(*link, takeWaiting());
+    }
+
+    /// Only what stands in front of a closing tag is a text: a link that is never closed
+    /// may have half the page behind it.
+    void addText(const Tag& closing) {
+        if (!options_.texts || !open_->hasText) return;
+        const Units text =
+            page_.substr(open_->textLocation, closing.tagLocation - open_->textLocation);
+        // Without a receiver to give back: an empty text is none anyway.
+        context_.addText(plainTextOf(String(), scanOf(text), {}).text, open_->link);
+    }
+
+    void closeLink() {
+        if (open_) leaveLink(open_->link, open_->before);
+        open_.reset();
+    }
+
+    /// An image in front of a link comes after those within it.
+    void leaveLink(Link link, const std::optional<Thumbnail>& before) {
+        if (before && !context_.hasThumbnail(link)) context_.addThumbnail(*before, link);
+        if (cell_ != Cell::None) context_.held = link;
+    }
+
+    std::optional<Thumbnail> takeWaiting() { return std::exchange(waiting_, std::nullopt); }
+
+    /// The link of a tag; nothing if there is none, or none to take.
+    std::optional<Link> linkOf(Units tag) {
+        if (!mask_.allows(GoogleMask::Index)) return std::nullopt;
+        Units href = attributeOf(tag, "HREF");
+        String extracted;
+        if (isJavaScriptStringURL(href)) {
+            extracted = stringByExtractingJavaScriptURL(href);
+            href = extracted;
+        }
+        const NormalizedLink normalized(href);
+        Units link = normalized.view();
+        if (link.empty()) return std::nullopt;
+        URL url;
+        if (options_.resolve) {
+            url = resolveStringURL(link, options_.baseURL);
+            link = url.absoluteString();
+        }
+        if (link.empty() || (isSearchPage_ && isEnginesOwn(link))) return std::nullopt;
+        return context_.linkFor(link);
+    }
+
+    // --- images -----------------------------------------------------------------------
+
+    void handleImage(const Tag& tag) { addImageNamedBy(tag, {"SRC"}); }
+    void handleVideo(const Tag& tag) { addImageNamedBy(tag, {"POSTER", "SRC"}); }
+    void handleBackground(const Tag& tag) { addImageNamedBy(tag, {"BACKGROUND"}); }
+
+    void handleDivision(const Tag& tag) {
+        if (isOpening(tag) && isImageWanted())
+            addImage(backgroundStyleURLOfTagCharacters(tag.whole()), tag.whole());
+    }
+
+    /// The first of the attributes that the tag has.
+    void addImageNamedBy(const Tag& tag, std::initializer_list<std::string_view> attributes) {
+        if (!isOpening(tag) || !isImageWanted()) return;
+        for (std::string_view name : attributes)
+            if (const Units reference = attributeOf(tag.whole(), name); !reference.empty())
+                return addImage(reference, tag.whole());
+    }
+
+    bool isImageWanted() const {
+        if (!options_.thumbnails && !options_.titles) return false;
+        if (!mask_.allows(GoogleMask::Index)) return false;
+        return open_ ? context_.wantsThumbnail(open_->link) : cell_ != Cell::None;
+    }
+
+    void addImage(Units raw, Units tag) {
+        const NormalizedLink reference(raw);
+        if (reference.view().empty() || !isThumbnail(reference.view(), tag)) return;
+        const URL url = URLRelativeTo(options_.baseURL, reference.view(), {.encoding = encoding()});
+        if (url.isAbsent()) return;
+        const Thumbnail image{url.absoluteString(), tag};
+        if (open_)
+            context_.addThumbnail(image, open_->link);
+        else if (context_.wantsThumbnail(std::nullopt))
+            context_.addThumbnail(image, std::nullopt);
+        else
+            waiting_ = image;
+    }
+
+    /// The page's own, which is looked for once, when the first image is resolved.
+    StringEncoding encoding() {
+        if (!encoding_) encoding_ = defaultURLEncoding(page_);
+        return *encoding_;
+    }
+
+    const Units page_;
+    const LinkThumbnailOptions& options_;
+    IconsContext context_;
+    const bool isSearchPage_;
+    GoogleMask mask_;
+    Cell cell_ = Cell::None;
+    std::optional<OpenLink> open_;
+    std::optional<Thumbnail> waiting_;  ///< for the next link of the cell
+    std::optional<StringEncoding> encoding_;
+};
+
+IconsHandler::Rule IconsHandler::ruleOf(const Tag& tag) {
+    static constexpr struct {
+        std::string_view name;
+        Rule rule;
+    } Rules[] = {
+        {"a", &IconsHandler::handleAnchor},     {"area", &IconsHandler::handleArea},
+        {"div", &IconsHandler::handleDivision}, {"figure", &IconsHandler::handleFigure},
+        {"img", &IconsHandler::handleImage},    {"li", &IconsHandler::handleItem},
+        {"ol", &IconsHandler::handleList},      {"table", &IconsHandler::handleTable},
+        {"td", &IconsHandler::handleTableCell}, {"th", &IconsHandler::handleTableCell},
+        {"tr", &IconsHandler::handleTable},     {"ul", &IconsHandler::handleList},
+        {"video", &IconsHandler::handleVideo},
+    };
+    static constexpr NameTable Table([] {
+        std::array<PackedName, std::size(Rules)> names{};
+        for (std::size_t i = 0; i < names.size(); ++i) names[i] = packed(Rules[i].name);
+        return names;
+    }());
+    const int row = Table.find(packedName(tag));
+    return row < 0 ? nullptr : Rules[row].rule;
+}
+
+}  // namespace
+
+LinkThumbnails detail::thumbnailsOf(Units page, TagWalk walk, const LinkThumbnailOptions& options) {
+    if (!options.thumbnails && !options.titles && !options.texts) return {};
+    IconsHandler handler(page, options);
+    walk(handler);
+    return handler.finish();
+}
+
+LinkThumbnails getLinkThumbnails(Units page, const LinkThumbnailOptions& options) {
+    return thumbnailsOf(page, scanOf(page), options);
+}
+
+String stringByExtractingJavaScriptURL(Units link) {
+    for (std::string_view script : scriptLinks()) {
+        if (!keyword::beginsWith(link, script)) continue;
+        const Units rest = link.substr(script.size());
+        const std::size_t end = rest.find(u'\'');
+        return end == rest.npos ? String() : String(rest.substr(0, end));
+    }
+    return {};
+}
+
+}  // namespace velmo
