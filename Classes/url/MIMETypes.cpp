@@ -73,9 +73,8 @@ String typeOfKind(Units kind, Units extension) {
 
 /// The type of what the database does not know, by the kind of the file.
 String typeByKind(Units extension) {
-    const auto isOneOf = [extension](detail::Extensions list) {
-        return std::any_of(list.begin(), list.end(),
-                           [extension](std::string_view row) { return row == keyOf(extension); });
+    const auto isOneOf = [key = keyOf(extension)](detail::Extensions list) {
+        return std::ranges::find(list, key) != list.end();
     };
     if (isOneOf(detail::pdfExtensions())) return u"application/pdf";
     if (isOneOf(detail::postScriptExtensions())) return u"application/postscript";

@@ -180,6 +180,7 @@ TEST_F(HelpTool, UnderstandsSlips) {
     }
     EXPECT_TRUE(std::regex_match(run("-V").out, std::regex("velmo [0-9.]+\n")));
     EXPECT_EQ(run("--version").out, run("-V").out);
+    EXPECT_EQ(run("help --help").out, run("--help").out);
 }
 
 }  // namespace

@@ -131,6 +131,7 @@ private:
 
     void runHelpOf(std::span<const CommandEntry> commands) {
         const CommandEntry* entry = find(commands);
+        if (!entry) return printOverview();  // "help --help"
         if (entry->make)
             report_.printLine(helpOf(entry->make(session_), path_));
         else

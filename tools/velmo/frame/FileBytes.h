@@ -20,7 +20,7 @@ inline constexpr std::size_t UsualLimit = std::size_t{1} << 30;
 
 /// All bytes of a file. Throws an InputError.
 Data readFile(const std::string& name);
-/// The first bytes of a regular file, no more than that many; none if it cannot be read.
+/// The first bytes of a file, no more than that many. Throws an InputError.
 Data readHead(const std::string& name, std::size_t count);
 
 /// Whether bytes begin as gzip does.

@@ -26,7 +26,7 @@ constexpr mode_t UsualMode = 0666;
 
 /// A name beside the target that nobody has and nobody can guess.
 std::string nameBeside(const std::string& target) {
-    static std::random_device random;
+    thread_local std::random_device random;
     const std::size_t slash = target.rfind('/');
     const std::string folder = slash == target.npos ? "" : target.substr(0, slash + 1);
     return fmt::format("{}.velmo-{:08x}{:08x}", folder, random(), random());
@@ -48,6 +48,17 @@ std::string targetOf(std::string name) {
     throwError(ELOOP);
 }
 
+/// The mask of a process can be read only by changing it, which all threads would see: so it is
+/// read once.
+mode_t usualMode() {
+    static const mode_t mask = [] {
+        const mode_t own = umask(0);
+        umask(own);
+        return own;
+    }();
+    return UsualMode & ~mask;
+}
+
 mode_t modeFor(const std::string& target, const std::string& madeFrom) {
     struct stat status = {};
     if (stat(target.c_str(), &status) == 0) {
@@ -56,9 +67,7 @@ mode_t modeFor(const std::string& target, const std::string& madeFrom) {
     }
     if (!madeFrom.empty() && stat(madeFrom.c_str(), &status) == 0 && S_ISREG(status.st_mode))
         return status.st_mode & 0777;
-    const mode_t mask = umask(0);
-    umask(mask);
-    return UsualMode & ~mask;
+    return usualMode();
 }
 
 /// A file that has no name yet, or one of its own; either is gone if it gets no other.
