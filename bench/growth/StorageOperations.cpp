@@ -4,7 +4,10 @@
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
+#include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/storage/StorageBlocks.h>
 #include <velmocore/system/StandardFolders.h>
+#include <velmocore/text/Checksums.h>
 #include <velmocore/text/StringFiles.h>
 
 #include <unistd.h>
@@ -28,7 +31,57 @@ struct TemporaryFile {
     }
 };
 
+void put(Data& data, std::uint32_t number) {
+    for (int shift = 24; shift >= 0; shift -= 8)
+        data.push_back(static_cast<std::uint8_t>(number >> shift));
+}
+
+/// A store of that size in which every other header claims all that is behind it, with a checksum
+/// that is wrong, and the ones between them are of whole blocks of a byte.
+Data overlappingStore(std::size_t size) {
+    Data store;
+    const std::uint8_t byte = 'x';
+    while (store.size() < size) {
+        const auto left =
+            static_cast<std::uint32_t>(size > store.size() + 16 ? size - store.size() - 16 : 1);
+        for (const std::uint32_t number :
+             {0x31415926u, left, 0u, 1u, 0x31415926u, 1u, left / 2, CRC32({&byte, 1})})
+            put(store, number);
+        store.push_back(byte);
+    }
+    return store;
+}
+
+std::size_t salvaged(Bytes store) {
+    std::size_t live = 0;
+    forEachStorageBlock(
+        store,
+        [&](const StorageBlock& block) { return live += block.state == BlockState::Live, true; },
+        {.salvage = true});
+    return live;
+}
+
 constexpr Operation Rows[] = {
+    {"keyed data",
+     [](const Input& in) {
+         Data data;
+         for (std::size_t i = 0; i < in.utf8.size(); i += 40)
+             addUnsigned(data, 1, static_cast<std::uint32_t>(i));
+         addString(data, in.text, 1);
+         setData(data, in.utf8, 2);
+         use(stringsForKey(data, 1));
+         use(numberOfStrings(in.utf8));
+         use(isEqualToKeyedData(data, data, KeyedTag::Text));
+         removeStringsForKey(data, 1);
+         use(isValidKeyedData(data));
+     }},
+    // Checksums of up to 4 KB are just summed.
+    {"stores",
+     [](const Input& in) {
+         use(salvaged(in.utf8));
+         use(salvaged(overlappingStore(in.utf8.size())));
+     },
+     65536},
     // Until a window of 32 KB is full, a byte has fewer places to be compared with than later ones.
     {"compression", [](const Input& in) { use(dataByGzippingData(in.utf8)); }, 262144},
     {"decompression",

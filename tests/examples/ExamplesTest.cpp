@@ -1,8 +1,10 @@
 #include "examples/Examples.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 
 namespace velmo::examples {
 namespace {
@@ -45,10 +47,17 @@ void compare(const std::string& value, std::string_view expected, const char* he
 }
 
 TEST(Examples, OfAllHeadersRunAndTellTheTruth) {
+    // Some write files.
+    const std::filesystem::path before = std::filesystem::current_path();
+    const auto folder = std::filesystem::temp_directory_path() / ("velmo-examples-" + std::to_string(getpid()));
+    std::filesystem::create_directory(folder);
+    std::filesystem::current_path(folder);
     runAll([](const char* place, void (*example)()) {
         SCOPED_TRACE(place);
         EXPECT_NO_THROW(example());
     });
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(folder);
     EXPECT_GE(Count, 100);
     EXPECT_GE(Values, 140);
 }

@@ -29,6 +29,8 @@
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
+#include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/storage/StorageBlocks.h>
 #include <velmocore/system/StandardFolders.h>
 #include <velmocore/text/Checksums.h>
 #include <velmocore/text/Collapsing.h>
@@ -121,6 +123,12 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return isArchiveType(u"ZIP") ? "archive" : "none"; },
         [&] { return hexStringValue(SHA1Digest(bytes)).utf8() + encodedBase64Data(bytes).utf8(); },
         [&] { return std::string(charsOf(*dataByInflatingData(*dataByGzippingData(Bytes(bytes))))); },
+        [&] {
+            Data data;
+            addString(data, text, 1);
+            forEachStorageBlock(Bytes(bytes), [](const StorageBlock&) { return true; }, {.salvage = true});
+            return stringForKey(data, 1).utf8();
+        },
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
         [&] { return dates(); },

@@ -37,7 +37,8 @@ protected:
 
     void runExample(const std::string& example) const {
         const std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
-        shell("rm -f archive.txt.gz");
+        shell("rm -f archive.txt.gz *.store");
+        shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const Outcome outcome = shell(line);
         EXPECT_EQ(outcome.code, 0) << example << "\n" << outcome.err;
@@ -45,10 +46,10 @@ protected:
         write("archive.txt", "text");
     }
 
-    /// Every command, and every action of url.
+    /// Every command, and every action of those that have some.
     std::vector<std::string> commands() const {
         std::vector<std::string> names;
-        for (const std::string& group : {""s, "url "s}) {
+        for (const std::string& group : {""s, "store "s, "url "s}) {
             std::istringstream help(run("help " + group).out);
             for (std::string line; std::getline(help, line);)
                 if (std::smatch match; std::regex_match(line, match, std::regex("  ([a-z]+) +[A-Z].*")))
@@ -64,9 +65,9 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 31u);
+    EXPECT_EQ(names.size(), 41u);
     for (const std::string& name : names) {
-        if (name == "url") continue;
+        if (name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
         EXPECT_FALSE(examplesOf(help).empty()) << name;
         EXPECT_EQ(run(name + " --help").out + (name == "query" ? run("help query").out : ""),
@@ -118,8 +119,19 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url repair", "h.org"},
         {"mime", "html"},
         {"date", "2001-02-03"},
+        {"records", "--write-strings list.keyed < notes.txt"},
+        {"records", "list.keyed"},
+        {"records", "--strings list.keyed"},
+        {"store append", "notes.store notes.txt mail.txt"},
+        {"store list", "notes.store"},
+        {"store get", "notes.store 0"},
+        {"store update", "notes.store 0 notes.txt"},
+        {"store check", "notes.store"},
+        {"store optimize", "notes.store smaller.store"},
+        {"store delete", "notes.store 0"},
+        {"store salvage", "notes.store saved.store"},
     };
-    EXPECT_EQ(std::size(runs), commands().size());
+    EXPECT_EQ(std::size(runs), commands().size() + 1);
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
         const std::string action = std::string(command).substr(std::string(command).find(' ') + 1);

@@ -39,9 +39,12 @@ const std::vector<CommandEntry>& allCommands() {
         {"digest", makeDigestCommand},
         {"pack", makePackCommand},
         {"unpack", makeUnpackCommand},
-        {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs"},
+        {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
         {"date", makeDateCommand},
+        {"records", makeRecordsCommand},
+        {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
+         "STORE"},
     };
     return commands;
 }
@@ -138,9 +141,10 @@ private:
 
     void printActions(const CommandEntry& group) {
         report_.printLine(
-            fmt::format("{}\n\nUsage: velmo {} ACTION [OPTION...] [URL...]\n\nActions:\n{}\n"
+            fmt::format("{}\n\nUsage: velmo {} ACTION [OPTION...] {}\n\nActions:\n{}\n"
                         "velmo help {} ACTION tells the options of an action.",
-                        group.summary, group.name, listOf(group.actions, session_), group.name));
+                        group.summary, group.name, group.operands, listOf(group.actions, session_),
+                        group.name));
     }
 
     /// Takes the words that name a command off the arguments.

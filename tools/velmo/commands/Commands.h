@@ -23,12 +23,15 @@ Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
+Command makeRecordsCommand(Session& session);
 Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
 Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo store".
+std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".
 std::span<const CommandEntry> urlActions();
 

@@ -99,7 +99,8 @@ struct CommandEntry {
     std::string_view name;
     Command (*make)(Session& session);
     std::span<const CommandEntry> actions = {};
-    std::string_view summary = {};  ///< of the actions
+    std::string_view summary = {};   ///< of the actions
+    std::string_view operands = {};  ///< what all actions take
 };
 
 /// --json, with what it prints.
