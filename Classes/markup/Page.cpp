@@ -143,6 +143,9 @@ bool Page::isErrorPage() const {
     });
 }
 
+// The first tag or two tell it, so there is nothing to keep.
+bool Page::isFeed() const { return velmo::isFeed(state_->markup); }
+
 const std::vector<URL>& Page::links() const {
     return state_->links.get([this] {
         std::vector<String> links = detail::linksOf(state_->tags(), {}).links;

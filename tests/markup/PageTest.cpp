@@ -75,6 +75,8 @@ TEST(Page, TellsThumbnailsAndErrorPages) {
     EXPECT_FALSE(isError(u"<title>404 Not Found</title>All about the number"));
     EXPECT_TRUE(isError(u"<p>Page not found", u"http://h.org/404.html"));
     EXPECT_FALSE(isError(u"<p>Page found", u"http://h.org/404.html") || Page(Bytes()).isErrorPage());
+    EXPECT_TRUE(Page::pageWithString(u"<?xml?><rss>").isFeed());
+    EXPECT_FALSE(Page::pageWithString(u"<html><rss>").isFeed());
 }
 
 TEST(Page, TakesItsBaseFromItsTag) {

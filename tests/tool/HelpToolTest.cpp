@@ -22,7 +22,8 @@ protected:
         std::filesystem::create_directories(folder_ / "letters");
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
         write("feed.xml",
-              "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 /></item></rss>");
+              "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 "
+              "/></item></rss>");
         for (const char* name : {"page.html", "site/page.html"})
             write(name, "<html><title>T</title><body>" + text + "<a href=x>link</a><img src=i>");
     }

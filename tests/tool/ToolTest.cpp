@@ -110,6 +110,31 @@ TEST_F(Tool, ResolvesLinks) {
         Json({"http://o.org/y", nullptr}));
 }
 
+TEST_F(Tool, GathersFeedsAndKnowsErrorPages) {
+    write("a.xml",
+          "<rss><channel><title>News</title><item><title>One cat</title><link>/c</link></item>"
+          "<item><link>http://o.org/d</link></item></channel></rss>");
+    write("b.html", "<title>404 Not Found</title><h1>404 Not Found</h1>");
+    write("c.html",
+          "<title>C</title><meta name=author content='A. B.'><meta name=date content=2001-02-03T04:05:06Z>"
+          "<link rel=canonical href=/C><td><a href=x><img src=/fox.jpg></a>");
+    const std::vector<Json> lines = run("gather --json --query cat --base http://h.org/ .").lines();
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0]["feed"], true);
+    EXPECT_EQ(lines[0]["title"], "News");
+    EXPECT_EQ(lines[0]["links"], 2);
+    EXPECT_EQ(lines[0]["matches"], true);
+    EXPECT_EQ(lines[1]["errorPage"], true);
+    const Json expected = {{"author", "A. B."},
+                           {"canonical", "http://h.org/C"},
+                           {"date", "2001-02-03T04:05:06Z"},
+                           {"parsedDate", "2001-02-03T04:05:06Z"},
+                           {"errorPage", false},
+                           {"feed", false},
+                           {"thumbnails", 1}};
+    for (const auto& [name, value] : expected.items()) EXPECT_EQ(lines[2][name], value) << name;
+}
+
 TEST_F(Tool, GathersAndSumsUp) {
     const Outcome outcome = run("gather --json --base https://www.example.org/docs/ --query licensed " VELMO_PAGES);
     EXPECT_EQ(outcome.code, 0);

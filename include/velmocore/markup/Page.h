@@ -60,6 +60,9 @@ public:
     /// Whether it only says that there is no such page, by its title, the text of its body and
     /// where it comes from; see markup/ErrorPages.h.
     [[nodiscard]] bool isErrorPage() const;
+    /// Whether it is no page but a feed; see markup/FeedRecognition.h, and feeds/FeedItems.h for
+    /// what it holds.
+    [[nodiscard]] bool isFeed() const;
 
     /// What its head says of it, all but the summary, read in one scan that ends at its body.
     [[nodiscard]] const HtmlMetadata& metadata() const VELMO_LIFETIME;

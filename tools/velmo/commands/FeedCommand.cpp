@@ -1,7 +1,5 @@
 #include <velmocore/feeds/FeedItems.h>
 #include <velmocore/feeds/FeedRendering.h>
-#include <velmocore/platform/DateFormat.h>
-#include <velmocore/readers/Dates.h>
 #include <velmocore/url/URLConstruction.h>
 
 #include <fmt/core.h>
@@ -9,6 +7,7 @@
 #include <memory>
 
 #include "Commands.h"
+#include "ParsedDate.h"
 #include "frame/FileRun.h"
 
 namespace velmo::tool {
@@ -36,12 +35,6 @@ Json nameOf(FeedDialect dialect) {
         default:
             return {};
     }
-}
-
-/// Null if it cannot be read.
-Json parsedDate(const String& text) {
-    const std::optional<Date> read = date(text, {.offsets = true});
-    return read ? stringInISO8601(*read) : String();
 }
 
 JsonObject valueOf(const FeedItem& item) {

@@ -207,17 +207,20 @@ void printObject(const std::string& file, const GatheredPage& page, const Option
 
 /// What a page tells of itself beside its title, on one line.
 std::string detailsOf(const GatheredPage& page) {
-    std::vector<std::string> details;
-    if (page.isErrorPage) details.push_back("an error page");
-    if (page.isFeed) details.push_back("a feed");
-    if (!page.author.isEmpty()) details.push_back("by " + page.author.utf8());
-    if (const String date = parsedDate(page.date); !date.isAbsent())
-        details.push_back(date.utf8());
-    else if (!page.date.isEmpty())
-        details.push_back(page.date.utf8());
-    if (page.thumbnails > 0) details.push_back(fmt::format("{} thumbnails", page.thumbnails));
-    if (!page.canonical.isEmpty()) details.push_back(page.canonical.utf8());
-    return fmt::format("{}", fmt::join(details, ", "));
+    std::string details;
+    const auto add = [&](const std::string& detail) {
+        if (detail.empty()) return;
+        if (!details.empty()) details += ", ";
+        details += detail;
+    };
+    if (page.isErrorPage) add("an error page");
+    if (page.isFeed) add("a feed");
+    if (!page.author.isEmpty()) add("by " + page.author.utf8());
+    const String date = parsedDate(page.date);
+    add((date.isAbsent() ? page.date : date).utf8());
+    if (page.thumbnails > 0) add(fmt::format("{} thumbnails", page.thumbnails));
+    add(page.canonical.utf8());
+    return details;
 }
 
 void printLines(const std::string& file, const GatheredPage& page, bool asked, Report& report) {

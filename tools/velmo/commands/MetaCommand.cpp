@@ -5,11 +5,10 @@
 #include <velmocore/markup/LinkNormalising.h>
 #include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageMetadata.h>
-#include <velmocore/platform/DateFormat.h>
-#include <velmocore/readers/Dates.h>
 #include <velmocore/url/URLConstruction.h>
 
 #include "Commands.h"
+#include "ParsedDate.h"
 #include "frame/FileRun.h"
 
 namespace velmo::tool {
@@ -19,11 +18,6 @@ struct Options {
     InputOptions input;
     std::string url;
 };
-
-String parsedDate(const String& date) {
-    const auto parsed = velmo::date(normalizedHtmlString(date), {.offsets = true});
-    return parsed ? stringInISO8601(*parsed) : String();
-}
 
 JsonObject objectOf(const MetaAttributes& attributes) {
     JsonObject object;
@@ -49,7 +43,7 @@ JsonObject membersOf(const String& page, const URL& url) {
             {"keywords", found.keywords},
             {"description", found.description},
             {"date", found.date},
-            {"parsedDate", parsedDate(found.date)},
+            {"parsedDate", parsedDate(normalizedHtmlString(found.date))},
             {"author", found.author},
             {"copyright", found.copyright},
             {"refresh", found.refresh},
