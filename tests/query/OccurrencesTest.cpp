@@ -81,5 +81,22 @@ TEST(Occurrences, OfQueries) {
     EXPECT_EQ(listed(getOccurrencesOfHits(text, hits)), "0:0,7:One cat;0:9,23:A dog, far from the mat;");
 }
 
+TEST(Occurrences, PartsOfASummaryStandInTheText) {
+    const String text = u"One cat sat. A dog, far from the mat; it sat. Another cat, here and there. A cat.";
+    std::vector<Range> hits;
+    for (std::size_t at = 0; (at = text.view().find(u"cat", at)) != View::npos; ++at) hits.push_back({at, 3});
+    for (const bool only : {false, true})
+        for (std::size_t limit = 0; limit < text.length() + 4; ++limit) {
+            const AssemblyOptions options = {.onlyOccurrences = only, .ellipsizeAfterNCharacters = limit};
+            const Summary summary = summaryOfHits(text, hits, options);
+            EXPECT_EQ(summary.string, assembleOccurrencesOfHits(text, hits, options));
+            EXPECT_FALSE(summary.parts.empty());
+            for (const auto& [range, start] : summary.parts)
+                EXPECT_EQ(summary.string.view().substr(start, range.length),
+                          text.view().substr(range.location, range.length))
+                    << limit;
+        }
+}
+
 }  // namespace
 }  // namespace velmo
