@@ -70,6 +70,7 @@ TEST_F(InputTool, ReadsWhatIsCompressed) {
     EXPECT_EQ(shell("gzip -c b >page.gz; $V text page.gz").out, "two < three\n");
     EXPECT_EQ(shell("gzip -c a | head -c 20 >cut.gz; $V words cut.gz").err,
               "velmo: cut.gz: damaged gzip or zlib data\n");
+    EXPECT_EQ(shell("$V words /dev/zero /dev/null").err, "velmo: /dev/zero: a device without an end\n");
     EXPECT_EQ(shell("head -c 1001 /dev/zero | tr '\\0' a | gzip >bomb.gz; $V words --limit 1000 bomb.gz a").err,
               "velmo: bomb.gz: more than 1000 bytes come out\n");
     EXPECT_EQ(shell("$V words --limit 1001 bomb.gz").code, 0);

@@ -17,6 +17,8 @@
 namespace velmo::tool {
 namespace {
 
+/// Most bytes that a device may give, /dev/null none.
+constexpr std::size_t DeviceLimit = std::size_t{1} << 24;
 constexpr std::size_t PortionSize = std::size_t{1} << 18;
 constexpr int AnyFormat = 15 + 32;  // windows of any size; gzip and zlib by their first bytes
 constexpr std::string_view Damaged = "damaged gzip or zlib data";
@@ -44,6 +46,12 @@ public:
         if (::fstat(number_, &status) != 0) throwError(errno);
         if (S_ISDIR(status.st_mode)) throwError(EISDIR);
         return S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
+    }
+    /// Whether it may have no end, as /dev/zero: a device at which nobody types.
+    bool isDevice() const {
+        struct stat status = {};
+        if (::fstat(number_, &status) != 0) throwError(errno);
+        return S_ISCHR(status.st_mode) && ::isatty(number_) == 0;
     }
     /// As many bytes as there are at once; 0 at the end.
     std::size_t read(std::uint8_t* bytes, std::size_t count) const {
@@ -129,7 +137,11 @@ private:
 }  // namespace
 
 Data readFile(const std::string& name) {
-    return readUpTo(Descriptor(name), std::numeric_limits<std::size_t>::max());
+    const Descriptor file(name);
+    if (!file.isDevice()) return readUpTo(file, std::numeric_limits<std::size_t>::max());
+    Data bytes = readUpTo(file, DeviceLimit + 1);
+    if (bytes.size() > DeviceLimit) throw InputError("a device without an end");
+    return bytes;
 }
 
 Data readHead(const std::string& name, std::size_t count) {
