@@ -1,8 +1,8 @@
 // Values to the trees of the library and back.
 //
 // Both ways recurse, at most 256 levels deep: reading because the guard lets nothing deeper
-// pass, writing because it counts. The library cuts texts at their first zero byte and looks through all keys of a
-// dictionary before it adds one; what this would harm is refused.
+// pass, writing because it counts. The library cuts texts at their first zero byte and looks
+// through all keys of a dictionary before it adds one; what this would harm is refused.
 #include <velmocore/platform/PropertyList.h>
 
 #include <cmath>
