@@ -101,8 +101,9 @@ struct Page::State {
 };
 
 Page::Page(Bytes bytes, const PageOptions& options) {
-    MarkupDecoding decoded = decodeMarkup(
-        bytes, {.contentType = options.contentType, .defaultEncoding = options.defaultEncoding});
+    MarkupDecoding decoded = decodeMarkup(bytes, {.contentType = options.contentType,
+                                                  .defaultEncoding = options.defaultEncoding,
+                                                  .web = options.web});
     state_ = std::make_shared<const State>(std::move(decoded.text), decoded.encoding, options.url);
 }
 
