@@ -14,9 +14,22 @@ struct WebRules {
     /// through it; and a page that names none is in UTF-8 if its bytes are, else in Windows-1252. See
     /// markup/WebCharsets.h.
     bool charsets = false;
+    /// Character references are those of the HTML standard: all 2,231 names, 106 of them without a
+    /// semicolon too, the numbers 128 to 159 as Windows-1252, and no name without a semicolon in an
+    /// attribute where a letter, a digit or = follows.
+    ///
+    ///     stringByConvertingEntitiesToCharacters(u"&lang;&#150;&notit;", {.web = WebRules::today()});  // "\u27E8\u2013\u00ACit;"
+    bool references = false;
+    /// An escape at the end of a link stays: it is part of what was linked to. Else those of white
+    /// space, quotes, > \\ and ] are cut as left-overs.
+    ///
+    ///     htmlLinks(u"<a href='/?q=a%20'>", {.web = WebRules::today()}).links[0];   // "/?q=a%20"
+    bool linkEscapes = false;
 
     /// All of them.
-    [[nodiscard]] static constexpr WebRules today() noexcept { return {.charsets = true}; }
+    [[nodiscard]] static constexpr WebRules today() noexcept {
+        return {.charsets = true, .references = true, .linkEscapes = true};
+    }
 };
 
 }  // namespace velmo
