@@ -16,7 +16,7 @@ namespace velmo {
 /// fit moves the position to the end and gives 0 or nothing.
 ///
 ///     DSStoreStream stream(DSStoreFile::fileWithData({0, 0, 0, 1, 'B', 'u', 'd', '1'}), 0, 4);
-///     stream.readUInt16();        // 16981; that is "Bu", as offsets count from byte 4 on
+///     stream.readUInt16();        // 17013; that is "Bu", as offsets count from byte 4 on
 ///     stream.remainingBytes();    // 2
 ///     stream.description();       // DSStoreStream: 4 bytes at offset 0
 ///
