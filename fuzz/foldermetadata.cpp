@@ -1,6 +1,7 @@
 // Bytes as a file of folder metadata: its blocks, all of its records, and a search for each.
 #include <velmocore/storage/DSStore.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -19,7 +20,7 @@ void readBlocks(const DSStoreAllocator& store) {
         require(stream.has_value());
         const auto data = stream->readDataOfLength(store.sizeAtIndex(i));
         auto block = store.blockAtIndex(i);
-        require(!block || (block->value() && block->value() == data));
+        require(!block || (block->value() && data && std::ranges::equal(*block->value(), *data)));
         if (!block) continue;
         while (!block->isEOF()) DSStoreEntry::valueForFilename(u"a", FinderCommentCodec, *block);
     }

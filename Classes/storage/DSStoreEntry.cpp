@@ -89,16 +89,19 @@ bool hasCodes(DSStoreStream& stream) {
 
 /// Whether the stream has these bytes next. It moves on by so many, whether or not.
 bool readsAs(Bytes expected, DSStoreStream& stream) {
+    if (const Bytes ahead = stream.loadedBytes(); ahead.size() >= expected.size()) {
+        stream.skipBytes(expected.size());
+        return std::equal(expected.begin(), expected.end(), ahead.begin());
+    }
     std::array<std::uint8_t, 512> portion;
     bool isEqual = true;
-    for (std::size_t done = 0; isEqual && done < expected.size();) {
-        const std::size_t count = std::min(expected.size() - done, portion.size());
-        if (stream.readBytes(std::span(portion).first(count)) != count) return false;
-        isEqual = std::equal(portion.begin(), portion.begin() + static_cast<std::ptrdiff_t>(count),
-                             expected.begin() + static_cast<std::ptrdiff_t>(done));
-        done += count;
-        if (!isEqual) stream.skipBytes(expected.size() - done);
+    while (isEqual && !expected.empty()) {
+        const std::span part = std::span(portion).first(std::min(expected.size(), portion.size()));
+        isEqual = stream.readBytes(part) == part.size() &&
+                  std::equal(part.begin(), part.end(), expected.begin());
+        expected = expected.subspan(part.size());
     }
+    stream.skipBytes(expected.size());
     return isEqual;
 }
 

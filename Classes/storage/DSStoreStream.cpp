@@ -17,16 +17,6 @@ DSStoreStream DSStoreStream::streamWithFile(DSStoreFile file, std::uint32_t offs
     return {std::move(file), offset, size};
 }
 
-bool DSStoreStream::hasAhead(std::uint64_t count) noexcept {
-    if (count <= remainingBytes()) return true;
-    _pos = _size;
-    return false;
-}
-
-void DSStoreStream::skipBytes(std::uint64_t count) noexcept {
-    if (hasAhead(count)) _pos += static_cast<std::uint32_t>(count);
-}
-
 std::size_t DSStoreStream::readBytes(std::span<std::uint8_t> bytes) {
     if (bytes.empty() || !hasAhead(bytes.size())) return 0;
     const std::uint64_t place = std::uint64_t{_offset} + _pos + headerOffset();
@@ -45,7 +35,7 @@ std::uint16_t DSStoreStream::readUInt16() {
     return readBytes(bytes) == sizeof bytes ? detail::bigEndian16(bytes) : 0;
 }
 
-std::uint32_t DSStoreStream::readUInt32() {
+std::uint32_t DSStoreStream::readUInt32FromFile() {
     std::uint8_t bytes[4];
     return readBytes(bytes) == sizeof bytes ? detail::bigEndian32(bytes) : 0;
 }
@@ -75,7 +65,8 @@ String DSStoreStream::description() const {
 
 DSStoreBlock::DSStoreBlock(DSStoreFile file, std::uint32_t offset, std::uint32_t size)
     : DSStoreStream(std::move(file), offset, size) {
-    _value = DSStoreStream(_file, offset, size).readDataOfLength(size);
+    auto data = DSStoreStream(_file, offset, size).readDataOfLength(size);
+    if (data) _value = std::make_shared<const Data>(std::move(*data));
 }
 
 DSStoreBlock DSStoreBlock::blockWithFile(DSStoreFile file, std::uint32_t offset,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -47,15 +48,28 @@ public:
 
     std::uint8_t readUInt8();
     std::uint16_t readUInt16();
-    std::uint32_t readUInt32();
+    std::uint32_t readUInt32() {
+        const Bytes ahead = loadedBytes();
+        if (ahead.size() < 4) return readUInt32FromFile();
+        _pos += 4;
+        return std::uint32_t{ahead[0]} << 24 | std::uint32_t{ahead[1]} << 16 |
+               std::uint32_t{ahead[2]} << 8 | ahead[3];
+    }
     std::uint64_t readUInt64();
     /// Moves on, stopping at the end.
-    void skipBytes(std::uint64_t count) noexcept;
+    void skipBytes(std::uint64_t count) noexcept {
+        if (hasAhead(count)) _pos += static_cast<std::uint32_t>(count);
+    }
     /// Fills all of the bytes and gives their number, or 0. Where a file gives less than it has by
     /// its length, that is told, and the position stands behind it.
     virtual std::size_t readBytes(std::span<std::uint8_t> bytes);
     /// None for a length of 0, and if so many bytes cannot be read.
     [[nodiscard]] std::optional<Data> readDataOfLength(std::uint64_t length);
+
+    /// Ours: those of the bytes to come that are in memory; all of a block's, none of another stream's.
+    [[nodiscard]] Bytes loadedBytes() const noexcept VELMO_LIFETIME {
+        return _value ? Bytes(_value->data() + _pos, remainingBytes()) : Bytes();
+    }
 
     /// Whether both are of one class and read the same stretch of the same file.
     [[nodiscard]] bool isEqual(const DSStoreStream& other) const noexcept;
@@ -63,12 +77,20 @@ public:
 
 protected:
     /// Whether so many bytes are ahead; if not, the position goes to the end.
-    bool hasAhead(std::uint64_t count) noexcept;
+    bool hasAhead(std::uint64_t count) noexcept {
+        const bool isThere = count <= remainingBytes();
+        if (!isThere) _pos = _size;
+        return isThere;
+    }
     /// The most bytes that can be had, as a stretch may be said to be longer than its file.
     virtual std::uint64_t mostBytes() const noexcept { return _file.length(); }
 
     std::uint32_t _size = 0, _offset = 0, _pos = 0;
     DSStoreFile _file;
+    std::shared_ptr<const Data> _value;  // all bytes of a block; copies share them
+
+private:
+    std::uint32_t readUInt32FromFile();
 };
 
 /// The same for a block that is read into memory at once.
@@ -82,15 +104,13 @@ public:
     /// On a failed read the bytes are zeros.
     std::size_t readBytes(std::span<std::uint8_t> bytes) override;
 
-    /// Ours: all of the block, whatever was read; none if it could not be read.
-    [[nodiscard]] const std::optional<Data>& value() const noexcept VELMO_LIFETIME {
-        return _value;
+    /// Ours: all of the block; none if it could not be read.
+    [[nodiscard]] std::optional<Bytes> value() const noexcept VELMO_LIFETIME {
+        return _value ? std::optional<Bytes>(*_value) : std::nullopt;
     }
 
 private:
     std::uint64_t mostBytes() const noexcept override { return _value ? _value->size() : 0; }
-
-    std::optional<Data> _value;
 };
 
 }  // namespace velmo
