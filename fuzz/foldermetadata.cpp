@@ -12,10 +12,10 @@ using fuzz::require;
 
 namespace {
 
-constexpr std::size_t MostSearches = 20;
+constexpr std::size_t MostSearches = 20, MostBlocks = 40;
 
 void readBlocks(const DSStoreAllocator& store) {
-    for (std::size_t i = 0; i < store.numberOfBlocks(); ++i) {
+    for (std::size_t i = 0; i < std::min<std::size_t>(store.numberOfBlocks(), MostBlocks); ++i) {
         auto stream = store.streamAtIndex(i);
         require(stream.has_value());
         const auto data = stream->readDataOfLength(store.sizeAtIndex(i));

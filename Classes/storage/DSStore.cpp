@@ -48,7 +48,8 @@ DSStoreEntry::Reading DSStore::_findEntryForFilename(std::u16string_view filenam
                                                      std::uint32_t node) const {
     DSStoreEntry::Reading found;
     const Data name = detail::bigEndianBytesOf(filename);
-    if (name.empty()) return found;
+    // Reading for these would not move on, however many records a node says that it has.
+    if (name.empty() || codec == 0) return found;
     const auto read = [&](DSStoreStream& stream) {
         found = DSStoreEntry::valueForFilenameWithBytes(name, codec, stream);
         return found.isWanted ? DSStoreWalk::Next::Nothing : DSStoreWalk::Next::Record;

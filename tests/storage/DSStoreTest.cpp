@@ -262,6 +262,9 @@ TEST_F(FolderMetadata, NodesThatCannotBeAreTold) {
         deep.addNode(Lines{comment(u"x", u"")}, node, std::vector{node + 1});
     }
     EXPECT_EQ(all(deep.file(2), &damaged).size(), 100'000u);
+    FolderStore many;
+    const auto endless = opened(many.file(many.add(bigEndian(0) + bigEndian(~0u) + comment(u"a", u"1"))));
+    EXPECT_FALSE(endless->entryForFilename(u"a", 0) || endless->entryForFilename(u"b", FinderCommentCodec));
     EXPECT_EQ(damaged, 1u);
 }
 
