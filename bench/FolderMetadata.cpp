@@ -10,7 +10,7 @@
 
 #include <velmocore/storage/DSStore.h>
 
-#include "../tests/storage/FolderStore.h"
+#include "FolderStore.h"
 
 namespace velmo::bench {
 namespace {
@@ -22,8 +22,8 @@ struct Folder {
         std::filesystem::temp_directory_path() / ("velmo-bench-folder-" + std::to_string(getpid()));
     Folder() {
         std::filesystem::create_directory(path);
-        test::FolderStore made;
-        const auto records = test::sortedComments(Records);
+        FolderStore made;
+        const auto records = sortedComments(Records);
         std::ofstream(path / ".DS_Store", std::ios::binary)
             << made.file(made.addTree(records, RecordsANode));
     }

@@ -15,7 +15,7 @@
 
 #include <filesystem>
 
-#include "../../tests/storage/FolderStore.h"
+#include "../FolderStore.h"
 #include "Growth.h"
 
 namespace velmo::growth {
@@ -66,12 +66,12 @@ std::size_t salvaged(Bytes store) {
 /// Folder metadata of about that size in which many nodes claim the same large block, which names
 /// them all as its children.
 std::string overlappingFolder(std::size_t size) {
-    test::FolderStore store;
+    bench::FolderStore store;
     const auto count = static_cast<std::uint32_t>(size / 16);
     const std::uint32_t first = store.nextIndex();
-    std::string block = test::bigEndian(first) + test::bigEndian(0xFFFFFFFF);
+    std::string block = bench::bigEndian(first) + bench::bigEndian(0xFFFFFFFF);
     for (std::uint32_t i = 0; i < count; ++i)
-        block += test::bigEndian(first + i) + test::bigEndian(0);
+        block += bench::bigEndian(first + i) + bench::bigEndian(0);
     store.add(std::move(block));
     for (std::uint32_t i = 1; i < count; ++i) store.addAgain(first);
     return store.file(first);
@@ -79,8 +79,8 @@ std::string overlappingFolder(std::size_t size) {
 
 /// The same with as many levels as nodes.
 std::string deepFolder(std::size_t size) {
-    test::FolderStore store;
-    const std::vector<std::string> record = {test::comment(u"a", u"b")};
+    bench::FolderStore store;
+    const std::vector<std::string> record = {bench::comment(u"a", u"b")};
     for (std::size_t i = 0; i < size / 64; ++i) {
         const std::uint32_t node = store.nextIndex();
         store.addNode(record, node, std::vector{node + 1});

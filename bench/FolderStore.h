@@ -1,5 +1,5 @@
-// Makes files of folder metadata: trees of any shape, sound or not. The benchmarks and the check of
-// growth use it too.
+// Makes files of folder metadata: trees of any shape, sound or not. The tests use it too, and the
+// check of growth.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace velmo::test {
+namespace velmo::bench {
 
 inline std::string bigEndian(std::uint64_t number, int bytes = 4) {
     std::string out;
@@ -44,7 +44,8 @@ public:
     std::uint32_t addNode(std::span<const std::string> records, std::uint32_t next = 0,
                           std::span<const std::uint32_t> children = {}) {
         std::string node = bigEndian(next) + bigEndian(records.size());
-        for (std::size_t i = 0; i < records.size(); ++i) node += (next ? bigEndian(children[i]) : "") + records[i];
+        for (std::size_t i = 0; i < records.size(); ++i)
+            node += (next ? bigEndian(children[i]) : "") + records[i];
         return add(std::move(node));
     }
     /// A tree of sorted records: its root.
@@ -64,7 +65,8 @@ public:
     }
     /// The file, with that node as the root of the tree.
     std::string file(std::uint32_t tree) const {
-        const std::string head = bigEndian(tree) + bigEndian(1) + bigEndian(2) + bigEndian(3) + bigEndian(4096);
+        const std::string head =
+            bigEndian(tree) + bigEndian(1) + bigEndian(2) + bigEndian(3) + bigEndian(4096);
         const std::size_t places = (blocks_.size() + 255) / 256 * 256;
         const std::size_t rootSize = std::bit_ceil(4 * places + 4 * 8);
         std::string body(32, '\0');
@@ -113,4 +115,4 @@ inline std::vector<std::string> sortedComments(std::size_t count) {
     return records;
 }
 
-}  // namespace velmo::test
+}  // namespace velmo::bench
