@@ -205,8 +205,11 @@ TEST_F(FolderMetadata, NodesThatCannotBe) {
     const std::string told = "Node 2 already used.\nInvalid node 256 (max 256).\n";
     EXPECT_EQ(testing::internal::GetCapturedStdout(), told + told + "Invalid node -2147483648 (max 256).\n");
     EXPECT_EQ(All(bytes).damaged, 3u);
-    // As deep as there are blocks; and many records in a small block.
-    FolderStore deep, many;
+    // As deep as there are blocks; many nodes in one place; and many records in a small block.
+    FolderStore deep, many, heap;
+    const std::uint32_t large = heap.addNode(sortedComments(100));
+    const std::vector<std::uint32_t> same = {large, heap.addAgain(large), heap.addAgain(large), heap.addAgain(large)};
+    EXPECT_EQ(All(heap.file(heap.addNode(own, large, same))).lines.size(), 104u);
     for (std::uint32_t i = 2; i < 100'000; ++i) deep.addNode(Lines{comment(u"x", u"")}, i, std::vector{i + 1});
     EXPECT_EQ(All(deep.file(2)).lines.size(), 100'000u - 2);
     const auto endless = opened(many.file(many.add(bigEndian(0) + bigEndian(~0u) + comment(u"a", u"1"))));
@@ -242,10 +245,11 @@ TEST_F(FolderMetadata, WhatIsNoStore) {
 TEST_F(FolderMetadata, Blocks) {
     FolderStore made;
     std::string bytes = made.file(made.addTree(sortedComments(3), 9));
-    bytes.replace(44 + 4 * 4, 8, bigEndian(0x1005) + bigEndian(0x2000 | 31));
+    const auto end = static_cast<std::uint32_t>(bytes.size() - 4);
+    bytes.replace(44 + 4 * 4, 12, bigEndian(0x1005) + bigEndian(0x2000 | 31) + bigEndian(end | 2));
     auto store = DSStoreAllocator::allocatorWithFile(DSStoreFile::fileWithData(dataOf(bytes)));
     ASSERT_TRUE(store);
-    const std::uint32_t expected[][3] = {{3, 0, 0}, {4, 0x1000, 32}, {5, 0x2000, 1u << 31}, {256, 0, 0}};
+    const std::uint32_t expected[][3] = {{3, 0, 0}, {4, 0x1000, 32}, {5, 0x2000, 1u << 31}, {6, end, 4}, {256, 0, 0}};
     for (const auto& [index, offset, size] : expected) {
         EXPECT_EQ(store->offsetAtIndex(index), offset);
         EXPECT_EQ(store->sizeAtIndex(index), size);
