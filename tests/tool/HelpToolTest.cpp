@@ -115,6 +115,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url accept", "http://h/"},
         {"url unwrap", "--base http://h/ a"},
         {"url simplify", "http://h/"},
+        {"url key", "http://h/"},
         {"url parse", "http://h/"},
         {"url path", "http://h/"},
         {"url params", "http://h/?a=b"},
