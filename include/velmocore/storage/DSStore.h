@@ -69,7 +69,8 @@ public:
     /// The Finder comment of a file or folder, from the store of the folder that it is in; from
     /// spotlightCommentAtPath() if that has no store that can be read. Absent if there is none, and
     /// for an absent path and one without a folder. Each thread keeps the last store that it used,
-    /// and its lock, for up to 60 seconds of use, in which changes of the file may not be seen.
+    /// with its lock, and asks it again for 60 seconds, in which changes of the file may not be
+    /// seen.
     [[nodiscard]] static String finderCommentAtPath(const Path& path);
     /// What an index of metadata knows as the comment. There is none on this system: it is absent,
     /// unless a reader was set.
