@@ -3,6 +3,7 @@
 #include <velmocore/platform/PropertyList.h>
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
+#include <velmocore/storage/DSStore.h>
 #include <velmocore/storage/Digests.h>
 #include <velmocore/storage/KeyedDataEditing.h>
 #include <velmocore/storage/StorageBlocks.h>
@@ -14,6 +15,7 @@
 
 #include <filesystem>
 
+#include "../FolderStore.h"
 #include "Growth.h"
 
 namespace velmo::growth {
@@ -61,6 +63,39 @@ std::size_t salvaged(Bytes store) {
     return live;
 }
 
+/// Folder metadata of about that size in which many nodes claim the same large block, which names
+/// them all as its children.
+std::string overlappingFolder(std::size_t size) {
+    bench::FolderStore store;
+    const auto count = static_cast<std::uint32_t>(size / 16);
+    const std::uint32_t first = store.nextIndex();
+    std::string block = bench::bigEndian(first) + bench::bigEndian(0xFFFFFFFF);
+    for (std::uint32_t i = 0; i < count; ++i)
+        block += bench::bigEndian(first + i) + bench::bigEndian(0);
+    store.add(std::move(block));
+    for (std::uint32_t i = 1; i < count; ++i) store.addAgain(first);
+    return store.file(first);
+}
+
+/// The same with as many levels as nodes.
+std::string deepFolder(std::size_t size) {
+    bench::FolderStore store;
+    const std::vector<std::string> record = {bench::comment(u"a", u"b")};
+    for (std::size_t i = 0; i < size / 64; ++i) {
+        const std::uint32_t node = store.nextIndex();
+        store.addNode(record, node, std::vector{node + 1});
+    }
+    return store.file(2);
+}
+
+std::size_t recordsOf(Bytes bytes) {
+    const auto store =
+        DSStore::storeWithFile(DSStoreFile::fileWithData({bytes.begin(), bytes.end()}));
+    std::size_t count = 0;
+    if (store) store->forEachEntry([&](const DSStoreEntry&) { return ++count, true; });
+    return count;
+}
+
 constexpr Operation Rows[] = {
     {"keyed data",
      [](const Input& in) {
@@ -80,6 +115,13 @@ constexpr Operation Rows[] = {
      [](const Input& in) {
          use(salvaged(in.utf8));
          use(salvaged(overlappingStore(in.utf8.size())));
+     },
+     65536},
+    {"folder metadata",
+     [](const Input& in) {
+         use(recordsOf(in.utf8));
+         use(recordsOf(overlappingFolder(in.utf8.size())));
+         use(recordsOf(deepFolder(in.utf8.size())));
      },
      65536},
     // Until a window of 32 KB is full, a byte has fewer places to be compared with than later ones.

@@ -21,6 +21,8 @@ protected:
         std::filesystem::create_directories(folder_ / "site");
         std::filesystem::create_directories(folder_ / "letters");
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
+        std::filesystem::create_directories(folder_ / "photos");
+        std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
         write("feed.xml",
               "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 "
               "/></item></rss>");
@@ -66,7 +68,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 42u);
+    EXPECT_EQ(names.size(), 43u);
     for (const std::string& name : names) {
         if (name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
@@ -124,6 +126,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"records", "--write-strings list.keyed < notes.txt"},
         {"records", "list.keyed"},
         {"records", "--strings list.keyed"},
+        {"comments", "photos"},
+        {"comments", "--name . photos"},
         {"store append", "notes.store notes.txt mail.txt"},
         {"store list", "notes.store"},
         {"store get", "notes.store 0"},
@@ -133,7 +137,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"store delete", "notes.store 0"},
         {"store salvage", "notes.store saved.store"},
     };
-    EXPECT_EQ(std::size(runs), commands().size() + 1);
+    EXPECT_EQ(std::size(runs), commands().size() + 2);
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
         const std::string action = std::string(command).substr(std::string(command).find(' ') + 1);

@@ -43,6 +43,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"mime", makeMimeCommand},
         {"date", makeDateCommand},
         {"records", makeRecordsCommand},
+        {"comments", makeCommentsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
     };

@@ -9,6 +9,7 @@ namespace velmo::tool {
 
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
+Command makeCommentsCommand(Session& session);
 Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
