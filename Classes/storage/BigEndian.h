@@ -7,6 +7,10 @@
 
 namespace velmo::detail {
 
+inline std::uint16_t bigEndian16(const std::uint8_t* bytes) noexcept {
+    return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
+}
+
 inline std::uint32_t bigEndian32(const std::uint8_t* bytes) noexcept {
     std::uint32_t value;
     std::memcpy(&value, bytes, sizeof value);
