@@ -45,6 +45,9 @@ const std::vector<CommandEntry>& allCommands() {
         {"records", makeRecordsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
+        {"attributes", nullptr, attributeActions(),
+         "Extended attributes of files: values, tags, sources and comments", "PATH..."},
+        {"location", makeLocationCommand},
     };
     return commands;
 }
