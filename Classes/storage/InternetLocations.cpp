@@ -52,8 +52,18 @@ String shortcutURL(const String& text, bool mayBeBare) {
     return line.isEmpty() ? String() : line;
 }
 
+/// A property list as XML that other programs wrote: the reader of lists takes no mark of byte
+/// order, and no text but UTF-8.
+std::optional<PropertyList> markedList(Bytes content) {
+    const std::string_view bytes = charsOf(content);
+    if (bytes.starts_with("\xEF\xBB\xBF")) return propertyListFromData(content.subspan(3));
+    if (!bytes.starts_with("\xFF\xFE") && !bytes.starts_with("\xFE\xFF")) return std::nullopt;
+    return propertyListFromData(stringWithData(content, UTF16StringEncoding).utf8());
+}
+
 InternetLocation listedLocation(Bytes content) {
-    const std::optional<PropertyList> list = propertyListFromData(content);
+    std::optional<PropertyList> list = propertyListFromData(content);
+    if (!list) list = markedList(content);
     const String* const url = list ? list->string(u"URL") : nullptr;
     if (!url) return {};
     const String* const name = list->string(u"Name");

@@ -1,0 +1,197 @@
+#include <velmocore/storage/MetaDataStore.h>
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include <velmocore/platform/Log.h>
+#include <velmocore/platform/UserDefaults.h>
+
+#include "TestSupport.h"
+#include "storage/FileAttributes.h"
+
+namespace velmo {
+namespace {
+
+using Store = VWMetaDataStore;
+using Dictionary = PropertyListDictionary;
+using Array = PropertyListArray;
+
+/// A file where there are attributes, if there is such a place.
+class MetaDataStoreTest : public testing::Test {
+protected:
+    void SetUp() override {
+        for (const std::filesystem::path& place :
+             {std::filesystem::temp_directory_path(), std::filesystem::current_path(),
+              std::filesystem::path("/dev/shm")}) {
+            file_ = place / ("velmo-attributes-" + std::to_string(getpid()));
+            std::ofstream(file_) << "text";
+            Error error;
+            if (Store::setObject({Data{1}}, u"probe", file_, {}, &error) && Store::removeObjectForKey(u"probe", file_))
+                return;
+            std::filesystem::remove(file_);
+        }
+        GTEST_SKIP() << "no file system here has attributes";
+    }
+    void TearDown() override {
+        setLogHandler(nullptr);
+        setUserDefaultsHook(nullptr);
+        std::filesystem::remove(file_);
+    }
+    void logToTest() {
+        logged_.clear();
+        setLogHandler([](std::string_view line) { logged_ += std::string(line) + ";"; });
+    }
+    PropertyList stored(const String& key) const { return Store::objectForKey(key, file_, {}, &error_); }
+
+    std::filesystem::path file_;
+    mutable Error error_;
+    inline static std::string logged_;
+};
+
+Data dataOf(std::string_view text) { return {text.begin(), text.end()}; }
+
+TEST_F(MetaDataStoreTest, KeepsValues) {
+    const PropertyList list{Array{{String(u"a")}, {true}, {Dictionary{{u"k", {std::int64_t{5}}}}}}};
+    const Data binary = dataFromPropertyList(list, PropertyListFormat::Binary).value();
+    const std::pair<PropertyList, PropertyList> cases[] = {
+        {{String(u"caf\u00E9")}, {String(u"caf\u00E9")}},
+        {{String(u"")}, {String(u"")}},
+        {list, list},
+        {{0.5}, {0.5}},
+        {{binary}, list},                          // told by its looks
+        {{dataOf("bplist")}, {dataOf("bplist")}},  // which may deceive
+        {{dataOf("\xFFraw")}, {dataOf("\xFFraw")}},
+        {{Data()}, {}}};
+    for (const auto& [set, got] : cases) {
+        EXPECT_TRUE(Store::setObject(set, u"key \u00E9", file_, {}, &error_));
+        EXPECT_EQ(stored(u"key \u00E9"), got);
+        EXPECT_TRUE(error_.text.isAbsent());
+        EXPECT_EQ(Store::metaDataKeysAtPath(file_), std::set<String>{u"key \u00E9"});
+        EXPECT_EQ(Store::metaDataDictionaryAtPath(file_).has_value(), !got.as<std::monostate>());
+    }
+    EXPECT_TRUE(Store::removeObjectForKey(u"key \u00E9", file_));
+    EXPECT_FALSE(Store::metaDataKeysAtPath(file_, {}, &error_));
+    EXPECT_TRUE(error_.text.isAbsent());
+}
+
+TEST_F(MetaDataStoreTest, RefusesWithTheReason) {
+    const std::string tooLong(128, 'x');
+    EXPECT_TRUE(Store::setObject({String(u"v")}, std::u16string(127, u'y'), file_, {}, &error_)) << error_;
+    EXPECT_FALSE(Store::setObject({String(u"v")}, String::fromUTF8(tooLong), file_, {}, &error_));
+    EXPECT_EQ(printed(error_),
+              "com.velmo-works.errordomain.MetaData 200: The metadata key `" + tooLong + "' is too long to be used.");
+    EXPECT_FALSE(Store::removeObjectForKey(String::fromUTF8(tooLong), file_, {}, &error_));
+    EXPECT_EQ(error_.code, MetaDataKeyTooLong);
+    EXPECT_FALSE(Store::setObject({}, u"k", file_, {}, &error_));
+    EXPECT_EQ(error_.code, MetaDataNotEncodable);
+    EXPECT_EQ(error_.reason, u"k");
+    EXPECT_FALSE(
+        Store::setMetaDataDictionary({{u"a", {true}}, {u"b", {}}, {u"c", {}}, {u"d", {true}}}, file_, {}, &error_));
+    EXPECT_EQ(error_.code, MetaDataNotAllWritten);
+    EXPECT_EQ(error_.reason, u"b, c");
+    EXPECT_EQ(stored(u"d"), PropertyList{true});
+    logToTest();
+    EXPECT_FALSE(Store::setObject({true}, String(u"\xD800"), file_, {}, &error_));
+    EXPECT_EQ(logged_, "getFileSystemRepresentation '\xEF\xBF\xBD':\n" + file_.string() + "\nInvalid argument;");
+    // Names are seen by all, values only by those who may read the file.
+    std::filesystem::permissions(file_, std::filesystem::perms::none);
+    const bool isRoot = ::geteuid() == 0 && ::seteuid(65534) == 0;
+    EXPECT_FALSE(Store::metaDataDictionaryAtPath(file_, {}, &error_));
+    EXPECT_EQ(isRoot ? ::seteuid(0) : 0, 0);
+    EXPECT_EQ(error_.code, MetaDataNotAllRead);
+    EXPECT_EQ(error_.reason, u"Permission denied, Permission denied, Permission denied");
+}
+
+TEST_F(MetaDataStoreTest, ReportsWhatTheSystemSays) {
+    const std::filesystem::path link = file_.string() + "-link";
+    std::filesystem::create_symlink(file_, link);
+    const std::tuple<Path, bool, int, int> cases[] = {
+        // errno of reading, of writing
+        {Path(file_), true, ENODATA, 0},
+        {Path(link), true, 0, 0},
+        {Path(link), false, ENODATA, EPERM},
+        {Path(file_.string() + "-none"), true, ENOENT, ENOENT},
+        {Path("/proc/self/stat"), true, EOPNOTSUPP, EOPNOTSUPP},
+        {Path(), true, EINVAL, EINVAL},
+    };
+    for (const auto& [path, traverseLink, reading, writing] : cases) {
+        const auto number = [&] { return error_.text.isAbsent() ? 0 : error_.domain == u"posix" ? error_.code : -1; };
+        std::ignore = Store::objectForKey(u"k", path, {traverseLink}, &error_);
+        EXPECT_EQ(number(), reading) << path.bytes();
+        EXPECT_EQ(error_.path, reading ? path.string() : String());
+        EXPECT_EQ(Store::setObject({true}, u"k", path, {traverseLink}, &error_), writing == 0);
+        EXPECT_EQ(number(), writing) << path.bytes();
+    }
+    EXPECT_EQ(error_.text, u"Invalid argument");
+    std::filesystem::remove(link);
+}
+
+TEST_F(MetaDataStoreTest, KnowsTagsSourcesAndComments) {
+    EXPECT_FALSE(Store::getFinderTags(file_, &error_));
+    EXPECT_TRUE(error_.text.isAbsent());
+    Store::setObject({Array{{String(u"Red\n6")}, {String(u"Old\n2")}}}, UserTagsKey, file_);
+    EXPECT_EQ(Store::getFinderTags(file_), (Strings{u"Red", u"Old"}));
+    EXPECT_TRUE(Store::setFinderTags(Strings{u"New", u"Red"}, file_));
+    EXPECT_EQ(stored(UserTagsKey), (PropertyList{Array{{String(u"New")}, {String(u"Red\n6")}}}));
+    setUserDefaultsHook([](View key) { return key == u"DisableFinderTags" ? Strings{u"YES"} : Strings(); });
+    EXPECT_FALSE(Store::setFinderTags({}, file_, &error_));
+    setUserDefaultsHook(nullptr);
+    EXPECT_TRUE(Store::setFinderTags({}, file_) && Store::setFinderTags({}, file_));
+
+    EXPECT_TRUE(Store::setWhereFrom(u"http://h/", file_) && Store::setIsEditableNote(true, file_));
+    Store::setObject({String(u"comment")}, FinderCommentKey, file_);
+    const Dictionary all = Store::metaDataDictionaryAtPath(file_).value();
+    EXPECT_EQ(all.size(), 3u);
+    EXPECT_EQ(getWhereFrom(all), u"http://h/");
+    EXPECT_EQ(getFinderComment(all), Store::finderCommentAtPath(file_));
+    EXPECT_EQ(all.at(EditableNoteKey), PropertyList{String(u"yes")});
+    EXPECT_TRUE(isEditableNote(all) && Store::setIsEditableNote(false, file_) && Store::setWhereFrom(u"", file_));
+    EXPECT_EQ(Store::metaDataKeysAtPath(file_)->size(), 1u);
+}
+
+TEST_F(MetaDataStoreTest, ReadsDictionaries) {
+    const std::pair<Dictionary, String> sources[] = {
+        {{}, {}},
+        {{{WhereFromsKey, {String(u"b")}}}, u"b"},
+        {{{WhereFromsKey, {String(u"b")}}, {ItemWhereFromsKey, {Array{{String(u"a")}, {String(u"c")}}}}}, u"a"},
+        {{{WhereFromsKey, {Array{}}}}, {}},
+        {{{WhereFromsKey, {Array{{dataOf("caf\xC3\xA9")}}}}}, u"caf\u00E9"},
+        {{{WhereFromsKey, {Data{'a', 0, 'b', 0}}}}, u"a"},
+        {{{WhereFromsKey, {Data{'a', 0, 'b'}}}}, View(u"a\0b", 3)},
+        {{{WhereFromsKey, {dataOf("\xFF")}}}, {}},
+        {{{WhereFromsKey, {Data()}}}, {}},
+        {{{WhereFromsKey, {true}}}, {}},
+        {{{WhereFromsKey, {String(u"data:,x")}}}, {}},
+    };
+    for (const auto& [dictionary, source] : sources) EXPECT_EQ(getWhereFrom(dictionary), source);
+    logToTest();
+    EXPECT_FALSE(validatedTags({}));
+    EXPECT_FALSE(getFinderTags(Dictionary{{UserTagsKey, {String(u"x")}}}));
+    EXPECT_EQ(logged_, "Invalid array: string;");
+    const Dictionary titled = {{ItemTitleKey, {String(u"Title.TXT")}}};
+    EXPECT_EQ(getItemTitleForFile(titled, u"/a/other.txt"), u"Title.TXT");
+    EXPECT_TRUE(getItemTitleForFile(titled, u"/a/title.txt").isAbsent() && getItemTitleForFile({}, u"/a").isAbsent());
+    EXPECT_EQ(detail::keysOfAttributeNames(std::string("user.a\0security.x\0user.\xFF\0user.b", 31)),
+              (std::set<String>{u"a", u"b"}));
+}
+
+// A value that another program changes between the questions for its size and for its bytes.
+TEST_F(MetaDataStoreTest, AsksAgainForWhatGrows) {
+    for (const int grows : {0, 1, 5, 1000}) {
+        int asked = 0;
+        std::size_t size = 3;
+        const auto data = detail::readOfUnknownSize([&](std::uint8_t* bytes, std::size_t count) -> ssize_t {
+            if (bytes && asked++ < grows) ++size;
+            if (bytes && count < size) return errno = ERANGE, -1;
+            return static_cast<ssize_t>(size);
+        });
+        EXPECT_EQ(data.has_value(), grows < 1000);
+        EXPECT_LT(asked, 100);
+        EXPECT_EQ(data.value_or(Data()).size(), grows < 1000 ? 3u + grows : 0u);
+    }
+}
+
+}  // namespace
+}  // namespace velmo
