@@ -22,14 +22,11 @@ using Array = PropertyListArray;
 class MetaDataStoreTest : public testing::Test {
 protected:
     void SetUp() override {
-        for (const std::filesystem::path& place :
-             {std::filesystem::temp_directory_path(), std::filesystem::current_path(),
-              std::filesystem::path("/dev/shm")}) {
-            file_ = place / ("velmo-attributes-" + std::to_string(getpid()));
+        for (const std::string& place :
+             {std::filesystem::temp_directory_path().string(), std::string("."), std::string("/dev/shm")}) {
+            file_ = place + "/velmo-attributes-" + std::to_string(getpid());
             std::ofstream(file_) << "text";
-            Error error;
-            if (Store::setObject({Data{1}}, u"probe", file_, {}, &error) && Store::removeObjectForKey(u"probe", file_))
-                return;
+            if (Store::setWhereFrom(u"probe", file_) && Store::setWhereFrom(u"", file_)) return;
             std::filesystem::remove(file_);
         }
         GTEST_SKIP() << "no file system here has attributes";
@@ -39,9 +36,8 @@ protected:
         setUserDefaultsHook(nullptr);
         std::filesystem::remove(file_);
     }
-    void logToTest() {
-        logged_.clear();
-        setLogHandler([](std::string_view line) { logged_ += std::string(line) + ";"; });
+    static void logToTest() {
+        setLogHandler([](std::string_view line) { logged_ = line; });
     }
     PropertyList stored(const String& key) const { return Store::objectForKey(key, file_, {}, &error_); }
 
@@ -56,10 +52,8 @@ TEST_F(MetaDataStoreTest, KeepsValues) {
     const PropertyList list{Array{{String(u"a")}, {true}, {Dictionary{{u"k", {std::int64_t{5}}}}}}};
     const Data binary = dataFromPropertyList(list, PropertyListFormat::Binary).value();
     const std::pair<PropertyList, PropertyList> cases[] = {
-        {{String(u"caf\u00E9")}, {String(u"caf\u00E9")}},
         {{String(u"")}, {String(u"")}},
         {list, list},
-        {{0.5}, {0.5}},
         {{binary}, list},                          // told by its looks
         {{dataOf("bplist")}, {dataOf("bplist")}},  // which may deceive
         {{dataOf("\xFFraw")}, {dataOf("\xFFraw")}},
@@ -77,31 +71,27 @@ TEST_F(MetaDataStoreTest, KeepsValues) {
 }
 
 TEST_F(MetaDataStoreTest, RefusesWithTheReason) {
-    const std::string tooLong(128, 'x');
-    EXPECT_TRUE(Store::setObject({String(u"v")}, std::u16string(127, u'y'), file_, {}, &error_)) << error_;
-    EXPECT_FALSE(Store::setObject({String(u"v")}, String::fromUTF8(tooLong), file_, {}, &error_));
-    EXPECT_EQ(printed(error_),
-              "com.velmo-works.errordomain.MetaData 200: The metadata key `" + tooLong + "' is too long to be used.");
-    EXPECT_FALSE(Store::removeObjectForKey(String::fromUTF8(tooLong), file_, {}, &error_));
-    EXPECT_EQ(error_.code, MetaDataKeyTooLong);
+    const std::u16string tooLong(128, u'y');
+    EXPECT_TRUE(Store::setObject({true}, tooLong.substr(1), file_, {}, &error_)) << error_;
+    EXPECT_FALSE(Store::removeObjectForKey(tooLong, file_) || Store::setObject({true}, tooLong, file_, {}, &error_));
+    EXPECT_EQ(printed(error_), "com.velmo-works.errordomain.MetaData 200: The metadata key `" + utf8(tooLong) +
+                                   "' is too long to be used.");
     EXPECT_FALSE(Store::setObject({}, u"k", file_, {}, &error_));
-    EXPECT_EQ(error_.code, MetaDataNotEncodable);
-    EXPECT_EQ(error_.reason, u"k");
+    EXPECT_EQ(std::tuple(error_.code, error_.reason), std::tuple(203, u"k"));
     EXPECT_FALSE(
         Store::setMetaDataDictionary({{u"a", {true}}, {u"b", {}}, {u"c", {}}, {u"d", {true}}}, file_, {}, &error_));
-    EXPECT_EQ(error_.code, MetaDataNotAllWritten);
-    EXPECT_EQ(error_.reason, u"b, c");
+    EXPECT_EQ(std::tuple(error_.code, error_.reason), std::tuple(202, u"b, c"));
     EXPECT_EQ(stored(u"d"), PropertyList{true});
     logToTest();
     EXPECT_FALSE(Store::setObject({true}, String(u"\xD800"), file_, {}, &error_));
-    EXPECT_EQ(logged_, "getFileSystemRepresentation '\xEF\xBF\xBD':\n" + file_.string() + "\nInvalid argument;");
+    EXPECT_EQ(logged_, "getFileSystemRepresentation '\xEF\xBF\xBD':\n" + file_.string() + "\nInvalid argument");
     // Names are seen by all, values only by those who may read the file.
     std::filesystem::permissions(file_, std::filesystem::perms::none);
     const bool isRoot = ::geteuid() == 0 && ::seteuid(65534) == 0;
     EXPECT_FALSE(Store::metaDataDictionaryAtPath(file_, {}, &error_));
     EXPECT_EQ(isRoot ? ::seteuid(0) : 0, 0);
-    EXPECT_EQ(error_.code, MetaDataNotAllRead);
-    EXPECT_EQ(error_.reason, u"Permission denied, Permission denied, Permission denied");
+    EXPECT_EQ(std::tuple(error_.code, error_.reason),
+              std::tuple(201, u"Permission denied, Permission denied, Permission denied"));
 }
 
 TEST_F(MetaDataStoreTest, ReportsWhatTheSystemSays) {
@@ -112,19 +102,18 @@ TEST_F(MetaDataStoreTest, ReportsWhatTheSystemSays) {
         {Path(file_), true, ENODATA, 0},
         {Path(link), true, 0, 0},
         {Path(link), false, ENODATA, EPERM},
-        {Path(file_.string() + "-none"), true, ENOENT, ENOENT},
+        {Path("/proc/self/none"), true, ENOENT, ENOENT},
         {Path("/proc/self/stat"), true, EOPNOTSUPP, EOPNOTSUPP},
         {Path(), true, EINVAL, EINVAL},
     };
     for (const auto& [path, traverseLink, reading, writing] : cases) {
-        const auto number = [&] { return error_.text.isAbsent() ? 0 : error_.domain == u"posix" ? error_.code : -1; };
         std::ignore = Store::objectForKey(u"k", path, {traverseLink}, &error_);
-        EXPECT_EQ(number(), reading) << path.bytes();
+        EXPECT_EQ(error_.code, reading) << path.bytes();
         EXPECT_EQ(error_.path, reading ? path.string() : String());
         EXPECT_EQ(Store::setObject({true}, u"k", path, {traverseLink}, &error_), writing == 0);
-        EXPECT_EQ(number(), writing) << path.bytes();
+        EXPECT_EQ(error_.code, writing) << path.bytes();
     }
-    EXPECT_EQ(error_.text, u"Invalid argument");
+    EXPECT_EQ(printed(error_), "posix 22: Invalid argument");
     std::filesystem::remove(link);
 }
 
@@ -143,7 +132,6 @@ TEST_F(MetaDataStoreTest, KnowsTagsSourcesAndComments) {
     EXPECT_TRUE(Store::setWhereFrom(u"http://h/", file_) && Store::setIsEditableNote(true, file_));
     Store::setObject({String(u"comment")}, FinderCommentKey, file_);
     const Dictionary all = Store::metaDataDictionaryAtPath(file_).value();
-    EXPECT_EQ(all.size(), 3u);
     EXPECT_EQ(getWhereFrom(all), u"http://h/");
     EXPECT_EQ(getFinderComment(all), Store::finderCommentAtPath(file_));
     EXPECT_EQ(all.at(EditableNoteKey), PropertyList{String(u"yes")});
@@ -153,8 +141,6 @@ TEST_F(MetaDataStoreTest, KnowsTagsSourcesAndComments) {
 
 TEST_F(MetaDataStoreTest, ReadsDictionaries) {
     const std::pair<Dictionary, String> sources[] = {
-        {{}, {}},
-        {{{WhereFromsKey, {String(u"b")}}}, u"b"},
         {{{WhereFromsKey, {String(u"b")}}, {ItemWhereFromsKey, {Array{{String(u"a")}, {String(u"c")}}}}}, u"a"},
         {{{WhereFromsKey, {Array{}}}}, {}},
         {{{WhereFromsKey, {Array{{dataOf("caf\xC3\xA9")}}}}}, u"caf\u00E9"},
@@ -162,14 +148,13 @@ TEST_F(MetaDataStoreTest, ReadsDictionaries) {
         {{{WhereFromsKey, {Data{'a', 0, 'b'}}}}, View(u"a\0b", 3)},
         {{{WhereFromsKey, {dataOf("\xFF")}}}, {}},
         {{{WhereFromsKey, {Data()}}}, {}},
-        {{{WhereFromsKey, {true}}}, {}},
         {{{WhereFromsKey, {String(u"data:,x")}}}, {}},
     };
     for (const auto& [dictionary, source] : sources) EXPECT_EQ(getWhereFrom(dictionary), source);
     logToTest();
     EXPECT_FALSE(validatedTags({}));
     EXPECT_FALSE(getFinderTags(Dictionary{{UserTagsKey, {String(u"x")}}}));
-    EXPECT_EQ(logged_, "Invalid array: string;");
+    EXPECT_EQ(logged_, "Invalid array: string");
     const Dictionary titled = {{ItemTitleKey, {String(u"Title.TXT")}}};
     EXPECT_EQ(getItemTitleForFile(titled, u"/a/other.txt"), u"Title.TXT");
     EXPECT_TRUE(getItemTitleForFile(titled, u"/a/title.txt").isAbsent() && getItemTitleForFile({}, u"/a").isAbsent());
@@ -181,15 +166,12 @@ TEST_F(MetaDataStoreTest, ReadsDictionaries) {
 TEST_F(MetaDataStoreTest, AsksAgainForWhatGrows) {
     for (const int grows : {0, 1, 5, 1000}) {
         int asked = 0;
-        std::size_t size = 3;
         const auto data = detail::readOfUnknownSize([&](std::uint8_t* bytes, std::size_t count) -> ssize_t {
-            if (bytes && asked++ < grows) ++size;
-            if (bytes && count < size) return errno = ERANGE, -1;
-            return static_cast<ssize_t>(size);
+            const int size = 3 + std::min(bytes ? ++asked : asked, grows);
+            return bytes && count < static_cast<std::size_t>(size) ? (errno = ERANGE, -1) : size;
         });
-        EXPECT_EQ(data.has_value(), grows < 1000);
-        EXPECT_LT(asked, 100);
         EXPECT_EQ(data.value_or(Data()).size(), grows < 1000 ? 3u + grows : 0u);
+        EXPECT_LT(asked, 100);
     }
 }
 

@@ -16,28 +16,18 @@ TEST_F(AttributesTool, SetsReadsAndRemoves) {
         {"get k a b", 0, "==> a <==\nv\n"},
         {"get k b", 1, ""},
         {"get k b none", 2, ""},
-        {"list a", 0, "bytes\nk\n"},
         {"list --no-follow link", 1, ""},
-        {"set --no-follow k v link", 2, ""},
         {"set --as base64 k AAH a", 2, ""},
         {"list", 2, ""},
         {"list --values --json -r .", 0,
          R"({"file":"./a","attributes":[{"name":"bytes","type":"data","value":"AAH/"},{"name":"k","type":"string","value":"v"}]})"
-         "\n"
-         R"({"file":"./b","attributes":[{"name":"bytes","type":"data","value":"AAH/"}]})"
-         "\n"},
+         "\n{\"file\":\"./b\",\"attributes\":[{\"name\":\"bytes\",\"type\":\"data\",\"value\":\"AAH/\"}]}\n"},
         {"tags --set Red --set 'to do' a --json", 0, "{\"file\":\"a\",\"tags\":[\"Red\",\"to do\"]}\n"},
         {"tags a b", 0, "==> a <==\nRed\nto do\n"},
-        {"tags --clear a", 0, "a: cleared tags\n"},
-        {"tags a --json", 1, "{\"file\":\"a\",\"tags\":[]}\n"},
         {"source --set http://h/ a", 0, "a: set source\n"},
         {"source a b --json", 0, "{\"file\":\"a\",\"source\":\"http://h/\"}\n{\"file\":\"b\",\"source\":null}\n"},
-        {"comment --set c a", 0, "a: set comment\n"},
-        {"comment a", 0, "c\n"},
         {"comment --clear a b", 0, "a: cleared comment\nb: cleared comment\n"},
-        {"remove k a b --json", 0,
-         "{\"file\":\"a\",\"name\":\"k\",\"removed\":true}\n{\"file\":\"b\",\"name\":\"k\",\"removed\":false}\n"},
-        {"remove k a", 1, ""},
+        {"remove k b --json", 1, "{\"file\":\"b\",\"name\":\"k\",\"removed\":false}\n"},
     };
     shell("ln -s a link");
     for (const auto& [arguments, code, out] : cases) {
