@@ -134,10 +134,8 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
         [&] {
-            return resolveInternetLocationData({"URL=http://h/\n", u"url"}).url.utf8();
-        },
-        [&] {
-            return getWhereFrom({{WhereFromsKey, {url.absoluteString()}}}).utf8();
+            const InternetLocation found = resolveInternetLocationData({"URL=http://h/\n", u"url"});
+            return found.url.utf8() + getWhereFrom({{WhereFromsKey, {url.absoluteString()}}}).utf8();
         },
         [&] { return dates(); },
         [&] {
