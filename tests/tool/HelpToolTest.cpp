@@ -79,7 +79,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 50u);
+    EXPECT_EQ(names.size(), 51u);
     for (const std::string& name : names) {
         if (name == "attributes" || name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
@@ -126,6 +126,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url accept", "http://h/"},
         {"url unwrap", "--base http://h/ a"},
         {"url simplify", "http://h/"},
+        {"url key", "http://h/"},
         {"url parse", "http://h/"},
         {"url path", "http://h/"},
         {"url params", "http://h/?a=b"},
