@@ -86,7 +86,8 @@ public:
     static bool removeObjectForKey(const String& key, const Path& path, MetaDataAccess access = {},
                                    Error* error = nullptr);
 
-    /// The tags without their colours; absent, and no error, if there are none.
+    /// The tags without their colours, of a link those of its target; absent, and no error, if
+    /// there are none.
     [[nodiscard]] static std::optional<std::vector<String>> getFinderTags(const Path& path,
                                                                           Error* error = nullptr);
     /// Replaces the tags; those that were there keep their colours. None removes the attribute.

@@ -33,9 +33,15 @@ InternetLocation locationOf(const std::string& path) {
     return resolveInternetLocation(path);
 }
 
+/// Folders hold other files besides, and those in which archives keep the forks of files.
+bool isLeftOut(const FileName& file) {
+    if (file.wasNamed()) return false;
+    const std::string name = std::filesystem::path(file.path).filename();
+    return name.starts_with("._") || !isInternetLocationFile(file.path);
+}
+
 void printLocation(const FileName& file, Report& report) {
-    // Folders hold other files besides.
-    if (!file.wasNamed() && !isInternetLocationFile(file.path)) return;
+    if (isLeftOut(file)) return;
     const InternetLocation found = locationOf(file.path);
     report.noteHit(!found.url.isEmpty());
     if (report.json())
