@@ -96,7 +96,8 @@ std::pair<int, int> numbersOf(const Path& path, bool traverseLink) {
     Error reading, writing;
     std::ignore = Store::objectForKey(u"k", path, {traverseLink}, &reading);
     EXPECT_EQ(reading.path, reading.code ? path.string() : String());
-    EXPECT_EQ(Store::setObject({true}, u"k", path, {traverseLink}, &writing), writing.code == 0);
+    const bool isSet = Store::setObject({true}, u"k", path, {traverseLink}, &writing);
+    EXPECT_EQ(isSet, writing.code == 0);
     return {reading.code, writing.code};
 }
 
