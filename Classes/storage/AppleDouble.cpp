@@ -7,6 +7,7 @@
 namespace velmo::detail {
 namespace {
 
+// Both versions of the format have the same header where it matters.
 constexpr std::uint32_t Magic = 0x00051607;
 constexpr std::size_t HeaderSize = 26, EntrySize = 12;
 constexpr std::uint32_t ResourceForkEntry = 2, FinderInfoEntry = 9;
@@ -19,6 +20,7 @@ AppleDouble appleDouble(Bytes file) {
     AppleDouble found;
     if (file.size() < HeaderSize || bigEndian32(file.data()) != Magic) return found;
     const std::size_t entries = bigEndian16(&file[HeaderSize - 2]);
+    // Entries may overlap and repeat: each is only a view, so that no count of them costs memory.
     for (std::size_t i = 0; i < entries; ++i) {
         const auto entry = partOf(file, HeaderSize + i * EntrySize, EntrySize);
         if (!entry) break;
@@ -41,6 +43,7 @@ Data appleDoubleBeside(const Path& path) {
 
 String typeOfFinderInfo(Bytes finderInfo) {
     if (finderInfo.size() < 4 || bigEndian32(finderInfo.data()) == 0) return {};
+    // Unit for byte, so that any code comes back from its string.
     std::u16string type = u"'";
     for (const std::uint8_t byte : finderInfo.first(4)) type += byte;
     return type + u"'";

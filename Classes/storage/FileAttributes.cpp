@@ -1,3 +1,5 @@
+// Each call exists twice, for a link's target and for the link itself; which one is meant is chosen
+// where it is called, so that both go the same way.
 #include "storage/FileAttributes.h"
 
 #include <sys/xattr.h>

@@ -24,6 +24,7 @@ namespace {
 
 namespace keyword = detail::keyword;
 
+/// A location has a few thousand bytes; what is called so and is larger is something else.
 constexpr std::size_t MaxFileSize = 1 << 24;
 constexpr std::u16string_view LinkType = u"'LINK'";
 
@@ -80,6 +81,7 @@ InternetLocation resolved(Bytes content, std::u16string_view extension,
                           const detail::AppleDouble& beside) {
     const String type = detail::typeOfFinderInfo(beside.finderInfo);
     if (!isInternetLocationExtension(extension, type)) return {};
+    // The resources of a shortcut are not looked at, whatever it lacks.
     const bool isShortcut = isShortcutExtension(extension);
     if (isShortcut || type == LinkType)
         return {shortcutURL(stringWithData(content, UTF8StringEncoding), isShortcut), {}};
@@ -99,6 +101,7 @@ String extensionOfScheme(std::u16string_view scheme) {
 bool isVNCStringURL(std::u16string_view string) { return hasPrefixNoCase(string, u"vnc://"); }
 
 /// What a string is asked in turn.
+/// Not by the scheme: strings that name none, as www.h.org and /path, are told too.
 constexpr struct {
     bool (*isOf)(std::u16string_view);
     std::u16string_view extension;
@@ -134,7 +137,7 @@ InternetLocation resolveInternetLocation(const Path& path) {
     const Data beside = detail::appleDoubleBeside(path);
     const detail::AppleDouble parts = detail::appleDouble(beside);
     const String extension = extensionOf(path);
-    // A file that is no location is not read.
+    // A file that is no location is not read. One that cannot be read may have its URL beside it.
     if (!isInternetLocationExtension(extension, detail::typeOfFinderInfo(parts.finderInfo)))
         return {};
     const auto content = detail::readRegularFile(path.bytes(), MaxFileSize);

@@ -1,4 +1,5 @@
-// What dictionaries of attributes say.
+// What dictionaries of attributes say. They come from files or from a desktop's index, and hold
+// what other programs wrote: a value of another type than expected is no value.
 #include <velmocore/storage/MetaDataStore.h>
 
 #include <fmt/core.h>
@@ -50,6 +51,7 @@ std::optional<std::vector<String>> validatedTags(const PropertyList& tags) {
         return std::nullopt;
     }
     std::vector<String> result;
+    // What is no string among the tags is left out.
     for (const PropertyList& tag : *list)
         if (const String* text = tag.as<String>()) {
             const std::size_t end = text->view().find(u'\n');

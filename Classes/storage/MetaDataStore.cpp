@@ -1,5 +1,9 @@
 // Extended attributes as typed values. Each operation of the class is one on a file with a place
 // for its error; operations on several attributes collect the errors of those that fail.
+//
+// Nothing marks a value as a list or as bytes, so that reading goes by the first bytes alone, as all
+// programs do that share these attributes: bytes that look like a list and can be read as one come
+// back as one, whoever set them.
 #include <velmocore/storage/MetaDataStore.h>
 
 #include <fmt/core.h>
@@ -27,6 +31,7 @@ PropertyList valueOfBytes(Data&& bytes) {
     return {std::move(bytes)};
 }
 
+/// An error of the system tells why in its text and has no other reason.
 const String& reasonOf(const Error& error) {
     return error.reason.isAbsent() ? error.text : error.reason;
 }
@@ -46,6 +51,7 @@ public:
     std::optional<std::set<String>> keys() {
         const std::optional<Data> names = attributes_.list();
         if (!names) return failed(), std::nullopt;
+        // A file may have attributes of the system only, and then has none of these.
         std::set<String> keys = detail::keysOfAttributeNames(*names);
         if (keys.empty()) return std::nullopt;
         return keys;
@@ -61,6 +67,7 @@ public:
 
     bool set(const String& key, const PropertyList& object) {
         if (isTooLong(key)) return false;
+        // Bytes are another program's format as likely as not, and stay what they are.
         if (const Data* data = object.as<Data>()) return write(key, *data);
         const auto list = dataFromPropertyList(object, PropertyListFormat::Binary);
         if (list) return write(key, *list);
@@ -78,7 +85,7 @@ public:
         error_ = {MetaDataErrorDomain, code, String::fromUTF8(text), path_.string(), reason};
         return false;
     }
-    /// The same for a call of the system.
+    /// The same for a call of the system, by what it left.
     bool failed(int number = errno) {
         const std::string text = std::generic_category().message(number);
         error_ = {u"posix", number, String::fromUTF8(text), path_.string()};
@@ -93,6 +100,7 @@ private:
         return true;
     }
 
+    /// A zero or a lone surrogate in a key is a fault of the program, and is told to its log too.
     std::optional<std::string> nameOf(const String& key) {
         std::optional<std::string> name = detail::attributeNameOfKey(key);
         if (name) return name;
@@ -136,7 +144,8 @@ bool isUserDefaultOn(std::u16string_view key) {
     return On.find(values.front().view().front()) != On.npos;
 }
 
-/// The tags as they are to be stored: with the colours that those on the file have.
+/// The tags as they are to be stored: with the colours that those on the file have, as who names
+/// tags anew does not want to change the others.
 PropertyListArray tagsWithColors(std::span<const String> tags, const PropertyList& stored) {
     std::map<String, PropertyList> colored;
     if (const auto* old = stored.as<PropertyListArray>())
@@ -166,6 +175,7 @@ std::optional<PropertyListDictionary> VWMetaDataStore::metaDataDictionaryAtPath(
     if (!keys) return std::nullopt;
     PropertyListDictionary dictionary;
     Failures failures;
+    // One that went since it was listed is a failure like any other.
     for (const String& key : *keys) {
         Error own;
         PropertyList object = objectForKey(key, path, access, &own);
@@ -209,6 +219,7 @@ bool VWMetaDataStore::removeObjectForKey(const String& key, const Path& path, Me
 }
 
 std::optional<std::vector<String>> VWMetaDataStore::getFinderTags(const Path& path, Error* error) {
+    // To have no tags is the common case.
     Error own;
     const PropertyList tags = objectForKey(UserTagsKey, path, {}, &own);
     if (error) *error = isAboutNoAttribute(own) ? Error() : own;

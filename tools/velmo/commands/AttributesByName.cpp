@@ -5,7 +5,6 @@
 
 #include "AttributesCommands.h"
 #include "PropertyListJson.h"
-#include "frame/FileBytes.h"
 
 namespace velmo::tool {
 namespace {
@@ -50,6 +49,7 @@ void get(const std::string& path, const AttributeOptions& options, Report& repor
     bool isFound = false;
     const PropertyList value = valueOf(options.name, path, options, isFound);
     report.noteHit(isFound);
+    // Programs get an object a file, so that they can go by the count.
     if (report.json())
         return report.printObject(fileObject(path, attributeObject(options.name, value)));
     if (!isFound) return;
@@ -68,6 +68,7 @@ void set(const std::string& path, const AttributeOptions& options, Report& repor
 void remove(const std::string& path, const AttributeOptions& options, Report& report) {
     Error error;
     VWMetaDataStore::removeObjectForKey(options.name, path, options.access, &error);
+    // What is not there is as it is to be, but is told by the exit code.
     const bool isRemoved = isThere(error);
     report.noteHit(isRemoved);
     if (isRemoved || report.json())

@@ -41,6 +41,7 @@ Argument attributeNameArgument(AttributeOptions& options) {
 bool isThere(const Error& error) {
     if (error.text.isAbsent()) return true;
     if (error.domain == u"posix" && error.code == ENODATA) return false;
+    // The reason is what of several attributes failed, or which value.
     const std::string reason = error.reason.utf8();
     throw InputError(error.text.utf8() + (reason.empty() ? "" : " " + reason));
 }

@@ -1,10 +1,7 @@
 // The attributes that desktops know: tags, the source of a download, the comment. Each is printed,
 // or set and cleared.
-#include <algorithm>
-
 #include "AttributesCommands.h"
 #include "PropertyListJson.h"
-#include "frame/FileBytes.h"
 
 namespace velmo::tool {
 namespace {
@@ -85,6 +82,7 @@ void addChanges(Command& command, std::shared_ptr<AttributeOptions> options, std
                 std::string help, bool isList) {
     Option set = texts("--set", value, options->given, std::move(help));
     set.excludes = "--clear";
+    // Kept as the value to store and to print, whatever the attribute.
     set.take = [take = set.take, isList, options](const std::string& text) {
         take(text);
         const String string = String::fromUTF8(text);

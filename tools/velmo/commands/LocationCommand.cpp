@@ -56,6 +56,7 @@ void printLocation(const FileName& file, Report& report) {
 void createLocation(const FileName& file, const Options& options, Report& report) {
     std::error_code error;
     const std::filesystem::path path(file.path);
+    // A link is there even if it leads nowhere.
     if (!options.force && std::filesystem::exists(std::filesystem::symlink_status(path, error)))
         throw InputError("is there already; --force replaces it");
     const String url = String::fromUTF8(options.url);
