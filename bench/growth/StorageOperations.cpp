@@ -5,7 +5,9 @@
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/DSStore.h>
 #include <velmocore/storage/Digests.h>
+#include <velmocore/storage/InternetLocations.h>
 #include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/storage/MetaDataStore.h>
 #include <velmocore/storage/StorageBlocks.h>
 #include <velmocore/system/StandardFolders.h>
 #include <velmocore/text/Checksums.h>
@@ -96,6 +98,29 @@ std::size_t recordsOf(Bytes bytes) {
     return count;
 }
 
+/// An AppleDouble file of about that size: as many entries as it can have in its first half, and in
+/// the other a fork of as many types, none of which is looked for.
+Data crowdedAppleDouble(std::size_t size) {
+    const auto count = static_cast<std::uint32_t>(std::min<std::size_t>(size / 24 + 1, 0xFFFF));
+    const std::uint32_t fork = 26 + 12 * count, map = 30 + 8 * count;
+    Data file(fork + 16 + map);
+    const auto set = [&](std::size_t at, std::uint32_t number) {
+        for (int i = 0; i < 4; ++i)
+            file[at + i] = static_cast<std::uint8_t>(number >> (24 - 8 * i));
+    };
+    set(0, 0x00051607);
+    set(22, count);
+    for (std::uint32_t i = 0; i < count; ++i) set(26 + 12 * i, 9);
+    set(fork - 12, 2);
+    set(fork - 8, fork);
+    set(fork - 4, 16 + map);
+    set(fork + 4, 16);
+    set(fork + 12, map);
+    set(fork + 16 + 22, 28);  // the list of types, in the low half
+    set(fork + 16 + 26, count - 1);
+    return file;
+}
+
 constexpr Operation Rows[] = {
     {"keyed data",
      [](const Input& in) {
@@ -146,6 +171,20 @@ constexpr Operation Rows[] = {
          use(isBase64String(in.text));
      }},
     {"property lists", [](const Input& in) { use(propertyListAsXML(in.utf8)); }},
+    {"location files",
+     [](const Input& in) {
+         use(resolveInternetLocationData({in.utf8, u"webloc", in.utf8}));
+         use(resolveInternetLocationData({in.utf8, u"url"}));
+         use(resolveInternetLocationData({{}, u"webloc", crowdedAppleDouble(in.utf8.size())}));
+         use(pathExtensionForInternetLocation(in.text));
+     }},
+    {"attributes",
+     [](const Input& in) {
+         const PropertyListArray tags(in.utf8.size() / 16, {in.text.view().substr(0, 16)});
+         use(validatedTags({tags}));
+         use(getWhereFrom({{WhereFromsKey, {in.utf8}}}));
+         use(getItemTitleForFile({{ItemTitleKey, {in.text}}}, in.text));
+     }},
     {"files",
      [](const Input& in) {
          static const TemporaryFile File;

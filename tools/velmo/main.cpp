@@ -46,6 +46,9 @@ const std::vector<CommandEntry>& allCommands() {
         {"comments", makeCommentsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
+        {"attributes", nullptr, attributeActions(),
+         "Extended attributes of files: values, tags, sources and comments", "PATH..."},
+        {"location", makeLocationCommand},
     };
     return commands;
 }

@@ -19,6 +19,7 @@ Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
 Command makeLinksCommand(Session& session);
+Command makeLocationCommand(Session& session);
 Command makeMatchCommand(Session& session);
 Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);
@@ -31,6 +32,8 @@ Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo attributes".
+std::span<const CommandEntry> attributeActions();
 /// The actions of "velmo store".
 std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".
