@@ -18,6 +18,7 @@
 #include <cstring>
 #include <filesystem>
 #include <mutex>
+#include <thread>
 
 #include "platform/ExceptionLog.h"
 
@@ -97,6 +98,17 @@ private:
     posix_spawnattr_t attributes_;
 };
 
+/// Does the work on a thread that is nicer to others. A child has that from the thread which starts
+/// it; were it changed afterwards, the child's first work, and threads that it has made, would not be
+/// concerned. A refusal is no failure, since a child that is as all others are is better than none.
+template <class Work>
+void runNicely(int increment, Work work) {
+    std::thread([&] {
+        ::setpriority(PRIO_PROCESS, 0, ::getpriority(PRIO_PROCESS, 0) + increment);
+        work();
+    }).join();
+}
+
 /// 0, or why not.
 int spawn(const LaunchOptions& options, pid_t& process) {
     if (!isUsable(options)) return EINVAL;
@@ -105,13 +117,13 @@ int spawn(const LaunchOptions& options, pid_t& process) {
     if (error) return error.value();
     Texts arguments = argumentsOf(options), environment = environmentOf(options);
     const SpawnSettings settings(options.folder);
-    const int failure =
-        ::posix_spawn(&process, program.c_str(), settings.actions(), settings.attributes(),
-                      pointersTo(arguments).data(), pointersTo(environment).data());
-    // A child that runs at the usual speed is better than none, so a refusal is no failure.
-    if (failure == 0 && options.niceIncrement != 0)
-        ::setpriority(PRIO_PROCESS, static_cast<id_t>(process),
-                      ::getpriority(PRIO_PROCESS, 0) + options.niceIncrement);
+    int failure = 0;
+    const auto start = [&] {
+        failure =
+            ::posix_spawn(&process, program.c_str(), settings.actions(), settings.attributes(),
+                          pointersTo(arguments).data(), pointersTo(environment).data());
+    };
+    options.niceIncrement == 0 ? start() : runNicely(options.niceIncrement, start);
     return failure;
 }
 
