@@ -9,7 +9,6 @@
 #include <chrono>
 
 #include <velmocore/platform/TimeZone.h>
-#include <velmocore/text/Checksums.h>
 
 #include "system/ArchiveErrors.h"
 
@@ -109,9 +108,20 @@ std::optional<Date> dosDate(std::uint16_t time, std::uint16_t day) {
     return TimeZone::system().instantOf(LocalTime(local_days(date).time_since_epoch() + clock));
 }
 
+/// The checksum of names, bit by bit: they are short, and few archives have one.
+std::uint32_t checksumOf(std::string_view name) {
+    std::uint32_t sum = ~std::uint32_t{0};
+    for (const char byte : name) {
+        sum ^= static_cast<unsigned char>(byte);
+        for (int bit = 0; bit < 8; ++bit) sum = sum >> 1 ^ (sum & 1 ? 0xEDB88320 : 0);
+    }
+    return ~sum;
+}
+
 /// The name in UTF-8, of archives whose header has it in an older charset.
 void takeUnicodePath(Fields extra, ZipEntry& entry) {
-    if (extra.size() < 5 || extra.byte(0) != 1 || extra.word(1) != CRC32(entry.headerName)) return;
+    if (extra.size() < 5 || extra.byte(0) != 1 || extra.word(1) != checksumOf(entry.headerName))
+        return;
     entry.name = charsOf(extra.bytes().subspan(5));
 }
 
