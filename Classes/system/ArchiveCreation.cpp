@@ -1,5 +1,5 @@
-// An archive is written beside its final place. What it is made of is walked sorted, so that the same
-// tree gives the same archive.
+// An archive is written beside its final place. What it is made of is walked sorted, so that the
+// same tree gives the same archive.
 #include <fcntl.h>
 
 #include <algorithm>
@@ -43,7 +43,8 @@ class Finder : public detail::TreeVisitor {
 public:
     explicit Finder(const Taker& take) : take_(take) {}
 
-    /// What the next walk begins at is to have this name, or none: then only what is in it is taken.
+    /// What the next walk begins at is to have this name, or none: then only what is in it is
+    /// taken.
     void begin(std::string name) {
         prefix_.clear();
         root_ = std::move(name);

@@ -52,7 +52,7 @@ void checkSizes(const ZipDirectory& directory, std::uint64_t archiveSize,
     if (all > options.mostBytes)
         throw ArchiveFailure(ArchiveProblem::TooLarge, "",
                              fmt::format("more than {} bytes would come out", options.mostBytes));
-    if (all > Harmless && all / options.mostRatio > archiveSize)
+    if (all > Harmless && all / std::max<std::uint64_t>(options.mostRatio, 1) > archiveSize)
         throw ArchiveFailure(
             ArchiveProblem::TooLarge, "",
             fmt::format("more than {} bytes a byte would come out", options.mostRatio));

@@ -1,8 +1,8 @@
 // libarchive unpacks; what an entry is called and how long it may be is told by the directory.
 //
 // It would also bring names that are marked as UTF-8 into another form, and refuse those that are
-// none. So it is shown the archive without these marks: the bytes that hold them are changed on their
-// way from the file.
+// none. So it is shown the archive without these marks: the bytes that hold them are changed on
+// their way from the file.
 #include "system/ArchiveReader.h"
 
 #include <archive.h>

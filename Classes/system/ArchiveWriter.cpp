@@ -1,5 +1,6 @@
 // libarchive packs. It marks a name as UTF-8 where the locale of the thread says so, and takes the
-// bytes as they are; so the thread gets the locale that is right for the name, and for that time only.
+// bytes as they are; so the thread gets the locale that is right for the name, and for that time
+// only.
 #include "system/ArchiveWriter.h"
 
 #include <archive.h>

@@ -133,8 +133,8 @@ void ExtractionFolder::addAttributes(const EntryPath& path, std::optional<mode_t
     attributes_[joined(path)] = {mode, modified};
 }
 
-/// Follows a link as the system will, name by name. Links of this archive are followed; one that was
-/// there before may lead anywhere.
+/// Follows a link as the system will, name by name. Links of this archive are followed; one that
+/// was there before may lead anywhere.
 bool ExtractionFolder::staysInside(const std::string& link) const {
     std::string at = link.substr(0, link.rfind('/') == link.npos ? 0 : link.rfind('/'));
     std::deque<std::string> left;

@@ -33,8 +33,8 @@ public:
                   std::optional<mode_t> mode, std::optional<Date> modified);
     /// Links are made when all else is there, so that none is on the way to anything.
     void addLink(const EntryPath& path, std::string target);
-    /// A folder's permissions may forbid to write into it, and its date changes by that. So both are
-    /// set in the end, if the folder was made here.
+    /// A folder's permissions may forbid to write into it, and its date changes by that. So both
+    /// are set in the end, if the folder was made here.
     void addAttributes(const EntryPath& path, std::optional<mode_t> mode,
                        std::optional<Date> modified);
     void finish();

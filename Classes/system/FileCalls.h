@@ -1,8 +1,8 @@
-// The calls of the system by which files are reached. They stand behind one class so that a test can
-// make any of them fail, fall short or find the disk full.
+// The calls of the system by which files are reached. They stand behind one class so that a test
+// can make any of them fail, fall short or find the disk full.
 //
-// Each is the call of the same name: what it returns, and errno with it. Interrupted calls and short
-// counts are not mended here but where the calls are used.
+// Each is the call of the same name: what it returns, and errno with it. Interrupted calls and
+// short counts are not mended here but where the calls are used.
 #pragma once
 
 #include <dirent.h>

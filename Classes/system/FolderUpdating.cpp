@@ -1,5 +1,5 @@
-// What is to be done waits in a list, so that nothing recurses. Each pair of folders is merged once:
-// with links that lead upwards, one folder can be reached by ever more paths.
+// What is to be done waits in a list, so that nothing recurses. Each pair of folders is merged
+// once: with links that lead upwards, one folder can be reached by ever more paths.
 #include <velmocore/system/FolderUpdating.h>
 
 #include <fcntl.h>

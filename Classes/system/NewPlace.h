@@ -1,5 +1,5 @@
-// A name beside a file or folder for what is to take its place: whatever is made there appears under
-// the final name when it is complete, or not at all.
+// A name beside a file or folder for what is to take its place: whatever is made there appears
+// under the final name when it is complete, or not at all.
 #pragma once
 
 #include <string>

@@ -46,8 +46,8 @@ private:
     int file_ = -1;
 };
 
-/// The names in a folder but for "." and "..", in the order of their bytes; absent if they cannot all
-/// be read.
+/// The names in a folder but for "." and "..", in the order of their bytes; absent if they cannot
+/// all be read.
 VELMO_API std::optional<std::vector<std::string>> namesInFolder(FileCalls& calls, int folder,
                                                                 const std::string& path = ".");
 

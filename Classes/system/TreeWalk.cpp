@@ -1,6 +1,6 @@
 // A walk holds the names that are still to come of each folder above, not the folders themselves:
-// a process may have a thousand files open, and trees are deeper. Going up is by "..", and must lead
-// to the very folder that was left.
+// a process may have a thousand files open, and trees are deeper. Going up is by "..", and must
+// lead to the very folder that was left.
 #include "system/TreeWalk.h"
 
 #include <fcntl.h>

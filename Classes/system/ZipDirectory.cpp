@@ -1,6 +1,6 @@
-// Every length and offset is one that somebody wrote: none is used before it is known to lie in what
-// was read. An archive may stand behind other bytes, as programs that extract themselves have it;
-// where it begins, follows from where the directory ends.
+// Every length and offset is one that somebody wrote: none is used before it is known to lie in
+// what was read. An archive may stand behind other bytes, as programs that extract themselves have
+// it; where it begins, follows from where the directory ends.
 #include "system/ZipDirectory.h"
 
 #include <algorithm>

@@ -1,7 +1,8 @@
 // The directory at the end of a zip archive.
 //
 // It is read here, and not by the library that unpacks, for what that does not tell: the names as
-// they are, where entries begin and end, how long they are packed, and whether they need a password.
+// they are, where entries begin and end, how long they are packed, and whether they need a
+// password.
 #pragma once
 
 #include <cstdint>

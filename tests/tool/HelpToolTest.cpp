@@ -38,8 +38,9 @@ protected:
 
     void runExample(const std::string& example) const {
         const std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
-        shell("rm -f archive.txt.gz *.store");
-        shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt");
+        shell("rm -rf archive.txt.gz *.store *.zip extracted");
+        shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
+              "$V archive create notes.zip notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const Outcome outcome = shell(line);
         EXPECT_EQ(outcome.code, 0) << example << "\n" << outcome.err;
@@ -50,7 +51,7 @@ protected:
     /// Every command, and every action of those that have some.
     std::vector<std::string> commands() const {
         std::vector<std::string> names;
-        for (const std::string& group : {""s, "store "s, "url "s}) {
+        for (const std::string& group : {""s, "archive "s, "store "s, "url "s}) {
             std::istringstream help(run("help " + group).out);
             for (std::string line; std::getline(help, line);)
                 if (std::smatch match; std::regex_match(line, match, std::regex("  ([a-z]+) +[A-Z].*")))
@@ -66,9 +67,9 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 42u);
+    EXPECT_EQ(names.size(), 46u);
     for (const std::string& name : names) {
-        if (name == "url" || name == "store") continue;
+        if (name == "archive" || name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
         EXPECT_FALSE(examplesOf(help).empty()) << name;
         EXPECT_EQ(run(name + " --help").out + (name == "query" ? run("help query").out : ""),
@@ -132,8 +133,11 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"store optimize", "notes.store smaller.store"},
         {"store delete", "notes.store 0"},
         {"store salvage", "notes.store saved.store"},
+        {"archive create", "notes.zip notes.txt"},
+        {"archive list", "notes.zip"},
+        {"archive extract", "notes.zip --to extracted"},
     };
-    EXPECT_EQ(std::size(runs), commands().size() + 1);
+    EXPECT_EQ(std::size(runs), commands().size());
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
         const std::string action = std::string(command).substr(std::string(command).find(' ') + 1);

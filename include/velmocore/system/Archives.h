@@ -19,9 +19,9 @@ namespace velmo {
 //     decompressFileAtPath("letters.zip", "copy");                           // true
 //     contentsOfArchiveAtPath("letters.zip")->back().name.string();          // letters/tea.txt
 //
-// A link is stored as the link that it is. Names are kept as the bytes that they are; those that are
-// UTF-8 are marked so. The same files give the same bytes. A new archive appears whole or not at
-// all, and one that is there is not harmed by a failure. Any thread may call these.
+// A link is stored as the link that it is. Names are kept as the bytes that they are; those that
+// are UTF-8 are marked so. The same files give the same bytes. A new archive appears whole or not
+// at all, and one that is there is not harmed by a failure. Any thread may call these.
 
 /// What is wrong with an archive: the codes of errors of the domain u"velmo.archive". An error of
 /// the system is one of u"posix".
@@ -34,13 +34,12 @@ enum class ArchiveProblem : std::int64_t {
 };
 
 struct CompressionOptions {
-    bool keepParent =
-        false;  ///< a folder stands in the archive with its name, not only what is in it
+    bool keepParent = false;  ///< a folder stands in the archive with its name
 };
 
-/// Writes an archive of a file or a folder, in the place of what is there. False for an absent or empty
-/// path, and if there is nothing at the first one. The archive itself is left out, if it lies in the
-/// folder. Pipes, sockets and devices are an error.
+/// Writes an archive of a file or a folder, in the place of what is there. False for an absent or
+/// empty path, and if there is nothing at the first one. The archive itself is left out, if it lies
+/// in the folder. Pipes, sockets and devices are an error.
 VELMO_API bool compressFileAtPath(const Path& path, const Path& toPath,
                                   CompressionOptions options = {}, Error* error = nullptr);
 
@@ -49,8 +48,8 @@ struct CollectionOptions {
 };
 
 /// Writes an archive of files and folders that are named from a folder on; they keep these names,
-/// without a slash at the start. False for no files, an absent or empty path, a name with ".." in it,
-/// and if any of the files is missing.
+/// without a slash at the start. False for no files, an absent or empty path, a name with ".." in
+/// it, and if any of the files is missing.
 VELMO_API bool compressFiles(std::span<const Path> files, const Path& folder, const Path& toPath,
                              CollectionOptions options = {}, Error* error = nullptr);
 
@@ -58,13 +57,13 @@ VELMO_API bool compressFiles(std::span<const Path> files, const Path& folder, co
 struct ExtractionOptions {
     std::uint64_t mostBytes = std::uint64_t{1} << 36;  ///< all together; 64 GiB
     std::uint64_t mostEntries = 1000000;
-    /// Bytes for each byte of the archive; what is below 256 MiB is never too much.
+    /// Bytes for each byte of the archive; what is below 256 MiB is never too much. At least 1.
     std::uint64_t mostRatio = 200;
 };
 
-/// Extracts an archive into a folder. One that is there stays, and files in it are replaced; else it is
-/// made, and appears whole or not at all. Files get the dates and permissions that the archive tells,
-/// without the rights that come with an owner.
+/// Extracts an archive into a folder. One that is there stays, and files in it are replaced; else
+/// it is made, and appears whole or not at all. Files get the dates and permissions that the
+/// archive tells, without the rights that come with an owner.
 ///
 /// Nothing is written if any entry has an absolute path or ".." in it, or has a password, or if the
 /// archive is above a limit or its entries overlap. No entry is written through a link, whether
@@ -82,8 +81,8 @@ struct ArchiveEntry {
     bool isFolder = false, isLink = false, isEncrypted = false;
 };
 
-/// The entries in the order of the directory; absent if it cannot be read. Nothing is extracted, and
-/// the names are not judged.
+/// The entries in the order of the directory; absent if it cannot be read. Nothing is extracted,
+/// and the names are not judged.
 [[nodiscard]] VELMO_API std::optional<std::vector<ArchiveEntry>> contentsOfArchiveAtPath(
     const Path& path, Error* error = nullptr);
 

@@ -24,8 +24,8 @@ VELMO_API bool createFile(const Path& path);
 VELMO_API bool createPathAndFile(const Path& path);
 
 /// The folder with all folders above it, which alone get the attributes that are usual. If there is
-/// something of that name, whether it is a folder. An owner or group that may not be given makes the
-/// result false.
+/// something of that name, whether it is a folder. An owner or group that may not be given makes
+/// the result false.
 VELMO_API bool createPath(const Path& path, const FilePermissions& attributes = {});
 /// The same for the folder that a path lies in; false if it has but one component.
 VELMO_API bool createPathToFile(const Path& path, const FilePermissions& attributes = {});

@@ -7,9 +7,9 @@
 
 namespace velmo {
 
-// Files and folders copied, moved and removed: a link as the link that it is, a folder with all that
-// is in it, however deep. An absent or empty path gives false, and no file is touched. What fails
-// gives a u"posix" error. Any thread may call these.
+// Files and folders copied, moved and removed: a link as the link that it is, a folder with all
+// that is in it, however deep. An absent or empty path gives false, and no file is touched. What
+// fails gives a u"posix" error. Any thread may call these.
 //
 //     createPathAndFile("drafts/tea.txt");
 //     copyPath("drafts", "copies");            // true
@@ -26,8 +26,8 @@ VELMO_API bool movePath(const Path& path, const Path& toPath, Error* error = nul
 /// Moves to another name in the same folder; false for a name with a slash in it.
 VELMO_API bool renamePath(const Path& path, const Path& name);
 
-/// True if nothing is there afterwards, or was there before. The root, and "." or ".." at the end of
-/// a path, are never removed. A failure is logged.
+/// True if nothing is there afterwards, or was there before. The root, and "." or ".." at the end
+/// of a path, are never removed. A failure is logged.
 VELMO_API bool removePath(const Path& path, Error* error = nullptr);
 /// Removes a name that is no folder, and does nothing else.
 VELMO_API bool unlinkFileAtPath(const Path& path);

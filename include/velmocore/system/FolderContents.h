@@ -9,8 +9,8 @@
 
 namespace velmo {
 
-// What is in a folder, sorted by the bytes of the names, without "." and "..". Absent for an absent or
-// empty path and for a folder that cannot be listed. Any thread may call these.
+// What is in a folder, sorted by the bytes of the names, without "." and "..". Absent for an absent
+// or empty path and for a folder that cannot be listed. Any thread may call these.
 //
 //     createPathAndFile("teas/Assam.TXT");
 //     directoryContentsMatchingExtension("teas", u"txt")->size();                       // 1

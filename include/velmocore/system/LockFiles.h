@@ -6,8 +6,8 @@
 namespace velmo {
 
 // Locks that programs agree on: a file beside a file, which tells whose lock it is. Nothing keeps a
-// program from the file that does not ask. A lock outlives the process that made it; it is a property
-// list, a dictionary with "userName" and "processNumber". Any thread may call these.
+// program from the file that does not ask. A lock outlives the process that made it; it is a
+// property list, a dictionary with "userName" and "processNumber". Any thread may call these.
 //
 //     const Path lock = lockFileAtPath("notes.store");
 //     lock.string();                                    // notes.store.lock
