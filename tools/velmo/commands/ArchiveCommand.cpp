@@ -38,12 +38,15 @@ Argument archiveArgument(Options& options) {
     return required("ARCHIVE", options.archive, "a zip archive");
 }
 
-/// Without the name of the archive, which stands before every reason.
-void require(bool isDone, const Error& error, const Options& options) {
-    if (isDone) return;
+/// Why it failed, without the name of the archive, which stands before every reason.
+std::string reasonOf(const Error& error, const std::string& archive) {
     std::string reason = error.text.utf8();
-    if (reason.starts_with(options.archive + ": ")) reason.erase(0, options.archive.size() + 2);
-    throw InputError(reason);
+    if (reason.starts_with(archive + ": ")) reason.erase(0, archive.size() + 2);
+    return reason;
+}
+
+void require(bool isDone, const Error& error, const Options& options) {
+    if (!isDone) throw InputError(reasonOf(error, options.archive));
 }
 
 std::size_t sizeOf(const Options& options) {
@@ -95,15 +98,10 @@ void listEach(Report& report, const Options& options) {
     for (const std::string& archive : options.files) {
         Error error;
         const auto entries = contentsOfArchiveAtPath(archive, &error);
-        report.printHeading(archive);
+        if (!report.json()) report.printHeading(archive);
         for (const ArchiveEntry& entry : entries.value_or(std::vector<ArchiveEntry>()))
             printEntry(archive, entry, report);
-        if (entries) continue;
-        try {
-            require(false, error, {.archive = archive});
-        } catch (const InputError& reason) {
-            report.fail(archive, reason.what());
-        }
+        if (!entries) report.fail(archive, reasonOf(error, archive));
     }
 }
 
