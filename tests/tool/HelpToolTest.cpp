@@ -39,8 +39,9 @@ protected:
     void runExample(const std::string& example) const {
         const std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
         shell("rm -rf archive.txt.gz *.store *.zip extracted");
-        shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
-              "$V archive create notes.zip notes.txt");
+        shell(
+            "$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
+            "$V archive create notes.zip notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const Outcome outcome = shell(line);
         EXPECT_EQ(outcome.code, 0) << example << "\n" << outcome.err;
@@ -140,10 +141,12 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
     EXPECT_EQ(std::size(runs), commands().size());
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
-        const std::string action = std::string(command).substr(std::string(command).find(' ') + 1);
+        const std::string words(command), group = words.substr(0, words.find(' ')),
+                                          action = words.substr(words.find(' ') + 1);
         const auto told = std::ranges::find_if(paragraphs, [&](const std::string& paragraph) {
             const std::string heading = paragraph.substr(0, paragraph.find('\n'));
-            return std::regex_search(heading, std::regex("\\b" + action + "\\b"));
+            return std::regex_search(heading, std::regex("\\b" + group + "\\b")) &&
+                   std::regex_search(heading, std::regex("\\b" + action + "\\b"));
         });
         ASSERT_NE(told, paragraphs.end()) << command;
         const std::function<void(const Json&)> check = [&](const Json& value) {
