@@ -39,6 +39,8 @@ const std::vector<CommandEntry>& allCommands() {
         {"digest", makeDigestCommand},
         {"pack", makePackCommand},
         {"unpack", makeUnpackCommand},
+        {"archive", nullptr, archiveActions(), "Zip archives: create, extract and list them",
+         "ARCHIVE"},
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
         {"date", makeDateCommand},

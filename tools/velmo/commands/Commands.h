@@ -32,6 +32,8 @@ Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo archive".
+std::span<const CommandEntry> archiveActions();
 /// The actions of "velmo attributes".
 std::span<const CommandEntry> attributeActions();
 /// The actions of "velmo store".
