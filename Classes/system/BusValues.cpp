@@ -26,8 +26,8 @@ bool isPlain(const String& text) {
     for (std::size_t i = 0; i < units.size(); ++i) {
         if (units[i] == 0) return false;
         if ((units[i] & 0xF800) != 0xD800) continue;
-        const bool isPair = units[i] < 0xDC00 && i + 1 < units.size() &&
-                            (units[i + 1] & 0xFC00) == 0xDC00;
+        const bool isPair =
+            units[i] < 0xDC00 && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
         if (!isPair) return false;
         ++i;
     }

@@ -171,8 +171,8 @@ int HelperService::State::take(sd_bus_message* message, sd_bus_error* error) {
     PropertyListArray arguments;
     if (readArguments(message, arguments) < 0)
         return sd_bus_error_set(error, SD_BUS_ERROR_INVALID_ARGS, "the arguments are no values");
-    calls.push_back({Message(sd_bus_message_ref(message)), &operation->second,
-                     std::move(arguments)});
+    calls.push_back(
+        {Message(sd_bus_message_ref(message)), &operation->second, std::move(arguments)});
     return 1;
 }
 

@@ -69,8 +69,7 @@ Error errorOfAnswer(sd_bus_message* answer) {
     const char* text = told.message ? told.message : "";
     const char *own = nullptr, *domain = nullptr;
     std::int64_t code = 0;
-    if (name == detail::FailedName &&
-        sd_bus_message_read(answer, "ssx", &own, &domain, &code) > 0)
+    if (name == detail::FailedName && sd_bus_message_read(answer, "ssx", &own, &domain, &code) > 0)
         return {String::fromUTF8(domain), code, String::fromUTF8(own)};
     const std::pair<std::string_view, HelperError> codes[] = {
         {SD_BUS_ERROR_UNKNOWN_METHOD, HelperError::UnknownOperation},
@@ -98,8 +97,8 @@ struct NamedConnection::State {
     bool wait(const Deadline& deadline);
     bool flush(const Deadline& deadline);
     detail::Message newCall(const char* interface, std::u16string_view operation) const;
-    detail::Message newHelperCall(std::u16string_view operation,
-                                  const PropertyListArray& arguments, Error* error) const;
+    detail::Message newHelperCall(std::u16string_view operation, const PropertyListArray& arguments,
+                                  Error* error) const;
     detail::Message exchange(sd_bus_message* call, Error* error);
     bool send(sd_bus_message* call, Error* error);
     Error lost(PortError code, const Deadline& deadline) const;
@@ -164,9 +163,9 @@ detail::Message NamedConnection::State::newHelperCall(std::u16string_view operat
     }
     const int result = detail::appendArguments(call.get(), arguments);
     if (result >= 0) return call;
-    fail(error, helperError(result == -EMSGSIZE ? HelperError::TooLarge
-                                                : HelperError::InvalidArguments,
-                            std::strerror(-result)));
+    fail(error,
+         helperError(result == -EMSGSIZE ? HelperError::TooLarge : HelperError::InvalidArguments,
+                     std::strerror(-result)));
     return nullptr;
 }
 
@@ -191,8 +190,7 @@ detail::Message NamedConnection::State::exchange(sd_bus_message* call, Error* er
     };
     const Deadline request(requestTimeout);
     sd_bus_slot* waiting = nullptr;
-    const int result =
-        sd_bus_call_async(bus.get(), &waiting, call, keep, &answer, UINT64_MAX);
+    const int result = sd_bus_call_async(bus.get(), &waiting, call, keep, &answer, UINT64_MAX);
     // Dropping the slot makes a late answer one that nobody waits for.
     const detail::Slot slot(waiting);
     if (result < 0 || !flush(request)) {
@@ -290,9 +288,8 @@ std::vector<String> HelperProxy::operations(Error* error) const {
     if (!state.introspected) {
         const char* text = nullptr;
         const detail::Message call =
-            state.isOpen()
-                ? state.newCall("org.freedesktop.DBus.Introspectable", u"Introspect")
-                : state.newHelperCall(u"Introspect", {}, error);  // which says why not
+            state.isOpen() ? state.newCall("org.freedesktop.DBus.Introspectable", u"Introspect")
+                           : state.newHelperCall(u"Introspect", {}, error);  // which says why not
         if (!call) return {};
         const detail::Message answer = state.exchange(call.get(), error);
         if (!answer) {
@@ -310,8 +307,8 @@ std::vector<String> HelperProxy::operations(Error* error) const {
 
 bool HelperProxy::offers(std::u16string_view operation, Error* error) const {
     NamedConnection::State& state = *connection_->state_;
-    if (std::ranges::find(state.protocol.operations, operation) != state.protocol.operations.end())
-        return true;
+    const auto isIt = [&](const String& known) { return known == operation; };
+    if (std::ranges::any_of(state.protocol.operations, isIt)) return true;
     (void)operations(error);
     return state.introspected && state.introspected->contains(operation);
 }

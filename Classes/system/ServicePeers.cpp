@@ -43,7 +43,9 @@ int ServicePeers::timeout() const {
         if (sd_bus_get_timeout(peer.get(), &own) >= 0) first = std::min(first, own);
     if (first == UINT64_MAX) return -1;
     const std::uint64_t now = microsecondsNow();
-    return first <= now ? 0 : static_cast<int>(std::min<std::uint64_t>((first - now) / 1000, 60000)) + 1;
+    return first <= now
+               ? 0
+               : static_cast<int>(std::min<std::uint64_t>((first - now) / 1000, 60000)) + 1;
 }
 
 void ServicePeers::dispatch(const pollfd* waited, bool hasTimedOut) {
@@ -78,12 +80,12 @@ Bus ServicePeers::greeted(Descriptor socket) const {
     Bus bus(made);
     sd_id128_t identity;
     const int number = socket.get();
-    if (sd_id128_randomize(&identity) < 0 || sd_bus_set_fd(made, number, number) < 0) return nullptr;
+    if (sd_id128_randomize(&identity) < 0 || sd_bus_set_fd(made, number, number) < 0)
+        return nullptr;
     (void)socket.release();  // the bus closes it
-    const bool isReady =
-        sd_bus_set_server(made, 1, identity) >= 0 && sd_bus_start(made) >= 0 &&
-        sd_bus_add_object_vtable(made, nullptr, ObjectPath, HelperInterface, operations_,
-                                 context_) >= 0;
+    const bool isReady = sd_bus_set_server(made, 1, identity) >= 0 && sd_bus_start(made) >= 0 &&
+                         sd_bus_add_object_vtable(made, nullptr, ObjectPath, HelperInterface,
+                                                  operations_, context_) >= 0;
     return isReady ? std::move(bus) : nullptr;
 }
 

@@ -4,8 +4,8 @@
 #include <future>
 #include <thread>
 
-#include "system/LoggedLines.h"
 #include "TestSupport.h"
+#include "system/LoggedLines.h"
 
 namespace velmo {
 namespace {
@@ -45,9 +45,8 @@ void contend() {
     hold.unlock();
     for (std::thread& thread : threads) thread.join();
     EXPECT_EQ(counter, 2000);
-    EXPECT_TRUE(std::ranges::any_of(capture.lines(), [](const std::string& line) {
-        return line.starts_with("lock locked for ");
-    }));
+    EXPECT_TRUE(std::ranges::any_of(capture.lines(),
+                                    [](const std::string& line) { return line.starts_with("lock locked for "); }));
     lock.resetTime();
     EXPECT_EQ(lock.totalTime(), 0);
 }
