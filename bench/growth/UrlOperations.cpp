@@ -5,6 +5,7 @@
 #include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/LinkFollowing.h>
 #include <velmocore/url/MIMETypes.h>
+#include <velmocore/url/PageKey.h>
 #include <velmocore/url/PercentEscapes.h>
 #include <velmocore/url/QueryParameters.h>
 #include <velmocore/url/RelativeURLs.h>
@@ -119,6 +120,12 @@ constexpr Operation Rows[] = {
          use(isEqualToStringURL(in.text, in.text + u"#a"));
          for (const URL& url : placedIn(in)) use(simplifiedStringURL(url));
      }},
+    {"page keys",
+     [](const Input& in) {
+         for (const URL& url : placedIn(in)) use(pageKey(url));
+     }},
+    {"tracking rows",
+     [](const Input& in) { use(TrackingParameters(in.text).contains(in.text, in.text)); }},
     {"classification",
      [](const Input& in) {
          useEach<bool, std::u16string_view>(
