@@ -1,6 +1,7 @@
 // The values travel as the protocol's own types and not as bytes of ours, so that any program that
 // speaks the protocol can call a helper or be one. What the protocol cannot say, a text with a NUL or
-// a lone surrogate, goes as its units.
+// a lone surrogate, goes as its units. So does a long text: the bus library checks each byte of a text
+// on both sides, which takes longer than all the rest of a call.
 //
 // What comes in is foreign. The bus library checks that each value lies within its message and that
 // texts are UTF-8; here every type but those of the table is refused. The depth is bounded on both
@@ -16,16 +17,22 @@
 namespace velmo::detail {
 namespace {
 
+/// In UTF-16 units.
+constexpr std::size_t LongestPlainText = 4096;
+
 constexpr const char* OfVariants = "v";
 constexpr const char* Entry = "{sv}";
 constexpr const char* EntryOfAny = "(vv)";
 
-/// Whether the protocol can say it as a text.
+bool isSurrogate(char16_t unit) { return (unit & 0xF800) == 0xD800; }
+
+/// Whether it goes as a text of the protocol.
 bool isPlain(const String& text) {
     const std::u16string_view units = text.view();
+    if (units.size() > LongestPlainText) return false;
     for (std::size_t i = 0; i < units.size(); ++i) {
         if (units[i] == 0) return false;
-        if ((units[i] & 0xF800) != 0xD800) continue;
+        if (!isSurrogate(units[i])) continue;
         const bool isPair =
             units[i] < 0xDC00 && i + 1 < units.size() && (units[i + 1] & 0xFC00) == 0xDC00;
         if (!isPair) return false;

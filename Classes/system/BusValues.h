@@ -6,7 +6,8 @@
 //     integer          x; every other integer type is read too
 //     real             d
 //     date             (d), seconds since 1970
-//     text             s, or aq (its UTF-16 units) where it holds a NUL or a lone surrogate
+//     text             s, or aq (its UTF-16 units) if it is long or holds a NUL or a lone
+//                      surrogate
 //     bytes            ay
 //     array            av
 //     dictionary       a{sv}, or a(vv) where a key is no s

@@ -1,7 +1,8 @@
 // The thread that serves also runs the operations, with nothing handed to another thread: a call
 // costs what the bus costs. But a helper that is at work must still greet callers and say that it is
-// busy. So a second thread, the guard, sleeps on a timer that each operation sets; when an operation
-// takes longer than that, the guard leads the service until it is done. The bus library is used by
+// busy. So a second thread, the guard, sleeps on a timer that an operation sets; when one takes longer
+// than that, the guard leads the service until it is done. Operations that are short share a timer:
+// when it goes off in a later one, the guard sets it again for that. The bus library is used by
 // one thread at a time, under the lock, which is let go of for waiting and for the operations.
 #include <velmocore/system/HelperService.h>
 #include <velmocore/system/NamedConnection.h>
@@ -12,6 +13,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
@@ -31,8 +33,10 @@ using namespace detail;
 
 namespace {
 
-/// How long an operation has the service for itself, in nanoseconds.
-constexpr long GuardDelay = 20'000'000;
+using Clock = std::chrono::steady_clock;
+
+/// How long an operation has the service for itself.
+constexpr std::chrono::nanoseconds GuardDelay = std::chrono::milliseconds(20);
 /// Calls beyond these are refused.
 constexpr std::size_t MostWaiting = 1024;
 
@@ -124,6 +128,8 @@ struct HelperService::State {
     int waitForPeers(Lock& lock, const Descriptor& event, std::vector<pollfd>& waited);
     void guard();
     void leadWhileWorking(Lock& lock);
+    void setTimer(std::chrono::nanoseconds delay);
+    void onTimer(Lock& lock);
 
     const HelperServiceOptions options;
     std::map<std::string, HelperOperation, std::less<>> operations;
@@ -138,7 +144,8 @@ struct HelperService::State {
     ServicePeers peers;
     std::deque<Call> calls;
     std::uint64_t work = 0;  // the number of the operation that runs or ran last
-    bool isWorking = false, guardLeads = false, guardEnds = false;
+    Clock::time_point workStart;
+    bool isWorking = false, timerIsSet = false, guardLeads = false, guardEnds = false;
 };
 
 void HelperService::State::listOperations() {
@@ -180,8 +187,8 @@ void HelperService::State::workOn(Call call, Lock& lock) {
     if (!call.isWanted()) return;
     isWorking = true;
     ++work;
-    const itimerspec delay = {{}, {0, GuardDelay}};
-    ::timerfd_settime(timer.get(), 0, &delay, nullptr);
+    workStart = Clock::now();
+    if (!timerIsSet) setTimer(GuardDelay);
     lock.unlock();
     Error error;
     const std::optional<PropertyList> result = resultOf(call, error);
@@ -239,17 +246,31 @@ void HelperService::State::leadWhileWorking(Lock& lock) {
     guardLeads = false;
 }
 
+void HelperService::State::setTimer(std::chrono::nanoseconds delay) {
+    const itimerspec once = {{}, {0, static_cast<long>(delay.count())}};
+    timerIsSet = ::timerfd_settime(timer.get(), 0, &once, nullptr) == 0;
+}
+
+void HelperService::State::onTimer(Lock& lock) {
+    clear(timer);
+    timerIsSet = false;
+    if (!isWorking) return;
+    const auto left = GuardDelay - (Clock::now() - workStart);
+    if (left.count() > 0)
+        setTimer(left);
+    else
+        leadWhileWorking(lock);
+}
+
 void HelperService::State::guard() {
     Lock lock(mutex);
     while (!guardEnds) {
         lock.unlock();
         pollfd events[] = {{timer.get(), POLLIN, 0}, {done.get(), POLLIN, 0}};
         ::poll(events, 2, -1);
-        const bool takesLong = events[0].revents != 0;
-        if (takesLong) clear(timer);
         clear(done);
         lock.lock();
-        if (takesLong) leadWhileWorking(lock);
+        if (events[0].revents != 0) onTimer(lock);
     }
 }
 

@@ -122,12 +122,13 @@ int NamedConnection::State::start(detail::Descriptor socket, double timeout) {
 
 /// One step of the bus. False when the time is over or the peer has gone.
 bool NamedConnection::State::wait(const Deadline& deadline) {
+    // Waiting comes first: there is nothing yet of an answer to what was sent just now.
+    const int count = sd_bus_wait(bus.get(), deadline.microseconds());
+    if (count == 0 || (count < 0 && count != -EINTR)) return false;
     const int done = sd_bus_process(bus.get(), nullptr);
     // What is no message has no end at which another one could begin.
     if (done < 0) sd_bus_close(bus.get());
-    if (done != 0) return done > 0;
-    const std::uint64_t left = deadline.microseconds();
-    return left > 0 && sd_bus_wait(bus.get(), left) >= 0;
+    return done >= 0;
 }
 
 bool NamedConnection::State::flush(const Deadline& deadline) {

@@ -1,5 +1,5 @@
-// Every caller is taken for one that means no good: it gets a bounded number of messages a turn, so
-// that no other starves; one that sends no messages but noise, or never takes its answers, is
+// Every caller is taken for one that means no good: it gets one message a turn, so that no other
+// starves; one that sends no messages but noise, or never takes its answers, is
 // dropped; and there are only so many. That the caller is of the same user is seen to by the folder,
 // and again by the greeting of the protocol.
 #include "system/ServicePeers.h"
@@ -15,7 +15,6 @@ namespace velmo::detail {
 namespace {
 
 constexpr std::size_t MostPeers = 256;
-constexpr int MostMessagesATurn = 64;
 /// Answers that wait to be read.
 constexpr std::uint64_t MostUnread = 4096;
 
@@ -56,11 +55,8 @@ void ServicePeers::dispatch(const pollfd* waited, bool hasTimedOut) {
 }
 
 void ServicePeers::process(sd_bus* bus) const {
-    for (int i = 0; i < MostMessagesATurn; ++i) {
-        const int result = sd_bus_process(bus, nullptr);
-        if (result < 0) sd_bus_close(bus);
-        if (result <= 0) break;
-    }
+    // A second look would mostly find nothing, and the call that has come waits for it.
+    if (sd_bus_process(bus, nullptr) < 0) sd_bus_close(bus);
     std::uint64_t unread = 0;
     if (sd_bus_get_n_queued_write(bus, &unread) >= 0 && unread > MostUnread) sd_bus_close(bus);
 }

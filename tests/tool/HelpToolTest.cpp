@@ -41,7 +41,11 @@ protected:
         shell("rm -f archive.txt.gz *.store");
         shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
-        const Outcome outcome = shell(line);
+        const std::string helper =
+            "export XDG_RUNTIME_DIR=$PWD; $V helper serve pages >/dev/null & pages=$!; $V helper "
+            "call --wait 20 pages title x >/dev/null; ";
+        const bool needsHelper = example.find("helper ") != example.npos;
+        const Outcome outcome = shell(needsHelper ? helper + line + "; code=$?; kill $pages; exit $code" : line);
         EXPECT_EQ(outcome.code, 0) << example << "\n" << outcome.err;
         EXPECT_NE(outcome.out, "") << example;
         write("archive.txt", "text");
@@ -50,7 +54,7 @@ protected:
     /// Every command, and every action of those that have some.
     std::vector<std::string> commands() const {
         std::vector<std::string> names;
-        for (const std::string& group : {""s, "store "s, "url "s}) {
+        for (const std::string& group : {""s, "store "s, "url "s, "helper "s}) {
             std::istringstream help(run("help " + group).out);
             for (std::string line; std::getline(help, line);)
                 if (std::smatch match; std::regex_match(line, match, std::regex("  ([a-z]+) +[A-Z].*")))
@@ -68,7 +72,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
     const std::vector<std::string> names = commands();
     EXPECT_EQ(names.size(), 42u);
     for (const std::string& name : names) {
-        if (name == "url" || name == "store") continue;
+        if (name == "url" || name == "store" || name == "helper") continue;
         const std::string help = run("help " + name).out;
         EXPECT_FALSE(examplesOf(help).empty()) << name;
         EXPECT_EQ(run(name + " --help").out + (name == "query" ? run("help query").out : ""),
@@ -132,14 +136,20 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"store optimize", "notes.store smaller.store"},
         {"store delete", "notes.store 0"},
         {"store salvage", "notes.store saved.store"},
+        {"helper serve", "x & $V helper call --wait 20 x title y >/dev/null; kill $!"},
+        {"helper call", "--start " VELMO_PAGE_HELPER " org.example.pages text @page.html"},
+        {"helper list",
+         "& $V helper serve x >/dev/null & $V helper call --wait 20 x title y >/dev/null; $V helper list --json; "
+         "kill $!"},
     };
-    EXPECT_EQ(std::size(runs), commands().size() + 1);
+    EXPECT_EQ(std::size(runs), commands().size());
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
-        const std::string action = std::string(command).substr(std::string(command).find(' ') + 1);
+        const std::string full = command, action = full.substr(full.find(' ') + 1);
+        const std::string group = full.substr(0, full.size() - action.size());
         const auto told = std::ranges::find_if(paragraphs, [&](const std::string& paragraph) {
             const std::string heading = paragraph.substr(0, paragraph.find('\n'));
-            return std::regex_search(heading, std::regex("\\b" + action + "\\b"));
+            return heading.starts_with(group) && std::regex_search(heading, std::regex("\\b" + action + "\\b"));
         });
         ASSERT_NE(told, paragraphs.end()) << command;
         const std::function<void(const Json&)> check = [&](const Json& value) {
@@ -151,7 +161,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
                 check(member);
             }
         };
-        const std::vector<Json> objects = shell("$V "s + command + " --json " + arguments).lines();
+        const std::vector<Json> objects =
+            shell("export XDG_RUNTIME_DIR=$PWD; $V "s + command + " --json " + arguments).lines();
         EXPECT_FALSE(objects.empty()) << command;
         for (const Json& object : objects) check(object);
     }

@@ -45,6 +45,8 @@ const std::vector<CommandEntry>& allCommands() {
         {"records", makeRecordsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
+        {"helper", nullptr, helperActions(),
+         "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
     };
     return commands;
 }

@@ -30,6 +30,8 @@ Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo helper".
+std::span<const CommandEntry> helperActions();
 /// The actions of "velmo store".
 std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".
