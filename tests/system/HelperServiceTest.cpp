@@ -41,7 +41,7 @@ public:
             return PropertyList{std::int64_t(++done)};
         });
         service_.addOperation(u"end", [this](const Values&, Error*) { return service_.stop(), PropertyList{true}; });
-        isPublished = service_.publish(name, &error);
+        isPublished = service_.publish(name, &reason);
         if (isPublished) thread_ = std::thread([this] { EXPECT_TRUE(service_.serve()); });
     }
     ~Running() {
@@ -53,7 +53,7 @@ public:
     std::atomic<bool> mayEnd = false;
     std::atomic<int> done = 0;
     bool isPublished = false;
-    Error error;
+    Error reason;
 
 private:
     HelperService service_;
@@ -199,8 +199,8 @@ TEST_F(Service, IsFoundByItsName) {
         EXPECT_TRUE(rootProxyForConnectionWithRegisteredName(name)) << name;
     }
     EXPECT_EQ(sockets(), std::size(names));
-    EXPECT_EQ(Running(u"plain").error.code, std::int64_t(HelperError::NameTaken));
-    EXPECT_EQ(Running(u"").error.code, std::int64_t(HelperError::InvalidName));
+    EXPECT_EQ(Running(u"plain").reason.code, std::int64_t(HelperError::NameTaken));
+    EXPECT_EQ(Running(u"").reason.code, std::int64_t(HelperError::InvalidName));
     const Strings listed = registeredConnectionNames();
     ASSERT_EQ(listed.size(), std::size(names));
     for (std::size_t i = 0; i < 7; ++i) EXPECT_TRUE(std::ranges::count(listed, names[i])) << names[i];
