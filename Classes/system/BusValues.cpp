@@ -20,6 +20,9 @@ namespace {
 /// In UTF-16 units.
 constexpr std::size_t LongestPlainText = 4096;
 
+/// What goes with a value at most: signature, length, padding and what is no text, in bytes.
+constexpr std::size_t MostAroundValue = 24;
+
 constexpr const char* OfVariants = "v";
 constexpr const char* Entry = "{sv}";
 constexpr const char* EntryOfAny = "(vv)";
@@ -62,7 +65,7 @@ public:
 private:
     template <class Content>
     int container(char type, const char* contents, Content&& content) {
-        if (!count(8)) return -EMSGSIZE;
+        if (!count(MostAroundValue)) return -EMSGSIZE;
         int result = sd_bus_message_open_container(message_, type, contents);
         if (result >= 0) result = content();
         return result < 0 ? result : sd_bus_message_close_container(message_);

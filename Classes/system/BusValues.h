@@ -25,8 +25,9 @@ namespace velmo::detail {
 /// Lists within lists deeper than this are refused: the bus library takes 128 levels in all, of
 /// which a dictionary's value needs three.
 inline constexpr int DeepestValue = 32;
-/// What a message may hold, in bytes. A receiver drops the connection beyond 128 MB.
-inline constexpr std::size_t LargestMessage = 120 << 20;
+/// What a message may hold, in bytes: the arguments are one array, of which the protocol has none
+/// above 64 MB.
+inline constexpr std::size_t LargestMessage = 60 << 20;
 
 /// Appends the values as one array of variants, or one value as a variant. 0, or a negative errno:
 /// -EMSGSIZE for what is too large and -ELOOP for what is too deep.

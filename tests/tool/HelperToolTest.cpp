@@ -23,7 +23,7 @@ TEST_F(HelperTool, ServesAndCalls) {
     const std::tuple<const char*, int, const char*, const char*> cases[] = {
         {"call pages text @page.html", 0, "T\u00E9\n\nsome text link\n", ""},
         {"call pages links @page.html http://h.org/a/", 0, "http://h.org/a/x.html\n", ""},
-        {"call --json pages title '<title>A'", 0,
+        {"call --json pages title '<title>A</title>'", 0,
          R"({"name":"pages","operation":"title","result":"A"})"
          "\n",
          ""},
@@ -31,7 +31,7 @@ TEST_F(HelperTool, ServesAndCalls) {
         {"call --typed pages title 7", 2, "", "velmo: pages: a page is wanted, and its URL if there is one\n"},
         {"call pages none", 2, "", "velmo: pages: Unknown method none or interface org.velmo.Helper.\n"},
         {"call other text x", 2, "", "velmo: other: no helper serves under this name\n"},
-        {"call pages text @none", 2, "", "velmo: pages: an argument cannot be opened: No such file or directory\n"},
+        {"call pages text @none", 2, "", "velmo: none: No such file or directory\n"},
         {"list", 0, "pages: links stillBusy text title\n", ""},
         {"serve pages", 2, "", "velmo: pages: pages: another process has the name\n"},
         {"call --start $H org.example.pages text @page.html", 0, "T\u00E9\n\nsome text link\n", ""},

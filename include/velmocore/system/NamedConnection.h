@@ -39,7 +39,7 @@ inline constexpr char16_t HelperErrorDomain[] = u"velmo.helper";
 enum class HelperError : std::int64_t {
     UnknownOperation = 1,
     InvalidArguments,  ///< not of a kind that can be sent or is taken: too deep, say
-    TooLarge,          ///< above 120 MB
+    TooLarge,          ///< above 60 MB
     InvalidResult,     ///< the answer is none
     Failed,            ///< the operation failed and said no more
     NameTaken,         ///< another process serves under the name

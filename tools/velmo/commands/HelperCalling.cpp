@@ -71,6 +71,20 @@ PropertyList argumentOf(const std::string& text, bool typed) {
     return {String::fromUTF8(text)};
 }
 
+/// Absent, which is reported, if a file cannot be read.
+std::optional<PropertyListArray> argumentsOf(const CallOptions& options, Report& report) {
+    PropertyListArray arguments;
+    for (const std::string& text : options.arguments) {
+        try {
+            arguments.push_back(argumentOf(text, options.typed));
+        } catch (const InputError& error) {
+            report.fail(text.substr(1), error.what());
+            return std::nullopt;
+        }
+    }
+    return arguments;
+}
+
 void print(const PropertyList& result, Report& report, const CallOptions& options) {
     if (report.json())
         return report.printObject({{"name", options.name},
@@ -97,13 +111,8 @@ std::optional<HelperProxy> findHelper(const CallOptions& options, HelperTask* ta
 }
 
 void call(Report& report, const CallOptions& options) {
-    PropertyListArray arguments;
-    try {
-        for (const std::string& text : options.arguments)
-            arguments.push_back(argumentOf(text, options.typed));
-    } catch (const InputError& error) {
-        return report.fail(options.name, fmt::format("an argument {}", error.what()));
-    }
+    const auto arguments = argumentsOf(options, report);
+    if (!arguments) return;
     std::unique_ptr<HelperTask> task;
     if (!options.program.empty())
         task = HelperTask::helperTaskWithPath(options.program, String::fromUTF8(options.name),
@@ -111,7 +120,7 @@ void call(Report& report, const CallOptions& options) {
     Error error = {u"velmo", 1, u"no helper serves under this name"};
     const auto proxy = findHelper(options, task.get(), &error);
     const auto result =
-        proxy ? proxy->call(String::fromUTF8(options.operation), arguments, &error) : std::nullopt;
+        proxy ? proxy->call(String::fromUTF8(options.operation), *arguments, &error) : std::nullopt;
     if (!result) return report.fail(options.name, reasonOf(error));
     print(*result, report, options);
 }
