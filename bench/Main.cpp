@@ -20,9 +20,7 @@ public:
             const std::string name = run.run_name.function_name;
             const std::size_t slash = name.rfind('/');
             if (slash == std::string::npos) continue;
-            // Where a case waits for another thread, what it waits counts; it asked for that.
-            const bool isReal = run.run_name.time_type == "real_time";
-            const double time = isReal ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+            const double time = run.GetAdjustedCPUTime();
             auto [entry, isNew] =
                 times_[name.substr(0, slash)].try_emplace(name.substr(slash + 1), time);
             if (!isNew) entry->second = std::min(entry->second, time);
