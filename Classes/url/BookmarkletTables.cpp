@@ -89,8 +89,8 @@ static_assert(std::size(QueriedBookmarklets) == 60);
 
 /// 5 share pages that count with or without a query.
 constexpr std::string_view Bookmarklets[] = {
-    "facebook.com/sharer", "bloglines.com/sub/",        "addthis.com/bookmark.php",
-    "addthis.com/feed.php",    "pinterest.com/pin/create/",
+    "facebook.com/sharer",  "bloglines.com/sub/",        "addthis.com/bookmark.php",
+    "addthis.com/feed.php", "pinterest.com/pin/create/",
 };
 static_assert(std::size(Bookmarklets) == 5);
 

@@ -1,4 +1,5 @@
 // URLs: reading, resolving, escapes, parameters, judging, simplification, hosts and paths.
+#include <velmocore/url/AdvertisementFilter.h>
 #include <velmocore/url/FileKinds.h>
 #include <velmocore/url/InvertedPaths.h>
 #include <velmocore/url/LinkAcceptance.h>
@@ -126,6 +127,11 @@ constexpr Operation Rows[] = {
      }},
     {"tracking rows",
      [](const Input& in) { use(TrackingParameters(in.text).contains(in.text, in.text)); }},
+    {"advertisement rules",
+     [](const Input& in) {
+         const AdvertisementFilter filter(in.text);
+         for (const URL& url : placedIn(in)) use(filter.matches(url));
+     }},
     {"classification",
      [](const Input& in) {
          useEach<bool, std::u16string_view>(
