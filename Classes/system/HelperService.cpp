@@ -14,7 +14,6 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
-#include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <map>
@@ -201,33 +200,32 @@ void HelperService::State::workOn(Call call, Lock& lock) {
     if (!result || sent < 0) answerFailure(call.message.get(), error);
 }
 
-/// One wait, in which the lock is free, until something has come or the event is signalled. What
-/// poll() returns, but an interruption is no failure.
+/// One wait, in which the lock is free, until something has come or the event is signalled. 0, or
+/// why the system fails.
 int HelperService::State::waitForPeers(Lock& lock, const Descriptor& event,
                                        std::vector<pollfd>& waited) {
     waited.assign({{event.get(), POLLIN, 0}});
     peers.collect(waited);
-    const int timeout = peers.timeout();
+    // Callers are looked at between calls that wait, too, or they would wait for all of these.
+    const int timeout = calls.empty() || isWorking ? peers.timeout() : 0;
     lock.unlock();
-    const int count = ::poll(waited.data(), waited.size(), timeout);
-    const int result = count < 0 && errno != EINTR ? -errno : std::abs(count);
+    const bool isFine = ::poll(waited.data(), waited.size(), timeout) >= 0 || errno == EINTR;
+    const int failure = isFine ? 0 : errno;
     lock.lock();
-    return result;
+    return failure;
 }
 
 bool HelperService::State::lead(Error* error) {
     Lock lock(mutex);
     std::vector<pollfd> waited;
     while (!isStopped) {
-        if (!calls.empty()) {
-            Call next = std::move(calls.front());
-            calls.pop_front();
-            workOn(std::move(next), lock);
-            continue;
-        }
-        const int count = waitForPeers(lock, stopped, waited);
-        if (count < 0) return failWith(error, -count);
-        peers.dispatch(waited.data() + 1, count == 0);
+        const int failure = waitForPeers(lock, stopped, waited);
+        if (failure != 0) return failWith(error, failure);
+        peers.dispatch(waited.data() + 1);
+        if (calls.empty()) continue;
+        Call next = std::move(calls.front());
+        calls.pop_front();
+        workOn(std::move(next), lock);
     }
     return true;
 }
@@ -238,10 +236,10 @@ void HelperService::State::leadWhileWorking(Lock& lock) {
     std::vector<pollfd> waited;
     guardLeads = true;
     while (isAtIt()) {
-        const int count = waitForPeers(lock, done, waited);
+        const int failure = waitForPeers(lock, done, waited);
         // The operation may have come to its end meanwhile, and what was waited for may be gone.
-        if (count < 0 || !isAtIt()) break;
-        peers.dispatch(waited.data() + 1, count == 0);
+        if (failure != 0 || !isAtIt()) break;
+        peers.dispatch(waited.data() + 1);
     }
     guardLeads = false;
 }

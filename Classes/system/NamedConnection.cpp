@@ -122,8 +122,11 @@ int NamedConnection::State::start(detail::Descriptor socket, double timeout) {
 
 /// One step of the bus. False when the time is over or the peer has gone.
 bool NamedConnection::State::wait(const Deadline& deadline) {
-    // Waiting comes first: there is nothing yet of an answer to what was sent just now.
-    const int count = sd_bus_wait(bus.get(), deadline.microseconds());
+    // Waiting comes first: there is nothing yet of an answer to what was sent just now. A peer that
+    // sends anything but an answer does not get more time by it.
+    const std::uint64_t left = deadline.microseconds();
+    if (left == 0) return false;
+    const int count = sd_bus_wait(bus.get(), left);
     if (count == 0 || (count < 0 && count != -EINTR)) return false;
     const int done = sd_bus_process(bus.get(), nullptr);
     // What is no message has no end at which another one could begin.

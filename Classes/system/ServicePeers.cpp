@@ -25,6 +25,12 @@ std::uint64_t microsecondsNow() {
            static_cast<std::uint64_t>(now.tv_nsec) / 1000;
 }
 
+/// When the peer wants to be looked at though nothing has come; UINT64_MAX is never.
+std::uint64_t timeOf(const Bus& peer) {
+    std::uint64_t time = UINT64_MAX;
+    return sd_bus_get_timeout(peer.get(), &time) >= 0 ? time : UINT64_MAX;
+}
+
 }  // namespace
 
 void ServicePeers::collect(std::vector<pollfd>& waited) const {
@@ -37,9 +43,8 @@ void ServicePeers::collect(std::vector<pollfd>& waited) const {
 }
 
 int ServicePeers::timeout() const {
-    std::uint64_t first = UINT64_MAX, own = 0;
-    for (const Bus& peer : peers_)
-        if (sd_bus_get_timeout(peer.get(), &own) >= 0) first = std::min(first, own);
+    std::uint64_t first = UINT64_MAX;
+    for (const Bus& peer : peers_) first = std::min(first, timeOf(peer));
     if (first == UINT64_MAX) return -1;
     const std::uint64_t now = microsecondsNow();
     return first <= now
@@ -47,9 +52,10 @@ int ServicePeers::timeout() const {
                : static_cast<int>(std::min<std::uint64_t>((first - now) / 1000, 60000)) + 1;
 }
 
-void ServicePeers::dispatch(const pollfd* waited, bool hasTimedOut) {
+void ServicePeers::dispatch(const pollfd* waited) {
+    const std::uint64_t now = microsecondsNow();
     for (std::size_t i = 0; i < peers_.size(); ++i)
-        if (waited[i + 1].revents != 0 || hasTimedOut) process(peers_[i].get());
+        if (waited[i + 1].revents != 0 || timeOf(peers_[i]) <= now) process(peers_[i].get());
     std::erase_if(peers_, [](const Bus& peer) { return sd_bus_is_open(peer.get()) <= 0; });
     if (waited[0].revents != 0) accept();
 }

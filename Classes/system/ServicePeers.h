@@ -25,8 +25,8 @@ public:
     void collect(std::vector<pollfd>& waited) const;
     /// How long to wait at most, in milliseconds; -1 is without end.
     [[nodiscard]] int timeout() const;
-    /// Works on what has come, by what collect() gave and the wait filled in.
-    void dispatch(const pollfd* waited, bool hasTimedOut);
+    /// Works on what has come, by what collect() gave and the wait filled in, and on what is due.
+    void dispatch(const pollfd* waited);
     void dropAll() { peers_.clear(); }
 
 private:
