@@ -48,7 +48,7 @@ public:
     }
     void add(ConnectionObserver observer) {
         const std::lock_guard lock(mutex_);
-        observers_.push_back(observer);
+        if (std::ranges::count(observers_, observer) == 0) observers_.push_back(observer);
     }
     void notify(const std::shared_ptr<NamedConnection>& connection) {
         std::unique_lock lock(mutex_);

@@ -31,7 +31,7 @@ std::optional<PropertyList> echo(const Values& arguments, Error*) { return Prope
 /// A service on a thread of its own.
 class Running {
 public:
-    explicit Running(const String& name, HelperServiceOptions options = {}) : service_(options) {
+    explicit Running(const String& name) {
         service_.addOperation(u"echo", echo);
         service_.addOperation(u"fail", [](const Values&, Error* error) {
             *error = {u"own", 42, u"no \u00E9"};
@@ -292,15 +292,14 @@ void withPeer(const std::function<void(int socket)>& treat, const std::function<
 
 TEST_F(Service, StandsHostilePeers) {
     const auto send = [](int socket, const std::string& bytes) { (void)!::write(socket, bytes.data(), bytes.size()); };
-    const std::string ready = "OK 0123456789abcdef0123456789abcdef\r\nAGREE_UNIX_FD\r\n";
-    const auto greeting = [&](std::string_view noise) { return [=](int socket) { send(socket, std::string(noise)); }; };
-    const auto looksUp = [] {
-        Error error;
-        EXPECT_FALSE(waitForRootProxyForConnectionWithRegisteredName(u"peer", {{.timeout = 0.3}, 5}, &error));
-        EXPECT_TRUE(isPortException(error)) << error;
-    };
     for (const auto& noise : {""s, "\r\n\r\n\r\n"s, std::string(100000, 'x'), "REJECTED\r\n"s, "DATA\r\nOK 12\r\n"s})
-        withPeer(greeting(noise), looksUp);
+        withPeer([&](int socket) { send(socket, noise); },
+                 [] {
+                     Error error;
+                     const RootProxyWait wait{{.timeout = 0.3}, 5};
+                     EXPECT_FALSE(waitForRootProxyForConnectionWithRegisteredName(u"peer", wait, &error));
+                     EXPECT_TRUE(isPortException(error)) << error;
+                 });
 
     std::mt19937 random(1);
     for (int i = 0; i < 60; ++i) {
@@ -310,15 +309,16 @@ TEST_F(Service, StandsHostilePeers) {
         const std::string head =
             i % 2 ? "l\2\1\1"s + "\xFF\xFF\xFF\x7F"s + "\1\0\0\0"s : "l\2\1\1\4\0\0\0\1\0\0\0\x8\0\0\0\5\1u\0\1\0\0\0"s;
         const auto answers = [&](int socket) {
-            send(socket, "DATA\r\n" + ready);
+            send(socket, "DATA\r\nOK 0123456789abcdef0123456789abcdef\r\nAGREE_UNIX_FD\r\n");
             std::this_thread::sleep_for(2ms);
             send(socket, i % 3 ? head + noise : noise);
             if (i % 4 == 0) ::shutdown(socket, SHUT_RDWR);
         };
         withPeer(answers, [&] {
-            auto connection = NamedConnection::connectionWithRegisteredName(u"peer", 1);
-            if (!connection) return;
-            connection->setReplyTimeout(0.1);
+            auto connection = NamedConnection::connectionWithRegisteredName(u"peer", 5);
+            if (!connection && i % 4 == 0) return;  // hung up before it was looked at
+            ASSERT_TRUE(connection);
+            connection->setReplyTimeout(0.05);
             EXPECT_FALSE(HelperProxy(connection).call(u"echo"));
             EXPECT_FALSE(HelperProxy(connection).offers(u"echo"));
         });

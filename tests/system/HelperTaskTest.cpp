@@ -140,7 +140,7 @@ TEST_F(Task, WaitsWhileTheHelperIsBusy) {
         const auto proxy = owner->proxy();
         ASSERT_TRUE(proxy);
         EXPECT_FALSE(owner->stillBusy());
-        EXPECT_TRUE(proxy->post(u"sleep", {{0.6}}));
+        EXPECT_TRUE(proxy->post(u"sleep", {{1.2}}));
         if (tells) {
             EXPECT_TRUE(owner->stillBusy());
             owner->waitUntilDone(0.1);

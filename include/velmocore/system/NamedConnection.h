@@ -118,7 +118,7 @@ private:
 };
 
 /// Is called for each connection that lost its peer, once, on the thread that saw it first. An
-/// observer stays for the life of the process; any thread may add one.
+/// observer stays for the life of the process, and is kept once; any thread may add one.
 using ConnectionObserver = void (*)(const std::shared_ptr<NamedConnection>& connection);
 VELMO_API void observeConnectionDidDie(ConnectionObserver observer);
 
