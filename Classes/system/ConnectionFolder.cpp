@@ -173,7 +173,7 @@ std::optional<ConnectionFolder> ConnectionFolder::open(Error* error) {
     Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
     const int fault = folder ? faultOf(folder) : errno;
     if (fault == 0) return ConnectionFolder(std::move(folder));
-    failWith(error, fault, path);
+    failWith(error, fault, folder ? path + " is not for this user alone" : path);
     return std::nullopt;
 }
 
