@@ -83,9 +83,10 @@ public:
         scratch_.assign(span);
         const std::size_t length =
             options.entities
-                ? convertEntities2Characters(
-                      scratch_.data(), scratch_.data(), 0, scratch_.size(),
-                      {.convertStandard = options.stdEntities, .nonUmlauted = options.nonUmlauted})
+                ? convertEntities2Characters(scratch_.data(), scratch_.data(), 0, scratch_.size(),
+                                             {.convertStandard = options.stdEntities,
+                                              .nonUmlauted = options.nonUmlauted,
+                                              .web = options.web})
                 : convertStdEntities2Characters(scratch_.data(), scratch_.size());
         return Units(scratch_).substr(0, length);
     }

@@ -2,6 +2,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
@@ -15,6 +16,7 @@ struct PlainTextOptions {
     bool removeJunk = false;   ///< drop titles, hidden text and runs that no one would read
     bool googleTags = false;   ///< honour the comments "googleoff:" and "googleon:"
     bool imageAlts = true;     ///< take the "alt" or "title" of images along
+    WebRules web = {};         ///< how references are read
 };
 
 // The text of a page, for indexing, word counts and previews. Tags become line breaks,
