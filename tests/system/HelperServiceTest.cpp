@@ -250,6 +250,10 @@ TEST_F(Service, ForgetsConnectionsThatDied) {
     EXPECT_FALSE(connectionRegisteredWithName(u"dying"));
 }
 
+bool sendTo(int socket, const std::string& bytes) {
+    return ::send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT) >= 0;
+}
+
 TEST_F(Service, StandsHostileCallers) {
     const Running service(u"stormed");
     const auto folder = detail::ConnectionFolder::open();
@@ -263,7 +267,7 @@ TEST_F(Service, StandsHostileCallers) {
         std::string noise = i % 3 ? "\0AUTH EXTERNAL\r\nDATA\r\nBEGIN\r\n"s : "";
         if (i % 3 == 2) noise += "l\1\0\1"s;
         for (unsigned count = random() % 300; count > 0; --count) noise += char(random());
-        (void)!::write(socket.get(), noise.data(), noise.size());
+        sendTo(socket.get(), noise);
         if (i % 4 == 0) silent.push_back(std::move(socket));
     }
     const auto proxy = rootProxyForConnectionWithRegisteredName(u"stormed", {.timeout = 30});
@@ -291,15 +295,36 @@ void withPeer(const std::function<void(int socket)>& treat, const std::function<
 }
 
 TEST_F(Service, StandsHostilePeers) {
-    const auto send = [](int socket, const std::string& bytes) { (void)!::write(socket, bytes.data(), bytes.size()); };
     for (const auto& noise : {""s, "\r\n\r\n\r\n"s, std::string(100000, 'x'), "REJECTED\r\n"s, "DATA\r\nOK 12\r\n"s})
-        withPeer([&](int socket) { send(socket, noise); },
+        withPeer([&](int socket) { sendTo(socket, noise); },
                  [] {
                      Error error;
                      const RootProxyWait wait{{.timeout = 0.3}, 5};
                      EXPECT_FALSE(waitForRootProxyForConnectionWithRegisteredName(u"peer", wait, &error));
                      EXPECT_TRUE(isPortException(error)) << error;
                  });
+
+    const std::string greeting = "DATA\r\nOK 0123456789abcdef0123456789abcdef\r\nAGREE_UNIX_FD\r\n";
+    const std::string signal =
+        "l\4\1\1\0\0\0\0\1\0\0\0\x2A\0\0\0\1\1o\0\1\0\0\0/\0\0\0\0\0\0\0"
+        "\2\1s\0\3\0\0\0a.b\0\0\0\0\0\3\1s\0\1\0\0\0c\0\0\0\0\0\0\0"s;
+    const auto start = std::chrono::steady_clock::now();
+    const auto isSoon = [&] { return std::chrono::steady_clock::now() - start < 5s; };
+    std::atomic<bool> isAnswered = false;
+    withPeer(
+        [&](int socket) {
+            sendTo(socket, greeting);
+            while (!isAnswered && isSoon()) sendTo(socket, signal);
+        },
+        [&] {
+            const auto connection = NamedConnection::connectionWithRegisteredName(u"peer", 5);
+            ASSERT_TRUE(connection);
+            connection->setReplyTimeout(0.05);
+            Error error;
+            EXPECT_FALSE(HelperProxy(connection).call(u"echo", {}, &error));
+            EXPECT_TRUE(isPortTimeoutException(error) && isSoon()) << error;
+            isAnswered = true;
+        });
 
     std::mt19937 random(1);
     for (int i = 0; i < 60; ++i) {
@@ -309,9 +334,9 @@ TEST_F(Service, StandsHostilePeers) {
         const std::string head =
             i % 2 ? "l\2\1\1"s + "\xFF\xFF\xFF\x7F"s + "\1\0\0\0"s : "l\2\1\1\4\0\0\0\1\0\0\0\x8\0\0\0\5\1u\0\1\0\0\0"s;
         const auto answers = [&](int socket) {
-            send(socket, "DATA\r\nOK 0123456789abcdef0123456789abcdef\r\nAGREE_UNIX_FD\r\n");
+            sendTo(socket, greeting);
             std::this_thread::sleep_for(2ms);
-            send(socket, i % 3 ? head + noise : noise);
+            sendTo(socket, i % 3 ? head + noise : noise);
             if (i % 4 == 0) ::shutdown(socket, SHUT_RDWR);
         };
         withPeer(answers, [&] {
