@@ -51,6 +51,8 @@ const std::vector<CommandEntry>& allCommands() {
         {"attributes", nullptr, attributeActions(),
          "Extended attributes of files: values, tags, sources and comments", "PATH..."},
         {"location", makeLocationCommand},
+        {"helper", nullptr, helperActions(),
+         "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
     };
     return commands;
 }

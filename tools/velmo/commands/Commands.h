@@ -36,6 +36,8 @@ Command makeWordsCommand(Session& session);
 std::span<const CommandEntry> archiveActions();
 /// The actions of "velmo attributes".
 std::span<const CommandEntry> attributeActions();
+/// The actions of "velmo helper".
+std::span<const CommandEntry> helperActions();
 /// The actions of "velmo store".
 std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".
