@@ -24,6 +24,8 @@ protected:
         write("feed.xml",
               "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 "
               "/></item></rss>");
+        write("prices.csv", "name,price\nTea,\"3,50\"\n");
+        write("refs.bib", "@book{k, x = {A Title}}");
         for (const char* name : {"page.html", "site/page.html"})
             write(name, "<html><title>T</title><body>" + text + "<a href=x>link</a><img src=i>");
     }
@@ -66,7 +68,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 41u);
+    EXPECT_EQ(names.size(), 43u);
     for (const std::string& name : names) {
         if (name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
@@ -120,6 +122,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url repair", "h.org"},
         {"mime", "html"},
         {"date", "2001-02-03"},
+        {"sheet", "prices.csv"},
+        {"bib", "refs.bib"},
         {"records", "--write-strings list.keyed < notes.txt"},
         {"records", "list.keyed"},
         {"records", "--strings list.keyed"},
