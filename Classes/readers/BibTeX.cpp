@@ -65,6 +65,9 @@ private:
     std::unordered_map<String, Name, NameHash, std::equal_to<>> names_;
 };
 
+bool isWhite(char16_t unit) { return isWhiteUnit(unit, whiteCharacterSetRep()); }
+View trimmed(View text) { return trimmedView(text, Ends::Both, isWhite); }
+
 class EntryReader {
 public:
     EntryReader(View text, const String& type)
@@ -116,7 +119,9 @@ private:
         readKey();
     }
 
-    Open openedBy(View type) const {
+    /// A blank before the bracket is none of the type.
+    Open openedBy(View written) const {
+        const View type = trimmed(written);
         if (isEqualToStringNoCase(type, u"string")) return Open::Macros;
         return type_.isAbsent() || isEqualToStringNoCase(type, type_) ? Open::Entry : Open::Dropped;
     }
@@ -130,9 +135,7 @@ private:
     }
 
     void readField() {
-        const View name = trimmedView({name_, at_}, Ends::Both, [](char16_t unit) {
-            return isWhiteUnit(unit, whiteCharacterSetRep());
-        });
+        const View name = trimmed({name_, at_});
         ++at_;
         skipWhite();
         const View value = readValue();
@@ -175,7 +178,7 @@ private:
     }
 
     void skipWhite() {
-        while (at_ < end_ && isWhiteUnit(*at_, whiteCharacterSetRep())) ++at_;
+        while (at_ < end_ && isWhite(*at_)) ++at_;
     }
 
     Position bracketBehind(Position from) {

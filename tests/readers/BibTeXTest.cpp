@@ -23,7 +23,7 @@ TEST(BibTeX, ReadsEntries) {
         {u"", u""},
         {u"@article{k, title = {A {B} C}}", u"@=k;title=A B C;\n"},
         {u"@string{j = \"Journal\"} @book{k, x = j}", u"@=k;x=Journal;\n"},
-        {u"@string{a = b} @STRING(b = {a a}) @book{k, x = {a b}}", u"@=k;x=b b b b;\n"},
+        {u"@string {a = b} @STRING(b = {a a}) @book{k, x = {a b}}", u"@=k;x=b b b b;\n"},
         {u"@string{a = b, c = a} @book{k, x = ac}", u"@=k;x=ba;\n"},  // not in their own entry
         {u"@string{a = 1} @string{a = 2} @book{k, x = {aba}}", u"@=k;x=2b2;\n"},
         {u"@book(k, x = \"a {\"} b\", y = c d )z = 1", u"@=k;x=a \" b;y=c d;\n"},
