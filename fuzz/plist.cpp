@@ -29,5 +29,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(xml->size() <= 64 * list.size() + (1 << 20));
     const auto again = propertyListAsXML(*xml);
     if (again) require(propertyListAsXML(*again) == again);
+    const auto value = propertyListFromData(list);
+    require(value.has_value());
+    const auto binary = dataFromPropertyList(*value, PropertyListFormat::Binary);
+    if (binary) require(propertyListFromData(*binary).has_value());
     return 0;
 }

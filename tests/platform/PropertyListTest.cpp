@@ -173,5 +173,33 @@ TEST(PropertyListAsXML, SurvivesDamage) {
     }
 }
 
+TEST(PropertyListValues, ComeBackFromBothForms) {
+    const Date date = std::chrono::sys_days(std::chrono::year(1999) / 12 / 31) + std::chrono::seconds(7);
+    PropertyListDictionary values = {{u"yes", {true}},
+                                     {u"no", {false}},
+                                     {u"\u00FC <&>", {String(u"\U0001F600 <&> \"")}},
+                                     {u"", {String::empty()}},
+                                     {u"date", {date}},
+                                     {u"none", {Data()}},
+                                     {u"bytes", {Data{0, 1, 0xFF}}},
+                                     {u"half", {0.5}}};
+    for (const std::int64_t number : {std::int64_t{0}, std::int64_t{-1}, INT64_MAX, INT64_MIN, std::int64_t{1} << 32})
+        values[String::fromUTF8(std::to_string(number))] = {number};
+    PropertyList nested = {values};
+    for (int level = 1; level < 256; ++level) nested = {PropertyListArray{nested}};
+    for (const auto format : {PropertyListFormat::XML, PropertyListFormat::Binary}) {
+        for (const PropertyList& list : {PropertyList{values}, PropertyList{PropertyListArray{}}, nested}) {
+            const auto bytes = dataFromPropertyList(list, format);
+            ASSERT_TRUE(bytes);
+            EXPECT_TRUE(propertyListFromData(*bytes) == list);
+        }
+        for (const PropertyList& refused :
+             {PropertyList{}, PropertyList{String()}, PropertyList{String(std::u16string_view(u"a\0b", 3))},
+              PropertyList{Date::max()}, PropertyList{PropertyListArray{nested}},
+              PropertyList{PropertyListDictionary{{String(), {true}}}}})
+            EXPECT_FALSE(dataFromPropertyList(refused, format));
+    }
+}
+
 }  // namespace
 }  // namespace velmo

@@ -1,8 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
+#include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -15,14 +18,48 @@ namespace velmo {
 
 struct PropertyList;
 using PropertyListArray = std::vector<PropertyList>;
-using PropertyListDictionary = std::map<String, PropertyList>;
+using PropertyListDictionary = std::map<String, PropertyList, std::less<>>;
 
-/// A value of a property list; std::monostate is absent.
+/// A value of a property list; std::monostate is absent. Owns all that it holds.
+///
+///     const PropertyListDictionary location = {{u"URL", {String(u"http://a.b/")}}};
+///     const auto bytes = dataFromPropertyList({location}, PropertyListFormat::Binary);
+///     *propertyListFromData(*bytes)->string(u"URL");  // "http://a.b/"
 struct PropertyList {
     std::variant<std::monostate, bool, std::int64_t, double, Date, String, Data, PropertyListArray,
                  PropertyListDictionary>
         value;
+
+    /// The value if it is of that type, else null.
+    template <class Type>
+    [[nodiscard]] const Type* as() const noexcept VELMO_LIFETIME {
+        return std::get_if<Type>(&value);
+    }
+    /// What a dictionary holds under a key; null for an unknown key and for any other list.
+    [[nodiscard]] VELMO_API const PropertyList* valueForKey(std::u16string_view key) const noexcept
+        VELMO_LIFETIME;
+    /// The same if it is a string, else null.
+    [[nodiscard]] VELMO_API const String* string(std::u16string_view key) const noexcept
+        VELMO_LIFETIME;
+
+    friend bool operator==(const PropertyList& a, const PropertyList& b) {
+        return a.value == b.value;
+    }
 };
+
+enum class PropertyListFormat { XML, Binary };
+
+/// The property list that the bytes hold, binary or XML; absent for what propertyListAsXML()
+/// refuses. A number that refers to another object of an archive comes as that number, an
+/// integer above 2^63 - 1 as the negative one of the same bits. Dates are right from 1933 to 2069.
+[[nodiscard]] VELMO_API std::optional<PropertyList> propertyListFromData(Bytes bytes);
+
+/// The bytes of a property list. Absent for what could not be read back: an absent value, a
+/// string or key that is absent or holds U+0000, a date outside the years 1933 to 2069, lists
+/// nested deeper than 256 levels and dictionaries of more than 16384 keys. A lone surrogate is
+/// written as U+FFFD.
+[[nodiscard]] VELMO_API std::optional<Data> dataFromPropertyList(const PropertyList& list,
+                                                                 PropertyListFormat format);
 
 /// Whether the bytes can be read as a property list, binary or XML, and if so the same
 /// list as XML text in UTF-8; otherwise absent. Absent also for bytes that are damaged, lists
