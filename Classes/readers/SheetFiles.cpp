@@ -64,12 +64,12 @@ bool hasSheetDefinitionAttribute(const Path& path) {
     return getxattr(path.c_str(), DefinitionAttribute, nullptr, 0) > 0;
 }
 
-std::optional<Sheet> sheetWithText(View text, SheetFormat format, std::size_t maxRows) {
+std::optional<Sheet> sheetWithText(View text, SheetFormat format, SheetOptions options) {
     if (format == SheetFormat::None) return {};
     if (format == SheetFormat::BibTeX) return sheetOfEntries(text);
-    const bool quoted = format != SheetFormat::ID2XF;
-    Sheet sheet = valuesSeparatedByTab(text, {.quoted = quoted, .maxRows = maxRows});
-    sheet.definition |= !quoted;
+    options.quoted = format != SheetFormat::ID2XF;
+    Sheet sheet = valuesSeparatedByTab(text, options);
+    sheet.definition |= !options.quoted;
     return sheet;
 }
 
@@ -79,7 +79,7 @@ std::optional<Sheet> sheetWithContentsOfFile(const Path& path, StringEncoding en
     if (format == SheetFormat::None) return {};
     const String text = stringWithContentsOfFile(path, encoding).text;
     if (text.isAbsent()) return {};
-    std::optional<Sheet> sheet = sheetWithText(text, format, maxRows);
+    std::optional<Sheet> sheet = sheetWithText(text, format, {.maxRows = maxRows});
     const bool isQuoted = format == SheetFormat::CSV || format == SheetFormat::TSV;
     if (isQuoted && !sheet->definition) sheet->definition = hasSheetDefinitionAttribute(path);
     return sheet;

@@ -73,6 +73,7 @@ public:
     LineWalk(View text, const SheetOptions& options, char16_t separator)
         : separator_(separator),
           quoted_(options.quoted),
+          cutsAtSeparators_(!options.standardQuotes),
           at_(text.data()),
           // Without quotes the row ends before the last unit, whatever that is.
           end_(at_ + text.size() - (quoted_ || text.empty() ? 0 : 1)),
@@ -117,7 +118,7 @@ private:
         bool isDoubled = false;
         for (++at_; (at_ = quotes_.next(at_)) != end_; at_ += 2) {
             const bool isPair = end_ - at_ > 1 && at_[1] == Quote;
-            if (!isPair || (end_ - at_ > 2 && at_[2] == separator_)) {
+            if (!isPair || (cutsAtSeparators_ && end_ - at_ > 2 && at_[2] == separator_)) {
                 ++at_;
                 break;
             }
@@ -127,7 +128,7 @@ private:
     }
 
     const char16_t separator_;
-    const bool quoted_;
+    const bool quoted_, cutsAtSeparators_;
     Position at_;
     const Position end_;
     MaskCursor<Quotes> quotes_;

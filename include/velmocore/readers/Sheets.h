@@ -41,6 +41,9 @@ struct SheetOptions {
     bool quoted = true;
     /// Stops when so many rows are there, but looks at a line at least.
     std::size_t maxRows = AllRows;
+    /// Ours: two quotes within quotes stand for one also in front of a separator, as RFC 4180 has
+    /// it.
+    bool standardQuotes = false;
 };
 
 /// What is known of a sheet beside its rows.
@@ -57,8 +60,8 @@ struct Sheet : SheetShape {
 /// The rows of a text. Whatever a caller expects, the separator is the one that is detected.
 ///
 /// A quote opens only as the first unit of a field. Inside, it closes unless another one follows
-/// that has no separator behind it: so a field that ends in a quote before a separator within
-/// its text is cut there.
+/// that has no separator behind it. So a field is cut where its text has a quote in front of a
+/// separator, unless standardQuotes is set.
 [[nodiscard]] VELMO_API Sheet valuesSeparatedByTab(std::u16string_view text,
                                                    const SheetOptions& options = {});
 
@@ -154,9 +157,10 @@ enum class SheetFormat : std::uint8_t {
 /// Whether a file has that attribute, which says that its first row is a definition.
 [[nodiscard]] VELMO_API bool hasSheetDefinitionAttribute(const Path& path);
 
-/// Ours: the same for a text that has been read, and so without the attribute.
+/// Ours: the same for a text that has been read, and so without the attribute. Of the options, the
+/// format says whether values are quoted.
 [[nodiscard]] VELMO_API std::optional<Sheet> sheetWithText(std::u16string_view text,
                                                            SheetFormat format,
-                                                           std::size_t maxRows = AllRows);
+                                                           SheetOptions options = {});
 
 }  // namespace velmo

@@ -18,7 +18,7 @@ struct Options {
     InputOptions input;
     SheetFormat format = SheetFormat::None;
     std::uint64_t maxRows = AllRows;
-    bool isWriting = false;
+    bool standardQuotes = false, isWriting = false;
 };
 
 constexpr std::string_view GzipEnding = ".gz";
@@ -62,7 +62,9 @@ void print(const FileName& file, Data&& bytes, const Options& options, Report& r
     const SheetFormat format = formatOf(file.path, options);
     if (format == SheetFormat::None && !file.wasNamed()) return;
     const Content content = decode(std::move(bytes), file.path, options.input.content);
-    std::optional<Sheet> sheet = sheetWithText(content.units, format, options.maxRows);
+    std::optional<Sheet> sheet =
+        sheetWithText(content.units, format,
+                      {.maxRows = options.maxRows, .standardQuotes = options.standardQuotes});
     if (sheet && isOfValues(format)) sheet->definition |= hasSheetDefinitionAttribute(file.path);
     if (report.json()) return printObject(file.path, format, sheet, report);
     printRows(file.path, sheet, report);
@@ -109,6 +111,8 @@ Command makeSheetCommand(Session& session) {
                 {"id2xf", SheetFormat::ID2XF},
                 {"bib", SheetFormat::BibTeX}}),
         number("--max-rows", "N", options->maxRows, "no more rows than that; 0 reads one line"),
+        flag("--standard-quotes", options->standardQuotes,
+             "two quotes stand for one also in front of a separator, as RFC 4180 has it"),
         {.names = "--encoding",
          .value = "NAME",
          .help = "the charset of every file; it is detected otherwise",
