@@ -221,7 +221,7 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
 std::vector<const Hostile*> families(std::string_view wanted) {
     std::vector<const Hostile*> found;
     for (const auto texts :
-         {plainTexts(), markupTexts(), locationTexts(), queryTexts(), dateTexts()})
+         {plainTexts(), markupTexts(), locationTexts(), queryTexts(), dateTexts(), sheetTexts()})
         for (const Hostile& hostile : texts)
             if (std::string_view(hostile.name).find(wanted) != std::string_view::npos)
                 found.push_back(&hostile);

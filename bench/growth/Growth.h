@@ -27,6 +27,7 @@ std::span<const Hostile> markupTexts();
 std::span<const Hostile> locationTexts();
 std::span<const Hostile> queryTexts();
 std::span<const Hostile> dateTexts();
+std::span<const Hostile> sheetTexts();
 
 /// The text of about so many units.
 std::u16string textOf(const Hostile& hostile, std::size_t units);

@@ -44,6 +44,8 @@ const std::vector<CommandEntry>& allCommands() {
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
         {"date", makeDateCommand},
+        {"sheet", makeSheetCommand},
+        {"bib", makeBibCommand},
         {"records", makeRecordsCommand},
         {"comments", makeCommentsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",

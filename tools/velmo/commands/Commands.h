@@ -7,6 +7,7 @@
 
 namespace velmo::tool {
 
+Command makeBibCommand(Session& session);
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
 Command makeCommentsCommand(Session& session);
@@ -26,6 +27,7 @@ Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
 Command makeRecordsCommand(Session& session);
+Command makeSheetCommand(Session& session);
 Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
 Command makeThumbsCommand(Session& session);
