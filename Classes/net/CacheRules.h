@@ -10,7 +10,8 @@ namespace velmo::detail {
 /// Whether a cache may answer a request at all.
 [[nodiscard]] bool canUseCache(const URLRequest& request);
 /// Whether an answer that is kept is good without asking the server.
-[[nodiscard]] bool isUsable(const CachedURLResponse& answer, RequestCachePolicy policy, Date now);
+[[nodiscard]] VELMO_API bool isUsable(const CachedURLResponse& answer, RequestCachePolicy policy,
+                                      Date now);
 /// Whether an answer may be kept.
 [[nodiscard]] bool isKeepable(const URLResponse& response, Date now);
 

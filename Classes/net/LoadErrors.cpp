@@ -11,7 +11,7 @@ struct Row {
 };
 
 constexpr Row Rows[] = {
-    {CURLE_UNSUPPORTED_PROTOCOL, URLErrorUnsupportedURL},
+    {CURLE_UNSUPPORTED_PROTOCOL, URLErrorBadServerResponse},  // HTTP 0.9
     {CURLE_URL_MALFORMAT, URLErrorBadURL},
     {CURLE_COULDNT_RESOLVE_PROXY, URLErrorCannotFindHost},
     {CURLE_COULDNT_RESOLVE_HOST, URLErrorCannotFindHost},

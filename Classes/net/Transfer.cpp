@@ -179,7 +179,7 @@ bool Transfer::hasNews() const noexcept {
 
 bool Transfer::isResponseToTell() const noexcept {
     const bool isAwaited = kept_ && response_ && response_->statusCode == NotModified;
-    return response_ && !isResponseTold_ && !isRedirect_ && !isAwaited && !failure;
+    return response_ && !isResponseTold_ && !isRedirect_ && !isAwaited;
 }
 
 const URLResponse& Transfer::tellableResponse() noexcept {

@@ -21,6 +21,7 @@ namespace {
 const std::vector<CommandEntry>& allCommands() {
     static const std::vector<CommandEntry> commands = {
         {"gather", makeGatherCommand},
+        {"fetch", makeFetchCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
         {"feed", makeFeedCommand},
@@ -41,6 +42,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"unpack", makeUnpackCommand},
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
+        {"form", makeFormCommand},
         {"date", makeDateCommand},
         {"records", makeRecordsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
