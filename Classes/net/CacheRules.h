@@ -13,12 +13,12 @@ namespace velmo::detail {
 [[nodiscard]] VELMO_API bool isUsable(const CachedURLResponse& answer, RequestCachePolicy policy,
                                       Date now);
 /// Whether an answer may be kept.
-[[nodiscard]] bool isKeepable(const URLResponse& response, Date now);
+[[nodiscard]] VELMO_API bool isKeepable(const URLResponse& response, Date now);
 
 /// Makes the request ask whether an answer is still right; false if there is no way to.
 bool addValidators(URLRequest& request, const URLResponse& kept);
 /// The answer after a server has said that it is still right.
-[[nodiscard]] CachedURLResponse confirmed(CachedURLResponse kept, const URLResponse& notModified,
-                                          Date now);
+[[nodiscard]] VELMO_API CachedURLResponse confirmed(CachedURLResponse kept,
+                                                    const URLResponse& notModified, Date now);
 
 }  // namespace velmo::detail

@@ -14,6 +14,8 @@
 #include <string>
 #include <thread>
 
+#include <velmocore/url/URL.h>
+
 #include "TestSupport.h"
 
 namespace velmo::test {

@@ -3,6 +3,7 @@
 #include <regex>
 
 #include "ToolFixture.h"
+#include "net/RawServer.h"
 
 namespace velmo {
 namespace {
@@ -21,6 +22,7 @@ protected:
         std::filesystem::create_directories(folder_ / "site");
         std::filesystem::create_directories(folder_ / "letters");
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
+        write("form.bin", "--XyZ\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nx\r\n--XyZ--\r\n");
         write("feed.xml",
               "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 "
               "/></item></rss>");
@@ -37,8 +39,10 @@ protected:
     }
 
     void runExample(const std::string& example) const {
-        const std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
-        shell("rm -f archive.txt.gz *.store");
+        std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
+        if (line.find(" fetch ") != line.npos)
+            line = std::regex_replace(line, std::regex("https://www.example.org"), server_.at(""));
+        shell("rm -rf archive.txt.gz *.store mirror");
         shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const Outcome outcome = shell(line);
@@ -46,6 +50,8 @@ protected:
         EXPECT_NE(outcome.out, "") << example;
         write("archive.txt", "text");
     }
+
+    test::RawServer server_{[](auto& client) { client.send(test::answerOf("<a href=x>a cat</a>")); }};
 
     /// Every command, and every action of those that have some.
     std::vector<std::string> commands() const {
@@ -66,7 +72,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 41u);
+    EXPECT_EQ(names.size(), 43u);
     for (const std::string& name : names) {
         if (name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
@@ -88,8 +94,9 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
     std::vector<std::string> paragraphs;
     for (std::size_t at = manual.find("\n.TP\n.B ", start); at < end; at = manual.find("\n.TP\n.B ", at + 1))
         paragraphs.push_back(manual.substr(at + 8, manual.find("\n.TP", at + 1) - at - 8));
-    const std::pair<const char*, const char*> runs[] = {
+    const std::pair<const char*, std::string> runs[] = {
         {"gather", "site --follow all --query cat"},
+        {"fetch", server_.at("/")},
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
         {"feed", "feed.xml"},
@@ -120,6 +127,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url repair", "h.org"},
         {"mime", "html"},
         {"date", "2001-02-03"},
+        {"form", "--boundary XyZ form.bin"},
         {"records", "--write-strings list.keyed < notes.txt"},
         {"records", "list.keyed"},
         {"records", "--strings list.keyed"},

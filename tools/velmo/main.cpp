@@ -54,6 +54,7 @@ const std::vector<CommandEntry>& allCommands() {
 constexpr std::string_view OverviewHead =
     "Examples:\n"
     "  velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'\n"
+    "  velmo fetch --output mirror/ https://www.example.org/page.html\n"
     "  velmo text page.html --only-body\n"
     "  velmo links page.html --base https://example.org/page.html --json\n"
     "  velmo match '(cat OR dog) -bird' notes.txt page.html\n"
