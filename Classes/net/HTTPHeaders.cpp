@@ -26,8 +26,15 @@ Chars trimmed(Chars text) {
 
 String decoded(Chars text) {
     if (text.empty()) return String::empty();
-    String string = stringWithData(text, UTF8StringEncoding);
-    return string.isAbsent() ? stringWithData(text, ISOLatin1StringEncoding) : string;
+    if (stringWithData(text, UTF8StringEncoding).isAbsent())
+        return stringWithData(text, ISOLatin1StringEncoding);
+    return String::fromUTF8(text);  // with what might be a byte-order mark
+}
+
+/// Whether a name can be one: visible units of ASCII.
+bool isName(Chars text) {
+    return !text.empty() &&
+           std::ranges::all_of(text, [](char unit) { return unit > ' ' && unit < 127; });
 }
 
 /// Takes the next line off, without its end.
@@ -58,6 +65,7 @@ public:
     void begin(Chars line) {
         const std::size_t colon = line.find(':');
         name_ = trimmed(line.substr(0, colon == Chars::npos ? 0 : colon));
+        if (!isName(name_)) name_ = {};
         if (!name_.empty()) value_ = trimmed(line.substr(colon + 1));
     }
     void goOn(Chars line) {

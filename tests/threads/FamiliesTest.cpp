@@ -16,6 +16,8 @@
 #include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/TagStripping.h>
+#include <velmocore/net/URLRequest.h>
+#include <velmocore/net/UserAgents.h>
 #include <velmocore/platform/DateFormat.h>
 #include <velmocore/platform/Log.h>
 #include <velmocore/platform/PropertyList.h>
@@ -131,6 +133,10 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         },
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
+        [&] {
+            const auto request = requestWithURL(url, {.referrer = url, .userAgent = WebKitUserAgent()});
+            return referrer(request).utf8() + userAgent(request).utf8() + libraryUserAgent().utf8();
+        },
         [&] { return dates(); },
         [&] {
             const String feed = u"<feed><entry><title>" + page.title() + u"</title><content>" + page.markup();
