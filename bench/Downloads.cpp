@@ -114,8 +114,8 @@ void downloadCurl(benchmark::State& state) {
         std::ofstream file(config);
         for (int i = 0; i < Pages; ++i) file << "url=" << server().root << "\noutput=/dev/null\n";
     }
-    const std::string command =
-        "curl -s --parallel --parallel-max " + std::to_string(AtOnce) + " --config " + config;
+    const std::string command = "curl -s --parallel --parallel-max " + std::to_string(AtOnce) +
+                                " --config " + config + " 2>/dev/null";
     for (auto _ : state)
         if (std::system(command.c_str()) != 0) state.SkipWithError("curl failed");
     std::filesystem::remove(config);
@@ -148,6 +148,7 @@ void downloadBare(benchmark::State& state) {
             start(easy, page);
         }
         while (ended < Pages) {
+            curl_multi_poll(multi, nullptr, 0, 100, nullptr);
             curl_multi_perform(multi, &running);
             while (CURLMsg* message = curl_multi_info_read(multi, &left)) {
                 CURL* const easy = message->easy_handle;
@@ -159,7 +160,6 @@ void downloadBare(benchmark::State& state) {
                 else
                     start(easy, *page);
             }
-            curl_multi_poll(multi, nullptr, 0, 100, nullptr);
         }
         curl_multi_cleanup(multi);
     }

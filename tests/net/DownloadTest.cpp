@@ -178,11 +178,12 @@ template <class Base = httplib::Server>
 class Server : public Base {
 public:
     template <class... Arguments>
-    explicit Server(Arguments... arguments) : Base(arguments...), port_(this->bind_to_any_port("127.0.0.1")) {
+    explicit Server(Arguments... arguments) : Base(arguments...) {
         this->set_tcp_nodelay(true);
         this->set_keep_alive_max_count(1);
         this->set_keep_alive_timeout(1);  // of which the end of the test waits for the rest
         this->new_task_queue = [] { return new httplib::ThreadPool(70); };
+        port_ = this->bind_to_any_port("127.0.0.1");
     }
     ~Server() {
         this->stop();
