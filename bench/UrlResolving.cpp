@@ -11,6 +11,7 @@
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/text/Lines.h>
+#include <velmocore/url/PageKey.h>
 #include <velmocore/url/PercentEscapes.h>
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLSimplification.h>
@@ -127,6 +128,13 @@ void simplifyVelmo(benchmark::State& state) {
 }
 BENCHMARK(simplifyVelmo)->Name("simplify/velmo")->Unit(benchmark::kMillisecond);
 
+void keyVelmo(benchmark::State& state) {
+    eachText(state, urls(), [](const Text& url) {
+        benchmark::DoNotOptimize(pageKey(URL::URLWithString(url.units)));
+    });
+}
+BENCHMARK(keyVelmo)->Name("page-key/velmo")->Unit(benchmark::kMillisecond);
+
 void simplifyUriparser(benchmark::State& state) {
     std::string result;
     eachText(state, urls(), [&](const Text& url) {
@@ -142,6 +150,7 @@ void simplifyUriparser(benchmark::State& state) {
     });
 }
 BENCHMARK(simplifyUriparser)->Name("simplify/uriparser")->Unit(benchmark::kMillisecond);
+BENCHMARK(simplifyUriparser)->Name("page-key/uriparser")->Unit(benchmark::kMillisecond);
 
 void escapeVelmo(benchmark::State& state) {
     eachText(state, terms(), [](const Text& term) {

@@ -11,6 +11,7 @@
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/text/ConversionTables.h>
 #include <velmocore/text/FastSearch.h>
+#include <velmocore/url/AdvertisementFilter.h>
 #include <velmocore/url/SearchEngines.h>
 #include <velmocore/url/URLClassification.h>
 
@@ -50,6 +51,27 @@ void classifyVelmo(benchmark::State& state) {
     });
 }
 BENCHMARK(classifyVelmo)->Name("classify/velmo")->Unit(benchmark::kMillisecond);
+
+/// A list of 50,000 rules of the usual kinds, none of which names a page of the corpus.
+const std::u16string& filterRules() {
+    static const std::u16string made = [] {
+        std::string rules;
+        for (int i = 0; i < 50000; ++i) {
+            const std::string n = std::to_string(i);
+            rules += i % 5 < 3   ? "||ads" + n + ".example" + n + ".com^\n"
+                     : i % 5 < 4 ? "||shop" + n + ".com/banners/" + n + "/\n"
+                                 : "/ad-frame-" + n + ".\n";
+        }
+        return std::u16string(String::fromUTF8(rules).view());
+    }();
+    return made;
+}
+
+void filterVelmo(benchmark::State& state) {
+    static const AdvertisementFilter filter(filterRules());
+    eachLink(state, [](const URL& url) { return filter.matches(url); });
+}
+BENCHMARK(filterVelmo)->Name("ad-filter/velmo")->Unit(benchmark::kMillisecond);
 
 std::vector<detail::LinkTableRows> allTables() {
     std::vector<detail::LinkTableRows> all;

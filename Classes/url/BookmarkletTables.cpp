@@ -7,76 +7,80 @@ namespace {
 
 /// 60 forms that submit a page to a bookmarking or social site, all with a query.
 constexpr std::string_view QueriedBookmarklets[] = {
-    // Delicious
-    "del.icio.us/post?",
+    // Bluesky, Threads, Mastodon
+    "bsky.app/intent/compose?",
+    "threads.net/intent/post?",
+    "mastodonshare.com/?",
+    // Buffer
+    "buffer.com/add?",
+    "bufferapp.com/add?",
+    "publish.buffer.com/compose?",
+    // Delicious, Digg, Diigo
     "delicious.com/post?",
     "delicious.com/save?",
-    // Digg
-    "digg.com/remote-submit?",
     "digg.com/submit?",
+    "diigo.com/post?",
+    // Evernote, Flipboard, Instapaper
+    "evernote.com/clip.action?",
+    "share.flipboard.com/bookmarklet/popout?",
+    "instapaper.com/hello2?",
+    // Facebook
+    "facebook.com/dialog/share?",
+    "facebook.com/dialog/feed?",
+    "facebook.com/share.php?",
     // Google
+    "classroom.google.com/share?",
     "google.com/bookmarks/mark?",
     "plus.google.com/share?",
-    // Microsoft
-    "favorites.live.com/quickadd.aspx?",
-    // Reddit, StumbleUpon
+    // LinkedIn
+    "linkedin.com/cws/share?",
+    "linkedin.com/sharearticle?",
+    "linkedin.com/sharing/share-offsite/?",
+    "linkedin.com/feed/?shareactive=true",
+    // messengers
+    "api.whatsapp.com/send?",
+    "web.whatsapp.com/send?",
+    "//wa.me/?",
+    "//t.me/share/url?",
+    "telegram.me/share/url?",
+    "web.skype.com/share?",
+    "line.me/r/msg/text/?",
+    "social-plugins.line.me/lineit/share?",
+    // Pocket, Pinboard
+    "getpocket.com/edit?",
+    "getpocket.com/save?",
+    "pinboard.in/add?",
+    // Reddit, StumbleUpon, Mix, Hacker News
     "reddit.com/submit?",
-    "stumbleupon.com/refer.php?",
     "stumbleupon.com/submit?",
-    // Slashdot
-    "slashdot.org/bookmark.pl?",
-    "slashdot.org/slashdot-it.pl?",
-    // Technorati
-    "technorati.com/faves?",
-    "technorati.com/faves/?",
+    "mix.com/add?",
+    "news.ycombinator.com/submitlink?",
+    // Tumblr, Blogger, Wordpress
+    "tumblr.com/share?",
+    "tumblr.com/share/link?",
+    "tumblr.com/widgets/share/tool?",
+    "blogger.com/blog-this.g?",
+    "/press-this.php?",
     // Twitter
     "twitter.com/home?",
+    "twitter.com/intent/post?",
     "twitter.com/intent/tweet?",
     "twitter.com/share?",
-    "twitthis.com/twit?",
-    // Yahoo
-    "bookmarks.yahoo.com/toolbar/savebm?",
-    "buzz.yahoo.com/buzz?",
-    "myweb.yahoo.com/myresults/bookmarklet?",
-    "myweb2.search.yahoo.com/myresults/bookmarklet?",
-    // other social sites
-    "friendfeed.com/share?",
-    "linkedin.com/sharearticle?",
-    "myspace.com/modules/postto/pages/?",
-    "tumblr.com/share?",
+    "//x.com/intent/post?",
+    "//x.com/intent/tweet?",
+    // Xing
+    "xing.com/spi/shares/new?",
+    "xing.com/social/share/spi?",
+    // Russia
+    "connect.mail.ru/share?",
+    "connect.ok.ru/offer?",
     "vk.com/share.php?",
-    // other sites in English
-    "blinklist.com/index.php?",
-    "blogmarks.net/my/new.php?",
-    "bluedot.us/authoring.aspx?",
-    "care2.com/news/compose?",
-    "citeulike.org/posturl?",
-    "connotea.org/addpopup?",
-    "diigo.com/post?",
-    "dzone.com/links/add.html?",
-    "fark.com/cgi/fark/submit.pl?",
-    "faves.com/authoring.aspx?",
-    "feedmelinks.com/categorize?",
-    "furl.net/storeit.jsp?",
-    "linkagogo.com/go/addnopopup?",
-    "ma.gnolia.com/bookmarklet/add?",
-    "newsvine.com/_tools/seed?",
-    "newsvine.com/_wine/save?",
-    "propeller.com/submit/?",
-    "rawsugar.com/tagger/?",
-    "simpy.com/simpy/linkadd.do?",
-    "spurl.net/spurl.php?",
-    "tailrank.com/share/?",
-    // sites in other languages
-    "icio.de/add.php?",
-    "linkarena.com/bookmarks/addlink/?",
+    // China, Japan
+    "service.weibo.com/share/share.php?",
+    "connect.qq.com/widget/shareqq/index.html?",
+    "b.hatena.ne.jp/add?",
+    // other countries
     "meneame.net/submit.php?",
-    "mister-wong.com/index.php?",
-    "mister-wong.de/index.php?",
-    "oneview.de/quickadd/neu/addbookmark.jsf?",
-    "segnalo.com/post.html.php?",
-    "webnews.de/einstellen?",
-    "yigg.de/neu?",
     // any host
     "/ngs/subscriber/subext.aspx?",
     "action/submitbookmark?url=",
@@ -85,8 +89,8 @@ static_assert(std::size(QueriedBookmarklets) == 60);
 
 /// 5 share pages that count with or without a query.
 constexpr std::string_view Bookmarklets[] = {
-    "facebook.com/sharer.php", "bloglines.com/sub/",        "addthis.com/bookmark.php",
-    "addthis.com/feed.php",    "pinterest.com/pin/create/",
+    "facebook.com/sharer",  "bloglines.com/sub/",        "addthis.com/bookmark.php",
+    "addthis.com/feed.php", "pinterest.com/pin/create/",
 };
 static_assert(std::size(Bookmarklets) == 5);
 

@@ -16,10 +16,10 @@ static_assert(std::size(Recaptchas) == 2);
 constexpr std::string_view Translations[] = {
     // Microsoft
     "microsofttranslator.com/bv.aspx?",
-    "windowslivetranslator.com/bv.aspx?",
     // Google
     "translate.google.",
     "translate.googleusercontent.com/",
+    ".translate.goog/",
     // Baidu
     "fanyi.baidu.com/transpage?",
     // any host

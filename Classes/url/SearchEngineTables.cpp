@@ -12,21 +12,15 @@ namespace {
 constexpr std::string_view Hosts[] = {
     // Microsoft
     ".bing.com",
-    "search.live.",
     "search.msn.",
     // Ask
     ".ask.com",
-    "teoma.",
     // AOL
-    "aolsearch.",
     "search.aol.",
     // Lycos
     "fireball.de",
     "hotbot.",
     "lycos.",
-    // Overture
-    "alltheweb.",
-    "altavista.",
     // InfoSpace
     ".info.com",
     "dogpile.",
@@ -36,51 +30,60 @@ constexpr std::string_view Hosts[] = {
     // private ones
     "duckduckgo.com",
     "ixquick.",
+    "kagi.com",
     "metager.",
     "mojeek.",
+    "oscobo.com",
+    "peekier.com",
+    "presearch.com",
     "qwant.",
-    "scroogle.org",
     "search.brave.com",
+    "searx.",
+    "searxng.",
     "startpage.com",
     "swisscows.",
-    // clustering ones
-    "clusty.",
-    "exalead.",
-    "kartoo.",
-    "vivisimo.",
-    "yippy.com",
+    // small and open ones
+    "marginalia-search.com",
+    "search.marginalia.nu",
+    "stract.com",
+    "wiby.me",
+    // answering ones
+    ".you.com",
+    "perplexity.ai",
+    "wolframalpha.com",
+    // green ones
+    "ecosia.org",
+    "ekoru.org",
+    "lilo.org",
     // others of the whole web
-    ".a9.com",
     ".mamma.com",
     ".search.com",
-    "blekko.com",
-    "ecosia.org",
     "entireweb.",
     "excite.",
-    "gigablast.",
-    "hakia.com",
-    "infoseek.",
-    "northernlight.",
-    "wisenut.",
-    "wolframalpha.com",
-    // of weblogs and feeds
-    "blogdigger.com",
-    "daypop.com",
-    "feedster.com",
-    "icerocket.com",
-    "technorati.com",
+    "exalead.",
+    "carrot2.org",
+    // of papers
+    "base-search.net",
     // directories
     ".botw.org",
     ".business.com",
-    "dmoz.org",
-    "looksmart.",
-    // China, Japan, Korea
-    "baidu.com",
-    "naver.com",
-    "search.daum.net",
+    "curlie.org",
+    // China
+    "m.baidu.com",
+    "www.baidu.com",
+    "image.baidu.com",
+    ".sm.cn",
+    ".so.com",
+    "so.toutiao.com",
+    "sogou.com",
+    // Japan, Korea, Vietnam
     "search.goo.ne.jp",
     "search.nifty.com",
-    "sogou.com",
+    "websearch.rakuten.co.jp",
+    "search.daum.net",
+    "search.naver.com",
+    "search.zum.com",
+    "coccoc.com",
     // Russia and the Czech Republic, Poland
     "go.mail.ru",
     "nova.rambler.ru",
@@ -89,9 +92,8 @@ constexpr std::string_view Hosts[] = {
     "yandex.",
     // France, Italy, Switzerland
     ".search.ch",
-    "arianna.libero.it",
+    "lemoteur.orange.fr",
     "ricerca.virgilio.it",
-    "search.ke.voila.fr",
     // Germany
     "suche.gmx.net",
     "suche.t-online.de",

@@ -1,10 +1,12 @@
 // URLs: reading, resolving, escapes, parameters, judging, simplification, hosts and paths.
+#include <velmocore/url/AdvertisementFilter.h>
 #include <velmocore/url/FileKinds.h>
 #include <velmocore/url/InvertedPaths.h>
 #include <velmocore/url/LinkAcceptance.h>
 #include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/LinkFollowing.h>
 #include <velmocore/url/MIMETypes.h>
+#include <velmocore/url/PageKey.h>
 #include <velmocore/url/PercentEscapes.h>
 #include <velmocore/url/QueryParameters.h>
 #include <velmocore/url/RelativeURLs.h>
@@ -118,6 +120,17 @@ constexpr Operation Rows[] = {
          use(simplifiedStringURL(in.text));
          use(isEqualToStringURL(in.text, in.text + u"#a"));
          for (const URL& url : placedIn(in)) use(simplifiedStringURL(url));
+     }},
+    {"page keys",
+     [](const Input& in) {
+         for (const URL& url : placedIn(in)) use(pageKey(url));
+     }},
+    {"tracking rows",
+     [](const Input& in) { use(TrackingParameters(in.text).contains(in.text, in.text)); }},
+    {"advertisement rules",
+     [](const Input& in) {
+         const AdvertisementFilter filter(in.text);
+         for (const URL& url : placedIn(in)) use(filter.matches(url));
      }},
     {"classification",
      [](const Input& in) {

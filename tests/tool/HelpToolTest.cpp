@@ -72,7 +72,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 43u);
+    EXPECT_EQ(names.size(), 44u);
     for (const std::string& name : names) {
         if (name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
@@ -120,6 +120,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url accept", "http://h/"},
         {"url unwrap", "--base http://h/ a"},
         {"url simplify", "http://h/"},
+        {"url key", "http://h/"},
         {"url parse", "http://h/"},
         {"url path", "http://h/"},
         {"url params", "http://h/?a=b"},

@@ -2,14 +2,17 @@
 // choice of classes would save nothing.
 #include <fmt/core.h>
 
+#include <velmocore/url/AdvertisementFilter.h>
 #include <velmocore/url/SearchEngines.h>
 #include <velmocore/url/URLClassification.h>
 #include <velmocore/url/URLConstruction.h>
 #include <velmocore/url/URLSchemes.h>
 
 #include <memory>
+#include <optional>
 
 #include "UrlCommands.h"
+#include "frame/FileBytes.h"
 
 namespace velmo::tool {
 namespace {
@@ -17,11 +20,15 @@ namespace {
 struct Options {
     std::vector<std::string> urls;
     bool noCommonHosts = false;
+    std::string filter;
 };
 
-JsonObject classesOf(const String& url, bool includingCommonHosts) {
+using Filter = std::optional<AdvertisementFilter>;
+
+JsonObject classesOf(const String& url, bool includingCommonHosts, const Filter& filter) {
     const URLClasses classes = classesOfStringURL(url, includingCommonHosts);
-    return {{"advertisement", classes.advertisement},
+    const URL parsed = URLWithNormalizedStringURL(url);
+    return {{"advertisement", classes.advertisement || (filter && filter->matches(parsed))},
             {"imageAd", classes.imageAd},
             {"adSense", classes.adSense},
             {"bookmarklet", classes.bookmarklet},
@@ -31,7 +38,7 @@ JsonObject classesOf(const String& url, bool includingCommonHosts) {
             {"forum", classes.forum},
             {"cached", classes.cached},
             // The only one that is asked of a URL with its host and not of the text.
-            {"searchEngine", isSearchEngine(URLWithNormalizedStringURL(url))}};
+            {"searchEngine", isSearchEngine(parsed)}};
 }
 
 std::string namesOf(const JsonObject& classes) {
@@ -42,8 +49,15 @@ std::string namesOf(const JsonObject& classes) {
 }
 
 void run(Report& report, const Options& options) {
+    Filter filter;
+    try {
+        if (!options.filter.empty())
+            filter.emplace(String::fromUTF8(charsOf(readFile(options.filter))));
+    } catch (const InputError& error) {
+        return report.fail(options.filter, error.what());
+    }
     forEachUrl(report, options.urls, [&](const String& url) {
-        const JsonObject classes = classesOf(url, !options.noCommonHosts);
+        const JsonObject classes = classesOf(url, !options.noCommonHosts, filter);
         if (!report.json())
             return report.printLine(fmt::format("{}: {}", url.utf8(), namesOf(classes)));
         JsonObject object{{"url", url}};
@@ -66,6 +80,8 @@ Command makeUrlClassifyCommand(Session& session) {
     addUrlArguments(command, options->urls);
     command.add({flag("--no-common-hosts", options->noCommonHosts,
                       "well-known advertisers and surveys are no advertisements"),
+                 text("--filter", "FILE", options->filter,
+                      "what a list of blockers' rules names is an advertisement too"),
                  jsonFlag(session, "one JSON object a URL")});
     return command;
 }

@@ -31,11 +31,11 @@ void forEachUrl(Report& report, const std::vector<std::string>& urls,
 std::span<const CommandEntry> urlActions() {
     // In the order of the help.
     static const CommandEntry actions[] = {
-        {"resolve", makeUrlResolveCommand}, {"simplify", makeUrlSimplifyCommand},
-        {"parse", makeUrlParseCommand},     {"path", makeUrlPathCommand},
-        {"params", makeUrlParamsCommand},   {"accept", makeUrlAcceptCommand},
-        {"unwrap", makeUrlUnwrapCommand},   {"classify", makeUrlClassifyCommand},
-        {"repair", makeUrlRepairCommand},
+        {"resolve", makeUrlResolveCommand},   {"simplify", makeUrlSimplifyCommand},
+        {"key", makeUrlKeyCommand},           {"parse", makeUrlParseCommand},
+        {"path", makeUrlPathCommand},         {"params", makeUrlParamsCommand},
+        {"accept", makeUrlAcceptCommand},     {"unwrap", makeUrlUnwrapCommand},
+        {"classify", makeUrlClassifyCommand}, {"repair", makeUrlRepairCommand},
     };
     return actions;
 }

@@ -13,6 +13,7 @@ namespace velmo::tool {
 
 Command makeUrlAcceptCommand(Session& session);
 Command makeUrlClassifyCommand(Session& session);
+Command makeUrlKeyCommand(Session& session);
 Command makeUrlParamsCommand(Session& session);
 Command makeUrlParseCommand(Session& session);
 Command makeUrlPathCommand(Session& session);

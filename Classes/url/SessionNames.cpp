@@ -1,0 +1,65 @@
+#include "url/SessionNames.h"
+
+#include <algorithm>
+
+#include "platform/Ascii.h"
+#include "url/TrackingTables.h"
+
+namespace velmo::detail {
+namespace {
+
+using Units = std::u16string_view;
+
+bool isSameLower(Units units, std::string_view lower) {
+    return units.size() == lower.size() &&
+           std::equal(units.begin(), units.end(), lower.begin(), [](char16_t unit, char c) {
+               return ascii::toLower(unit) == static_cast<char16_t>(c);
+           });
+}
+
+bool isNamed(Units name, std::string_view row) {
+    if (!row.ends_with('*')) return isSameLower(name, row);
+    row.remove_suffix(1);
+    return name.size() >= row.size() && isSameLower(name.substr(0, row.size()), row);
+}
+
+/// Sixteen letters and digits or more, some of them digits: no word, and no number of an article.
+bool looksLikeId(Units value) {
+    const auto isOfId = [](char16_t unit) {
+        return ascii::isLetterOrDigit(unit) || unit == u'-' || unit == u'_' || unit == u'.';
+    };
+    return value.size() >= 16 && std::all_of(value.begin(), value.end(), isOfId) &&
+           std::any_of(value.begin(), value.end(), ascii::isDigit<char16_t>);
+}
+
+/// "(24 lower letters and digits)", as servers wrote sessions at first.
+bool isPlainSession(Units inner) {
+    return inner.size() == 24 && std::all_of(inner.begin(), inner.end(), [](char16_t unit) {
+               return ascii::isLower(unit) || ascii::isDigit(unit);
+           });
+}
+
+}  // namespace
+
+bool isSessionParameter(Units name, Units value) {
+    for (const SessionRow& row : sessionRows())
+        if (isNamed(name, row.name)) return !row.ifLong || looksLikeId(value);
+    return false;
+}
+
+bool isSessionComponent(Units component) {
+    if (component.size() < 4 || component.front() != u'(' || component.back() != u')') return false;
+    Units inner = component.substr(1, component.size() - 2);
+    if (isPlainSession(inner)) return true;
+    // A letter for what it is of, and its value in parentheses, once or more often.
+    bool hasSession = false;
+    while (inner.size() >= 3 && inner[1] == u'(' && Units(u"ASFX").find(inner[0]) != Units::npos) {
+        const std::size_t end = inner.find(u')');
+        if (end == Units::npos) return false;
+        hasSession = hasSession || inner[0] != u'X';
+        inner.remove_prefix(end + 1);
+    }
+    return inner.empty() && hasSession;
+}
+
+}  // namespace velmo::detail

@@ -1,0 +1,33 @@
+// The parameters that are known to track, and how sessions are named.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace velmo::detail {
+
+/// How it is known what a parameter is for.
+enum class Knowledge {
+    Documented,  ///< the party tells it in its public help
+    Observed,    ///< it is met in links of the party's services
+};
+
+struct TrackingRow {
+    std::string_view name;   ///< in lower case; a * at its end stands for anything
+    std::string_view hosts;  ///< where it counts, parted by spaces; empty: everywhere
+    std::string_view party;  ///< who reads it
+    Knowledge knowledge;
+};
+
+/// 357 rows.
+std::span<const TrackingRow> trackingRows();
+
+struct SessionRow {
+    std::string_view name;  ///< in lower case; a * at its end stands for anything
+    bool ifLong;            ///< only with a value that looks like an id
+};
+
+/// 34 rows.
+std::span<const SessionRow> sessionRows();
+
+}  // namespace velmo::detail
