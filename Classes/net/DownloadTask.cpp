@@ -45,7 +45,9 @@ bool DownloadTask::poll() {
 }
 
 DownloadTask::Clock::time_point DownloadTask::deadline() const {
-    const Seconds timeout(std::clamp(_request.timeoutInterval, 0.0, LongestTimeout));
+    const double interval = _request.timeoutInterval;
+    // Whatever is not above 0, a value that is no number too, is no time at all.
+    const Seconds timeout(interval > 0 ? std::min(interval, LongestTimeout) : 0);
     return _lastNetworkActivity + std::chrono::duration_cast<Clock::duration>(timeout);
 }
 

@@ -15,6 +15,16 @@ namespace {
 constexpr std::size_t MostActive = 64;
 constexpr std::chrono::milliseconds LongestWait{1000};
 
+/// Does something to a task. Want of memory ends that one and not the thread.
+template <class Work>
+void guard(DownloadTask& task, Work work) {
+    try {
+        work();
+    } catch (const std::exception& error) {
+        task.cancelWithError(urlError(URLErrorUnknown, String::fromUTF8(error.what())));
+    }
+}
+
 }  // namespace
 
 SessionLoop& SessionLoop::shared() {
@@ -60,7 +70,7 @@ bool SessionLoop::admit() {
         waiting_.pop_front();
         lock.unlock();
         auto task = std::make_unique<DownloadTask>(nullptr, nullptr);
-        task->start(loader_, next.request, std::move(next.cookies));
+        guard(*task, [&] { task->start(loader_, next.request, std::move(next.cookies)); });
         active_.push_back({std::move(task), std::move(next.completionHandler)});
         lock.lock();
     }
@@ -81,8 +91,11 @@ std::chrono::milliseconds SessionLoop::longestWait() const {
 
 void SessionLoop::pollAll() {
     std::vector<Active> ended;
-    for (Active& active : active_)
-        if (!active.task->poll()) ended.push_back(std::move(active));
+    for (Active& active : active_) {
+        bool goesOn = false;
+        guard(*active.task, [&] { goesOn = active.task->poll(); });
+        if (!goesOn) ended.push_back(std::move(active));
+    }
     std::erase_if(active_, [](const Active& active) { return !active.task; });
     for (Active& active : ended) complete(std::move(active));
 }

@@ -3,6 +3,7 @@
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -41,8 +42,9 @@ public:
             while (!stops_ && std::chrono::steady_clock::now() < end)
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
-        /// As much of a body as is there; what was asked for.
+        /// The request, up to the empty line at least.
         std::string head;
+        bool keepsOpen = false;  ///< whether another request may come
 
     private:
         int file_;
@@ -84,13 +86,19 @@ private:
     }
     void serve(int file) {
         Client client(file, stops_);
-        char bytes[4096];
-        while (client.head.find("\r\n\r\n") == std::string::npos) {
-            const ssize_t got = ::recv(file, bytes, sizeof bytes, 0);
-            if (got <= 0) break;
-            client.head.append(bytes, static_cast<std::size_t>(got));
-        }
-        if (!client.head.empty()) answer_(client);
+        do {
+            client.head.clear();
+            client.keepsOpen = false;
+            char bytes[4096];
+            while (client.head.find("\r\n\r\n") == std::string::npos) {
+                pollfd waiting = {file, POLLIN, 0};
+                while (::poll(&waiting, 1, 20) == 0 && !stops_) {}
+                const ssize_t got = stops_ ? 0 : ::recv(file, bytes, sizeof bytes, 0);
+                if (got <= 0) break;
+                client.head.append(bytes, static_cast<std::size_t>(got));
+            }
+            if (!client.head.empty()) answer_(client);
+        } while (client.keepsOpen);
         ::close(file);
     }
 

@@ -17,6 +17,8 @@ protected:
         if (path == "/none") return void(client.send(answerOf("none", "", "404 Not Found")));
         if (path == "/slow") return client.wait(std::chrono::seconds(5));
         if (path == "/echo" || isPost) return void(client.send(answerOf(client.head)));
+        if (path == "/odd")
+            return void(client.send(answerOf("<p>\xC3\xA4", "Content-Type: text/html; charset=klingon\r\n")));
         if (path == "/raw")
             return void(client.send(answerOf("<p>\xC1\xC2", "Content-Type: text/html; charset=koi8-r\r\n")));
         client.send(answerOf("<p>A cat", "Content-Type: text/html\r\nLast-Modified: yesterday\r\n"));
@@ -69,6 +71,7 @@ TEST_F(FetchTool, KeepsPagesByTheirAddresses) {
 
 TEST_F(FetchTool, FeedsAllCommands) {
     EXPECT_EQ(run("text " + server_.at("/raw")).out, "\xD0\xB0\xD0\xB1\n");
+    EXPECT_EQ(run("text " + server_.at("/odd")).out, "\xC3\xA4\n");
     EXPECT_EQ(run("charset --http-charset utf-8 --json " + server_.at("/a")).lines().at(0)["encoding"], "utf-8");
     EXPECT_EQ(run("match cat --files-from -", server_.at("/new.html") + "\n").code, 0);
     EXPECT_EQ(run("digest --crc " + server_.at("/a")).out.substr(0, 8),

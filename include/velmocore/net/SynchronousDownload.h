@@ -108,7 +108,7 @@ private:
 struct DownloadedResponse {
     std::optional<Data> data;  ///< what came, after a failure too
     std::optional<URLResponse> response;
-    URLRequest request;  ///< the last one; absent if there was none
+    URLRequest request;  ///< the last one that is known; absent if there was none
     std::optional<Error> error;
 };
 

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 struct Options {
     std::vector<std::string> urls;
-    std::string output, referrer, userAgent, post;
+    std::string output, referrer, userAgent, post, certificates;
     double timeout = 60;
     std::uint64_t jobs = 8, limit = UsualLimit;
     bool toStandardOutput = false, force = false;
@@ -45,6 +45,7 @@ DownloadOptions downloadOptions(const Options& options) {
                                 .userAgent = given(options.userAgent),
                                 .timeoutInterval = options.timeout,
                                 .limits = {.body = options.limit}};
+    if (!options.certificates.empty()) download.certificateAuthorities = options.certificates;
     if (!options.post.empty()) download.httpPost = given(options.post);
     return download;
 }
@@ -174,6 +175,8 @@ Command makeFetchCommand(Session& session) {
         real("--timeout", "SECONDS", options->timeout,
              "give up after so long a silence; 60 if not given", 0.001, 1e6),
         text("--post", "TEXT", options->post, "post this, as NAME=VALUE&NAME=VALUE"),
+        text("--certificates", "FILE", options->certificates,
+             "trust the certificates in this file, in PEM, and not those of the system"),
         number("--limit", "BYTES", options->limit,
                fmt::format("most bytes that a page may have; {}", UsualLimit)),
         number("-j,--jobs", "N", options->jobs,
