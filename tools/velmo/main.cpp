@@ -21,6 +21,7 @@ namespace {
 const std::vector<CommandEntry>& allCommands() {
     static const std::vector<CommandEntry> commands = {
         {"gather", makeGatherCommand},
+        {"fetch", makeFetchCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
         {"feed", makeFeedCommand},
@@ -43,6 +44,7 @@ const std::vector<CommandEntry>& allCommands() {
          "ARCHIVE"},
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
+        {"form", makeFormCommand},
         {"date", makeDateCommand},
         {"sheet", makeSheetCommand},
         {"bib", makeBibCommand},
@@ -62,6 +64,7 @@ const std::vector<CommandEntry>& allCommands() {
 constexpr std::string_view OverviewHead =
     "Examples:\n"
     "  velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'\n"
+    "  velmo fetch --output mirror/ https://www.example.org/page.html\n"
     "  velmo text page.html --only-body\n"
     "  velmo links page.html --base https://example.org/page.html --json\n"
     "  velmo match '(cat OR dog) -bird' notes.txt page.html\n"
