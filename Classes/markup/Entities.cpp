@@ -16,6 +16,7 @@
 
 #include "markup/EntityTables.h"
 #include "markup/RewriteRuns.h"
+#include "markup/WebReferences.h"
 #include "platform/Ascii.h"
 #include "text/UnitScan.h"
 
@@ -85,6 +86,11 @@ Run readRun(Units text, std::size_t position, Belongs belongs) {
     return {position - 1, text[position - 1] == u';' ? position : position - 1};
 }
 
+/// The units that are significant in markup.
+constexpr bool isStandard(char16_t unit) {
+    return unit == u'"' || unit == u'&' || unit == u'<' || unit == u'>';
+}
+
 Reference readNumber(Units text, bool convertStandard) {
     const bool isHex = text.size() > 2 && (text[2] | 0x20) == u'x';
     const unsigned base = isHex ? 16 : 10;
@@ -103,8 +109,7 @@ Reference readNumber(Units text, bool convertStandard) {
                  static_cast<char16_t>(0xDC00 + (value & 0x3FF))},
                 2};
     const auto unit = static_cast<char16_t>(value);
-    const bool isStandard = unit == u'"' || unit == u'&' || unit == u'<' || unit == u'>';
-    return isStandard && !convertStandard ? Reference() : plainUnit(run.taken, unit);
+    return isStandard(unit) && !convertStandard ? Reference() : plainUnit(run.taken, unit);
 }
 
 Reference readName(Units text) {
@@ -136,9 +141,20 @@ Reference readCommonForm(const char16_t* text) {
     return {};
 }
 
+/// The same by the HTML standard, as far as the options want it.
+Reference readTodaysReference(Units text, EntityOptions options) {
+    const WebReference web = readWebReference(text, options.inAttribute);
+    const char16_t unit = web.units[0];
+    if (!web.taken || (isStandard(unit) && !options.convertStandard)) return {};
+    const bool isName = text[1] != u'#' && unit != u'\'' && unit != u'\u00A0' && !isStandard(unit);
+    if (isName && options.onlyNumericEntities) return {};
+    return {web.taken, {unit, web.units[1]}, web.count, web.count == 1 && !isStandard(unit)};
+}
+
 /// Reads the reference that the text, from its & on, begins with.
 Reference readReference(Units text, EntityOptions options) {
     if (text.size() < 2) return {};
+    if (options.web.references) return readTodaysReference(text, options);
     if (const Reference loose = readLooseForm(text, options.convertStandard); loose.taken)
         return loose;
     if (text[1] == u'#') return readNumber(text, options.convertStandard);
@@ -260,7 +276,7 @@ std::size_t convertEntities2Characters(const char16_t* source, char16_t* destina
 
 String stringByConvertingEntitiesToCharacters(const String& string, EntityOptions options) {
     const std::size_t length = string.length();
-    if (length < MinReference) return string;
+    if (length < MinReference && !options.web.references) return string;
     if (scan::find(string.begin(), string.end(), u'&') == string.end()) return string;
     StringBuilder out(length);
     out.commit(convertEntities2Characters(string.characters(), out.data(), 0, length, options));

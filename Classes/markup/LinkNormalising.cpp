@@ -65,11 +65,12 @@ bool endsWithStrayEscape(Units link) {
     }
 }
 
-bool isNormal(Units value, bool decodePercentEscapes) {
+bool isNormal(Units value, LinkReading reading) {
     if (findSuspect(value.data(), value.data() + value.size()) != value.data() + value.size())
         return false;
     // With decoding each escape may change the link; without it only one at the end may.
-    return decodePercentEscapes ? value.find(u'%') == value.npos : !endsWithStrayEscape(value);
+    if (reading.decodePercentEscapes) return value.find(u'%') == value.npos;
+    return reading.web.linkEscapes || !endsWithStrayEscape(value);
 }
 
 /// Cuts what stands at both ends, as often as it does, while at least two of it are left.
@@ -101,13 +102,13 @@ double leadingNumber(Units text) {
 
 }  // namespace
 
-NormalizedLink::NormalizedLink(Units value, bool decodePercentEscapes) {
+NormalizedLink::NormalizedLink(Units value, LinkReading reading) {
     if (value.empty()) return;
-    link_ = isNormal(value, decodePercentEscapes) ? value : normalized(value, decodePercentEscapes);
+    link_ = isNormal(value, reading) ? value : normalized(value, reading);
     if (link_.empty()) link_ = {};
 }
 
-Units NormalizedLink::normalized(Units value, bool decodePercentEscapes) {
+Units NormalizedLink::normalized(Units value, LinkReading reading) {
     // Room for the whole value, as every step after the copy only shortens.
     if (value.size() > SmallSize) large_ = std::make_unique_for_overwrite<char16_t[]>(value.size());
     char16_t* const units = large_ ? large_.get() : small_;
@@ -132,20 +133,23 @@ Units NormalizedLink::normalized(Units value, bool decodePercentEscapes) {
         if (!hasQuery) std::replace(writable(), writable() + link.size(), u'\\', u'/');
     }
     if (link.size() >= 4 && link.find(u'&') != link.npos) {
-        const std::size_t length = convertEntities2Characters(
-            writable(), writable(), 0, link.size(), {.onlyNumericEntities = true});
+        const std::size_t length =
+            convertEntities2Characters(writable(), writable(), 0, link.size(),
+                                       {.onlyNumericEntities = !reading.web.references,
+                                        .inAttribute = true,
+                                        .web = reading.web});
         link = link.substr(0, length);
     }
     // After the entities: one of them may stand for the % of an escape.
-    while (endsWithStrayEscape(link)) link.remove_suffix(3);
-    if (decodePercentEscapes)
+    while (!reading.web.linkEscapes && endsWithStrayEscape(link)) link.remove_suffix(3);
+    if (reading.decodePercentEscapes)
         link = link.substr(0, convertPercentEscapesOfURL(writable(), link.size(), true));
     // White space goes first, as it may stand outside the quote marks.
     return withoutPairs(withoutWhiteEnds(link, white), u"\"");
 }
 
 String normalizedStringURL(Units value, bool decodePercentEscapes) {
-    return NormalizedLink(value, decodePercentEscapes).view();
+    return NormalizedLink(value, {.decodePercentEscapes = decodePercentEscapes}).view();
 }
 
 String normalizedRelLink(Units value) {

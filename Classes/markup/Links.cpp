@@ -80,7 +80,7 @@ private:
 
     void add(Units href) {
         if (href.empty() || (options_.filter && filterLink(href))) return;
-        const NormalizedLink link(href);
+        const NormalizedLink link(href, {.web = options_.web});
         if (!link.view().empty()) links_.add(link.view());
     }
 

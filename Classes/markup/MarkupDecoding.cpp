@@ -11,6 +11,7 @@
 #include <velmocore/markup/FileTypes.h>
 #include <velmocore/markup/MarkupCharset.h>
 #include <velmocore/markup/TagAttributes.h>
+#include <velmocore/markup/WebCharsets.h>
 #include <velmocore/platform/PropertyList.h>
 
 #include "markup/HeadCharset.h"
@@ -198,6 +199,11 @@ MarkupDecoding decodeMarkup(Bytes data, const MarkupDecodingOptions& options) {
     if (data.empty()) return {String::empty(), options.defaultEncoding};
     const String charset = headerCharset(options.contentType);
     const std::u16string_view name = charset.isEmpty() ? options.encodingName : charset.view();
+    if (options.web.charsets) {
+        WebCharset found = webCharset(data, name);
+        return {detail::decodedString(found.encoding, data, Decode::Lenient),
+                stringEncodingOf(found.encoding), std::move(found.declared)};
+    }
     return PageTrials(data, name, options.defaultEncoding).run();
 }
 

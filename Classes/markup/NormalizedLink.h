@@ -5,11 +5,18 @@
 #include <memory>
 #include <string_view>
 
+#include <velmocore/text/WebRules.h>
+
 namespace velmo::detail {
+
+struct LinkReading {
+    bool decodePercentEscapes = false;
+    WebRules web = {};
+};
 
 class NormalizedLink {
 public:
-    explicit NormalizedLink(std::u16string_view value, bool decodePercentEscapes = false);
+    explicit NormalizedLink(std::u16string_view value, LinkReading reading = {});
     NormalizedLink(const NormalizedLink&) = delete;
     NormalizedLink& operator=(const NormalizedLink&) = delete;
 
@@ -18,7 +25,7 @@ public:
     std::u16string_view view() const noexcept { return link_; }
 
 private:
-    std::u16string_view normalized(std::u16string_view value, bool decodePercentEscapes);
+    std::u16string_view normalized(std::u16string_view value, LinkReading reading);
 
     static constexpr std::size_t SmallSize = 256;
 

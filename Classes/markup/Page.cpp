@@ -7,11 +7,12 @@
 #include <optional>
 #include <set>
 
+#include <velmocore/markup/Entities.h>
 #include <velmocore/markup/ErrorPages.h>
-#include <velmocore/markup/LinkNormalising.h>
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/text/Collapsing.h>
+#include <velmocore/text/Trimming.h>
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLSchemes.h>
 #include <velmocore/url/URLSimplification.h>
@@ -38,11 +39,12 @@ private:
 
 /// What stands between the first title tag and its end. An image in the page may have titles of
 /// its own.
-String firstTitle(detail::TagWalk walk) {
+String firstTitle(detail::TagWalk walk, WebRules web) {
     String title = String::empty();
     walk([&](const Tag& tag) {
         if (!tag.isNamed("TITLE") || !isTagClosed(tag.whole())) return false;
-        title = stringByRemovingMultipleWhiteSpaces(normalizedHtmlString(tag.text()));
+        title = stringByRemovingMultipleWhiteSpaces(stringByTrimmingWhiteSpaces(
+            stringByConvertingEntitiesToCharacters(tag.text(), {.web = web})));
         return true;
     });
     return title;
@@ -51,10 +53,11 @@ String firstTitle(detail::TagWalk walk) {
 }  // namespace
 
 struct Page::State {
-    State(String text, StringEncoding used, URL from)
+    State(String text, StringEncoding used, URL from, WebRules rules)
         : markup(text.isAbsent() ? String::empty() : std::move(text)),
           encoding(used),
-          url(std::move(from)) {}
+          url(std::move(from)),
+          web(rules) {}
 
     const detail::TagList& tags() const {
         return tags_.get([&] { return detail::TagList(markup); });
@@ -88,6 +91,7 @@ struct Page::State {
     const String markup;
     const StringEncoding encoding;
     const URL url;
+    const WebRules web;
 
     Lazy<detail::TagList> tags_;
     Lazy<HtmlReferences> references_;
@@ -101,13 +105,15 @@ struct Page::State {
 };
 
 Page::Page(Bytes bytes, const PageOptions& options) {
-    MarkupDecoding decoded = decodeMarkup(
-        bytes, {.contentType = options.contentType, .defaultEncoding = options.defaultEncoding});
-    state_ = std::make_shared<const State>(std::move(decoded.text), decoded.encoding, options.url);
+    MarkupDecoding decoded = decodeMarkup(bytes, {.contentType = options.contentType,
+                                                  .defaultEncoding = options.defaultEncoding,
+                                                  .web = options.web});
+    state_ = std::make_shared<const State>(std::move(decoded.text), decoded.encoding, options.url,
+                                           options.web);
 }
 
 Page Page::pageWithString(const String& markup, const URL& url) {
-    return Page(std::make_shared<const State>(markup, UnknownStringEncoding, url));
+    return Page(std::make_shared<const State>(markup, UnknownStringEncoding, url, WebRules()));
 }
 
 const String& Page::markup() const noexcept { return state_->markup; }
@@ -116,12 +122,13 @@ const URL& Page::url() const noexcept { return state_->url; }
 const URL& Page::baseURL() const { return state_->baseURL(); }
 
 const String& Page::title() const {
-    return state_->title.get([this] { return firstTitle(state_->tags()); });
+    return state_->title.get([this] { return firstTitle(state_->tags(), state_->web); });
 }
 
 const String& Page::plainText() const {
-    return state_->plainText.get(
-        [this] { return detail::plainTextOf(state_->markup, state_->tags(), {}).text; });
+    return state_->plainText.get([this] {
+        return detail::plainTextOf(state_->markup, state_->tags(), {.web = state_->web}).text;
+    });
 }
 
 const HtmlMetadata& Page::metadata() const {
@@ -148,7 +155,7 @@ bool Page::isFeed() const { return velmo::isFeed(state_->markup); }
 
 const std::vector<URL>& Page::links() const {
     return state_->links.get([this] {
-        std::vector<String> links = detail::linksOf(state_->tags(), {}).links;
+        std::vector<String> links = detail::linksOf(state_->tags(), {.web = state_->web}).links;
         // On a file base a # would be a part of the path; on others the anchor is cut anyway.
         if (baseURL().isFileURL())
             for (String& link : links) link = stringURLWithoutAnchor(link);

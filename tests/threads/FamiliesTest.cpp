@@ -31,7 +31,9 @@
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
+#include <velmocore/storage/InternetLocations.h>
 #include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/storage/MetaDataStore.h>
 #include <velmocore/storage/StorageBlocks.h>
 #include <velmocore/system/StandardFolders.h>
 #include <velmocore/text/Checksums.h>
@@ -133,6 +135,10 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         },
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
+        [&] {
+            const InternetLocation found = resolveInternetLocationData({"URL=http://h/\n", u"url"});
+            return found.url.utf8() + getWhereFrom({{WhereFromsKey, {url.absoluteString()}}}).utf8();
+        },
         [&] { return dates(); },
         [&] { return joined(valuesSeparatedByTab(text).rows.at(0)); },
         [&] { return BibTeXEntriesNamed(u"@string{m = M}@a{k, t = {" + text + u"}}").entries[0].value(u"t").utf8(); },

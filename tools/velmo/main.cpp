@@ -45,8 +45,12 @@ const std::vector<CommandEntry>& allCommands() {
         {"sheet", makeSheetCommand},
         {"bib", makeBibCommand},
         {"records", makeRecordsCommand},
+        {"comments", makeCommentsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
+        {"attributes", nullptr, attributeActions(),
+         "Extended attributes of files: values, tags, sources and comments", "PATH..."},
+        {"location", makeLocationCommand},
     };
     return commands;
 }

@@ -4,6 +4,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
@@ -23,6 +24,9 @@ struct EntityOptions {
     bool onlyNumericEntities = false;
     /// Takes the diacritics away, from all units that are copied or decoded by name or number.
     bool nonUmlauted = false;
+    /// Whether this is the value of an attribute; only WebRules::references tells it apart.
+    bool inAttribute = false;
+    WebRules web = {};
 };
 
 /// Decodes length units of the source from location on and writes them to the start of the

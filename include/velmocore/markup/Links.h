@@ -6,6 +6,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/FunctionRef.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo {
@@ -25,6 +26,7 @@ struct LinkOptions {
     bool useRelNoFollow = false;
     /// Leaves out what filterLink() does not find worth following.
     bool filter = false;
+    WebRules web = {};  ///< how references in links, and links that end with escapes, are read
     /// Is asked for each link, with its raw reference and its text without tags; true keeps
     /// the link.
     FunctionRef<bool(std::u16string_view link, std::u16string_view text)> handler = nullptr;

@@ -7,6 +7,7 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Encodings.h>
 #include <velmocore/text/StringFiles.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
@@ -28,6 +29,8 @@ struct MarkupDecodingOptions {
     std::u16string_view encodingName = {};
     /// The encoding of pages that name none.
     StringEncoding defaultEncoding = velmo::defaultEncoding();
+    /// WebRules::charsets finds the encoding by itself; the one for pages that name none is not used.
+    WebRules web = {};
 };
 
 /// A page that was decoded.

@@ -10,6 +10,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/Encodings.h>
+#include <velmocore/text/WebRules.h>
 #include <velmocore/url/URL.h>
 #include <velmocore/words/LanguageFilter.h>
 
@@ -21,6 +22,7 @@ struct PageOptions {
     std::u16string_view contentType = {};  ///< the value of its Content-Type header
     /// The encoding of pages that name none.
     StringEncoding defaultEncoding = velmo::defaultEncoding();
+    WebRules web = {};  ///< how it is read
 };
 
 /// A page of the web, and what most programs want to know of it; the operations of the other

@@ -44,6 +44,7 @@ inline constexpr StringEncoding UnknownStringEncoding = 0xFFFFFFFF;
 
 inline constexpr TextEncoding UTF16TextEncoding = 256;
 inline constexpr TextEncoding ISOLatin1TextEncoding = 513;
+inline constexpr TextEncoding Windows1252TextEncoding = 1280;
 inline constexpr TextEncoding ASCIITextEncoding = 1536;
 inline constexpr TextEncoding EUCCNTextEncoding = 2352;
 inline constexpr TextEncoding ShiftJISTextEncoding = 2561;

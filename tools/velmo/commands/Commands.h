@@ -10,6 +10,7 @@ namespace velmo::tool {
 Command makeBibCommand(Session& session);
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
+Command makeCommentsCommand(Session& session);
 Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
@@ -19,6 +20,7 @@ Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
 Command makeLinksCommand(Session& session);
+Command makeLocationCommand(Session& session);
 Command makeMatchCommand(Session& session);
 Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);
@@ -32,6 +34,8 @@ Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo attributes".
+std::span<const CommandEntry> attributeActions();
 /// The actions of "velmo store".
 std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".

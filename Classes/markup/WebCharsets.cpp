@@ -1,0 +1,64 @@
+#include <velmocore/markup/WebCharsets.h>
+
+#include <algorithm>
+#include <string>
+
+#include "markup/CharsetLabelTables.h"
+#include "markup/HeadPrescan.h"
+#include "platform/Ascii.h"
+#include "platform/Converter.h"
+#include "platform/EncodingNumbers.h"
+
+namespace velmo {
+namespace {
+
+constexpr TextEncoding UTF16BE = 0x10000100, UTF16LE = 0x14000100;
+
+struct Mark {
+    std::string_view bytes;
+    TextEncoding encoding;
+};
+constexpr Mark Marks[] = {
+    {"\xEF\xBB\xBF", UTF8TextEncoding}, {"\xFE\xFF", UTF16BE}, {"\xFF\xFE", UTF16LE}};
+
+/// Whether the bytes are UTF-8 and say so by some that are not ASCII.
+bool isPlainlyUTF8(Bytes page) {
+    const auto isAscii = [](std::uint8_t byte) { return byte < 0x80; };
+    if (std::all_of(page.begin(), page.end(), isAscii)) return false;
+    return !detail::decodedString(UTF8TextEncoding, page, detail::Decode::Strict).isAbsent();
+}
+
+/// A page whose head could be read byte by byte is not in UTF-16, whatever it says.
+TextEncoding readable(TextEncoding encoding) {
+    return encoding == UTF16BE || encoding == UTF16LE ? UTF8TextEncoding : encoding;
+}
+
+}  // namespace
+
+TextEncoding encodingOfCharsetLabel(std::u16string_view label) {
+    constexpr std::u16string_view White = u"\t\n\f\r ";
+    const std::size_t start = label.find_first_not_of(White);
+    if (start == label.npos) return UnknownTextEncoding;
+    label = label.substr(start, label.find_last_not_of(White) + 1 - start);
+    std::string name;
+    // No label is longer; what is not ASCII becomes a unit that none has.
+    for (const char16_t unit : label.substr(0, 32))
+        name += unit < 128 ? static_cast<char>(detail::ascii::toLower(unit)) : '?';
+    const auto rows = detail::charsetLabels();
+    const auto row = std::ranges::lower_bound(rows, name, {}, &detail::CharsetLabel::label);
+    return row != rows.end() && row->label == name ? row->encoding : UnknownTextEncoding;
+}
+
+WebCharset webCharset(Bytes page, std::u16string_view headerLabel) {
+    const std::string meta = detail::labelOfMetaTags(page),
+                      xml = meta.empty() ? detail::labelOfXMLDeclaration(page) : std::string();
+    const String declared = String::fromUTF8(meta.empty() ? xml : meta);
+    for (const Mark& mark : Marks)
+        if (charsOf(page).starts_with(mark.bytes)) return {mark.encoding, declared};
+    const TextEncoding header = encodingOfCharsetLabel(headerLabel);
+    if (header != UnknownTextEncoding) return {header, declared};
+    if (!declared.isEmpty()) return {readable(encodingOfCharsetLabel(declared)), declared};
+    return {isPlainlyUTF8(page) ? UTF8TextEncoding : Windows1252TextEncoding, declared};
+}
+
+}  // namespace velmo
