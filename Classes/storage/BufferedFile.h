@@ -16,7 +16,7 @@
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 
-#include "storage/FileCalls.h"
+#include "system/FileCalls.h"
 
 namespace velmo::detail {
 

@@ -9,6 +9,8 @@
 #include <velmocore/storage/KeyedDataEditing.h>
 #include <velmocore/storage/MetaDataStore.h>
 #include <velmocore/storage/StorageBlocks.h>
+#include <velmocore/system/ConnectionTable.h>
+#include <velmocore/system/HelperService.h>
 #include <velmocore/system/StandardFolders.h>
 #include <velmocore/text/Checksums.h>
 #include <velmocore/text/StringFiles.h>
@@ -16,6 +18,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <thread>
 
 #include "../FolderStore.h"
 #include "Growth.h"
@@ -33,6 +36,31 @@ struct TemporaryFile {
         std::error_code ignored;
         std::filesystem::remove(path, ignored);
     }
+};
+
+/// A helper that gives back what it gets.
+class Echo {
+public:
+    Echo() {
+        service_.addOperation(u"echo", [](const PropertyListArray& arguments, Error*) {
+            return std::optional(PropertyList{arguments});
+        });
+        if (service_.publish(name_)) thread_ = std::thread([this] { (void)service_.serve(); });
+    }
+    ~Echo() {
+        service_.stop();
+        if (thread_.joinable()) thread_.join();
+    }
+
+    void call(const PropertyListArray& arguments) const {
+        const auto proxy = rootProxyForConnectionWithRegisteredName(name_);
+        use(proxy ? proxy->call(u"echo", arguments) : std::nullopt);
+    }
+
+private:
+    const String name_ = u"velmo-growth-" + String::fromUTF8(std::to_string(getpid()));
+    HelperService service_;
+    std::thread thread_;
 };
 
 void put(Data& data, std::uint32_t number) {
@@ -190,6 +218,14 @@ constexpr Operation Rows[] = {
          static const TemporaryFile File;
          use(writeToFile(in.text, File.path, false, UTF8StringEncoding));
          use(stringWithContentsOfFile(File.path, UTF8StringEncoding));
+     }},
+    {"calls to helpers",
+     [](const Input& in) {
+         static const Echo Helper;
+         const PropertyListArray numbers(in.utf8.size() / 16, {std::int64_t(1)});
+         const PropertyListArray lists(in.utf8.size() / 64, {PropertyListArray{{true}}});
+         Helper.call({{in.text}, {in.utf8}, {numbers}, {lists}});
+         use(rootProxyForConnectionWithRegisteredName(in.text));
      }},
     {"folders of the user",
      [](const Input& in) {

@@ -341,6 +341,21 @@ constexpr Hostile Sheets[] = {
     {"macros in a value", u"@string{a = 1}@string{aa = 2}@string{ba = 3}@a{k, x = {", u"ba"},
 };
 
+constexpr Hostile Net[] = {
+    {"delimiters", u"", u"--B"},
+    {"parts", u"", u"--B\r\nContent-Disposition: form-data; name=\"\001\"\r\n\r\nx\r\n"},
+    {"parts of one name", u"",
+     u"--B\r\nContent-Disposition: form-data; name=\"a\"; filename=\"f\"\r\n\r\nx\r\n"},
+    {"parts without a name", u"", u"--B\r\nContent-Disposition: form-data;\r\n\r\n\r\n"},
+    {"names in one part", u"--B\r\nContent-Disposition: form-data; ", u"name=", u"\r\n\r\nx"},
+    {"spaces of a part", u"--B\r\nContent-Disposition: form-data;", u" "},
+    {"fields", u"HTTP/1.1 200 OK\r\n", u"\001: 1\r\n"},
+    {"fields of one name", u"HTTP/1.1 200 OK\r\n", u"Content-Type: text/html\r\n"},
+    {"folded field", u"HTTP/1.1 200 OK\r\nA: b\r\n", u" c\r\n"},
+    {"status without end", u"HTTP/1.1 200 ", u" "},
+    {"charsets", u"text/html; ", u"charset="},
+};
+
 }  // namespace
 
 std::span<const Hostile> plainTexts() { return Plain; }
@@ -349,6 +364,7 @@ std::span<const Hostile> locationTexts() { return Locations; }
 std::span<const Hostile> queryTexts() { return Queries; }
 std::span<const Hostile> dateTexts() { return Dates; }
 std::span<const Hostile> sheetTexts() { return Sheets; }
+std::span<const Hostile> netTexts() { return Net; }
 
 std::u16string textOf(const Hostile& hostile, std::size_t units) {
     std::u16string text(hostile.head);

@@ -16,6 +16,8 @@
 #include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/TagStripping.h>
+#include <velmocore/net/URLRequest.h>
+#include <velmocore/net/UserAgents.h>
 #include <velmocore/platform/DateFormat.h>
 #include <velmocore/platform/Log.h>
 #include <velmocore/platform/PropertyList.h>
@@ -138,6 +140,10 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] {
             const InternetLocation found = resolveInternetLocationData({"URL=http://h/\n", u"url"});
             return found.url.utf8() + getWhereFrom({{WhereFromsKey, {url.absoluteString()}}}).utf8();
+        },
+        [&] {
+            const auto request = requestWithURL(url, {.referrer = url, .userAgent = WebKitUserAgent()});
+            return referrer(request).utf8() + userAgent(request).utf8() + libraryUserAgent().utf8();
         },
         [&] { return dates(); },
         [&] { return joined(valuesSeparatedByTab(text).rows.at(0)); },

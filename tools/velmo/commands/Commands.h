@@ -15,7 +15,9 @@ Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
 Command makeFeedCommand(Session& session);
+Command makeFetchCommand(Session& session);
 Command makeFindCommand(Session& session);
+Command makeFormCommand(Session& session);
 Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
@@ -34,8 +36,12 @@ Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo archive".
+std::span<const CommandEntry> archiveActions();
 /// The actions of "velmo attributes".
 std::span<const CommandEntry> attributeActions();
+/// The actions of "velmo helper".
+std::span<const CommandEntry> helperActions();
 /// The actions of "velmo store".
 std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".
