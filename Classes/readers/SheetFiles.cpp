@@ -1,8 +1,7 @@
 // Sheets in files, entries of bibliographies among them.
-#include <sys/xattr.h>
-
 #include <velmocore/readers/BibTeX.h>
 #include <velmocore/readers/Sheets.h>
+#include <velmocore/storage/MetaDataStore.h>
 #include <velmocore/text/Paths.h>
 #include <velmocore/text/StringFiles.h>
 
@@ -13,8 +12,7 @@ namespace {
 
 using View = std::u16string_view;
 
-// A name in front of which the system wants its namespace.
-constexpr const char* DefinitionAttribute = "user.com.velmo-works.tsv-header";
+constexpr View DefinitionAttribute = u"com.velmo-works.tsv-header";
 
 constexpr std::size_t FieldsOfUnit = 16, FieldsOfText = 1'000'000;
 
@@ -61,7 +59,7 @@ SheetFormat sheetFormatOfFile(const Path& path) {
 }
 
 bool hasSheetDefinitionAttribute(const Path& path) {
-    return getxattr(path.c_str(), DefinitionAttribute, nullptr, 0) > 0;
+    return !VWMetaDataStore::objectForKey(DefinitionAttribute, path).as<std::monostate>();
 }
 
 std::optional<Sheet> sheetWithText(View text, SheetFormat format, SheetOptions options) {
