@@ -1,8 +1,6 @@
 #include <velmocore/markup/TagScanner.h>
 
 #include <cxxabi.h>
-#include <execinfo.h>
-#include <fmt/format.h>
 
 #include <cstdlib>
 #include <exception>
@@ -11,9 +9,8 @@
 #include <string>
 #include <typeinfo>
 
-#include <velmocore/platform/Log.h>
-
 #include "markup/TagScan.h"
+#include "platform/ExceptionLog.h"
 
 namespace velmo {
 namespace {
@@ -25,20 +22,8 @@ std::string demangled(const char* name) {
     return status == 0 && text ? text.get() : name;
 }
 
-std::string callStack() {
-    // The calls that led to the scan: those of the handler are gone when its exception is caught.
-    void* frames[32];
-    const int count = backtrace(frames, 32);
-    const std::unique_ptr<char*, decltype(&std::free)> names(backtrace_symbols(frames, count),
-                                                             &std::free);
-    std::string text;
-    for (int i = 0; names && i < count; ++i) (text += i ? "\n" : "") += names.get()[i];
-    return text;
-}
-
 void logException(const std::string& name, const char* reason) {
-    log(fmt::format("{} ({}): {}\n{}\n{}", "parseXmlWithHandler:context:mutable:", "String", name,
-                    reason, callStack()));
+    detail::logException("parseXmlWithHandler:context:mutable:", "String", name, reason);
 }
 
 }  // namespace

@@ -27,6 +27,7 @@ std::span<const Hostile> markupTexts();
 std::span<const Hostile> locationTexts();
 std::span<const Hostile> queryTexts();
 std::span<const Hostile> dateTexts();
+std::span<const Hostile> sheetTexts();
 std::span<const Hostile> netTexts();
 
 /// The text of about so many units.
@@ -62,6 +63,7 @@ std::span<const Operation> urlOperations();
 std::span<const Operation> markupOperations();
 std::span<const Operation> feedOperations();
 std::span<const Operation> storageOperations();
+std::span<const Operation> systemOperations();
 std::span<const Operation> readerOperations();
 std::span<const Operation> netOperations();
 

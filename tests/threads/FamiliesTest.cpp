@@ -26,12 +26,16 @@
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/query/QueryHits.h>
 #include <velmocore/query/QueryRewriting.h>
+#include <velmocore/readers/BibTeX.h>
 #include <velmocore/readers/Dates.h>
 #include <velmocore/readers/DocumentDates.h>
+#include <velmocore/readers/Sheets.h>
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
+#include <velmocore/storage/InternetLocations.h>
 #include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/storage/MetaDataStore.h>
 #include <velmocore/storage/StorageBlocks.h>
 #include <velmocore/system/StandardFolders.h>
 #include <velmocore/text/Checksums.h>
@@ -134,10 +138,16 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
         [&] {
+            const InternetLocation found = resolveInternetLocationData({"URL=http://h/\n", u"url"});
+            return found.url.utf8() + getWhereFrom({{WhereFromsKey, {url.absoluteString()}}}).utf8();
+        },
+        [&] {
             const auto request = requestWithURL(url, {.referrer = url, .userAgent = WebKitUserAgent()});
             return referrer(request).utf8() + userAgent(request).utf8() + libraryUserAgent().utf8();
         },
         [&] { return dates(); },
+        [&] { return joined(valuesSeparatedByTab(text).rows.at(0)); },
+        [&] { return BibTeXEntriesNamed(u"@string{m = M}@a{k, t = {" + text + u"}}").entries[0].value(u"t").utf8(); },
         [&] {
             const String feed = u"<feed><entry><title>" + page.title() + u"</title><content>" + page.markup();
             return stringByConvertingFeed(feed + u"</content></entry>", {.linkedStyleSheet = false}).utf8();

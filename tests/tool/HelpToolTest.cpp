@@ -22,10 +22,17 @@ protected:
         std::filesystem::create_directories(folder_ / "site");
         std::filesystem::create_directories(folder_ / "letters");
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
+        std::filesystem::create_directories(folder_ / "photos");
+        std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
         write("form.bin", "--XyZ\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nx\r\n--XyZ--\r\n");
+        write("prices.csv", "name,price\nTea,\"3,50\"\n");
+        write("refs.bib", "@book{k, x = {A Title}}");
         write("feed.xml",
               "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 "
               "/></item></rss>");
+        write(
+            "bookmark.webloc",
+            "<?xml version='1.0'?><plist version='1.0'><dict><key>URL</key><string>http://h/</string></dict></plist>");
         for (const char* name : {"page.html", "site/page.html"})
             write(name, "<html><title>T</title><body>" + text + "<a href=x>link</a><img src=i>");
     }
@@ -38,14 +45,30 @@ protected:
         return examples;
     }
 
+    /// Gives files the attributes that the examples read; false if the file system has none.
+    bool setAttributes() const {
+        return shell(
+                   "for i in notes.txt letters/a.txt page.html; do $V attributes set comment text $i && $V attributes "
+                   "tags --set Red $i && $V attributes source --set http://h/ $i && $V attributes comment --set text "
+                   "$i || exit; done")
+                   .code == 0;
+    }
+
     void runExample(const std::string& example) const {
         std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
         if (line.find(" fetch ") != line.npos)
             line = std::regex_replace(line, std::regex("https://www.example.org"), server_.at(""));
-        shell("rm -rf archive.txt.gz *.store mirror");
-        shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt");
+        shell("rm -rf archive.txt.gz *.store *.zip example.webloc extracted mirror");
+        if (example.starts_with("velmo attributes") && !setAttributes()) return;
+        shell(
+            "$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
+            "$V archive create notes.zip notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
-        const Outcome outcome = shell(line);
+        const std::string helper =
+            "export XDG_RUNTIME_DIR=$PWD; $V helper serve pages >/dev/null & pages=$!; $V helper "
+            "call --wait 20 pages title x >/dev/null; ";
+        const bool needsHelper = example.find("helper ") != example.npos;
+        const Outcome outcome = shell(needsHelper ? helper + line + "; code=$?; kill $pages; exit $code" : line);
         EXPECT_EQ(outcome.code, 0) << example << "\n" << outcome.err;
         EXPECT_NE(outcome.out, "") << example;
         write("archive.txt", "text");
@@ -53,15 +76,20 @@ protected:
 
     test::RawServer server_{[](auto& client) { client.send(test::answerOf("<a href=x>a cat</a>")); }};
 
+    /// The commands that are one word for several actions.
+    const std::vector<std::string> groups_ = {"archive", "attributes", "helper", "store", "url"};
+
     /// Every command, and every action of those that have some.
     std::vector<std::string> commands() const {
         std::vector<std::string> names;
-        for (const std::string& group : {""s, "store "s, "url "s}) {
+        const auto add = [&](const std::string& group) {
             std::istringstream help(run("help " + group).out);
             for (std::string line; std::getline(help, line);)
                 if (std::smatch match; std::regex_match(line, match, std::regex("  ([a-z]+) +[A-Z].*")))
                     names.push_back(group + match[1].str());
-        }
+        };
+        add("");
+        for (const std::string& group : groups_) add(group + " ");
         return names;
     }
 };
@@ -72,9 +100,9 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 44u);
+    EXPECT_EQ(names.size(), 64u);
     for (const std::string& name : names) {
-        if (name == "url" || name == "store") continue;
+        if (std::ranges::count(groups_, name)) continue;
         const std::string help = run("help " + name).out;
         EXPECT_FALSE(examplesOf(help).empty()) << name;
         EXPECT_EQ(run(name + " --help").out + (name == "query" ? run("help query").out : ""),
@@ -129,9 +157,21 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"mime", "html"},
         {"date", "2001-02-03"},
         {"form", "--boundary XyZ form.bin"},
+        {"sheet", "prices.csv"},
+        {"bib", "refs.bib"},
         {"records", "--write-strings list.keyed < notes.txt"},
         {"records", "list.keyed"},
         {"records", "--strings list.keyed"},
+        {"comments", "photos"},
+        {"comments", "--name . photos"},
+        {"location", "bookmark.webloc"},
+        {"attributes list", "--values notes.txt"},
+        {"attributes get", "comment notes.txt"},
+        {"attributes set", "comment text notes.txt"},
+        {"attributes tags", "notes.txt"},
+        {"attributes source", "notes.txt"},
+        {"attributes comment", "notes.txt"},
+        {"attributes remove", "comment notes.txt"},
         {"store append", "notes.store notes.txt mail.txt"},
         {"store list", "notes.store"},
         {"store get", "notes.store 0"},
@@ -140,14 +180,25 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"store optimize", "notes.store smaller.store"},
         {"store delete", "notes.store 0"},
         {"store salvage", "notes.store saved.store"},
+        {"archive create", "notes.zip notes.txt"},
+        {"archive list", "notes.zip"},
+        {"archive extract", "notes.zip --to extracted"},
+        {"helper serve", "x & $V helper call --wait 20 x title y >/dev/null; kill $!"},
+        {"helper call", "--start " VELMO_PAGE_HELPER " org.example.pages text @page.html"},
+        {"helper list",
+         "& $V helper serve x >/dev/null & $V helper call --wait 20 x title y >/dev/null; $V helper list --json; "
+         "kill $!"},
     };
-    EXPECT_EQ(std::size(runs), commands().size() + 1);
+    EXPECT_EQ(std::size(runs), commands().size());
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
-        const std::string action = std::string(command).substr(std::string(command).find(' ') + 1);
+        const std::string whole = command, group = whole.substr(0, whole.find(' ')),
+                          action = whole.substr(whole.find(' ') + 1);
+        if (group == "attributes" && !setAttributes()) continue;
         const auto told = std::ranges::find_if(paragraphs, [&](const std::string& paragraph) {
             const std::string heading = paragraph.substr(0, paragraph.find('\n'));
-            return std::regex_search(heading, std::regex("\\b" + action + "\\b"));
+            return heading.find(group) != heading.npos &&
+                   std::regex_search(heading, std::regex("\\b" + action + "\\b"));
         });
         ASSERT_NE(told, paragraphs.end()) << command;
         const std::function<void(const Json&)> check = [&](const Json& value) {
@@ -159,7 +210,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
                 check(member);
             }
         };
-        const std::vector<Json> objects = shell("$V "s + command + " --json " + arguments).lines();
+        const std::vector<Json> objects =
+            shell("export XDG_RUNTIME_DIR=$PWD; $V "s + command + " --json " + arguments).lines();
         EXPECT_FALSE(objects.empty()) << command;
         for (const Json& object : objects) check(object);
     }

@@ -7,8 +7,10 @@
 
 namespace velmo::tool {
 
+Command makeBibCommand(Session& session);
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
+Command makeCommentsCommand(Session& session);
 Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
@@ -20,18 +22,26 @@ Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
 Command makeLinksCommand(Session& session);
+Command makeLocationCommand(Session& session);
 Command makeMatchCommand(Session& session);
 Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
 Command makeRecordsCommand(Session& session);
+Command makeSheetCommand(Session& session);
 Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
 Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo archive".
+std::span<const CommandEntry> archiveActions();
+/// The actions of "velmo attributes".
+std::span<const CommandEntry> attributeActions();
+/// The actions of "velmo helper".
+std::span<const CommandEntry> helperActions();
 /// The actions of "velmo store".
 std::span<const CommandEntry> storeActions();
 /// The actions of "velmo url".
