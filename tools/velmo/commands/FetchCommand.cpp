@@ -51,8 +51,9 @@ DownloadOptions downloadOptions(const Options& options) {
 }
 
 bool isFolder(const Options& options) {
+    std::error_code none;
     return options.urls.size() != 1 || options.output.ends_with('/') ||
-           fs::is_directory(options.output);
+           fs::is_directory(options.output, none);
 }
 
 /// Where a page is kept. Nothing in a URL leads out of the folder, but better twice than never.
@@ -139,7 +140,7 @@ void fetchOne(const std::string& url, const Options& options, Report& report) {
 }
 
 void run(Report& report, Options& options) {
-    const auto isASCII = [](char byte) { return byte > 0; };
+    const auto isASCII = [](unsigned char byte) { return byte < 128; };
     if (!std::ranges::all_of(options.post, isASCII))
         throw UsageError("--post: only ASCII can be posted; escape what is not");
     std::vector<std::string> urls;
