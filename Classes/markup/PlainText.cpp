@@ -13,6 +13,7 @@
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
+#include <velmocore/text/Removal.h>
 
 #include "markup/GoogleMask.h"
 #include "markup/PlainTextOutput.h"
@@ -131,7 +132,11 @@ private:
         if (isNoFrames || detail::keyword::equals(name, "NOSCRIPT")) {
             changeDepth(tag.whole(), +1);
             clearElements();
-            (isNoFrames ? inFrameAlternative_ : inNoScript_) = !isTagClosed(tag.whole());
+            const bool isOpen = !isTagClosed(tag.whole());
+            if (isNoFrames)
+                inFrameAlternative_ = isOpen;
+            else
+                inNoScript_ = isOpen && !options_.noScripts;
         } else if (detail::keyword::equals(name, "BODY")) {
             enterBody(tag.whole());
         } else if (detail::keyword::equals(name, "HEAD")) {
@@ -179,8 +184,8 @@ private:
     }
 
     bool isHeldBack() const {
-        return inFrameAlternative_ || inNoScript_ || inMarquee_ || inTextarea_ ||
-               (options_.removeJunk && hiddenFont_) ||
+        return inFrameAlternative_ || inNoScript_ || inMarquee_ || inTextarea_ || inTemplate_ ||
+               inRubyText_ || (options_.removeJunk && hiddenFont_) ||
                (options_.googleTags &&
                 (!googleMask_.allows(detail::GoogleMask::Index) || feedDate_));
     }
@@ -232,7 +237,12 @@ private:
     }
 
     void tableRow(Units) { out_.endRow(); }
-    void tableCell(Units) { out_.separateCell(); }
+    void tableCell(Units tag) {
+        if (!options_.tabs)
+            out_.separateCell();
+        else if (opens(tag))
+            out_.beginCell();
+    }
     void table(Units) { out_.endTable(); }
     void citation(Units) { out_.separateCitation(); }
 
@@ -278,9 +288,12 @@ private:
     void option(Units tag) { inOption_ = opens(tag); }
     void select(Units) { inOption_ = false; }
     void marquee(Units tag) { inMarquee_ = opens(tag); }
-    void textarea(Units tag) { inTextarea_ = opens(tag); }
+    void textarea(Units tag) { inTextarea_ = opens(tag) && !options_.textareas; }
+    void templateElement(Units tag) { inTemplate_ = opens(tag) && options_.web.templates; }
+    void rubyText(Units tag) { inRubyText_ = opens(tag) && !options_.rubyText; }
+    void rubyBase(Units) { inRubyText_ = false; }
     void frameAlternative(Units tag) { inFrameAlternative_ = opens(tag); }
-    void noScript(Units tag) { inNoScript_ = opens(tag); }
+    void noScript(Units tag) { inNoScript_ = opens(tag) && !options_.noScripts; }
 
     const PlainTextOptions options_;
     detail::PlainTextOutput out_;
@@ -290,6 +303,7 @@ private:
     detail::GoogleMask googleMask_;
     bool inMarquee_ = false, inTextarea_ = false;
     bool inFrameAlternative_ = false, inNoScript_ = false;
+    bool inTemplate_ = false, inRubyText_ = false;
     bool hiddenFont_ = false, feedDate_ = false;
     bool hiddenDiv_ = false, hiddenSpan_ = false, inOption_ = false;
     bool didOutput_ = false;  ///< the body was reached
@@ -308,6 +322,9 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         {"hr", Paragraph, false, nullptr},
         {"li", Line, false, nullptr},
         {"ol", Line, false, nullptr},
+        {"rb", None, false, &C::rubyBase},
+        {"rp", None, false, &C::rubyText},
+        {"rt", None, false, &C::rubyText},
         {"td", None, false, &C::tableCell},
         {"th", None, false, &C::tableCell},
         {"tr", Line, false, &C::tableRow},
@@ -321,6 +338,7 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         {"code", None, true, &C::code},
         {"font", None, false, &C::font},
         {"menu", Paragraph, false, nullptr},
+        {"ruby", None, false, &C::rubyBase},
         {"span", None, false, &C::span},
         {"input", None, true, &C::input},
         {"table", Paragraph, true, &C::table},
@@ -330,6 +348,7 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         {"marquee", None, false, &C::marquee},
         {"noframes", None, false, &C::frameAlternative},
         {"noscript", None, false, &C::noScript},
+        {"template", None, false, &C::templateElement},
         {"textarea", None, false, &C::textarea},
         {"h0", Paragraph, true, &C::changeLinkDepth},
         {"h1", Paragraph, true, &C::changeLinkDepth},
@@ -368,7 +387,11 @@ HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions
     for (;;) {
         Converter converter(options);
         walk([&](const Tag& tag) { return (converter.*handler)(tag); });
-        if (converter.didOutput()) return {converter.finish(), converter.didRemoveJunk()};
+        if (converter.didOutput()) {
+            String text = converter.finish();
+            if (options.web.softHyphens) text = stringByRemovingCharacters(text, u'\u00AD');
+            return {std::move(text), converter.didRemoveJunk()};
+        }
         if (!options.onlyBody || page.isEmpty()) return {page};
         // Twice at most: a walk over the whole page is the last one.
         options.onlyBody = false;

@@ -121,6 +121,7 @@ public:
 
     /// A break after a row of a table, unless there is one.
     void endRow() {
+        cellsOfRow_ = 0;
         if (!out_.isEmpty() && !isFeedUnit(out_.back())) writeBreak(Break::Line);
     }
 
@@ -133,8 +134,15 @@ public:
         }
     }
 
+    /// A tab in front of all cells of a row but the first.
+    void beginCell() {
+        if (cellsOfRow_++ > 0) out_.append(u'\t');
+        pendingText_ = spaceOwed_ = false;
+    }
+
     /// An empty line after a table, or what is missing of it.
     void endTable() {
+        cellsOfRow_ = 0;
         if (out_.length() < 2) return;
         const Units written = out_.view();
         if (!isFeedUnit(written.back()))
@@ -250,11 +258,12 @@ private:
     const PlainTextOptions options_;
     const bool mapsUnits_ = options_.entities && options_.nonUmlauted;  ///< text without &, too
     StringBuilder out_;
-    std::u16string scratch_;     ///< a span while its entities are decoded
-    std::size_t lastBreak_ = 0;  ///< length of the output after its last break
-    bool pendingText_ = false;   ///< text was written since the last break
-    bool collapseWhite_ = true;  ///< outside preformatted text
-    bool spaceOwed_ = false;     ///< the next text starts with a space
+    std::u16string scratch_;      ///< a span while its entities are decoded
+    std::size_t cellsOfRow_ = 0;  ///< counted for tabs only
+    std::size_t lastBreak_ = 0;   ///< length of the output after its last break
+    bool pendingText_ = false;    ///< text was written since the last break
+    bool collapseWhite_ = true;   ///< outside preformatted text
+    bool spaceOwed_ = false;      ///< the next text starts with a space
     bool didRemoveJunk_ = false;
     const CharacterSetRep& white_ = whiteCharacterSetRep();
     const CharacterSetRep& space_ = spaceCharacterSetRep();

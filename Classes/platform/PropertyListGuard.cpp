@@ -60,7 +60,16 @@ struct ListObject {
     Extent own;
     std::uint64_t firstReference = 0;  ///< location in the bytes
     std::uint64_t references = 0;
+    std::uint64_t keys = 0;  ///< how many of the first references are keys of a dictionary
+    bool holdsZero = false;  ///< a text that the parser would stop for, as a key
 };
+
+/// Whether a text of units of a size has one that is zero.
+bool holdsZero(Bytes text, std::size_t unitSize) {
+    for (std::size_t i = 0; i + unitSize <= text.size(); i += unitSize)
+        if (text[i] == 0 && text[i + unitSize - 1] == 0) return true;
+    return false;
+}
 
 class BinaryList {
 public:
@@ -108,7 +117,7 @@ public:
             case 0x5:  // ASCII
             case 0x6:  // UTF-16
             case 0x7:  // UTF-8
-                return leaf(marker, length, BytesOfUnit);
+                return textLeaf(marker, location, length);
             case 0xA:  // array
             case 0xB:
             case 0xC:  // sets
@@ -120,7 +129,8 @@ public:
         const std::uint64_t each = referenceSize_ * ((marker >> 4) == 0xD ? 2u : 1u);
         if (length > (bytes_.size() - location) / each) return std::nullopt;
         if ((marker >> 4) == 0xD && length > MaxListKeys) return std::nullopt;
-        return ListObject{frameOf(marker), location, length * each / referenceSize_};
+        return ListObject{frameOf(marker), location, length * each / referenceSize_,
+                          (marker >> 4) == 0xD ? length : 0};
     }
 
     /// The number of an object that another one refers to.
@@ -135,6 +145,15 @@ private:
         extent.bytes += std::min<std::uint64_t>(length, bytes_.size()) * each;
         if ((marker >> 4) == 0x4) extent.lines = 2;  // its own lines are set in no further
         return {extent};
+    }
+
+    ListObject textLeaf(unsigned marker, std::uint64_t location, std::uint64_t length) const {
+        const std::size_t unitSize = (marker >> 4) == 0x6 ? 2 : 1;
+        ListObject object = leaf(marker, length, BytesOfUnit);
+        const std::uint64_t most = (bytes_.size() - location) / unitSize;
+        object.holdsZero =
+            holdsZero(bytes_.subspan(location, std::min(length, most) * unitSize), unitSize);
+        return object;
     }
 
     Bytes bytes_;  // without the trailer
@@ -160,13 +179,11 @@ public:
                 if (!leave()) return false;
                 continue;
             }
+            const bool isKey = step.next < step.object.keys;
             const std::uint64_t child = list_.reference(step.object, step.next++);
             if (child >= list_.count()) return false;
-            if (objects_[child].isDone) {
-                if (!add(objects_[child])) return false;
-            } else if (!enter(child)) {
-                return false;
-            }
+            if (!(objects_[child].isDone ? add(objects_[child]) : enter(child))) return false;
+            if (isKey && objects_[child].holdsZero) return false;
         }
         return true;
     }
@@ -178,6 +195,7 @@ private:
         std::uint32_t levels = 0;
         bool isDone = false;
         bool isOpen = false;
+        bool holdsZero = false;
     };
     struct Step {
         std::uint64_t number;
@@ -192,6 +210,7 @@ private:
         if (!object || sum.isOpen) return false;
         sum.isOpen = true;
         sum.extent = object->own;
+        sum.holdsZero = object->holdsZero;
         path_.push_back({number, *object});
         // The last of a path may be a leaf.
         return path_.size() <= MaxListLevels + 1;

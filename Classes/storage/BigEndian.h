@@ -13,6 +13,10 @@ inline std::uint32_t bigEndian32(const std::uint8_t* bytes) noexcept {
     return std::endian::native == std::endian::little ? __builtin_bswap32(value) : value;
 }
 
+inline std::uint16_t bigEndian16(const std::uint8_t* bytes) noexcept {
+    return static_cast<std::uint16_t>(bytes[0] << 8 | bytes[1]);
+}
+
 inline std::uint64_t bigEndian64(const std::uint8_t* bytes) noexcept {
     return std::uint64_t{bigEndian32(bytes)} << 32 | bigEndian32(bytes + 4);
 }

@@ -6,10 +6,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <filesystem>
 
 #include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/system/FileCreation.h>
 
 #include "platform/Files.h"
 #include "storage/StoreFile.h"
@@ -44,16 +43,6 @@ bool isElsewhere(int file) {
     struct statfs info;
     return ::fstatfs(file, &info) != 0 ||
            std::ranges::count(Types, static_cast<unsigned long>(info.f_type)) > 0;
-}
-
-/// Folders above a file, and the file itself, if there is nothing of that name.
-bool createPathAndFile(const Path& path) {
-    std::error_code error;
-    if (path.isAbsent() || path.bytes().empty()) return false;
-    const std::filesystem::path file = path.filesystemPath(), parent = file.parent_path();
-    if (std::filesystem::exists(file, error)) return true;
-    if (!parent.empty()) std::filesystem::create_directories(parent, error);
-    return Descriptor(path, O_WRONLY | O_CREAT).number() >= 0;
 }
 
 }  // namespace

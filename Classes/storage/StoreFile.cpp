@@ -15,6 +15,7 @@
 #include <optional>
 
 #include <velmocore/platform/Log.h>
+#include <velmocore/system/FileCreation.h>
 
 namespace velmo::detail {
 namespace {
@@ -60,10 +61,10 @@ bool synchronizeFolderOf(FileCalls& calls, const Path& path) {
 
 /// True if something of that name is there, whatever it is. Without its name stored too, a new file
 /// would be lost in a crash of the machine, with all that is stored in it.
-bool createFile(FileCalls& calls, const Path& path) {
-    const int file = openRetrying(calls, path, O_WRONLY | O_CREAT | O_EXCL);
-    if (file < 0) return errno == EEXIST;
-    return calls.close(file) == 0 && synchronizeFolderOf(calls, path);
+bool createStoredFile(FileCalls& calls, const Path& path) {
+    if (struct stat info; ::stat(path.c_str(), &info) == 0) return true;
+    const FileCallsInstead these(calls);
+    return createFile(path) && synchronizeFolderOf(calls, path);
 }
 
 bool isStill(FileCalls& calls, int file, const Path& path) {
@@ -94,7 +95,7 @@ std::unique_ptr<BufferedFile> openStoreFile(FileCalls& calls, const Path& path,
     if (!isUsable(path)) return nullptr;
     const OpenMode mode = modeOf(access);
     for (int tries = 0; tries < MostTries; ++tries) {
-        if (mode.isCreated && !createFile(calls, path)) return nullptr;
+        if (mode.isCreated && !createStoredFile(calls, path)) return nullptr;
         const int number = openRetrying(calls, path, mode.flags);
         if (number < 0) return nullptr;
         auto file = std::make_unique<BufferedFile>(calls, number, access);

@@ -99,8 +99,9 @@ private:
 };
 
 /// Does the work on a thread that is nicer to others. A child has that from the thread which starts
-/// it; were it changed afterwards, the child's first work, and threads that it has made, would not be
-/// concerned. A refusal is no failure, since a child that is as all others are is better than none.
+/// it; were it changed afterwards, the child's first work, and threads that it has made, would not
+/// be concerned. A refusal is no failure, since a child that is as all others are is better than
+/// none.
 template <class Work>
 void runNicely(int increment, Work work) {
     std::thread([&] {

@@ -208,9 +208,10 @@ void report(const Meter& meter, const Hostile& hostile, const Operation& operati
 Report checkFamily(const Meter& meter, const Hostile& hostile) {
     Inputs inputs(hostile);
     Report result;
-    for (const auto operations : {textOperations(), cleaningOperations(), wordOperations(),
-                                  queryOperations(), urlOperations(), markupOperations(),
-                                  feedOperations(), storageOperations(), readerOperations()})
+    for (const auto operations :
+         {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
+          urlOperations(), markupOperations(), feedOperations(), storageOperations(),
+          systemOperations(), readerOperations()})
         for (const Operation& operation : operations)
             report(meter, hostile, operation, Case(meter, operation, inputs).measured(), result);
     return result;

@@ -61,6 +61,7 @@ std::span<const Operation> urlOperations();
 std::span<const Operation> markupOperations();
 std::span<const Operation> feedOperations();
 std::span<const Operation> storageOperations();
+std::span<const Operation> systemOperations();
 std::span<const Operation> readerOperations();
 
 /// Uses a result, so that no compiler leaves the work out.

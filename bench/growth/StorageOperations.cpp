@@ -3,8 +3,11 @@
 #include <velmocore/platform/PropertyList.h>
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
+#include <velmocore/storage/DSStore.h>
 #include <velmocore/storage/Digests.h>
+#include <velmocore/storage/InternetLocations.h>
 #include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/storage/MetaDataStore.h>
 #include <velmocore/storage/StorageBlocks.h>
 #include <velmocore/system/ConnectionTable.h>
 #include <velmocore/system/HelperService.h>
@@ -17,6 +20,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "../FolderStore.h"
 #include "Growth.h"
 
 namespace velmo::growth {
@@ -89,6 +93,62 @@ std::size_t salvaged(Bytes store) {
     return live;
 }
 
+/// Folder metadata of about that size in which many nodes claim the same large block, which names
+/// them all as its children.
+std::string overlappingFolder(std::size_t size) {
+    bench::FolderStore store;
+    const auto count = static_cast<std::uint32_t>(size / 16);
+    const std::uint32_t first = store.nextIndex();
+    std::string block = bench::bigEndian(first) + bench::bigEndian(0xFFFFFFFF);
+    for (std::uint32_t i = 0; i < count; ++i)
+        block += bench::bigEndian(first + i) + bench::bigEndian(0);
+    store.add(std::move(block));
+    for (std::uint32_t i = 1; i < count; ++i) store.addAgain(first);
+    return store.file(first);
+}
+
+/// The same with as many levels as nodes.
+std::string deepFolder(std::size_t size) {
+    bench::FolderStore store;
+    const std::vector<std::string> record = {bench::comment(u"a", u"b")};
+    for (std::size_t i = 0; i < size / 64; ++i) {
+        const std::uint32_t node = store.nextIndex();
+        store.addNode(record, node, std::vector{node + 1});
+    }
+    return store.file(2);
+}
+
+std::size_t recordsOf(Bytes bytes) {
+    const auto store =
+        DSStore::storeWithFile(DSStoreFile::fileWithData({bytes.begin(), bytes.end()}));
+    std::size_t count = 0;
+    if (store) store->forEachEntry([&](const DSStoreEntry&) { return ++count, true; });
+    return count;
+}
+
+/// An AppleDouble file of about that size: as many entries as it can have in its first half, and in
+/// the other a fork of as many types, none of which is looked for.
+Data crowdedAppleDouble(std::size_t size) {
+    const auto count = static_cast<std::uint32_t>(std::min<std::size_t>(size / 24 + 1, 0xFFFF));
+    const std::uint32_t fork = 26 + 12 * count, map = 30 + 8 * count;
+    Data file(fork + 16 + map);
+    const auto set = [&](std::size_t at, std::uint32_t number) {
+        for (int i = 0; i < 4; ++i)
+            file[at + i] = static_cast<std::uint8_t>(number >> (24 - 8 * i));
+    };
+    set(0, 0x00051607);
+    set(22, count);
+    for (std::uint32_t i = 0; i < count; ++i) set(26 + 12 * i, 9);
+    set(fork - 12, 2);
+    set(fork - 8, fork);
+    set(fork - 4, 16 + map);
+    set(fork + 4, 16);
+    set(fork + 12, map);
+    set(fork + 16 + 22, 28);  // the list of types, in the low half
+    set(fork + 16 + 26, count - 1);
+    return file;
+}
+
 constexpr Operation Rows[] = {
     {"keyed data",
      [](const Input& in) {
@@ -108,6 +168,13 @@ constexpr Operation Rows[] = {
      [](const Input& in) {
          use(salvaged(in.utf8));
          use(salvaged(overlappingStore(in.utf8.size())));
+     },
+     65536},
+    {"folder metadata",
+     [](const Input& in) {
+         use(recordsOf(in.utf8));
+         use(recordsOf(overlappingFolder(in.utf8.size())));
+         use(recordsOf(deepFolder(in.utf8.size())));
      },
      65536},
     // Until a window of 32 KB is full, a byte has fewer places to be compared with than later ones.
@@ -132,6 +199,20 @@ constexpr Operation Rows[] = {
          use(isBase64String(in.text));
      }},
     {"property lists", [](const Input& in) { use(propertyListAsXML(in.utf8)); }},
+    {"location files",
+     [](const Input& in) {
+         use(resolveInternetLocationData({in.utf8, u"webloc", in.utf8}));
+         use(resolveInternetLocationData({in.utf8, u"url"}));
+         use(resolveInternetLocationData({{}, u"webloc", crowdedAppleDouble(in.utf8.size())}));
+         use(pathExtensionForInternetLocation(in.text));
+     }},
+    {"attributes",
+     [](const Input& in) {
+         const PropertyListArray tags(in.utf8.size() / 16, {in.text.view().substr(0, 16)});
+         use(validatedTags({tags}));
+         use(getWhereFrom({{WhereFromsKey, {in.utf8}}}));
+         use(getItemTitleForFile({{ItemTitleKey, {in.text}}}, in.text));
+     }},
     {"files",
      [](const Input& in) {
          static const TemporaryFile File;

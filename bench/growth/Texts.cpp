@@ -67,6 +67,7 @@ constexpr Hostile Plain[] = {
     {"short lines", u"", u"a\n"},
     {"blanks before feeds", u"", u"        \n"},
     {"blanks then a letter", u"", u"                               x"},
+    {"almost shortcuts", u"[InternetShortCut]\n", u"URL :x\n"},
     {"settings", u"", u"key\001 = value # why\n"},
     {"a letter, once another", u"", u"a", u"b"},
     {"almost the pattern", u"", u"aaaaaaab"},

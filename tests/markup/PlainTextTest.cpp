@@ -169,5 +169,23 @@ TEST(PlainText, CollapsesWhiteSpace) {
     }
 }
 
+TEST(PlainText, TakesOrLeavesWhatIsAskedFor) {
+    const auto text = [](View page, PlainTextOptions options) {
+        return stringByConvertingHtml2PlainText(page, options);
+    };
+    const WebRules today = WebRules::today();
+    constexpr View Hidden = u"a<noscript>b</noscript><template>c</template><textarea>d</textarea>e";
+    EXPECT_EQ(text(Hidden, {}), u"ace");
+    EXPECT_EQ(text(Hidden, {.web = today}), u"ae");
+    EXPECT_EQ(text(Hidden, {.noScripts = true, .textareas = true, .web = today}), u"abde");
+    constexpr View Ruby = u"<ruby>\u6F22<rp>(</rp><rt>kan</rt><rp>)</rp>\u5B57<rt>ji</ruby> x";
+    EXPECT_EQ(text(Ruby, {}), u"\u6F22(kan)\u5B57ji x");
+    EXPECT_EQ(text(Ruby, {.rubyText = false}), u"\u6F22\u5B57 x");
+    EXPECT_EQ(text(u"<p>Zu\u00ADcker&shy;", {.web = today}), u"Zucker");
+    constexpr View Table =
+        u"<table><tr><th>a<th> b </th><tr><td></td><td>c d</td><td></td></tr></table><table><tr><td>e</table>f";
+    EXPECT_EQ(text(Table, {.tabs = true}), u"a\tb\n\tc d\t\n\ne\n\nf");
+}
+
 }  // namespace
 }  // namespace velmo

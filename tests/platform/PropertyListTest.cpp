@@ -119,6 +119,15 @@ TEST(PropertyListAsXML, BoundsTheKeysOfADictionary) {
         EXPECT_EQ(isRead(xml + "</dict></plist>"), keys == 16384);
         EXPECT_EQ(isRead(binaryList(objects)), keys == 16384);
     }
+    const std::string dictionary("\xD1\0\0\0\1\0\0\0\2", 9);
+    for (const std::string& key : {std::string("\x52\0a", 3), std::string("\x61\0", 3)})
+        EXPECT_TRUE(isRead(binaryList({dictionary,
+                                       "\x51"
+                                       "a",
+                                       key})) &&
+                    !isRead(binaryList({dictionary, key,
+                                        "\x51"
+                                        "a"})));
 }
 
 // Long texts with entities are parted for the parser; what they say stays the same.

@@ -122,7 +122,7 @@ TEST_F(StorageDamage, EveryCallThatFailsIsTold) {
     const Blocks more = {randomData(random, 2000), randomData(random, 1100000), randomData(random, 10),
                          randomData(random, 10)};
     const auto prepare = [&] {
-        for (const char* name : {"s", "t"}) std::filesystem::remove(at(name));
+        for (const auto& entry : std::filesystem::directory_iterator(folder_)) std::filesystem::remove(entry.path());
         auto store = appending("s");
         for (const Data& data : before) store.appendBlock(data);
         EXPECT_EQ(store.closeFile(), 0);
@@ -197,7 +197,7 @@ TEST_F(StorageDamage, EveryCallThatFailsIsTold) {
                 std::size_t left = 0;
                 for (const auto& entry : std::filesystem::directory_iterator(folder_))
                     left += entry.path().filename().string().starts_with(".velmo");
-                EXPECT_EQ(left, 0u) << "a new file was left behind";
+                EXPECT_TRUE(left == 0 || calls.hasFailedToRemove) << "a new file was left behind";
             }
         }
     EXPECT_GT(tried, 250u);

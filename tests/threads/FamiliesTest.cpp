@@ -29,7 +29,9 @@
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
+#include <velmocore/storage/InternetLocations.h>
 #include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/storage/MetaDataStore.h>
 #include <velmocore/storage/StorageBlocks.h>
 #include <velmocore/system/StandardFolders.h>
 #include <velmocore/text/Checksums.h>
@@ -131,6 +133,10 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         },
         [&] { return propertyListAsXML("<plist><string>a</string></plist>") ? "list" : "none"; },
         [&] { return cachesDirectory().utf8(); },
+        [&] {
+            const InternetLocation found = resolveInternetLocationData({"URL=http://h/\n", u"url"});
+            return found.url.utf8() + getWhereFrom({{WhereFromsKey, {url.absoluteString()}}}).utf8();
+        },
         [&] { return dates(); },
         [&] {
             const String feed = u"<feed><entry><title>" + page.title() + u"</title><content>" + page.markup();

@@ -21,9 +21,14 @@ protected:
         std::filesystem::create_directories(folder_ / "site");
         std::filesystem::create_directories(folder_ / "letters");
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
+        std::filesystem::create_directories(folder_ / "photos");
+        std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
         write("feed.xml",
               "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 "
               "/></item></rss>");
+        write(
+            "bookmark.webloc",
+            "<?xml version='1.0'?><plist version='1.0'><dict><key>URL</key><string>http://h/</string></dict></plist>");
         for (const char* name : {"page.html", "site/page.html"})
             write(name, "<html><title>T</title><body>" + text + "<a href=x>link</a><img src=i>");
     }
@@ -36,9 +41,19 @@ protected:
         return examples;
     }
 
+    /// Gives files the attributes that the examples read; false if the file system has none.
+    bool setAttributes() const {
+        return shell(
+                   "for i in notes.txt letters/a.txt page.html; do $V attributes set comment text $i && $V attributes "
+                   "tags --set Red $i && $V attributes source --set http://h/ $i && $V attributes comment --set text "
+                   "$i || exit; done")
+                   .code == 0;
+    }
+
     void runExample(const std::string& example) const {
         const std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
-        shell("rm -f archive.txt.gz *.store");
+        shell("rm -f archive.txt.gz *.store example.webloc");
+        if (example.starts_with("velmo attributes") && !setAttributes()) return;
         shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const std::string helper =
@@ -54,7 +69,7 @@ protected:
     /// Every command, and every action of those that have some.
     std::vector<std::string> commands() const {
         std::vector<std::string> names;
-        for (const std::string& group : {""s, "store "s, "url "s, "helper "s}) {
+        for (const std::string& group : {""s, "attributes "s, "store "s, "url "s, "helper "s}) {
             std::istringstream help(run("help " + group).out);
             for (std::string line; std::getline(help, line);)
                 if (std::smatch match; std::regex_match(line, match, std::regex("  ([a-z]+) +[A-Z].*")))
@@ -70,9 +85,9 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 46u);
+    EXPECT_EQ(names.size(), 55u);
     for (const std::string& name : names) {
-        if (name == "url" || name == "store" || name == "helper") continue;
+        if (name == "attributes" || name == "helper" || name == "url" || name == "store") continue;
         const std::string help = run("help " + name).out;
         EXPECT_FALSE(examplesOf(help).empty()) << name;
         EXPECT_EQ(run(name + " --help").out + (name == "query" ? run("help query").out : ""),
@@ -128,6 +143,16 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"records", "--write-strings list.keyed < notes.txt"},
         {"records", "list.keyed"},
         {"records", "--strings list.keyed"},
+        {"comments", "photos"},
+        {"comments", "--name . photos"},
+        {"location", "bookmark.webloc"},
+        {"attributes list", "--values notes.txt"},
+        {"attributes get", "comment notes.txt"},
+        {"attributes set", "comment text notes.txt"},
+        {"attributes tags", "notes.txt"},
+        {"attributes source", "notes.txt"},
+        {"attributes comment", "notes.txt"},
+        {"attributes remove", "comment notes.txt"},
         {"store append", "notes.store notes.txt mail.txt"},
         {"store list", "notes.store"},
         {"store get", "notes.store 0"},
@@ -142,14 +167,16 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
          "& $V helper serve x >/dev/null & $V helper call --wait 20 x title y >/dev/null; $V helper list --json; "
          "kill $!"},
     };
-    EXPECT_EQ(std::size(runs), commands().size());
+    EXPECT_EQ(std::size(runs), commands().size() - 1);
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
-        const std::string full = command, action = full.substr(full.find(' ') + 1);
-        const std::string group = full.substr(0, full.size() - action.size());
+        const std::string whole = command, group = whole.substr(0, whole.find(' ')),
+                          action = whole.substr(whole.find(' ') + 1);
+        if (group == "attributes" && !setAttributes()) continue;
         const auto told = std::ranges::find_if(paragraphs, [&](const std::string& paragraph) {
             const std::string heading = paragraph.substr(0, paragraph.find('\n'));
-            return heading.starts_with(group) && std::regex_search(heading, std::regex("\\b" + action + "\\b"));
+            return heading.find(group) != heading.npos &&
+                   std::regex_search(heading, std::regex("\\b" + action + "\\b"));
         });
         ASSERT_NE(told, paragraphs.end()) << command;
         const std::function<void(const Json&)> check = [&](const Json& value) {

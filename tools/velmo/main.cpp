@@ -39,14 +39,20 @@ const std::vector<CommandEntry>& allCommands() {
         {"digest", makeDigestCommand},
         {"pack", makePackCommand},
         {"unpack", makeUnpackCommand},
+        {"archive", nullptr, archiveActions(), "Zip archives: create, extract and list them",
+         "ARCHIVE"},
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
         {"date", makeDateCommand},
         {"records", makeRecordsCommand},
+        {"comments", makeCommentsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
         {"helper", nullptr, helperActions(),
          "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
+        {"attributes", nullptr, attributeActions(),
+         "Extended attributes of files: values, tags, sources and comments", "PATH..."},
+        {"location", makeLocationCommand},
     };
     return commands;
 }

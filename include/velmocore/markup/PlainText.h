@@ -16,7 +16,11 @@ struct PlainTextOptions {
     bool removeJunk = false;   ///< drop titles, hidden text and runs that no one would read
     bool googleTags = false;   ///< honour the comments "googleoff:" and "googleon:"
     bool imageAlts = true;     ///< take the "alt" or "title" of images along
-    WebRules web = {};         ///< how references are read
+    bool noScripts = false;    ///< take what stands there for programs without scripts
+    bool textareas = false;    ///< take the contents of text areas
+    bool rubyText = true;      ///< take how characters are read, which stands beside them
+    bool tabs = false;         ///< write a tab between the cells of a table, not a space
+    WebRules web = {};         ///< how references are read, and what is text
 };
 
 // The text of a page, for indexing, word counts and previews. Tags become line breaks,

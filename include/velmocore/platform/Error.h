@@ -14,6 +14,8 @@ struct Error {
     String domain;          ///< who says so, as u"velmo.file" or u"posix"
     std::int64_t code = 0;  ///< a number within the domain; errno for u"posix"
     String text;            ///< for people
+    String path = {};       ///< of the file that it is about, if it is about one
+    String reason = {};     ///< why, where the text alone does not tell
 };
 
 /// An error for people, as "posix 2: No such file or directory".

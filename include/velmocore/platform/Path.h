@@ -41,6 +41,11 @@ public:
     Path(const std::filesystem::path& path) : Path(Narrow{path.native()}) {}
 
     [[nodiscard]] bool isAbsent() const noexcept { return isAbsent_; }
+    /// Of a path that is absent because no file can have that name, the text that it was made from;
+    /// else absent.
+    [[nodiscard]] const String& unusableText() const noexcept VELMO_LIFETIME {
+        return unusableText_;
+    }
     /// The bytes, without a zero in them; empty if absent.
     [[nodiscard]] const std::string& bytes() const noexcept VELMO_LIFETIME { return bytes_; }
     [[nodiscard]] const char* c_str() const noexcept VELMO_LIFETIME { return bytes_.c_str(); }
@@ -63,6 +68,7 @@ private:
     explicit Path(Narrow path);
 
     std::string bytes_;
+    String unusableText_;
     bool isAbsent_ = true;
 };
 

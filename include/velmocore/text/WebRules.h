@@ -25,10 +25,22 @@ struct WebRules {
     ///
     ///     htmlLinks(u"<a href='/?q=a%20'>", {.web = WebRules::today()}).links[0];   // "/?q=a%20"
     bool linkEscapes = false;
+    /// What stands in a template element is no text of the page.
+    ///
+    ///     stringByConvertingHtml2PlainText(u"a<template>b</template>", {.web = WebRules::today()});  // "a"
+    bool templates = false;
+    /// Soft hyphens are no part of plain text, so that words are found in it.
+    ///
+    ///     stringByConvertingHtml2PlainText(u"<p>Zu&shy;cker", {.web = WebRules::today()});  // "Zucker"
+    bool softHyphens = false;
 
     /// All of them.
     [[nodiscard]] static constexpr WebRules today() noexcept {
-        return {.charsets = true, .references = true, .linkEscapes = true};
+        return {.charsets = true,
+                .references = true,
+                .linkEscapes = true,
+                .templates = true,
+                .softHyphens = true};
     }
 };
 

@@ -9,6 +9,7 @@ namespace velmo::tool {
 
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
+Command makeCommentsCommand(Session& session);
 Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
@@ -18,6 +19,7 @@ Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
 Command makeLinksCommand(Session& session);
+Command makeLocationCommand(Session& session);
 Command makeMatchCommand(Session& session);
 Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);
@@ -30,6 +32,10 @@ Command makeThumbsCommand(Session& session);
 Command makeUnpackCommand(Session& session);
 Command makeWordsCommand(Session& session);
 
+/// The actions of "velmo archive".
+std::span<const CommandEntry> archiveActions();
+/// The actions of "velmo attributes".
+std::span<const CommandEntry> attributeActions();
 /// The actions of "velmo helper".
 std::span<const CommandEntry> helperActions();
 /// The actions of "velmo store".

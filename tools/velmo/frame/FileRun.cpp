@@ -34,19 +34,6 @@ void guard(const std::string& name, Report& report, Work work) {
     }
 }
 
-std::size_t forEachName(Report& report, const InputOptions& options,
-                        const std::function<void(const FileName&, Report&)>& work) {
-    Session& session = report.session();
-    const std::vector<FileName> files = listFiles(session, options.names);
-    // Before any thread is made; all of them read it.
-    session.hasSeveralInputs = files.size() > 1;
-    runInOrder(session, files.size(), options.jobs, [&](std::size_t i, Report& own) {
-        own.nameFile(files[i].path);
-        guard(files[i].path, own, [&] { work(files[i], own); });
-    });
-    return files.size();
-}
-
 }  // namespace
 
 void addFileOptions(Command& command, Session& session, InputOptions& options, std::string help) {
@@ -100,6 +87,19 @@ void addContentOptions(Command& command, Session& session, InputOptions& options
         number("--limit", "BYTES", content.limit,
                fmt::format("most bytes that may come out of a compressed file; {}", UsualLimit)),
     });
+}
+
+std::size_t forEachName(Report& report, const InputOptions& options,
+                        const std::function<void(const FileName&, Report&)>& work) {
+    Session& session = report.session();
+    const std::vector<FileName> files = listFiles(session, options.names);
+    // Before any thread is made; all of them read it.
+    session.hasSeveralInputs = files.size() > 1;
+    runInOrder(session, files.size(), options.jobs, [&](std::size_t i, Report& own) {
+        own.nameFile(files[i].path);
+        guard(files[i].path, own, [&] { work(files[i], own); });
+    });
+    return files.size();
 }
 
 std::size_t forEachFile(Report& report, const InputOptions& options,

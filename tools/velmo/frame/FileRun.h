@@ -27,10 +27,14 @@ void addFileOptions(Command& command, Session& session, InputOptions& options, s
 void addContentOptions(Command& command, Session& session, InputOptions& options,
                        Kind unclear = Kind::Text);
 
-/// Calls the work for the bytes of each file that can be read, on several threads: it may use
-/// nothing but its arguments and what any thread may read. The output is in the order of the
-/// files. A file that cannot be used, for want of memory or because the work throws an
-/// InputError, is reported, and the others go on. Gives the number of files.
+/// Calls the work for each file, on several threads: it may use nothing but its arguments and what
+/// any thread may read. The output is in the order of the files. A file that cannot be used, for
+/// want of memory or because the work throws an InputError, is reported, and the others go on.
+/// Gives the number of files.
+std::size_t forEachName(Report& report, const InputOptions& options,
+                        const std::function<void(const FileName&, Report&)>& work);
+
+/// The same for the bytes of each file that can be read.
 std::size_t forEachFile(Report& report, const InputOptions& options,
                         const std::function<void(const FileName&, Data&&, Report&)>& work);
 
