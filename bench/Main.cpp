@@ -20,7 +20,9 @@ public:
             const std::string name = run.run_name.function_name;
             const std::size_t slash = name.rfind('/');
             if (slash == std::string::npos) continue;
-            const double time = run.GetAdjustedCPUTime();
+            // What waits for others, or works on other threads, is measured by the clock.
+            const bool isReal = run.run_name.time_type == "real_time";
+            const double time = isReal ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
             auto [entry, isNew] =
                 times_[name.substr(0, slash)].try_emplace(name.substr(slash + 1), time);
             if (!isNew) entry->second = std::min(entry->second, time);

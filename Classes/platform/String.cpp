@@ -9,6 +9,7 @@
 #include <new>
 #include <ostream>
 
+#include "platform/LargePages.h"
 #include "platform/Utf8.h"
 
 namespace velmo {
@@ -85,8 +86,10 @@ void StringBuilder::grow(std::size_t count) {
     const std::size_t capacity =
         std::max(length_ + count, std::min(capacity_ + capacity_ / 2, MaxUnits));
     void* old = units_ ? reinterpret_cast<String::Rep*>(units_) - 1 : nullptr;
-    void* block = std::realloc(old, sizeof(String::Rep) + capacity * sizeof(char16_t));
+    const std::size_t bytes = sizeof(String::Rep) + capacity * sizeof(char16_t);
+    void* block = std::realloc(old, bytes);
     if (!block) throw std::bad_alloc();
+    detail::wantLargePages(block, bytes);
     units_ = reinterpret_cast<char16_t*>(static_cast<String::Rep*>(block) + 1);
     capacity_ = capacity;
 }

@@ -211,7 +211,7 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
     for (const auto operations :
          {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
           urlOperations(), markupOperations(), feedOperations(), storageOperations(),
-          systemOperations(), readerOperations()})
+          systemOperations(), readerOperations(), netOperations()})
         for (const Operation& operation : operations)
             report(meter, hostile, operation, Case(meter, operation, inputs).measured(), result);
     return result;
@@ -220,8 +220,8 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
 /// The families whose name contains what is wanted.
 std::vector<const Hostile*> families(std::string_view wanted) {
     std::vector<const Hostile*> found;
-    for (const auto texts :
-         {plainTexts(), markupTexts(), locationTexts(), queryTexts(), dateTexts()})
+    for (const auto texts : {plainTexts(), markupTexts(), locationTexts(), queryTexts(),
+                             dateTexts(), sheetTexts(), netTexts()})
         for (const Hostile& hostile : texts)
             if (std::string_view(hostile.name).find(wanted) != std::string_view::npos)
                 found.push_back(&hostile);

@@ -27,6 +27,8 @@ std::span<const Hostile> markupTexts();
 std::span<const Hostile> locationTexts();
 std::span<const Hostile> queryTexts();
 std::span<const Hostile> dateTexts();
+std::span<const Hostile> sheetTexts();
+std::span<const Hostile> netTexts();
 
 /// The text of about so many units.
 std::u16string textOf(const Hostile& hostile, std::size_t units);
@@ -63,6 +65,7 @@ std::span<const Operation> feedOperations();
 std::span<const Operation> storageOperations();
 std::span<const Operation> systemOperations();
 std::span<const Operation> readerOperations();
+std::span<const Operation> netOperations();
 
 /// Uses a result, so that no compiler leaves the work out.
 template <class Result>

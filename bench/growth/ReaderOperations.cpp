@@ -1,8 +1,10 @@
-// Dates.
+// Dates, sheets and bibliographies.
+#include <velmocore/readers/BibTeX.h>
 #include <velmocore/readers/CalendarFormat.h>
 #include <velmocore/readers/Dates.h>
 #include <velmocore/readers/DocumentDates.h>
 #include <velmocore/readers/NaturalDates.h>
+#include <velmocore/readers/Sheets.h>
 
 #include "Growth.h"
 
@@ -27,6 +29,21 @@ constexpr Operation Rows[] = {
      [](const Input& in) {
          for (const bool validate : {true, false})
              use(documentDateByValidatingSeparation(in.text, validate));
+     }},
+    {"sheet",
+     [](const Input& in) {
+         for (const bool quoted : {false, true})
+             use(valuesSeparatedByTab(in.text, {.quoted = quoted}));
+         use(SheetView(in.text));
+         std::u16string line;
+         appendDoubleQuotedField(line, in.text, false);
+         use(line);
+     }},
+    {"bibliography",
+     [](const Input& in) {
+         use(BibTeXEntriesNamed(in.text));
+         use(BibTeXEntriesNamed(in.text, u"a"));
+         use(sheetWithText(in.text, SheetFormat::BibTeX));
      }},
 };
 

@@ -321,6 +321,41 @@ constexpr Hostile Dates[] = {
     {"name of a zone", u"Sat, 03 Feb 2001 10:11:12 ", u"a/"},
 };
 
+constexpr Hostile Sheets[] = {
+    {"dollar", u"", u"$"},
+    {"brace", u"", u"{"},
+    {"quoted fields", u"", u"\"a\"\"b\",\"c\"\n"},
+    {"quotes before separators", u"", u"\"a\"\","},
+    {"open quote", u"a;\"", u"b;c\n"},
+    {"rows of empty fields", u"", u";;\n"},
+    {"entries", u"", u"@a{k\001, x = {y}}\n"},
+    {"types without a bracket", u"", u"@a "},
+    {"open entries", u"", u"@a{k, x = {"},
+    {"dollars of a value", u"@a{k, x = \"", u"$a{\\b"},
+    {"fields of an entry", u"@a{k, ", u"x\001 = 1, "},
+    {"a field over and over", u"@a{k, ", u"x = 1, "},
+    {"entries of a field each", u"", u"@a{x\001 = 1}"},
+    {"macros", u"", u"@string{m\001 = \"v\001 \"}@a{k, x = {m\001}}"},
+    {"macros of macros", u"@string{m = \"mm\"}", u"@string{m = \"mm\"}"},
+    {"one macro in a value", u"@string{a = \"aa\"}@a{k, x = {", u"a"},
+    {"macros in a value", u"@string{a = 1}@string{aa = 2}@string{ba = 3}@a{k, x = {", u"ba"},
+};
+
+constexpr Hostile Net[] = {
+    {"delimiters", u"", u"--B"},
+    {"parts", u"", u"--B\r\nContent-Disposition: form-data; name=\"\001\"\r\n\r\nx\r\n"},
+    {"parts of one name", u"",
+     u"--B\r\nContent-Disposition: form-data; name=\"a\"; filename=\"f\"\r\n\r\nx\r\n"},
+    {"parts without a name", u"", u"--B\r\nContent-Disposition: form-data;\r\n\r\n\r\n"},
+    {"names in one part", u"--B\r\nContent-Disposition: form-data; ", u"name=", u"\r\n\r\nx"},
+    {"spaces of a part", u"--B\r\nContent-Disposition: form-data;", u" "},
+    {"fields", u"HTTP/1.1 200 OK\r\n", u"\001: 1\r\n"},
+    {"fields of one name", u"HTTP/1.1 200 OK\r\n", u"Content-Type: text/html\r\n"},
+    {"folded field", u"HTTP/1.1 200 OK\r\nA: b\r\n", u" c\r\n"},
+    {"status without end", u"HTTP/1.1 200 ", u" "},
+    {"charsets", u"text/html; ", u"charset="},
+};
+
 }  // namespace
 
 std::span<const Hostile> plainTexts() { return Plain; }
@@ -328,6 +363,8 @@ std::span<const Hostile> markupTexts() { return Markup; }
 std::span<const Hostile> locationTexts() { return Locations; }
 std::span<const Hostile> queryTexts() { return Queries; }
 std::span<const Hostile> dateTexts() { return Dates; }
+std::span<const Hostile> sheetTexts() { return Sheets; }
+std::span<const Hostile> netTexts() { return Net; }
 
 std::u16string textOf(const Hostile& hostile, std::size_t units) {
     std::u16string text(hostile.head);

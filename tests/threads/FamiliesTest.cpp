@@ -16,6 +16,8 @@
 #include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/TagStripping.h>
+#include <velmocore/net/URLRequest.h>
+#include <velmocore/net/UserAgents.h>
 #include <velmocore/platform/DateFormat.h>
 #include <velmocore/platform/Log.h>
 #include <velmocore/platform/PropertyList.h>
@@ -24,8 +26,10 @@
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/query/QueryHits.h>
 #include <velmocore/query/QueryRewriting.h>
+#include <velmocore/readers/BibTeX.h>
 #include <velmocore/readers/Dates.h>
 #include <velmocore/readers/DocumentDates.h>
+#include <velmocore/readers/Sheets.h>
 #include <velmocore/storage/Base64.h>
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/Digests.h>
@@ -137,7 +141,13 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
             const InternetLocation found = resolveInternetLocationData({"URL=http://h/\n", u"url"});
             return found.url.utf8() + getWhereFrom({{WhereFromsKey, {url.absoluteString()}}}).utf8();
         },
+        [&] {
+            const auto request = requestWithURL(url, {.referrer = url, .userAgent = WebKitUserAgent()});
+            return referrer(request).utf8() + userAgent(request).utf8() + libraryUserAgent().utf8();
+        },
         [&] { return dates(); },
+        [&] { return joined(valuesSeparatedByTab(text).rows.at(0)); },
+        [&] { return BibTeXEntriesNamed(u"@string{m = M}@a{k, t = {" + text + u"}}").entries[0].value(u"t").utf8(); },
         [&] {
             const String feed = u"<feed><entry><title>" + page.title() + u"</title><content>" + page.markup();
             return stringByConvertingFeed(feed + u"</content></entry>", {.linkedStyleSheet = false}).utf8();

@@ -3,6 +3,7 @@
 #include <regex>
 
 #include "ToolFixture.h"
+#include "net/RawServer.h"
 
 namespace velmo {
 namespace {
@@ -23,6 +24,9 @@ protected:
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
         std::filesystem::create_directories(folder_ / "photos");
         std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
+        write("form.bin", "--XyZ\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nx\r\n--XyZ--\r\n");
+        write("prices.csv", "name,price\nTea,\"3,50\"\n");
+        write("refs.bib", "@book{k, x = {A Title}}");
         write("feed.xml",
               "<rss><title>F</title><item><title>T</title><category>c</category><enclosure url=e length=1 "
               "/></item></rss>");
@@ -51,10 +55,14 @@ protected:
     }
 
     void runExample(const std::string& example) const {
-        const std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
-        shell("rm -f archive.txt.gz *.store example.webloc");
+        std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
+        if (line.find(" fetch ") != line.npos)
+            line = std::regex_replace(line, std::regex("https://www.example.org"), server_.at(""));
+        shell("rm -rf archive.txt.gz *.store *.zip example.webloc extracted mirror");
         if (example.starts_with("velmo attributes") && !setAttributes()) return;
-        shell("$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt");
+        shell(
+            "$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
+            "$V archive create notes.zip notes.txt");
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const std::string helper =
             "export XDG_RUNTIME_DIR=$PWD; $V helper serve pages >/dev/null & pages=$!; $V helper "
@@ -66,15 +74,22 @@ protected:
         write("archive.txt", "text");
     }
 
+    test::RawServer server_{[](auto& client) { client.send(test::answerOf("<a href=x>a cat</a>")); }};
+
+    /// The commands that are one word for several actions.
+    const std::vector<std::string> groups_ = {"archive", "attributes", "helper", "store", "url"};
+
     /// Every command, and every action of those that have some.
     std::vector<std::string> commands() const {
         std::vector<std::string> names;
-        for (const std::string& group : {""s, "attributes "s, "store "s, "url "s, "helper "s}) {
+        const auto add = [&](const std::string& group) {
             std::istringstream help(run("help " + group).out);
             for (std::string line; std::getline(help, line);)
                 if (std::smatch match; std::regex_match(line, match, std::regex("  ([a-z]+) +[A-Z].*")))
                     names.push_back(group + match[1].str());
-        }
+        };
+        add("");
+        for (const std::string& group : groups_) add(group + " ");
         return names;
     }
 };
@@ -85,9 +100,9 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 55u);
+    EXPECT_EQ(names.size(), 64u);
     for (const std::string& name : names) {
-        if (name == "attributes" || name == "helper" || name == "url" || name == "store") continue;
+        if (std::ranges::count(groups_, name)) continue;
         const std::string help = run("help " + name).out;
         EXPECT_FALSE(examplesOf(help).empty()) << name;
         EXPECT_EQ(run(name + " --help").out + (name == "query" ? run("help query").out : ""),
@@ -107,8 +122,9 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
     std::vector<std::string> paragraphs;
     for (std::size_t at = manual.find("\n.TP\n.B ", start); at < end; at = manual.find("\n.TP\n.B ", at + 1))
         paragraphs.push_back(manual.substr(at + 8, manual.find("\n.TP", at + 1) - at - 8));
-    const std::pair<const char*, const char*> runs[] = {
+    const std::pair<const char*, std::string> runs[] = {
         {"gather", "site --follow all --query cat"},
+        {"fetch", server_.at("/")},
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
         {"feed", "feed.xml"},
@@ -140,6 +156,9 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url repair", "h.org"},
         {"mime", "html"},
         {"date", "2001-02-03"},
+        {"form", "--boundary XyZ form.bin"},
+        {"sheet", "prices.csv"},
+        {"bib", "refs.bib"},
         {"records", "--write-strings list.keyed < notes.txt"},
         {"records", "list.keyed"},
         {"records", "--strings list.keyed"},
@@ -161,13 +180,16 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"store optimize", "notes.store smaller.store"},
         {"store delete", "notes.store 0"},
         {"store salvage", "notes.store saved.store"},
+        {"archive create", "notes.zip notes.txt"},
+        {"archive list", "notes.zip"},
+        {"archive extract", "notes.zip --to extracted"},
         {"helper serve", "x & $V helper call --wait 20 x title y >/dev/null; kill $!"},
         {"helper call", "--start " VELMO_PAGE_HELPER " org.example.pages text @page.html"},
         {"helper list",
          "& $V helper serve x >/dev/null & $V helper call --wait 20 x title y >/dev/null; $V helper list --json; "
          "kill $!"},
     };
-    EXPECT_EQ(std::size(runs), commands().size() - 1);
+    EXPECT_EQ(std::size(runs), commands().size());
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
         const std::string whole = command, group = whole.substr(0, whole.find(' ')),

@@ -21,6 +21,7 @@ namespace {
 const std::vector<CommandEntry>& allCommands() {
     static const std::vector<CommandEntry> commands = {
         {"gather", makeGatherCommand},
+        {"fetch", makeFetchCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
         {"feed", makeFeedCommand},
@@ -43,16 +44,19 @@ const std::vector<CommandEntry>& allCommands() {
          "ARCHIVE"},
         {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
         {"mime", makeMimeCommand},
+        {"form", makeFormCommand},
         {"date", makeDateCommand},
+        {"sheet", makeSheetCommand},
+        {"bib", makeBibCommand},
         {"records", makeRecordsCommand},
         {"comments", makeCommentsCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
-        {"helper", nullptr, helperActions(),
-         "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
         {"attributes", nullptr, attributeActions(),
          "Extended attributes of files: values, tags, sources and comments", "PATH..."},
         {"location", makeLocationCommand},
+        {"helper", nullptr, helperActions(),
+         "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
     };
     return commands;
 }
@@ -60,6 +64,7 @@ const std::vector<CommandEntry>& allCommands() {
 constexpr std::string_view OverviewHead =
     "Examples:\n"
     "  velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'\n"
+    "  velmo fetch --output mirror/ https://www.example.org/page.html\n"
     "  velmo text page.html --only-body\n"
     "  velmo links page.html --base https://example.org/page.html --json\n"
     "  velmo match '(cat OR dog) -bird' notes.txt page.html\n"

@@ -15,8 +15,13 @@ namespace velmo {
 
 /// Codes of the errors of downloads.
 enum URLErrorCode : std::int64_t {
+    URLErrorUnknown = -1,
+    URLErrorCancelled = -999,
+    URLErrorBadURL = -1000,
     URLErrorTimedOut = -1001,
+    URLErrorUnsupportedURL = -1002,
     URLErrorCannotFindHost = -1003,
+    URLErrorCannotConnectToHost = -1004,
     URLErrorNetworkConnectionLost = -1005,
     URLErrorHTTPTooManyRedirects = -1007,
     URLErrorNotConnectedToInternet = -1009,
@@ -25,8 +30,13 @@ enum URLErrorCode : std::int64_t {
     URLErrorUserCancelledAuthentication = -1012,
     URLErrorUserAuthenticationRequired = -1013,
     URLErrorZeroByteResource = -1014,
+    URLErrorCannotDecodeRawData = -1015,
+    URLErrorCannotParseResponse = -1017,
     URLErrorFileDoesNotExist = -1100,
     URLErrorNoPermissionsToReadFile = -1102,
+    URLErrorDataLengthExceedsMaximum = -1103,
+    URLErrorSecureConnectionFailed = -1200,
+    URLErrorServerCertificateUntrusted = -1202,
 };
 
 /// Whether a status tells that a whole document came: below 201 or from 207 to 299. The

@@ -7,6 +7,7 @@
 
 namespace velmo::tool {
 
+Command makeBibCommand(Session& session);
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
 Command makeCommentsCommand(Session& session);
@@ -14,7 +15,9 @@ Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
 Command makeFeedCommand(Session& session);
+Command makeFetchCommand(Session& session);
 Command makeFindCommand(Session& session);
+Command makeFormCommand(Session& session);
 Command makeGatherCommand(Session& session);
 Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
@@ -26,6 +29,7 @@ Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
 Command makeRecordsCommand(Session& session);
+Command makeSheetCommand(Session& session);
 Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
 Command makeThumbsCommand(Session& session);

@@ -14,6 +14,8 @@
 #include <memory>
 #include <system_error>
 
+#include "Remote.h"
+
 namespace velmo::tool {
 namespace {
 
@@ -137,6 +139,7 @@ private:
 }  // namespace
 
 Data readFile(const std::string& name) {
+    if (isRemote(name)) return readRemote(name).bytes;
     const Descriptor file(name);
     if (!file.isDevice()) return readUpTo(file, std::numeric_limits<std::size_t>::max());
     Data bytes = readUpTo(file, DeviceLimit + 1);

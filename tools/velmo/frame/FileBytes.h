@@ -1,4 +1,4 @@
-// The bytes of an input: a file, or standard input for "-".
+// The bytes of an input: a file, standard input for "-", or a page of the web for its address.
 #pragma once
 
 #include <cstddef>
@@ -18,7 +18,7 @@ public:
 /// The usual limit of what may come out of compressed bytes.
 inline constexpr std::size_t UsualLimit = std::size_t{1} << 30;
 
-/// All bytes of a file. Throws an InputError.
+/// All bytes of an input. Throws an InputError.
 Data readFile(const std::string& name);
 /// The first bytes of a file, no more than that many. Throws an InputError.
 Data readHead(const std::string& name, std::size_t count);

@@ -8,6 +8,7 @@
 #include <new>
 
 #include "FileBytes.h"
+#include "Remote.h"
 
 namespace velmo::tool {
 namespace {
@@ -19,6 +20,15 @@ bool isLeftOut(const FileName& file, const ContentOptions& options) {
     Data head = readHead(file.path, HeadSize);
     if (isGzip(head)) head = inflatedHead(head, HeadSize);
     return kindOf(head, file.path) == Kind::Binary;
+}
+
+/// The bytes of an input. What the server of a page says of it counts where nobody knows better.
+Data readInput(const std::string& name, ContentOptions& options) {
+    if (!isRemote(name)) return readFile(name);
+    RemoteFile file = readRemote(name);
+    if (options.httpCharset.empty()) options.httpCharset = file.charset;
+    if (file.isPage) options.unclear = Kind::Page;
+    return std::move(file.bytes);
 }
 
 /// Does the work on one file; what keeps it from being done is the file's failure.
@@ -116,7 +126,7 @@ std::size_t forEachContent(Report& report, const InputOptions& options,
         ContentOptions content = options.content;
         // What a folder happens to hold is not what the user called a page.
         if (!file.wasNamed()) content.unclear = Kind::Text;
-        work(file, decode(readFile(file.path), file.path, content), own);
+        work(file, decode(readInput(file.path, content), file.path, content), own);
     });
 }
 

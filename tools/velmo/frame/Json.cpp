@@ -1,4 +1,4 @@
-// The only source that knows the JSON library. It escapes the pieces of texts and writes
+// With JsonRows.cpp, which reads, the only source that knows the JSON library. It escapes the pieces of texts and writes
 // numbers; what it cannot do is done here: lone surrogates, and writing in pieces.
 #include "Json.h"
 
