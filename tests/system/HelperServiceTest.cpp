@@ -305,27 +305,6 @@ TEST_F(Service, StandsHostilePeers) {
                  });
 
     const std::string greeting = "DATA\r\nOK 0123456789abcdef0123456789abcdef\r\nAGREE_UNIX_FD\r\n";
-    const std::string signal =
-        "l\4\1\1\0\0\0\0\1\0\0\0\x2A\0\0\0\1\1o\0\1\0\0\0/\0\0\0\0\0\0\0"
-        "\2\1s\0\3\0\0\0a.b\0\0\0\0\0\3\1s\0\1\0\0\0c\0\0\0\0\0\0\0"s;
-    const auto start = std::chrono::steady_clock::now();
-    const auto isSoon = [&] { return std::chrono::steady_clock::now() - start < 5s; };
-    std::atomic<bool> isAnswered = false;
-    withPeer(
-        [&](int socket) {
-            sendTo(socket, greeting);
-            while (!isAnswered && isSoon()) sendTo(socket, signal);
-        },
-        [&] {
-            const auto connection = NamedConnection::connectionWithRegisteredName(u"peer", 5);
-            ASSERT_TRUE(connection);
-            connection->setReplyTimeout(0.05);
-            Error error;
-            EXPECT_FALSE(HelperProxy(connection).call(u"echo", {}, &error));
-            EXPECT_TRUE(isPortTimeoutException(error) && isSoon()) << error;
-            isAnswered = true;
-        });
-
     std::mt19937 random(1);
     for (int i = 0; i < 60; ++i) {
         std::string noise(1 + random() % 100, 0);
