@@ -1,5 +1,7 @@
 // Downloads from servers in the test itself: well-behaved ones, and those that are not.
 #include <httplib.h>
+
+#include <csignal>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -186,6 +188,8 @@ public:
     ~Server() {
         this->stop();
         if (thread_.joinable()) thread_.join();
+        // The base has it ignored, and programs that other tests start would inherit that.
+        std::signal(SIGPIPE, SIG_DFL);
     }
     void start() {
         thread_ = std::thread([this] { this->listen_after_bind(); });
