@@ -189,7 +189,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
          "& $V helper serve x >/dev/null & $V helper call --wait 20 x title y >/dev/null; $V helper list --json; "
          "kill $!"},
     };
-    EXPECT_EQ(std::size(runs), commands().size());
+    // Four commands are run twice or thrice; the names of five groups are no commands.
+    EXPECT_EQ(std::size(runs), commands().size() + 4 - 5);
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
         const std::string whole = command, group = whole.substr(0, whole.find(' ')),
