@@ -1,10 +1,10 @@
 // Downloads from servers in the test itself: well-behaved ones, and those that are not.
 #include <httplib.h>
 
-#include <csignal>
 #include <openssl/evp.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
+#include <csignal>
 
 #include <condition_variable>
 #include <filesystem>

@@ -88,5 +88,16 @@ TEST_F(Tool, PacksAndUnpacks) {
     EXPECT_EQ(run("pack -", "").code, 2);
 }
 
+TEST_F(Tool, ReadsPagesAsBrowsersOfTodayDo) {
+    write("p.html", "<meta charset=latin1>\x93&nexist;<td>x<td>y<template>z</template><a href='/a%20'>");
+    EXPECT_EQ(run("charset p.html").out, "p.html: iso-8859-1 (declared iso-8859-1)\n");
+    EXPECT_EQ(run("charset --web p.html").out, "p.html: windows-1252 (declared windows-1252)\n");
+    EXPECT_EQ(run("text p.html").out, "\xC2\x93&nexist; x yz\n");
+    EXPECT_EQ(run("text --web --tabs p.html").out, "\xE2\x80\x9C\xE2\x88\x84x\ty\n");
+    EXPECT_EQ(run("links p.html").out + run("links --web p.html").out, "/a\n/a%20\n");
+    write("q.html", "<p>Zu&shy;cker");
+    EXPECT_EQ(run("find zucker q.html").code + run("find --web zucker q.html").code, 1);
+}
+
 }  // namespace
 }  // namespace velmo

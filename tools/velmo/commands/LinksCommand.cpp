@@ -36,10 +36,11 @@ struct Found {
 std::vector<String> listOf(const std::set<String>& set) { return {set.begin(), set.end()}; }
 
 Found find(const String& page, const Options& options) {
+    const WebRules web = options.input.content.web;
     const String containing = String::fromUTF8(options.containing);
     // Whatever was asked for: the page's own base comes with its links.
     HtmlLinks found =
-        htmlLinks(page, {.containing = containing, .useRelNoFollow = options.noFollow});
+        htmlLinks(page, {.containing = containing, .useRelNoFollow = options.noFollow, .web = web});
     switch (options.kind) {
         case LinkSet::Links:
             break;

@@ -15,7 +15,8 @@ struct Options {
     PlainTextOptions plainText;
 };
 
-String plainTextOf(Content&& content, const PlainTextOptions& options) {
+String plainTextOf(Content&& content, PlainTextOptions options) {
+    options.web = content.web;
     // Moved, so that the page is forgotten here and not kept while its text is printed.
     const String units = std::move(content.units);
     return content.kind == Kind::Page ? stringByConvertingHtml2PlainText(units, options) : units;
@@ -49,6 +50,10 @@ Command makeTextCommand(Session& session) {
         flag("--remove-junk", plainText.removeJunk, "drop titles, hidden text and endless runs"),
         flag("--google-tags", plainText.googleTags, "honour googleoff: and googleon: comments"),
         offFlag("--no-image-alts", plainText.imageAlts, "leave out the texts of images"),
+        flag("--noscript", plainText.noScripts, "take what is there for browsers without scripts"),
+        flag("--textareas", plainText.textareas, "take the contents of text areas"),
+        offFlag("--no-ruby", plainText.rubyText, "leave out how characters are read"),
+        flag("--tabs", plainText.tabs, "write tabs between the cells of tables"),
         jsonFlag(session, "one JSON object a page"),
     });
     return command;

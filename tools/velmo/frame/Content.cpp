@@ -8,6 +8,7 @@
 #include <velmocore/markup/Charsets.h>
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/PlainText.h>
+#include <velmocore/markup/WebCharsets.h>
 #include <velmocore/text/CharacterFinding.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Trimming.h>
@@ -108,18 +109,19 @@ StringEncoding encodingOfWidePage(Bytes bytes) {
 
 /// A charset name of a page: the IANA name of what it means, or the name itself if it means
 /// nothing; absent for none.
-String nameOf(const String& charset) {
+String nameOf(const String& charset, WebRules web) {
     if (charset.isEmpty()) return {};
-    const StringEncoding encoding = charset2NSStringEncoding(charset);
+    const StringEncoding encoding = web.charsets ? stringEncodingOf(encodingOfCharsetLabel(charset))
+                                                 : charset2NSStringEncoding(charset);
     return encoding == UnknownStringEncoding ? charset : String::fromUTF8(ianaName(encoding));
 }
 
 Content decodedPage(Data&& data, const ContentOptions& options) {
     const Data bytes = std::move(data);
     const String charset = String::fromUTF8(options.httpCharset);
-    MarkupDecoding decoding = decodeMarkup(bytes, {.encodingName = charset});
+    MarkupDecoding decoding = decodeMarkup(bytes, {.encodingName = charset, .web = options.web});
     return {Kind::Page, std::move(decoding.text), std::string(ianaName(decoding.encoding)),
-            nameOf(decoding.declared)};
+            nameOf(decoding.declared, options.web)};
 }
 
 Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
@@ -146,12 +148,16 @@ Content decode(Data&& bytes, const std::string& name, const ContentOptions& opti
         kind = kindOf(Bytes(bytes).first(std::min(bytes.size(), HeadSize)), name);
     if (kind == Kind::Unclear) kind = options.unclear;
     if (kind == Kind::Binary) throw InputError("a binary file");
-    return decodedBytes(std::move(bytes), kind, options);
+    Content content = decodedBytes(std::move(bytes), kind, options);
+    content.web = options.web;
+    return content;
 }
 
 String readableText(Content&& content) {
     const String units = std::move(content.units);
-    return content.kind == Kind::Page ? stringByConvertingHtml2PlainText(units) : units;
+    return content.kind == Kind::Page
+               ? stringByConvertingHtml2PlainText(units, {.web = content.web})
+               : units;
 }
 
 bool isKnownCharset(const std::string& name) {

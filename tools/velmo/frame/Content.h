@@ -6,6 +6,7 @@
 
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 #include "FileBytes.h"
 
@@ -20,6 +21,7 @@ struct ContentOptions {
     Kind unclear = Kind::Text;
     std::string charset;               ///< by --charset; empty is none
     std::string httpCharset;           ///< the charset that the HTTP header named; empty if none
+    WebRules web = {};                 ///< by --web: how pages are read
     std::uint64_t limit = UsualLimit;  ///< of what may come out of compressed bytes
 };
 
@@ -29,6 +31,7 @@ struct Content {
     String units;          ///< a page with its markup, or a text
     std::string encoding;  ///< IANA name in lower case
     String declared;       ///< IANA name of the charset that a page names, or absent
+    WebRules web = {};     ///< how a page is read further
 };
 
 /// So many bytes of an input tell what it is.

@@ -94,6 +94,10 @@ void addContentOptions(Command& command, Session& session, InputOptions& options
              }},
         text("--http-charset", "NAME", content.httpCharset,
              "the charset that the HTTP header of pages named"),
+        {.names = "--web",
+         .value = {},
+         .help = "read pages as browsers of today do: charsets, references, what is text",
+         .take = [&content](const std::string&) { content.web = WebRules::today(); }},
         number("--limit", "BYTES", content.limit,
                fmt::format("most bytes that may come out of a compressed file; {}", UsualLimit)),
     });
