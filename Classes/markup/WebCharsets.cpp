@@ -50,11 +50,14 @@ TextEncoding encodingOfCharsetLabel(std::u16string_view label) {
 }
 
 WebCharset webCharset(Bytes page, std::u16string_view headerLabel) {
-    const std::string meta = detail::labelOfMetaTags(page),
-                      xml = meta.empty() ? detail::labelOfXMLDeclaration(page) : std::string();
+    const Mark* const mark = std::ranges::find_if(
+        Marks, [&](const Mark& m) { return charsOf(page).starts_with(m.bytes); });
+    const bool isMarked = mark != std::end(Marks);
+    const Bytes head = page.subspan(isMarked ? mark->bytes.size() : 0);
+    const std::string meta = detail::labelOfMetaTags(head),
+                      xml = meta.empty() ? detail::labelOfXMLDeclaration(head) : std::string();
     const String declared = String::fromUTF8(meta.empty() ? xml : meta);
-    for (const Mark& mark : Marks)
-        if (charsOf(page).starts_with(mark.bytes)) return {mark.encoding, declared};
+    if (isMarked) return {mark->encoding, declared};
     const TextEncoding header = encodingOfCharsetLabel(headerLabel);
     if (header != UnknownTextEncoding) return {header, declared};
     if (!declared.isEmpty()) return {readable(encodingOfCharsetLabel(declared)), declared};

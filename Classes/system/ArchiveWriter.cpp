@@ -1,6 +1,9 @@
 // libarchive packs. It marks a name as UTF-8 where the locale of the thread says so, and takes the
 // bytes as they are; so the thread gets the locale that is right for the name, and for that time
 // only.
+//
+// It never hears that a write failed: with an error in the middle of an entry it would forget to free
+// what it packs with. After the first failure the rest is dropped, and each step asks for it.
 #include "system/ArchiveWriter.h"
 
 #include <archive.h>
@@ -56,44 +59,46 @@ Entry newEntry(const struct stat& info) {
 
 }  // namespace
 
-ArchiveWriter::ArchiveWriter(OpenFile& file) : file_(file), archive_(archive_write_new()) {
+ArchiveWriter::ArchiveWriter(OpenFile& file)
+    : file_(file), archive_(archive_write_new(), &archive_write_free) {
     if (!archive_) throw std::bad_alloc();
-    archive_write_set_format_zip(archive_);
-    archive_write_set_bytes_per_block(archive_, static_cast<int>(Portion));
-    archive_write_set_bytes_in_last_block(archive_, 1);
+    archive_write_set_format_zip(archive_.get());
+    archive_write_set_bytes_per_block(archive_.get(), static_cast<int>(Portion));
+    archive_write_set_bytes_in_last_block(archive_.get(), 1);
     const auto write = [](archive*, void* context, const void* bytes,
                           std::size_t count) -> la_ssize_t {
         auto& writer = *static_cast<ArchiveWriter*>(context);
-        if (writer.file_.write({static_cast<const std::uint8_t*>(bytes), count}))
-            return static_cast<la_ssize_t>(count);
-        writer.failure_ = errno;
-        return -1;
+        if (writer.failure_ == 0 &&
+            !writer.file_.write({static_cast<const std::uint8_t*>(bytes), count}))
+            writer.failure_ = errno;
+        return static_cast<la_ssize_t>(count);
     };
-    if (archive_write_open(archive_, this, nullptr, write, nullptr) != ARCHIVE_OK) fail("");
+    check(archive_write_open(archive_.get(), this, nullptr, write, nullptr), "");
 }
 
 ArchiveWriter::~ArchiveWriter() {
     // Given up before its end, nothing more is to be written.
-    archive_write_fail(archive_);
-    archive_write_free(archive_);
+    if (failure_ == 0) failure_ = ECANCELED;
+    archive_write_close(archive_.get());
 }
 
-void ArchiveWriter::fail(const std::string& name) const {
+void ArchiveWriter::check(long result, const std::string& name) const {
     errno = failure_;
-    if (failure_ != 0) demand(false, name.empty() ? "archive" : name);
-    const char* reason = archive_error_string(archive_);
+    demand(failure_ == 0, name.empty() ? "archive" : name);
+    if (result >= ARCHIVE_OK) return;
+    const char* reason = archive_error_string(archive_.get());
     throw ArchiveFailure(ArchiveProblem::Unsupported, name, reason ? reason : "cannot be packed");
 }
 
 void ArchiveWriter::begin(archive_entry* entry, const std::string& name) {
     const LocaleOfName locale(name);
     archive_entry_copy_pathname(entry, name.c_str());
-    if (archive_write_header(archive_, entry) != ARCHIVE_OK) fail(name);
+    check(archive_write_header(archive_.get(), entry), name);
 }
 
 void ArchiveWriter::write(Bytes bytes, const std::string& name) {
-    const la_ssize_t count = archive_write_data(archive_, bytes.data(), bytes.size());
-    if (count < 0) fail(name);
+    const la_ssize_t count = archive_write_data(archive_.get(), bytes.data(), bytes.size());
+    check(static_cast<long>(count), name);
     // No more is taken than was told before.
     if (static_cast<std::size_t>(count) != bytes.size())
         throw ArchiveFailure(ArchiveProblem::Unsupported, name, "has changed meanwhile");
@@ -140,8 +145,6 @@ void ArchiveWriter::add(ArchiveReader& reader, const ZipEntry& entry) {
         write(bytes, entry.name);
 }
 
-void ArchiveWriter::finish() {
-    if (archive_write_close(archive_) != ARCHIVE_OK) fail("");
-}
+void ArchiveWriter::finish() { check(archive_write_close(archive_.get()), ""); }
 
 }  // namespace velmo::detail

@@ -1,6 +1,7 @@
 // A zip archive as it is written.
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "system/OpenFile.h"
@@ -32,11 +33,12 @@ private:
     void write(Bytes bytes, const std::string& name);
     void addFile(int folder, const std::string& path, const std::string& name,
                  archive_entry* entry);
-    [[noreturn]] void fail(const std::string& name) const;
+    /// Throws if libarchive says so by a result below 0, or if a write has failed.
+    void check(long result, const std::string& name) const;
 
     OpenFile& file_;
-    archive* archive_;
-    int failure_ = 0;  // of writing to the file, for which libarchive has a text of its own
+    int failure_ = 0;  // of writing to the file
+    std::unique_ptr<archive, int (*)(archive*)> archive_;
 };
 
 }  // namespace velmo::detail
