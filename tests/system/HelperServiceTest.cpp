@@ -16,7 +16,9 @@
 #ifdef __SANITIZE_THREAD__
 // The bus library draws the keys of its tables into one place, from which each table copies its own:
 // that two threads draw at once is no harm.
-extern "C" const char* __tsan_default_suppressions() { return "called_from_lib:libsystemd.so\n"; }
+extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions() {
+    return "called_from_lib:libsystemd.so\nrace:libsystemd.so\n";
+}
 #endif
 
 namespace velmo {
