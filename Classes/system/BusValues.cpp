@@ -266,6 +266,8 @@ private:
         std::size_t size = 0;
         const int result = sd_bus_message_read_array(message_, 'q', &held, &size);
         if (result < 0) return result;
+        // The library does not look whether the length is one of units.
+        if (size % sizeof(char16_t) != 0) return -EBADMSG;
         StringBuilder text(size / sizeof(char16_t));
         if (size > 0) std::memcpy(text.prepare(size / sizeof(char16_t)), held, size);
         text.commit(size / sizeof(char16_t));
