@@ -1,10 +1,12 @@
 // The first line is the URL of a page, the rest a link on it, which is repaired, judged and
 // unwrapped by the rules of every search engine. Asking all predicates at once must answer
 // as asking them one by one, and what is accepted must be a URL.
+#include <velmocore/url/AdvertisementFilter.h>
 #include <velmocore/url/FileKinds.h>
 #include <velmocore/url/LinkAcceptance.h>
 #include <velmocore/url/MIMETypes.h>
 #include <velmocore/url/SearchEngines.h>
+#include <velmocore/url/TrackingParameters.h>
 #include <velmocore/url/URLClassification.h>
 #include <velmocore/url/URLRepair.h>
 #include <velmocore/url/URLSchemes.h>
@@ -83,6 +85,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     checkAcceptance(link, page);
     for (const char16_t* engine : EnginePages) checkAcceptance(link, URL::URLWithString(engine));
     isSearchEngine(page);
+    (void)AdvertisementFilter(link).matches(page);
+    (void)TrackingParameters(link).contains(link, units.substr(0, end));
     extensionForMIMEType(link);
     MIMETypeForExtension(link);
     isBinaryFileType(link);

@@ -51,6 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     readPage(bytes, {.encodingName = name});
     readPage(bytes, {.defaultEncoding = data[1]});
     readPage(bytes, {.encodingName = u"utf-8", .defaultEncoding = ISOLatin1StringEncoding});
+    readPage(bytes, {.encodingName = name, .web = WebRules::today()});
     convert(row.number, bytes, data[1]);
     propertyListAsXML({data, size});
     return 0;

@@ -32,7 +32,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const String string = fuzz::unitsOf(data, size);
     const std::u16string text(string.view());
     const std::size_t location = text.empty() ? 0 : (flags >> 3) % text.size();
-    decode(text, location, {(flags & 1) != 0, (flags & 2) != 0, (flags & 4) != 0});
+    const EntityOptions told{(flags & 1) != 0, (flags & 2) != 0, (flags & 4) != 0};
+    EntityOptions today = told;
+    today.inAttribute = (flags & 8) != 0;
+    today.web = WebRules::today();
+    for (const EntityOptions& options : {told, today}) decode(text, location, options);
 
     std::u16string place = text;
     const std::size_t length = convertStdEntities2Characters(place.data(), place.size());

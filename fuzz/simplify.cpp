@@ -2,6 +2,7 @@
 // and mapped to files. What is resolved is a URL again, reductions end, and a mapped path has
 // no component too long for a file system.
 #include <velmocore/url/InvertedPaths.h>
+#include <velmocore/url/PageKey.h>
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLHosts.h>
 #include <velmocore/url/URLPaths.h>
@@ -72,6 +73,8 @@ void checkURL(const URL& url) {
         url, u"", {.pathExtension = u"html", .maxPathComponents = 1}));
     require(!pathRelativeToDirectory(url, u"/m").view().starts_with(u"/m/../"));
     pathRelativeToDirectory(url, u"/m", {.simplified = true});
+    const String key = pageKey(url);
+    require(pageKey(URL::URLWithString(key)) == key);
 }
 
 }  // namespace
