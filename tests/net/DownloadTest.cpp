@@ -43,7 +43,7 @@ void answerBadly(RawServer::Client& client, std::atomic<std::size_t>& sent) {
     if (path == "/silent") client.wait(5s);
     if (path == "/drip") {
         client.send(ok + "Content-Length: 8\r\n\r\n");
-        for (int i = 0; i < 8; ++i) client.wait(60ms), client.send("x");
+        for (int i = 0; i < 8; ++i) client.wait(100ms), client.send("x");
     }
     if (path == "/circle") client.send(found("/circle"));
     if (path == "/file") client.send(found("file:///etc/passwd"));
@@ -63,8 +63,8 @@ void answerBadly(RawServer::Client& client, std::atomic<std::size_t>& sent) {
     if (path == "/gzip") client.send(answerOf("no gzip at all", "Content-Encoding: gzip\r\n"));
     if (path == "/missing") client.send(answerOf("none", "", "404 Not Found"));
     if (path == "/bomb") {
-        const Data zeros(20'000'000);
-        client.send(answerOf(charsOf(*dataByGzippingData(zeros)), "Content-Encoding: gzip\r\n"));
+        static const auto bomb = dataByGzippingData(Data(20'000'000));
+        client.send(answerOf(charsOf(*bomb), "Content-Encoding: gzip\r\n"));
     }
 }
 
@@ -99,16 +99,16 @@ TEST(Download, StandsBadServers) {
     };
     const DownloadLimits limits = {.body = 1'000'000, .header = 10'000, .redirects = 5};
     for (const auto& [path, body, error, status, forward] : cases) {
-        const auto start = steady_clock::now();
-        const auto result = downloadSynchronous(server.url(path), {.timeoutInterval = 0.25, .limits = limits});
+        // Silence ends the first two; a busy machine ends none of the others.
+        const double timeout = error == URLErrorTimedOut ? 0.25 : std::string_view(path) == "/drip" ? 0.7 : 30;
+        const auto result = downloadSynchronous(server.url(path), {.timeoutInterval = timeout, .limits = limits});
         EXPECT_EQ(textOf(result.data), body) << path;
         EXPECT_EQ(codeOf(result.error), error) << path << " " << (result.error ? printed(*result.error) : "");
         EXPECT_EQ(result.statusCode, status) << path;
         EXPECT_EQ(result.forward, *forward ? server.url(forward) : URL()) << path;
-        EXPECT_LT(steady_clock::now() - start, 2s) << path;
         // The same by the thread of the library.
         std::promise<std::pair<std::string, std::int64_t>> promise;
-        downloadAsynchronous(server.url(path), {.timeoutInterval = 0.25, .limits = limits},
+        downloadAsynchronous(server.url(path), {.timeoutInterval = timeout, .limits = limits},
                              [&](auto data, auto, auto failure) {
                                  promise.set_value({textOf(data), codeOf(failure)});
                              });
@@ -172,7 +172,7 @@ TEST(Download, AsksItsHooks) {
     const auto start = steady_clock::now();
     download.run();
     EXPECT_TRUE(polls == 3 && download.done() && !download.connection() && !download.error());
-    EXPECT_LT(steady_clock::now() - start, 500ms);
+    EXPECT_LT(steady_clock::now() - start, 4s);  // not until the server ends
 }
 
 /// A well-behaved server on a thread of its own.

@@ -133,7 +133,7 @@ TEST_F(Service, TellsWhatFails) {
     EXPECT_TRUE(proxy->offers(u"echo") && !proxy->offers(u"ech"));
     EXPECT_TRUE(proxy->call(u"end"));
     Error error;
-    for (int i = 0; i < 100 && proxy->connection()->isValid(); ++i) std::this_thread::sleep_for(10ms);
+    for (int i = 0; i < 2000 && proxy->connection()->isValid(); ++i) std::this_thread::sleep_for(10ms);
     EXPECT_FALSE(proxy->call(u"echo", {}, &error));
     EXPECT_TRUE(isPortException(error) && !isPortTimeoutException(error)) << error;
 }
