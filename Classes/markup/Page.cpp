@@ -143,9 +143,10 @@ const HtmlMetaSummary& Page::summary() const {
 bool Page::isErrorPage() const {
     return state_->isErrorPage.get([this] {
         // The title, which the plain text holds too, must not confirm itself.
-        const String body = detail::plainTextOf(state_->markup, state_->tags(),
-                                                {.onlyBody = true, .removeJunk = true})
-                                .text;
+        const String body =
+            detail::plainTextOf(state_->markup, state_->tags(),
+                                {.onlyBody = true, .removeJunk = true, .web = state_->web})
+                .text;
         return isErrorPageTitle(title(), body, url().absoluteString());
     });
 }

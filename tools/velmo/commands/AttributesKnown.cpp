@@ -95,6 +95,26 @@ void addChanges(Command& command, std::shared_ptr<AttributeOptions> options, std
     command.add({std::move(set), flag("--clear", options->clear, "remove what there is")});
 }
 
+struct TextCommand {
+    std::string summary;
+    std::vector<std::string> examples;
+    std::string_view value;  ///< of --set
+    std::string help;        ///< the same
+};
+
+/// A command for an attribute that is one text.
+Command textCommand(Session& session,
+                    void (*work)(const std::string&, const AttributeOptions&, Report&),
+                    TextCommand told) {
+    auto options = std::make_shared<AttributeOptions>();
+    Command command = attributeCommand(session, options, work);
+    command.summary = std::move(told.summary);
+    command.examples = std::move(told.examples);
+    addChanges(command, options, told.value, std::move(told.help), false);
+    command.add({noFollowOption(*options), jsonFlag(session, "one JSON object a file")});
+    return command;
+}
+
 }  // namespace
 
 Command makeAttributesTagsCommand(Session& session) {
@@ -109,25 +129,22 @@ Command makeAttributesTagsCommand(Session& session) {
 }
 
 Command makeAttributesSourceCommand(Session& session) {
-    auto options = std::make_shared<AttributeOptions>();
-    Command command = attributeCommand(session, options, source);
-    command.summary = "Print or set where files were loaded from";
-    command.examples = {"velmo attributes source page.html",
-                        "velmo attributes source --set https://example.org/ page.html"};
-    addChanges(command, options, "URL", "where the files come from", false);
-    command.add({noFollowOption(*options), jsonFlag(session, "one JSON object a file")});
-    return command;
+    return textCommand(
+        session, source,
+        {.summary = "Print or set where files were loaded from",
+         .examples = {"velmo attributes source page.html",
+                      "velmo attributes source --set https://example.org/ page.html"},
+         .value = "URL",
+         .help = "where the files come from"});
 }
 
 Command makeAttributesCommentCommand(Session& session) {
-    auto options = std::make_shared<AttributeOptions>();
-    Command command = attributeCommand(session, options, comment);
-    command.summary = "Print or set the comments of files";
-    command.examples = {"velmo attributes comment notes.txt",
-                        "velmo attributes comment --set 'to be read' notes.txt"};
-    addChanges(command, options, "TEXT", "the comment", false);
-    command.add({noFollowOption(*options), jsonFlag(session, "one JSON object a file")});
-    return command;
+    return textCommand(session, comment,
+                       {.summary = "Print or set the comments of files",
+                        .examples = {"velmo attributes comment notes.txt",
+                                     "velmo attributes comment --set 'to be read' notes.txt"},
+                        .value = "TEXT",
+                        .help = "the comment"});
 }
 
 }  // namespace velmo::tool
