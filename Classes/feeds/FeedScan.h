@@ -20,7 +20,8 @@ struct FeedFacts {
 struct FeedHandlers {
     /// Of each item; true stops the scan.
     FunctionRef<bool(const FeedItemView&)> item = nullptr;
-    /// When the channel is left and the first item begins; true stops the scan. The title is then known.
+    /// When the channel is left and the first item begins; true stops the scan. The title is then
+    /// known.
     FunctionRef<bool(const FeedFacts&)> channel = nullptr;
 };
 

@@ -1,8 +1,8 @@
 // The labels of charsets, sorted, with the encodings that they mean.
 //
 // Source: the encoding standard, names and labels. Left out are those labels whose pages browsers
-// refuse to read ("replacement"). The mark for private use stands for Windows-1252, as in meta tags, and
-// logical Hebrew for Hebrew, as the order of letters is the same.
+// refuse to read ("replacement"). The mark for private use stands for Windows-1252, as in meta
+// tags, and logical Hebrew for Hebrew, as the order of letters is the same.
 #include "markup/CharsetLabelTables.h"
 
 namespace velmo::detail {

@@ -1,5 +1,5 @@
-// Looking through the first bytes of a page for its charset before any encoding is known, in the steps
-// of the HTML standard ("prescan a byte stream to determine its encoding").
+// Looking through the first bytes of a page for its charset before any encoding is known, in the
+// steps of the HTML standard ("prescan a byte stream to determine its encoding").
 #pragma once
 
 #include <string>

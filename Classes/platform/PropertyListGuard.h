@@ -20,10 +20,10 @@ struct HarmlessList {
     std::optional<Data> instead;  ///< if not absent, what the parser is to see in its place
 };
 
-/// Whether a list, binary or XML, nests no deeper and has no larger dictionaries; a binary one also,
-/// whether none of its keys holds a zero and it is written as no more than 64 times its size and a
-/// megabyte. False for damage that is seen on the way too; what is still wrong with a list that
-/// passes is for the parser to find. Linear time, no recursion.
+/// Whether a list, binary or XML, nests no deeper and has no larger dictionaries; a binary one
+/// also, whether none of its keys holds a zero and it is written as no more than 64 times its size
+/// and a megabyte. False for damage that is seen on the way too; what is still wrong with a list
+/// that passes is for the parser to find. Linear time, no recursion.
 HarmlessList harmlessPropertyList(Bytes bytes);
 
 }  // namespace velmo::detail

@@ -17,7 +17,8 @@
 namespace velmo::detail {
 
 /// Answers what WildcardSequence::find() answers, going forward, for any stretches of a text,
-/// but looks at each part of the text only once and not before it is needed. Not to be shared between threads.
+/// but looks at each part of the text only once and not before it is needed. Not to be shared
+/// between threads.
 class SequencePlaces {
 public:
     /// The sequence must outlive this.

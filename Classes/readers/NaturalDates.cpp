@@ -1,8 +1,8 @@
 // A text in natural language is cut into a few tokens, and each is given to the first reader that
-// knows what to do with it: times, days joined by marks, plain numbers, names, relative time, zones.
-// They fill slots, in whatever order the parts come; a part whose slot is taken, or that no reader
-// knows, ends it all, so that nothing is guessed and nothing is left over. ISO 8601 has a reader of
-// its own, which is asked first.
+// knows what to do with it: times, days joined by marks, plain numbers, names, relative time,
+// zones. They fill slots, in whatever order the parts come; a part whose slot is taken, or that no
+// reader knows, ends it all, so that nothing is guessed and nothing is left over. ISO 8601 has a
+// reader of its own, which is asked first.
 #include <velmocore/readers/NaturalDates.h>
 
 #include "platform/CalendarYears.h"
@@ -160,8 +160,8 @@ private:
     bool setDayFirst(int year, int a, int b) {
         return b <= 12 ? setDay(year, b, a) : setDay(year, a, b);
     }
-    /// Three numbers of two digits: the year is last, behind dashes first. Behind slashes the others
-    /// may be shorter.
+    /// Three numbers of two digits: the year is last, behind dashes first. Behind slashes the
+    /// others may be shorter.
     bool setShortYear(const DateToken& a, const DateToken& b, const DateToken& c) {
         const std::size_t least = peek(1).isMark(u'/') ? 1 : 2;
         if (!a.isShort() || a.digits < least || b.digits < least || c.digits != 2) return false;

@@ -1,5 +1,6 @@
 // Texts in blocks of 64 units, and which of a block are what is looked for, as a mask. Fields are
-// short: a search from each to the next pays for a wrong guess of where it ends, and a mask for none.
+// short: a search from each to the next pays for a wrong guess of where it ends, and a mask for
+// none.
 #pragma once
 
 #include <algorithm>

@@ -22,7 +22,8 @@ VELMO_API AppleDouble appleDouble(Bytes file);
 /// The bytes of the file that stands beside another; none if there is none.
 Data appleDoubleBeside(const Path& path);
 
-/// The type of a file as a string: its four characters between apostrophes. Absent if there is none.
+/// The type of a file as a string: its four characters between apostrophes. Absent if there is
+/// none.
 VELMO_API String typeOfFinderInfo(Bytes finderInfo);
 
 /// The code in a type string; 0 if it is none.

@@ -44,8 +44,8 @@ public:
     /// So many bytes from an offset, fewer only at the end of the file; good until the next
     /// operation. Of a file that is appended to there are none.
     Bytes view(std::uint64_t offset, std::size_t count);
-    /// The same straight from the file, past the buffers, for reading here and there: how many bytes
-    /// there were. What waits to be written is not seen.
+    /// The same straight from the file, past the buffers, for reading here and there: how many
+    /// bytes there were. What waits to be written is not seen.
     std::size_t readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count);
     /// Whether the last view is short because reading failed.
     bool readFailed() const { return readFailed_; }

@@ -1,10 +1,10 @@
-// The blocks of a store, one at a time: reading, appending, replacing and deleting. How bytes get to
-// the file and back is BufferedFile's, what makes a block BlockHeader's.
+// The blocks of a store, one at a time: reading, appending, replacing and deleting. How bytes get
+// to the file and back is BufferedFile's, what makes a block BlockHeader's.
 //
-// Appending looks once at what stands at the end of the file. A block that was written in part only,
-// by a program that was killed or to a disk that was full, would swallow all that comes behind it.
-// So it is taken off first; but only if nothing in it proves to be a block, since a length that is
-// damaged in the middle of a store looks just like a torn end.
+// Appending looks once at what stands at the end of the file. A block that was written in part
+// only, by a program that was killed or to a disk that was full, would swallow all that comes
+// behind it. So it is taken off first; but only if nothing in it proves to be a block, since a
+// length that is damaged in the middle of a store looks just like a torn end.
 #include <velmocore/storage/KeyedStorage.h>
 
 #include <fmt/core.h>
@@ -75,8 +75,8 @@ std::uint64_t endOfWholeBlocks(BufferedFile& file, std::uint64_t end) {
     return from;
 }
 
-/// Whether the end of a file from an offset on is what is left of one block. It may be zeros too, as
-/// a file system makes them of what it could not store before a crash.
+/// Whether the end of a file from an offset on is what is left of one block. It may be zeros too,
+/// as a file system makes them of what it could not store before a crash.
 bool isTorn(const BufferedFile& file, std::uint64_t offset) {
     const detail::FileMapping mapping(file.descriptor());
     if (!mapping.isWhole() || offset >= mapping.bytes().size()) return false;

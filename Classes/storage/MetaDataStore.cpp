@@ -1,9 +1,9 @@
 // Extended attributes as typed values. Each operation of the class is one on a file with a place
 // for its error; operations on several attributes collect the errors of those that fail.
 //
-// Nothing marks a value as a list or as bytes, so that reading goes by the first bytes alone, as all
-// programs do that share these attributes: bytes that look like a list and can be read as one come
-// back as one, whoever set them.
+// Nothing marks a value as a list or as bytes, so that reading goes by the first bytes alone, as
+// all programs do that share these attributes: bytes that look like a list and can be read as one
+// come back as one, whoever set them.
 #include <velmocore/storage/MetaDataStore.h>
 
 #include <fmt/core.h>

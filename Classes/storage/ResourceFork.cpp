@@ -1,7 +1,7 @@
 // A header of 16 bytes tells where the data and the map are: offsets of both,
-// then lengths of both. The map lists the types, each with a list of references to its resources, each of
-// which tells where in the data a resource is: its length, then its bytes. Counts are one less than
-// what they count.
+// then lengths of both. The map lists the types, each with a list of references to its resources,
+// each of which tells where in the data a resource is: its length, then its bytes. Counts are one
+// less than what they count.
 #include "storage/ResourceFork.h"
 
 #include "storage/BigEndian.h"

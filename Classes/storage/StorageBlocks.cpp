@@ -1,6 +1,6 @@
-// The walk over a store in memory. Without salvage it goes where a reader goes. With it no header is
-// believed that the rest of the store speaks against: a length or a padding that is too large would
-// hide blocks that are whole.
+// The walk over a store in memory. Without salvage it goes where a reader goes. With it no header
+// is believed that the rest of the store speaks against: a length or a padding that is too large
+// would hide blocks that are whole.
 #include <velmocore/storage/StorageBlocks.h>
 
 #include <algorithm>
@@ -43,8 +43,8 @@ private:
         return *index_;
     }
 
-    /// What stands there. Once there is an index it knows the checksums, which are not to be computed
-    /// for one overlapping block after the other.
+    /// What stands there. Once there is an index it knows the checksums, which are not to be
+    /// computed for one overlapping block after the other.
     BlockAt look(std::uint64_t offset) const {
         const auto isValid = index_ ? index_->isValidAt(offset) : std::nullopt;
         if (!isValid) return detail::blockAt(source_, offset);

@@ -81,8 +81,8 @@ bool isRegular(FileCalls& calls, int file) {
 }
 
 /// Makes a file ready that was opened and locked. What says where to write is the offset alone from
-/// now on, so that a write can be done again after it failed. That the pages of what is appended are
-/// not wanted soon is a hint, and nothing comes of its failing.
+/// now on, so that a write can be done again after it failed. That the pages of what is appended
+/// are not wanted soon is a hint, and nothing comes of its failing.
 bool settle(int file, StoreAccess access) {
     if (access == StoreAccess::Append) ::posix_fadvise(file, 0, 0, POSIX_FADV_NOREUSE);
     return ::fcntl(file, F_SETFL, 0) == 0;

@@ -19,8 +19,8 @@ using StoreAccess = BufferedFile::Access;
 VELMO_API std::unique_ptr<BufferedFile> openStoreFile(FileCalls& calls, const Path& path,
                                                       StoreAccess access);
 
-/// Another look at a file that can only be appended to; null if it is not allowed, or the path leads
-/// to another file by now.
+/// Another look at a file that can only be appended to; null if it is not allowed, or the path
+/// leads to another file by now.
 std::unique_ptr<BufferedFile> openForReadingToo(const BufferedFile& file, const Path& path);
 
 /// A new file, open and locked, that takes the place of another, or is gone.
@@ -34,8 +34,8 @@ public:
 
     /// Null if it could not be made. Taken out, it is to be closed or kept by the taker.
     std::unique_ptr<BufferedFile> takeFile() { return std::move(file_); }
-    /// Takes the place and the permissions of what is at the path. The file's bytes are to be stored
-    /// before; this has the folder stored.
+    /// Takes the place and the permissions of what is at the path. The file's bytes are to be
+    /// stored before; this has the folder stored.
     bool become(const BufferedFile& file);
 
 private:

@@ -2,8 +2,8 @@
 // bytes as they are; so the thread gets the locale that is right for the name, and for that time
 // only.
 //
-// It never hears that a write failed: with an error in the middle of an entry it would forget to free
-// what it packs with. After the first failure the rest is dropped, and each step asks for it.
+// It never hears that a write failed: with an error in the middle of an entry it would forget to
+// free what it packs with. After the first failure the rest is dropped, and each step asks for it.
 #include "system/ArchiveWriter.h"
 
 #include <archive.h>

@@ -1,7 +1,7 @@
 // The values travel as the protocol's own types and not as bytes of ours, so that any program that
-// speaks the protocol can call a helper or be one. What the protocol cannot say, a text with a NUL or
-// a lone surrogate, goes as its units. So does a long text: the bus library checks each byte of a text
-// on both sides, which takes longer than all the rest of a call.
+// speaks the protocol can call a helper or be one. What the protocol cannot say, a text with a NUL
+// or a lone surrogate, goes as its units. So does a long text: the bus library checks each byte of
+// a text on both sides, which takes longer than all the rest of a call.
 //
 // What comes in is foreign. The bus library checks that each value lies within its message and that
 // texts are UTF-8; here every type but those of the table is refused. The depth is bounded on both

@@ -1,7 +1,8 @@
-// A socket file outlives a helper that is killed. Whether one is stale is told by connecting: nobody
-// who listens refuses. Between that and its removal another helper may take the name, and so whoever
-// makes or removes a file holds the lock of the folder and looks again under it. The folder itself
-// is what is locked: the system lets go of the lock of who dies, and no further file is needed.
+// A socket file outlives a helper that is killed. Whether one is stale is told by connecting:
+// nobody who listens refuses. Between that and its removal another helper may take the name, and so
+// whoever makes or removes a file holds the lock of the folder and looks again under it. The folder
+// itself is what is locked: the system lets go of the lock of who dies, and no further file is
+// needed.
 //
 // Addresses of sockets are short. They are made through the descriptor of the folder, in /proc, so
 // that only the length of the name counts, wherever the folder is.

@@ -1,9 +1,9 @@
 // The thread that serves also runs the operations, with nothing handed to another thread: a call
-// costs what the bus costs. But a helper that is at work must still greet callers and say that it is
-// busy. So a second thread, the guard, sleeps on a timer that an operation sets; when one takes longer
-// than that, the guard leads the service until it is done. Operations that are short share a timer:
-// when it goes off in a later one, the guard sets it again for that. The bus library is used by
-// one thread at a time, under the lock, which is let go of for waiting and for the operations.
+// costs what the bus costs. But a helper that is at work must still greet callers and say that it
+// is busy. So a second thread, the guard, sleeps on a timer that an operation sets; when one takes
+// longer than that, the guard leads the service until it is done. Operations that are short share a
+// timer: when it goes off in a later one, the guard sets it again for that. The bus library is used
+// by one thread at a time, under the lock, which is let go of for waiting and for the operations.
 #include <velmocore/system/HelperService.h>
 #include <velmocore/system/NamedConnection.h>
 

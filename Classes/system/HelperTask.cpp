@@ -1,8 +1,9 @@
 // The steps and their order are kept to the letter, the counters above all: who owns a helper knows
 // it by them. A task that is given up stays so, since only a start could mend it and none is tried.
 //
-// Beyond them one thing is seen to: a helper that was stopped is gone when the call returns. The next
-// one registers the same name, and would find it taken or, worse, its owner would find the old one.
+// Beyond them one thing is seen to: a helper that was stopped is gone when the call returns. The
+// next one registers the same name, and would find it taken or, worse, its owner would find the old
+// one.
 #include <velmocore/system/HelperTask.h>
 
 #include <fmt/core.h>

@@ -1,7 +1,7 @@
 // Every caller is taken for one that means no good: it gets one message a turn, so that no other
 // starves; one that sends no messages but noise, or never takes its answers, is
-// dropped; and there are only so many. That the caller is of the same user is seen to by the folder,
-// and again by the greeting of the protocol.
+// dropped; and there are only so many. That the caller is of the same user is seen to by the
+// folder, and again by the greeting of the protocol.
 #include "system/ServicePeers.h"
 
 #include <sys/socket.h>

@@ -1,5 +1,5 @@
-// A key is written once, from left to right, into the string that it becomes: scheme, host and port,
-// then the path, which is put right in its place, and the query part by part. Nothing that is
+// A key is written once, from left to right, into the string that it becomes: scheme, host and
+// port, then the path, which is put right in its place, and the query part by part. Nothing that is
 // written gets longer than it was, but for the slash behind a file's scheme.
 //
 // A key must be its own key, so that whatever is left out is looked for in what stands there then:

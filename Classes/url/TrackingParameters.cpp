@@ -1,6 +1,6 @@
-// Names are looked up whole in a table, and then their beginnings of those lengths that rows with a *
-// have, so that the number of rows costs nothing. A row with hosts is asked once for each label of the
-// host.
+// Names are looked up whole in a table, and then their beginnings of those lengths that rows with a
+// * have, so that the number of rows costs nothing. A row with hosts is asked once for each label
+// of the host.
 #include <velmocore/url/TrackingParameters.h>
 
 #include <algorithm>

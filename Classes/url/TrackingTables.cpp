@@ -1,5 +1,5 @@
-// The names under which visitors are followed. What could choose a page somewhere counts only on the
-// hosts of its party; no row is a mere ending or middle of a name.
+// The names under which visitors are followed. What could choose a page somewhere counts only on
+// the hosts of its party; no row is a mere ending or middle of a name.
 //
 // Source: the public help of the parties (Documented), and links of their services as they are met
 // on pages (Observed). Own knowledge of the field, 2026.

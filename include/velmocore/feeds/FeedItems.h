@@ -13,10 +13,10 @@
 
 namespace velmo {
 
-// The items of RSS, RDF and Atom feeds. A feed is read by the scanner for pages and not as XML: what
-// is damaged costs the item that it stands in and no other, and of a download that broke off all
-// items come that were whole. What is no feed has no items; nothing fails. Time is linear in the
-// feed. Any thread.
+// The items of RSS, RDF and Atom feeds. A feed is read by the scanner for pages and not as XML:
+// what is damaged costs the item that it stands in and no other, and of a download that broke off
+// all items come that were whole. What is no feed has no items; nothing fails. Time is linear in
+// the feed. Any thread.
 //
 //     const Feed feed = readFeed(
 //         u"<rss><channel><title>News</title><item><title>A&amp;B</title><link>/a</link></item>",

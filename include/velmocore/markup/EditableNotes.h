@@ -9,9 +9,9 @@ namespace velmo {
 
 /// A page as a note that people edit: without active content (as stripObjectsAndReplaceImages()
 /// takes it out, images stay), without form fields and their contents, and without empty lines and
-/// white space around lines. A meta tag right after the opening head tag says that it is a note, and
-/// in front of it one names UTF-8 if the page names no charset. A page without a head gets neither,
-/// and a note none again.
+/// white space around lines. A meta tag right after the opening head tag says that it is a note,
+/// and in front of it one names UTF-8 if the page names no charset. A page without a head gets
+/// neither, and a note none again.
 ///
 ///     formattedNote(u"<head>\n\n<title>a</title></head>");
 ///     // (<head><meta http-equiv="content-type" ...> and so on)
@@ -19,7 +19,8 @@ namespace velmo {
 /// An absent page stays absent. Time is linear in the page; nothing fails. Any thread.
 [[nodiscard]] VELMO_API String formattedNote(const String& page);
 
-/// Whether that meta tag stands in front of the body and is not empty; what it says does not matter.
+/// Whether that meta tag stands in front of the body and is not empty; what it says does not
+/// matter.
 [[nodiscard]] VELMO_API bool isFormattedNote(std::u16string_view page);
 
 }  // namespace velmo

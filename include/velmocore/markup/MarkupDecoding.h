@@ -29,7 +29,8 @@ struct MarkupDecodingOptions {
     std::u16string_view encodingName = {};
     /// The encoding of pages that name none.
     StringEncoding defaultEncoding = velmo::defaultEncoding();
-    /// WebRules::charsets finds the encoding by itself; the one for pages that name none is not used.
+    /// WebRules::charsets finds the encoding by itself; the one for pages that name none is not
+    /// used.
     WebRules web = {};
 };
 

@@ -13,9 +13,9 @@ namespace velmo {
 //     stringByAddingBaseURL(u"<head></head>", u"http://h.org/?a&b");
 //     // "<head><BASE href=\"http://h.org/?a&amp;b\"/>\n</head>"
 
-/// The page with this URL as its base: in place of the first base tag with an HREF, else right after
-/// the opening head tag if it has one. An empty URL takes that base tag away; an absent one changes
-/// nothing. What stands behind the body tag is not looked at.
+/// The page with this URL as its base: in place of the first base tag with an HREF, else right
+/// after the opening head tag if it has one. An empty URL takes that base tag away; an absent one
+/// changes nothing. What stands behind the body tag is not looked at.
 [[nodiscard]] VELMO_API String stringBySettingBaseURL(const String& page, const String& url);
 
 /// The same for a page that has no base yet; any other comes back as it is. An empty URL changes

@@ -10,8 +10,8 @@
 namespace velmo {
 
 // What the head of a page says of the page. All but one of these look no further than the body tag,
-// so that of a large page little is read. Values are as they stand, their entities not decoded; what
-// is not there is absent. Names and keywords are compared in any case.
+// so that of a large page little is read. Values are as they stand, their entities not decoded;
+// what is not there is absent. Names and keywords are compared in any case.
 //
 // A value that several meta tags give is all of their contents with spaces between. Time is linear
 // in what is read; nothing fails. Any thread.

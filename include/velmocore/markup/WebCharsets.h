@@ -22,7 +22,8 @@ namespace velmo {
 /// What a page is in, and who says so.
 struct WebCharset {
     TextEncoding encoding = Windows1252TextEncoding;
-    /// The label that the head of the page names, whether or not it counts; empty if none that is known.
+    /// The label that the head of the page names, whether or not it counts; empty if none that is
+    /// known.
     String declared = String::empty();
 };
 

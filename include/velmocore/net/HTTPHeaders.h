@@ -47,8 +47,9 @@ struct HTTPResponseHead {
 
 /// Reads a head: a status line and fields, up to an empty line or to the end of the bytes. Lines
 /// end with LF, with or without CR. A line that begins with a space or tab goes on with the value
-/// before it; one without a colon, and one whose name is not of visible ASCII, is left out. Values are UTF-8, or
-/// ISO Latin 1 where they are not. Absent if the first line is no status line. Time is linear.
+/// before it; one without a colon, and one whose name is not of visible ASCII, is left out. Values
+/// are UTF-8, or ISO Latin 1 where they are not. Absent if the first line is no status line. Time
+/// is linear.
 ///
 ///     const auto head = responseHeadOfBytes("HTTP/1.1 404 Not Found\r\nDate: today\r\n\r\n");
 ///     head->statusCode;                // 404

@@ -64,8 +64,8 @@ enum class PropertyListFormat { XML, Binary };
 /// Whether the bytes can be read as a property list, binary or XML, and if so the same
 /// list as XML text in UTF-8; otherwise absent. Absent also for bytes that are damaged, lists
 /// nested deeper than 256 levels, dictionaries of more than 16384 keys or with a key that holds
-/// U+0000, and binary lists that share objects so that the text would be longer than 64 times their size and a megabyte.
-/// The time is linear in the bytes.
+/// U+0000, and binary lists that share objects so that the text would be longer than 64 times their
+/// size and a megabyte. The time is linear in the bytes.
 [[nodiscard]] VELMO_API std::optional<Data> propertyListAsXML(Bytes bytes);
 
 }  // namespace velmo

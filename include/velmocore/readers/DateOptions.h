@@ -16,8 +16,8 @@ struct DateOptions {
     std::optional<Date> now = {};
     /// Ours: applies an offset, a Z or the name of a zone that stands behind a date whose format
     /// has no place for it, and fractions of its seconds; what is none of these makes the format
-    /// fail. A date in Korean without a zone is in Korea's. Off, what stands behind a format is left
-    /// unread.
+    /// fail. A date in Korean without a zone is in Korea's. Off, what stands behind a format is
+    /// left unread.
     bool offsets = false;
 };
 

@@ -26,8 +26,8 @@ namespace velmo {
 ///     print(DSStore::finderCommentAtPath("letters/tea.txt"));
 ///
 /// The file is open, with a shared lock, as long as the store lives; each search reads it as it is
-/// by then, but for the table of blocks, which is read once. Whatever is damaged is absent. Work and
-/// memory are linear in the size of the file, whatever it holds.
+/// by then, but for the table of blocks, which is read once. Whatever is damaged is absent. Work
+/// and memory are linear in the size of the file, whatever it holds.
 ///
 /// One thread at a time uses a store.
 class VELMO_API DSStore : public DSStoreAllocator {

@@ -17,8 +17,9 @@
 
 namespace velmo {
 
-/// The blocks of a file of folder metadata: stretches that go by an index, of which some also have a
-/// name. It closes its file when it goes; streams that were made from it read nothing from then on.
+/// The blocks of a file of folder metadata: stretches that go by an index, of which some also have
+/// a name. It closes its file when it goes; streams that were made from it read nothing from then
+/// on.
 ///
 ///     const auto none = DSStoreAllocator::allocatorWithFile(DSStoreFile::fileAtPath("notes.txt"));
 ///     none.has_value();    // false

@@ -28,8 +28,8 @@ enum class DSStoreType : std::uint32_t {
 /// The codec of a Finder comment: "cmmt".
 inline constexpr std::uint32_t FinderCommentCodec = 0x636D6D74;
 
-/// Bytes, a truth, a signed number or text by the type; nothing for empty text, no bytes, and a type
-/// that is not known.
+/// Bytes, a truth, a signed number or text by the type; nothing for empty text, no bytes, and a
+/// type that is not known.
 using DSStoreValue = std::variant<std::monostate, bool, std::int64_t, String, Data>;
 
 /// One record of folder metadata: what a folder's window knows of a file in it, or, under the file

@@ -11,9 +11,9 @@
 
 namespace velmo {
 
-/// What folder metadata (DSStore.h) is read from: an open file, or bytes in memory. Copies share it;
-/// it is closed with close(), by the allocator that reads it, or with its last copy. A closed one
-/// has no bytes. A default-made one is closed.
+/// What folder metadata (DSStore.h) is read from: an open file, or bytes in memory. Copies share
+/// it; it is closed with close(), by the allocator that reads it, or with its last copy. A closed
+/// one has no bytes. A default-made one is closed.
 ///
 ///     DSStoreFile file = DSStoreFile::fileWithData({1, 2, 3});
 ///     file.length();    // 3

@@ -12,9 +12,9 @@
 
 namespace velmo {
 
-/// Numbers and bytes read one after the other from a stretch of a file, the highest byte of a number
-/// first. Nothing behind the stretch is read, and never a part of what was asked for: what does not
-/// fit moves the position to the end and gives 0 or nothing.
+/// Numbers and bytes read one after the other from a stretch of a file, the highest byte of a
+/// number first. Nothing behind the stretch is read, and never a part of what was asked for: what
+/// does not fit moves the position to the end and gives 0 or nothing.
 ///
 ///     DSStoreStream stream(DSStoreFile::fileWithData({0, 0, 0, 1, 'B', 'u', 'd', '1'}), 0, 4);
 ///     stream.readUInt16();        // 17013; that is "Bu", as offsets count from byte 4 on
@@ -66,7 +66,8 @@ public:
     /// None for a length of 0, and if so many bytes cannot be read.
     [[nodiscard]] std::optional<Data> readDataOfLength(std::uint64_t length);
 
-    /// Ours: those of the bytes to come that are in memory; all of a block's, none of another stream's.
+    /// Ours: those of the bytes to come that are in memory; all of a block's, none of another
+    /// stream's.
     [[nodiscard]] Bytes loadedBytes() const noexcept VELMO_LIFETIME {
         return _value ? Bytes(_value->data() + _pos, remainingBytes()) : Bytes();
     }

@@ -36,9 +36,9 @@ public:
 };
 
 /// A file of blocks with checksums, compressed or not; a block goes by its offset. Made for much
-/// appending and reading in order; blocks may be replaced where they stand if they fit, and deleted.
-/// What a block holds is the caller's; often it is keyed data (KeyedData.h). docs/formats.md
-/// describes the file byte by byte.
+/// appending and reading in order; blocks may be replaced where they stand if they fit, and
+/// deleted. What a block holds is the caller's; often it is keyed data (KeyedData.h).
+/// docs/formats.md describes the file byte by byte.
 ///
 ///     {
 ///         auto store = KeyedStorage::keyedStorageForAppendingAtPath("notes.store");
@@ -138,8 +138,8 @@ public:
     bool appendCompressedBlock(Bytes data);
     /// As it is, whatever isCompressed() says.
     bool appendUncompressedBlock(Bytes data);
-    /// Ours: where the block begins that was appended last. The end of the file before may have been
-    /// another place, if a torn block was taken off.
+    /// Ours: where the block begins that was appended last. The end of the file before may have
+    /// been another place, if a torn block was taken off.
     [[nodiscard]] std::uint64_t offsetOfAppendedBlock() const noexcept { return _appendedAt; }
     /// Replaces what a block holds. False if it does not fit into the block and its padding. Not
     /// safe against a crash.
@@ -157,12 +157,12 @@ public:
     /// of a compaction in place, not safe against a crash.
     Move optimizeLastBlock(Bytes data, std::optional<Bytes> compressed, std::uint64_t toFileOffset);
     /// Writes all live blocks into a new file, in order. It stays behind, with what there is in it,
-    /// if the run is cancelled or fails. Blocks of a compressed store are copied as they are stored,
-    /// whatever a handler makes of the data; all others are stored plain. With skipErrors, blocks
-    /// with a wrong checksum are left out; without, one ends the run, after the block behind it has
-    /// been copied. A header that is wrong or a block that breaks off ends the run in success. False
-    /// for an absent path, the store's own path in any letter case, and if a block could not be
-    /// written.
+    /// if the run is cancelled or fails. Blocks of a compressed store are copied as they are
+    /// stored, whatever a handler makes of the data; all others are stored plain. With skipErrors,
+    /// blocks with a wrong checksum are left out; without, one ends the run, after the block behind
+    /// it has been copied. A header that is wrong or a block that breaks off ends the run in
+    /// success. False for an absent path, the store's own path in any letter case, and if a block
+    /// could not be written.
     bool optimizeToPath(const Path& path, bool skipErrors, KeyedStorageHandler* handler = nullptr);
     /// Ours: the same, but the new file appears under the path as a whole, and stored, or not at
     /// all. The path may be the store's own if it was opened for updating: the store is then that

@@ -22,9 +22,9 @@ namespace velmo {
 //     const auto kept = VWMetaDataStore::metaDataDictionaryAtPath("saved.html");
 //     const String source = kept ? getWhereFrom(*kept) : String();
 //
-// Names are those that programs exchange. The system files them under "user.", which is put in front
-// of each and taken off again; attributes of its other namespaces (security, trusted, system) are not
-// seen. Many file systems hold little more than 4000 bytes of attributes for a file.
+// Names are those that programs exchange. The system files them under "user.", which is put in
+// front of each and taken off again; attributes of its other namespaces (security, trusted, system)
+// are not seen. Many file systems hold little more than 4000 bytes of attributes for a file.
 
 /// The source of a download: a string, or a list of which the first is it.
 inline constexpr std::u16string_view WhereFromsKey = u"com.apple.metadata:kMDItemWhereFroms";

@@ -27,16 +27,16 @@ struct RootProxyWait : RootProxyOptions {
     double interval = 5.0;
 };
 
-/// The object that is published under a name: by the table, or over a new connection that enters it.
-/// Absent if there is none; the error tells of a peer that does not answer.
+/// The object that is published under a name: by the table, or over a new connection that enters
+/// it. Absent if there is none; the error tells of a peer that does not answer.
 ///
 ///     auto proxy = rootProxyForConnectionWithRegisteredName(u"org.example.nobody", {.timeout = 1});
 ///     if (proxy) proxy->call(u"text", {PropertyList{String(u"<b>bold</b>")}});
 [[nodiscard]] VELMO_API std::optional<HelperProxy> rootProxyForConnectionWithRegisteredName(
     const String& name, const RootProxyOptions& options = {}, Error* error = nullptr);
 
-/// Tries every 0.01 seconds until the interval is over; one that is not above 0 gives absent at once.
-/// A peer that does not answer ends it.
+/// Tries every 0.01 seconds until the interval is over; one that is not above 0 gives absent at
+/// once. A peer that does not answer ends it.
 [[nodiscard]] VELMO_API std::optional<HelperProxy> waitForRootProxyForConnectionWithRegisteredName(
     const String& name, const RootProxyWait& wait = {}, Error* error = nullptr);
 

@@ -30,9 +30,9 @@ struct HelperTaskOptions {
     QualityOfService qualityOfService = QualityOfService::Default;
 };
 
-/// A helper process that is started when it is needed, comes back after a crash and is given up after
-/// a second failure in a row. The program publishes its object under a name, with HelperService; its
-/// owner does risky or heavy work through the proxy.
+/// A helper process that is started when it is needed, comes back after a crash and is given up
+/// after a second failure in a row. The program publishes its object under a name, with
+/// HelperService; its owner does risky or heavy work through the proxy.
 ///
 ///     auto task = HelperTask::helperTaskWithPath("/no/such/program", u"org.example.converter");
 ///     auto proxy = task->proxy();    // (starts the program, finds its object)

@@ -11,10 +11,10 @@
 
 namespace velmo {
 
-// Connections to objects that other processes of the same user publish under a name; HelperService.h
-// is the side that publishes. They speak the D-Bus protocol from end to end over a socket in the
-// folder "velmo" of XDG_RUNTIME_DIR (else "velmo-UID" in the folder for temporary files), which only
-// the user can enter. No bus daemon is needed.
+// Connections to objects that other processes of the same user publish under a name;
+// HelperService.h is the side that publishes. They speak the D-Bus protocol from end to end over a
+// socket in the folder "velmo" of XDG_RUNTIME_DIR (else "velmo-UID" in the folder for temporary
+// files), which only the user can enter. No bus daemon is needed.
 
 /// The domain of the errors of connections, and their codes.
 inline constexpr char16_t PortErrorDomain[] = u"velmo.port";
@@ -61,9 +61,9 @@ public:
         : connection_(std::move(connection)) {}
 
     /// Calls an operation and waits for its result, for as long as the connection's time-outs say.
-    /// Absent if there is none: the error tells whether the connection (isPortException()), the call
-    /// (HelperErrorDomain) or the operation itself failed. Lists nest up to 32 levels. An absent
-    /// string arrives as an absent value.
+    /// Absent if there is none: the error tells whether the connection (isPortException()), the
+    /// call (HelperErrorDomain) or the operation itself failed. Lists nest up to 32 levels. An
+    /// absent string arrives as an absent value.
     std::optional<PropertyList> call(std::u16string_view operation,
                                      const PropertyListArray& arguments = {},
                                      Error* error = nullptr) const;
@@ -102,8 +102,8 @@ public:
     /// The object; absent, with an error, if the connection is not valid.
     [[nodiscard]] std::optional<HelperProxy> rootProxy(Error* error = nullptr);
 
-    /// How long a call may take until it is sent, and from then on to be answered, in seconds; 0, as
-    /// at the start, is without end.
+    /// How long a call may take until it is sent, and from then on to be answered, in seconds; 0,
+    /// as at the start, is without end.
     void setRequestTimeout(double seconds) noexcept;
     void setReplyTimeout(double seconds) noexcept;
     [[nodiscard]] double requestTimeout() const noexcept;

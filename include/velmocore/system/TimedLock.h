@@ -40,7 +40,8 @@ private:
 ///     lock.totalTime() < 1;    // true
 ///     lock.measureTime();      // (logs "cache: 0.000000s" and gives the seconds)
 ///
-/// Any thread may call everything; a steady clock measures. tryLock() and unlock() are not measured.
+/// Any thread may call everything; a steady clock measures. tryLock() and unlock() are not
+/// measured.
 template <class Lock>
 class BasicTimedLock {
 public:

@@ -2,17 +2,17 @@
 
 namespace velmo {
 
-/// How pages are read. What is off here reads them by the rules of this library, which were made for
-/// the web of their day; what is on, as browsers of today do. The rules are ours, and off where
+/// How pages are read. What is off here reads them by the rules of this library, which were made
+/// for the web of their day; what is on, as browsers of today do. The rules are ours, and off where
 /// nothing else is said.
 ///
 ///     const std::string bytes = "<meta charset=latin1>caf\xE9 \x80";
 ///     decodeMarkup(bytes, {.web = WebRules::today()}).text.view().substr(21);   // caf\u00E9 \u20AC
 struct WebRules {
     /// Names of charsets mean what the encoding standard says, so that Latin 1 is Windows-1252; a
-    /// byte-order mark counts before all, then the header, then the head of the page as browsers look
-    /// through it; and a page that names none is in UTF-8 if its bytes are, else in Windows-1252. See
-    /// markup/WebCharsets.h.
+    /// byte-order mark counts before all, then the header, then the head of the page as browsers
+    /// look through it; and a page that names none is in UTF-8 if its bytes are, else in
+    /// Windows-1252. See markup/WebCharsets.h.
     bool charsets = false;
     /// Character references are those of the HTML standard: all 2,231 names, 106 of them without a
     /// semicolon too, the numbers 128 to 159 as Windows-1252, and no name without a semicolon in an
@@ -21,7 +21,7 @@ struct WebRules {
     ///     stringByConvertingEntitiesToCharacters(u"&lang;&#150;&notit;", {.web = WebRules::today()});  // "\u27E8\u2013\u00ACit;"
     bool references = false;
     /// An escape at the end of a link stays: it is part of what was linked to. Else those of white
-    /// space, quotes, > \\ and ] are cut as left-overs.
+    /// space, quotes, > \ and ] are cut as left-overs.
     ///
     ///     htmlLinks(u"<a href='/?q=a%20'>", {.web = WebRules::today()}).links[0];   // "/?q=a%20"
     bool linkEscapes = false;

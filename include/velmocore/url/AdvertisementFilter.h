@@ -23,7 +23,8 @@ namespace velmo {
 ///   what a link stands in: third-party, 3p, popup, document, doc, all and important.
 ///
 /// All other rules, those for parts of pages too, are left out and counted. Copies share the rules.
-/// The number of rules makes no difference to the time that a URL takes. Threads: may be asked on any thread.
+/// The number of rules makes no difference to the time that a URL takes. Threads: may be asked on
+/// any thread.
 class VELMO_API AdvertisementFilter {
 public:
     explicit AdvertisementFilter(std::u16string_view rules);

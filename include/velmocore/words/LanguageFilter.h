@@ -16,8 +16,8 @@
 namespace velmo {
 
 /// Tells in which language a text is written, by the stop words it holds. Languages are
-/// named by keys of two upper-case letters, as "EN". Five results need no words but only a script: RU
-/// for Cyrillic, AR for Arabic, HE for Hebrew, EL for Greek and ** for any other that is not
+/// named by keys of two upper-case letters, as "EN". Five results need no words but only a script:
+/// RU for Cyrillic, AR for Arabic, HE for Hebrew, EL for Greek and ** for any other that is not
 /// Latin.
 ///
 ///     LanguageFilter filter(velmoResourcesDirectory());
@@ -71,7 +71,8 @@ public:
     /// long chooses none; one that is unknown is kept, but filters nothing.
     void setLanguage(const String& key);
 
-    /// The two upper-case letters of a key as one number: 0x454E for EN. 0 if it is not two units long.
+    /// The two upper-case letters of a key as one number: 0x454E for EN. 0 if it is not two units
+    /// long.
     [[nodiscard]] static std::uint16_t ISOCodeForLanguage(std::u16string_view key);
     [[nodiscard]] std::uint16_t ISOLanguageCode() const { return ISOCodeForLanguage(language()); }
     [[nodiscard]] std::uint16_t ISOLanguageCodeOfText(std::u16string_view text) const {

@@ -1,4 +1,5 @@
-// The tool as a helper: it offers what it knows of pages to other programs, until it is told to end.
+// The tool as a helper: it offers what it knows of pages to other programs, until it is told to
+// end.
 #include <fmt/core.h>
 #include <velmocore/markup/Page.h>
 #include <velmocore/system/HelperService.h>

@@ -1,5 +1,5 @@
-// Stores written anew: without what is deleted, or all that can be saved. The new file appears whole
-// or not at all.
+// Stores written anew: without what is deleted, or all that can be saved. The new file appears
+// whole or not at all.
 #include <fmt/core.h>
 
 #include <filesystem>

@@ -1,5 +1,6 @@
-// With JsonRows.cpp, which reads, the only source that knows the JSON library. It escapes the pieces of texts and writes
-// numbers; what it cannot do is done here: lone surrogates, and writing in pieces.
+// With JsonRows.cpp, which reads, the only source that knows the JSON library. It escapes the
+// pieces of texts and writes numbers; what it cannot do is done here: lone surrogates, and writing
+// in pieces.
 #include "Json.h"
 
 #include <fmt/core.h>
