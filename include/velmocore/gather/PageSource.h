@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/Date.h>
+#include <velmocore/platform/Error.h>
+#include <velmocore/platform/Export.h>
+#include <velmocore/platform/String.h>
+#include <velmocore/url/URL.h>
+
+namespace velmo {
+
+struct PageRecord;
+
+/// What an input is taken for.
+enum class ContentKind : std::uint8_t {
+    Unclear,  ///< its bytes and its name decide
+    Page,     ///< a page or a feed
+    Text,     ///< a plain text
+};
+
+/// What a source gives: the bytes of a page, and what is known of it besides.
+struct SourcePage {
+    String name;         ///< for people: a path, an address, a place in an archive
+    URL url;             ///< where it stands; absent if that is not known
+    Data bytes;          ///< without any coding of their transport
+    String contentType;  ///< as a header told it; absent if none did
+    ContentKind kind = ContentKind::Unclear;
+    std::int64_t status = 200;    ///< of HTTP; 0 where there was none
+    std::optional<Date> fetched;  ///< when it was loaded
+    // Of what stands in a list, as the items of feeds; absent if the page itself is to tell.
+    String title, author, date;
+    std::optional<Error> error;  ///< why there is no page; all but the name counts for nothing then
+};
+
+/// How far a source is, for a display.
+struct SourceProgress {
+    std::uint64_t done = 0;
+    std::uint64_t total = 0;  ///< 0 if it is not known
+};
+
+/// Where pages come from: files, archives, feeds, sites. One thread at a time uses a source.
+class VELMO_API PageSource {
+public:
+    enum class State : std::uint8_t {
+        Page,  ///< there is one, or an error in place of one
+        Wait,  ///< none now: more may come when those that were given have been read, or a little later
+        End,  ///< none any more
+    };
+
+    virtual ~PageSource() = default;
+    /// Puts the next page into the argument if there is one. A source that waits for others may
+    /// take some tenths of a second for it.
+    virtual State next(SourcePage& page) = 0;
+    /// Told what each page was found to be, in the order in which they were given: a source that
+    /// follows links finds them there.
+    virtual void didRead(const PageRecord& record) { (void)record; }
+    [[nodiscard]] virtual SourceProgress progress() const { return {}; }
+};
+
+}  // namespace velmo
