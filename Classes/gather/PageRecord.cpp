@@ -9,6 +9,7 @@
 #include <velmocore/storage/KeyedData.h>
 #include <velmocore/storage/KeyedDataEditing.h>
 
+#include "gather/PageSignature.h"
 #include "gather/RecordKeys.h"
 
 namespace velmo {
@@ -45,8 +46,13 @@ void addText(Data& block, const String& text, std::uint32_t key) {
     if (!text.isEmpty()) addUTF8String(block, text.utf8(), key);
 }
 
-void addWhole(Data& block, const String& text, const PageRecordWriting& options) {
-    const std::string utf8 = text.utf8();
+void addSignature(Data& block, const String& text, std::size_t bytes) {
+    if (const Data signature = signatureOfText(text, bytes); !signature.empty())
+        addData(block, signature, SignatureKey);
+}
+
+void addWhole(Data& block, const std::string& utf8, const PageRecordWriting& options) {
+    if (utf8.empty()) return;
     if (const std::optional<Data> small = packed(utf8, options))
         addData(block, *small, TextKey);
     else
@@ -97,11 +103,13 @@ void addDetails(Data& block, const PageRecord& page) {
 
 Data dataFromPageRecord(const PageRecord& page, const PageRecordWriting& options) {
     Data block;
+    const std::string text = page.text.utf8();
+    addSignature(block, page.text, text.size());
     addText(block, page.key, PageKeyKey);
     addText(block, page.url.absoluteString(), AddressKey);
     addData(block, page.digest, DigestKey);
     addDetails(block, page);
-    addWhole(block, page.text, options);
+    addWhole(block, text, options);
     addPacked(block, dataOfLinks(page.links), LinksKey, PackedLinksKey, options);
     if (page.bytes) addPacked(block, *page.bytes, BytesKey, PackedBytesKey, options);
     return block;
