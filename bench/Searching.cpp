@@ -192,14 +192,14 @@ const auto add = [](const char* name, auto... arguments) {
     add("search-rare/velmo", searchVelmo, u"xylographer", usual);
     add("search-rare/ripgrep", searchRipgrep, RareWord);
     add("search-rare/fts5", searchSQLite, "xylographer");
-    // Its rarest word is "deoptimize".
+    // Its rarest word is "turbofan".
     constexpr auto* SixTerms =
-        u"(license NEAR/20 creative) (module OR server) (engine OR deoptimize OR commons)";
+        u"(license NEAR/20 creative) (module OR server) (engine OR turbofan OR commons)";
     add("search-six-scanned/velmo", searchVelmo, SixTerms, plain);
-    add("search-six-scanned/ripgrep", searchRipgrep, "deoptimize");
+    add("search-six-scanned/ripgrep", searchRipgrep, "turbofan");
     add("search-six/velmo", searchVelmo, SixTerms, usual);
     return add("search-six/fts5", searchSQLite,
-               "NEAR(license creative, 20) AND (module OR server) AND (engine OR deoptimize OR "
+               "NEAR(license creative, 20) AND (module OR server) AND (engine OR turbofan OR "
                "commons)");
 }();
 
