@@ -34,6 +34,11 @@ struct SourcePage {
     // Of what stands in a list, as the items of feeds; absent if the page itself is to tell.
     String title, author, date;
     std::optional<Error> error;  ///< why there is no page; all but the name counts for nothing then
+    bool isLeftOut = false;      ///< it is no page after all, as an image in an archive: not told
+    /// What is left to do, called once before the page is read, on the thread that reads it: so work
+    /// that needs no order, as parsing and inflating, holds up no other page. The size of the bytes
+    /// until then says how much is ahead.
+    std::function<void(SourcePage& page)> complete = {};
 };
 
 /// How far a source is, for a display.
@@ -56,7 +61,8 @@ public:
     /// take some tenths of a second for it.
     virtual State next(SourcePage& page) = 0;
     /// Told what each page was found to be, in the order in which they were given: a source that
-    /// follows links finds them there.
+    /// follows links finds them there. Of one with an error, or that was left out, the record is
+    /// empty; none is told of pages behind which the run was ended.
     virtual void didRead(const PageRecord& record) { (void)record; }
     [[nodiscard]] virtual SourceProgress progress() const { return {}; }
 };
