@@ -36,6 +36,7 @@ constexpr auto Pause = std::chrono::milliseconds(2);
 struct Job {
     SourcePage source;
     GatheredPage page;
+    Data block = {};       ///< of the store, if it is to be kept
     std::size_t size = 0;  ///< of its bytes when it came
     bool isRead = false;
 };
@@ -63,6 +64,8 @@ void readJob(Job& job, const GatherOptions& options) {
     if (source.repeats) return readRepeated(job, options);
     job.page.record = readPage(std::move(source), options.reading);
     job.page.isKept = isKept(job.page.record, options);
+    if (job.page.isKept && options.store != nullptr)
+        job.block = dataFromPageRecord(job.page.record, options.writing);
 }
 
 /// Does all for a page that needs no order. What goes wrong is this page's matter alone.
@@ -257,10 +260,13 @@ private:
     void store(Job& job) {
         GatheredPage& page = job.page;
         if (options_.store == nullptr || !page.isKept) return;
-        if (!job.source.repeats)
-            page.stored = options_.store->put(page.record);
-        else
+        if (!job.source.repeats) {
+            page.stored = options_.store->put(page.record, job.block);
+            if (page.stored == PutResult::Duplicate)
+                page.duplicateOf = options_.store->keyOfText(page.record.digest);
+        } else {
             page.stored = page.duplicateOf.isAbsent() ? PutResult::Unchanged : PutResult::Duplicate;
+        }
     }
 
     void count(const GatheredPage& page) {
