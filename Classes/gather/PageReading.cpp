@@ -143,7 +143,6 @@ void takeFromSource(PageRecord& record, const SourcePage& source) {
 
 void takeFromText(PageRecord& record, const PageReadingOptions& options) {
     record.words = static_cast<std::uint32_t>(numberOfWordsUsingDefaultSeparation(record.text));
-    record.digest = SHA1Digest(record.text.utf8());
     if (options.languages != nullptr)
         record.language = options.languages->languageOfText(record.text);
 }
