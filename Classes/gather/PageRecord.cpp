@@ -10,6 +10,7 @@
 #include <velmocore/storage/KeyedDataEditing.h>
 #include <velmocore/text/Checksums.h>
 
+#include "gather/PageSignature.h"
 #include "gather/RecordKeys.h"
 
 namespace velmo {
@@ -45,7 +46,13 @@ void addText(Data& block, const String& text, std::uint32_t key) {
     if (!text.isEmpty()) addUTF8String(block, text.utf8(), key);
 }
 
+void addSignature(Data& block, const String& text, std::size_t bytes) {
+    if (const Data signature = signatureOfText(text, bytes); !signature.empty())
+        addData(block, signature, SignatureKey);
+}
+
 void addWhole(Data& block, const std::string& utf8, const PageRecordWriting& options) {
+    if (utf8.empty()) return;
     if (const auto small = options.compressText ? packed(Bytes(utf8)) : std::nullopt)
         addData(block, *small, TextKey);
     else
@@ -114,6 +121,7 @@ Data dataFromPageRecord(const PageRecord& page, const PageRecordWriting& options
     const std::string text = page.text.utf8();  // once, for its digest and for itself
     Data block;
     addFilters(block, page, hasDigest(page) ? page.digest : SHA1Digest(text));
+    addSignature(block, page.text, text.size());
     addDetails(block, page);
     addWhole(block, text, options);
     addPacked(block, dataOfLinks(page.links), LinksKey, PackedLinksKey, options);
