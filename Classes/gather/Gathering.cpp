@@ -62,10 +62,15 @@ void readJob(Job& job, const GatherOptions& options) {
     if (source.complete && !source.error) std::exchange(source.complete, nullptr)(source);
     if (source.error || source.isLeftOut) return;
     if (source.repeats) return readRepeated(job, options);
-    job.page.record = readPage(std::move(source), options.reading);
-    job.page.isKept = isKept(job.page.record, options);
-    if (job.page.isKept && options.store != nullptr)
-        job.block = dataFromPageRecord(job.page.record, options.writing);
+    PageRecord& record = job.page.record = readPage(std::move(source), options.reading);
+    job.page.isKept = isKept(record, options);
+    if (options.store == nullptr || !job.page.isKept) return;
+    if (record.key.isEmpty()) {
+        source.error = detail::gatherError("it has no address");
+        return;
+    }
+    job.block = dataFromPageRecord(record, options.writing);
+    std::ranges::copy(StoredPage(job.block).digest(), record.digest.begin());
 }
 
 /// Does all for a page that needs no order. What goes wrong is this page's matter alone.

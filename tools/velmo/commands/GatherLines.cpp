@@ -55,7 +55,7 @@ JsonObject objectOf(const GatheredPage& page) {
             {"fetched", dateOf(record.fetched)},
             {"status", record.status},
             {"errorPage", record.isErrorPage},
-            {"digest", hexOf(record.digest)},
+            {"digest", hexOf(digestOfText(record))},
             {"kept", page.isKept}};
 }
 
