@@ -23,8 +23,7 @@ constexpr int FastestCompression = 1;
 constexpr std::size_t LongestPart = 0xFFFFFFFF;
 
 /// The bytes packed; none if that would not save an eighth of them.
-std::optional<Data> packed(Bytes bytes, const PageRecordWriting& options) {
-    if (!options.compress) return std::nullopt;
+std::optional<Data> packed(Bytes bytes) {
     std::optional<Data> result = dataByDeflatingData(bytes, FastestCompression);
     if (result && result->size() > bytes.size() - bytes.size() / 8) result.reset();
     return result;
@@ -32,7 +31,7 @@ std::optional<Data> packed(Bytes bytes, const PageRecordWriting& options) {
 
 void addPacked(Data& block, Bytes bytes, std::uint32_t plainKey, std::uint32_t packedKey,
                const PageRecordWriting& options) {
-    const std::optional<Data> small = packed(bytes, options);
+    const std::optional<Data> small = options.compressOthers ? packed(bytes) : std::nullopt;
     addData(block, small ? Bytes(*small) : bytes, small ? packedKey : plainKey);
 }
 
@@ -54,7 +53,7 @@ void addSignature(Data& block, const String& text, std::size_t bytes) {
 
 void addWhole(Data& block, const std::string& utf8, const PageRecordWriting& options) {
     if (utf8.empty()) return;
-    if (const std::optional<Data> small = packed(utf8, options))
+    if (const auto small = options.compressText ? packed(Bytes(utf8)) : std::nullopt)
         addData(block, *small, TextKey);
     else
         addUTF8String(block, utf8, TextKey);
@@ -86,11 +85,15 @@ PageKind kindOfNumber(std::uint32_t number) {
                                                                 : PageKind::Page;
 }
 
+bool hasDigest(const PageRecord& page) {
+    return std::ranges::any_of(page.digest, [](std::uint8_t byte) { return byte != 0; });
+}
+
 /// What is short and asked for of many pages: by a store that is opened, and by a search before it
 /// looks at the signature, which follows.
-void addFilters(Data& block, const PageRecord& page) {
+void addFilters(Data& block, const PageRecord& page, Bytes digest) {
     addText(block, page.key, PageKeyKey);
-    addData(block, digestOfText(page), DigestKey);
+    addData(block, digest, DigestKey);
     addUnsigned(block, static_cast<std::uint32_t>(page.kind), KindKey);
     addText(block, page.language, LanguageKey);
     addDate(block, page.date, DateKey);
@@ -111,14 +114,13 @@ void addDetails(Data& block, const PageRecord& page) {
 }  // namespace
 
 std::array<std::uint8_t, SHA1DigestSize> digestOfText(const PageRecord& page) {
-    constexpr std::array<std::uint8_t, SHA1DigestSize> None = {};
-    return page.digest == None ? SHA1Digest(page.text.utf8()) : page.digest;
+    return hasDigest(page) ? page.digest : SHA1Digest(page.text.utf8());
 }
 
 Data dataFromPageRecord(const PageRecord& page, const PageRecordWriting& options) {
+    const std::string text = page.text.utf8();  // once, for its digest and for itself
     Data block;
-    const std::string text = page.text.utf8();
-    addFilters(block, page);
+    addFilters(block, page, hasDigest(page) ? page.digest : SHA1Digest(text));
     addSignature(block, page.text, text.size());
     addDetails(block, page);
     addWhole(block, text, options);

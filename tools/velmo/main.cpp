@@ -51,6 +51,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"bib", makeBibCommand},
         {"records", makeRecordsCommand},
         {"comments", makeCommentsCommand},
+        {"show", makeShowCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
         {"attributes", nullptr, attributeActions(),

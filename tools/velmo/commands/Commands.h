@@ -31,6 +31,7 @@ Command makeQueryCommand(Session& session);
 Command makeRecordsCommand(Session& session);
 Command makeSearchCommand(Session& session);
 Command makeSheetCommand(Session& session);
+Command makeShowCommand(Session& session);
 Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
 Command makeThumbsCommand(Session& session);
