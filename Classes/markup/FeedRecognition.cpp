@@ -22,10 +22,10 @@ FeedCompleteness detail::feedCompletenessOf(TagWalk walk) {
     return recognition.found();
 }
 
-bool isFeed(std::u16string_view page) { return isFeedOf(scanOf(page)); }
+bool isFeed(std::u16string_view page, const WebRules& web) { return isFeedOf(scanOf(page, web)); }
 
-FeedCompleteness isFeedComplete(std::u16string_view page) {
-    return feedCompletenessOf(scanOf(page));
+FeedCompleteness isFeedComplete(std::u16string_view page, const WebRules& web) {
+    return feedCompletenessOf(scanOf(page, web));
 }
 
 }  // namespace velmo

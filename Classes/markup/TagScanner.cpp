@@ -35,15 +35,18 @@ bool Tag::hasNameUnits(std::string_view ascii) const {
     });
 }
 
-bool GetTagsOfString(std::u16string_view string, TagHandler handler) {
+bool GetTagsOfString(std::u16string_view string, TagHandler handler, const WebRules& web) {
     if (string.empty()) return false;
-    detail::TagScan<TagHandler>(string, handler).run();
+    if (detail::changesScans(web))
+        detail::TagScan<TagHandler, true>(string, handler, web).run();
+    else
+        detail::TagScan<TagHandler>(string, handler, web).run();
     return true;
 }
 
-bool parseXmlWithHandler(std::u16string_view string, TagHandler handler) {
+bool parseXmlWithHandler(std::u16string_view string, TagHandler handler, const WebRules& web) {
     try {
-        return GetTagsOfString(string, handler);
+        return GetTagsOfString(string, handler, web);
     } catch (const std::bad_alloc&) {
         throw;  // the caller could not tell what was found so far from all that there is
     } catch (const std::exception& exception) {
