@@ -295,6 +295,10 @@ private:
     void rubyText(const Tag& tag) { inRubyText_ = opens(tag) && !options_.rubyText; }
     void rubyBase(const Tag&) { inRubyText_ = false; }
     void frameAlternative(const Tag& tag) { inFrameAlternative_ = opens(tag); }
+    /// References mean nothing in it.
+    void example(const Tag& tag) {
+        if (options_.web.rawText) out_.setDecoding(!opens(tag));
+    }
     /// As raw text it is markup that no one is to see.
     void noEmbed(const Tag& tag) {
         if (options_.web.rawText) frameAlternative(tag);
@@ -339,6 +343,7 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         {"div", Paragraph, true, &C::division},
         {"img", None, false, &C::image},
         {"pre", None, true, &C::preformatted},
+        {"xmp", None, false, &C::example},
         {"body", None, false, &C::enterBody},
         {"cite", None, false, &C::citation},
         {"code", None, true, &C::code},

@@ -73,7 +73,7 @@ public:
 
     /// The span with its entities decoded; a view of the span itself if it has none.
     Units decoded(Units span, const PlainTextOptions& options) {
-        if (span.size() < ShortestEncoded) return span;
+        if (span.size() < ShortestEncoded || !isDecoding_) return span;
         const bool maps = options.entities && options.nonUmlauted;
         if (!options.entities && !options.stdEntities) return span;
         if (!maps &&
@@ -100,6 +100,8 @@ public:
     // --- between them -----------------------------------------------------------------
 
     void oweSpace() { spaceOwed_ = true; }
+    /// Whether references in what follows are decoded, if the options say so.
+    void setDecoding(bool isDecoding) { isDecoding_ = isDecoding; }
     void setPreformatted(bool isPreformatted) { collapseWhite_ = !isPreformatted; }
     /// Starts preformatted text on a line of its own.
     void beginPreformatted() {
@@ -265,6 +267,7 @@ private:
     bool collapseWhite_ = true;   ///< outside preformatted text
     bool spaceOwed_ = false;      ///< the next text starts with a space
     bool didRemoveJunk_ = false;
+    bool isDecoding_ = true;
     const CharacterSetRep& white_ = whiteCharacterSetRep();
     const CharacterSetRep& space_ = spaceCharacterSetRep();
 };

@@ -196,12 +196,20 @@ public:
     Range read(std::string_view capitals) {
         while (takeName()) {
             takeValue();
-            if (detail::keyword::equals(name_, capitals)) return trimmedValue();
+            if (isNamed(capitals)) return trimmedValue();
         }
         return Range::none();
     }
 
 private:
+    /// In images links have a prefix, which counts for nothing.
+    bool isNamed(std::string_view capitals) const {
+        constexpr std::string_view Prefix = "XLINK:";
+        const bool isPrefixed = name_.size() == Prefix.size() + capitals.size() &&
+                                detail::keyword::beginsWith(name_, Prefix);
+        return detail::keyword::equals(name_.substr(isPrefixed ? Prefix.size() : 0), capitals);
+    }
+
     bool takeName() {
         while (at_ < end_ && (*at_ == u'/' || detail::webTags::isWhite(*at_))) ++at_;
         if (at_ >= end_ || *at_ == u'>') return false;
