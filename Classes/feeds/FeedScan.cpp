@@ -319,13 +319,7 @@ String stringOf(Units view) { return view.empty() ? String::empty() : String(vie
 
 FeedFacts scanFeed(Units feed, const FeedHandlers& handlers, const FeedOptions& options) {
     FeedScan scan(handlers, options);
-    // All elements of XML close themselves with a slash.
-    WebRules web = options.web;
-    web.selfClosing = false;
-    if (changesScans(web))
-        TagScan<FeedScan, true>(feed, scan, web, Markup::Feed).run();
-    else
-        TagScan<FeedScan>(feed, scan, web).run();
+    scanTags(feed, scan, options.web, Markup::Feed);
     return scan.finish();
 }
 

@@ -64,7 +64,18 @@ bool isHiddenStyle(const Tag& tag) {
     return size && (isOneToThree(size.width) || size.height < 0 || isOneToThree(size.height));
 }
 
+/// The same as browsers have it.
+bool isHiddenByWebStyle(const Tag& tag) {
+    const Units style = detail::attributeOf(tag, "STYLE");
+    const String display = attributeOfStyleWithName(style, u"DISPLAY"),
+                 visibility = attributeOfStyleWithName(style, u"VISIBILITY");
+    return detail::keyword::beginsWith(display, "NONE") ||
+           detail::keyword::beginsWith(visibility, "HIDDEN") ||
+           detail::keyword::beginsWith(visibility, "COLLAPSE");
+}
+
 bool isHiddenElement(const Tag& tag) {
+    if (tag.web.hiddenElements) return isHiddenByWebStyle(tag);
     return detail::keyword::equals(detail::attributeOf(tag, "CLASS"), "HIDDEN") ||
            isHiddenStyle(tag);
 }
@@ -271,7 +282,7 @@ private:
         Units text = detail::attributeOf(tag, "ALT");
         if (text.empty()) text = detail::attributeOf(tag, "TITLE");
         if (text.empty()) return;
-        out_.appendSpan(text, linkDepth_ > 0);
+        out_.appendSpan(text, linkDepth_ > 0, true);
         out_.oweSpace();
     }
 
@@ -289,7 +300,11 @@ private:
     void span(const Tag& tag) { hiddenSpan_ = isHiddenElement(tag); }
     void option(const Tag& tag) { inOption_ = opens(tag); }
     void select(const Tag&) { inOption_ = false; }
-    void marquee(const Tag& tag) { inMarquee_ = opens(tag); }
+    /// Its last option is seldom closed.
+    void dataList(const Tag&) {
+        if (options_.web.hiddenElements) inOption_ = false;
+    }
+    void marquee(const Tag& tag) { inMarquee_ = opens(tag) && !options_.web.hiddenElements; }
     void textarea(const Tag& tag) { inTextarea_ = opens(tag) && !options_.textareas; }
     void templateElement(const Tag& tag) { inTemplate_ = opens(tag) && options_.web.templates; }
     void rubyText(const Tag& tag) { inRubyText_ = opens(tag) && !options_.rubyText; }
@@ -357,6 +372,7 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         {"option", None, true, &C::option},
         {"select", None, true, &C::select},
         {"marquee", None, false, &C::marquee},
+        {"datalist", None, false, &C::dataList},
         {"noframes", None, false, &C::frameAlternative},
         {"noscript", None, false, &C::noScript},
         {"template", None, false, &C::templateElement},

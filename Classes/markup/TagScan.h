@@ -130,8 +130,7 @@ public:
           script_(end_, "SCRIPT", "</SCRIPT"),
           style_(end_, "STYLE", "</STYLE"),
           web_(web),
-          leastDepth_(markup == Markup::Feed),
-          foreignDepth_(leastDepth_),
+          foreign_(markup == Markup::Feed),
           behindText_(begin_) {
         tag_.characters = text;
         tag_.web = web;
@@ -179,7 +178,7 @@ private:
     }
 
     /// Whether elements that stand there are not those of HTML.
-    bool isForeign() const { return foreignDepth_ > 0; }
+    bool isForeign() const { return foreign_.isInside(); }
 
     /// The place of the > that ends the tag; end if nothing does.
     const char16_t* endOfTag(const char16_t* at) {
@@ -307,8 +306,7 @@ private:
     /// noted: there the scan goes on.
     const char16_t* endOfWebElement(const char16_t* at, const char16_t* last) {
         const bool isSingle = last[-1] == u'/' && (isForeign() || !web_.selfClosing);
-        if (tag_.isNamed("SVG") || tag_.isNamed("MATH"))
-            noteForeign(at[1] == u'/', last[-1] == u'/');
+        if (last[-1] != u'/') foreign_.note(tag_, at[1] == u'/');
         const webTags::RawElement* raw = at[1] == u'/' ? nullptr : webTags::rawElement(tag_);
         if (!raw || isSingle) return last;
         if (raw->isReportedWhole) {
@@ -317,18 +315,12 @@ private:
             const char16_t* const closing =
                 raw->name == "SCRIPT" ? webTags::findEndOfScript(last + 1, end_)
                                       : webTags::findClosing(last + 1, end_, raw->closing);
-            return closing == end_ ? end_ : marks_.greater(closing);
+            if (closing == end_) return end_;
+            return web_.attributes ? endOfWebTag(closing) : marks_.greater(closing);
         }
         if (web_.rawText && !isForeign())
             behindText_ = webTags::findClosing(last + 1, end_, raw->closing);
         return last;
-    }
-
-    void noteForeign(bool isClosing, bool isSingle) {
-        if (isClosing)
-            foreignDepth_ -= foreignDepth_ > leastDepth_;
-        else
-            foreignDepth_ += !isSingle;
     }
 
     void findName(const char16_t* at, const char16_t* last) {
@@ -409,12 +401,24 @@ private:
     RawElement script_, style_;
     bool isRawElement_ = false;
     const WebRules web_;
-    const std::size_t leastDepth_;  ///< never 0 in a feed
-    std::size_t foreignDepth_;      ///< of images and formulas
-    const char16_t* behindText_;    ///< of the last element that holds text only
+    webTags::ForeignElements foreign_;
+    const char16_t* behindText_;  ///< of the last element that holds text only
     Tag tag_;
     const CharacterSetRep& alpha_ = alphaCharacterSetRep();
     const CharacterSetRep& white_ = whiteCharacterSetRep();
 };
+
+/// Scans a text by the rules that are on.
+template <class Handler>
+void scanTags(std::u16string_view text, Handler& handler, WebRules web,
+              Markup markup = Markup::Page) {
+    if (text.empty()) return;
+    // A slash closes any element of a feed.
+    if (markup == Markup::Feed) web.selfClosing = false;
+    if (changesScans(web))
+        TagScan<Handler, true>(text, handler, web, markup).run();
+    else
+        TagScan<Handler>(text, handler, web).run();
+}
 
 }  // namespace velmo::detail

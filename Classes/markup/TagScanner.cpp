@@ -36,12 +36,8 @@ bool Tag::hasNameUnits(std::string_view ascii) const {
 }
 
 bool GetTagsOfString(std::u16string_view string, TagHandler handler, const WebRules& web) {
-    if (string.empty()) return false;
-    if (detail::changesScans(web))
-        detail::TagScan<TagHandler, true>(string, handler, web).run();
-    else
-        detail::TagScan<TagHandler>(string, handler, web).run();
-    return true;
+    detail::scanTags(string, handler, web);
+    return !string.empty();
 }
 
 bool parseXmlWithHandler(std::u16string_view string, TagHandler handler, const WebRules& web) {

@@ -1,8 +1,10 @@
 #include "markup/WebTags.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
+#include "markup/TagName.h"
 #include "text/Keyword.h"
 #include "text/UnitScan.h"
 
@@ -23,6 +25,19 @@ constexpr RawElement RawElements[] = {
 };
 // clang-format on
 
+/// Elements that cannot stand in images and formulas.
+constexpr std::string_view BreakoutNames[] = {
+    "b",     "big",     "body",   "br",   "center", "code",  "dd", "div",  "dl",   "dt",  "em",
+    "embed", "h1",      "h2",     "h3",   "h4",     "h5",    "h6", "head", "hr",   "i",   "img",
+    "li",    "listing", "menu",   "meta", "nobr",   "ol",    "p",  "pre",  "ruby", "s",   "small",
+    "span",  "strong",  "strike", "sub",  "sup",    "table", "tt", "u",    "ul",   "var",
+};
+constexpr NameTable Breakouts([] {
+    std::array<PackedName, std::size(BreakoutNames)> names{};
+    std::ranges::transform(BreakoutNames, names.begin(), packed);
+    return names;
+}());
+
 /// Whether a tag begins there, whose name in capitals is given with its < or </.
 bool beginsTag(const char16_t* at, const char16_t* end, std::string_view tag) {
     const auto length = static_cast<std::ptrdiff_t>(tag.size());
@@ -41,6 +56,26 @@ const RawElement* rawElement(const Tag& tag) {
     for (const RawElement& row : RawElements)
         if (row.name.size() == name.size() && keyword::equals(name, row.name)) return &row;
     return nullptr;
+}
+
+void ForeignElements::change(const Tag& tag, bool isClosing) {
+    const bool isRoot = tag.isNamed("SVG") || tag.isNamed("MATH");
+    const bool holdsHTML = tag.isNamed("FOREIGNOBJECT") || tag.isNamed("DESC");
+    if (isRoot && !isClosing) {
+        ++depth_;
+    } else if (isRoot) {
+        depth_ -= depth_ > 0;
+        ownDepth_ = std::min(ownDepth_, depth_);
+    } else if (holdsHTML) {
+        if (!isClosing && isInside())
+            ++ownDepth_;
+        else if (isClosing && ownDepth_ > 0)
+            --ownDepth_;
+    } else if (isInside() && (!isClosing || tag.isNamed("P") || tag.isNamed("BR")) &&
+               Breakouts.find(packedName(tag)) >= 0) {
+        // Nobody draws a paragraph: the image before it was never closed.
+        depth_ = ownDepth_;
+    }
 }
 
 bool isVoidElement(const Tag& tag) {

@@ -55,6 +55,27 @@ struct RawElement {
 /// Null for a tag of any other name.
 const RawElement* rawElement(const Tag& tag);
 
+/// Tells whether tags stand in images or formulas, the elements of which are not those of HTML.
+class ForeignElements {
+public:
+    /// In a feed all are foreign.
+    explicit ForeignElements(bool always) : always_(always) {}
+
+    bool isInside() const { return always_ || depth_ > ownDepth_; }
+
+    /// Takes notice of a tag that does not close itself.
+    void note(const Tag& tag, bool isClosing) {
+        if (depth_ > 0 || tag.isNamed("SVG") || tag.isNamed("MATH")) change(tag, isClosing);
+    }
+
+private:
+    void change(const Tag& tag, bool isClosing);
+
+    const bool always_;
+    std::size_t depth_ = 0;     ///< of images and formulas
+    std::size_t ownDepth_ = 0;  ///< of places in them that hold HTML
+};
+
 /// Whether the element never has contents, as br and img.
 bool isVoidElement(const Tag& tag);
 

@@ -22,10 +22,9 @@ namespace velmo {
 //     htmlMetaKeywords(u"<meta name=keywords content=a><meta name=dc.keywords content=b>");    // a b
 
 /// The text in front of the first tag that closes a title; empty if there is none.
-[[nodiscard]] VELMO_API String htmlTitle(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlTitle(std::u16string_view page, const WebRules& web);
 /// The same through normalizedHtmlString().
-[[nodiscard]] VELMO_API String normalizedHtmlTitle(std::u16string_view page,
-                                                   const WebRules& web = {});
+[[nodiscard]] VELMO_API String normalizedHtmlTitle(std::u16string_view page, const WebRules& web);
 
 /// The contents of the meta tags with that NAME. Absent for an empty or absent name.
 [[nodiscard]] VELMO_API String htmlMetaAttributeWithName(std::u16string_view page,
@@ -36,24 +35,21 @@ namespace velmo {
                                                  const WebRules& web = {});
 
 /// HTTP-EQUIV "refresh"; see headerRefresh().
-[[nodiscard]] VELMO_API String htmlMetaRefresh(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaRefresh(std::u16string_view page, const WebRules& web);
 /// "title", "dc.title" and "og:title".
-[[nodiscard]] VELMO_API String htmlMetaTitle(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaTitle(std::u16string_view page, const WebRules& web);
 /// "IndexTitle".
-[[nodiscard]] VELMO_API String htmlMetaIndexTitle(std::u16string_view page,
-                                                  const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaIndexTitle(std::u16string_view page, const WebRules& web);
 /// "keywords" and "dc.keywords".
-[[nodiscard]] VELMO_API String htmlMetaKeywords(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaKeywords(std::u16string_view page, const WebRules& web);
 /// "description", "dc.description" and "og:description".
-[[nodiscard]] VELMO_API String htmlMetaDescription(std::u16string_view page,
-                                                   const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaDescription(std::u16string_view page, const WebRules& web);
 /// "date" and "dc.date"; mind htmlDate().
-[[nodiscard]] VELMO_API String htmlMetaDate(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaDate(std::u16string_view page, const WebRules& web);
 /// "author" and "dc.author".
-[[nodiscard]] VELMO_API String htmlMetaAuthor(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaAuthor(std::u16string_view page, const WebRules& web);
 /// "copyright" and "dc.rights".
-[[nodiscard]] VELMO_API String htmlMetaCopyright(std::u16string_view page,
-                                                 const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlMetaCopyright(std::u16string_view page, const WebRules& web);
 
 /// Values by the names of meta tags, their NAME or else their PROPERTY, in lower case.
 using MetaAttributes = std::map<String, String>;
@@ -67,18 +63,57 @@ using MetaAttributes = std::map<String, String>;
 
 /// The content of the first meta tag that gives a date and is not empty, by its name or as
 /// HTTP-EQUIV "last-modified". It is in no certain form.
-[[nodiscard]] VELMO_API String htmlDate(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlDate(std::u16string_view page, const WebRules& web);
 /// Whether a meta tag of that name gives a date, as "dc.date.issued" and "article:pubDate".
 [[nodiscard]] VELMO_API bool isDateAttribute(std::u16string_view name);
 
 /// The reference of the first canonical link that is not only an anchor, as
 /// normalizedStringURL() makes it; not resolved.
-[[nodiscard]] VELMO_API String htmlCanonicalURL(std::u16string_view page, const WebRules& web = {});
+[[nodiscard]] VELMO_API String htmlCanonicalURL(std::u16string_view page, const WebRules& web);
 /// What the first base tag with an HREF says; absent if that is no URL of the web. Mind that
 /// htmlLinks() goes by the last one.
 /// @param url  where the page comes from, for WebRules::relativeBase
 [[nodiscard]] VELMO_API URL htmlBaseURL(std::u16string_view page, const WebRules& web = {},
                                         const URL& url = {});
+
+// The same by the library's own rules.
+
+[[nodiscard]] inline String htmlTitle(std::u16string_view page) {
+    return htmlTitle(page, WebRules());
+}
+[[nodiscard]] inline String normalizedHtmlTitle(std::u16string_view page) {
+    return normalizedHtmlTitle(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaRefresh(std::u16string_view page) {
+    return htmlMetaRefresh(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaTitle(std::u16string_view page) {
+    return htmlMetaTitle(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaIndexTitle(std::u16string_view page) {
+    return htmlMetaIndexTitle(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaKeywords(std::u16string_view page) {
+    return htmlMetaKeywords(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaDescription(std::u16string_view page) {
+    return htmlMetaDescription(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaDate(std::u16string_view page) {
+    return htmlMetaDate(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaAuthor(std::u16string_view page) {
+    return htmlMetaAuthor(page, WebRules());
+}
+[[nodiscard]] inline String htmlMetaCopyright(std::u16string_view page) {
+    return htmlMetaCopyright(page, WebRules());
+}
+[[nodiscard]] inline String htmlDate(std::u16string_view page) {
+    return htmlDate(page, WebRules());
+}
+[[nodiscard]] inline String htmlCanonicalURL(std::u16string_view page) {
+    return htmlCanonicalURL(page, WebRules());
+}
 
 /// Keywords, description and title as search machines take them: those of Dublin Core, and for
 /// the last two of Open Graph, come before the plain names. Of titles, index titles and dates the

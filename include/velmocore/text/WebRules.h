@@ -68,6 +68,12 @@ struct WebRules {
     ///
     ///     htmlFavIcon(u"<link rel=icon href=a.ico>", WebRules::today());   // a.ico
     bool linkTags = false;
+    /// The display and visibility that its style names hide an element of a page, and nothing else
+    /// does: no other value in its style, its class, its size or its place. Text that scrolls is text.
+    ///
+    ///     const String page = u"<div style='display:block; border:none'>a<marquee>b";
+    ///     stringByConvertingHtml2PlainText(page, {.web = WebRules::today()});   // ab
+    bool hiddenElements = false;
 
     /// All of them.
     [[nodiscard]] static constexpr WebRules today() noexcept {
@@ -82,7 +88,8 @@ struct WebRules {
                 .rawText = true,
                 .selfClosing = true,
                 .relativeBase = true,
-                .linkTags = true};
+                .linkTags = true,
+                .hiddenElements = true};
     }
 };
 
