@@ -33,6 +33,12 @@ struct WebRules {
     ///
     ///     stringByConvertingHtml2PlainText(u"<p>Zu&shy;cker", {.web = WebRules::today()});  // "Zucker"
     bool softHyphens = false;
+    /// Links are resolved as the URL standard says: \ is a slash, tabs and line ends are left out,
+    /// hosts are in their ASCII form, and nothing else is put right. See url/RelativeURLs.h.
+    ///
+    ///     const URL page = URL::URLWithString(u"https://h.org/a/b");
+    ///     URLRelativeTo(page, u"\\\\B\u00FCcher.example\\c d", {.web = WebRules::today()});   // https://xn--bcher-kva.example/c%20d
+    bool resolution = false;
 
     /// All of them.
     [[nodiscard]] static constexpr WebRules today() noexcept {
@@ -40,7 +46,8 @@ struct WebRules {
                 .references = true,
                 .linkEscapes = true,
                 .templates = true,
-                .softHyphens = true};
+                .softHyphens = true,
+                .resolution = true};
     }
 };
 
