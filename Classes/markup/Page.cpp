@@ -13,6 +13,7 @@
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Trimming.h>
+#include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLSchemes.h>
 #include <velmocore/url/URLSimplification.h>
@@ -70,7 +71,9 @@ struct Page::State {
         // Without a base a path would be taken for one of this machine.
         const URL& base = baseURL();
         if (base.isAbsent() && stringURLScheme(reference).isAbsent()) return {};
-        return URLWithStringRelativeTo(reference, base);
+        // A browser resolves scripts and mail links too, which lead to no page.
+        if (web.resolution && filterLink(reference)) return {};
+        return URLWithStringRelativeTo(reference, base, {.web = web});
     }
     const URL& baseURL() const {
         const URL& base = references().baseURL;

@@ -151,17 +151,9 @@ private:
         }
     }
 
-    /// The path with its parameters: they stand side by side in the URL.
-    Units wholePath() const {
-        const Units path = url_.part(URLPart::Path), more = url_.part(URLPart::Parameters);
-        const char16_t* const end =
-            more.data() ? more.data() + more.size() : path.data() + path.size();
-        return {path.data(), static_cast<std::size_t>(end - path.data())};
-    }
-
     void writePath(bool withoutIndex) {
         const std::size_t start = out_.length();
-        appendDecoded(out_, wholePath(), PlainInPath);
+        appendDecoded(out_, wholePathOf(url_), PlainInPath);
         const std::size_t end = out_.length();
         // What is written here never gets before what is read.
         out_.truncate(start);
