@@ -33,11 +33,14 @@ std::optional<TrackingParameters> ownParameters(Report& report, const std::strin
     }
 }
 
-/// What the one reading takes for no URL may be one to the other.
+/// What is no URL by the grammar is read as browsers do, and what is none to them with what people
+/// leave out.
 URL urlOf(const String& text, WebRules web) {
-    const URL url = readURL(text, web);
-    if (!url.isAbsent()) return url;
-    return readURL(text, web.resolution ? WebRules() : WebRules::today());
+    if (web.resolution || URL::URLWithString(text).isAbsent()) {
+        const URL url = readURL(text, WebRules::today());
+        if (!url.isAbsent()) return url;
+    }
+    return readURL(text, {});
 }
 
 void run(Report& report, const Options& options) {
