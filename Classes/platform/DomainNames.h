@@ -11,7 +11,7 @@ namespace velmo::detail::domains {
 
 /// A longer name is none: encoding takes the square of a label's length, and DNS has no name
 /// beyond 253 bytes.
-inline constexpr std::size_t LongestName = 1024;
+inline constexpr std::size_t LongestName = 1000;
 
 /// The ASCII form, in lower case; absent if there is none.
 VELMO_API String toASCII(std::u16string_view name);

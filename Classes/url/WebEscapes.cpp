@@ -62,11 +62,17 @@ char32_t takeCharacter(Units units, std::size_t& i) {
     return characterOfPair(unit, units[i - 1]);
 }
 
+void appendEscape(StringBuilder& out, char32_t byte) {
+    constexpr std::size_t AtATime = std::tuple_size_v<escapes::Spelling>;
+    escapes::writeEscape(out.prepare(AtATime), byte);
+    out.commit(3);
+}
+
 void appendEscapes(StringBuilder& out, char32_t character) {
     constexpr std::size_t MostUnits = 12, AtATime = std::tuple_size_v<escapes::Spelling>;
+    if (character < 0x80) return appendEscape(out, character);
     char16_t* const write = out.prepare(MostUnits + AtATime);
-    const char16_t* const end = character < 0x80 ? escapes::writeEscape(write, character)
-                                                 : escapes::writeEscapes(write, character);
+    const char16_t* const end = escapes::writeEscapes(write, character);
     out.commit(static_cast<std::size_t>(end - write));
 }
 
@@ -102,7 +108,7 @@ void appendEncoded(StringBuilder& out, Units units, EncodeSet set, StringEncodin
             return out.append(u"%3B");
         }
         for (const std::uint8_t byte : *bytes)
-            isIn(byte, set) ? appendEscapes(out, byte) : out.append(static_cast<char16_t>(byte));
+            isIn(byte, set) ? appendEscape(out, byte) : out.append(static_cast<char16_t>(byte));
     });
 }
 

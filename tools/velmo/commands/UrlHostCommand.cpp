@@ -11,14 +11,21 @@
 namespace velmo::tool {
 namespace {
 
-void print(Report& report, const String& host) {
+/// Whoever writes an IPv6 address leaves its brackets out.
+String withBrackets(const String& host) {
+    const String inBrackets = u"[" + host + u"]";
+    return domainToASCII(inBrackets).isAbsent() ? host : inBrackets;
+}
+
+void print(Report& report, const String& given) {
+    const String host = withBrackets(given);
     const String ascii = domainToASCII(host), display = displayDomain(host);
     if (report.json())
-        return report.printObject({{"host", host},
+        return report.printObject({{"host", given},
                                    {"ascii", ascii},
                                    {"unicode", domainToUnicode(host)},
                                    {"display", display}});
-    if (ascii.isAbsent()) return report.fail(host.utf8(), "not a host");
+    if (ascii.isAbsent()) return report.fail(given.utf8(), "not a host");
     report.printLine(ascii == display ? ascii.utf8()
                                       : fmt::format("{} ({})", ascii.utf8(), display.utf8()));
 }
