@@ -35,11 +35,11 @@ bool has(Units units, const std::array<bool, 128>& table) {
                        [&](char16_t unit) { return unit < table.size() && table[unit]; });
 }
 
-/// Whether the host is its own ASCII form but for its case: escapes, other letters and labels that
-/// say they are encoded must be looked at.
-bool needsConversion(Units host) {
+/// Whether the domain is not its own ASCII form but for its case: it has other letters, or labels
+/// that say they are encoded.
+bool isForeign(Units host) {
     for (std::size_t i = 0; i < host.size(); ++i) {
-        if (host[i] >= 0x80 || host[i] == u'%') return true;
+        if (host[i] >= 0x80) return true;
         // Wherever it stands: what is looked at in vain is only slower.
         if (host[i] == u'-' && i >= 3 && (host[i - 3] | 0x20) == u'x' &&
             (host[i - 2] | 0x20) == u'n' && host[i - 1] == u'-')
@@ -120,8 +120,10 @@ bool appendASCII(StringBuilder& out, Units domain) {
 
 bool appendDomainHost(StringBuilder& out, Units host) {
     if (host.starts_with(u'[')) return appendBracketed(out, host);
-    if (!needsConversion(host)) return appendASCII(out, host);
-    return appendASCII(out, domains::toASCII(withoutEscapes(host)));
+    const bool hasEscapes = host.find(u'%') != Units::npos;
+    if (!hasEscapes && !isForeign(host)) return appendASCII(out, host);
+    const String domain = withoutEscapes(host);
+    return appendASCII(out, isForeign(domain) ? domains::toASCII(domain) : domain);
 }
 
 bool appendOpaqueHost(StringBuilder& out, Units host) {
