@@ -71,9 +71,9 @@ struct Page::State {
         // Without a base a path would be taken for one of this machine.
         const URL& base = baseURL();
         if (base.isAbsent() && stringURLScheme(reference).isAbsent()) return {};
+        const URL link = URLWithStringRelativeTo(reference, base, {.web = web});
         // A browser resolves scripts and mail links too, which lead to no page.
-        if (web.resolution && filterLink(reference)) return {};
-        return URLWithStringRelativeTo(reference, base, {.web = web});
+        return web.resolution && filterLink(link.absoluteString()) ? URL() : link;
     }
     const URL& baseURL() const {
         const URL& base = references().baseURL;
