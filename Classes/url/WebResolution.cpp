@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/Ascii.h"
+#include "url/Reductions.h"
 #include "url/WebURLWriter.h"
 
 namespace velmo::detail {
@@ -15,6 +16,7 @@ namespace {
 using Units = std::u16string_view;
 
 bool isControlOrSpace(char16_t unit) { return unit <= 0x20; }
+bool isTabOrFeed(char16_t unit) { return unit == u'\t' || unit == u'\n' || unit == u'\r'; }
 
 /// What stands behind a unit, if it is there; both views are of one text.
 struct Tail {
@@ -22,8 +24,8 @@ struct Tail {
     bool isPresent = false;
 };
 Tail cutTail(Units& text, char16_t unit) {
-    const std::size_t at = text.find(unit);
-    if (at == Units::npos) return {};
+    const std::size_t at = indexOf(text, unit);
+    if (at == text.size()) return {};
     const Tail tail{text.substr(at + 1), true};
     text = text.substr(0, at);
     return tail;
@@ -219,10 +221,9 @@ Units withoutControlsAround(Units text) noexcept {
 URL webURL(Units link, const URL& base, StringEncoding encoding) {
     link = withoutControlsAround(link);
     std::u16string joined;
-    if (link.find_first_of(u"\t\n\r") != Units::npos) {
+    if (std::any_of(link.begin(), link.end(), isTabOrFeed)) {
         joined = link;
-        std::erase_if(
-            joined, [](char16_t unit) { return unit == u'\t' || unit == u'\n' || unit == u'\r'; });
+        std::erase_if(joined, isTabOrFeed);
         link = joined;
     }
     // The steps take a base that was read by them.
