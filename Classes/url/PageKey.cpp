@@ -145,14 +145,19 @@ private:
         }
     }
 
-    /// The host in its ASCII form. Letters of people may become dots at its end; what is left when
-    /// those are gone may be an address.
+    /// The host in its ASCII form. False if it has none, or one that a URL holds in escapes only.
     bool appendDomain(Units host) {
         if (!appendDomainHost(out_, withoutLastDots(host))) return false;
-        if (out_.back() != u'.') return true;
-        const std::u16string rest(withoutLastDots(out_.view().substr(hostStart_)));
+        if (out_.back() == u'.') {
+            // Letters of people may become dots at its end; what is left may be an address.
+            const std::u16string rest(withoutLastDots(out_.view().substr(hostStart_)));
+            out_.truncate(hostStart_);
+            if (!appendDomainHost(out_, rest)) return false;
+        }
+        const Units written = out_.view().substr(hostStart_);
+        if (std::all_of(written.begin(), written.end(), grammar::isURLUnit)) return true;
         out_.truncate(hostStart_);
-        return appendDomainHost(out_, rest);
+        return false;
     }
 
     /// "www." alone in front of an ending is a name like any other.

@@ -118,6 +118,7 @@ TEST(PageKey, TakesURLsOfTheWeb) {
     const Pair pairs[] = {
         {u"http://h.org/a|b[%zz?c|d%#x^", u"http://h.org/a%7Cb%5B%25zz?c%7Cd%25"},
         {u"foo://a\"b{/c", u"foo://a%22b%7b/c"},
+        {u"http://a\"b/c", u"http://a%22b/c"},
         {u"mailto:a b<c>#d e", u"mailto:a%20b%3Cc%3E"},
         {u"http://h.org/#/a|b#c", u"http://h.org/#/a%7Cb%23c"},
     };
