@@ -104,7 +104,7 @@ TEST(PageKey, JudgesPairs) {
     std::istringstream lines(test::readData("page-pairs.tsv"));
     int pairs = 0;
     for (std::string line; std::getline(lines, line); ++pairs) {
-        const auto fields = test::fieldsOf(line);
+        const auto fields = test::unescapedFieldsOf(line);
         ASSERT_EQ(fields.size(), 3u) << line;
         const String first = keyOfWeb(fields[1]), second = keyOfWeb(fields[2]);
         EXPECT_FALSE(first.isAbsent() || second.isAbsent()) << line;

@@ -8,7 +8,7 @@
 
 namespace velmo::test {
 
-inline std::vector<String> fieldsOf(const std::string& line) {
+inline std::vector<String> unescapedFieldsOf(const std::string& line) {
     std::vector<String> fields;
     std::u16string field;
     for (std::size_t i = 0; i <= line.size(); ++i) {

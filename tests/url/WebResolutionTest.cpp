@@ -34,7 +34,7 @@ TEST(WebResolution, ResolvesAsTheStandard) {
     std::istringstream lines(test::readData("resolution-values.tsv"));
     int pairs = 0, none = 0;
     for (std::string line; std::getline(lines, line); ++pairs) {
-        const auto fields = test::fieldsOf(line);
+        const auto fields = test::unescapedFieldsOf(line);
         ASSERT_EQ(fields.size(), 3u) << line;
         const URL url = resolved(fields[0], fields[1]);
         EXPECT_EQ(url.isAbsent() ? String(u"-") : url.absoluteString(), fields[2]) << line;
