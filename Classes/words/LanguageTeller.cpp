@@ -1,0 +1,188 @@
+// One pass over the words of a text counts their units by script, looks the words up, and counts
+// the letters beyond a to z. Of these, the script speaks first: most scripts are of one language.
+// Among the languages that share one, each has a point for a word of its list, and loses one for a
+// letter that it is not written with. That settles what lists of unlike length and care cannot:
+// Czech and Slovak have most short words in common, but neither has all letters of the other.
+//
+// A language that is not known must not be named as a neighbour of it that is. So the leader needs a
+// share of all words besides its lead; and there are lists for small languages, and for Latin, mostly
+// as rivals: Latin on pages is nearly always filler, which is never named.
+#include "words/LanguageTeller.h"
+
+#include <algorithm>
+
+#include <velmocore/text/Folding.h>
+#include <velmocore/words/Separators.h>
+
+#include "words/AlphabetTables.h"
+#include "words/ChineseFormTables.h"
+#include "words/RunScan.h"
+#include "words/ScriptTables.h"
+
+namespace velmo::detail {
+namespace {
+
+// What the samples of docs/language.md gave; of words, points and letters.
+constexpr std::size_t LeastDistinct = 3;
+constexpr std::int64_t LeastLead = 2;
+constexpr std::int64_t LeadOneIn = 10;
+constexpr std::uint64_t WordsForOneHit = 6;
+constexpr std::uint64_t LeastWeight = 6;
+
+constexpr std::u16string_view Filler = u"LA";
+constexpr std::uint16_t TraditionalSign = 1, SimplifiedSign = 2, FirstLetterSign = 3;
+
+bool isAscii(std::u16string_view word) {
+    char16_t all = 0;
+    for (char16_t unit : word) all |= unit;
+    return all < 0x80;
+}
+
+/// The first row of the script of a row.
+std::uint8_t firstRowOf(const ScriptRow& row) {
+    const auto rows = scriptRows();
+    const auto first = std::ranges::find_if(rows, [&](const ScriptRow& other) {
+        return other.code == row.code && other.language == row.language;
+    });
+    return static_cast<std::uint8_t>(first - rows.begin() + 1);
+}
+
+}  // namespace
+
+struct LanguageTeller::Signs {
+    std::uint64_t words = 0;
+    std::array<std::uint64_t, 64> weights{};  // by row of the table and 1
+    std::vector<LanguageHits> languages;
+    std::vector<std::uint32_t> counts;  // by sign
+};
+
+LanguageTeller::LanguageTeller(LanguageRules rules, std::span<const String> keys,
+                               const StopWordIndex& index)
+    : rules_(rules), keys_(keys), index_(index), signOf_(0x10000), against_(FirstLetterSign) {
+    for (const ScriptRow& row : scriptRows())
+        std::fill(scripts_.begin() + row.first / 16, scripts_.begin() + row.last / 16 + 1,
+                  firstRowOf(row));
+    for (char16_t unit : traditionalCharacters()) signOf_[unit] = TraditionalSign;
+    for (char16_t unit : simplifiedCharacters()) signOf_[unit] = SimplifiedSign;
+    if (rules.letters) addAlphabets();
+}
+
+void LanguageTeller::addAlphabets() {
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+        const auto found = std::ranges::find(alphabets(), keys_[i].view(), &Alphabet::key);
+        if (found == alphabets().end()) continue;
+        for (char16_t letter : found->letters)
+            if (!signOf_[letter]) {
+                signOf_[letter] = static_cast<std::uint16_t>(against_.size());
+                against_.emplace_back(keys_.size());
+            }
+    }
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+        const auto found = std::ranges::find(alphabets(), keys_[i].view(), &Alphabet::key);
+        if (found == alphabets().end()) continue;  // not known, so nothing speaks against it
+        for (std::size_t sign = FirstLetterSign; sign < against_.size(); ++sign)
+            against_[sign][i] = 1;
+        for (char16_t letter : found->letters) against_[signOf_[letter]][i] = 0;
+    }
+    const ConversionTable& lower = lowerCharsTable();
+    for (std::size_t unit = 0x80; unit < signOf_.size(); ++unit)
+        if (!signOf_[unit]) signOf_[unit] = signOf_[lower[static_cast<char16_t>(unit)]];
+}
+
+void LanguageTeller::readUnits(std::u16string_view word, Signs& signs) const {
+    for (char16_t unit : word) {
+        const std::size_t script = scripts_[unit / 16];
+        if (!script) continue;
+        signs.weights[script] += scriptRows()[script - 1].weight;
+        ++signs.counts[signOf_[unit]];
+    }
+}
+
+LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64_t minLen) const {
+    Signs signs;
+    signs.languages.resize(keys_.size());
+    signs.counts.resize(against_.size());
+    const std::size_t latin = scripts_['a' / 16];
+    forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
+        if (run.isMember) return true;
+        const std::u16string_view word = text.substr(run.start, run.length());
+        if (!scripts_[word.front() / 16] || !scripts_[word.back() / 16]) return true;
+        ++signs.words;
+        if (isAscii(word))
+            signs.weights[latin] += word.size();
+        else
+            readUnits(word, signs);
+        if (word.size() < minLen) return true;
+        const std::size_t found = index_.find(word);
+        if (found != StopWordIndex::NoWord)
+            for (std::uint32_t language : index_.languagesOf(found))
+                signs.languages[language].add(found);
+        return true;
+    });
+    return signs;
+}
+
+/// The row of the script that most of the text is in, and 1; 0 if there is none.
+std::size_t LanguageTeller::mainScript(const Signs& signs) const {
+    auto weights = signs.weights;
+    const auto rows = scriptRows();
+    for (std::size_t row = 1; row < rows.size(); ++row) {
+        if (!rows[row].oneIn) continue;
+        std::uint64_t &part = weights[firstRowOf(rows[row])],
+                      &other = weights[firstRowOf(rows[row - 1])];
+        const std::uint64_t both = part + other;
+        const bool names = part && part * rows[row].oneIn >= both;
+        part = names ? both : 0;
+        other = names ? 0 : both;
+    }
+    std::uint64_t all = 0;
+    for (const std::uint64_t weight : weights) all += weight;
+    const auto most = std::ranges::max_element(weights);
+    if (all < LeastWeight || *most * 2 < all) return 0;
+    return static_cast<std::size_t>(most - weights.begin());
+}
+
+std::vector<std::int64_t> LanguageTeller::points(const Signs& signs) const {
+    std::vector<std::int64_t> points;
+    for (const LanguageHits& hits : signs.languages)
+        points.push_back(static_cast<std::int64_t>(hits.hits()));
+    for (std::size_t sign = FirstLetterSign; sign < signs.counts.size(); ++sign)
+        if (const std::int64_t count = signs.counts[sign])
+            for (std::size_t i = 0; i < points.size(); ++i) points[i] -= count * against_[sign][i];
+    return points;
+}
+
+/// The language with most points, if it is clear.
+String LanguageTeller::leader(const Signs& signs) const {
+    const std::vector<std::int64_t> all = points(signs);
+    if (all.empty()) return {};
+    const auto first = std::ranges::max_element(all);
+    const auto index = static_cast<std::size_t>(first - all.begin());
+    std::int64_t second = 0;
+    for (std::size_t i = 0; i < all.size(); ++i)
+        if (i != index) second = std::max(second, all[i]);
+    const LanguageHits& hits = signs.languages[index];
+    const bool leads = *first - second >= std::max(LeastLead, *first / LeadOneIn);
+    const bool isUsual =
+        hits.distinct() >= LeastDistinct && *first * static_cast<std::int64_t>(WordsForOneHit) >=
+                                                static_cast<std::int64_t>(signs.words);
+    return leads && isUsual && keys_[index] != Filler ? keys_[index] : String();
+}
+
+ToldLanguage LanguageTeller::tell(std::u16string_view text, std::uint64_t minLen) const {
+    const Signs signs = read(text, minLen);
+    const std::size_t script = mainScript(signs);
+    if (!script && rules_.scripts) return {};
+    const std::u16string_view named = script ? scriptRows()[script - 1].language : u"";
+    if (!rules_.scripts || named.empty()) {
+        const String key = leader(signs);
+        const bool isOther = key == u"SR" && script == scripts_['a' / 16];
+        return {key, isOther ? u"Latn" : u""};
+    }
+    const std::uint32_t traditional = signs.counts[TraditionalSign];
+    const std::uint32_t simplified = signs.counts[SimplifiedSign];
+    if (named != u"ZH" || traditional == simplified) return {String(named), {}};
+    return {String(named), traditional > simplified ? u"Hant" : u"Hans"};
+}
+
+}  // namespace velmo::detail
