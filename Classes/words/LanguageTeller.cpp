@@ -1,7 +1,7 @@
 // One pass over the words of a text counts their units by script, looks the words up, and counts
 // the letters beyond a to z. Of these, the script speaks first: most scripts are of one language.
-// Among the languages that share one, each has a point for a word of its list, and loses one for a
-// letter that it is not written with. That settles what lists of unlike length and care cannot:
+// Among the languages that share one, each has points for the words of its list, more for those
+// that few others have, and loses some for a letter that it is not written with. That settles what lists of unlike length and care cannot:
 // Czech and Slovak have most short words in common, but neither has all letters of the other.
 //
 // A language that is not known must not be named as a neighbour of it that is. So the leader needs a
@@ -23,14 +23,30 @@ namespace velmo::detail {
 namespace {
 
 // What the samples of docs/language.md gave; of words, points and letters.
-constexpr std::size_t LeastDistinct = 3;
-constexpr std::int64_t LeastLead = 2;
+constexpr std::size_t LeastDistinct = 2;
+constexpr std::int64_t LeastLead = 3;
 constexpr std::int64_t LeadOneIn = 10;
-constexpr std::uint64_t WordsForOneHit = 6;
+constexpr std::int64_t PointsForFourWords = 3;
+constexpr std::int64_t PointsOfLetter = 3;
 constexpr std::uint64_t LeastWeight = 6;
 
 constexpr std::u16string_view Filler = u"LA";
+/// Small languages that share most words with a large one, which a short text is far more often in.
+/// What they have in points counts a tenth less.
+constexpr std::u16string_view SmallSiblings[] = {
+    u"AN",  u"AST", u"BS",  u"CO", u"CRH", u"FUR", u"FY", u"IA",  u"IO",  u"LB",  u"LI",
+    u"LIJ", u"MAI", u"NDS", u"NN", u"OC",  u"RM",  u"SC", u"SCO", u"SKR", u"SZL", u"WA",
+};
+constexpr std::int64_t SiblingOneIn = 10;
 constexpr std::uint16_t TraditionalSign = 1, SimplifiedSign = 2, FirstLetterSign = 3;
+
+/// A word that many languages have says little about which of them it is, and nothing about
+/// whether it is one that has no list.
+std::int64_t pointsOfWord(std::size_t languages) {
+    if (languages == 1) return 4;
+    if (languages <= 4) return 3;
+    return languages <= 8 ? 2 : 1;
+}
 
 bool isAscii(std::u16string_view word) {
     char16_t all = 0;
@@ -52,8 +68,9 @@ std::uint8_t firstRowOf(const ScriptRow& row) {
 struct LanguageTeller::Signs {
     std::uint64_t words = 0;
     std::array<std::uint64_t, 64> weights{};  // by row of the table and 1
-    std::vector<LanguageHits> languages;
-    std::vector<std::uint32_t> counts;  // by sign
+    std::vector<LanguageHits> hits;           // by language
+    std::vector<std::int64_t> points;         // by language, of words
+    std::vector<std::uint32_t> counts;        // by sign
 };
 
 LanguageTeller::LanguageTeller(LanguageRules rules, std::span<const String> keys,
@@ -65,6 +82,8 @@ LanguageTeller::LanguageTeller(LanguageRules rules, std::span<const String> keys
     for (char16_t unit : traditionalCharacters()) signOf_[unit] = TraditionalSign;
     for (char16_t unit : simplifiedCharacters()) signOf_[unit] = SimplifiedSign;
     if (rules.letters) addAlphabets();
+    for (std::size_t i = 0; i < keys.size(); ++i)
+        if (std::ranges::count(SmallSiblings, keys[i].view())) siblings_.push_back(i);
 }
 
 void LanguageTeller::addAlphabets() {
@@ -98,9 +117,19 @@ void LanguageTeller::readUnits(std::u16string_view word, Signs& signs) const {
     }
 }
 
+void LanguageTeller::addWord(std::size_t word, Signs& signs) const {
+    const auto languages = index_.languagesOf(word);
+    const std::int64_t points = pointsOfWord(languages.size());
+    for (std::uint32_t language : languages) {
+        signs.hits[language].add(word);
+        signs.points[language] += points;
+    }
+}
+
 LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64_t minLen) const {
     Signs signs;
-    signs.languages.resize(keys_.size());
+    signs.hits.resize(keys_.size());
+    signs.points.resize(keys_.size());
     signs.counts.resize(against_.size());
     const std::size_t latin = scripts_['a' / 16];
     forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
@@ -113,10 +142,8 @@ LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64
         else
             readUnits(word, signs);
         if (word.size() < minLen) return true;
-        const std::size_t found = index_.find(word);
-        if (found != StopWordIndex::NoWord)
-            for (std::uint32_t language : index_.languagesOf(found))
-                signs.languages[language].add(found);
+        if (const std::size_t found = index_.find(word); found != StopWordIndex::NoWord)
+            addWord(found, signs);
         return true;
     });
     return signs;
@@ -143,12 +170,12 @@ std::size_t LanguageTeller::mainScript(const Signs& signs) const {
 }
 
 std::vector<std::int64_t> LanguageTeller::points(const Signs& signs) const {
-    std::vector<std::int64_t> points;
-    for (const LanguageHits& hits : signs.languages)
-        points.push_back(static_cast<std::int64_t>(hits.hits()));
+    std::vector<std::int64_t> points = signs.points;
     for (std::size_t sign = FirstLetterSign; sign < signs.counts.size(); ++sign)
         if (const std::int64_t count = signs.counts[sign])
-            for (std::size_t i = 0; i < points.size(); ++i) points[i] -= count * against_[sign][i];
+            for (std::size_t i = 0; i < points.size(); ++i)
+                points[i] -= PointsOfLetter * count * against_[sign][i];
+    for (const std::size_t small : siblings_) points[small] -= points[small] / SiblingOneIn;
     return points;
 }
 
@@ -161,11 +188,10 @@ String LanguageTeller::leader(const Signs& signs) const {
     std::int64_t second = 0;
     for (std::size_t i = 0; i < all.size(); ++i)
         if (i != index) second = std::max(second, all[i]);
-    const LanguageHits& hits = signs.languages[index];
+    const auto words = static_cast<std::int64_t>(signs.words);
     const bool leads = *first - second >= std::max(LeastLead, *first / LeadOneIn);
     const bool isUsual =
-        hits.distinct() >= LeastDistinct && *first * static_cast<std::int64_t>(WordsForOneHit) >=
-                                                static_cast<std::int64_t>(signs.words);
+        signs.hits[index].distinct() >= LeastDistinct && *first * 4 >= words * PointsForFourWords;
     return leads && isUsual && keys_[index] != Filler ? keys_[index] : String();
 }
 

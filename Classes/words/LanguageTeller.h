@@ -17,8 +17,9 @@ namespace velmo::detail {
 
 /// The answer for a text.
 struct ToldLanguage {
-    String key;                ///< absent if it is not clear
-    std::u16string_view form;  ///< of writing: "Hans", "Hant" or "Latn", where a language has several
+    String key;  ///< absent if it is not clear
+    std::u16string_view
+        form;  ///< of writing: "Hans", "Hant" or "Latn", where a language has several
 };
 
 /// Made once for the languages of a filter, and constant from then on.
@@ -35,6 +36,7 @@ private:
     void addAlphabets();
     void setSign(char16_t letter, std::uint16_t sign);
     Signs read(std::u16string_view text, std::uint64_t minLen) const;
+    void addWord(std::size_t word, Signs& signs) const;
     void readUnits(std::u16string_view word, Signs& signs) const;
     std::size_t mainScript(const Signs& signs) const;
     std::vector<std::int64_t> points(const Signs& signs) const;
@@ -45,6 +47,7 @@ private:
     const StopWordIndex& index_;
     std::array<std::uint8_t, 4096> scripts_{};  ///< by sixteen units: a script, 0 if it is none
     std::vector<std::uint16_t> signOf_;         ///< by unit: what is counted of it, 0 for nothing
+    std::vector<std::size_t> siblings_;         ///< languages that need more than others
     /// By sign: for each language 1 if it is not written so.
     std::vector<std::vector<std::uint8_t>> against_;
 };
