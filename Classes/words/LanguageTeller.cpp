@@ -1,7 +1,8 @@
 // One pass over the words of a text counts their units by script, looks the words up, and counts
 // the letters beyond a to z. Of these, the script speaks first: most scripts are of one language.
 // Among the languages that share one, each has points for the words of its list, more for those
-// that few others have, and loses some for a letter that it is not written with. That settles what lists of unlike length and care cannot:
+// that few others have, loses some for a letter that it is not written with, and
+// gains for one that few others are. That settles what lists of unlike length and care cannot:
 // Czech and Slovak have most short words in common, but neither has all letters of the other.
 //
 // A language that is not known must not be named as a neighbour of it that is. So the leader needs a
@@ -26,16 +27,17 @@ namespace {
 constexpr std::size_t LeastDistinct = 2;
 constexpr std::int64_t LeastLead = 3;
 constexpr std::int64_t LeadOneIn = 10;
-constexpr std::int64_t PointsForFourWords = 3;
-constexpr std::int64_t PointsOfLetter = 3;
+constexpr std::int64_t PointsForFiveWords = 4;
+constexpr std::int8_t PointsAgainst = 3, PointsOfRareLetter = 1;
+constexpr std::ptrdiff_t FewLanguages = 10;
 constexpr std::uint64_t LeastWeight = 6;
 
 constexpr std::u16string_view Filler = u"LA";
 /// Small languages that share most words with a large one, which a short text is far more often in.
 /// What they have in points counts a tenth less.
 constexpr std::u16string_view SmallSiblings[] = {
-    u"AN",  u"AST", u"BS",  u"CO", u"CRH", u"FUR", u"FY", u"IA",  u"IO",  u"LB",  u"LI",
-    u"LIJ", u"MAI", u"NDS", u"NN", u"OC",  u"RM",  u"SC", u"SCO", u"SKR", u"SZL", u"WA",
+    u"AN", u"AST", u"BS", u"FUR", u"FY",  u"IA",  u"LIJ",
+    u"NN", u"OC",  u"RM", u"SC",  u"SCO", u"SKR", u"SZL",
 };
 constexpr std::int64_t SiblingOneIn = 10;
 constexpr std::uint16_t TraditionalSign = 1, SimplifiedSign = 2, FirstLetterSign = 3;
@@ -75,37 +77,43 @@ struct LanguageTeller::Signs {
 
 LanguageTeller::LanguageTeller(LanguageRules rules, std::span<const String> keys,
                                const StopWordIndex& index)
-    : rules_(rules), keys_(keys), index_(index), signOf_(0x10000), against_(FirstLetterSign) {
+    : rules_(rules), keys_(keys), index_(index), signOf_(0x10000), letterPoints_(FirstLetterSign) {
     for (const ScriptRow& row : scriptRows())
         std::fill(scripts_.begin() + row.first / 16, scripts_.begin() + row.last / 16 + 1,
                   firstRowOf(row));
     for (char16_t unit : traditionalCharacters()) signOf_[unit] = TraditionalSign;
     for (char16_t unit : simplifiedCharacters()) signOf_[unit] = SimplifiedSign;
     if (rules.letters) addAlphabets();
-    for (std::size_t i = 0; i < keys.size(); ++i)
-        if (std::ranges::count(SmallSiblings, keys[i].view())) siblings_.push_back(i);
+    for (const String& key : keys)
+        isSibling_.push_back(std::ranges::count(SmallSiblings, key.view()) != 0);
 }
 
 void LanguageTeller::addAlphabets() {
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
-        const auto found = std::ranges::find(alphabets(), keys_[i].view(), &Alphabet::key);
-        if (found == alphabets().end()) continue;
-        for (char16_t letter : found->letters)
-            if (!signOf_[letter]) {
-                signOf_[letter] = static_cast<std::uint16_t>(against_.size());
-                against_.emplace_back(keys_.size());
-            }
+    std::vector<const Alphabet*> known;
+    for (const String& key : keys_) {
+        const auto found = std::ranges::find(alphabets(), key.view(), &Alphabet::key);
+        known.push_back(found == alphabets().end() ? nullptr : &*found);
+        if (known.back())
+            for (char16_t letter : found->letters) addSign(letter);
     }
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
-        const auto found = std::ranges::find(alphabets(), keys_[i].view(), &Alphabet::key);
-        if (found == alphabets().end()) continue;  // not known, so nothing speaks against it
-        for (std::size_t sign = FirstLetterSign; sign < against_.size(); ++sign)
-            against_[sign][i] = 1;
-        for (char16_t letter : found->letters) against_[signOf_[letter]][i] = 0;
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        if (!known[i]) continue;  // a language of the caller's: nothing is known against it
+        for (std::size_t sign = FirstLetterSign; sign < letterPoints_.size(); ++sign)
+            letterPoints_[sign][i] = -PointsAgainst;
+        for (char16_t letter : known[i]->letters) letterPoints_[signOf_[letter]][i] = 0;
     }
+    for (std::vector<std::int8_t>& points : letterPoints_)
+        if (std::ranges::count(points, 0) <= FewLanguages)
+            std::ranges::replace(points, std::int8_t{0}, PointsOfRareLetter);
     const ConversionTable& lower = lowerCharsTable();
     for (std::size_t unit = 0x80; unit < signOf_.size(); ++unit)
         if (!signOf_[unit]) signOf_[unit] = signOf_[lower[static_cast<char16_t>(unit)]];
+}
+
+void LanguageTeller::addSign(char16_t letter) {
+    if (signOf_[letter]) return;
+    signOf_[letter] = static_cast<std::uint16_t>(letterPoints_.size());
+    letterPoints_.emplace_back(keys_.size());
 }
 
 void LanguageTeller::readUnits(std::u16string_view word, Signs& signs) const {
@@ -130,7 +138,7 @@ LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64
     Signs signs;
     signs.hits.resize(keys_.size());
     signs.points.resize(keys_.size());
-    signs.counts.resize(against_.size());
+    signs.counts.resize(letterPoints_.size());
     const std::size_t latin = scripts_['a' / 16];
     forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
         if (run.isMember) return true;
@@ -174,8 +182,9 @@ std::vector<std::int64_t> LanguageTeller::points(const Signs& signs) const {
     for (std::size_t sign = FirstLetterSign; sign < signs.counts.size(); ++sign)
         if (const std::int64_t count = signs.counts[sign])
             for (std::size_t i = 0; i < points.size(); ++i)
-                points[i] -= PointsOfLetter * count * against_[sign][i];
-    for (const std::size_t small : siblings_) points[small] -= points[small] / SiblingOneIn;
+                points[i] += count * letterPoints_[sign][i];
+    for (std::size_t i = 0; i < points.size(); ++i)
+        if (isSibling_[i]) points[i] -= points[i] / SiblingOneIn;
     return points;
 }
 
@@ -185,13 +194,15 @@ String LanguageTeller::leader(const Signs& signs) const {
     if (all.empty()) return {};
     const auto first = std::ranges::max_element(all);
     const auto index = static_cast<std::size_t>(first - all.begin());
+    // A small sibling that has less is no rival: it shares what is counted.
+    const bool isSmall = isSibling_[index];
     std::int64_t second = 0;
     for (std::size_t i = 0; i < all.size(); ++i)
-        if (i != index) second = std::max(second, all[i]);
+        if (i != index && (isSmall || !isSibling_[i])) second = std::max(second, all[i]);
     const auto words = static_cast<std::int64_t>(signs.words);
     const bool leads = *first - second >= std::max(LeastLead, *first / LeadOneIn);
     const bool isUsual =
-        signs.hits[index].distinct() >= LeastDistinct && *first * 4 >= words * PointsForFourWords;
+        signs.hits[index].distinct() >= LeastDistinct && *first * 5 >= words * PointsForFiveWords;
     return leads && isUsual && keys_[index] != Filler ? keys_[index] : String();
 }
 
@@ -199,11 +210,12 @@ ToldLanguage LanguageTeller::tell(std::u16string_view text, std::uint64_t minLen
     const Signs signs = read(text, minLen);
     const std::size_t script = mainScript(signs);
     if (!script && rules_.scripts) return {};
-    const std::u16string_view named = script ? scriptRows()[script - 1].language : u"";
-    if (!rules_.scripts || named.empty()) {
+    const ScriptRow* row = script ? &scriptRows()[script - 1] : nullptr;
+    const std::u16string_view named = rules_.scripts ? row->language : u"";
+    if (named.empty() || row->isShared) {
         const String key = leader(signs);
-        const bool isOther = key == u"SR" && script == scripts_['a' / 16];
-        return {key, isOther ? u"Latn" : u""};
+        if (key.isAbsent() && !named.empty()) return {String(named), {}};
+        return {key, key == u"SR" && script == scripts_['a' / 16] ? u"Latn" : u""};
     }
     const std::uint32_t traditional = signs.counts[TraditionalSign];
     const std::uint32_t simplified = signs.counts[SimplifiedSign];

@@ -34,7 +34,7 @@ private:
     struct Signs;
 
     void addAlphabets();
-    void setSign(char16_t letter, std::uint16_t sign);
+    void addSign(char16_t letter);
     Signs read(std::u16string_view text, std::uint64_t minLen) const;
     void addWord(std::size_t word, Signs& signs) const;
     void readUnits(std::u16string_view word, Signs& signs) const;
@@ -47,9 +47,9 @@ private:
     const StopWordIndex& index_;
     std::array<std::uint8_t, 4096> scripts_{};  ///< by sixteen units: a script, 0 if it is none
     std::vector<std::uint16_t> signOf_;         ///< by unit: what is counted of it, 0 for nothing
-    std::vector<std::size_t> siblings_;         ///< languages that need more than others
-    /// By sign: for each language 1 if it is not written so.
-    std::vector<std::vector<std::uint8_t>> against_;
+    std::vector<bool> isSibling_;               ///< by language: needs more than others
+    /// By sign: what it counts for or against each language.
+    std::vector<std::vector<std::int8_t>> letterPoints_;
 };
 
 }  // namespace velmo::detail

@@ -15,7 +15,7 @@ constexpr ScriptRow Rows[] = {
     {u"Grek", 0x1F00, 0x1FFF, u"EL"},
     {u"Cyrl", 0x0400, 0x052F, u""},
     {u"Armn", 0x0530, 0x058F, u"HY"},
-    {u"Hebr", 0x0590, 0x05FF, u""},
+    {u"Hebr", 0x0590, 0x05FF, u"HE", 1, 0, true},
     {u"Arab", 0x0600, 0x06FF, u""},
     {u"Arab", 0x0750, 0x077F, u""},
     {u"Arab", 0x08A0, 0x08FF, u""},

@@ -15,7 +15,7 @@ struct LanguageRules {
     /// none by itself, and neither does a mixture without a majority.
     bool scripts = false;
     /// Words of every script and length are looked up, also in the lists of the folder "web" below
-    /// that of the filter, which are of 113 languages; what few languages have counts more, and
+    /// that of the filter, which are of 115 languages; what few languages have counts more, and
     /// the winner must lead the true second. Two different words can decide.
     bool words = false;
     /// Letters that a language is not written with count against it, as \u0142 does against all but
