@@ -5,6 +5,7 @@
 namespace velmo::detail {
 namespace {
 
+// clang-format off
 constexpr Alphabet Rows[] = {
     // rows
     {u"ACH",
@@ -304,6 +305,7 @@ constexpr Alphabet Rows[] = {
     {u"ZU",
      u""},
 };
+// clang-format on
 
 }  // namespace
 

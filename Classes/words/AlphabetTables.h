@@ -11,7 +11,7 @@ struct Alphabet {
     std::u16string_view letters;  ///< in lower case, sorted, without a to z
 };
 
-/// 86 languages, sorted by key.
+/// 115 languages, sorted by key.
 std::span<const Alphabet> alphabets();
 
 }  // namespace velmo::detail

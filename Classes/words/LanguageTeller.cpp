@@ -102,9 +102,11 @@ void LanguageTeller::addAlphabets() {
             letterPoints_[sign][i] = -PointsAgainst;
         for (char16_t letter : known[i]->letters) letterPoints_[signOf_[letter]][i] = 0;
     }
-    for (std::vector<std::int8_t>& points : letterPoints_)
-        if (std::ranges::count(points, 0) <= FewLanguages)
-            std::ranges::replace(points, std::int8_t{0}, PointsOfRareLetter);
+    for (std::vector<std::int8_t>& points : std::span(letterPoints_).subspan(FirstLetterSign)) {
+        if (std::ranges::count(points, 0) > FewLanguages) continue;
+        for (std::size_t i = 0; i < known.size(); ++i)
+            if (known[i] && points[i] == 0) points[i] = PointsOfRareLetter;
+    }
     const ConversionTable& lower = lowerCharsTable();
     for (std::size_t unit = 0x80; unit < signOf_.size(); ++unit)
         if (!signOf_[unit]) signOf_[unit] = signOf_[lower[static_cast<char16_t>(unit)]];

@@ -51,7 +51,7 @@ constexpr ScriptRow Rows[] = {
     {u"Olck", 0x1C50, 0x1C7F, u"SAT"},
     {u"Tfng", 0x2D30, 0x2D7F, u"ZGH"},
     {u"Mtei", 0xABC0, 0xABFF, u"MNI"},
-    {u"Hang", 0x1100, 0x11FF, u"KO"},
+    {u"Hang", 0x1100, 0x11FF, u"KO", 2},
     {u"Hang", 0xAC00, 0xD7FF, u"KO", 2},
     {u"Hani", 0x3400, 0x9FFF, u"ZH", 3},
     {u"Jpan", 0x3040, 0x30FF, u"JA", 2, 16},

@@ -13,7 +13,7 @@ struct ScriptRow {
     std::u16string_view code;  ///< of ISO 15924
     char16_t first, last;
     std::u16string_view language;  ///< empty if several large languages are written so
-    /// What a unit says, in letters of an alphabet.
+    /// What a unit says, in letters of an alphabet; alike in all rows of a script.
     std::uint32_t weight = 1;
     /// Where this is not 0, the row is a part of the script of the row before: if it holds one in so
     /// many of the units of both, it names the text, else the other does.
