@@ -25,11 +25,12 @@ public:
     std::uint64_t edge() const { return edge_; }
     bool isCut() const { return isCut_; }
 
-    void add(bool isBoundary, bool isTerm, std::uint64_t edge) {
+    /// Takes one more unit. A word may end before it although both units are terms.
+    void add(bool isBoundary, bool isTerm, bool isApart, std::uint64_t edge) {
         isBehindBoundary_ |= isBoundary;
         if (isTerm) {
             // A word counts when it is entered; the one that the hit itself stands in does not.
-            words_ += !isInWord_;
+            words_ += !isInWord_ || isApart;
             edge_ = edge;
             isCut_ = isBehindBoundary_;
         }
@@ -74,7 +75,7 @@ private:
         for (std::uint64_t i = side.edge(); i-- > 0;) {
             const bool isBoundary = units_.isBoundary(i);
             if (isBoundary && side.hasWords()) return;
-            side.add(isBoundary, units_.isTerm(i), i);
+            side.add(isBoundary, units_.isTerm(i), units_.words.parts(i + 1), i);
         }
     }
 
@@ -84,9 +85,10 @@ private:
         std::uint64_t i = side.edge();
         for (; i < units_.text.size(); ++i) {
             const bool isBoundary = units_.isBoundary(i), isTerm = units_.isTerm(i);
-            const bool mayStop = isBoundary || (side.isBehindBoundary() && !isTerm);
+            const bool mayStop = isBoundary || (side.isBehindBoundary() &&
+                                                (!isTerm || units_.words.parts(i)));
             if (mayStop && side.hasWords()) break;
-            side.add(isBoundary, isTerm, i + 1);
+            side.add(isBoundary, isTerm, units_.words.parts(i), i + 1);
         }
         return i;
     }
@@ -125,7 +127,7 @@ std::vector<Occurrence> getOccurrencesOfWildcards(std::u16string_view text,
                                                   const OccurrenceOptions& options) {
     if (text.empty() || wildcards.empty()) return {};
     return Records(text, options)
-        .of(detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters));
+        .of(detail::WildcardHits(text, wildcards, options));
 }
 
 std::vector<Occurrence> getOccurrencesOfHits(std::u16string_view text, std::span<const Range> hits,

@@ -10,7 +10,8 @@ namespace velmo::detail {
 
 WildcardWalk::WildcardWalk(const WildcardSearch& search) : start_(search.start), end_(search.end) {
     // No stretch ends further on, and the last one ends words as the end of a text does.
-    const WordText text{search.text.units.substr(0, end_), search.text.termCharacters};
+    WordText text = search.text;
+    text.units = text.units.substr(0, end_);
     for (const String& wildcard : search.wildcards) {
         auto occurrences = std::make_unique<WildcardOccurrences>(
             text, wildcard.view(), search.comparison, search.minCharacters, false);
@@ -38,9 +39,10 @@ constexpr SequenceChoice Backwards{.direction = Direction::Backward};
 WildcardWalkBack::WildcardWalkBack(const WildcardSearch& search)
     : text_(search.text), start_(search.start), end_(search.end) {
     for (const String& wildcard : search.wildcards) {
-        WildcardTerm term(wildcard, search.comparison, search.minCharacters);
+        WildcardTerm term(wildcard, search.comparison, search.minCharacters,
+                          text_.unspaced != nullptr);
         const bool isChain =
-            term.words().isPhrase() && !term.words().findsWords(text_.termCharacters);
+            term.words().isPhrase() && !term.words().findsWords(text_);
         tracks_.push_back({std::move(term), {isChain}, {false}});
     }
 }
@@ -107,7 +109,7 @@ Range WildcardWalkBack::placeBefore(const WildcardSequence& sequence, Memory& me
     if (known != memory.places.end()) return *known;
     for (memory.scanned = std::min(memory.scanned, end_); memory.scanned > start_;) {
         const Range place = sequence.findFirst(text_, start_, memory.scanned, Direction::Backward);
-        memory.scanned = place.isFound() ? text_.startOfRun(place.end(), start_) : start_;
+        memory.scanned = place.isFound() ? text_.startOfWord(place.end(), start_) : start_;
         if (!place.isFound()) break;
         memory.places.push_back(place);
         if (place.end() <= end) return place;
