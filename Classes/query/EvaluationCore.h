@@ -27,8 +27,9 @@ concept WordFinder = requires(Finder finder, std::size_t node, std::uint64_t pos
     /// Whether the word occurs exactly where certain runs of term units stand, whatever
     /// stretch is looked at that does not cut a run. It saves time only.
     { finder.isOneRun(node) } -> std::same_as<bool>;
-    /// The same of one word or, in scripts without spaces, several in a row.
-    { finder.isOfTerms(node) } -> std::same_as<bool>;
+    /// The same of several runs side by side, as in scripts without spaces, if no two of its
+    /// places overlap.
+    { finder.isApart(node) } -> std::same_as<bool>;
     /// Whether what is found first in a stretch is so in a longer one that cuts it no more.
     { finder.isInOrder(node) } -> std::same_as<bool>;
     /// Whether an occurrence may begin or end inside a run of term units.
@@ -338,7 +339,8 @@ private:
         for (std::size_t i = 0; i < tree_.nodes.size(); ++i) {
             const QueryNode& node = tree_.nodes[i];
             isRun_.push_back(node.isWord && finder_.isOneRun(i));
-            bool shrinks = !cutsAny && !node.negated && (node.isWord ? finder_.isOfTerms(i) : node.isPositive);
+            bool shrinks =
+                !cutsAny && !node.negated && (node.isWord ? finder_.isApart(i) : node.isPositive);
             for (std::size_t child : tree_.childrenOf(node)) shrinks = shrinks && shrinks_[child];
             shrinks_.push_back(shrinks);
         }

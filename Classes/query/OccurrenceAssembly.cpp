@@ -109,7 +109,8 @@ private:
         while (edge > start && edge < units_.text.size() && units_.cutsCharacter(edge)) --edge;
         if (edge > start) position = edge;
         const std::u16string_view text = units_.text;
-        const bool cutsPair = (options_.keepsPairs || units_.words.unspaced) && position > 0 && position < text.size() &&
+        const bool cutsPair = (options_.keepsPairs || units_.words.unspaced) && position > 0 &&
+                              position < text.size() &&
                               detail::isHighSurrogate(text[position - 1]) &&
                               detail::isLowSurrogate(text[position]);
         return position - cutsPair;
@@ -151,18 +152,16 @@ Summary assemble(const String& text, bool isSought, MakeHits makeHits,
         if (!summary.string.isAbsent()) return summary;
     }
     if (options.onlyOccurrences) return {};
-    return beginningOf(text, detail::ellipsizedAfterWord(
-                                 text, limit,
-                                 options.withinRuns ? &detail::unspacedScripts() : nullptr));
+    return beginningOf(text,
+                       detail::ellipsizedAfterWord(
+                           text, limit, options.withinRuns ? &detail::unspacedScripts() : nullptr));
 }
 
 }  // namespace
 
 Summary summaryOfWildcards(const String& text, std::span<const String> wildcards,
                            const AssemblyOptions& options) {
-    const auto makeHits = [&] {
-        return detail::WildcardHits(text, wildcards, options);
-    };
+    const auto makeHits = [&] { return detail::WildcardHits(text, wildcards, options); };
     return assemble(text, !wildcards.empty(), makeHits, options);
 }
 

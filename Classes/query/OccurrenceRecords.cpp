@@ -85,8 +85,8 @@ private:
         std::uint64_t i = side.edge();
         for (; i < units_.text.size(); ++i) {
             const bool isBoundary = units_.isBoundary(i), isTerm = units_.isTerm(i);
-            const bool mayStop = isBoundary || (side.isBehindBoundary() &&
-                                                (!isTerm || units_.words.parts(i)));
+            const bool mayStop =
+                isBoundary || (side.isBehindBoundary() && (!isTerm || units_.words.parts(i)));
             if (mayStop && side.hasWords()) break;
             side.add(isBoundary, isTerm, units_.words.parts(i), i + 1);
         }
@@ -126,8 +126,7 @@ std::vector<Occurrence> getOccurrencesOfWildcards(std::u16string_view text,
                                                   std::span<const String> wildcards,
                                                   const OccurrenceOptions& options) {
     if (text.empty() || wildcards.empty()) return {};
-    return Records(text, options)
-        .of(detail::WildcardHits(text, wildcards, options));
+    return Records(text, options).of(detail::WildcardHits(text, wildcards, options));
 }
 
 std::vector<Occurrence> getOccurrencesOfHits(std::u16string_view text, std::span<const Range> hits,

@@ -24,7 +24,7 @@ public:
     template <class Options>
     WildcardHits(std::u16string_view text, std::span<const String> wildcards,
                  const Options& options)
-        : walk_({.text = wordTextOf(text, queryTermCharacters(), options.withinRuns),
+        : walk_({.text = wordTextOf(text, queryTermCharacters(), options.withinRuns, wildcards),
                  .start = 0,
                  .end = text.size(),
                  .wildcards = wildcards,
@@ -94,7 +94,7 @@ struct ExcerptUnits {
     template <class Options>
     ExcerptUnits(std::u16string_view units, const Options& options)
         : text(units),
-          words(wordTextOf(units, queryTermCharacters(), options.withinRuns)),
+          words{units, queryTermCharacters(), options.withinRuns ? &unspacedScripts() : nullptr},
           boundaries(options.paragraphs ? defaultLineSeparators() : defaultSentenceSeparators()),
           isStrict(options.strictSentenceEnds && !options.paragraphs),
           isBySentences(!options.paragraphs) {}

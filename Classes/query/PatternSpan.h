@@ -121,11 +121,10 @@ private:
                                                     anchors_.first, anchors_.second);
             if (found == starts) break;
             place += found;
-            std::uint64_t inside = place + anchors_.first.offset;
-            if (anchors_.place == PatternAnchors::AtStart) inside = place;
+            const bool isStart = anchors_.place == PatternAnchors::AtStart;
+            std::uint64_t inside = isStart ? place : place + anchors_.first.offset;
             if (!text_.isTerm(inside)) continue;
-            if (inside == place) return place;
-            while (inside > from && text_.isTerm(inside - 1)) --inside;
+            while (!isStart && inside > from && text_.isTerm(inside - 1)) --inside;
             return inside;
         }
         return end_;
@@ -139,9 +138,10 @@ private:
         const auto isDone = [&] { return W == Forward ? piece > lastPiece : piece < lastPiece; };
         for (bool isFirst = true; !isDone(); isFirst = false) {
             const std::size_t length = pieces_[piece].elements;
-            while (!(W == Forward ? fits(piece, at) : at - start_ >= length && fits(piece, at - length))) {
-                const bool isInRun =
-                    W == Forward ? at < end_ && text_.isTerm(at) : at > start_ && text_.isTerm(at - 1);
+            while (!(W == Forward ? fits(piece, at)
+                                  : at - start_ >= length && fits(piece, at - length))) {
+                const bool isInRun = W == Forward ? at < end_ && text_.isTerm(at)
+                                                  : at > start_ && text_.isTerm(at - 1);
                 if (!isInRun) return {at, at, false};
                 W == Forward ? ++at : --at;
             }

@@ -169,7 +169,8 @@ private:
                            pattern, {.separators = &defaultWildcardSeparators(), .wildcard = true})
                      : std::vector<Range>{{0, pattern.size()}};
         for (const Range word : words) {
-            const std::string reason = hopelessness(pattern.substr(word.location, word.length), options_.withinRuns);
+            const std::string reason =
+                hopelessness(pattern.substr(word.location, word.length), options_.withinRuns);
             if (!pattern.empty() && !reason.empty())
                 return add(QueryProblemKind::HopelessPattern, range, quoted(range) + ": " + reason);
         }

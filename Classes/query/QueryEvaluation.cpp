@@ -48,8 +48,7 @@ bool QueryTerms::matchesString(std::u16string_view text, Case letterCase) const 
 
 bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comparison) const {
     if (isAbsent() || text.empty()) return false;
-    return matches(*tree_, index_,
-                   WildcardWords(*tree_, text, comparison, node().hasProximity));
+    return matches(*tree_, index_, WildcardWords(*tree_, text, comparison, node().hasProximity));
 }
 
 bool QueryTerms::containsString(std::u16string_view text, Case letterCase) const {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -34,7 +35,7 @@ public:
     /// If the words are asked for over and over, as proximity does, their places are kept.
     PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, bool keeps)
         : tree_(tree),
-          text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns)),
+          text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns, std::span(&tree.text, 1))),
           letterCase_(letterCase),
           firsts_(firstOfSameWords(tree, keeps)),
           occurrences_(firsts_.size()) {}
@@ -44,8 +45,7 @@ public:
         const std::u16string_view word = tree_.wordOf(node);
         if (word.empty()) return Range::none();
         if (word.front() == u'*') return {start, word.size()};
-        const SoughtWord sought{text_.units,     word,
-                                letterCase_,     !node.substring,
+        const SoughtWord sought{text_.units,          word,          letterCase_, !node.substring,
                                 text_.termCharacters, text_.unspaced};
         const std::uint64_t found = occurrences_.empty()
                                         ? scanForWord(sought, start, end)
@@ -55,12 +55,10 @@ public:
 
     bool isOneRun(std::size_t index) const {
         const WordText word = wordTextAt(index);
-        return isOfTerms(index) && word.endOfWord(0, word.units.size()) == word.units.size();
+        return !cutsRuns(index) && word.isOneWord();
     }
-    bool isOfTerms(std::size_t index) const {
-        const WordText word = wordTextAt(index);
-        return !tree_.nodes[index].substring && !word.units.empty() &&
-               word.units.front() != u'*' && word.isAllTerms();
+    bool isApart(std::size_t index) const {
+        return isOneRun(index) || (!cutsRuns(index) && wordTextAt(index).isApartFromItself());
     }
 
     bool isInOrder(std::size_t) const { return true; }
@@ -96,7 +94,7 @@ public:
     WildcardWords(const QueryTree& tree, std::u16string_view text, WildcardComparison comparison,
                   bool keeps)
         : tree_(tree),
-          text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns)),
+          text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns, std::span(&tree.text, 1))),
           comparison_(comparison),
           firsts_(firstOfSameWords(tree, keeps)),
           occurrences_(firsts_.size()) {}
@@ -110,7 +108,7 @@ public:
     }
 
     bool isOneRun(std::size_t index) { return occurrencesOf(index).isOneRun(); }
-    bool isOfTerms(std::size_t index) { return occurrencesOf(index).isOfTerms(); }
+    bool isApart(std::size_t index) { return occurrencesOf(index).isApart(); }
     bool isInOrder(std::size_t index) { return occurrencesOf(index).isInOrder(); }
     bool cutsRuns(std::size_t) const { return false; }
     bool isEverywhere(std::size_t index) { return occurrencesOf(index).hasLoneStar(); }

@@ -318,19 +318,18 @@ void WildcardPattern::measureFuzzyLengths() {
     while (!agrees(maxLength_)) --maxLength_;
 }
 
-bool WildcardPattern::findsTerms(const WordText& text) const {
-    if (!isDirect_) return true;
+bool WildcardPattern::findsWords(const WordText& text) const {
+    if (!isDirect_) return !findsSpans(text);
     if (type_ != WildcardType::Plain ||
         (table_ && &text.termCharacters != &alphaNumCharacterSetRep()))
         return false;
-    const WordText own{core(), text.termCharacters, text.unspaced};
-    return own.isAllTerms();
+    return WordText{core(), text.termCharacters, text.unspaced}.isOneWord();
 }
 
-bool WildcardPattern::findsWords(const WordText& text) const {
-    if (!text.unspaced || !findsTerms(text)) return findsTerms(text);
+bool WildcardPattern::findsApart(const WordText& text) const {
     const WordText own{core(), text.termCharacters, text.unspaced};
-    return isDirect_ ? own.endOfWord(0, core_.length) == core_.length : !findsSpans(text);
+    return findsWords(text) ||
+           (isDirect_ && type_ == WildcardType::Plain && own.isApartFromItself());
 }
 
 bool WildcardPattern::findsSpans(const WordText& text) const {

@@ -14,9 +14,9 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
 
-#include "words/WordText.h"
 #include "text/PatternScan.h"
 #include "text/SmallBuffer.h"
+#include "words/WordText.h"
 
 namespace velmo::detail {
 
@@ -49,10 +49,10 @@ public:
     /// Whether the candidate is compared from the start of a word on, as it stands, and not
     /// word by word. Only such a pattern can find what holds units that are no term units.
     bool isDirect() const { return isDirect_; }
-    /// Whether it finds nothing but whole words, one or in scripts without spaces several.
-    bool findsTerms(const WordText& text) const;
-    /// Whether it finds nothing but single words.
+    /// Whether it can find nothing but whole words, of which no two overlap, all the same.
     bool findsWords(const WordText& text) const;
+    /// The same of several words side by side.
+    bool findsApart(const WordText& text) const;
 
     /// The word in a stretch of the text that matches, or no range. If the stretch begins
     /// inside a word, its rest is not looked at; backwards, the word at the very end is not.

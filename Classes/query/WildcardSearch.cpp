@@ -37,8 +37,8 @@ template <class Walk>
 std::size_t walk(std::u16string_view text, std::span<const String> wildcards,
                  WildcardHandler handler, const WildcardSearchOptions& options) {
     const Range range = cutAt(text, options.range);
-    Walk hits({detail::wordTextOf(text, queryTermCharacters(), options.withinRuns), range.location,
-               range.end(), wildcards, options.comparison, options.minCharacters});
+    Walk hits({detail::wordTextOf(text, queryTermCharacters(), options.withinRuns, wildcards),
+               range.location, range.end(), wildcards, options.comparison, options.minCharacters});
     std::size_t calls = 0;
     for (Range hit; (hit = hits.next()).isFound();) {
         ++calls;
@@ -73,8 +73,8 @@ Range FindWildcardStringInCharacters(std::u16string_view text, Range range,
     if (wildcard.empty()) return Range::none();
     const WildcardTerm term(wildcard, options.comparison, options.minCharacters,
                             options.withinRuns);
-    return term.find(wordText(text, options.withinRuns, options.termCharacters), range.location, range.end(),
-                     {options.direction, options.acceptStar});
+    return term.find(wordText(text, options.withinRuns, options.termCharacters), range.location,
+                     range.end(), {options.direction, options.acceptStar});
 }
 
 Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const String> wildcards,
@@ -86,7 +86,8 @@ Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const Str
         if (start >= end) break;
         const WildcardTerm term(wildcard, options.comparison, options.minCharacters,
                                 options.withinRuns);
-        const Range hit = term.find(wordText(text, options.withinRuns), start, end, {.direction = options.direction});
+        const Range hit = term.find(wordText(text, options.withinRuns), start, end,
+                                    {.direction = options.direction});
         if (!hit.isFound()) continue;
         best = hit;
         if (options.firstHit) break;
@@ -120,11 +121,10 @@ Range findPreviousWildcard(std::u16string_view text, std::span<const String> wil
 Range rangeOfWildcard(std::u16string_view text, std::u16string_view wildcard,
                       const WildcardSearchOptions& options) {
     const Range range = cutAt(text, options.range);
-    return FindWildcardStringInCharacters(
-        text, range, wildcard,
-        {.comparison = options.comparison,
-         .minCharacters = options.minCharacters,
-         .withinRuns = options.withinRuns});
+    return FindWildcardStringInCharacters(text, range, wildcard,
+                                          {.comparison = options.comparison,
+                                           .minCharacters = options.minCharacters,
+                                           .withinRuns = options.withinRuns});
 }
 
 Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> words,

@@ -80,9 +80,4 @@ bool WildcardSequence::findsWords(const WordText& text) const {
     return does(first_) && std::ranges::all_of(rest_, does);
 }
 
-bool WildcardSequence::findsTerms(const WordText& text) const {
-    const auto does = [&](const WildcardPattern& pattern) { return pattern.findsTerms(text); };
-    return does(first_) && std::ranges::all_of(rest_, does);
-}
-
 }  // namespace velmo::detail

@@ -21,11 +21,12 @@ SeparatedWords partsOf(std::u16string_view wildcard) {
 SeparatedWords unspacedPartsOf(std::u16string_view wildcard) {
     std::u16string masked(wildcard);
     for (std::size_t i = 0; i < masked.size(); ++i)
-        if (isSurrogate(masked[i]) && unspacedScripts().hasHalfAt(wildcard, i)) masked[i] = u'\u4E00';
+        if (isSurrogate(masked[i]) && unspacedScripts().hasHalfAt(wildcard, i))
+            masked[i] = u'\u4E00';
     SeparatedWords parts = partsOf(masked);
     if (masked == wildcard || parts.words.empty()) return parts;
-    const std::vector<Range> ranges = wordsOfCharacters(
-        masked, {.separators = &defaultWildcardSeparators(), .wildcard = true});
+    const std::vector<Range> ranges =
+        wordsOfCharacters(masked, {.separators = &defaultWildcardSeparators(), .wildcard = true});
     std::ranges::transform(ranges, parts.words.begin(), [&](Range range) {
         return String(wildcard.substr(range.location, range.length));
     });
@@ -75,12 +76,12 @@ void WildcardOccurrences::forgetBefore(std::uint64_t position) {
 }
 
 bool WildcardOccurrences::isOneRun() const {
-    return !term_.words().isPhrase() && !term_.hasLoneStar() &&
-           term_.findsWords(text_);
+    return !term_.words().isPhrase() && !term_.hasLoneStar() && term_.findsWords(text_);
 }
 
-bool WildcardOccurrences::isOfTerms() const {
-    return !term_.words().isPhrase() && !term_.hasLoneStar() && term_.findsTerms(text_);
+bool WildcardOccurrences::isApart() const {
+    const WildcardSequence& words = term_.words();
+    return isOneRun() || (!words.isPhrase() && !joined_ && words.findsApart(text_));
 }
 
 }  // namespace velmo::detail

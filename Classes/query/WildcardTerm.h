@@ -34,10 +34,6 @@ public:
     bool findsWords(const WordText& text) const {
         return words_.findsWords(text) && (!joined_ || joined_->findsWords(text));
     }
-    /// The same where such words may stand side by side.
-    bool findsTerms(const WordText& text) const {
-        return words_.findsTerms(text) && (!joined_ || joined_->findsTerms(text));
-    }
     /// Whether one of its two steps is to look for a lone star.
     bool hasLoneStar() const { return words_.isLoneStar() || (joined_ && joined_->isLoneStar()); }
 
@@ -64,8 +60,8 @@ public:
 
     /// Whether it matches single runs of term units, told by nothing but their units.
     bool isOneRun() const;
-    /// Whether it matches nothing but term units, told by these.
-    bool isOfTerms() const;
+    /// The same of several runs side by side, if no two of its places overlap.
+    bool isApart() const;
     /// Whether what is found first in a stretch is so in every longer one that cuts it no more. A
     /// hyphenated term is found as one word only where it is not found as several.
     bool isInOrder() const { return !joined_; }

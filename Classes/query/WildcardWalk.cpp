@@ -41,8 +41,7 @@ WildcardWalkBack::WildcardWalkBack(const WildcardSearch& search)
     for (const String& wildcard : search.wildcards) {
         WildcardTerm term(wildcard, search.comparison, search.minCharacters,
                           text_.unspaced != nullptr);
-        const bool isChain =
-            term.words().isPhrase() && !term.words().findsWords(text_);
+        const bool isChain = term.words().isPhrase() && !term.words().findsWords(text_);
         tracks_.push_back({std::move(term), {isChain}, {false}});
     }
 }
@@ -65,7 +64,7 @@ Range WildcardWalkBack::next() {
 Range WildcardWalkBack::hitOf(Track& track, std::uint64_t start) {
     // What is left over begins after a word. A word at its very end is then left out, which no
     // other stretch does; so nothing that is remembered tells of it.
-    const bool leavesOut = start > start_ && text_.isAfterTerm(start) && text_.isAfterTerm(end_);
+    const bool leavesOut = start > start_ && text_.isAfterTerm(start) && text_.isTerm(end_ - 1);
     if (leavesOut) return track.term.find(text_, start, end_, Backwards);
     const auto inside = [&](Range hit) {
         return hit.isFound() && hit.location >= start ? hit : Range::none();

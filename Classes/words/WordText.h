@@ -1,6 +1,7 @@
 // What searches take for the words of a text, asked in one place: where words begin and end.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 
@@ -38,6 +39,14 @@ struct WordText {
             if (!isTerm(i)) return false;
         return true;
     }
+    /// Whether it is one word; or several, no two places of which in a text can overlap.
+    bool isOneWord() const {
+        return !units.empty() && isAllTerms() && endOfWord(0, units.size()) == units.size();
+    }
+    bool isApartFromItself() const {
+        const bool isUnspaced = !units.empty() && unspaced && unspaced->units.contains(units[0]);
+        return isUnspaced && isAllTerms() && units.find(units[0], 1) == units.npos;
+    }
     /// The ends of the word that goes on from a position.
     std::uint64_t endOfWord(std::uint64_t position, std::uint64_t end) const {
         if (position < end && isTerm(position)) ++position;
@@ -58,11 +67,14 @@ private:
     }
 };
 
-/// A text for searches that go through all of it. Without any of their characters there is
-/// nothing to ask of scripts without spaces, and a search may use that all words are runs.
-inline WordText wordTextOf(std::u16string_view units, const CharacterSetRep& termCharacters,
-                           bool withinRuns) {
-    const bool isUnspaced = withinRuns && hasUnspacedScript(units);
+/// A text for searches that go through all of it. Where neither it nor what is sought has any of
+/// their characters, there is nothing to ask of scripts without spaces, and a search may use that
+/// all words are runs.
+template <class Strings>
+WordText wordTextOf(std::u16string_view units, const CharacterSetRep& termCharacters,
+                    bool withinRuns, const Strings& sought) {
+    const auto has = [](std::u16string_view text) { return hasUnspacedScript(text); };
+    const bool isUnspaced = withinRuns && (has(units) || std::ranges::any_of(sought, has));
     return {units, termCharacters, isUnspaced ? &unspacedScripts() : nullptr};
 }
 

@@ -125,7 +125,7 @@ struct CountingFinder {
         return found == NotFound ? Range::none() : Range{found, word.size()};
     }
     bool isOneRun(std::size_t) const { return true; }
-    bool isOfTerms(std::size_t) const { return true; }
+    bool isApart(std::size_t) const { return true; }
     bool isInOrder(std::size_t) const { return true; }
     bool cutsRuns(std::size_t) const { return false; }
 };

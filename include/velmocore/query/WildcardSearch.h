@@ -52,7 +52,7 @@ struct FindWildcardOptions {
     bool acceptStar = false;                   ///< a lone * finds something: the whole range, or
     bool starIsWord = false;  ///< the first word; backwards, the first unit, if it begins one
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
-    bool withinRuns = false;  ///< see "Scripts without spaces" above
+    bool withinRuns = false;                          ///< see "Scripts without spaces" above
 };
 
 /// The first word in a range that matches a pattern for one word. A pattern without star and
