@@ -72,23 +72,25 @@ private:
     }
 
     void growBack(Side& side) const {
+        const detail::ExcerptUnits units = units_;  // a copy, which no write can change
         for (std::uint64_t i = side.edge(); i-- > 0;) {
-            const bool isBoundary = units_.isBoundary(i);
+            const bool isBoundary = units.isBoundary(i);
             if (isBoundary && side.hasWords()) return;
-            side.add(isBoundary, units_.isTerm(i), units_.words.parts(i + 1), i);
+            side.add(isBoundary, units.isTerm(i), units.words.parts(i + 1), i);
         }
     }
 
     /// Where it stops: at a boundary, or after one at the end of a word, once there are
     /// enough words.
     std::uint64_t growForward(Side& side) const {
+        const detail::ExcerptUnits units = units_;
         std::uint64_t i = side.edge();
-        for (; i < units_.text.size(); ++i) {
-            const bool isBoundary = units_.isBoundary(i), isTerm = units_.isTerm(i);
-            const bool mayStop =
-                isBoundary || (side.isBehindBoundary() && (!isTerm || units_.words.parts(i)));
+        for (; i < units.text.size(); ++i) {
+            const bool isBoundary = units.isBoundary(i), isTerm = units.isTerm(i);
+            const bool isApart = units.words.parts(i);
+            const bool mayStop = isBoundary || (side.isBehindBoundary() && (!isTerm || isApart));
             if (mayStop && side.hasWords()) break;
-            side.add(isBoundary, isTerm, units_.words.parts(i), i + 1);
+            side.add(isBoundary, isTerm, isApart, i + 1);
         }
         return i;
     }

@@ -88,20 +88,19 @@ struct ExcerptUnits {
     const CharacterSetRep& boundaries;
 
     bool isStrict;
-    bool isBySentences;
     const CharacterSetRep& white = whiteCharacterSetRep();
 
     template <class Options>
     ExcerptUnits(std::u16string_view units, const Options& options)
         : text(units),
           words{units, queryTermCharacters(), options.withinRuns ? &unspacedScripts() : nullptr},
-          boundaries(options.paragraphs ? defaultLineSeparators() : defaultSentenceSeparators()),
-          isStrict(options.strictSentenceEnds && !options.paragraphs),
-          isBySentences(!options.paragraphs) {}
+          boundaries(options.paragraphs ? defaultLineSeparators()
+                     : words.unspaced   ? words.unspaced->sentenceEnds
+                                        : defaultSentenceSeparators()),
+          isStrict(options.strictSentenceEnds && !options.paragraphs) {}
 
     bool isBoundary(std::uint64_t i) const {
-        if (boundaries.contains(text[i])) return !(isStrict && isInside(i));
-        return words.unspaced && isBySentences && words.unspaced->sentenceEnds.contains(text[i]);
+        return boundaries.contains(text[i]) && !(isStrict && isInside(i));
     }
     /// Whether a unit that ends sentences does not, as it stands inside of something.
     bool isInside(std::uint64_t i) const {

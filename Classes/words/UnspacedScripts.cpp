@@ -2,6 +2,8 @@
 // few that no category tells stand in the tables.
 #include "words/UnspacedScripts.h"
 
+#include <velmocore/words/Separators.h>
+
 #include "platform/Unicode.h"
 #include "words/RunScan.h"
 #include "words/UnspacedScriptTables.h"
@@ -19,6 +21,7 @@ UnspacedScripts makeUnspacedScripts() {
     addAll(scripts.units, unspacedUnits());
     addAll(scripts.joinsBefore, unspacedJoinsBefore());
     addAll(scripts.joinsBehind, unspacedJoinsBehind());
+    scripts.sentenceEnds = defaultSentenceSeparators();
     addAll(scripts.sentenceEnds, unspacedSentenceEnds());
     for (unsigned unit = 0; unit < 0x10000; ++unit)
         if (unicode::categoriesOf(static_cast<char16_t>(unit)) & unicode::Mark)

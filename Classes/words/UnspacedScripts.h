@@ -17,7 +17,7 @@ struct UnspacedScripts {
     CharacterSetRep units;         // of these scripts, and the halves of pairs that may be
     CharacterSetRep joinsBefore;   // continues the character before it: marks, second halves
     CharacterSetRep joinsBehind;   // goes on with the unit behind it: stacking signs, first halves
-    CharacterSetRep sentenceEnds;  // what ends sentences in them
+    CharacterSetRep sentenceEnds;  // the usual ones, and those of the scripts
 
     /// Whether a character outside the 16-bit plane that belongs to them has a half there.
     bool hasHalfAt(std::u16string_view text, std::size_t i) const {
