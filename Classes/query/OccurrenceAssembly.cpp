@@ -72,12 +72,14 @@ private:
     /// The sentence of a hit, without what stands before its first and after its last term
     /// unit.
     Excerpt excerptAround(Range hit) const {
+        const detail::ExcerptUnits units = units_;  // a copy, which no write can change
         Excerpt excerpt{hit.location, hit.end(), true, hit.end()};
-        for (std::uint64_t i = hit.location; i > 0 && !units_.isBoundary(i - 1); --i)
-            if (units_.isTerm(i - 1)) excerpt.start = i - 1;
-        std::uint64_t& i = excerpt.next;
-        for (; i < units_.text.size() && !units_.isBoundary(i); ++i)
-            if (units_.isTerm(i)) excerpt.end = i + 1;
+        for (std::uint64_t i = hit.location; i > 0 && !units.isBoundary(i - 1); --i)
+            if (units.isTerm(i - 1)) excerpt.start = i - 1;
+        std::uint64_t i = excerpt.next;
+        for (; i < units.text.size() && !units.isBoundary(i); ++i)
+            if (units.isTerm(i)) excerpt.end = i + 1;
+        excerpt.next = i;
         excerpt.bare = excerpt.start == hit.location && excerpt.end == hit.end();
         return excerpt;
     }

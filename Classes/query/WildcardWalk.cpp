@@ -64,7 +64,10 @@ Range WildcardWalkBack::next() {
 Range WildcardWalkBack::hitOf(Track& track, std::uint64_t start) {
     // What is left over begins after a word. A word at its very end is then left out, which no
     // other stretch does; so nothing that is remembered tells of it.
-    const bool leavesOut = start > start_ && text_.isAfterTerm(start) && text_.isTerm(end_ - 1);
+    // Between words side by side, that holds of every stretch if the whole begins inside a word.
+    const bool isLeft = start > start_ && text_.isAfterTerm(start);
+    const bool isAllLeft = text_.unspaced && text_.isAfterTerm(start_);
+    const bool leavesOut = (isLeft || isAllLeft) && text_.isTerm(end_ - 1);
     if (leavesOut) return track.term.find(text_, start, end_, Backwards);
     const auto inside = [&](Range hit) {
         return hit.isFound() && hit.location >= start ? hit : Range::none();

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include <velmocore/platform/Export.h>
 #include <velmocore/text/CharacterSets.h>
 
 #include "words/UnspacedScripts.h"
@@ -24,47 +25,41 @@ struct WordText {
     }
     /// Whether a unit at the position would belong to the word before it.
     bool isAfterTerm(std::uint64_t position) const {
-        return position > 0 && (isTerm(position - 1) || joins(position)) && !parts(position);
+        return position > 0 && (unspaced ? goesOn(position, position - 1)
+                                         : termCharacters.contains(units[position - 1]));
     }
     /// Whether the unit at the position would belong to a word that ends before it.
     bool isBeforeTerm(std::uint64_t position) const {
-        return position < units.size() && (isTerm(position) || joins(position)) && !parts(position);
+        return position < units.size() &&
+               (unspaced ? goesOn(position, position) : termCharacters.contains(units[position]));
     }
     /// Whether a word ends at the position although a term unit stands behind it.
     bool parts(std::uint64_t position) const {
-        return unspaced && isInside(position) && unspaced->parts(units, position);
-    }
-    bool isAllTerms() const {
-        for (std::uint64_t i = 0; i < units.size(); ++i)
-            if (!isTerm(i)) return false;
-        return true;
-    }
-    /// Whether it is one word; or several, no two places of which in a text can overlap.
-    bool isOneWord() const {
-        return !units.empty() && isAllTerms() && endOfWord(0, units.size()) == units.size();
-    }
-    bool isApartFromItself() const {
-        const bool isUnspaced = !units.empty() && unspaced && unspaced->units.contains(units[0]);
-        return isUnspaced && isAllTerms() && units.find(units[0], 1) == units.npos;
+        return unspaced && position > 0 && position < units.size() &&
+               unspaced->parts(units, position);
     }
     /// The ends of the word that goes on from a position.
     std::uint64_t endOfWord(std::uint64_t position, std::uint64_t end) const {
-        if (position < end && isTerm(position)) ++position;
-        while (position < end && isTerm(position) && !parts(position)) ++position;
+        if (unspaced) return endOfUnspacedWord(position, end);
+        while (position < end && termCharacters.contains(units[position])) ++position;
         return position;
     }
     std::uint64_t startOfWord(std::uint64_t position, std::uint64_t start) const {
-        while (position > start && isTerm(position - 1))
-            if (parts(--position)) break;
+        if (unspaced) return startOfUnspacedWord(position, start);
+        while (position > start && termCharacters.contains(units[position - 1])) --position;
         return position;
     }
 
+    VELMO_API bool isAllTerms() const;
+    /// Whether it is one word; or several, no two places of which in a text can overlap.
+    VELMO_API bool isOneWord() const;
+    VELMO_API bool isApartFromItself() const;
+
 private:
-    bool isInside(std::uint64_t position) const { return position > 0 && position < units.size(); }
-    /// Whether a position is inside a pair, which may be no term at all.
-    bool joins(std::uint64_t position) const {
-        return unspaced && isInside(position) && isPairAt(units, position - 1);
-    }
+    // Apart from the usual way, which they would slow down. A position is inside the text.
+    VELMO_API bool goesOn(std::uint64_t position, std::uint64_t neighbour) const;
+    VELMO_API std::uint64_t endOfUnspacedWord(std::uint64_t position, std::uint64_t end) const;
+    VELMO_API std::uint64_t startOfUnspacedWord(std::uint64_t position, std::uint64_t start) const;
 };
 
 /// A text for searches that go through all of it. Where neither it nor what is sought has any of
