@@ -181,7 +181,8 @@ private:
                                                      .ellipsizeAfterNCharacters = ExcerptUnits,
                                                      .gapSeparator = u" ... ",
                                                      .strictSentenceEnds = true,
-                                                     .keepsPairs = true}));
+                                                     .keepsPairs = true,
+                                                     .withinRuns = !options_.parse.wholeWords}));
     }
 
     const Options& options_;
