@@ -21,6 +21,7 @@ namespace {
 const std::vector<CommandEntry>& allCommands() {
     static const std::vector<CommandEntry> commands = {
         {"gather", makeGatherCommand},
+        {"search", makeSearchCommand},
         {"fetch", makeFetchCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
