@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include <velmocore/gather/PageStatistics.h>
+#include <velmocore/gather/PageSearch.h>
 #include <velmocore/gather/PageStore.h>
 #include <velmocore/storage/KeyedDataEditing.h>
 #include <velmocore/storage/KeyedStorage.h>
@@ -66,6 +67,22 @@ constexpr Operation Rows[] = {
          PageStore store = file.forUpdating();
          for (std::size_t i = 0; i < in.utf8.size() / 64; ++i)
              store.put(pageOf(i, String::fromUTF8(std::to_string(i))));
+     },
+     65536},
+    {"searching pages",
+     [](const Input& in) {
+         const StoreFile file;
+         {
+             PageStore store = file.forUpdating();
+             store.put(pageOf(1, in.text));
+             store.put(pageOf(2, in.almost));
+         }
+         const PageStore stores[] = {file.forReading()};
+         for (const char16_t* query : {u"a", u"a* OR b", u"a NEAR/3 b", u"-nothing"})
+             use(searchPages(stores, QueryTerms(query, {.wildcard = true}),
+                             {.order = SearchOrder::Hits, .facets = true, .threads = 1}));
+         const QueryTerms asked(in.text.substring({0, in.text.length() / 4}), {.wildcard = true});
+         use(searchPages({stores, 0}, asked));
      },
      65536},
 };

@@ -1,4 +1,5 @@
-// Eight threads walk one store of pages and ask it for pages: all find what one finds.
+// Eight threads walk one store of pages, ask it for pages and search it: all find what one finds.
+#include <velmocore/gather/PageSearch.h>
 #include <velmocore/gather/PageStore.h>
 
 #include <thread>
@@ -32,13 +33,21 @@ TEST_F(StoreReaders, FindTheSame) {
         });
         return found;
     };
+    const auto search = [&](std::size_t own) {
+        return searchPages({&store, 1}, QueryTerms(u"19* OR 7"), {.facets = true, .threads = own}).matching;
+    };
     std::vector<std::vector<String>> found(Threads);
+    std::vector<std::size_t> matching(Threads);
     {
         std::vector<std::jthread> threads;
         for (std::size_t t = 0; t < Threads; ++t)
-            threads.emplace_back([&, t] { found[t] = texts(t % 2 * 10, Pages + t); });
+            threads.emplace_back([&, t] {
+                found[t] = texts(t % 2 * 10, Pages + t);
+                matching[t] = search(1 + t % 3);
+            });
     }
     for (std::size_t t = 0; t < Threads; ++t) {
+        EXPECT_EQ(matching[t], search(1));
         EXPECT_EQ(found[t], texts(t % 2 * 10, Pages));
         EXPECT_EQ(found[t].size(), Pages - t % 2 * 10);
     }

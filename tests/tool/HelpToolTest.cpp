@@ -188,6 +188,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"attributes comment", "notes.txt"},
         {"attributes remove", "comment notes.txt"},
         {"show", "pages.store https://example.org/"},
+        {"search", "tea pages.store"},
         {"store stats", "pages.store"},
         {"store append", "notes.store notes.txt mail.txt"},
         {"store list", "notes.store"},

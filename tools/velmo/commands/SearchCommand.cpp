@@ -10,6 +10,7 @@
 #include <velmocore/readers/Dates.h>
 
 #include "Commands.h"
+#include "PageStores.h"
 #include "QueryOptions.h"
 #include "SearchOptions.h"
 #include "frame/OrderedRun.h"
@@ -35,15 +36,12 @@ struct Stores {
 Stores openStores(Report& report, const std::vector<std::string>& names) {
     Stores stores;
     for (const std::string& name : names) {
-        Error error;
-        PageStore store = PageStore::openForReading(name, &error);
-        if (!store.isValid()) {
-            const std::string text = error.text.utf8();
-            report.fail(name, text.starts_with(name + ": ") ? text.substr(name.size() + 2) : text);
-            continue;
+        try {
+            stores.open.push_back(openedPageStore(name));
+            stores.names.push_back(name);
+        } catch (const InputError& error) {
+            report.fail(name, error.what());
         }
-        stores.open.push_back(std::move(store));
-        stores.names.push_back(name);
     }
     return stores;
 }
@@ -164,8 +162,8 @@ Command makeSearchCommand(Session& session) {
     auto options = std::make_shared<Options>();
     Command command = {
         .summary = "Search stores of pages, the best first, with excerpts",
-        .examples = {"velmo search 'ferret* NEAR/5 dig' pages.store",
-                     "velmo search --sort=date --since=2001 --language=en tea pages.store"},
+        .examples = {"velmo search 'cup* NEAR/5 tea' pages.store",
+                     "velmo search --sort=date --limit=20 'tea OR coffee' pages.store"},
         .arguments = {required("QUERY", options->query,
                                "words, patterns, \"phrases\" and operators; see velmo help query"),
                       list("STORE", options->stores, "what velmo gather --store has made")},
