@@ -23,7 +23,7 @@ struct GatherRun {
     std::string language = {};     ///< only pages in it; empty for all
     const Query* query = nullptr;  ///< only pages for which it holds; null for all
     bool keepPages = false;        ///< keeps their bytes too
-    bool compress = true;
+    bool compress = false;         ///< the texts too
 
     /// How pages are read and which are kept, on as many threads as were asked for.
     GatherOptions options(const LanguageFilter& languages) const;
