@@ -77,7 +77,7 @@ protected:
             "$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
             "$V archive create notes.zip notes.txt");
         makePages();
-        if (example.find("unpack" != example.npos) shell("gzip -k archive.txt; rm archive.txt");
+        if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const std::string helper =
             "export XDG_RUNTIME_DIR=$PWD; $V helper serve pages >/dev/null & pages=$!; $V helper "
             "call --wait 20 pages title x >/dev/null; ";
