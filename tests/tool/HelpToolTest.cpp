@@ -27,6 +27,7 @@ protected:
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
         std::filesystem::create_directories(folder_ / "photos");
         std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
+        write("pages.jsonl", "{\"url\":\"http://h/\",\"html\":\"<a href=x>link</a>\"}\nbad\n");
         write("form.bin", "--XyZ\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nx\r\n--XyZ--\r\n");
         write("prices.csv", "name,price\nTea,\"3,50\"\n");
         write("refs.bib", "@book{k, x = {A Title}}");
@@ -138,6 +139,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         paragraphs.push_back(manual.substr(at + 8, manual.find("\n.TP", at + 1) - at - 8));
     const std::pair<const char*, std::string> runs[] = {
         {"gather", "site --follow all --query cat"},
+        {"gather", "--store gathered.store site"},
+        {"gather", "--lines pages.jsonl"},
         {"fetch", server_.at("/")},
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
