@@ -32,4 +32,13 @@ inline constexpr std::uint32_t LinkAddressKey = keyOfCode("LURL");
 inline constexpr std::uint32_t LinkTextKey = keyOfCode("LTXT");
 inline constexpr std::uint32_t LinkThumbnailKey = keyOfCode("LTHU");
 
+// Of the notes of a crawl. An address stands behind its place, as does the base of a start.
+inline constexpr std::uint32_t CrawlKey = keyOfCode("CRWL");         ///< unsigned, 64 bits: which
+inline constexpr std::uint32_t CrawlBegunKey = keyOfCode("CBEG");    ///< date
+inline constexpr std::uint32_t CrawlPlaceKey = keyOfCode("CPLC");    ///< unsigned, 64 bits
+inline constexpr std::uint32_t CrawlAddressKey = keyOfCode("CURL");  ///< text
+inline constexpr std::uint32_t CrawlBaseKey = keyOfCode("CBAS");     ///< text
+inline constexpr std::uint32_t CrawlReadKey = keyOfCode("CRED");     ///< bytes: numbers of pages
+inline constexpr std::uint32_t CrawlDoneKey = keyOfCode("CDON");     ///< bytes: numbers of pages
+
 }  // namespace velmo::detail
