@@ -20,6 +20,8 @@
 #include <utility>
 #include <vector>
 
+#include "gather/GatherErrors.h"
+
 namespace velmo {
 namespace {
 
@@ -38,19 +40,27 @@ struct Job {
     bool isRead = false;
 };
 
-Error failure(const char* text) {
-    return {.domain = u"velmo.gather", .code = 1, .text = String::fromUTF8(text)};
-}
-
 bool isKept(const PageRecord& record, const GatherOptions& options) {
     if (record.isErrorPage && !options.errorPages) return false;
     return !options.keep || options.keep(record);
 }
 
+/// An archive keeps what was loaded again and had not changed as a note of that only.
+void readRepeated(Job& job, const GatherOptions& options) {
+    PageRecord& record = job.page.record;
+    record.url = job.source.url;
+    record.fetched = job.source.fetched;
+    record.key = pageKey(record.url, options.reading.keys);
+    const String former = pageKey(*job.source.repeats, options.reading.keys);
+    if (former != record.key) job.page.duplicateOf = former;
+    job.page.isKept = true;
+}
+
 void readJob(Job& job, const GatherOptions& options) {
     SourcePage& source = job.source;
-    if (source.complete) std::exchange(source.complete, nullptr)(source);
+    if (source.complete && !source.error) std::exchange(source.complete, nullptr)(source);
     if (source.error || source.isLeftOut) return;
+    if (source.repeats) return readRepeated(job, options);
     job.page.record = readPage(std::move(source), options.reading);
     job.page.isKept = isKept(job.page.record, options);
 }
@@ -60,11 +70,11 @@ Job& readGuarded(Job& job, const GatherOptions& options) {
     try {
         readJob(job, options);
     } catch (const std::bad_alloc&) {
-        job.source.error = failure("not enough memory");
+        job.source.error = detail::gatherError("not enough memory");
     } catch (const std::exception& exception) {
-        job.source.error = failure(exception.what());
+        job.source.error = detail::gatherError(exception.what());
     } catch (...) {
-        job.source.error = failure("the page could not be read");
+        job.source.error = detail::gatherError("the page could not be read");
     }
     job.page.name = std::move(job.source.name);
     job.page.error = std::move(job.source.error);
@@ -234,7 +244,7 @@ private:
     void deliver(Job& job) {
         GatheredPage& page = job.page;
         if (!job.source.isLeftOut) {
-            store(page);
+            store(job);
             count(page);
             if (!handler_(page)) isOver_ = true;
         }
@@ -244,9 +254,13 @@ private:
         if (options_.limit > 0 && kept_ >= options_.limit) isOver_ = true;
     }
 
-    void store(GatheredPage& page) {
-        if (options_.store != nullptr && page.isKept)
+    void store(Job& job) {
+        GatheredPage& page = job.page;
+        if (options_.store == nullptr || !page.isKept) return;
+        if (!job.source.repeats)
             page.stored = options_.store->put(page.record);
+        else
+            page.stored = page.duplicateOf.isAbsent() ? PutResult::Unchanged : PutResult::Duplicate;
     }
 
     void count(const GatheredPage& page) {

@@ -8,6 +8,7 @@
 #include <velmocore/storage/Compression.h>
 #include <velmocore/storage/KeyedData.h>
 #include <velmocore/storage/KeyedDataEditing.h>
+#include <velmocore/text/Checksums.h>
 
 #include "gather/RecordKeys.h"
 
@@ -79,27 +80,38 @@ PageKind kindOfNumber(std::uint32_t number) {
                                                                 : PageKind::Page;
 }
 
-void addDetails(Data& block, const PageRecord& page) {
+/// What is short and asked for of many pages: by a store that is opened, and by a search before it
+/// looks at the signature, which follows.
+void addFilters(Data& block, const PageRecord& page) {
+    addText(block, page.key, PageKeyKey);
+    addData(block, digestOfText(page), DigestKey);
     addUnsigned(block, static_cast<std::uint32_t>(page.kind), KindKey);
+    addText(block, page.language, LanguageKey);
+    addDate(block, page.date, DateKey);
+    addDate(block, page.fetched, FetchedKey);
+    addUnsigned(block, page.words, WordsKey);
+}
+
+void addDetails(Data& block, const PageRecord& page) {
+    addText(block, page.url.absoluteString(), AddressKey);
     addText(block, page.title, TitleKey);
     addText(block, page.author, AuthorKey);
     addText(block, page.description, DescriptionKey);
-    addDate(block, page.date, DateKey);
-    addText(block, page.language, LanguageKey);
     addText(block, page.charset, CharsetKey);
-    addDate(block, page.fetched, FetchedKey);
     addSignedLongLong(block, page.status, StatusKey);
     if (page.isErrorPage) addBool(block, true, ErrorPageKey);
-    addUnsigned(block, page.words, WordsKey);
 }
 
 }  // namespace
 
+std::array<std::uint8_t, SHA1DigestSize> digestOfText(const PageRecord& page) {
+    constexpr std::array<std::uint8_t, SHA1DigestSize> None = {};
+    return page.digest == None ? SHA1Digest(page.text.utf8()) : page.digest;
+}
+
 Data dataFromPageRecord(const PageRecord& page, const PageRecordWriting& options) {
     Data block;
-    addText(block, page.key, PageKeyKey);
-    addText(block, page.url.absoluteString(), AddressKey);
-    addData(block, page.digest, DigestKey);
+    addFilters(block, page);
     addDetails(block, page);
     addWhole(block, page.text, options);
     addPacked(block, dataOfLinks(page.links), LinksKey, PackedLinksKey, options);
@@ -150,7 +162,10 @@ Bytes StoredPage::digest() const {
 
 Bytes StoredPage::signature() const { return dataNoCopyForKey(block_, SignatureKey); }
 
+bool StoredPage::isIntact() const { return !checksum_ || CRC32(block_) == *checksum_; }
+
 String StoredPage::text() const {
+    if (!isIntact()) return {};
     const Bytes small = dataNoCopyForKey(block_, TextKey);
     if (small.data() == nullptr) return stringForKey(block_, TextKey);
     const std::optional<Data> utf8 = dataByInflatingData(small, LongestPart);
@@ -159,6 +174,7 @@ String StoredPage::text() const {
 
 std::vector<PageLink> StoredPage::links() const {
     std::vector<PageLink> links;
+    if (!isIntact()) return links;
     const std::optional<Data> data = unpackedData(block_, LinksKey, PackedLinksKey);
     if (!data) return links;
     forEachKeyedRecord(*data, [&](const KeyedRecord& record) {
@@ -171,6 +187,7 @@ std::vector<PageLink> StoredPage::links() const {
 }
 
 std::optional<Data> StoredPage::bytes() const {
+    if (!isIntact()) return std::nullopt;
     return unpackedData(block_, BytesKey, PackedBytesKey);
 }
 

@@ -23,6 +23,8 @@ struct GatheredPage {
     PageRecord record;
     bool isKept = false;              ///< whether it was to be kept
     std::optional<PutResult> stored;  ///< none if there is no store, or if it was not to be kept
+    String
+        duplicateOf;  ///< the key of the page that has the same text; absent if it is no duplicate
 };
 
 struct GatherOptions {

@@ -40,10 +40,15 @@ struct PageRecord {
     std::optional<Date> fetched;
     std::int64_t status = 0;   ///< of HTTP; 0 where there was none
     bool isErrorPage = false;  ///< whether it only says that there is no such page
-    /// Of the text in UTF-8. It tells texts apart, but proves nothing against who wants to deceive.
+    /// SHA-1 of the text in UTF-8; zeros if it is to be computed when it is needed. It tells texts
+    /// apart, but proves nothing against who wants to deceive.
     std::array<std::uint8_t, SHA1DigestSize> digest = {};
     std::optional<Data> bytes = {};  ///< as they came, if they are kept
 };
+
+/// The digest of a page's text, computed if the record has none.
+[[nodiscard]] VELMO_API std::array<std::uint8_t, SHA1DigestSize> digestOfText(
+    const PageRecord& page);
 
 struct PageRecordWriting {
     bool compress = true;  ///< texts, links and bytes, where it makes them shorter
@@ -61,12 +66,20 @@ struct PageRecordWriting {
 
 /// A page where it stands in a block: each part is read when it is asked for. The bytes are not
 /// owned. Any thread may read it; views are good as long as the bytes are.
+///
+/// Of a block with a checksum, damage shows when the text, the links or the bytes are asked for: they
+/// are absent then. To look at what is short costs no look at all of the block; so who goes by it,
+/// or by what the text does not hold, asks isIntact() first.
 class VELMO_API StoredPage {
 public:
-    explicit StoredPage(Bytes block VELMO_LIFETIME) noexcept : block_(block) {}
+    explicit StoredPage(Bytes block VELMO_LIFETIME,
+                        std::optional<std::uint32_t> checksum = std::nullopt) noexcept
+        : block_(block), checksum_(checksum) {}
 
     /// Whether it is one; a store keeps other things too.
     [[nodiscard]] bool isPage() const;
+    /// Whether the checksum is that of the block, which is computed each time; true without one.
+    [[nodiscard]] bool isIntact() const;
     [[nodiscard]] Bytes block() const noexcept { return block_; }
 
     // In UTF-8, without a copy; the data() of what is absent is null.
@@ -92,6 +105,7 @@ public:
 
 private:
     Bytes block_;
+    std::optional<std::uint32_t> checksum_;
 };
 
 }  // namespace velmo

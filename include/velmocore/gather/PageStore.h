@@ -20,7 +20,7 @@ enum class PutResult : std::uint8_t {
     Replaced,   ///< its text was another one
     Unchanged,  ///< it stands there already
     Duplicate,  ///< the same text stands there under another key; it is not kept
-    Failed,     ///< it could not be written
+    Failed,     ///< it could not be written, or it has no key
 };
 
 /// Pages in a file: one block a page (storage/KeyedStorage.h), known by its key. One program writes
@@ -33,7 +33,8 @@ enum class PutResult : std::uint8_t {
 ///     store.page(u"http://h.org")->text;                       // Tea
 ///
 /// Crashes: all that a successful synchronize() covered stands there after one, whatever page was
-/// being written or replaced, and no page stands twice for those who read.
+/// being written or replaced, and no page stands twice for those who read: the later block of a key
+/// counts. Pages of a damaged store that are whole are found.
 class VELMO_API PageStore {
 public:
     /// Without a file.
@@ -52,10 +53,14 @@ public:
 
     [[nodiscard]] bool isValid() const noexcept;
     [[nodiscard]] const Path& path() const noexcept;
+    /// Damaged ones too, if only their text is: no checksum is computed to open a store.
     [[nodiscard]] std::size_t numberOfPages() const noexcept;
 
-    /// The page of a key; none if there is none.
+    /// The page of a key; none if there is none, or if it is damaged. Any number of threads may ask
+    /// a store that was opened for reading.
     [[nodiscard]] std::optional<PageRecord> page(std::u16string_view key) const;
+    /// The key of a page whose text has that digest; absent if there is none.
+    [[nodiscard]] String keyOfText(Bytes digest) const;
     /// Calls the handler for each page, in the order in which they were stored, until it returns
     /// false. Only a store that was opened for reading can be walked.
     void forEachPage(FunctionRef<bool(const StoredPage& page)> handler) const;
@@ -66,8 +71,13 @@ public:
 
     // Writing; one thread at a time.
 
+    /// A page whose key and digest stand there is left alone, if it is whole there; one whose key
+    /// stands there is replaced. An empty text is nobody's duplicate.
     PutResult put(const PageRecord& page);
-    /// Has the system store all that was put.
+    /// The same with the block that dataFromPageRecord() made of the page, as other threads can do.
+    PutResult put(const PageRecord& page, Bytes block);
+    /// Has the system store all that was put, and then deletes what that replaced or what was
+    /// removed. False if not all of it could be done: it is tried again with the next one.
     bool synchronize();
 
     // Notes: what a program keeps beside the pages, as how far it is. Each is keyed data without the
@@ -75,6 +85,8 @@ public:
 
     /// None if it could not be written.
     std::optional<std::uint64_t> addNote(Bytes note);
+    /// The note is gone from the file with the next synchronize(), when all that was added before
+    /// is stored: after a crash there may be the new one and the old one, but never none.
     bool removeNote(std::uint64_t number);
     /// In the order in which they were added, until the handler returns false.
     void forEachNote(FunctionRef<bool(std::uint64_t number, Bytes note)> handler) const;
