@@ -3,6 +3,7 @@
 #include <velmocore/net/Networks.h>
 #include <velmocore/net/UserAgents.h>
 #include <velmocore/readers/Dates.h>
+#include <velmocore/text/Finding.h>
 #include <velmocore/url/DownloadStatus.h>
 #include <velmocore/url/MIMETypes.h>
 #include <velmocore/url/URLVariants.h>
@@ -133,6 +134,17 @@ bool isReadable(const URLResponse& response) {
     // Office documents have XML in the names of their types.
     return isMarkupMIMEType(type) && !isStylesheetOrScriptMIMEType(type) &&
            !isMSOfficeMIMEType(type) && !isOpenOfficeMIMEType(type);
+}
+
+ContentKind kindOfAnswer(const SiteAnswer& answer) {
+    const Bytes bytes = answer.data ? Bytes(*answer.data) : Bytes();
+    const ContentKind found =
+        contentKind(bytes.subspan(0, std::min(bytes.size(), ContentHeadSize)), {});
+    const String& type = answer.response->MIMEType;
+    if (found == ContentKind::Binary || isPlainTextMIMEType(type))
+        return found == ContentKind::Binary ? found : ContentKind::Text;
+    const bool isOtherText = isTextMIMEType(type) && !containsSubstring(type, u"ml");
+    return found == ContentKind::Unclear && isOtherText ? ContentKind::Text : ContentKind::Page;
 }
 
 URL redirectOf(const URL& url, const URLResponse& response) {

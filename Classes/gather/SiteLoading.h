@@ -78,6 +78,8 @@ inline constexpr std::u16string_view RobotsName = u"velmo";
 
 /// Whether it is worth while to load the body of a response: all but what is no page.
 [[nodiscard]] bool isReadable(const URLResponse& response);
+/// What came, by what it is and by what its server says: a page, a text, or binary.
+[[nodiscard]] ContentKind kindOfAnswer(const SiteAnswer& answer);
 /// Where a response sends its reader; absent if it does not.
 [[nodiscard]] URL redirectOf(const URL& url, const URLResponse& response);
 /// How many seconds the server wants to be left alone; none if it does not tell.

@@ -9,9 +9,9 @@
 // (CrawlHints.h).
 #include <velmocore/gather/SiteSource.h>
 
-#include <velmocore/text/Folding.h>
+#include <velmocore/markup/ContentKinds.h>
+#include <velmocore/text/Comparison.h>
 #include <velmocore/url/DownloadStatus.h>
-#include <velmocore/url/URLSchemes.h>
 
 #include <algorithm>
 #include <chrono>
@@ -277,7 +277,7 @@ private:
             redirect(answer.id, target);
         } else if (!isHTTPStatusCodeOkay(status)) {
             fail(answer.id, u"HTTP status " + String::fromUTF8(std::to_string(status)));
-        } else if (!isReadable(*answer.response)) {
+        } else if (!isReadable(*answer.response) || kindOfAnswer(answer) == ContentKind::Binary) {
             ++counts_.others;
             giveErrorOfStart(answer.id, u"neither page nor feed nor text");
             setDone(answer.id);
@@ -365,10 +365,12 @@ private:
         for (const HTTPHeader& field : answer.response->headers.all())
             if (isEqualToStringNoCase(field.name, u"X-Robots-Tag"))
                 header.take(field.value, RobotsName);
+        const ContentKind kind = kindOfAnswer(answer);
         SourcePage page = {.name = url.absoluteString(),
                            .url = url,
                            .bytes = std::move(answer.data).value_or(Data()),
                            .contentType = contentType(*answer.response),
+                           .kind = kind,
                            .status = answer.status(),
                            .fetched = today()};
         page.complete = [given, header](SourcePage& read) {
