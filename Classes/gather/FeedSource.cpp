@@ -36,12 +36,12 @@ FeedSource::FeedSource(InputStream&& stream, const SourceOptions& options) : opt
 void FeedSource::read(InputStream& stream) {
     std::optional<Data> bytes = detail::readAll(stream, options_.mostBytes);
     if (!bytes || stream.error()) {
-        error_ = stream.error() ? *stream.error() : detail::gatherError("too large");
+        error_ = stream.error() ? *stream.error() : detail::sourceError("too large");
         return;
     }
     const String markup = decodeContent(std::move(*bytes), {.web = WebRules::today()}).text;
     Feed feed = readFeed(markup, {.baseURL = options_.url, .boundCData = true});
-    if (!feed.isFeed) error_ = detail::gatherError("no feed");
+    if (!feed.isFeed) error_ = detail::sourceError("no feed");
     items_ = std::move(feed.items);
 }
 

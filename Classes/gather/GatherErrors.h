@@ -3,15 +3,18 @@
 
 #include <string_view>
 
+#include <velmocore/gather/PageSource.h>
 #include <velmocore/platform/Error.h>
 
 namespace velmo::detail {
 
-/// The code of all errors of the domain u"velmo.gather": what they say is for people.
-inline constexpr std::int64_t GatherErrorCode = 1;
-
-inline Error gatherError(std::string_view text) {
-    return {.domain = u"velmo.gather", .code = GatherErrorCode, .text = String::fromUTF8(text)};
+inline Error gatherError(std::string_view text, GatherProblem problem = GatherProblem::Page) {
+    return {.domain = u"velmo.gather",
+            .code = static_cast<std::int64_t>(problem),
+            .text = String::fromUTF8(text)};
 }
+
+/// The same for what ends a source.
+inline Error sourceError(std::string_view text) { return gatherError(text, GatherProblem::Source); }
 
 }  // namespace velmo::detail

@@ -36,6 +36,7 @@ constexpr auto Pause = std::chrono::milliseconds(2);
 struct Job {
     SourcePage source;
     GatheredPage page;
+    Data block = {};       ///< of the store, if it is to be kept
     std::size_t size = 0;  ///< of its bytes when it came
     bool isRead = false;
 };
@@ -61,8 +62,15 @@ void readJob(Job& job, const GatherOptions& options) {
     if (source.complete && !source.error) std::exchange(source.complete, nullptr)(source);
     if (source.error || source.isLeftOut) return;
     if (source.repeats) return readRepeated(job, options);
-    job.page.record = readPage(std::move(source), options.reading);
-    job.page.isKept = isKept(job.page.record, options);
+    PageRecord& record = job.page.record = readPage(std::move(source), options.reading);
+    job.page.isKept = isKept(record, options);
+    if (options.store == nullptr || !job.page.isKept) return;
+    if (record.key.isEmpty()) {
+        source.error = detail::gatherError("it has no address");
+        return;
+    }
+    job.block = dataFromPageRecord(record, options.writing);
+    std::ranges::copy(StoredPage(job.block).digest(), record.digest.begin());
 }
 
 /// Does all for a page that needs no order. What goes wrong is this page's matter alone.
@@ -257,10 +265,13 @@ private:
     void store(Job& job) {
         GatheredPage& page = job.page;
         if (options_.store == nullptr || !page.isKept) return;
-        if (!job.source.repeats)
-            page.stored = options_.store->put(page.record);
-        else
+        if (!job.source.repeats) {
+            page.stored = options_.store->put(page.record, job.block);
+            if (page.stored == PutResult::Duplicate)
+                page.duplicateOf = options_.store->keyOfText(page.record.digest);
+        } else {
             page.stored = page.duplicateOf.isAbsent() ? PutResult::Unchanged : PutResult::Duplicate;
+        }
     }
 
     void count(const GatheredPage& page) {

@@ -127,7 +127,7 @@ struct InputStream::State {
 
     bool fail(const char* text) {
         packing = Packing::Over;
-        if (!error) error = detail::gatherError(text);
+        if (!error) error = detail::sourceError(text);
         return false;
     }
 
@@ -181,7 +181,10 @@ InputStream InputStream::ofFile(const Path& path) {
         state->size = static_cast<std::uint64_t>(info.st_size);
     else if (S_ISDIR(info.st_mode))
         state->error = errorOfSystem(EISDIR);
-    if (state->error) state->packing = State::Packing::Over;
+    if (state->error) {
+        state->error->path = path.string();
+        state->packing = State::Packing::Over;
+    }
     return InputStream(std::move(state));
 }
 

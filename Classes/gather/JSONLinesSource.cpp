@@ -207,7 +207,8 @@ PageSource::State JSONLinesSource::next(SourcePage& page) {
 }
 
 void JSONLinesSource::give(SourcePage& page, Line line, Data&& bytes) {
-    page.name = String::fromUTF8(fmt::format("{} line {}", options_.name.utf8(), number_));
+    if (!options_.name.isAbsent())
+        page.name = String::fromUTF8(fmt::format("{} line {}", options_.name.utf8(), number_));
     if (line == Line::TooLong)
         page.error = detail::gatherError("too large");
     else

@@ -10,6 +10,7 @@
 #include <velmocore/storage/KeyedDataEditing.h>
 #include <velmocore/text/Checksums.h>
 
+#include "gather/PageSignature.h"
 #include "gather/RecordKeys.h"
 
 namespace velmo {
@@ -46,8 +47,13 @@ void addText(Data& block, const String& text, std::uint32_t key) {
     if (!text.isEmpty()) addUTF8String(block, text.utf8(), key);
 }
 
-void addWhole(Data& block, const String& text, const PageRecordWriting& options) {
-    const std::string utf8 = text.utf8();
+void addSignature(Data& block, const String& text, std::size_t bytes) {
+    if (const Data signature = signatureOfText(text, bytes); !signature.empty())
+        addData(block, signature, SignatureKey);
+}
+
+void addWhole(Data& block, const std::string& utf8, const PageRecordWriting& options) {
+    if (utf8.empty()) return;
     if (const std::optional<Data> small = packed(utf8, options))
         addData(block, *small, TextKey);
     else
@@ -80,11 +86,15 @@ PageKind kindOfNumber(std::uint32_t number) {
                                                                 : PageKind::Page;
 }
 
+bool hasDigest(const PageRecord& page) {
+    return std::ranges::any_of(page.digest, [](std::uint8_t byte) { return byte != 0; });
+}
+
 /// What is short and asked for of many pages: by a store that is opened, and by a search before it
 /// looks at the signature, which follows.
-void addFilters(Data& block, const PageRecord& page) {
+void addFilters(Data& block, const PageRecord& page, Bytes digest) {
     addText(block, page.key, PageKeyKey);
-    addData(block, digestOfText(page), DigestKey);
+    addData(block, digest, DigestKey);
     addUnsigned(block, static_cast<std::uint32_t>(page.kind), KindKey);
     addText(block, page.language, LanguageKey);
     addDate(block, page.date, DateKey);
@@ -105,15 +115,16 @@ void addDetails(Data& block, const PageRecord& page) {
 }  // namespace
 
 std::array<std::uint8_t, SHA1DigestSize> digestOfText(const PageRecord& page) {
-    constexpr std::array<std::uint8_t, SHA1DigestSize> None = {};
-    return page.digest == None ? SHA1Digest(page.text.utf8()) : page.digest;
+    return hasDigest(page) ? page.digest : SHA1Digest(page.text.utf8());
 }
 
 Data dataFromPageRecord(const PageRecord& page, const PageRecordWriting& options) {
+    const std::string text = page.text.utf8();  // once, for its digest and for itself
     Data block;
-    addFilters(block, page);
+    addFilters(block, page, hasDigest(page) ? page.digest : SHA1Digest(text));
+    addSignature(block, page.text, text.size());
     addDetails(block, page);
-    addWhole(block, page.text, options);
+    addWhole(block, text, options);
     addPacked(block, dataOfLinks(page.links), LinksKey, PackedLinksKey, options);
     if (page.bytes) addPacked(block, *page.bytes, BytesKey, PackedBytesKey, options);
     return block;

@@ -138,7 +138,7 @@ bool WARCSource::readRecord(Record& record, std::optional<Error>& error) {
         error = stream_.error();
         return false;
     }
-    error = detail::gatherError("damaged archive");
+    error = detail::sourceError("damaged archive");
     if (!isWARC(bytes)) return false;
     std::size_t length = headLength(charsOf(bytes));
     while (length == 0 && bytes.size() < MostHeadBytes && stream_.fill()) {
@@ -146,7 +146,7 @@ bool WARCSource::readRecord(Record& record, std::optional<Error>& error) {
         length = headLength(charsOf(bytes));
     }
     if (length == 0 && bytes.size() < MostHeadBytes)
-        error = detail::gatherError("the archive breaks off");
+        error = detail::sourceError("the archive breaks off");
     if (length == 0) return false;
     record.headers = headersOf(charsOf(bytes.first(length)));
     const std::optional<std::uint64_t> block = lengthOf(record.headers);
@@ -246,7 +246,7 @@ PageSource::State WARCSource::next(SourcePage& page) {
         const bool isPage = takeRecord(record, page);
         if (stream_.skip(record.length) < record.length)
             return end(page, stream_.error() ? *stream_.error()
-                                             : detail::gatherError("the archive breaks off"));
+                                             : detail::sourceError("the archive breaks off"));
         if (isPage) return State::Page;
     }
     return State::End;

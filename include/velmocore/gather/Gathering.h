@@ -29,10 +29,11 @@ struct GatheredPage {
 
 struct GatherOptions {
     PageReadingOptions reading = {};
-    std::size_t threads = 0;     ///< 0 for as many as the machine has
-    PageStore* store = nullptr;  ///< open for updating; not owned
-    std::size_t limit = 0;       ///< ends after so many pages that were kept; 0 for none
-    bool errorPages = false;     ///< keeps those too that only say that there is no such page
+    PageRecordWriting writing = {};  ///< how pages are stored
+    std::size_t threads = 0;         ///< 0 for as many as the machine has
+    PageStore* store = nullptr;      ///< open for updating; not owned
+    std::size_t limit = 0;           ///< ends after so many pages that were kept; 0 for none
+    bool errorPages = false;         ///< keeps those too that only say that there is no such page
     /// Whether a page is kept; all are without it. Called on any of the threads.
     std::function<bool(const PageRecord& page)> keep = {};
     /// Asked between pages; true ends the run, and what was gathered stands in the store.

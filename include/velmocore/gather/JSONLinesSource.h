@@ -16,7 +16,8 @@ namespace velmo {
 /// - "fetched", a date as text or in seconds since 1970, and "status", of HTTP
 ///
 /// A line that is not so, or too long, is an error in its place, and the next ones are read. Lines
-/// of white space are passed over. A source waits for more input only when all that it gave was
+/// of white space are passed over. In errors a line goes by the name of the source and its number,
+/// or by no name if the source has none, once its address is known by that. A source waits for more input only when all that it gave was
 /// told, so that who writes a line gets an answer to it.
 ///
 ///     const std::string_view line = R"({"url": "http://h.org/", "html": "<p>Tea"})";

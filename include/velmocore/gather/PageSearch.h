@@ -21,7 +21,7 @@ namespace velmo {
 /// What comes first.
 enum class SearchOrder : std::uint8_t {
     Relevance,  ///< the highest score; see docs/gather.md for the formula
-    Date,       ///< the newest; pages without a date come last
+    Newest,     ///< by their dates; pages without a date come last
     Address,    ///< in the order of their keys
     Hits,       ///< the most hits
     Stored,     ///< as they were stored
@@ -32,11 +32,12 @@ struct SearchOptions {
     std::size_t first = 0;   ///< how many of the pages that match are passed over
     std::size_t limit = 10;  ///< how many are told; 0 for all
     // Only pages that are so; an absent string and no date leave all.
-    String language = {};               ///< a key, in any case
-    String host = {};                   ///< this one and those below it
-    std::optional<Date> since, before;  ///< of their own date, else of when they were fetched
-    WildcardComparison comparison = WildcardComparison::CaseInsensitive;
-    bool plain = false;               ///< words are no patterns
+    String language = {};  ///< a key, in any case
+    String host = {};      ///< this one and those below it
+    std::optional<Date> since = {},
+                        before = {};  ///< of their own date, else of when they were fetched
+    /// Of a query without wildcards it tells of case only.
+    WildcardComparison comparison = DefaultComparison;
     std::size_t excerptLength = 300;  ///< in UTF-16 units; 0 for none
     bool facets = false;              ///< count what matches; see SearchResult
     bool useSignatures = true;        ///< false looks into each page: slower, with the same result
@@ -66,8 +67,8 @@ struct SearchResult {
 };
 
 /// The pages of stores for which a query holds. It is evaluated as for any text
-/// (query/QueryEvaluation.h), on the plain text of each page, whose title stands at its start;
-/// there is no index, but a signature in each page tells which words it cannot hold.
+/// (query/QueryEvaluation.h), as it was parsed, on the plain text of each page, whose title stands
+/// at its start; there is no index, but a signature in each page tells which words it cannot hold.
 ///
 ///     const PageStore stores[] = {PageStore::openForReading("pages.store")};
 ///     const SearchResult found = searchPages(stores, QueryTerms(u"tea NEAR/5 cup", {.wildcard = true}));

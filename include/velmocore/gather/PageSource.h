@@ -16,6 +16,12 @@ namespace velmo {
 
 struct PageRecord;
 
+/// What kept a page from being read: the codes of errors of the domain u"velmo.gather".
+enum class GatherProblem : std::int64_t {
+    Page = 1,    ///< the page itself, and the others go on
+    Source = 2,  ///< what it comes from: nothing more comes from there
+};
+
 /// What a source gives: the bytes of a page, and what is known of it besides.
 struct SourcePage {
     String name = {};         ///< for people: a path, an address, a place in an archive
