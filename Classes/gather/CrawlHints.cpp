@@ -8,6 +8,7 @@
 #include <velmocore/markup/LinkNormalising.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/Page.h>
+#include <velmocore/markup/PlainText.h>
 #include <velmocore/markup/TagAttributes.h>
 #include <velmocore/markup/TagScanner.h>
 #include <velmocore/text/Comparison.h>
@@ -53,7 +54,8 @@ public:
         else if (tag.isNamed("FRAME") || tag.isNamed("IFRAME"))
             add(hints_.links, attributeOfTagCharacters(tag.whole(), "SRC"));
         else if (tag.isNamed("A") || tag.isNamed("AREA"))
-            hints_.hidesLinks |= hasWord(attributeOfTagCharacters(tag.whole(), "REL"), u"nofollow");
+            hints_.hasOtherLinks |=
+                hasWord(attributeOfTagCharacters(tag.whole(), "REL"), u"nofollow");
     }
 
 private:
@@ -74,9 +76,11 @@ private:
             add(hints_.feeds, attributeOfTagCharacters(tag, "HREF"));
     }
 
-    void add(std::vector<URL>& urls, const String& reference) const {
+    void add(std::vector<URL>& urls, const String& reference) {
         const URL url = URLRelativeTo(base_, normalizedStringURL(reference));
-        if (!url.isAbsent()) urls.push_back(url);
+        if (url.isAbsent()) return;
+        urls.push_back(url);
+        hints_.hasOtherLinks = true;
     }
 
     CrawlHints& hints_;
@@ -101,8 +105,10 @@ void readPageInto(CrawlHints& hints, const Page& page, View agent, const WebRule
     for (const String& link : found.links)
         if (const URL url = URLRelativeTo(page.baseURL(), link); !url.isAbsent())
             hints.links.push_back(url);
-    hints.isRateNotice = page.markup().length() <= LongestNotice &&
-                         exceededPageLoadFrequencyTitle(page.title(), page.plainText());
+    if (page.markup().length() > LongestNotice) return;
+    const String body =
+        stringByConvertingHtml2PlainText(page.markup(), {.onlyBody = true, .web = web});
+    hints.isRateNotice = exceededPageLoadFrequencyTitle(page.title(), body);
 }
 
 }  // namespace
@@ -136,7 +142,7 @@ CrawlHints readCrawlHints(const SourcePage& source, const RobotsDirectives& head
     else
         readPageInto(hints, page, agent, web);
     if (hints.robots.noFollow) {
-        hints.hidesLinks |= !hints.links.empty();
+        hints.hasOtherLinks |= !hints.links.empty();
         hints.links.clear();
     }
     return hints;

@@ -23,8 +23,10 @@ struct RobotsDirectives {
 
 struct CrawlHints {
     RobotsDirectives robots = {};
-    bool isRateNotice = false;    ///< it is none, but says that too many were asked for
-    bool hidesLinks = false;      ///< whether links were left out by the wish of the page
+    bool isRateNotice = false;  ///< it is none, but says that too many were asked for
+    /// Whether these are others than the links of the record: fewer by the wish of the page, or
+    /// frames and feeds besides.
+    bool hasOtherLinks = false;
     std::vector<URL> links = {};  ///< those that may be followed, resolved; frames too
     std::vector<URL> feeds = {};  ///< that it names as its own
 };

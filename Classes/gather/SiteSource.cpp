@@ -21,6 +21,7 @@
 
 #include "gather/CrawlHints.h"
 #include "gather/CrawlNotes.h"
+#include "gather/GatherErrors.h"
 #include "gather/SiteLoading.h"
 
 namespace velmo {
@@ -33,7 +34,7 @@ constexpr double LongestWait = 0.2;
 /// What a failing host is left alone for first; it doubles each time.
 constexpr double FirstPause = 2;
 constexpr std::uint32_t MostDoublings = 16;
-constexpr std::int64_t TooManyRequests = 429, FirstFailure = 500;
+constexpr std::int64_t NotModified = 304, TooManyRequests = 429, FirstFailure = 500;
 
 double steadyNow() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -50,7 +51,7 @@ SiteOptions completed(SiteOptions options) {
     return options;
 }
 
-Error complaint(const String& text) { return {.domain = u"velmo.gather", .code = 1, .text = text}; }
+Error complaint(const String& text) { return gatherError(text.utf8()); }
 
 /// What makes it the same crawl: where it starts, and how far it goes.
 std::uint64_t crawlOf(const std::vector<URL>& starts, const SiteOptions& options) {
@@ -222,7 +223,18 @@ private:
 
     void load(Host& host, PageID id) {
         ++counts_.requests;
-        loading_.loadPage(host, id, frontier_.entry(id).url, {});
+        const URL& url = frontier_.entry(id).url;
+        loading_.loadPage(host, id, url, knownVersion(id, url));
+    }
+
+    /// What the store tells of a page by which its server can say that it is the same still. Its
+    /// links are kept for that case.
+    KnownVersion knownVersion(PageID id, const URL& url) {
+        if (!options_.store) return {};
+        const auto page = options_.store->page(pageKey(url, options_.keys));
+        if (!page || (page->entityTag.isEmpty() && page->lastModified.isEmpty())) return {};
+        known_[id] = linksOf(*page);
+        return {page->entityTag, page->lastModified};
     }
 
     // --- What comes ---
@@ -269,12 +281,22 @@ private:
     }
 
     void takePage(SiteAnswer& answer) {
+        takeAnswerOf(answer);
+        known_.erase(answer.id);
+    }
+
+    /// By what it is: a failure, a redirect, the same as before, or a page.
+    void takeAnswerOf(SiteAnswer& answer) {
         const std::int64_t status = answer.status();
         const URL& url = frontier_.entry(answer.id).url;
         if (answer.error || !answer.response || isTemporary(answer)) {
             takeFailure(answer);
         } else if (const URL target = redirectOf(url, *answer.response); !target.isAbsent()) {
             redirect(answer.id, target);
+        } else if (status == NotModified && known_.contains(answer.id)) {
+            ++counts_.unchanged;
+            addLinks(answer.id, {.links = known_[answer.id]});
+            setDone(answer.id);
         } else if (!isHTTPStatusCodeOkay(status)) {
             fail(answer.id, u"HTTP status " + String::fromUTF8(std::to_string(status)));
         } else if (!isReadable(*answer.response) || kindOfAnswer(answer) == ContentKind::Binary) {
@@ -372,10 +394,16 @@ private:
                            .contentType = contentType(*answer.response),
                            .kind = kind,
                            .status = answer.status(),
-                           .fetched = today()};
+                           .fetched = today(),
+                           .entityTag = answer.response->headers.value(u"ETag"),
+                           .lastModified = lastModified(*answer.response)};
         page.complete = [given, header](SourcePage& read) {
-            given->hints = readCrawlHints(read, header, RobotsName);
+            given->hints.robots = header;
+            if (read.kind == ContentKind::Page)
+                given->hints = readCrawlHints(read, header, RobotsName);
             read.isLeftOut = given->hints.robots.noIndex || given->hints.isRateNotice;
+            // Its links could not be told by the record alone, so it is to be loaded each time.
+            if (given->hints.hasOtherLinks) read.entityTag = read.lastModified = String();
         };
         give(std::move(page), given);
     }
@@ -421,6 +449,7 @@ private:
     CrawlNotes notes_;
     SiteLoading loading_;
     std::optional<Date> begun_ = {};  ///< by a run that did not come to its end
+    std::unordered_map<PageID, std::vector<URL>> known_ = {};  ///< links of pages asked for again
     std::deque<SourcePage> ready_ = {};
     std::deque<std::shared_ptr<Given>> given_ = {};  ///< the ready ones too
     SiteCounts counts_ = {};

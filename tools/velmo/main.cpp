@@ -22,6 +22,7 @@ const std::vector<CommandEntry>& allCommands() {
     static const std::vector<CommandEntry> commands = {
         {"gather", makeGatherCommand},
         {"fetch", makeFetchCommand},
+        {"robots", makeRobotsCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
         {"feed", makeFeedCommand},
