@@ -69,7 +69,10 @@ private:
             if (found->second.size() > 1) found->second.erase(found->second.begin());
             return first;
         }
-        if (const auto found = pages_.find(path); found != pages_.end()) return found->second;
+        if (const auto found = pages_.find(path); found != pages_.end()) {
+            const bool isKnown = head.find("If-None-Match: \"v\"") != head.npos;
+            return isKnown ? answerOf("", "", "304 Not Modified") : found->second;
+        }
         // A calendar without end.
         if (path.starts_with("/day/"))
             return page("<a href=/day/" + std::to_string(std::stoi(path.substr(5)) + 1) + ">next</a>");
@@ -251,6 +254,113 @@ TEST(SiteSource, LeavesHostsAloneThatWishIt) {
         EXPECT_GE(time.now - 1000, least) << name;
         EXPECT_LE(time.now - 1000, most) << name;
     }
+}
+
+/// A store in a file that goes with the test.
+class SiteStore : public testing::Test {
+protected:
+    ~SiteStore() override { std::filesystem::remove_all(folder_); }
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    /// The paths of its pages; the notes in it.
+    static std::set<std::string> pagesOf(const std::string& path) {
+        std::set<std::string> pages;
+        PageStore::openForReading(path).forEachPage([&](const StoredPage& page) {
+            pages.insert(pathOf(URL::URLWithString(String::fromUTF8(page.address()))));
+            return true;
+        });
+        return pages;
+    }
+    static std::size_t notesOf(const std::string& path) {
+        std::size_t notes = 0;
+        PageStore::openForReading(path).forEachNote([&](std::uint64_t, Bytes) { return ++notes > 0; });
+        return notes;
+    }
+    /// Sixteen pages, each of which leads to two others; one cannot be had.
+    static void grow(Site& site, const std::string& fields) {
+        for (int i = 1; i <= 16; ++i) {
+            const auto link = [](int to) {
+                return "<a href=/p/" + std::to_string(to) + ">" + std::to_string(to) + "</a>";
+            };
+            site.set("/p/" + std::to_string(i),
+                     Site::page("Page " + std::to_string(i) + link(2 * i) + link(2 * i + 1), fields));
+        }
+    }
+    Crawled crawlInto(const std::string& store, const Site& site, std::size_t limit = 0,
+                      const std::function<void()>& atEach = nullptr) {
+        PageStore pages = PageStore::openForUpdating(store);
+        FakeTime time;
+        SiteOptions options = {.depth = 3, .delay = 0, .store = &pages, .clock = time.clock()};
+        SiteSource source({site.url("/p/1")}, options);
+        Crawled crawled;
+        gatherPages(source, {.threads = 1, .store = &pages, .limit = limit}, [&](GatheredPage& page) {
+            crawled.pages.push_back(pathOf(page.record.url));
+            if (atEach) atEach();
+            return true;
+        });
+        crawled.counts = source.counts();
+        return crawled;
+    }
+
+    const std::filesystem::path folder_ = [] {
+        const auto folder = std::filesystem::temp_directory_path() / ("velmo-site-" + std::to_string(getpid()));
+        std::filesystem::create_directories(folder);
+        return folder;
+    }();
+};
+
+TEST_F(SiteStore, GoesOnWhereItWasEndedOrKilled) {
+    Site site;
+    grow(site, "Content-Type: text/html\r\n");
+    std::set<std::string> all;
+    for (int i = 1; i <= 15; ++i) all.insert("/p/" + std::to_string(i));
+    // What stands in the file when a page has been put is what a program leaves that is killed then.
+    std::size_t killed = 0;
+    crawlInto(path("whole"), site, 0,
+              [&] { std::filesystem::copy_file(path("whole"), path("killed" + std::to_string(killed++))); });
+    EXPECT_EQ(pagesOf(path("whole")), all);
+    EXPECT_EQ(notesOf(path("whole")), 0u);
+    EXPECT_EQ(killed, all.size());
+    for (std::size_t i = 0; i < killed; ++i) {
+        const std::string store = path("killed" + std::to_string(i));
+        const std::set<std::string> before = pagesOf(store);
+        EXPECT_GE(before.size() + 1, i);
+        site.forget();
+        crawlInto(store, site);
+        std::set<std::string> together = before;
+        for (const std::string& asked : site.asked()) {
+            EXPECT_FALSE(before.contains(asked)) << i << ": " << asked;
+            const bool isPage = all.contains(asked);
+            EXPECT_TRUE(!isPage || together.insert(asked).second) << i << ": " << asked;
+        }
+        EXPECT_EQ(together, all) << i;
+        EXPECT_EQ(pagesOf(store), all) << i;
+        EXPECT_EQ(notesOf(store), 0u) << i;
+    }
+    // In pieces, which end as they should.
+    site.forget();
+    for (std::size_t kept = 0; kept < all.size(); kept += 4) {
+        crawlInto(path("pieces"), site, 4);
+        EXPECT_EQ(pagesOf(path("pieces")).size(), std::min(kept + 4, all.size()));
+    }
+    const std::vector<std::string> asked = site.asked();
+    EXPECT_EQ(std::set(asked.begin(), asked.end()).size(), asked.size());
+}
+
+TEST_F(SiteStore, AsksForWhatHasChanged) {
+    Site site;
+    grow(site, "Content-Type: text/html\r\nETag: \"v\"\r\n");
+    // Links that may not be followed are known only to who reads the page.
+    site.set("/p/7", Site::page("<a rel=nofollow href=/p/14>14</a><a href=/p/15>15</a>", "ETag: \"v\"\r\n"));
+    EXPECT_EQ(crawlInto(path("store"), site).pages.size(), 14u);
+    const std::set<std::string> pages = pagesOf(path("store"));
+    site.forget();
+    const Crawled again = crawlInto(path("store"), site);
+    EXPECT_EQ(again.counts.unchanged, 13u);
+    EXPECT_EQ(again.pages, Paths{"/p/7"});
+    EXPECT_EQ(pagesOf(path("store")), pages);
+    const std::vector<std::string> asked = site.asked();
+    EXPECT_EQ(std::set(asked.begin(), asked.end()), pages);
 }
 
 TEST(SiteSource, GoesToNoOtherNetworkThanItsStart) {
