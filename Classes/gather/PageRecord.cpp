@@ -23,8 +23,7 @@ constexpr int FastestCompression = 1;
 constexpr std::size_t LongestPart = 0xFFFFFFFF;
 
 /// The bytes packed; none if that would not save an eighth of them.
-std::optional<Data> packed(Bytes bytes, const PageRecordWriting& options) {
-    if (!options.compress) return std::nullopt;
+std::optional<Data> packed(Bytes bytes) {
     std::optional<Data> result = dataByDeflatingData(bytes, FastestCompression);
     if (result && result->size() > bytes.size() - bytes.size() / 8) result.reset();
     return result;
@@ -32,7 +31,7 @@ std::optional<Data> packed(Bytes bytes, const PageRecordWriting& options) {
 
 void addPacked(Data& block, Bytes bytes, std::uint32_t plainKey, std::uint32_t packedKey,
                const PageRecordWriting& options) {
-    const std::optional<Data> small = packed(bytes, options);
+    const std::optional<Data> small = options.compressOthers ? packed(bytes) : std::nullopt;
     addData(block, small ? Bytes(*small) : bytes, small ? packedKey : plainKey);
 }
 
@@ -54,7 +53,7 @@ void addSignature(Data& block, const String& text, std::size_t bytes) {
 
 void addWhole(Data& block, const std::string& utf8, const PageRecordWriting& options) {
     if (utf8.empty()) return;
-    if (const std::optional<Data> small = packed(utf8, options))
+    if (const auto small = options.compressText ? packed(Bytes(utf8)) : std::nullopt)
         addData(block, *small, TextKey);
     else
         addUTF8String(block, utf8, TextKey);

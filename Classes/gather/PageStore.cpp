@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <system_error>
 #include <utility>
 
 #include <velmocore/storage/KeyedData.h>
@@ -31,9 +32,10 @@ constexpr std::size_t MostOutdated = 1000;
 Error openingError(const Path& path) {
     const int number = path.bytes().empty() ? ENOENT : errno;
     Error error = detail::systemError(number, path.bytes());
-    if (number == EWOULDBLOCK) error.text = u"another program has it open";
-    if (number == EINVAL) error.text = u"not a regular file";
     error.path = path.string();
+    error.reason = String::fromUTF8(std::generic_category().message(number));
+    if (number == EWOULDBLOCK) error.reason = u"another program has it open";
+    if (number == EINVAL) error.reason = u"not a regular file";
     return error;
 }
 

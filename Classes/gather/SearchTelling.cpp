@@ -37,7 +37,13 @@ Excerpt onOneLine(std::u16string_view text, std::span<const Range> hits) {
         // Its last unit is in the line, unless it is white.
         const std::size_t end =
             hit.length ? std::min(places[hit.end() - 1] + 1, line.size()) : start;
-        if (end > start) excerpt.hits.push_back({start, end - start});
+        if (!excerpt.hits.empty() && start < excerpt.hits.back().end()) {
+            // A word of a phrase that is a hit too; what is shown is marked once.
+            Range& last = excerpt.hits.back();
+            last.length = std::max(last.end(), std::uint64_t{end}) - last.location;
+        } else if (end > start) {
+            excerpt.hits.push_back({start, end - start});
+        }
     }
     excerpt.text = String(line);
     return excerpt;

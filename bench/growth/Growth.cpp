@@ -211,7 +211,8 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
     for (const auto operations :
          {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
           urlOperations(), markupOperations(), feedOperations(), storageOperations(),
-          systemOperations(), readerOperations(), netOperations(), sourceOperations()})
+          systemOperations(), readerOperations(), netOperations(), gatherOperations(),
+          sourceOperations()})
         for (const Operation& operation : operations)
             report(meter, hostile, operation, Case(meter, operation, inputs).measured(), result);
     return result;

@@ -67,6 +67,7 @@ std::span<const Operation> storageOperations();
 std::span<const Operation> systemOperations();
 std::span<const Operation> readerOperations();
 std::span<const Operation> netOperations();
+std::span<const Operation> gatherOperations();
 std::span<const Operation> sourceOperations();
 
 /// Uses a result, so that no compiler leaves the work out.

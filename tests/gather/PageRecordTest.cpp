@@ -6,7 +6,7 @@
 namespace velmo {
 namespace {
 
-constexpr PageRecordWriting Writings[] = {{.compress = true}, {.compress = false}};
+constexpr PageRecordWriting Writings[] = {{}, {.compressText = true}, {.compressOthers = false}};
 
 String longText() {
     std::u16string text;
@@ -66,7 +66,9 @@ TEST(PageRecord, ComesBack) {
             expectEqual(*read, page);
             EXPECT_EQ(StoredPage(block).key(), page.key.utf8());
         }
-    EXPECT_LT(dataFromPageRecord(fullPage()).size(), 2000u);
+    EXPECT_LT(dataFromPageRecord(fullPage(), {.compressText = true}).size(), 2000u);
+    EXPECT_GT(dataFromPageRecord(fullPage(), {.compressOthers = false}).size(),
+              dataFromPageRecord(fullPage()).size() + 4000);
 }
 
 TEST(PageRecord, HoldsWhatUtf8CannotInItsWay) {
@@ -83,7 +85,8 @@ TEST(PageRecord, HoldsWhatUtf8CannotInItsWay) {
         EXPECT_TRUE(read->author.isAbsent()) << "empty is absent";
     }
     page.text = std::u16string(2000, u'\xDFFF');  // compressed
-    EXPECT_EQ(pageRecordFromData(dataFromPageRecord(page))->text, String(std::u16string(2000, u'\uFFFD')));
+    EXPECT_EQ(pageRecordFromData(dataFromPageRecord(page, {.compressText = true}))->text,
+              String(std::u16string(2000, u'\uFFFD')));
 }
 
 /// What is damaged is absent or another value, never a crash; bytes without a key are no page.

@@ -201,6 +201,7 @@ TEST_F(PageSearchTest, TellsExcerptsOnOneLine) {
     };
     EXPECT_EQ(shown(u"fox", 300), u"A title Nothing is here. The quick brown [fox], 2.4 m. And more of a [fox]");
     EXPECT_EQ(shown(u"fox", 40), u"The quick brown [fox], 2.4 m \u2026 of a [fox]");
+    EXPECT_EQ(shown(u"\"brown fox\" OR fox OR quick", 40), u"The [quick] [brown fox], 2.4 m \u2026 of a [fox]");
     EXPECT_EQ(shown(u"-fox", 300), u"No ani mal");
     EXPECT_EQ(shown(u"fox", 0), u"");
     EXPECT_TRUE(search(stores, u"fox", {.excerptLength = 0}).hits[0].excerpt.isAbsent());

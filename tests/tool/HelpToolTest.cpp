@@ -2,6 +2,9 @@
 // its JSON, and a slip of the keyboard is understood.
 #include <regex>
 
+#include <velmocore/gather/PageStore.h>
+#include <velmocore/url/PageKey.h>
+
 #include "ToolFixture.h"
 #include "net/RawServer.h"
 
@@ -54,6 +57,16 @@ protected:
                    .code == 0;
     }
 
+    void makePages() const {
+        PageStore store = PageStore::openForUpdating((folder_ / "pages.store").string());
+        PageRecord page;
+        page.url = URL::URLWithString(u"https://example.org/");
+        page.key = pageKey(page.url);
+        page.title = u"T";
+        page.text = u"A cup of tea.";
+        EXPECT_NE(store.put(page), PutResult::Failed);
+    }
+
     void runExample(const std::string& example) const {
         std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
         if (line.find(" fetch ") != line.npos)
@@ -63,6 +76,7 @@ protected:
         shell(
             "$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
             "$V archive create notes.zip notes.txt");
+        makePages();
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const std::string helper =
             "export XDG_RUNTIME_DIR=$PWD; $V helper serve pages >/dev/null & pages=$!; $V helper "
@@ -100,7 +114,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 64u);
+    EXPECT_EQ(names.size(), 66u);
     for (const std::string& name : names) {
         if (std::ranges::count(groups_, name)) continue;
         const std::string help = run("help " + name).out;
@@ -172,6 +186,9 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"attributes source", "notes.txt"},
         {"attributes comment", "notes.txt"},
         {"attributes remove", "comment notes.txt"},
+        {"show", "pages.store https://example.org/"},
+        {"search", "tea pages.store"},
+        {"store stats", "pages.store"},
         {"store append", "notes.store notes.txt mail.txt"},
         {"store list", "notes.store"},
         {"store get", "notes.store 0"},
@@ -193,6 +210,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         EXPECT_TRUE(std::ranges::count(groups_, name) ||
                     std::ranges::count(runs, name, [](const auto& run) { return std::string(run.first); }))
             << name;
+    makePages();
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
         const std::string whole = command, group = whole.substr(0, whole.find(' ')),

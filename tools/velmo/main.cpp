@@ -21,6 +21,7 @@ namespace {
 const std::vector<CommandEntry>& allCommands() {
     static const std::vector<CommandEntry> commands = {
         {"gather", makeGatherCommand},
+        {"search", makeSearchCommand},
         {"fetch", makeFetchCommand},
         {"robots", makeRobotsCommand},
         {"text", makeTextCommand},
@@ -51,6 +52,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"bib", makeBibCommand},
         {"records", makeRecordsCommand},
         {"comments", makeCommentsCommand},
+        {"show", makeShowCommand},
         {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
          "STORE"},
         {"attributes", nullptr, attributeActions(),

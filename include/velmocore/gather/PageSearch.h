@@ -52,7 +52,7 @@ struct SearchHit {
     double score = 0;
     std::size_t hitCount = 0;  ///< in the text
     String excerpt;            ///< on one line; absent if it has none
-    std::vector<Range> hits;   ///< in the excerpt, in UTF-16 units
+    std::vector<Range> hits;   ///< in the excerpt, in UTF-16 units; in order, none in another
     std::size_t store = 0;     ///< the index of its store
 };
 

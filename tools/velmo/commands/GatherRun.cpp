@@ -94,7 +94,7 @@ GatherOptions GatherRun::options(const LanguageFilter& languages) const {
     options.reading.web = input.content.web;
     options.reading.languages = &languages;
     options.reading.keepBytes = keepPages;
-    options.writing.compress = compress;
+    options.writing.compressText = compress;
     options.threads = input.jobs;
     options.limit = limit;
     options.keep = Choice{.include = stringsOf(names.include),

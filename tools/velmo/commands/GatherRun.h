@@ -24,8 +24,8 @@ struct GatherRun {
     std::string language = {};     ///< only pages in it; empty for all
     const Query* query = nullptr;  ///< only pages for which it holds; null for all
     bool keepPages = false;        ///< keeps their bytes too
-    bool compress = true;
-    GatherSites sites = {};
+    bool compress = false;         ///< the texts too
+    GatherSites sites = {};        ///< what is gathered of the web
 
     /// How pages are read and which are kept, on as many threads as were asked for.
     GatherOptions options(const LanguageFilter& languages) const;
