@@ -100,27 +100,27 @@ void tell(const GatheredPage& page, Report& report) {
     report.flush();
 }
 
-void printSummary(const GatherSummary& summary, std::size_t pages, const GatherRun& run,
+JsonObject objectOf(const GatherSummary& summary, std::size_t pages) {
+    return {{"pages", summary.pages},           {"added", summary.added},
+            {"replaced", summary.replaced},     {"unchanged", summary.unchanged},
+            {"duplicates", summary.duplicates}, {"leftOut", summary.leftOut},
+            {"failed", summary.failed},         {"stored", pages}};
+}
+
+void printSummary(const GatherSummary& summary, std::size_t pages, const GatherSites& sites,
                   Report& report) {
-    const bool hasSites = !run.sites.starts.empty();
-    if (report.json())
-        return report.printObject(
-            {{"summary",
-              JsonObject{{"pages", summary.pages},
-                         {"added", summary.added},
-                         {"replaced", summary.replaced},
-                         {"unchanged", summary.unchanged},
-                         {"duplicates", summary.duplicates},
-                         {"leftOut", summary.leftOut},
-                         {"failed", summary.failed},
-                         {"stored", pages},
-                         {"sites", hasSites ? Json(objectOf(run.sites.counts)) : Json()}}}});
+    const bool hasSites = !sites.starts.empty();
+    if (report.json()) {
+        JsonObject object = objectOf(summary, pages);
+        if (hasSites) object.push_back({"sites", objectOf(sites.counts)});
+        return report.printObject({{"summary", std::move(object)}});
+    }
     report.printLine(fmt::format(
         "\n{} pages: {} added, {} replaced, {} unchanged, {} duplicates, {} left out, {} failed; "
         "{} in the store",
         summary.pages, summary.added, summary.replaced, summary.unchanged, summary.duplicates,
         summary.leftOut, summary.failed, pages));
-    if (hasSites) report.printLine(wordsOf(run.sites.counts));
+    if (hasSites) report.printLine(wordsOf(sites.counts));
 }
 
 }  // namespace
@@ -144,7 +144,7 @@ void gatherIntoStore(Report& report, GatherRun& run) {
         return true;
     });
     source.reset();  // what a crawl counted is known then
-    printSummary(summary, store.numberOfPages(), run, report);
+    printSummary(summary, store.numberOfPages(), run.sites, report);
     if (!summary.isStored) report.fail(run.store, "cannot be written");
     if (isInterrupted != 0) report.fail("gather", "interrupted; what was gathered is stored");
     if (run.query != nullptr) report.noteHit(summary.pages > summary.leftOut);
