@@ -136,6 +136,8 @@ void takeFromSource(PageRecord& record, const SourcePage& source) {
     if (record.url.isAbsent()) record.url = source.url;
     record.status = source.status;
     record.fetched = source.fetched;
+    record.entityTag = source.entityTag;
+    record.lastModified = source.lastModified;
     record.title = firstThatIs(record.title, source.title);
     record.author = firstThatIs(record.author, source.author);
     if (!record.date && !source.date.isEmpty()) record.date = dateOf(source.date);

@@ -379,6 +379,9 @@ constexpr Hostile Sources[] = {
     {"a deep line", u"{\"url\":\"http://h.org/\",\"html\":\"\",\"x\":", u"["},
     {"members of a line", u"{\"url\":\"http://h.org/\",\"html\":\"\"", u",\"url\":\"\001\""},
     {"empty lines", u"{\"url\":1}", u"\n"},
+    {"stars of a rule", u"User-agent: *\nDisallow: /", u"*a", u"$"},
+    {"rules with stars", u"User-agent: *\n", u"Disallow: /*a*\001*b$\n"},
+    {"names of programs", u"", u"User-agent: bot\001\nDisallow: /\n"},
 };
 
 }  // namespace

@@ -23,6 +23,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"gather", makeGatherCommand},
         {"search", makeSearchCommand},
         {"fetch", makeFetchCommand},
+        {"robots", makeRobotsCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
         {"feed", makeFeedCommand},

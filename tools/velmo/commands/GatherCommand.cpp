@@ -266,6 +266,7 @@ void runStored(Report& report, const Options& options, const URL& base, const Qu
     run.query = query;
     if (options.input.content.limit != UsualLimit)
         run.limit = static_cast<std::size_t>(options.input.content.limit);
+    run.sites.options.follow = options.links.follow.value_or(FollowSameHost);
     options.lines ? gatherLines(report, run) : gatherIntoStore(report, run);
 }
 
@@ -277,6 +278,8 @@ void run(Report& report, const Options& options) {
         asked ? readQuery(report, options.query, options.parse, options.comparison) : Query();
     if (options.lines || !options.stored.store.empty())
         return runStored(report, options, base, asked ? &query : nullptr);
+    if (options.stored.sites.isAsked)
+        throw UsageError("sites are gathered into a store: --store is missing");
     const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
     report.flush();
     const Gatherer gatherer(options, base, query, languages);
@@ -300,27 +303,29 @@ void run(Report& report, const Options& options) {
 }
 
 Option followOption(PageLinkOptions& links) {
-    return {
-        .names = "--follow",
-        .value = "MODE",
-        .help = "print the links to follow: none, host, folder, folders or all, or a mode's number",
-        .take = [&links](const std::string& given) {
-            constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
-            constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
-                                              FollowSameFolders, FollowEverything};
-            std::string name = given;
-            std::ranges::transform(name, name.begin(), [](unsigned char c) {
-                return static_cast<char>(std::tolower(c));
-            });
-            if (const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
-                std::ranges::all_of(name, isDigit)) {
-                std::uint64_t mode = 0;
-                number("--follow", "MODE", mode, "").take(name);
-                links.follow = static_cast<std::int64_t>(mode);
-            } else {
-                links.follow = Modes[indexOfName(name, Names)];
-            }
-        }};
+    return {.names = "--follow",
+            .value = "MODE",
+            .help =
+                "print the links to follow, or of a site follow them: none, host, folder, folders "
+                "or all, or "
+                "a mode's number",
+            .take = [&links](const std::string& given) {
+                constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
+                constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
+                                                  FollowSameFolders, FollowEverything};
+                std::string name = given;
+                std::ranges::transform(name, name.begin(), [](unsigned char c) {
+                    return static_cast<char>(std::tolower(c));
+                });
+                if (const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
+                    std::ranges::all_of(name, isDigit)) {
+                    std::uint64_t mode = 0;
+                    number("--follow", "MODE", mode, "").take(name);
+                    links.follow = static_cast<std::int64_t>(mode);
+                } else {
+                    links.follow = Modes[indexOfName(name, Names)];
+                }
+            }};
 }
 
 }  // namespace
@@ -330,7 +335,8 @@ Command makeGatherCommand(Session& session) {
     Command command = {
         .summary = "Walk folders for pages and feeds: titles, dates, words, links and hits",
         .examples = {"velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'",
-                     "velmo gather site/ --base https://example.org/ --store pages.store"},
+                     "velmo gather site/ --base https://example.org/ --store pages.store",
+                     "velmo gather https://www.example.org/ --depth 2 --store pages.store"},
         .run = [options](Report& report) { run(report, *options); },
     };
     options->input.names.recursive = true;
@@ -356,6 +362,7 @@ Command makeGatherCommand(Session& session) {
         flag("--compress", options->stored.compress,
              "compress texts in the store too: half the room, read in three times the time"),
     });
+    command.add(siteOptions(options->stored.sites));
     command.add(queryParseOptions(options->parse));
     command.add(comparisonOptions(options->comparison));
     addContentOptions(command, session, options->input, Kind::Page);
