@@ -57,6 +57,7 @@ private:
         pages_ += found.pages;
         words_ += found.words;
         result_.scanned += found.scanned;
+        result_.isComplete = result_.isComplete && found.isComplete;
         pagesWithWord_.resize(query_.numberOfWords());
         for (std::size_t i = 0; i < pagesWithWord_.size(); ++i)
             pagesWithWord_[i] += found.pagesWithWord[i];

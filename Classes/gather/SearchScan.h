@@ -43,6 +43,7 @@ struct StretchMatches {
     std::size_t pages = 0;    // that the filter accepts
     std::uint64_t words = 0;  // of these
     std::size_t scanned = 0;
+    bool isComplete = true;
     std::vector<std::size_t> pagesWithWord;  // by word of the query
     std::map<String, std::size_t> languages, hosts;
     std::map<int, std::size_t> years;

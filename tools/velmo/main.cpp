@@ -60,6 +60,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"location", makeLocationCommand},
         {"helper", nullptr, helperActions(),
          "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
+        {"serve", makeServeCommand},
         {"completions", makeCompletionsCommand},
     };
     return commands;

@@ -29,6 +29,7 @@ Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
 Command makeRecordsCommand(Session& session);
+Command makeServeCommand(Session& session);
 Command makeSheetCommand(Session& session);
 Command makeStripCommand(Session& session);
 Command makeTextCommand(Session& session);
