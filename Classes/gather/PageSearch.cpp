@@ -25,7 +25,11 @@ constexpr double Saturation = 1.2, LengthWeight = 0.75;
 class Search {
 public:
     Search(std::span<const PageStore> stores, const QueryTerms& query, const SearchOptions& options)
-        : stores_(stores), options_(options), query_(query, options.comparison) {}
+        : stores_(stores),
+          options_(options),
+          query_(query, options.comparison),
+          matchesWithWord_(query_.numberOfWords()),
+          pagesWithWord_(query_.numberOfWords()) {}
 
     SearchResult run() {
         scanAll();
@@ -58,9 +62,10 @@ private:
         words_ += found.words;
         result_.scanned += found.scanned;
         result_.isComplete = result_.isComplete && found.isComplete;
-        pagesWithWord_.resize(query_.numberOfWords());
-        for (std::size_t i = 0; i < pagesWithWord_.size(); ++i)
+        for (std::size_t i = 0; i < query_.numberOfWords(); ++i) {
             pagesWithWord_[i] += found.pagesWithWord[i];
+            matchesWithWord_[i] += found.matchesWithWord[i];
+        }
         for (const auto& [language, count] : found.languages) result_.languages[language] += count;
         for (const auto& [host, count] : found.hosts) result_.hosts[host] += count;
         for (const auto& [year, count] : found.years) result_.years[year] += count;
@@ -73,7 +78,8 @@ private:
         const double average = std::max(static_cast<double>(words_) / std::max(pages, 1.0), 1.0);
         scores_.resize(matches_.size());
         for (std::size_t word = 0; word < query_.numberOfWords(); ++word) {
-            const auto having = static_cast<double>(pagesWithWord_[word]);
+            const double having =
+                std::clamp(pagesWithWord_[word], matchesWithWord_[word], std::max(pages, 1.0));
             const double weight = std::log(1 + (pages - having + 0.5) / (having + 0.5));
             for (std::size_t i = 0; i < matches_.size(); ++i) {
                 const double count = counts_[i * query_.numberOfWords() + word];
@@ -135,11 +141,11 @@ private:
     const SearchQuery query_;
     std::vector<StretchMatches> found_;
     std::vector<PageMatch> matches_;
-    std::vector<double> counts_;  // by match and word
-    std::vector<double> scores_;  // by match
-    std::size_t pages_ = 0;       // that the filter accepts
-    std::uint64_t words_ = 0;     // of these
-    std::vector<std::size_t> pagesWithWord_;
+    std::vector<double> counts_;                           // by match and word
+    std::vector<double> scores_;                           // by match
+    std::size_t pages_ = 0;                                // that the filter accepts
+    std::uint64_t words_ = 0;                              // of these
+    std::vector<double> matchesWithWord_, pagesWithWord_;  // by word
     SearchResult result_;
 };
 

@@ -29,8 +29,8 @@ namespace velmo::detail {
 namespace {
 
 constexpr std::uint8_t Version = 1;
-// Version, number of probes, checksum.
-constexpr std::size_t HeaderSize = 6;
+// Version, number of probes, share of the bits that are set (in 255ths), 0, checksum.
+constexpr std::size_t HeaderSize = 8, ChecksumPlace = 4;
 /// With what a record of keyed data takes, a signature stays below 6 % of the text.
 constexpr std::size_t Overhead = HeaderSize + 16;
 constexpr std::size_t Percentage = 6;
@@ -123,6 +123,14 @@ std::u16string classesOf(std::u16string_view units, const SignatureUnits& known)
     return classes;
 }
 
+/// The share of the bits that are set.
+double fillOf(Bytes signature) {
+    std::size_t isSet = 0;
+    for (const std::uint8_t byte : signature.subspan(HeaderSize))
+        isSet += static_cast<unsigned>(std::popcount(byte));
+    return static_cast<double>(isSet) / static_cast<double>((signature.size() - HeaderSize) * 8);
+}
+
 /// What is collected of a text before it is known how many bits are worth while.
 class Collection {
 public:
@@ -154,9 +162,11 @@ public:
         };
         for (const auto word : words_) forEachPart(word, {true, true}, setPart);
         for (const auto units : unspaced_) forEachUnspacedPart(units, setPart);
-        const std::uint32_t probes = probesFor(Bytes(signature).subspan(HeaderSize));
+        const std::uint32_t probes = probesFor(signature);
         for (const auto word : words_) forEachProbe(hashOfWord(word), probes, count, set);
+        signature[0] = Version;
         signature[1] = static_cast<std::uint8_t>(probes);
+        signature[2] = static_cast<std::uint8_t>(std::lround(fillOf(signature) * 255));
         return signature;
     }
 
@@ -166,11 +176,9 @@ private:
     }
 
     /// So many for each word that half of the bits are set in the end.
-    std::uint32_t probesFor(Bytes bits) const {
-        std::size_t isSet = 0;
-        for (const std::uint8_t byte : bits) isSet += static_cast<unsigned>(std::popcount(byte));
-        const auto count = static_cast<double>(bits.size() * 8);
-        const double room = std::log((count - static_cast<double>(isSet)) / count * 2);
+    std::uint32_t probesFor(Bytes signature) const {
+        const auto count = static_cast<double>((signature.size() - HeaderSize) * 8);
+        const double room = std::log((1 - fillOf(signature)) * 2);
         const auto words = static_cast<double>(std::max<std::size_t>(words_.size(), 1));
         return static_cast<std::uint32_t>(std::clamp(count / words * room, 1.0, MostProbes));
     }
@@ -182,10 +190,10 @@ private:
     std::size_t unspacedCount_ = 0;
 };
 
+/// Of all but itself.
 std::uint32_t checkOf(Bytes signature) {
-    return CRC32(signature.subspan(HeaderSize)) ^
-           static_cast<std::uint32_t>(signature.size()) << 8 ^ signature[1] ^
-           signatureUnits().fingerprint;
+    return CRC32(signature.subspan(HeaderSize)) ^ CRC32(signature.first(ChecksumPlace)) ^
+           static_cast<std::uint32_t>(signature.size()) ^ signatureUnits().fingerprint;
 }
 
 }  // namespace
@@ -214,19 +222,19 @@ Data signatureOfText(std::u16string_view text, std::size_t bytes) {
     const std::size_t bitCount =
         std::min({(room - Overhead) * 8, collection.usefulBits() / 8 * 8, std::size_t{1} << 31});
     Data signature = collection.signatureOf(bitCount);
-    signature[0] = Version;
-    putBigEndian(signature.data() + 2, checkOf(signature), 4);
+    putBigEndian(signature.data() + ChecksumPlace, checkOf(signature), 4);
     return signature;
 }
 
 PageSignature::PageSignature(Bytes bytes) {
     if (bytes.size() < HeaderSize + LeastBits / 8 ||
         bytes.size() > (std::size_t{1} << 28) + HeaderSize || bytes[0] != Version ||
-        checkOf(bytes) != bigEndian32(bytes.data() + 2))
+        checkOf(bytes) != bigEndian32(bytes.data() + ChecksumPlace))
         return;
     bits_ = bytes.data() + HeaderSize;
     bitCount_ = static_cast<std::uint32_t>((bytes.size() - HeaderSize) * 8);
     probes_ = bytes[1];
+    fill_ = bytes[2] / 255.0;
 }
 
 bool PageSignature::mayHave(const SignatureFact& fact) const {
@@ -238,6 +246,13 @@ bool PageSignature::mayHave(const SignatureFact& fact) const {
 bool PageSignature::mayHave(std::span<const SignatureFact> facts) const {
     return bitCount_ == 0 ||
            std::ranges::all_of(facts, [&](const SignatureFact& fact) { return mayHave(fact); });
+}
+
+double PageSignature::errorRate(std::span<const SignatureFact> facts) const {
+    // Parts of words are common ones: many say hardly more than a few.
+    constexpr std::size_t MostParts = 4;
+    const bool hasWord = std::ranges::any_of(facts, &SignatureFact::isWord);
+    return std::pow(fill_, hasWord ? probes_ : std::min(facts.size(), MostParts));
 }
 
 }  // namespace velmo::detail

@@ -44,6 +44,8 @@ public:
     bool isWhole() const { return bitCount_ != 0; }
     /// False only if one of these cannot be true of its text.
     bool mayHave(std::span<const SignatureFact> facts) const;
+    /// About how likely mayHave() is true where they are not.
+    double errorRate(std::span<const SignatureFact> facts) const;
 
 private:
     bool hasBit(std::uint32_t position) const {
@@ -54,6 +56,7 @@ private:
     const std::uint8_t* bits_ = nullptr;
     std::uint32_t bitCount_ = 0;
     std::uint32_t probes_ = 0;  // of a word
+    double fill_ = 0;           // the share of bits that are set
 };
 
 }  // namespace velmo::detail

@@ -186,6 +186,16 @@ void QuerySignature::findWords(const PageSignature& signature, std::vector<char>
     }
 }
 
+double QuerySignature::shareOf(std::size_t word, const PageSignature& signature,
+                               bool mayStand) const {
+    double error = 0;
+    for (const auto& facts : words_[word].alternatives)
+        error = std::max(error, signature.errorRate(facts));
+    // Of a signature that is nearly full nothing can be made out.
+    error = std::min(error, 0.9);
+    return ((mayStand ? 1 : 0) - error) / (1 - error);
+}
+
 bool QuerySignature::mayHold(std::span<const char> mayStand, std::vector<char>& stack) const {
     stack.clear();
     for (const Step& step : steps_) {

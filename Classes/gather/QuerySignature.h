@@ -31,6 +31,9 @@ public:
 
     /// For each word whether it may stand in the text of a signature.
     void findWords(const PageSignature& signature, std::vector<char>& mayStand) const;
+    /// How much of a page the word stands in, as far as a signature can tell: the sum over many
+    /// pages is about the number of those that have it. It may be less than 0.
+    double shareOf(std::size_t word, const PageSignature& signature, bool mayStand) const;
     /// Whether the query may hold for a text with these words.
     bool mayHold(std::span<const char> mayStand, std::vector<char>& stack) const;
 

@@ -1,8 +1,8 @@
 // What is cheap comes first: the records of a page, its signature, and only then its text.
 //
-// In how many pages a word stands is asked of the signatures, since the texts of most pages are not
-// looked at; so the scores do not depend on which pages these are. Where a signature says nothing of
-// a word, a page counts for it if it matches and has it.
+// In how many pages a word stands is made out from the signatures, since the texts of most pages are
+// not looked at; so the scores do not depend on which pages these are. A signature that takes a word
+// to stand in a text errs as often as its bits tell, and so much is taken off.
 #include "gather/SearchScan.h"
 
 #include <cmath>
@@ -36,6 +36,7 @@ std::optional<int> yearOf(double seconds) {
 class SearchScan::Pass {
 public:
     Pass(const SearchScan& scan, const PageStretch& stretch) : scan_(scan), stretch_(stretch) {
+        found_.matchesWithWord.resize(scan.query_.numberOfWords());
         found_.pagesWithWord.resize(scan.query_.numberOfWords());
     }
 
@@ -62,47 +63,39 @@ private:
         const std::uint32_t words = page.words();
         ++found_.pages;
         found_.words += words;
-        if (mayMatch(page)) {
-            ++found_.scanned;
-            const String text = page.text();
-            if (scan_.query_.holdsFor(text)) return take(page, place, words, text);
-        }
-        countPage([](std::size_t) { return false; });
+        if (!mayMatch(page)) return;
+        ++found_.scanned;
+        const String text = page.text();
+        if (scan_.query_.holdsFor(text)) take(page, {place, words}, text);
     }
 
     bool mayMatch(const StoredPage& page) {
         const QuerySignature& asked = scan_.query_.signature();
         const PageSignature signature(page.signature());
-        isSigned_ = signature.isWhole();
-        if (!isSigned_) return true;
+        if (!signature.isWhole()) return true;
         asked.findWords(signature, mayStand_);
+        for (std::size_t i = 0; i < found_.pagesWithWord.size(); ++i) {
+            const std::size_t word = scan_.query_.signatureNumberOf(i);
+            if (asked.isTold(word))
+                found_.pagesWithWord[i] += asked.shareOf(word, signature, mayStand_[word]);
+        }
         return !scan_.options_.useSignatures || asked.mayHold(mayStand_, stack_);
     }
 
-    /// Counts the page for the words that it has.
-    template <class IsFound>
-    void countPage(IsFound isFound) {
-        for (std::size_t i = 0; i < found_.pagesWithWord.size(); ++i) {
-            const std::size_t number = scan_.query_.signatureNumberOf(i);
-            const bool isTold = isSigned_ && scan_.query_.signature().isTold(number);
-            found_.pagesWithWord[i] += isTold ? mayStand_[number] != 0 : isFound(i);
-        }
-    }
-
-    void take(const StoredPage& page, PagePlace place, std::uint32_t words, const String& text) {
-        const std::size_t first = found_.counts.size();
+    void take(const StoredPage& page, PageMatch match, const String& text) {
         const String title = String::fromUTF8(page.title());
-        for (std::size_t i = 0; i < scan_.query_.numberOfWords(); ++i)
-            found_.counts.push_back(static_cast<double>(scan_.query_.countOf(i, text)) +
-                                    TitleWeight *
-                                        static_cast<double>(scan_.query_.countOf(i, title)));
-        countPage([&](std::size_t word) { return found_.counts[first + word] > 0; });
-        PageMatch& match = found_.matches.emplace_back(PageMatch{place, words});
+        for (std::size_t i = 0; i < scan_.query_.numberOfWords(); ++i) {
+            const auto inText = static_cast<double>(scan_.query_.countOf(i, text));
+            const auto inTitle = static_cast<double>(scan_.query_.countOf(i, title));
+            found_.counts.push_back(inText + TitleWeight * inTitle);
+            found_.matchesWithWord[i] += inText + inTitle > 0;
+        }
         const SearchOrder order = scan_.options_.order;
         if (order == SearchOrder::Hits) match.hits = scan_.query_.hitsIn(text).size();
         if (order == SearchOrder::Newest) match.date = secondsOf(dateOfPage(page));
         if (order == SearchOrder::Address) match.key = page.key();
         if (scan_.options_.facets) countFacets(page);
+        found_.matches.push_back(std::move(match));
     }
 
     void countFacets(const StoredPage& page) {
@@ -114,7 +107,6 @@ private:
     const SearchScan& scan_;
     const PageStretch& stretch_;
     StretchMatches found_;
-    bool isSigned_ = false;
     std::vector<char> mayStand_, stack_;
 };
 

@@ -44,7 +44,8 @@ struct StretchMatches {
     std::uint64_t words = 0;  // of these
     std::size_t scanned = 0;
     bool isComplete = true;
-    std::vector<std::size_t> pagesWithWord;  // by word of the query
+    // By word of the query: how many of the matches have it, and how many pages seem to.
+    std::vector<double> matchesWithWord, pagesWithWord;
     std::map<String, std::size_t> languages, hosts;
     std::map<int, std::size_t> years;
 };

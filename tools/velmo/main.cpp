@@ -24,6 +24,7 @@ Command makeCompletionsCommand(Session& session);
 const std::vector<CommandEntry>& allCommands() {
     static const std::vector<CommandEntry> commands = {
         {"gather", makeGatherCommand},
+        {"search", makeSearchCommand},
         {"fetch", makeFetchCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
