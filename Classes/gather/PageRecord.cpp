@@ -86,11 +86,15 @@ PageKind kindOfNumber(std::uint32_t number) {
                                                                 : PageKind::Page;
 }
 
+bool hasDigest(const PageRecord& page) {
+    return std::ranges::any_of(page.digest, [](std::uint8_t byte) { return byte != 0; });
+}
+
 /// What is short and asked for of many pages: by a store that is opened, and by a search before it
 /// looks at the signature, which follows.
-void addFilters(Data& block, const PageRecord& page) {
+void addFilters(Data& block, const PageRecord& page, Bytes digest) {
     addText(block, page.key, PageKeyKey);
-    addData(block, digestOfText(page), DigestKey);
+    addData(block, digest, DigestKey);
     addUnsigned(block, static_cast<std::uint32_t>(page.kind), KindKey);
     addText(block, page.language, LanguageKey);
     addDate(block, page.date, DateKey);
@@ -111,14 +115,13 @@ void addDetails(Data& block, const PageRecord& page) {
 }  // namespace
 
 std::array<std::uint8_t, SHA1DigestSize> digestOfText(const PageRecord& page) {
-    constexpr std::array<std::uint8_t, SHA1DigestSize> None = {};
-    return page.digest == None ? SHA1Digest(page.text.utf8()) : page.digest;
+    return hasDigest(page) ? page.digest : SHA1Digest(page.text.utf8());
 }
 
 Data dataFromPageRecord(const PageRecord& page, const PageRecordWriting& options) {
+    const std::string text = page.text.utf8();  // once, for its digest and for itself
     Data block;
-    const std::string text = page.text.utf8();
-    addFilters(block, page);
+    addFilters(block, page, hasDigest(page) ? page.digest : SHA1Digest(text));
     addSignature(block, page.text, text.size());
     addDetails(block, page);
     addWhole(block, text, options);

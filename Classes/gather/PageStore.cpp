@@ -37,6 +37,18 @@ Error openingError(const Path& path) {
     return error;
 }
 
+/// A page that is looked for, and what was found.
+struct Incoming {
+    Bytes key, digest;
+    std::uint64_t keyHash;
+    std::optional<std::size_t> number = {};  // in the index
+    bool isSame = false;                     // it has that digest, and is whole
+};
+
+bool holds(Bytes block, Bytes digest) {
+    return std::ranges::equal(StoredPage(block).digest(), digest);
+}
+
 }  // namespace
 
 struct PageStore::State {
@@ -62,27 +74,48 @@ struct PageStore::State {
         return page.isIntact() ? std::optional(page.block()) : std::nullopt;
     }
 
-    std::optional<std::size_t> numberOf(Bytes key) {
-        return found.pages.findKey(found.pages.hashOf(key), [&](const PageIndex::Entry& entry) {
+    Incoming incoming(Bytes key, Bytes digest) const {
+        return {key, digest, found.pages.hashOf(key)};
+    }
+
+    std::optional<std::size_t> numberOf(Incoming& page) {
+        return found.pages.findKey(page.keyHash, [&](const PageIndex::Entry& entry) {
             const auto block = this->block(entry.offset);
-            return !block || std::ranges::equal(detail::bytesOf(StoredPage(*block).key()), key);
+            page.isSame = block && holds(*block, page.digest);
+            // What is damaged may well be that page, and is replaced then.
+            return !block ||
+                   std::ranges::equal(detail::bytesOf(StoredPage(*block).key()), page.key);
         });
     }
 
-    bool holds(std::size_t number, Bytes digest) {
-        const auto block = this->block(found.pages.entry(number).offset);
-        return block && std::ranges::equal(StoredPage(*block).digest(), digest);
-    }
-
     std::optional<std::size_t> numberOfText(Bytes digest) {
-        return found.pages.findDigest(
-            found.pages.hashOf(digest), [&](const PageIndex::Entry& entry) {
-                const auto block = this->block(entry.offset);
-                return block && std::ranges::equal(StoredPage(*block).digest(), digest);
-            });
+        return found.pages.findDigest(found.pages.hashOf(digest),
+                                      [&](const PageIndex::Entry& entry) {
+                                          const auto block = this->block(entry.offset);
+                                          return block && holds(*block, digest);
+                                      });
     }
 
-    bool append(Bytes block) { return storage.appendBlock(block); }
+    /// What a page is without anything to write.
+    std::optional<PutResult> standing(Incoming& page, bool hasText) {
+        page.number = numberOf(page);
+        if (page.number) return page.isSame ? std::optional(PutResult::Unchanged) : std::nullopt;
+        return hasText && numberOfText(page.digest) ? std::optional(PutResult::Duplicate)
+                                                    : std::nullopt;
+    }
+
+    PutResult append(const Incoming& page, Bytes block) {
+        if (!storage.appendBlock(block)) return PutResult::Failed;
+        const PageIndex::Entry entry = {page.keyHash, found.pages.hashOf(page.digest),
+                                        storage.offsetOfAppendedBlock()};
+        if (!page.number) {
+            found.pages.add(entry);
+            return PutResult::Added;
+        }
+        found.outdated.push_back(found.pages.entry(*page.number).offset);
+        found.pages.replace(*page.number, entry);
+        return synchronizeIfMany() ? PutResult::Replaced : PutResult::Failed;
+    }
 
     /// What deletes also moves the position, which has to be the end again for what is appended.
     bool deleteOutdated() {
@@ -144,6 +177,8 @@ PageStore PageStore::openForUpdating(const Path& path, Error* error) {
 
 bool PageStore::isValid() const noexcept { return state_ != nullptr; }
 
+bool PageStore::isOpenForUpdating() const noexcept { return state_ && state_->storage.isValid(); }
+
 const Path& PageStore::path() const noexcept {
     static const Path None;
     return state_ ? state_->path : None;
@@ -154,10 +189,12 @@ std::size_t PageStore::numberOfPages() const noexcept {
 }
 
 std::optional<PageRecord> PageStore::page(std::u16string_view key) const {
+    if (!state_) return std::nullopt;
     const std::string utf8 = velmo::utf8(key);
-    const auto number = state_ ? state_->numberOf(detail::bytesOf(utf8)) : std::nullopt;
-    if (!number) return std::nullopt;
-    const auto block = state_->block(state_->found.pages.entry(*number).offset);
+    Incoming wanted = state_->incoming(detail::bytesOf(utf8), {});
+    const auto number = state_->numberOf(wanted);
+    const auto block =
+        number ? state_->block(state_->found.pages.entry(*number).offset) : std::nullopt;
     return block ? pageRecordFromData(*block) : std::nullopt;
 }
 
@@ -181,44 +218,34 @@ void PageStore::forEachPage(std::size_t from, std::size_t to,
 }
 
 PutResult PageStore::put(const PageRecord& page) {
-    if (!state_ || !state_->storage.isValid()) return PutResult::Failed;
-    return put(page, {});
+    if (!isOpenForUpdating() || page.key.isEmpty()) return PutResult::Failed;
+    const std::string key = page.key.utf8();
+    const auto digest = digestOfText(page);
+    Incoming incoming = state_->incoming(detail::bytesOf(key), digest);
+    const auto result = state_->standing(incoming, !page.text.isEmpty());
+    return result ? *result : state_->append(incoming, dataFromPageRecord(page));
 }
 
 PutResult PageStore::put(const PageRecord& page, Bytes block) {
-    if (!state_ || !state_->storage.isValid() || page.key.isEmpty()) return PutResult::Failed;
-    const std::string utf8 = page.key.utf8();
-    const Bytes key = detail::bytesOf(utf8);
-    const auto digest = digestOfText(page);
-    const auto known = state_->numberOf(key);
-    if (known && state_->holds(*known, digest)) return PutResult::Unchanged;
-    if (!known && !page.text.isEmpty() && state_->numberOfText(digest)) return PutResult::Duplicate;
-    if (!state_->append(block.empty() ? Bytes(dataFromPageRecord(page)) : block))
-        return PutResult::Failed;
-    PageIndex& pages = state_->found.pages;
-    const PageIndex::Entry entry = {pages.hashOf(key), pages.hashOf(digest),
-                                    state_->storage.offsetOfAppendedBlock()};
-    if (!known) {
-        pages.add(entry);
-        return PutResult::Added;
-    }
-    state_->found.outdated.push_back(pages.entry(*known).offset);
-    pages.replace(*known, entry);
-    return state_->synchronizeIfMany() ? PutResult::Replaced : PutResult::Failed;
+    const StoredPage ready(block);
+    const std::string key = page.key.utf8();
+    if (!isOpenForUpdating() || key.empty() || ready.key() != key) return PutResult::Failed;
+    Incoming incoming = state_->incoming(detail::bytesOf(key), ready.digest());
+    const auto result = state_->standing(incoming, !page.text.isEmpty());
+    return result ? *result : state_->append(incoming, block);
 }
 
-bool PageStore::synchronize() {
-    return state_ && state_->storage.isValid() && state_->synchronize();
-}
+bool PageStore::synchronize() { return isOpenForUpdating() && state_->synchronize(); }
 
 std::optional<std::uint64_t> PageStore::addNote(Bytes note) {
-    if (!state_ || !isValidKeyedData(note) || StoredPage(note).isPage()) return std::nullopt;
-    if (!state_->append(note)) return std::nullopt;
+    if (!isOpenForUpdating() || !isValidKeyedData(note) || StoredPage(note).isPage())
+        return std::nullopt;
+    if (!state_->storage.appendBlock(note)) return std::nullopt;
     return state_->found.notes.emplace_back(state_->storage.offsetOfAppendedBlock());
 }
 
 bool PageStore::removeNote(std::uint64_t number) {
-    if (!state_ || !state_->storage.isValid()) return false;
+    if (!isOpenForUpdating()) return false;
     std::vector<std::uint64_t>& notes = state_->found.notes;
     const auto note = std::ranges::lower_bound(notes, number);
     if (note == notes.end() || *note != number) return false;

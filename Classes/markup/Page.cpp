@@ -112,8 +112,8 @@ Page::Page(Bytes bytes, const PageOptions& options) {
                                            options.web);
 }
 
-Page Page::pageWithString(const String& markup, const URL& url) {
-    return Page(std::make_shared<const State>(markup, UnknownStringEncoding, url, WebRules()));
+Page Page::pageWithString(const String& markup, const URL& url, const WebRules& web) {
+    return Page(std::make_shared<const State>(markup, UnknownStringEncoding, url, web));
 }
 
 const String& Page::markup() const noexcept { return state_->markup; }

@@ -356,6 +356,20 @@ constexpr Hostile Net[] = {
     {"charsets", u"text/html; ", u"charset="},
 };
 
+constexpr Hostile Sources[] = {
+    {"records of an archive", u"",
+     u"WARC/1.0\r\nWARC-Type: resource\r\nWARC-Target-URI: http://h.org/\001\r\n"
+     u"Content-Type: text/html\r\nContent-Length: 1\r\n\r\nx\r\n\r\n"},
+    {"fields of a record", u"WARC/1.0\r\n", u"WARC-Type: \001\r\n"},
+    {"lines between records", u"WARC/1.0\r\nContent-Length: 0\r\n\r\n", u"\r\n"},
+    {"chunks", u"", u"1;\001\r\nx\r\n"},
+    {"content codings", u"WARC/1.0\r\nContent-Encoding: ", u"identity, "},
+    {"pages in lines", u"", u"{\"url\":\"http://h.org/\001\",\"html\":\"<p>x\"}\n"},
+    {"a deep line", u"{\"url\":\"http://h.org/\",\"html\":\"\",\"x\":", u"["},
+    {"members of a line", u"{\"url\":\"http://h.org/\",\"html\":\"\"", u",\"url\":\"\001\""},
+    {"empty lines", u"{\"url\":1}", u"\n"},
+};
+
 }  // namespace
 
 std::span<const Hostile> plainTexts() { return Plain; }
@@ -365,6 +379,7 @@ std::span<const Hostile> queryTexts() { return Queries; }
 std::span<const Hostile> dateTexts() { return Dates; }
 std::span<const Hostile> sheetTexts() { return Sheets; }
 std::span<const Hostile> netTexts() { return Net; }
+std::span<const Hostile> sourceTexts() { return Sources; }
 
 std::u16string textOf(const Hostile& hostile, std::size_t units) {
     std::u16string text(hostile.head);

@@ -196,6 +196,7 @@ protected:
     }
     /// What lies outside of the damage is found, what is found is right, and all can be put again.
     void check(const std::string& damaged, std::size_t from, std::size_t to) {
+        std::filesystem::remove(at("s"));  // as a file that is cut and written again is stored at once
         write("s", damaged);
         const Texts found = texts();
         for (const PageRecord& page : pages_) {

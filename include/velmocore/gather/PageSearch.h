@@ -33,9 +33,10 @@ struct SearchOptions {
     std::size_t first = 0;   ///< how many of the pages that match are passed over
     std::size_t limit = 10;  ///< how many are told; 0 for all
     // Only pages that are so; an absent string and no date leave all.
-    String language = {};               ///< a key, in any case
-    String host = {};                   ///< this one and those below it
-    std::optional<Date> since, before;  ///< of their own date, else of when they were fetched
+    String language = {};  ///< a key, in any case
+    String host = {};      ///< this one and those below it
+    std::optional<Date> since = {},
+                        before = {};  ///< of their own date, else of when they were fetched
     /// Of a query without wildcards it tells of case only.
     WildcardComparison comparison = DefaultComparison;
     std::size_t excerptLength = 300;  ///< in UTF-16 units; 0 for none

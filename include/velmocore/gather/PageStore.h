@@ -52,6 +52,7 @@ public:
     [[nodiscard]] static PageStore openForUpdating(const Path& path, Error* error = nullptr);
 
     [[nodiscard]] bool isValid() const noexcept;
+    [[nodiscard]] bool isOpenForUpdating() const noexcept;
     [[nodiscard]] const Path& path() const noexcept;
     /// Damaged ones too, if only their text is: no checksum is computed to open a store.
     [[nodiscard]] std::size_t numberOfPages() const noexcept;
@@ -74,7 +75,8 @@ public:
     /// A page whose key and digest stand there is left alone, if it is whole there; one whose key
     /// stands there is replaced. An empty text is nobody's duplicate.
     PutResult put(const PageRecord& page);
-    /// The same with the block that dataFromPageRecord() made of the page, as other threads can do.
+    /// The same with the block that dataFromPageRecord() made of the page, as other threads can do;
+    /// its digest counts.
     PutResult put(const PageRecord& page, Bytes block);
     /// Has the system store all that was put, and then deletes what that replaced or what was
     /// removed. False if not all of it could be done: it is tried again with the next one.

@@ -46,7 +46,8 @@ public:
     /// without bytes, or that no encoding can read, is empty.
     explicit Page(Bytes bytes, const PageOptions& options = {});
     /// A page that is text already; its encoding is UnknownStringEncoding.
-    [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {});
+    [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {},
+                                             const WebRules& web = {});
 
     /// The text of the page, with its tags.
     [[nodiscard]] const String& markup() const noexcept VELMO_LIFETIME;

@@ -4,20 +4,26 @@
 // A wrong guess costs much on one side: a text that is taken for a page loses what looks like
 // tags, while a page that is taken for a text is only ugly. So what is not sure is no page by its
 // bytes, and only then its name is asked.
+#include <velmocore/markup/ContentKinds.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <set>
+#include <string>
 
 #include <velmocore/markup/FileTypes.h>
 #include <velmocore/markup/TagPredicates.h>
 
-#include "Marks.h"
+#include "markup/ByteOrderMarks.h"
 
-namespace velmo::tool {
+namespace velmo {
 namespace {
 
 using namespace std::string_view_literals;
+using detail::ByteOrderMark;
+using detail::encodingOfZeros;
+using detail::markOf;
 
 /// Controls are counted in so many bytes: what is no text shows it soon.
 constexpr std::size_t StartSize = 2048;
@@ -140,13 +146,13 @@ bool isPageName(std::string name) {
 
 }  // namespace
 
-ByteOrderMark markOf(Bytes bytes) {
+ByteOrderMark detail::markOf(Bytes bytes) {
     for (const ByteOrderMark& mark : Marks)
         if (charsOf(bytes).starts_with(mark.bytes)) return mark;
     return {};
 }
 
-StringEncoding encodingOfZeros(Bytes head) {
+StringEncoding detail::encodingOfZeros(Bytes head) {
     const std::size_t pairs = head.size() / 2;
     if (pairs < FewestPairs || !hasZero(head)) return UnknownStringEncoding;
     if (pairs >= 2 * FewestPairs)
@@ -163,12 +169,12 @@ StringEncoding encodingOfZeros(Bytes head) {
     return high == 0 ? UTF16BigEndianStringEncoding : UTF16LittleEndianStringEncoding;
 }
 
-Kind kindOf(Bytes head, const std::string& name) {
+ContentKind contentKind(Bytes head, std::string_view name) {
     const bool isWide =
         markOf(head).encoding != 0 || encodingOfZeros(head) != UnknownStringEncoding;
-    if (!isWide && isBinary(head)) return Kind::Binary;
-    if (beginsAsMarkup(head) || isPageName(name)) return Kind::Page;
-    return Kind::Unclear;
+    if (!isWide && isBinary(head)) return ContentKind::Binary;
+    if (beginsAsMarkup(head) || isPageName(std::string(name))) return ContentKind::Page;
+    return ContentKind::Unclear;
 }
 
-}  // namespace velmo::tool
+}  // namespace velmo

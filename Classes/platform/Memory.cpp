@@ -1,10 +1,10 @@
-#include "Memory.h"
+#include <velmocore/platform/Memory.h>
 
 #include <sys/mman.h>
 
 #include <cstdint>
 
-namespace velmo::tool {
+namespace velmo {
 
 void giveBack(const void* memory, std::size_t bytes) {
     constexpr std::uintptr_t PageSize = 4096;
@@ -14,4 +14,4 @@ void giveBack(const void* memory, std::size_t bytes) {
     if (first < end) madvise(reinterpret_cast<void*>(first), end - first, MADV_DONTNEED);
 }
 
-}  // namespace velmo::tool
+}  // namespace velmo

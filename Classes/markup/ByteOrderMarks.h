@@ -3,11 +3,10 @@
 
 #include <string_view>
 
+#include <velmocore/platform/Bytes.h>
 #include <velmocore/text/Encodings.h>
 
-#include "Content.h"
-
-namespace velmo::tool {
+namespace velmo::detail {
 
 struct ByteOrderMark {
     std::string_view bytes = {};
@@ -21,4 +20,4 @@ ByteOrderMark markOf(Bytes bytes);
 /// UTF-32 if all of its units are characters. UnknownStringEncoding if it is neither.
 StringEncoding encodingOfZeros(Bytes head);
 
-}  // namespace velmo::tool
+}  // namespace velmo::detail
