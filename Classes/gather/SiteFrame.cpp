@@ -74,13 +74,8 @@ void beginSitePage(MarkupWriter& out, std::u16string_view title, const SiteTarge
     if (!target.query.empty()) {
         out << "<link rel=\"alternate\" type=\"application/atom+xml\" title=\"Results\" href=\"";
         out.text(target.addressWith([](SiteTarget& feed) {
-            feed = {.path = "/feed",
-                    .query = feed.query,
-                    .order = feed.order,
-                    .language = feed.language,
-                    .host = feed.host,
-                    .year = feed.year,
-                    .key = {}};
+            feed.path = "/feed";
+            feed.first = 0;
         }));
         out << "\">";
     }
@@ -110,7 +105,7 @@ void writeQueryHelp(MarkupWriter& out, bool isOpen) {
 
 std::string sitePageOfStatus(int status, std::u16string_view reason) {
     MarkupWriter out;
-    beginSitePage(out, reason, {.path = "/", .query = {}, .language = {}, .host = {}, .key = {}});
+    beginSitePage(out, reason, {.path = "/"});
     out << "<h1>";
     out.text(reason);
     out << "</h1><p class=\"note\">Status ";

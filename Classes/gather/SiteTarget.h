@@ -15,12 +15,12 @@ inline constexpr std::size_t ResultsAPage = 20;
 
 struct SiteTarget {
     std::string path;
-    std::string query;  ///< as it was typed
+    std::string query = {};  ///< as it was typed
     SearchOrder order = SearchOrder::Relevance;
-    std::string language, host;
-    std::optional<int> year;
+    std::string language = {}, host = {};
+    std::optional<int> year = {};
     std::size_t first = 0;  ///< of the results
-    std::string key;        ///< of the page that is shown
+    std::string key = {};   ///< of the page that is shown
     std::size_t store = 0;  ///< that it is in
 
     /// As an address: "/?q=tea&host=h.org".
