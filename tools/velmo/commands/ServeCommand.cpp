@@ -146,7 +146,8 @@ void run(Report& report, Options& options) {
                                 ? static_cast<int>(options.port)
                                 : -1);
     const std::string address = fmt::format("http://{}:{}/", asHost(options.listen), port);
-    if (port < 0) return report.fail(options.listen, fmt::format("cannot listen on port {}", options.port));
+    if (port < 0)
+        return report.fail(options.listen, fmt::format("cannot listen on port {}", options.port));
     if (!isLoopback(options.listen))
         report.warn(options.listen, "whoever reaches this address can read the stores");
     options.site.hosts = hostsOf(options, port);
@@ -169,12 +170,15 @@ Command makeServeCommand(Session& session) {
                        .take = [options](const auto& path) { options->stores.push_back(path); },
                        .isRequired = true,
                        .isList = true}},
-        .more = "Ends on SIGINT and SIGTERM. A request changes nothing, and what is shown loads nothing "
-                "from elsewhere.\nSearches take at most --seconds.",
+        .more =
+            "Ends on SIGINT and SIGTERM. A request changes nothing, and what is shown loads "
+            "nothing "
+            "from elsewhere.\nSearches take at most --seconds.",
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add({
-        number("--port", "N", options->port, "where it listens, 8080; 0 is any free one", 0, LastPort),
+        number("--port", "N", options->port, "where it listens, 8080; 0 is any free one", 0,
+               LastPort),
         text("--listen", "ADDRESS", options->listen,
              "of this machine, instead of 127.0.0.1, which nobody else reaches"),
         texts("--name", "HOST", options->names,
