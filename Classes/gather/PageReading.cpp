@@ -136,6 +136,8 @@ void takeFromSource(PageRecord& record, const SourcePage& source) {
     if (record.url.isAbsent()) record.url = source.url;
     record.status = source.status;
     record.fetched = source.fetched;
+    record.entityTag = source.entityTag;
+    record.lastModified = source.lastModified;
     record.title = firstThatIs(record.title, source.title);
     record.author = firstThatIs(record.author, source.author);
     if (!record.date && !source.date.isEmpty()) record.date = dateOf(source.date);
@@ -147,12 +149,14 @@ void takeFromText(PageRecord& record, const PageReadingOptions& options) {
         record.language = options.languages->languageOfText(record.text);
 }
 
-/// What it is: as the source says, or as its bytes and its name tell. Nothing fails here, so what
-/// is neither page nor text has none.
+/// What it is: as the source says, or as its bytes tell, or its header, or its name. Nothing fails
+/// here, so what is neither page nor text has none.
 ContentKind kindOf(const SourcePage& source) {
     if (source.kind != ContentKind::Unclear) return source.kind;
     const Bytes head = Bytes(source.bytes).first(std::min(source.bytes.size(), ContentHeadSize));
-    const ContentKind kind = contentKind(head, source.url.rawPath().utf8());
+    const bool hasType = !source.contentType.isEmpty();
+    const ContentKind kind =
+        contentKind(head, hasType ? std::string() : source.url.rawPath().utf8());
     if (kind != ContentKind::Unclear) return kind;
     return isPlainTextMIMEType(source.contentType) ? ContentKind::Text : ContentKind::Page;
 }

@@ -98,6 +98,8 @@ void addFilters(Data& block, const PageRecord& page, Bytes digest) {
     addText(block, page.language, LanguageKey);
     addDate(block, page.date, DateKey);
     addDate(block, page.fetched, FetchedKey);
+    addText(block, page.entityTag, EntityTagKey);
+    addText(block, page.lastModified, ModifiedKey);
     addUnsigned(block, page.words, WordsKey);
 }
 
@@ -146,6 +148,8 @@ std::optional<PageRecord> pageRecordFromData(Bytes block) {
     page.words = stored.words();
     page.links = stored.links();
     page.fetched = stored.fetched();
+    page.entityTag = stringForKey(block, EntityTagKey);
+    page.lastModified = stringForKey(block, ModifiedKey);
     page.status = signedLongLongForKey(block, StatusKey);
     page.isErrorPage = boolForKey(block, ErrorPageKey);
     std::ranges::copy(stored.digest(), page.digest.begin());

@@ -46,6 +46,7 @@ public:
         std::size_t number = stretch_.from;
         scan_.stores_[stretch_.store].forEachPage(stretch_.from, stretch_.to,
                                                   [&](const StoredPage& page) {
+                                                      if (isStopped()) return false;
                                                       if (scan_.filter_.accepts(page))
                                                           look(page, {stretch_.store, number});
                                                       ++number;
@@ -55,6 +56,11 @@ public:
     }
 
 private:
+    bool isStopped() {
+        if (scan_.options_.shouldStop && scan_.options_.shouldStop()) found_.isComplete = false;
+        return !found_.isComplete;
+    }
+
     void look(const StoredPage& page, PagePlace place) {
         const std::uint32_t words = page.words();
         ++found_.pages;

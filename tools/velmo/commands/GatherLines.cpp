@@ -80,7 +80,7 @@ bool isOfLine(const Error& error) {
 
 }  // namespace
 
-void gatherLines(Report& report, const GatherRun& run) {
+void gatherLines(Report& report, GatherRun& run) {
     const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
     setLogHandler([](std::string_view) {});
     const std::unique_ptr<PageSource> source = linesOf(report.session(), run);
