@@ -16,6 +16,8 @@
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/text/CharacterSets.h>
 
+#include "platform/Surrogates.h"
+
 namespace velmo::detail {
 namespace {
 
@@ -115,6 +117,11 @@ void QuerySignature::addPlainWord(Word& word, const QueryTerms& term) const {
 }
 
 void QuerySignature::addWildcardWord(Word& word, std::u16string_view wildcard) const {
+    // Whether a pair parts words depends on how the query was parsed.
+    if (std::ranges::any_of(wildcard, isSurrogate)) {
+        word.alternatives.emplace_back();
+        return;
+    }
     const SeparatedWords parts = partsOf(wildcard);
     Needs needs;
     std::u16string joined;
