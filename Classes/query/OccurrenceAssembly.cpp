@@ -178,6 +178,17 @@ Summary summaryOfHits(const String& text, std::span<const Range> hits,
         text, !hits.empty(), [&] { return detail::KnownHits(hits); }, options);
 }
 
+std::vector<Range> hitsInSummary(const Summary& summary, std::span<const Range> hits) {
+    std::vector<Range> shown;
+    for (const auto& [range, start] : summary.parts) {
+        auto hit = std::ranges::lower_bound(hits, range.location, {}, &Range::location);
+        for (; hit != hits.end() && hit->location < range.end(); ++hit)
+            if (hit->end() <= range.end())
+                shown.push_back({hit->location - range.location + start, hit->length});
+    }
+    return shown;
+}
+
 String assembleOccurrencesOfHits(const String& text, std::span<const Range> hits,
                                  const AssemblyOptions& options) {
     return summaryOfHits(text, hits, options).string;

@@ -94,6 +94,11 @@ struct Summary {
 [[nodiscard]] VELMO_API Summary summaryOfHits(const String& text, std::span<const Range> hits,
                                               const AssemblyOptions& options = {});
 
+/// Where hits of the text stand in a summary of it, each that stands there as a whole; they must be
+/// in their order. This operation is ours.
+[[nodiscard]] VELMO_API std::vector<Range> hitsInSummary(const Summary& summary,
+                                                         std::span<const Range> hits);
+
 /// An excerpt with one hit or more.
 struct Occurrence {
     Range range;           ///< in the text

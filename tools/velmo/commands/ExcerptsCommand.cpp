@@ -35,22 +35,12 @@ struct Excerpt {
     std::vector<Range> hits = {};
 };
 
-/// The hits that stand in a range, counted from where that range begins in what is printed.
-void addHits(std::vector<Range>& shown, std::span<const Range> hits, Range range,
-             std::size_t start) {
-    auto hit = std::ranges::lower_bound(hits, range.location, {}, &Range::location);
-    for (; hit != hits.end() && hit->location < range.end(); ++hit)
-        if (hit->end() <= range.end())
-            shown.push_back({hit->location - range.location + start, hit->length});
-}
-
 /// A record's text begins with dots if it crossed a boundary.
 Excerpt excerptOf(const Occurrence& record, std::u16string_view text, std::span<const Range> hits) {
-    Excerpt excerpt = {.text = record.string};
     const std::size_t start =
         record.string.view().find(text.substr(record.range.location, record.range.length));
-    if (start != std::u16string_view::npos) addHits(excerpt.hits, hits, record.range, start);
-    return excerpt;
+    if (start == std::u16string_view::npos) return {.text = record.string};
+    return {record.string, hitsInSummary({record.string, {{record.range, start}}}, hits)};
 }
 
 /// Makes and prints the excerpts of one file after the other, on any threads.
@@ -124,10 +114,7 @@ private:
         }
         const Summary summary = options_.described ? summaryOfWildcards(text, wildcards_, options)
                                                    : summaryOfHits(text, hits, options);
-        Excerpt excerpt = {.text = summary.string};
-        for (const SummaryPart& part : summary.parts)
-            addHits(excerpt.hits, hits, part.range, part.start);
-        return excerpt;
+        return {summary.string, hitsInSummary(summary, hits)};
     }
 
     static JsonArray valuesOf(std::span<const Range> hits) {
