@@ -13,6 +13,7 @@
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Trimming.h>
+#include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLSchemes.h>
 #include <velmocore/url/URLSimplification.h>
@@ -71,7 +72,9 @@ struct Page::State {
         // Without a base a path would be taken for one of this machine.
         const URL& base = baseURL();
         if (base.isAbsent() && stringURLScheme(reference).isAbsent()) return {};
-        return URLWithStringRelativeTo(reference, base);
+        const URL link = URLWithStringRelativeTo(reference, base, {.web = web});
+        // A browser resolves scripts and mail links too, which lead to no page.
+        return web.resolution && filterLink(link.absoluteString()) ? URL() : link;
     }
     const URL& baseURL() const {
         const URL& base = references().baseURL;

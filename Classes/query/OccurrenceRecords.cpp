@@ -25,11 +25,12 @@ public:
     std::uint64_t edge() const { return edge_; }
     bool isCut() const { return isCut_; }
 
-    void add(bool isBoundary, bool isTerm, std::uint64_t edge) {
+    /// Takes one more unit. A word may end before it although both units are terms.
+    void add(bool isBoundary, bool isTerm, bool isApart, std::uint64_t edge) {
         isBehindBoundary_ |= isBoundary;
         if (isTerm) {
             // A word counts when it is entered; the one that the hit itself stands in does not.
-            words_ += !isInWord_;
+            words_ += !isInWord_ || isApart;
             edge_ = edge;
             isCut_ = isBehindBoundary_;
         }
@@ -71,22 +72,25 @@ private:
     }
 
     void growBack(Side& side) const {
+        const detail::ExcerptUnits units = units_;  // a copy, which no write can change
         for (std::uint64_t i = side.edge(); i-- > 0;) {
-            const bool isBoundary = units_.isBoundary(i);
+            const bool isBoundary = units.isBoundary(i);
             if (isBoundary && side.hasWords()) return;
-            side.add(isBoundary, units_.isTerm(i), i);
+            side.add(isBoundary, units.isTerm(i), units.words.parts(i + 1), i);
         }
     }
 
     /// Where it stops: at a boundary, or after one at the end of a word, once there are
     /// enough words.
     std::uint64_t growForward(Side& side) const {
+        const detail::ExcerptUnits units = units_;
         std::uint64_t i = side.edge();
-        for (; i < units_.text.size(); ++i) {
-            const bool isBoundary = units_.isBoundary(i), isTerm = units_.isTerm(i);
-            const bool mayStop = isBoundary || (side.isBehindBoundary() && !isTerm);
+        for (; i < units.text.size(); ++i) {
+            const bool isBoundary = units.isBoundary(i), isTerm = units.isTerm(i);
+            const bool isApart = units.words.parts(i);
+            const bool mayStop = isBoundary || (side.isBehindBoundary() && (!isTerm || isApart));
             if (mayStop && side.hasWords()) break;
-            side.add(isBoundary, isTerm, i + 1);
+            side.add(isBoundary, isTerm, isApart, i + 1);
         }
         return i;
     }
@@ -124,8 +128,7 @@ std::vector<Occurrence> getOccurrencesOfWildcards(std::u16string_view text,
                                                   std::span<const String> wildcards,
                                                   const OccurrenceOptions& options) {
     if (text.empty() || wildcards.empty()) return {};
-    return Records(text, options)
-        .of(detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters));
+    return Records(text, options).of(detail::WildcardHits(text, wildcards, options));
 }
 
 std::vector<Occurrence> getOccurrencesOfHits(std::u16string_view text, std::span<const Range> hits,

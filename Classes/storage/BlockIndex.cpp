@@ -74,9 +74,9 @@ std::uint32_t StretchChecksums::of(std::uint64_t start, std::uint64_t length) {
     return ofBeginning(start + length) ^ movedBy(ofBeginning(start), length);
 }
 
-BlockIndex::BlockIndex(Bytes store) : store_(store) {
-    collect();
-    StretchChecksums checksums(store);
+BlockIndex::BlockIndex(Bytes store, std::uint64_t from) : store_(store) {
+    collect(from);
+    StretchChecksums checksums(store.subspan(from));
     std::size_t firstValid = entries_.size();
     for (std::size_t i = entries_.size(); i-- > 0;) {
         Entry& entry = entries_[i];
@@ -85,14 +85,14 @@ BlockIndex::BlockIndex(Bytes store) : store_(store) {
         const Entry* follower = entryAt(next);  // is behind this one, so it has its root
         entry.root = follower ? follower->root : next;
         if (header.length > 0 &&
-            checksums.of(entry.offset + BlockHeaderSize, header.length) == header.checksum)
+            checksums.of(entry.offset - from + BlockHeaderSize, header.length) == header.checksum)
             firstValid = i;
         entry.firstValid = firstValid;
     }
 }
 
-void BlockIndex::collect() {
-    for (std::uint64_t offset = 0; offset < store_.size(); ++offset)
+void BlockIndex::collect(std::uint64_t from) {
+    for (std::uint64_t offset = from; offset < store_.size(); ++offset)
         if (mayBeginMarker(store_[offset]) && isPlausibleAt(store_, offset))
             entries_.push_back({offset, 0, 0});
 }

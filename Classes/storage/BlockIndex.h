@@ -32,7 +32,8 @@ private:
 
 class BlockIndex {
 public:
-    explicit BlockIndex(Bytes store);
+    /// Of a store from an offset on. All offsets count from the start of the store.
+    explicit BlockIndex(Bytes store, std::uint64_t from = 0);
 
     /// The first block from an offset on that is whole and has the right checksum.
     std::optional<std::uint64_t> firstValid(std::uint64_t from) const;
@@ -49,7 +50,7 @@ private:
         std::uint64_t root;      // where the blocks that follow one another from here end
         std::size_t firstValid;  // the entry, this or a later one
     };
-    void collect();
+    void collect(std::uint64_t from);
     const Entry* entryAt(std::uint64_t offset) const;
     std::vector<Entry>::const_iterator lowerBound(std::uint64_t offset) const;
 

@@ -1,3 +1,7 @@
+// What is in memory as a whole is given to libdeflate, which is several times as fast. What that
+// refuses, for its size or because it is damaged, goes to zlib: it holds no more than comes out, and
+// what came out of damaged bytes is kept.
+//
 // zlib's streams under the two operations. It counts what goes in in 32 bits and what comes out is
 // not known ahead, so both go in portions: the input as views of the caller's bytes, the output
 // through a buffer on the stack, which is checked against the limit before anything is kept.
@@ -11,6 +15,7 @@
 #include <utility>
 
 #include "storage/CompressionPieces.h"
+#include "storage/WholeCompression.h"
 
 namespace velmo {
 namespace {
@@ -19,6 +24,8 @@ namespace {
 // by the first bytes. The memory level is zlib's own default.
 constexpr int ZlibWindowBits = 15, GzipWindowBits = 31, AnyWindowBits = 47;
 constexpr int MemoryLevel = 8;
+/// What the usual level is.
+constexpr int UsualLevel = 6;
 /// Bytes.
 constexpr std::size_t PortionSize = 16384;
 
@@ -111,10 +118,17 @@ bool detail::inflateInto(Data& data, Bytes bytes, std::size_t maximumLength, std
 }
 
 std::optional<Data> dataByCompressingBytes(Bytes bytes, int compressionLevel, bool useGzip) {
-    return detail::deflated(bytes, compressionLevel, useGzip);
+    const int level =
+        compressionLevel == DefaultCompressionLevel ? UsualLevel : usableLevel(compressionLevel);
+    std::optional<Data> whole = detail::deflatedWhole(bytes, level, useGzip);
+    return whole ? std::move(whole) : detail::deflated(bytes, compressionLevel, useGzip);
 }
 
 bool setDataByInflating(Data& data, Bytes bytes, std::size_t maximumLength) {
+    if (std::optional<Data> whole = detail::inflatedWhole(bytes, maximumLength)) {
+        data = std::move(*whole);
+        return true;
+    }
     return detail::inflateInto(data, bytes, maximumLength);
 }
 

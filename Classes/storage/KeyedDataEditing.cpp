@@ -45,6 +45,13 @@ bool isWithin(Bytes bytes, const Data& data) {
            notAbove(bytes.data(), data.data() + data.size());
 }
 
+bool addPayload(Data& data, KeyedTag tag, Bytes payload, std::uint32_t key) {
+    if (payload.empty() || payload.size() > LongestPayload) return false;
+    const Data copy = isWithin(payload, data) ? Data(payload.begin(), payload.end()) : Data();
+    appendPayload(data, tag, copy.empty() ? payload : Bytes(copy), key);
+    return true;
+}
+
 /// Keeps the records for which the test is false.
 template <class Test>
 void removeRecords(Data& data, unsigned line, Test test) {
@@ -87,10 +94,11 @@ void detail::removeFirstKeyed(Data& data, KeyedTag tag, std::uint32_t key) {
 }
 
 bool addData(Data& data, Bytes value, std::uint32_t key) {
-    if (value.empty() || value.size() > LongestPayload) return false;
-    if (isWithin(value, data)) return addData(data, Data(value.begin(), value.end()), key);
-    appendPayload(data, KeyedTag::Blob, value, key);
-    return true;
+    return addPayload(data, KeyedTag::Blob, value, key);
+}
+
+bool addUTF8String(Data& data, std::string_view value, std::uint32_t key) {
+    return addPayload(data, KeyedTag::Text, value, key);
 }
 
 bool setData(Data& data, Bytes value, std::uint32_t key) {

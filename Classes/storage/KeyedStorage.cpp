@@ -88,7 +88,7 @@ bool isTorn(const BufferedFile& file, std::uint64_t offset) {
 }
 
 KeyedStorage opened(const Path& path, StoreAccess access) {
-    return {detail::openStoreFile(FileCalls::system(), path, access), path,
+    return {detail::openStoreFile(FileCalls::current(), path, access), path,
             access == StoreAccess::Append};
 }
 
@@ -231,17 +231,30 @@ KeyedStorage::mutableCopyOfNextAvailableBlockWithCompressed() {
 }
 
 bool KeyedStorage::forEachBlock(StorageBlockHandler handler, BlockWalking options) {
+    return readMapped([&](Bytes store) { forEachStorageBlock(store, handler, options); });
+}
+
+bool KeyedStorage::readMapped(FunctionRef<void(Bytes store)> handler) {
     if (!_file || !_file->flush()) return false;
     const detail::FileMapping mapping(_file->descriptor());
     if (!mapping.isWhole()) return false;
-    forEachStorageBlock(mapping.bytes(), handler, options);
+    handler(mapping.bytes());
     return true;
 }
 
-std::optional<std::uint64_t> KeyedStorage::paddingFor(Bytes payload) const {
-    if (_blockSize == 0) return 0;
-    const std::uint64_t over = (payload.size() + BlockHeaderSize) % _blockSize;
-    const std::uint64_t padding = over == 0 ? 0 : _blockSize - over;
+std::optional<Bytes> KeyedStorage::blockAtFileOffset(std::uint64_t offset) {
+    if (!_file) return std::nullopt;
+    const BlockAt block = detail::blockAt(*_file, offset);
+    const auto found = block.state == BlockState::Live ? unpack(block) : std::nullopt;
+    return found ? std::optional(found->data) : std::nullopt;
+}
+
+std::optional<std::uint64_t> KeyedStorage::paddingFor(Bytes payload, std::uint64_t start) const {
+    const std::uint64_t unit = _blockSize != 0 ? _blockSize : _alignment;
+    if (unit == 0) return 0;
+    const std::uint64_t from = _blockSize != 0 ? 0 : start % unit;
+    const std::uint64_t over = (from + payload.size() + BlockHeaderSize) % unit;
+    const std::uint64_t padding = over == 0 ? 0 : unit - over;
     return padding <= LargestField ? std::optional(padding) : std::nullopt;
 }
 
@@ -273,6 +286,11 @@ std::optional<KeyedStorage::Place> KeyedStorage::placeToAppend() {
     return Place::End;
 }
 
+bool KeyedStorage::removeTornEnd() {
+    seekToEndOfFile();
+    return _file && placeToAppend().has_value();
+}
+
 bool KeyedStorage::writeBlock(const BlockHeader& header, Bytes payload, std::uint64_t zeros) {
     // Writing changes what was read ahead, where the payload may stand.
     if (_file->isOwn(payload))
@@ -285,11 +303,12 @@ bool KeyedStorage::writeBlock(const BlockHeader& header, Bytes payload, std::uin
 bool KeyedStorage::append(Bytes data, std::uint32_t marker) {
     if (!_file || data.empty() || data.size() > LargestField) return false;
     if (_file->isOwn(data)) return append(Data(data.begin(), data.end()), marker);
-    const std::optional<std::uint64_t> padding = paddingFor(data);
-    const auto place = padding ? placeToAppend() : std::nullopt;
-    if (!place) return false;
-    if (!_file->goToEnd()) return false;
+    if (!paddingFor(data, 0)) return false;
+    const auto place = placeToAppend();
+    if (!place || !_file->goToEnd()) return false;
     const std::uint64_t start = _file->position();
+    const std::optional<std::uint64_t> padding = paddingFor(data, start);
+    if (!padding) return false;
     const BlockHeader header = {marker, static_cast<std::uint32_t>(data.size()),
                                 static_cast<std::uint32_t>(*padding), CRC32(data)};
     const bool isWritten = writeBlock(header, data, *padding);
@@ -342,7 +361,7 @@ KeyedStorage::Move KeyedStorage::optimizeLastBlock(Bytes data, std::optional<Byt
     const bool isPacked = compressed && _compressed;
     Prepared block(isPacked ? *compressed : data, !isPacked && _compressed);
     if (isPacked) block.marker = detail::CompressedMarker;
-    const auto padding = paddingFor(block.payload);
+    const auto padding = paddingFor(block.payload, toFileOffset);
     if (block.payload.empty() || block.payload.size() > LargestField || !padding) return stays;
     const std::uint64_t total = BlockHeaderSize + block.payload.size() + *padding;
     const bool gains = _lastPosition > toFileOffset || _lastLength > total;

@@ -46,6 +46,7 @@ bool KeyedStorage::copyAllInto(KeyedStorage& destination, bool skipErrors,
     seekToFileOffset(0);
     if (destination.isValid() && !destination.truncateFileAtOffset(0)) return false;
     destination._blockSize = _blockSize;
+    destination._alignment = _alignment;
     while (auto block = _mutableCopyOfNextAvailableBlock(hasError)) {
         if (!copyInto(destination, *block, handler)) return false;
         if (hasError && !skipErrors) return false;
@@ -89,6 +90,7 @@ KeyedStorage::Salvage KeyedStorage::salvageToPath(const Path& path) {
     detail::NewStoreFile fresh(_file->calls(), path);
     KeyedStorage destination(fresh.takeFile(), path, true);
     destination._blockSize = _blockSize;
+    destination._alignment = _alignment;
     bool isComplete = destination.isValid();
     const auto keep = [&](const StorageBlock& block) {
         if (block.state == BlockState::Live) {

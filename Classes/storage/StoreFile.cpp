@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 
@@ -160,6 +161,16 @@ FileMapping::FileMapping(int file) {
     if (isWhole_) return;
     start_ = nullptr;
     length_ = 0;
+}
+
+void FileMapping::release(Bytes bytes) {
+    const std::uintptr_t page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+    const auto start = reinterpret_cast<std::uintptr_t>(bytes.data());
+    const std::uintptr_t from = (start + page - 1) / page * page;
+    const std::uintptr_t to = (start + bytes.size()) / page * page;
+    // A hint, of which nothing depends.
+    if (from < to)
+        static_cast<void>(::madvise(reinterpret_cast<void*>(from), to - from, MADV_DONTNEED));
 }
 
 FileMapping::~FileMapping() {

@@ -46,7 +46,7 @@ private:
 };
 
 /// The bytes of an open file, mapped; none if that fails or there are none.
-class FileMapping {
+class VELMO_API FileMapping {
 public:
     explicit FileMapping(int file);
     ~FileMapping();
@@ -56,6 +56,10 @@ public:
     /// Whether the bytes are all that the file has.
     bool isWhole() const { return isWhole_; }
     Bytes bytes() const { return {static_cast<const std::uint8_t*>(start_), length_}; }
+
+    /// Takes what is mapped of some bytes out of memory until it is looked at again, so that a walk
+    /// over a large file does not hold all of it.
+    static void release(Bytes bytes);
 
 private:
     void* start_ = nullptr;

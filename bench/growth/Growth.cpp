@@ -211,7 +211,8 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
     for (const auto operations :
          {textOperations(), cleaningOperations(), wordOperations(), queryOperations(),
           urlOperations(), markupOperations(), feedOperations(), storageOperations(),
-          systemOperations(), readerOperations(), netOperations()})
+          systemOperations(), readerOperations(), netOperations(), gatherOperations(),
+          sourceOperations()})
         for (const Operation& operation : operations)
             report(meter, hostile, operation, Case(meter, operation, inputs).measured(), result);
     return result;
@@ -221,7 +222,7 @@ Report checkFamily(const Meter& meter, const Hostile& hostile) {
 std::vector<const Hostile*> families(std::string_view wanted) {
     std::vector<const Hostile*> found;
     for (const auto texts : {plainTexts(), markupTexts(), locationTexts(), queryTexts(),
-                             dateTexts(), sheetTexts(), netTexts()})
+                             dateTexts(), sheetTexts(), netTexts(), sourceTexts()})
         for (const Hostile& hostile : texts)
             if (std::string_view(hostile.name).find(wanted) != std::string_view::npos)
                 found.push_back(&hostile);

@@ -29,6 +29,7 @@ std::span<const Hostile> queryTexts();
 std::span<const Hostile> dateTexts();
 std::span<const Hostile> sheetTexts();
 std::span<const Hostile> netTexts();
+std::span<const Hostile> sourceTexts();
 
 /// The text of about so many units.
 std::u16string textOf(const Hostile& hostile, std::size_t units);
@@ -66,6 +67,8 @@ std::span<const Operation> storageOperations();
 std::span<const Operation> systemOperations();
 std::span<const Operation> readerOperations();
 std::span<const Operation> netOperations();
+std::span<const Operation> gatherOperations();
+std::span<const Operation> sourceOperations();
 
 /// Uses a result, so that no compiler leaves the work out.
 template <class Result>

@@ -53,6 +53,9 @@ constexpr Hostile Plain[] = {
     {"Cyrillic", u"", u"\u041C\u043E\u0441\u043A\u0432\u0430 \u0438 "},
     {"Greek", u"", u"\u03B1\u03B8\u03AE\u03BD\u03B1 "},
     {"Chinese", u"", u"\u4E2D\u6587\u5B57"},
+    {"one ideograph", u"", u"\u4E2D"},
+    {"Thai", u"", u"\u0E17\u0E35\u0E48\u0E19"},
+    {"pairs of Han", u"", u"\xD842\xDFB7"},
     {"mixed scripts", u"", u"dig \u043A\u0442\u043E\u4E2D \u03B1\u0301\xD83D\xDE00 \u0627\u0644, "},
     {"same word", u"", u"the "},
     {"numbered words", u"", u"word\001 "},
@@ -237,6 +240,11 @@ constexpr Hostile Locations[] = {
     {"numbered host", u"http://", u"h\001.", u"org/"},
     {"host of one part", u"http://", u"a", u"/"},
     {"dots of a host", u"http://", u".", u"/"},
+    {"letters of a host", u"http://", u"\u00E4.", u"org/"},
+    {"one foreign label", u"http://", u"\u00E4\u4E00\001", u"/"},
+    {"encoded labels", u"http://", u"xn--bcher-kva.", u"org/"},
+    {"one encoded label", u"http://xn--", u"ae\001", u"/"},
+    {"escaped host", u"http://", u"%C3%A4", u"/"},
     {"IPv6", u"http://[", u"0:", u"]/"},
     {"IPv4", u"http://", u"127.", u"1/"},
     {"ports", u"http://h.org:", u"8"},
@@ -359,6 +367,23 @@ constexpr Hostile Net[] = {
     {"charsets", u"text/html; ", u"charset="},
 };
 
+constexpr Hostile Sources[] = {
+    {"records of an archive", u"",
+     u"WARC/1.0\r\nWARC-Type: resource\r\nWARC-Target-URI: http://h.org/\001\r\n"
+     u"Content-Type: text/html\r\nContent-Length: 1\r\n\r\nx\r\n\r\n"},
+    {"fields of a record", u"WARC/1.0\r\n", u"WARC-Type: \001\r\n"},
+    {"lines between records", u"WARC/1.0\r\nContent-Length: 0\r\n\r\n", u"\r\n"},
+    {"chunks", u"", u"1;\001\r\nx\r\n"},
+    {"content codings", u"WARC/1.0\r\nContent-Encoding: ", u"identity, "},
+    {"pages in lines", u"", u"{\"url\":\"http://h.org/\001\",\"html\":\"<p>x\"}\n"},
+    {"a deep line", u"{\"url\":\"http://h.org/\",\"html\":\"\",\"x\":", u"["},
+    {"members of a line", u"{\"url\":\"http://h.org/\",\"html\":\"\"", u",\"url\":\"\001\""},
+    {"empty lines", u"{\"url\":1}", u"\n"},
+    {"stars of a rule", u"User-agent: *\nDisallow: /", u"*a", u"$"},
+    {"rules with stars", u"User-agent: *\n", u"Disallow: /*a*\001*b$\n"},
+    {"names of programs", u"", u"User-agent: bot\001\nDisallow: /\n"},
+};
+
 }  // namespace
 
 std::span<const Hostile> plainTexts() { return Plain; }
@@ -368,6 +393,7 @@ std::span<const Hostile> queryTexts() { return Queries; }
 std::span<const Hostile> dateTexts() { return Dates; }
 std::span<const Hostile> sheetTexts() { return Sheets; }
 std::span<const Hostile> netTexts() { return Net; }
+std::span<const Hostile> sourceTexts() { return Sources; }
 
 std::u16string textOf(const Hostile& hostile, std::size_t units) {
     std::u16string text(hostile.head);

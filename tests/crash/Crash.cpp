@@ -28,6 +28,8 @@
 #include <velmocore/platform/Log.h>
 #include <velmocore/storage/KeyedStorage.h>
 
+#include "PagesCrash.h"
+
 namespace velmo {
 namespace {
 
@@ -272,6 +274,8 @@ std::size_t run(std::size_t rounds, unsigned seed) {
         lookAtWhatIsLeft(*promises, path, writer, round);
         stored += found(path, false, round).size();
     }
+    std::filesystem::create_directories(folder);
+    stored += killGatherers(folder, rounds / 2, random);
     std::filesystem::remove_all(folder);
     return stored;
 }
@@ -288,7 +292,7 @@ int main(int argc, char** argv) {
     const auto start = std::chrono::steady_clock::now();
     const std::size_t looks = velmo::run(rounds, seed);
     const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-    fmt::print("crash: {} kills in {:.0f} s, {} looks at stored blocks, none lost or wrong\n", rounds, time.count(),
-               looks);
+    fmt::print("crash: {} kills in {:.0f} s, {} looks at stored blocks and pages, none lost or wrong\n",
+               rounds + rounds / 2, time.count(), looks);
     return looks > 0 ? 0 : 1;
 }

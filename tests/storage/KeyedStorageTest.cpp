@@ -353,5 +353,28 @@ TEST_F(Storage, AppendingTakesOffATornTailAndNothingElse) {
     }
 }
 
+TEST_F(Storage, AlignsBlocksAndFindsThemByOffset) {
+    write("s", block("odd"));
+    auto store = updating("s");
+    store.setAlignment(16);
+    store.seekToEndOfFile();
+    EXPECT_TRUE(store.appendBlock("one") && store.appendBlock("two"));
+    const std::uint64_t two = store.offsetOfAppendedBlock(), end = store.offsetInFile();
+    EXPECT_EQ(std::pair(two % 16, end - two), std::pair(0ul, 32ul));
+    EXPECT_EQ(charsOf(store.blockAtFileOffset(two).value()), "two");
+    EXPECT_EQ(charsOf(store.blockAtFileOffset(0).value()), "odd");
+    EXPECT_FALSE(store.blockAtFileOffset(1) || store.blockAtFileOffset(end));
+    EXPECT_EQ(store.offsetInFile(), end);
+    EXPECT_TRUE(store.deleteBlockAtFileOffset(two));
+    EXPECT_FALSE(store.blockAtFileOffset(two));
+    EXPECT_TRUE(store.removeTornEnd() && store.closeFile() == 0);
+    EXPECT_EQ(bytes("s").size(), end);
+    EXPECT_EQ(logged_, "");
+    write("s", bytes("s") + "\x31");
+    EXPECT_TRUE(updating("s").removeTornEnd());
+    EXPECT_EQ(bytes("s").size(), end);
+    EXPECT_FALSE(KeyedStorage().removeTornEnd());
+}
+
 }  // namespace
 }  // namespace velmo

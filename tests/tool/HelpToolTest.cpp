@@ -2,6 +2,9 @@
 // its JSON, and a slip of the keyboard is understood.
 #include <regex>
 
+#include <velmocore/gather/PageStore.h>
+#include <velmocore/url/PageKey.h>
+
 #include "ToolFixture.h"
 #include "net/RawServer.h"
 
@@ -24,6 +27,8 @@ protected:
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
         std::filesystem::create_directories(folder_ / "photos");
         std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
+        write("pages.jsonl", "{\"url\":\"http://h/\",\"html\":\"<a href=x>link</a>\"}\nbad\n");
+        write("robots.txt", "User-agent: *\nDisallow: /private\n");
         write("form.bin", "--XyZ\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nx\r\n--XyZ--\r\n");
         write("prices.csv", "name,price\nTea,\"3,50\"\n");
         write("refs.bib", "@book{k, x = {A Title}}");
@@ -54,15 +59,27 @@ protected:
                    .code == 0;
     }
 
+    void makePages() const {
+        PageStore store = PageStore::openForUpdating((folder_ / "pages.store").string());
+        PageRecord page;
+        page.url = URL::URLWithString(u"https://example.org/");
+        page.key = pageKey(page.url);
+        page.title = u"T";
+        page.text = u"A cup of tea.";
+        EXPECT_NE(store.put(page), PutResult::Failed);
+    }
+
     void runExample(const std::string& example) const {
         std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
-        if (line.find(" fetch ") != line.npos)
+        if (line.find(" fetch ") != line.npos || line.find(" gather https") != line.npos)
             line = std::regex_replace(line, std::regex("https://www.example.org"), server_.at(""));
+        line = std::regex_replace(line, std::regex("--depth 2"), "--depth 2 --delay 0");
         shell("rm -rf archive.txt.gz *.store *.zip example.webloc extracted mirror");
         if (example.starts_with("velmo attributes") && !setAttributes()) return;
         shell(
             "$V store append notes.store notes.txt; $V records --write-strings list.keyed < notes.txt; "
             "$V archive create notes.zip notes.txt");
+        makePages();
         if (example.find("unpack") != example.npos) shell("gzip -k archive.txt; rm archive.txt");
         const std::string helper =
             "export XDG_RUNTIME_DIR=$PWD; $V helper serve pages >/dev/null & pages=$!; $V helper "
@@ -100,7 +117,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 64u);
+    EXPECT_EQ(names.size(), 71u);
     for (const std::string& name : names) {
         if (std::ranges::count(groups_, name)) continue;
         const std::string help = run("help " + name).out;
@@ -124,9 +141,12 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         paragraphs.push_back(manual.substr(at + 8, manual.find("\n.TP", at + 1) - at - 8));
     const std::pair<const char*, std::string> runs[] = {
         {"gather", "site --follow all --query cat"},
+        {"gather", "--store gathered.store site"},
+        {"gather", "--lines pages.jsonl"},
         {"fetch", server_.at("/")},
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
+        {"robots", "robots.txt mybot http://h/"},
         {"feed", "feed.xml"},
         {"thumbs", "page.html"},
         {"meta", "page.html"},
@@ -150,6 +170,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url simplify", "http://h/"},
         {"url key", "http://h/"},
         {"url parse", "http://h/"},
+        {"url host", "h"},
         {"url path", "http://h/"},
         {"url params", "http://h/?a=b"},
         {"url classify", "http://h/"},
@@ -172,6 +193,9 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"attributes source", "notes.txt"},
         {"attributes comment", "notes.txt"},
         {"attributes remove", "comment notes.txt"},
+        {"show", "pages.store https://example.org/"},
+        {"search", "tea pages.store"},
+        {"store stats", "pages.store"},
         {"store append", "notes.store notes.txt mail.txt"},
         {"store list", "notes.store"},
         {"store get", "notes.store 0"},
@@ -193,6 +217,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         EXPECT_TRUE(std::ranges::count(groups_, name) ||
                     std::ranges::count(runs, name, [](const auto& run) { return std::string(run.first); }))
             << name;
+    makePages();
     for (const auto& [command, arguments] : runs) {
         // The paragraph whose heading names the command, with its group if it is an action.
         const std::string whole = command, group = whole.substr(0, whole.find(' ')),

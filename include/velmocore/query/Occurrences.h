@@ -48,6 +48,10 @@ struct AssemblyOptions {
     bool strictSentenceEnds = false;
     /// A sentence that does not fit is not cut between the halves of a pair.
     bool keepsPairs = false;
+    /// Each character of a script without spaces is a word; see QueryOptions. Sentences also end
+    /// with the punctuation of these scripts, and none is cut inside a character. A query tells of
+    /// its terms by itself.
+    bool withinRuns = false;
 };
 
 /// The sentences or paragraphs with a hit, each once. One that does not fit is cut such that
@@ -90,6 +94,11 @@ struct Summary {
 [[nodiscard]] VELMO_API Summary summaryOfHits(const String& text, std::span<const Range> hits,
                                               const AssemblyOptions& options = {});
 
+/// Where hits of the text stand in a summary of it, each that stands there as a whole; they must be
+/// in their order. This operation is ours.
+[[nodiscard]] VELMO_API std::vector<Range> hitsInSummary(const Summary& summary,
+                                                         std::span<const Range> hits);
+
 /// An excerpt with one hit or more.
 struct Occurrence {
     Range range;           ///< in the text
@@ -109,6 +118,7 @@ struct OccurrenceOptions {
     /// A . or ! or ? ends a sentence only before white space or the end of the text, so that
     /// 2.4 and example.org stay whole.
     bool strictSentenceEnds = false;
+    bool withinRuns = false;  ///< see AssemblyOptions
 };
 
 /// The sentences or paragraphs with a hit, in their order. All hits in one excerpt make one

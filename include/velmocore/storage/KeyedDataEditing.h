@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <ranges>
+#include <string_view>
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/storage/KeyedData.h>
@@ -105,6 +106,8 @@ inline bool addBytes(Data& data, Bytes value, std::uint32_t key) {
 }
 /// False also for a lone surrogate, which UTF-8 cannot hold; that is logged.
 VELMO_API bool addString(Data& data, std::u16string_view value, std::uint32_t key);
+/// Ours: a string that is UTF-8 already, which is not checked.
+VELMO_API bool addUTF8String(Data& data, std::string_view value, std::uint32_t key);
 VELMO_API bool addURL(Data& data, const URL& value, std::uint32_t key);
 
 // Where adding fails, the old record is gone all the same.

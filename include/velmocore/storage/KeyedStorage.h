@@ -57,7 +57,7 @@ public:
 /// optimizeLastBlock() (blocks may be lost, and others be there twice). Instead of
 /// updating, append the new block, synchronize, and delete the old one; instead of moving blocks,
 /// use optimizeSafelyToPath(). deleteBlockAtFileOffset() rewrites 16 bytes, which is one step where
-/// the block size is a multiple of 512.
+/// the block size is a multiple of 512, or the alignment one of 16.
 ///
 /// Between processes: readers share a file, a writer has it alone, and nobody waits: opening fails
 /// at once. One thread at a time uses a store. Damage is told to the log, and files that end early.
@@ -95,6 +95,11 @@ public:
     /// standard output.
     [[nodiscard]] std::uint64_t blockSize() const noexcept { return _blockSize; }
     void setBlockSize(std::uint64_t blockSize);
+    /// Ours: in bytes; 0 for none. What is appended is padded so that the next block begins at a
+    /// multiple of it. A multiple of 16 keeps headers from lying across two sectors of a disk, for
+    /// less room than a block size takes, which goes before it.
+    [[nodiscard]] std::uint64_t alignment() const noexcept { return _alignment; }
+    void setAlignment(std::uint64_t alignment) noexcept { _alignment = alignment; }
 
     /// Bytes from the start of the file; 0 without one.
     [[nodiscard]] std::uint64_t offsetInFile() const;
@@ -127,6 +132,11 @@ public:
     /// Only programs that keep to the lock leave a file alone meanwhile: one that is cut short by
     /// another ends the program.
     bool forEachBlock(StorageBlockHandler handler, BlockWalking options = {});
+    /// Ours: the same bytes as a whole, good until the handler returns.
+    bool readMapped(FunctionRef<void(Bytes store)> handler);
+    /// Ours: what the block at an offset holds, good until the next operation. None if no live block
+    /// with the right checksum stands there; nothing is logged, and the position stays.
+    [[nodiscard]] std::optional<Bytes> blockAtFileOffset(std::uint64_t offset) VELMO_LIFETIME;
 
     // Writing, at the position; that is the end where nothing else was said. True on success, which
     // is that the block waits to be stored: only synchronizeFile() and closeFile() tell that it is.
@@ -138,6 +148,9 @@ public:
     bool appendCompressedBlock(Bytes data);
     /// As it is, whatever isCompressed() says.
     bool appendUncompressedBlock(Bytes data);
+    /// Ours: takes a torn block off the end now, which the next append does otherwise. Goes to the
+    /// end. False if that could not be done.
+    bool removeTornEnd();
     /// Ours: where the block begins that was appended last. The end of the file before may have
     /// been another place, if a torn block was taken off.
     [[nodiscard]] std::uint64_t offsetOfAppendedBlock() const noexcept { return _appendedAt; }
@@ -197,7 +210,7 @@ private:
     std::optional<BlockCopy> _mutableCopyOfNextAvailableBlock(bool& error);
     bool append(Bytes data, std::uint32_t marker);
     bool writeBlock(const detail::BlockHeader& header, Bytes payload, std::uint64_t zeros);
-    std::optional<std::uint64_t> paddingFor(Bytes payload) const;
+    std::optional<std::uint64_t> paddingFor(Bytes payload, std::uint64_t start) const;
     enum class Place : std::uint8_t { End, Middle };
     std::optional<Place> placeToAppend();
     bool mendTail(std::uint64_t end);
@@ -211,6 +224,7 @@ private:
     std::uint64_t _lastPosition = 0;
     std::uint64_t _lastLength = 0;
     std::uint64_t _blockSize = 0;
+    std::uint64_t _alignment = 0;
     bool _compressed = false;
     Path _path;
 

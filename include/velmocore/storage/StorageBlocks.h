@@ -48,6 +48,8 @@ struct StorageBlock {
                                                              0xFFFFFFFF}) const;
 };
 using StorageBlockHandler = FunctionRef<bool(const StorageBlock& block)>;
+/// Whether the bytes of a live block, or the room of a dead one, are such as they were written.
+using StorageBlockTrust = FunctionRef<bool(const StorageBlock& block, Bytes room)>;
 
 struct BlockWalking {
     /// Go on behind damage: with the next block that proves to be one by marker and checksum.
@@ -55,6 +57,12 @@ struct BlockWalking {
     /// header ends the walk, as it does for readers. Blocks of a store that was itself a payload,
     /// in a block that is damaged now, may be taken for blocks of this one.
     bool salvage = false;
+    /// Ours: what is whole by its own looks. Blocks that it is true of are not summed up: a live one
+    /// is told without a look at its checksum, so that most of a store need not be read. It must
+    /// not be true of a block that swallows the next one, whose length or padding is damaged. Of all
+    /// others only a payload with the right checksum is believed: with salvage, whole blocks that
+    /// stand elsewhere in them are told too, as what is appended behind damage may come to stand.
+    StorageBlockTrust isTrusted = {};
 };
 /// Calls the handler for each block, dead or alive, and for each damage, in order, until it returns
 /// false. A live block whose padding runs past the end comes twice, as truncated too. The time is

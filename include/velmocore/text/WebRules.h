@@ -74,6 +74,12 @@ struct WebRules {
     ///     const String page = u"<div style='display:block; border:none'>a<marquee>b";
     ///     stringByConvertingHtml2PlainText(page, {.web = WebRules::today()});   // ab
     bool hiddenElements = false;
+    /// Links are resolved as the URL standard says: \ is a slash, tabs and line ends are left out,
+    /// hosts are in their ASCII form, and nothing else is put right. See url/RelativeURLs.h.
+    ///
+    ///     const URL page = URL::URLWithString(u"https://h.org/a/b");
+    ///     URLRelativeTo(page, u"\\\\B\u00FCcher.example\\c d", {.web = WebRules::today()});   // https://xn--bcher-kva.example/c%20d
+    bool resolution = false;
 
     /// All of them.
     [[nodiscard]] static constexpr WebRules today() noexcept {
@@ -89,7 +95,8 @@ struct WebRules {
                 .selfClosing = true,
                 .relativeBase = true,
                 .linkTags = true,
-                .hiddenElements = true};
+                .hiddenElements = true,
+                .resolution = true};
     }
 };
 

@@ -5,6 +5,7 @@
 // unwrapped would take the line breaks with it that tell where its paragraphs end.
 #include <memory>
 
+#include <velmocore/platform/Memory.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Normalisation.h>
 #include <velmocore/text/Reformatting.h>
@@ -13,7 +14,6 @@
 
 #include "Commands.h"
 #include "frame/FileRun.h"
-#include "frame/Memory.h"
 
 namespace velmo::tool {
 namespace {

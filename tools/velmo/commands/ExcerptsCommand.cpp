@@ -35,22 +35,12 @@ struct Excerpt {
     std::vector<Range> hits = {};
 };
 
-/// The hits that stand in a range, counted from where that range begins in what is printed.
-void addHits(std::vector<Range>& shown, std::span<const Range> hits, Range range,
-             std::size_t start) {
-    auto hit = std::ranges::lower_bound(hits, range.location, {}, &Range::location);
-    for (; hit != hits.end() && hit->location < range.end(); ++hit)
-        if (hit->end() <= range.end())
-            shown.push_back({hit->location - range.location + start, hit->length});
-}
-
 /// A record's text begins with dots if it crossed a boundary.
 Excerpt excerptOf(const Occurrence& record, std::u16string_view text, std::span<const Range> hits) {
-    Excerpt excerpt = {.text = record.string};
     const std::size_t start =
         record.string.view().find(text.substr(record.range.location, record.range.length));
-    if (start != std::u16string_view::npos) addHits(excerpt.hits, hits, record.range, start);
-    return excerpt;
+    if (start == std::u16string_view::npos) return {.text = record.string};
+    return {record.string, hitsInSummary({record.string, {{record.range, start}}}, hits)};
 }
 
 /// Makes and prints the excerpts of one file after the other, on any threads.
@@ -64,8 +54,8 @@ public:
     /// Whether there is anything to show; the first hit is enough for that.
     bool isHit(const String& text) const {
         if (!byWords()) return query_.holdsFor(text);
-        return forEachWildcard(text, wildcards_, [](Range) { return false; },
-                               {.comparison = query_.comparison}) > 0;
+        return forEachWildcard(
+                   text, wildcards_, [](Range) { return false; }, searchOptions()) > 0;
     }
 
     void print(const std::string& file, const String& text, Report& report) const {
@@ -85,13 +75,19 @@ private:
 
     std::vector<Range> hitsOfWords(std::u16string_view text) const {
         std::vector<Range> hits;
-        forEachWildcard(text, wildcards_,
-                        [&](Range hit) {
-                            hits.push_back(hit);
-                            return true;
-                        },
-                        {.comparison = query_.comparison});
+        forEachWildcard(
+            text, wildcards_,
+            [&](Range hit) {
+                hits.push_back(hit);
+                return true;
+            },
+            searchOptions());
         return hits;
+    }
+
+    bool withinRuns() const { return !options_.parse.wholeWords; }
+    WildcardSearchOptions searchOptions() const {
+        return {.comparison = query_.comparison, .withinRuns = withinRuns()};
     }
 
     std::vector<Occurrence> recordsOf(std::u16string_view text, std::span<const Range> hits,
@@ -99,7 +95,8 @@ private:
         return getOccurrencesOfHits(text, hits,
                                     {.paragraphs = options_.paragraphs,
                                      .minEnclosingWords = enclosingWords,
-                                     .strictSentenceEnds = !options_.described});
+                                     .strictSentenceEnds = !options_.described,
+                                     .withinRuns = withinRuns()});
     }
 
     Excerpt summaryOf(const String& text, std::span<const Range> hits, bool isForPeople) const {
@@ -108,7 +105,8 @@ private:
             .paragraphs = options_.paragraphs,
             .singleWords = options_.singleWords,
             .onlyOccurrences = options_.described ? options_.onlyOccurrences : !options_.beginning,
-            .ellipsizeAfterNCharacters = options_.length};
+            .ellipsizeAfterNCharacters = options_.length,
+            .withinRuns = withinRuns()};
         if (!options_.separator.empty()) options.separator = String::fromUTF8(options_.separator);
         if (!options_.described) {
             options.gapSeparator = isForPeople ? u" \u2026 " : u" ... ";
@@ -116,10 +114,7 @@ private:
         }
         const Summary summary = options_.described ? summaryOfWildcards(text, wildcards_, options)
                                                    : summaryOfHits(text, hits, options);
-        Excerpt excerpt = {.text = summary.string};
-        for (const SummaryPart& part : summary.parts)
-            addHits(excerpt.hits, hits, part.range, part.start);
-        return excerpt;
+        return {summary.string, hitsInSummary(summary, hits)};
     }
 
     static JsonArray valuesOf(std::span<const Range> hits) {
@@ -172,7 +167,9 @@ private:
     const std::vector<String> wildcards_;
 };
 
-void run(Report& report, const Options& options) {
+void run(Report& report, Options& options) {
+    // The plain form knows nothing of scripts without spaces.
+    options.parse.wholeWords |= options.described;
     const Query query = readQuery(report, options.query, options.parse, options.comparison);
     report.flush();
     const Excerpts excerpts(options, query);

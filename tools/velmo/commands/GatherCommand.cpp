@@ -9,6 +9,7 @@
 
 #include <velmocore/feeds/FeedItems.h>
 #include <velmocore/feeds/FeedRendering.h>
+#include <velmocore/gather/FolderSource.h>
 #include <velmocore/markup/LinkNormalising.h>
 #include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
@@ -22,6 +23,7 @@
 #include <velmocore/words/Words.h>
 
 #include "Commands.h"
+#include "GatherRun.h"
 #include "LanguageLists.h"
 #include "PageLinks.h"
 #include "ParsedDate.h"
@@ -38,6 +40,8 @@ constexpr std::uint64_t ExcerptUnits = 300;
 struct Options {
     InputOptions input;
     std::string base, query;
+    GatherRun stored;  ///< what is to be done with --store and --lines
+    bool lines = false;
     QueryParseOptions parse;
     WildcardComparison comparison = WildcardComparison::CaseInsensitive;
     PageLinkOptions links;
@@ -80,29 +84,11 @@ private:
     std::mutex mutex_;
 };
 
-/// A path as a relative reference: what has a meaning in one is escaped.
-std::string escapedPath(std::string_view path) {
-    constexpr std::string_view Plain = "-._~!$&'()*+,;=@/";
-    std::string escaped;
-    for (const char byte : path) {
-        const bool isPlain = (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
-                             (byte >= '0' && byte <= '9') || Plain.find(byte) != Plain.npos;
-        escaped += isPlain ? std::string(1, byte)
-                           : fmt::format("%{:02X}", static_cast<unsigned char>(byte));
-    }
-    return escaped;
-}
-
 /// Where a page stands on the web, or else on the disk.
 URL urlOf(const FileName& file, const URL& base) {
-    if (base.isAbsent()) return URL::fileURLWithPath(String::fromUTF8(file.path));
-    std::string_view relative = file.path;
-    if (file.wasNamed())
-        relative.remove_prefix(relative.rfind('/') + 1);
-    else
-        relative.remove_prefix(file.folder.size());
-    while (relative.starts_with('/')) relative.remove_prefix(1);
-    return URL::URLWithString(String::fromUTF8(escapedPath(relative)), base);
+    return urlOfFile(file.path,
+                     file.wasNamed() ? file.path.substr(0, file.path.rfind('/') + 1) : file.folder,
+                     base);
 }
 
 /// Gathers one page after the other, on any threads.
@@ -181,7 +167,8 @@ private:
                                                      .ellipsizeAfterNCharacters = ExcerptUnits,
                                                      .gapSeparator = u" ... ",
                                                      .strictSentenceEnds = true,
-                                                     .keepsPairs = true}));
+                                                     .keepsPairs = true,
+                                                     .withinRuns = !options_.parse.wholeWords}));
     }
 
     const Options& options_;
@@ -270,12 +257,29 @@ void printLines(const Summary& summary, bool asked, Report& report) {
         report.printLine(fmt::format("{:6} {}", count, host.utf8()));
 }
 
+/// The ways that keep pages or hand them on. A limit is one of pages there.
+void runStored(Report& report, const Options& options, const URL& base, const Query* query) {
+    GatherRun run = options.stored;
+    run.input = options.input;
+    run.input.content.web = WebRules::today();
+    run.base = base;
+    run.query = query;
+    if (options.input.content.limit != UsualLimit)
+        run.limit = static_cast<std::size_t>(options.input.content.limit);
+    run.sites.options.follow = options.links.follow.value_or(FollowSameHost);
+    options.lines ? gatherLines(report, run) : gatherIntoStore(report, run);
+}
+
 void run(Report& report, const Options& options) {
     const bool asked = !options.query.empty();
     const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
     if (base.isAbsent() && !options.base.empty()) return report.fail(options.base, "not a URL");
     const Query query =
         asked ? readQuery(report, options.query, options.parse, options.comparison) : Query();
+    if (options.lines || !options.stored.store.empty())
+        return runStored(report, options, base, asked ? &query : nullptr);
+    if (options.stored.sites.isAsked)
+        throw UsageError("sites are gathered into a store: --store is missing");
     const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
     report.flush();
     const Gatherer gatherer(options, base, query, languages);
@@ -299,27 +303,29 @@ void run(Report& report, const Options& options) {
 }
 
 Option followOption(PageLinkOptions& links) {
-    return {
-        .names = "--follow",
-        .value = "MODE",
-        .help = "print the links to follow: none, host, folder, folders or all, or a mode's number",
-        .take = [&links](const std::string& given) {
-            constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
-            constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
-                                              FollowSameFolders, FollowEverything};
-            std::string name = given;
-            std::ranges::transform(name, name.begin(), [](unsigned char c) {
-                return static_cast<char>(std::tolower(c));
-            });
-            if (const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
-                std::ranges::all_of(name, isDigit)) {
-                std::uint64_t mode = 0;
-                number("--follow", "MODE", mode, "").take(name);
-                links.follow = static_cast<std::int64_t>(mode);
-            } else {
-                links.follow = Modes[indexOfName(name, Names)];
-            }
-        }};
+    return {.names = "--follow",
+            .value = "MODE",
+            .help =
+                "print the links to follow, or of a site follow them: none, host, folder, folders "
+                "or all, or "
+                "a mode's number",
+            .take = [&links](const std::string& given) {
+                constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
+                constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
+                                                  FollowSameFolders, FollowEverything};
+                std::string name = given;
+                std::ranges::transform(name, name.begin(), [](unsigned char c) {
+                    return static_cast<char>(std::tolower(c));
+                });
+                if (const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
+                    std::ranges::all_of(name, isDigit)) {
+                    std::uint64_t mode = 0;
+                    number("--follow", "MODE", mode, "").take(name);
+                    links.follow = static_cast<std::int64_t>(mode);
+                } else {
+                    links.follow = Modes[indexOfName(name, Names)];
+                }
+            }};
 }
 
 }  // namespace
@@ -328,7 +334,9 @@ Command makeGatherCommand(Session& session) {
     auto options = std::make_shared<Options>();
     Command command = {
         .summary = "Walk folders for pages and feeds: titles, dates, words, links and hits",
-        .examples = {"velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'"},
+        .examples = {"velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'",
+                     "velmo gather site/ --base https://example.org/ --store pages.store",
+                     "velmo gather https://www.example.org/ --depth 2 --store pages.store"},
         .run = [options](Report& report) { run(report, *options); },
     };
     options->input.names.recursive = true;
@@ -344,7 +352,17 @@ Command makeGatherCommand(Session& session) {
          .help = "read pages by the library's own rules, not as browsers of today do",
          .take = [options =
                       options.get()](const auto&) { options->input.content.web = WebRules(); }},
+        text("--store", "FILE", options->stored.store,
+             "put the pages into a store, also those of archives, feeds and JSON lines; --limit is "
+             "then a number of pages"),
+        flag("--lines", options->lines,
+             "read JSON lines of pages, and print a JSON object of each; the same limit"),
+        text("--language", "KEY", options->stored.language, "keep only pages in a language"),
+        flag("--keep-pages", options->stored.keepPages, "keep in the store what pages came as too"),
+        flag("--compress", options->stored.compress,
+             "compress texts in the store too: half the room, read in three times the time"),
     });
+    command.add(siteOptions(options->stored.sites));
     command.add(queryParseOptions(options->parse));
     command.add(comparisonOptions(options->comparison));
     addContentOptions(command, session, options->input, Kind::Page);

@@ -100,7 +100,7 @@ private:
 
     URL resolved(const String& link, const URL& base) const {
         // With its anchor, which tells people and programs where on the page a link leads.
-        return resolves() ? urlOfLink(link, base, true) : URL();
+        return resolves() ? urlOfLink(link, base, true, options_.input.content.web) : URL();
     }
 
     std::vector<LinkDetails> detailsOf(const String& page) const {

@@ -56,6 +56,7 @@ std::span<const CommandEntry> storeActions() {
         {"append", makeStoreAppendCommand},     {"update", makeStoreUpdateCommand},
         {"delete", makeStoreDeleteCommand},     {"check", makeStoreCheckCommand},
         {"optimize", makeStoreOptimizeCommand}, {"salvage", makeStoreSalvageCommand},
+        {"stats", makeStoreStatsCommand},
     };
     return actions;
 }

@@ -18,12 +18,13 @@ Command makeStoreUpdateCommand(Session& session);
 Command makeStoreDeleteCommand(Session& session);
 Command makeStoreOptimizeCommand(Session& session);
 Command makeStoreSalvageCommand(Session& session);
+Command makeStoreStatsCommand(Session& session);
 
 /// What they are called with; each uses what it names.
 struct StoreOptions {
     std::string store, to, file;
     std::vector<std::string> files;
-    std::uint64_t offset = 0, blockSize = 0;
+    std::uint64_t offset = 0, blockSize = 0, top = 0;
     bool compressed = false, skipErrors = false, force = false;
 };
 

@@ -68,11 +68,15 @@ void Console::complain(std::string_view text) {
 }
 
 void Console::showProgress(std::size_t done, std::size_t total) {
+    showProgress([&] { return fmt::format("{} of {}", done, total); });
+}
+
+void Console::showProgress(FunctionRef<std::string()> words) {
     if (!errorIsTerminal_) return;
     const std::scoped_lock lock(mutex_);
     if (std::chrono::steady_clock::now() < nextProgress_) return;
     nextProgress_ = std::chrono::steady_clock::now() + 100ms;
-    writeAll(STDERR_FILENO, fmt::format("{}{} of {}", ClearLine, done, total));
+    writeAll(STDERR_FILENO, fmt::format("{}{}", ClearLine, words()));
     progressIsShown_ = true;
 }
 

@@ -5,7 +5,10 @@
 #include <cstddef>
 #include <mutex>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+
+#include <velmocore/platform/FunctionRef.h>
 
 namespace velmo::tool {
 
@@ -36,6 +39,8 @@ public:
     /// Tells on a terminal how far the work is, at most ten times a second. Every other output
     /// takes that line away first.
     void showProgress(std::size_t done, std::size_t total);
+    /// The same in other words, which are made only when they are shown.
+    void showProgress(FunctionRef<std::string()> words);
 
 private:
     void hideProgress();

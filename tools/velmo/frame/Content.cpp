@@ -1,111 +1,19 @@
-// Decoding. The bytes of a large text are given back to the system while they are decoded, so
-// that a text never stands in memory twice.
 #include "Content.h"
 
 #include <algorithm>
 #include <utility>
 
 #include <velmocore/markup/Charsets.h>
-#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/ContentDecoding.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/markup/WebCharsets.h>
-#include <velmocore/text/CharacterFinding.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Trimming.h>
 
 #include "FileBytes.h"
-#include "Marks.h"
-#include "Memory.h"
 
 namespace velmo::tool {
 namespace {
-
-// In bytes.
-constexpr std::size_t PieceSize = std::size_t{1} << 20;
-constexpr char16_t Replacement = 0xFFFD;
-constexpr std::string_view ReplacementUtf8 = "\xEF\xBF\xBD";
-
-/// The length of the next piece, which ends between two UTF-8 sequences if there are any.
-std::size_t pieceOf(Bytes bytes) {
-    if (bytes.size() <= PieceSize) return bytes.size();
-    std::size_t end = PieceSize;
-    while (end > PieceSize - 4 && (bytes[end] & 0xC0) == 0x80) --end;
-    return end;
-}
-
-std::size_t countOf(std::string_view bytes, std::string_view sought) {
-    std::size_t count = 0;
-    for (std::size_t at = 0; (at = bytes.find(sought, at)) != bytes.npos; at += sought.size())
-        ++count;
-    return count;
-}
-
-/// Whether decoding UTF-8 gave no U+FFFD but those that are in it.
-bool isWhole(std::u16string_view units, std::string_view bytes) {
-    const std::size_t first = findCharacter(units, Replacement);
-    if (first == NotFound) return true;
-    return static_cast<std::size_t>(std::ranges::count(units.substr(first), Replacement)) ==
-           countOf(bytes, ReplacementUtf8);
-}
-
-bool isUTF8(Bytes bytes) {
-    while (!bytes.empty()) {
-        const std::string_view piece = charsOf(bytes.first(pieceOf(bytes)));
-        if (!isWhole(String::fromUTF8(piece), piece)) return false;
-        bytes = bytes.subspan(piece.size());
-    }
-    return true;
-}
-
-/// Large UTF-8; its bytes are lost.
-String decodedInPieces(Bytes bytes) {
-    StringBuilder units(bytes.size());
-    while (!bytes.empty()) {
-        const Bytes piece = bytes.first(pieceOf(bytes));
-        units.append(String::fromUTF8(charsOf(piece)));
-        giveBack(piece.data(), piece.size());
-        bytes = bytes.subspan(piece.size());
-    }
-    return units.finish();
-}
-
-/// Bytes in a given encoding, without their mark; what has no meaning there becomes U+FFFD.
-String decoded(Data&& data, StringEncoding encoding) {
-    const Data owned = std::move(data);
-    const ByteOrderMark mark = markOf(owned);
-    const Bytes bytes = Bytes(owned).subspan(mark.encoding == encoding ? mark.bytes.size() : 0);
-    if (encoding == UTF8StringEncoding)
-        return bytes.size() > PieceSize ? decodedInPieces(bytes) : String::fromUTF8(charsOf(bytes));
-    StringBuilder units(bytes.size());
-    const std::span<char16_t> room(units.prepare(bytes.size()), bytes.size());
-    units.commit(convertEncodingToUnicode(bytes, textEncodingOf(encoding), room).count);
-    return units.finish();
-}
-
-/// A text of ordinary length in UTF-8 without a mark, which is what most are, decoded at once;
-/// absent if it is not that.
-String decodedPlainText(Bytes bytes) {
-    const bool isPlain = bytes.size() <= PieceSize && markOf(bytes).encoding == 0 &&
-                         charsOf(bytes).find('\0') == std::string_view::npos;
-    if (!isPlain) return {};
-    String units = String::fromUTF8(charsOf(bytes));
-    return isWhole(units, charsOf(bytes)) ? units : String();
-}
-
-StringEncoding encodingOfText(Bytes bytes) {
-    if (const StringEncoding marked = markOf(bytes).encoding) return marked;
-    const StringEncoding wide = encodingOfZeros(bytes.first(std::min(bytes.size(), HeadSize)));
-    if (wide != UnknownStringEncoding) return wide;
-    return isUTF8(bytes) ? UTF8StringEncoding : WindowsCP1252StringEncoding;
-}
-
-/// The encoding of a page that its bytes tell before it can say anything itself.
-StringEncoding encodingOfWidePage(Bytes bytes) {
-    const ByteOrderMark mark = markOf(bytes);
-    if (mark.bytes.size() == 4) return mark.encoding;  // UTF-32, of which pages know nothing
-    if (mark.encoding != 0) return UnknownStringEncoding;
-    return encodingOfZeros(bytes.first(std::min(bytes.size(), HeadSize)));
-}
 
 /// A charset name of a page: the IANA name of what it means, or the name itself if it means
 /// nothing; absent for none.
@@ -116,27 +24,16 @@ String nameOf(const String& charset, WebRules web) {
     return encoding == UnknownStringEncoding ? charset : String::fromUTF8(ianaName(encoding));
 }
 
-Content decodedPage(Data&& data, const ContentOptions& options) {
-    const Data bytes = std::move(data);
-    const String charset = String::fromUTF8(options.httpCharset);
-    MarkupDecoding decoding = decodeMarkup(bytes, {.encodingName = charset, .web = options.web});
-    return {Kind::Page, std::move(decoding.text), std::string(ianaName(decoding.encoding)),
-            nameOf(decoding.declared, options.web)};
-}
-
 Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
-    StringEncoding encoding = UnknownStringEncoding;
-    if (kind == Kind::Text && options.charset.empty())
-        if (String units = decodedPlainText(bytes); !units.isAbsent())
-            return {kind, std::move(units), std::string(ianaName(UTF8StringEncoding)), {}};
-    if (!options.charset.empty())
-        encoding = charset2NSStringEncoding(String::fromUTF8(options.charset));
-    else if (kind == Kind::Text)
-        encoding = encodingOfText(bytes);
-    else
-        encoding = encodingOfWidePage(bytes);
-    if (encoding == UnknownStringEncoding) return decodedPage(std::move(bytes), options);
-    return {kind, decoded(std::move(bytes), encoding), std::string(ianaName(encoding)), {}};
+    const String charset = String::fromUTF8(options.httpCharset);
+    const StringEncoding encoding =
+        options.charset.empty() ? UnknownStringEncoding
+                                : charset2NSStringEncoding(String::fromUTF8(options.charset));
+    DecodedContent content = decodeContent(
+        std::move(bytes),
+        {.kind = kind, .encoding = encoding, .encodingName = charset, .web = options.web});
+    return {kind, std::move(content.text), std::string(ianaName(content.encoding)),
+            nameOf(content.declared, options.web)};
 }
 
 }  // namespace
@@ -145,7 +42,7 @@ Content decode(Data&& bytes, const std::string& name, const ContentOptions& opti
     if (isGzip(bytes)) bytes = inflated(bytes, options.limit);
     Kind kind = options.forced;
     if (kind == Kind::Unclear)
-        kind = kindOf(Bytes(bytes).first(std::min(bytes.size(), HeadSize)), name);
+        kind = contentKind(Bytes(bytes).first(std::min(bytes.size(), ContentHeadSize)), name);
     if (kind == Kind::Unclear) kind = options.unclear;
     if (kind == Kind::Binary) throw InputError("a binary file");
     Content content = decodedBytes(std::move(bytes), kind, options);

@@ -1,9 +1,10 @@
-// What an input is and what it says: pages and texts told apart, charsets, decoding.
+// What an input says: pages and texts told apart and decoded, as the command line will have it.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
+#include <velmocore/markup/ContentKinds.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/WebRules.h>
@@ -12,7 +13,7 @@
 
 namespace velmo::tool {
 
-enum class Kind : std::uint8_t { Unclear, Page, Text, Binary };
+using Kind = ContentKind;
 
 /// How inputs are taken, where the command line overrules what their content says.
 struct ContentOptions {
@@ -34,17 +35,8 @@ struct Content {
     WebRules web = {};     ///< how a page is read further
 };
 
-/// So many bytes of an input tell what it is.
-inline constexpr std::size_t HeadSize = 8192;
-
-/// What the first bytes of a file and its name tell. Its content goes first: marks of byte order,
-/// zeros, the signatures of other formats, markup at its start. Where that leaves it open, a name
-/// such as page.html or page.html.fr makes it a page.
-Kind kindOf(Bytes head, const std::string& name);
-
-/// Decodes what was read from a file, gzip or not, and forgets the bytes. A page goes through the
-/// rules for pages. A text is in the encoding of its byte-order mark, in UTF-16 if the zeros of
-/// its bytes say so, in UTF-8 if its bytes are, and else in windows-1252. Throws an InputError.
+/// Decodes what was read from a file, gzip or not, as decodeContent() does, and forgets the bytes.
+/// Throws an InputError.
 Content decode(Data&& bytes, const std::string& name, const ContentOptions& options);
 
 /// What there is to read: the plain text of a page, or the text itself. Forgets the content.

@@ -6,13 +6,14 @@
 #include <fmt/core.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <limits>
 #include <memory>
 #include <system_error>
+
+#include <velmocore/storage/InflateStream.h>
 
 #include "Remote.h"
 
@@ -22,7 +23,6 @@ namespace {
 /// Most bytes that a device may give, /dev/null none.
 constexpr std::size_t DeviceLimit = std::size_t{1} << 24;
 constexpr std::size_t PortionSize = std::size_t{1} << 18;
-constexpr int AnyFormat = 15 + 32;  // windows of any size; gzip and zlib by their first bytes
 constexpr std::string_view Damaged = "damaged gzip or zlib data";
 
 [[noreturn]] void throwError(int number) {
@@ -84,54 +84,38 @@ Data readUpTo(const Descriptor& file, std::size_t count) {
     return bytes;
 }
 
-/// The state of one inflation.
+/// One inflation, of all members.
 class Inflation {
 public:
-    explicit Inflation(Bytes bytes) : rest_(bytes) {
-        if (inflateInit2(&stream_, AnyFormat) != Z_OK) throw std::bad_alloc();
-    }
-    ~Inflation() { inflateEnd(&stream_); }
-    Inflation(const Inflation&) = delete;
-    Inflation& operator=(const Inflation&) = delete;
+    explicit Inflation(Bytes bytes) : rest_(bytes) {}
 
     /// Inflates into a portion and gives how much came out; 0 only at the end.
     std::size_t next(std::span<std::uint8_t> portion) {
-        stream_.next_out = portion.data();
-        stream_.avail_out = static_cast<uInt>(portion.size());
-        while (stream_.avail_out > 0 && !isAtEnd_) step();
-        return portion.size() - stream_.avail_out;
+        std::size_t made = 0;
+        while (made < portion.size() && !isAtEnd_) made += step(portion.subspan(made));
+        return made;
     }
 
 private:
-    void step() {
-        if (stream_.avail_in == 0) {
-            const std::size_t given = std::min(rest_.size(), PortionSize);
-            stream_.next_in = const_cast<Bytef*>(rest_.data());
-            stream_.avail_in = static_cast<uInt>(given);
-            rest_ = rest_.subspan(given);
-        }
-        const int status = inflate(&stream_, Z_NO_FLUSH);
-        if (status == Z_STREAM_END)
+    std::size_t step(std::span<std::uint8_t> room) {
+        const InflateStream::Step step = stream_.inflate(rest_, room);
+        rest_ = rest_.subspan(step.taken);
+        if (step.state == InflateStream::State::End)
             endMember();
-        else if (status == Z_MEM_ERROR)
-            throw std::bad_alloc();
-        else if (status != Z_OK || (stream_.avail_in == 0 && rest_.empty() && !hasPending()))
+        else if (step.state == InflateStream::State::Damaged || step.taken + step.made == 0)
             throw InputError(std::string(Damaged));
+        return step.made;
     }
-
-    /// Whether more may come out without more going in.
-    bool hasPending() const { return stream_.avail_out == 0; }
 
     /// Goes on with the next member, if there is one; zeros may fill up a block of a tape.
     void endMember() {
-        const Bytes left(rest_.data() - stream_.avail_in, rest_.size() + stream_.avail_in);
-        isAtEnd_ = std::ranges::all_of(left, [](std::uint8_t byte) { return byte == 0; });
+        isAtEnd_ = std::ranges::all_of(rest_, [](std::uint8_t byte) { return byte == 0; });
         if (isAtEnd_) return;
-        if (!isGzip(left) || inflateReset(&stream_) != Z_OK)
-            throw InputError("more bytes after the end of the compressed data");
+        if (!isGzip(rest_)) throw InputError("more bytes after the end of the compressed data");
+        stream_.reset();
     }
 
-    z_stream stream_ = {};
+    InflateStream stream_;
     Bytes rest_;
     bool isAtEnd_ = false;
 };

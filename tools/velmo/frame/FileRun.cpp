@@ -17,9 +17,9 @@ namespace {
 /// so that large ones need not be read.
 bool isLeftOut(const FileName& file, const ContentOptions& options) {
     if (file.wasNamed() || options.forced != Kind::Unclear) return false;
-    Data head = readHead(file.path, HeadSize);
-    if (isGzip(head)) head = inflatedHead(head, HeadSize);
-    return kindOf(head, file.path) == Kind::Binary;
+    Data head = readHead(file.path, ContentHeadSize);
+    if (isGzip(head)) head = inflatedHead(head, ContentHeadSize);
+    return contentKind(head, file.path) == Kind::Binary;
 }
 
 /// The bytes of an input. What the server of a page says of it counts where nobody knows better.
