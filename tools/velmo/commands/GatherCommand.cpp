@@ -261,7 +261,6 @@ void printLines(const Summary& summary, bool asked, Report& report) {
 void runStored(Report& report, const Options& options, const URL& base, const Query* query) {
     GatherRun run = options.stored;
     run.input = options.input;
-    run.input.content.web = WebRules::today();
     run.base = base;
     run.query = query;
     if (options.input.content.limit != UsualLimit)
