@@ -3,6 +3,7 @@
 #include <velmocore/storage/KeyedDataEditing.h>
 
 #include "gather/RecordKeys.h"
+#include "gather/StoredURL.h"
 
 namespace velmo::detail {
 namespace {
@@ -87,7 +88,7 @@ private:
         return number ? *number : 0;
     }
     static URL urlOf(const KeyedRecord& record) {
-        return URL::URLWithString(String::fromUTF8(charsOf(*record.payload)));
+        return urlOfStored(String::fromUTF8(charsOf(*record.payload)));
     }
 
     CrawlState& state_;
