@@ -158,7 +158,7 @@ std::optional<PageRecord> pageRecordFromData(Bytes block) {
     return page;
 }
 
-bool StoredPage::isPage() const { return containsStringForKey(block_, PageKeyKey); }
+bool StoredPage::isPage() const { return !key().empty(); }
 
 std::string_view StoredPage::key() const { return stringNoCopyForKey(block_, PageKeyKey); }
 std::string_view StoredPage::address() const { return stringNoCopyForKey(block_, AddressKey); }
