@@ -8,10 +8,15 @@
 #include "gather/QuerySignature.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <ranges>
 #include <string>
 
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/text/CharacterSets.h>
+
+#include "platform/Surrogates.h"
 
 namespace velmo::detail {
 namespace {
@@ -102,8 +107,6 @@ std::size_t QuerySignature::addWord(const QueryTerms& term) {
     // An alternative of which nothing is known leaves nothing to be known of the word.
     word.isTold = std::ranges::none_of(word.alternatives,
                                        [](const Needs& needs) { return needs.facts.empty(); });
-    word.hasNeedles = std::ranges::none_of(
-        word.alternatives, [](const Needs& needs) { return needs.needles.empty(); });
     return known->second;
 }
 
@@ -114,6 +117,11 @@ void QuerySignature::addPlainWord(Word& word, const QueryTerms& term) const {
 }
 
 void QuerySignature::addWildcardWord(Word& word, std::u16string_view wildcard) const {
+    // Whether a pair parts words depends on how the query was parsed.
+    if (std::ranges::any_of(wildcard, isSurrogate)) {
+        word.alternatives.emplace_back();
+        return;
+    }
     const SeparatedWords parts = partsOf(wildcard);
     Needs needs;
     std::u16string joined;
@@ -180,6 +188,23 @@ void QuerySignature::compile() {
     }
     // The words that add to a score only are to be known too.
     for (const QueryTerms& word : query_.plusTerms()) addWord(word);
+    findSought();
+}
+
+/// The longer what is sought, the fewer texts have it.
+void QuerySignature::findSought() {
+    const auto sizeOf = [](const Needs& needs) {
+        std::size_t longest = 0;
+        for (const TextNeedle& needle : needs.needles) longest = std::max(longest, needle.length());
+        return longest;
+    };
+    for (std::size_t i = 0; i < words_.size(); ++i) {
+        Word& word = words_[i];
+        word.needleSize = std::ranges::min(word.alternatives | std::views::transform(sizeOf));
+        if (word.isAsked && word.needleSize > 0) sought_.push_back(i);
+    }
+    std::ranges::stable_sort(sought_, std::greater(),
+                             [&](std::size_t i) { return words_[i].needleSize; });
 }
 
 void QuerySignature::findWords(const PageSignature& signature, std::vector<char>& mayStand) const {
@@ -217,14 +242,18 @@ bool QuerySignature::mayHold(std::span<const char> mayStand, std::vector<char>& 
 
 bool QuerySignature::mayHoldFor(std::string_view utf8, std::vector<char>& mayStand,
                                 std::vector<char>& stack) const {
-    const auto mayBe = [&](const Needs& needs) {
-        return std::ranges::all_of(
-            needs.needles, [&](const TextNeedle& needle) { return needle.mayStandIn(utf8); });
+    std::optional<bool> hasOthers;  // asked for once, if at all
+    const auto isThere = [&](const TextNeedle& needle) {
+        if (needle.mayStandIn(utf8)) return true;
+        if (!needle.needsNoOthers()) return false;
+        if (!hasOthers) hasOthers = hasOtherCases(utf8);
+        return *hasOthers;
     };
-    for (std::size_t i = 0; i < words_.size(); ++i) {
-        const Word& word = words_[i];
-        if (!word.isAsked || !word.hasNeedles || !mayStand[i]) continue;
-        if (std::ranges::any_of(word.alternatives, mayBe)) continue;
+    const auto mayBe = [&](const Needs& needs) {
+        return std::ranges::all_of(needs.needles, isThere);
+    };
+    for (const std::size_t i : sought_) {
+        if (!mayStand[i] || std::ranges::any_of(words_[i].alternatives, mayBe)) continue;
         // Often the first that is not there decides, and the rest need not be sought.
         mayStand[i] = false;
         if (!mayHold(mayStand, stack)) return false;

@@ -50,8 +50,9 @@ private:
     /// A word stands in a text only if all that one of the alternatives needs is true.
     struct Word {
         std::vector<Needs> alternatives;
-        bool isTold = false, hasNeedles = false;  // whether each has some
-        bool isAsked = false;                     // whether the query depends on it
+        bool isTold = false;         // whether each has facts
+        bool isAsked = false;        // whether the query depends on it
+        std::size_t needleSize = 0;  // of the shortest; 0 if one has none
     };
     /// A program for a machine with a stack of truth values.
     struct Step {
@@ -66,6 +67,7 @@ private:
     void addPattern(Needs& needs, std::u16string_view pattern) const;
     void addStretch(Needs& needs, std::u16string_view units, StretchEdges edges) const;
     void compile();
+    void findSought();
 
     QueryTerms query_;  // keeps the words of the keys
     WildcardComparison comparison_;
@@ -74,6 +76,7 @@ private:
     std::map<WordKey, std::size_t> numbers_;
     std::vector<Word> words_;
     std::vector<Step> steps_;
+    std::vector<std::size_t> sought_;  // words with needles, the longest first
 };
 
 }  // namespace velmo::detail

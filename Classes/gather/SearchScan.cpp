@@ -7,10 +7,9 @@
 
 #include <cmath>
 
-#include <velmocore/storage/KeyedData.h>
-
 #include "gather/PageSignature.h"
 #include "gather/RecordKeys.h"
+#include "storage/KeyedWalk.h"
 
 namespace velmo::detail {
 namespace {
@@ -69,8 +68,7 @@ private:
         if (!mayMatch(page)) return;
         ++found_.scanned;
         // The text is decoded only if its bytes have what the query needs.
-        const std::string_view utf8 = stringNoCopyForKey(page.block(), TextKey);
-        if (utf8.data() && !scan_.query_.signature().mayHoldFor(utf8, mayStand_, stack_)) return;
+        if (!mayHoldForBytesOf(page)) return;
         const String text = page.text();
         if (scan_.query_.holdsFor(text)) take(page, {place, words}, text);
     }
@@ -89,6 +87,13 @@ private:
         if (scan_.options_.useSignatures) return asked.mayHold(mayStand_, stack_);
         mayStand_.assign(asked.numberOfWords(), true);
         return true;
+    }
+
+    /// True too for a text that is compressed.
+    bool mayHoldForBytesOf(const StoredPage& page) {
+        const auto text = findRecord(page.block(), KeyedTag::Text, TextKey);
+        const auto utf8 = text ? text->payload() : std::nullopt;
+        return !utf8 || scan_.query_.signature().mayHoldFor(charsOf(*utf8), mayStand_, stack_);
     }
 
     void take(const StoredPage& page, PageMatch match, const String& text) {

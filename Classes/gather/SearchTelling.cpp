@@ -55,7 +55,8 @@ Excerpt excerptOf(const String& text, std::span<const Range> hits, std::size_t l
                                           {.ellipsizeAfterNCharacters = length,
                                            .gapSeparator = u" \u2026 ",
                                            .strictSentenceEnds = true,
-                                           .keepsPairs = true});
+                                           .keepsPairs = true,
+                                           .withinRuns = true});
     if (summary.string.isEmpty()) return {};
     return onOneLine(summary.string, hitsInSummary(summary, hits));
 }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,22 +14,34 @@
 
 namespace velmo::detail {
 
-/// By ASCII unit whether all that a comparison takes for it is itself, or its other case.
-using TellableUnits = std::array<bool, 128>;
+/// How far units of ASCII can be told by their bytes.
+enum class Tellable : std::uint8_t {
+    Never,
+    IfNoOthers,  ///< in a text without the letters outside of ASCII that have this other case
+    Always,      ///< nothing but itself, or its other case, is taken for it
+};
+using TellableUnits = std::array<Tellable, 128>;
 VELMO_API TellableUnits tellableUnits(WildcardComparison comparison);
+
+/// Whether a text has one of the three letters outside of ASCII whose other case is an ASCII letter.
+VELMO_API bool hasOtherCases(std::string_view utf8);
 
 class VELMO_API TextNeedle {
 public:
     /// Of units that stand in a row in the text; none if no two of them can be told by their bytes.
     static std::optional<TextNeedle> ofStretch(std::u16string_view units,
                                                const TellableUnits& tellable);
-    /// Never false for a text in which such units stand in a row.
+    /// Never false for a text in which such units stand in a row, unless needsNoOthers() and the
+    /// text hasOtherCases().
     bool mayStandIn(std::string_view utf8) const;
+    bool needsNoOthers() const { return needsNoOthers_; }
+    std::size_t length() const { return bytes_.size(); }
 
 private:
-    explicit TextNeedle(std::string bytes);
+    TextNeedle(std::string bytes, bool needsNoOthers);
 
-    std::string bytes_;                   // with bit 5 set
+    std::string bytes_;  // with bit 5 set
+    bool needsNoOthers_;
     std::size_t first_ = 0, second_ = 0;  // the places of the two rarest
 };
 

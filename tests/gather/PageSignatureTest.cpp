@@ -127,7 +127,7 @@ void checkCase(std::mt19937& random, Outcomes& outcomes) {
     std::vector<char> mayStand, stack;
     for (int queries = 0; queries < 4; ++queries) {
         const std::u16string written = randomQuery(random, text);
-        const QueryTerms terms(written, {.wildcard = random() % 2 == 0});
+        const QueryTerms terms(written, {.wildcard = random() % 2 == 0, .withinRuns = random() % 2 == 0});
         const auto comparison = static_cast<WildcardComparison>(random() % 8);
         const SearchQuery query(terms, comparison);
         query.signature().findWords(signature, mayStand);
