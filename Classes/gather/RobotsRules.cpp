@@ -232,7 +232,7 @@ private:
     }
 
     void takeName(Chars name) {
-        // Names one behind the other, whatever else stands between them but rules, are of one group.
+        // Names one behind the other, whatever stands between them but rules, are of one group.
         if (!isInNames_) isOwn_ = isAll_ = false;
         isInNames_ = true;
         if (isForAll(name)) isAll_ = all_.isNamed = true;
