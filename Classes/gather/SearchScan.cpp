@@ -7,7 +7,10 @@
 
 #include <cmath>
 
+#include <velmocore/storage/KeyedData.h>
+
 #include "gather/PageSignature.h"
+#include "gather/RecordKeys.h"
 
 namespace velmo::detail {
 namespace {
@@ -44,6 +47,7 @@ public:
         std::size_t number = stretch_.from;
         scan_.stores_[stretch_.store].forEachPage(stretch_.from, stretch_.to,
                                                   [&](const StoredPage& page) {
+                                                      if (isStopped()) return false;
                                                       if (scan_.filter_.accepts(page))
                                                           look(page, {stretch_.store, number});
                                                       ++number;
@@ -53,12 +57,20 @@ public:
     }
 
 private:
+    bool isStopped() {
+        if (scan_.options_.shouldStop && scan_.options_.shouldStop()) found_.isComplete = false;
+        return !found_.isComplete;
+    }
+
     void look(const StoredPage& page, PagePlace place) {
         const std::uint32_t words = page.words();
         ++found_.pages;
         found_.words += words;
         if (!mayMatch(page)) return;
         ++found_.scanned;
+        // The text is decoded only if its bytes have what the query needs.
+        const std::string_view utf8 = stringNoCopyForKey(page.block(), TextKey);
+        if (utf8.data() && !scan_.query_.signature().mayHoldFor(utf8, mayStand_, stack_)) return;
         const String text = page.text();
         if (scan_.query_.holdsFor(text)) take(page, {place, words}, text);
     }
@@ -66,6 +78,7 @@ private:
     bool mayMatch(const StoredPage& page) {
         const QuerySignature& asked = scan_.query_.signature();
         const PageSignature signature(page.signature());
+        mayStand_.assign(asked.numberOfWords(), true);
         if (!signature.isWhole()) return true;
         asked.findWords(signature, mayStand_);
         for (std::size_t i = 0; i < found_.pagesWithWord.size(); ++i) {
@@ -73,7 +86,9 @@ private:
             if (asked.isTold(word))
                 found_.pagesWithWord[i] += asked.shareOf(word, signature, mayStand_[word]);
         }
-        return !scan_.options_.useSignatures || asked.mayHold(mayStand_, stack_);
+        if (scan_.options_.useSignatures) return asked.mayHold(mayStand_, stack_);
+        mayStand_.assign(asked.numberOfWords(), true);
+        return true;
     }
 
     void take(const StoredPage& page, PageMatch match, const String& text) {

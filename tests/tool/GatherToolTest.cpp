@@ -113,12 +113,12 @@ TEST_F(GatherTool, GoesOnWhereItWasEnded) {
     write("lines", lines);
     // What comes never ends by itself; it is ended by hand when some pages are there.
     const Outcome ended = shell(
-        "mkfifo in; (cat lines; exec sleep 60) > in & $V gather --store s - < in > out & P=$!; "
+        "mkfifo in; : > out; (cat lines; exec sleep 60) > in & $V gather --store s - < in > out & P=$!; "
         "until [ $(wc -l < out) -gt 100 ]; do sleep 0.05; done; kill -INT $P; wait $P; echo $?; kill %1; tail -n1 out");
     EXPECT_EQ(ended.out.substr(0, 2), "2\n");
     EXPECT_NE(ended.out.find(" in the store"), std::string::npos);
-    EXPECT_EQ(ended.err.substr(0, 60),
-              "velmo: gather: interrupted; what was gathered is stored\n" + ended.err.substr(56, 4));
+    EXPECT_NE(ended.err.find("velmo: gather: interrupted; what was gathered is stored\n"), std::string::npos)
+        << ended.err;
     const Json summary = shell("$V gather --json --store s - < lines").lines().back()["summary"];
     EXPECT_EQ(summary["stored"], 3000);
     EXPECT_GE(summary["unchanged"], 100);

@@ -27,6 +27,7 @@ protected:
         for (const char* name : {"notes.txt", "letters/a.txt", "mail.txt", "archive.txt"}) write(name, text);
         std::filesystem::create_directories(folder_ / "photos");
         std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
+        write("pages.jsonl", "{\"url\":\"http://h/\",\"html\":\"<a href=x>link</a>\"}\nbad\n");
         write("robots.txt", "User-agent: *\nDisallow: /private\n");
         write("form.bin", "--XyZ\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nx\r\n--XyZ--\r\n");
         write("prices.csv", "name,price\nTea,\"3,50\"\n");
@@ -116,7 +117,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 67u);
+    EXPECT_EQ(names.size(), 71u);
     for (const std::string& name : names) {
         if (std::ranges::count(groups_, name)) continue;
         const std::string help = run("help " + name).out;
@@ -140,6 +141,8 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         paragraphs.push_back(manual.substr(at + 8, manual.find("\n.TP", at + 1) - at - 8));
     const std::pair<const char*, std::string> runs[] = {
         {"gather", "site --follow all --query cat"},
+        {"gather", "--store gathered.store site"},
+        {"gather", "--lines pages.jsonl"},
         {"fetch", server_.at("/")},
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
@@ -167,6 +170,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url simplify", "http://h/"},
         {"url key", "http://h/"},
         {"url parse", "http://h/"},
+        {"url host", "h"},
         {"url path", "http://h/"},
         {"url params", "http://h/?a=b"},
         {"url classify", "http://h/"},

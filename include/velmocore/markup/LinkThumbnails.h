@@ -6,6 +6,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo {
@@ -25,6 +26,7 @@ struct LinkThumbnailOptions {
     bool thumbnails = true;
     bool titles = true;
     bool texts = true;
+    WebRules web = {};  ///< how tags, attributes, references and texts are read
 };
 
 /// What was found for the links of a page. A key is a link as normalizedStringURL() makes it, or,

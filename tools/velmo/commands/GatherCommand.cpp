@@ -96,13 +96,17 @@ class Gatherer {
 public:
     Gatherer(const Options& options, const URL& base, const Query& query,
              const LanguageFilter& languages)
-        : options_(options), base_(base), query_(query), languages_(languages) {}
+        : options_(options),
+          web_(options.input.content.web),
+          base_(base),
+          query_(query),
+          languages_(languages) {}
 
     GatheredPage gather(const FileName& file, const Content& content) const {
         GatheredPage page;
         page.encoding = content.encoding;
         String text = content.units;
-        if (content.kind == Kind::Page && isFeed(content.units))
+        if (content.kind == Kind::Page && isFeed(content.units, web_))
             text = readFeedInto(page, content.units, urlOf(file, base_));
         else if (content.kind == Kind::Page)
             text = readPageInto(page, content.units, urlOf(file, base_));
@@ -117,27 +121,34 @@ private:
     // Each gives the text of what it has read.
 
     String readPageInto(GatheredPage& page, const String& units, const URL& url) const {
-        const Page whole = Page::pageWithString(units, url);
+        const Page whole = Page::pageWithString(units, url, web_);
         const HtmlMetadata& metadata = whole.metadata();
-        page.title = singleLine(normalizedHtmlString(htmlFramesSet(units).title));
-        page.author = singleLine(normalizedHtmlString(metadata.author));
-        page.date = singleLine(normalizedHtmlString(metadata.date));
+        page.title = titleOf(whole);
+        page.author = singleLine(normalizedHtmlString(metadata.author, web_));
+        page.date = singleLine(normalizedHtmlString(metadata.date, web_));
         page.canonical = whole.canonicalURL().absoluteString();
         page.isErrorPage = whole.isErrorPage();
-        const HtmlLinks found = htmlLinks(units);
+        const HtmlLinks found = htmlLinks(units, {.web = web_, .url = url});
         page.links = linksOfPage(found.links, found.baseURL, url, options_.links);
         page.thumbnails = thumbnailsOf(units, found.baseURL.isAbsent() ? url : found.baseURL);
         return whole.plainText();
     }
 
-    static std::size_t thumbnailsOf(const String& units, const URL& base) {
+    /// Of several titles the described rules take the last.
+    String titleOf(const Page& page) const {
+        return web_.rawText ? singleLine(page.title())
+                            : singleLine(normalizedHtmlString(htmlFramesSet(page.markup()).title));
+    }
+
+    std::size_t thumbnailsOf(const String& units, const URL& base) const {
         return getLinkThumbnails(
-                   units, {.baseURL = base, .resolve = true, .titles = false, .texts = false})
+                   units,
+                   {.baseURL = base, .resolve = true, .titles = false, .texts = false, .web = web_})
             .thumbnails.size();
     }
 
     String readFeedInto(GatheredPage& page, const String& units, const URL& url) const {
-        const Feed feed = readFeed(units, {.baseURL = url, .boundCData = true});
+        const Feed feed = readFeed(units, {.baseURL = url, .boundCData = true, .web = web_});
         page.isFeed = true;
         page.title = singleLine(feed.title);
         std::vector<String> links;
@@ -145,7 +156,7 @@ private:
             if (!item.link.isEmpty()) links.push_back(item.link);
         page.links = linksOfPage(links, {}, url, options_.links);
         return stringByConvertingHtml2PlainText(
-            stringByConvertingItemsToSearchableHTML(feed.items));
+            stringByConvertingItemsToSearchableHTML(feed.items, web_), {.web = web_});
     }
 
     /// The sentences with a hit, on one line.
@@ -156,10 +167,12 @@ private:
                                                      .ellipsizeAfterNCharacters = ExcerptUnits,
                                                      .gapSeparator = u" ... ",
                                                      .strictSentenceEnds = true,
-                                                     .keepsPairs = true}));
+                                                     .keepsPairs = true,
+                                                     .withinRuns = !options_.parse.wholeWords}));
     }
 
     const Options& options_;
+    const WebRules& web_;
     const URL& base_;
     const Query& query_;
     const LanguageFilter& languages_;
@@ -248,7 +261,6 @@ void printLines(const Summary& summary, bool asked, Report& report) {
 void runStored(Report& report, const Options& options, const URL& base, const Query* query) {
     GatherRun run = options.stored;
     run.input = options.input;
-    run.input.content.web = WebRules::today();
     run.base = base;
     run.query = query;
     if (options.input.content.limit != UsualLimit)
@@ -327,12 +339,18 @@ Command makeGatherCommand(Session& session) {
         .run = [options](Report& report) { run(report, *options); },
     };
     options->input.names.recursive = true;
+    options->input.content.web = WebRules::today();
     command.add({
         text("--base", "URL", options->base, "where the folders stand on the web"),
         text("--query", "QUERY", options->query, "what to look for; see velmo help query"),
         flag("--all", options->links.all,
              "count links that lead to no page, and advertisements, too"),
         followOption(options->links),
+        {.names = "--described",
+         .value = {},
+         .help = "read pages by the library's own rules, not as browsers of today do",
+         .take = [options =
+                      options.get()](const auto&) { options->input.content.web = WebRules(); }},
         text("--store", "FILE", options->stored.store,
              "put the pages into a store, also those of archives, feeds and JSON lines; --limit is "
              "then a number of pages"),
