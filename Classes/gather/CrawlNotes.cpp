@@ -9,7 +9,7 @@ namespace velmo::detail {
 namespace {
 
 /// So many pages are done before the store is made to synchronize them.
-constexpr std::size_t MostUnsynchronized = 64;
+constexpr std::size_t MostUnsynchronized = 16;
 constexpr std::size_t EntriesPerNote = 1000;
 /// Notes are not written anew for less.
 constexpr std::size_t LeastTold = 10'000;

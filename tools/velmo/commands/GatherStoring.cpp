@@ -100,7 +100,7 @@ void tell(const GatheredPage& page, Report& report) {
     report.flush();
 }
 
-JsonObject summaryOf(const GatherSummary& summary, std::size_t pages) {
+JsonObject membersOf(const GatherSummary& summary, std::size_t pages) {
     return {{"pages", summary.pages},           {"added", summary.added},
             {"replaced", summary.replaced},     {"unchanged", summary.unchanged},
             {"duplicates", summary.duplicates}, {"leftOut", summary.leftOut},
@@ -111,7 +111,7 @@ void printSummary(const GatherSummary& summary, std::size_t pages, const GatherS
                   Report& report) {
     const bool hasSites = !sites.starts.empty();
     if (report.json()) {
-        JsonObject object = summaryOf(summary, pages);
+        JsonObject object = membersOf(summary, pages);
         if (hasSites) object.push_back({"sites", objectOf(sites.counts)});
         return report.printObject({{"summary", std::move(object)}});
     }
