@@ -38,6 +38,14 @@ std::string ownWords(std::mt19937& random) {
     return words + "</p>";
 }
 
+/// Those that say so, or nothing, of themselves: a peer that goes by another charset would end early.
+std::vector<std::string> pagesInUTF8() {
+    std::vector<std::string> pages;
+    for (std::size_t i = 0; i < corpus().pages.size(); ++i)
+        if (corpus().pages[i] == corpus().utf8[i]) pages.push_back(corpus().pages[i]);
+    return pages;
+}
+
 /// Made at first use, and gone with the program.
 struct Folder {
     const fs::path path =
@@ -46,9 +54,10 @@ struct Folder {
     std::size_t bytes = 0, count = 0;
 
     Folder() {
+        const std::vector<std::string> own = pagesInUTF8();
         std::mt19937 random(1);
         for (const std::size_t wanted = wantedBytes(); bytes < wanted; ++count) {
-            std::string page = corpus().utf8[count % corpus().utf8.size()];
+            std::string page = own[count % own.size()];
             page.insert(std::min(page.rfind("</body>"), page.size()), ownWords(random));
             const fs::path folder = pages / std::to_string(count / 1000);
             fs::create_directories(folder);

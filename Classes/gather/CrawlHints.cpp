@@ -42,8 +42,8 @@ String trimmed(View text) { return stringByTrimmingWhiteSpaces(String(text)); }
 /// Collects what the tags of a page say.
 class HintReader {
 public:
-    HintReader(CrawlHints& hints, const URL& base, View agent)
-        : hints_(hints), base_(base), agent_(agent) {}
+    HintReader(CrawlHints& hints, const URL& base, View agent, const WebRules& web)
+        : hints_(hints), base_(base), agent_(agent), web_(web) {}
 
     void take(const Tag& tag) {
         if (tag.kind != TagKind::Element || tag.isClosing()) return;
@@ -52,10 +52,10 @@ public:
         else if (tag.isNamed("LINK"))
             takeLink(tag.whole());
         else if (tag.isNamed("FRAME") || tag.isNamed("IFRAME"))
-            add(hints_.links, attributeOfTagCharacters(tag.whole(), "SRC"));
+            add(hints_.links, attributeOfTagCharacters(tag.whole(), "SRC", web_));
         else if (tag.isNamed("A") || tag.isNamed("AREA"))
             hints_.hasOtherLinks |=
-                hasWord(attributeOfTagCharacters(tag.whole(), "REL"), u"nofollow");
+                hasWord(attributeOfTagCharacters(tag.whole(), "REL", web_), u"nofollow");
     }
 
 private:
@@ -64,20 +64,20 @@ private:
     }
 
     void takeMeta(View tag) {
-        const String name = attributeOfTagCharacters(tag, "NAME");
+        const String name = attributeOfTagCharacters(tag, "NAME", web_);
         const bool isOurs = isEqualToStringNoCase(name, u"robots") ||
                             (!agent_.empty() && isEqualToStringNoCase(name, agent_));
-        if (isOurs) hints_.robots.take(contentAttributeOfTagCharacters(tag), {});
+        if (isOurs) hints_.robots.take(contentAttributeOfTagCharacters(tag, web_), {});
     }
 
     void takeLink(View tag) {
-        if (!hasWord(attributeOfTagCharacters(tag, "REL"), u"alternate")) return;
-        if (isOneOf(trimmed(attributeOfTagCharacters(tag, "TYPE")), FeedTypes))
-            add(hints_.feeds, attributeOfTagCharacters(tag, "HREF"));
+        if (!hasWord(attributeOfTagCharacters(tag, "REL", web_), u"alternate")) return;
+        if (isOneOf(trimmed(attributeOfTagCharacters(tag, "TYPE", web_)), FeedTypes))
+            add(hints_.feeds, attributeOfTagCharacters(tag, "HREF", web_));
     }
 
     void add(std::vector<URL>& urls, const String& reference) {
-        const URL url = URLRelativeTo(base_, normalizedStringURL(reference));
+        const URL url = URLRelativeTo(base_, normalizedStringURL(reference, web_), {.web = web_});
         if (url.isAbsent()) return;
         urls.push_back(url);
         hints_.hasOtherLinks = true;
@@ -86,24 +86,28 @@ private:
     CrawlHints& hints_;
     const URL& base_;
     const View agent_;
+    const WebRules& web_;
 };
 
-void readFeedInto(CrawlHints& hints, const Page& page) {
-    for (const FeedItem& item : getItemsOfFeed(page.markup(), page.url()))
-        if (const URL link = URLRelativeTo(page.url(), item.link); !link.isAbsent())
+void readFeedInto(CrawlHints& hints, const Page& page, const WebRules& web) {
+    for (const FeedItem& item : readFeed(page.markup(), {.baseURL = page.url(), .web = web}).items)
+        if (const URL link = URLRelativeTo(page.url(), item.link, {.web = web}); !link.isAbsent())
             hints.links.push_back(link);
 }
 
 void readPageInto(CrawlHints& hints, const Page& page, View agent, const WebRules& web) {
-    HintReader reader(hints, page.baseURL(), agent);
-    GetTagsOfString(page.markup(), [&](const Tag& tag) {
-        reader.take(tag);
-        return false;
-    });
-    const HtmlLinks found =
-        htmlLinks(page.markup(), {.useRelNoFollow = true, .filter = true, .web = web});
+    HintReader reader(hints, page.baseURL(), agent, web);
+    GetTagsOfString(
+        page.markup(),
+        [&](const Tag& tag) {
+            reader.take(tag);
+            return false;
+        },
+        web);
+    const HtmlLinks found = htmlLinks(
+        page.markup(), {.useRelNoFollow = true, .filter = true, .web = web, .url = page.url()});
     for (const String& link : found.links)
-        if (const URL url = URLRelativeTo(page.baseURL(), link); !url.isAbsent())
+        if (const URL url = URLRelativeTo(page.baseURL(), link, {.web = web}); !url.isAbsent())
             hints.links.push_back(url);
     if (page.markup().length() > LongestNotice) return;
     const String body =
@@ -138,7 +142,7 @@ CrawlHints readCrawlHints(const SourcePage& source, const RobotsDirectives& head
     const Page page(source.bytes,
                     {.url = source.url, .contentType = source.contentType, .web = web});
     if (page.isFeed())
-        readFeedInto(hints, page);
+        readFeedInto(hints, page, web);
     else
         readPageInto(hints, page, agent, web);
     if (hints.robots.noFollow) {

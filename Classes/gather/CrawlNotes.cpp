@@ -3,12 +3,13 @@
 #include <velmocore/storage/KeyedDataEditing.h>
 
 #include "gather/RecordKeys.h"
+#include "gather/StoredURL.h"
 
 namespace velmo::detail {
 namespace {
 
 /// So many pages are done before the store is made to synchronize them.
-constexpr std::size_t MostUnsynchronized = 64;
+constexpr std::size_t MostUnsynchronized = 16;
 constexpr std::size_t EntriesPerNote = 1000;
 /// Notes are not written anew for less.
 constexpr std::size_t LeastTold = 10'000;
@@ -87,7 +88,7 @@ private:
         return number ? *number : 0;
     }
     static URL urlOf(const KeyedRecord& record) {
-        return URL::URLWithString(String::fromUTF8(charsOf(*record.payload)));
+        return urlOfStored(String::fromUTF8(charsOf(*record.payload)));
     }
 
     CrawlState& state_;

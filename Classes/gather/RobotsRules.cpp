@@ -210,8 +210,9 @@ public:
     Group finish() {
         Group group = std::move(own_.isNamed ? own_ : all_);
         std::ranges::sort(group.rules, comesFirst);
-        const auto same = std::ranges::unique(group.rules, isSame);
-        group.rules.erase(same.begin(), same.end());
+        // The form of std::ranges is more than clang 14 understands.
+        const auto end = std::unique(group.rules.begin(), group.rules.end(), isSame);
+        group.rules.erase(end, group.rules.end());
         return group;
     }
 
@@ -232,7 +233,7 @@ private:
     }
 
     void takeName(Chars name) {
-        // Names one behind the other, whatever else stands between them but rules, are of one group.
+        // Names one behind the other, whatever stands between them but rules, are of one group.
         if (!isInNames_) isOwn_ = isAll_ = false;
         isInNames_ = true;
         if (isForAll(name)) isAll_ = all_.isNamed = true;

@@ -17,6 +17,7 @@ namespace velmo::detail {
 /// What is known of the robots.txt of a server, which is a host with a port and a scheme.
 struct ServerRules {
     std::optional<RobotsRules> rules = {};  ///< none until they are there
+    double loaded = 0;                      ///< when that was
     std::uint32_t tries = 0;
     String complaint = {};  ///< why nobody told them; absent if somebody did
 };

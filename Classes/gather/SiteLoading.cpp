@@ -63,7 +63,9 @@ SiteLoading::SiteLoading(const std::vector<URL>& starts, const SiteOptions& opti
       most_(std::clamp<std::size_t>(options.hosts, 1, MostHosts)),
       answers_(std::make_shared<SiteAnswers>()) {
     for (const URL& start : starts) {
-        networks_ = networks_ | networksOfHost(start) | networksOfHostName(start);
+        // Behind a proxy there may be nobody to look names up.
+        const NetworkKinds kinds = networksOfHost(start);
+        networks_ = networks_ | (kinds == NoNetwork ? networksOfHostName(start) : kinds);
         if (!start.user().isEmpty())
             credentials_[serverOf(start)] = {start.user(), start.password()};
     }

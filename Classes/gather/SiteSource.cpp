@@ -34,6 +34,8 @@ constexpr double LongestWait = 0.2;
 /// What a failing host is left alone for first; it doubles each time.
 constexpr double FirstPause = 2;
 constexpr std::uint32_t MostDoublings = 16;
+/// Rules are asked for again after a day.
+constexpr double LifeOfRules = 24 * 60 * 60;
 constexpr std::int64_t NotModified = 304, TooManyRequests = 429, FirstFailure = 500;
 
 double steadyNow() {
@@ -81,7 +83,12 @@ public:
         resume();
         for (std::uint32_t i = 0; i < starts.size(); ++i) addStart(starts[i], i);
     }
-    ~Crawl() { notes_.flush(); }
+    ~Crawl() {
+        try {
+            notes_.flush();
+        } catch (...) {  // no memory: what was not noted is loaded again
+        }
+    }
     Crawl(const Crawl&) = delete;
     Crawl& operator=(const Crawl&) = delete;
 
@@ -186,7 +193,8 @@ private:
             if (!frontier_.isWaiting(id)) continue;
             const FrontierEntry& entry = frontier_.entry(id);
             const ServerRules& server = host.servers[serverOf(entry.url)];
-            if (!server.rules) return loading_.loadRules(host, entry.url);
+            if (!server.rules || options_.clock.now() - server.loaded > LifeOfRules)
+                return loading_.loadRules(host, entry.url);
             if (!server.rules->isAllowed(entry.url)) {
                 forbid(id, server);
             } else if (!passOver(id)) {
@@ -266,7 +274,10 @@ private:
         if (isFailure && ++server.tries < options_.tries && isTemporary(answer))
             return backOff(*answer.host, answer.response);
         const std::int64_t status = answer.error ? 0 : answer.status();
-        if (status == 0 || status >= FirstFailure) server.complaint = reasonOf(answer);
+        const bool isUnknown = status == 0 || status >= FirstFailure;
+        server.complaint = isUnknown ? reasonOf(answer) : String();
+        server.loaded = options_.clock.now();
+        server.tries = 0;
         server.rules = RobotsRules::rulesOfAnswer(
             status, answer.data ? Bytes(*answer.data) : Bytes(), "velmo");
         answer.host->troubles = 0;

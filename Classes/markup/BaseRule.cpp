@@ -13,7 +13,8 @@ namespace velmo::detail {
 
 namespace {
 
-/// The first base of a page counts, and is relative to the page. A page of the disk may have its base there.
+/// The first base of a page counts, and is relative to the page. A page of the disk may have its
+/// base there.
 void applyWebBaseRule(const String& href, const URL& page, URL& baseURL) {
     if (!baseURL.isAbsent()) return;
     URL url = page.isAbsent() ? URLWithNormalizedStringURL(href) : URL::URLWithString(href, page);

@@ -83,8 +83,8 @@ std::string labelOfContent(Chars content) {
     return {};
 }
 
-/// Takes the attributes of a meta tag; gives the label that it names, if that is one. A tag that does
-/// not end in what is looked at names none.
+/// Takes the attributes of a meta tag; gives the label that it names, if that is one. A tag that
+/// does not end in what is looked at names none.
 std::string labelOfMetaTag(Chars& text) {
     std::vector<std::string> names;
     bool isPragma = false;

@@ -41,7 +41,7 @@ String rewriteLinks(const String& page, const URL& base, const WebRules& web, Wr
         // What a script does with references is its own affair.
         const Units opening = openingTagOf(tag);
         const Units reference = attributeOf(opening, attribute, web);
-        const URL url = URLRelativeTo(base, normalizedStringURL(reference, web));
+        const URL url = URLRelativeTo(base, normalizedStringURL(reference, web), {.web = web});
         if (isDownloadableURL(url) || url.isFileURL())
             keepReplacing(opening, reference,
                           stringByConvertingCharactersToStandardEntities(write(url)), out);

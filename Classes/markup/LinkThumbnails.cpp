@@ -169,7 +169,10 @@ private:
         if (link.empty()) return std::nullopt;
         URL url;
         if (options_.resolve) {
-            url = resolveStringURL(link, options_.baseURL);
+            url = options_.web.resolution
+                      ? URLRelativeTo(options_.baseURL, link,
+                                      {.encoding = encoding(), .web = options_.web})
+                      : resolveStringURL(link, options_.baseURL);
             link = url.absoluteString();
         }
         if (link.empty() || (isSearchPage_ && isEnginesOwn(link))) return std::nullopt;
@@ -205,7 +208,8 @@ private:
         const WebRules& web = options_.web;
         const NormalizedLink reference(raw, {.web = web});
         if (reference.view().empty() || !isThumbnail(reference.view(), tag, web)) return;
-        const URL url = URLRelativeTo(options_.baseURL, reference.view(), {.encoding = encoding()});
+        const URL url =
+            URLRelativeTo(options_.baseURL, reference.view(), {.encoding = encoding(), .web = web});
         if (url.isAbsent()) return;
         const Thumbnail image{url.absoluteString(), tag};
         if (open_)

@@ -251,9 +251,10 @@ private:
     }
 
     const char16_t* endOfElement(const char16_t* at) {
-        const char16_t* last = ByWeb && web_.attributes ? endOfWebTag(at) : endOfOpenTag(at + 1);
+        const char16_t* last =
+            ByWeb && web_.attributes ? endOfWebTag(nameWebTag(at)) : endOfOpenTag(at + 1);
         if (last == end_) return end_;
-        findName(at + 1, last);
+        if (tag_.nameLength == 0) findName(at + 1, last);
         if constexpr (ByWeb)
             if (web_.rawText || web_.selfClosing) return endOfWebElement(at, last);
         return endOfOwnBody(at, last);
@@ -283,10 +284,20 @@ private:
         }
     }
 
-    /// A quote mark opens a value right behind its = only.
-    const char16_t* endOfWebTag(const char16_t* at) {
-        const char16_t* attributes = webTags::endOfName(at, end_);
-        for (at = attributes;;) {
+    /// Names a tag before its end is known; gives the place behind the name.
+    const char16_t* nameWebTag(const char16_t* at) {
+        ++at;
+        if (at != end_ && *at == u'/') ++at;
+        if (at == end_ || !ascii::isLetter(*at)) return at;
+        const char16_t* const nameEnd = endOfName(at + 1, end_);
+        tag_.nameLocation = static_cast<std::uint64_t>(at - begin_);
+        tag_.nameLength = static_cast<std::uint64_t>(nameEnd - at);
+        return nameEnd;
+    }
+
+    /// The end of a tag whose name ends there. A quote mark opens a value right behind its = only.
+    const char16_t* endOfWebTag(const char16_t* attributes) {
+        for (const char16_t* at = attributes;;) {
             at = marks_.equalOrGreater(at);
             if (at == end_ || *at == u'>') return at;
             if (!webTags::isAssignment(attributes, at++)) continue;
@@ -305,6 +316,8 @@ private:
     /// The end of the element if that is one tag with its text. Where the text of another ends is
     /// noted: there the scan goes on.
     const char16_t* endOfWebElement(const char16_t* at, const char16_t* last) {
+        // Most tags are told by one look.
+        if (!foreign_.isOpen() && (at[1] == u'/' || !webTags::mayBeSpecial(tag_))) return last;
         const bool isSingle = last[-1] == u'/' && (isForeign() || !web_.selfClosing);
         if (last[-1] != u'/') foreign_.note(tag_, at[1] == u'/');
         const webTags::RawElement* raw = at[1] == u'/' ? nullptr : webTags::rawElement(tag_);
@@ -316,7 +329,8 @@ private:
                 raw->name == "SCRIPT" ? webTags::findEndOfScript(last + 1, end_)
                                       : webTags::findClosing(last + 1, end_, raw->closing);
             if (closing == end_) return end_;
-            return web_.attributes ? endOfWebTag(closing) : marks_.greater(closing);
+            return web_.attributes ? endOfWebTag(webTags::endOfName(closing, end_))
+                                   : marks_.greater(closing);
         }
         if (web_.rawText && !isForeign())
             behindText_ = webTags::findClosing(last + 1, end_, raw->closing);

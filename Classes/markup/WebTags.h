@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 #include <velmocore/markup/TagScanner.h>
@@ -52,6 +53,16 @@ struct RawElement {
     bool isReportedWhole = false;    ///< whether it is one tag to handlers, with its text
 };
 
+/// Whether a tag begins as those do that hold text only, or other elements than those of HTML.
+inline bool mayBeSpecial(const Tag& tag) {
+    constexpr std::uint32_t Letters = 1u << ('i' - 'a') | 1u << ('m' - 'a') | 1u << ('n' - 'a') |
+                                      1u << ('p' - 'a') | 1u << ('s' - 'a') | 1u << ('t' - 'a') |
+                                      1u << ('x' - 'a');
+    if (tag.nameLength < 3) return false;
+    const auto letter = static_cast<std::uint32_t>(tag.name()[0] | 0x20) - 'a';
+    return letter < 26 && (Letters >> letter & 1) != 0;
+}
+
 /// Null for a tag of any other name.
 const RawElement* rawElement(const Tag& tag);
 
@@ -62,6 +73,8 @@ public:
     explicit ForeignElements(bool always) : always_(always) {}
 
     bool isInside() const { return always_ || depth_ > ownDepth_; }
+    /// Whether any image or formula is open.
+    bool isOpen() const { return depth_ > 0; }
 
     /// Takes notice of a tag that does not close itself.
     void note(const Tag& tag, bool isClosing) {

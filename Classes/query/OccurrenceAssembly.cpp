@@ -45,7 +45,8 @@ private:
 
     /// Where the search goes on; NotFound if the summary is full.
     std::uint64_t addWordToAssembly(Range hit) {
-        const Excerpt excerpt = excerptAround(hit);
+        const Excerpt excerpt =
+            units_.words.unspaced ? excerptAround<true>(hit) : excerptAround<false>(hit);
         // A heading or a cell of a table that is the hit alone tells a reader nothing.
         const bool says = excerpt.start < excerpt.end && (!excerpt.bare || options_.singleWords);
         if (!says || !seen_.insert(viewOf(excerpt.start, excerpt.end)).second) return excerpt.next;
@@ -71,15 +72,14 @@ private:
 
     /// The sentence of a hit, without what stands before its first and after its last term
     /// unit.
+    template <bool Unspaced>
     Excerpt excerptAround(Range hit) const {
-        const detail::ExcerptUnits units = units_;  // a copy, which no write can change
         Excerpt excerpt{hit.location, hit.end(), true, hit.end()};
-        for (std::uint64_t i = hit.location; i > 0 && !units.isBoundary(i - 1); --i)
-            if (units.isTerm(i - 1)) excerpt.start = i - 1;
-        std::uint64_t i = excerpt.next;
-        for (; i < units.text.size() && !units.isBoundary(i); ++i)
-            if (units.isTerm(i)) excerpt.end = i + 1;
-        excerpt.next = i;
+        for (std::uint64_t i = hit.location; i > 0 && !units_.isBoundary(i - 1); --i)
+            if (units_.isTermOf<Unspaced>(i - 1)) excerpt.start = i - 1;
+        std::uint64_t& i = excerpt.next;
+        for (; i < units_.text.size() && !units_.isBoundary(i); ++i)
+            if (units_.isTermOf<Unspaced>(i)) excerpt.end = i + 1;
         excerpt.bare = excerpt.start == hit.location && excerpt.end == hit.end();
         return excerpt;
     }

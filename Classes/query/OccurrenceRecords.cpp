@@ -55,39 +55,41 @@ public:
         for (std::uint64_t from = 0; from < units_.text.size();) {
             const Range hit = hits.next(from);
             if (!hit.isFound()) break;
-            from = addWordToOccurrences(hit);
+            from = units_.words.unspaced ? addWordToOccurrences<true>(hit)
+                                         : addWordToOccurrences<false>(hit);
         }
         return std::move(records_);
     }
 
 private:
     /// Where the search goes on.
+    template <bool Unspaced>
     std::uint64_t addWordToOccurrences(Range hit) {
         Side front(hit.location, units_.isTerm(hit.location), minWords_);
-        growBack(front);
+        growBack<Unspaced>(front);
         Side back(hit.end(), units_.isTerm(hit.end() - 1), minWords_);
-        const std::uint64_t next = growForward(back);
+        const std::uint64_t next = growForward<Unspaced>(back);
         if (front.edge() < back.edge()) add(front, back);
         return next;
     }
 
+    template <bool Unspaced>
     void growBack(Side& side) const {
-        const detail::ExcerptUnits units = units_;  // a copy, which no write can change
         for (std::uint64_t i = side.edge(); i-- > 0;) {
-            const bool isBoundary = units.isBoundary(i);
+            const bool isBoundary = units_.isBoundary(i);
             if (isBoundary && side.hasWords()) return;
-            side.add(isBoundary, units.isTerm(i), units.words.parts(i + 1), i);
+            side.add(isBoundary, units_.isTermOf<Unspaced>(i), units_.isApart<Unspaced>(i + 1), i);
         }
     }
 
     /// Where it stops: at a boundary, or after one at the end of a word, once there are
     /// enough words.
+    template <bool Unspaced>
     std::uint64_t growForward(Side& side) const {
-        const detail::ExcerptUnits units = units_;
         std::uint64_t i = side.edge();
-        for (; i < units.text.size(); ++i) {
-            const bool isBoundary = units.isBoundary(i), isTerm = units.isTerm(i);
-            const bool isApart = units.words.parts(i);
+        for (; i < units_.text.size(); ++i) {
+            const bool isBoundary = units_.isBoundary(i), isTerm = units_.isTermOf<Unspaced>(i);
+            const bool isApart = units_.isApart<Unspaced>(i);
             const bool mayStop = isBoundary || (side.isBehindBoundary() && (!isTerm || isApart));
             if (mayStop && side.hasWords()) break;
             side.add(isBoundary, isTerm, isApart, i + 1);

@@ -111,6 +111,16 @@ struct ExcerptUnits {
         return !(words.unspaced && words.unspaced->hasUnitAt(text, i + 1));
     }
     bool isTerm(std::uint64_t i) const { return words.isTerm(i); }
+    /// The same, and whether words part there, where it is known whether there are scripts without
+    /// spaces: loops over all units ask it once.
+    template <bool Unspaced>
+    bool isTermOf(std::uint64_t i) const {
+        return Unspaced ? words.isTerm(i) : words.termCharacters.contains(text[i]);
+    }
+    template <bool Unspaced>
+    bool isApart(std::uint64_t i) const {
+        return Unspaced && words.parts(i);
+    }
     /// Whether the term units before and at a position are of one word.
     bool joinsTerms(std::uint64_t i) const { return words.isAfterTerm(i); }
     /// Whether a character goes on at a position inside the text.

@@ -55,6 +55,7 @@ public:
     }
 
     bool isPhrase() const { return !rest_.empty(); }
+    bool beginsWithStar() const { return isPhrase() && first_.isLoneStar(); }
     bool isLoneStar() const { return !isPhrase() && first_.isLoneStar(); }
     /// Whether what is found is made of whole words of the text only.
     bool findsWords(const WordText& text) const;

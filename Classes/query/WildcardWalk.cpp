@@ -68,7 +68,9 @@ Range WildcardWalkBack::hitOf(Track& track, std::uint64_t start) {
     const bool isLeft = start > start_ && text_.isAfterTerm(start);
     const bool isAllLeft = text_.unspaced && text_.isAfterTerm(start_);
     const bool leavesOut = (isLeft || isAllLeft) && text_.isTerm(end_ - 1);
-    if (leavesOut) return track.term.find(text_, start, end_, Backwards);
+    // Going back, a star that begins a phrase is found at the start of the stretch alone.
+    const bool isAtStart = text_.unspaced && start > start_ && track.term.words().beginsWithStar();
+    if (leavesOut || isAtStart) return track.term.find(text_, start, end_, Backwards);
     const auto inside = [&](Range hit) {
         return hit.isFound() && hit.location >= start ? hit : Range::none();
     };

@@ -222,8 +222,8 @@ TEST(SiteSource, LeavesHostsAloneThatWishIt) {
         {"until a date",
          {none},
          {answerOf("", "Retry-After: Fri, 01 Jan 2100 00:00:00 GMT\r\n", "503 Busy"), good},
-         300,
-         303,
+         30,
+         33,
          2,
          true},
         {"no wish: longer each time",
@@ -287,7 +287,7 @@ protected:
         }
     }
     Crawled crawlInto(const std::string& store, const Site& site, std::size_t limit = 0,
-                      const std::function<void()>& atEach = nullptr) {
+                      const std::function<void(PageStore&)>& atEach = nullptr) {
         PageStore pages = PageStore::openForUpdating(store);
         FakeTime time;
         SiteOptions options = {.depth = 3, .delay = 0, .store = &pages, .clock = time.clock()};
@@ -295,7 +295,7 @@ protected:
         Crawled crawled;
         gatherPages(source, {.threads = 1, .store = &pages, .limit = limit}, [&](GatheredPage& page) {
             crawled.pages.push_back(pathOf(page.record.url));
-            if (atEach) atEach();
+            if (atEach) atEach(pages);
             return true;
         });
         crawled.counts = source.counts();
@@ -314,17 +314,20 @@ TEST_F(SiteStore, GoesOnWhereItWasEndedOrKilled) {
     grow(site, "Content-Type: text/html\r\n");
     std::set<std::string> all;
     for (int i = 1; i <= 15; ++i) all.insert("/p/" + std::to_string(i));
-    // What stands in the file when a page has been put is what a program leaves that is killed then.
+    // What stands in the file when a page has been put is what a program leaves that is killed then:
+    // the page, or if that was not written yet those before it.
     std::size_t killed = 0;
-    crawlInto(path("whole"), site, 0,
-              [&] { std::filesystem::copy_file(path("whole"), path("killed" + std::to_string(killed++))); });
+    crawlInto(path("whole"), site, 0, [&](PageStore& pages) {
+        if (killed % 3 != 2) pages.synchronize();
+        std::filesystem::copy_file(path("whole"), path("killed" + std::to_string(killed++)));
+    });
     EXPECT_EQ(pagesOf(path("whole")), all);
     EXPECT_EQ(notesOf(path("whole")), 0u);
     EXPECT_EQ(killed, all.size());
     for (std::size_t i = 0; i < killed; ++i) {
         const std::string store = path("killed" + std::to_string(i));
         const std::set<std::string> before = pagesOf(store);
-        EXPECT_GE(before.size() + 1, i);
+        EXPECT_GE(before.size() + (i % 3 == 2), i + 1);
         site.forget();
         crawlInto(store, site);
         std::set<std::string> together = before;
@@ -338,13 +341,13 @@ TEST_F(SiteStore, GoesOnWhereItWasEndedOrKilled) {
         EXPECT_EQ(notesOf(store), 0u) << i;
     }
     // In pieces, which end as they should.
-    site.forget();
     for (std::size_t kept = 0; kept < all.size(); kept += 4) {
+        const std::set<std::string> before = kept > 0 ? pagesOf(path("pieces")) : std::set<std::string>();
+        site.forget();
         crawlInto(path("pieces"), site, 4);
         EXPECT_EQ(pagesOf(path("pieces")).size(), std::min(kept + 4, all.size()));
+        for (const std::string& asked : site.asked()) EXPECT_FALSE(before.contains(asked)) << asked;
     }
-    const std::vector<std::string> asked = site.asked();
-    EXPECT_EQ(std::set(asked.begin(), asked.end()).size(), asked.size());
 }
 
 TEST_F(SiteStore, AsksForWhatHasChanged) {
@@ -406,11 +409,23 @@ TEST(SiteSource, GoesToNoOtherNetworkThanItsStart) {
     });
     URLRequest request = {.url = server.url("/")};
     EXPECT_TRUE(sendSynchronousRequest(request).data);
-    const std::size_t connections = server.connections();
+    std::size_t connections = server.connections();
     for (const NetworkKinds networks : {PublicNetwork, PublicNetwork | PrivateNetwork | LinkLocalNetwork}) {
         request.limits.networks = networks;
         const DownloadedResponse answer = sendSynchronousRequest(request);
         EXPECT_FALSE(answer.data);
+        EXPECT_EQ(printed(answer.error->text), "in a network that may not be reached");
+    }
+    // A name that does not tell, if the machine has one for itself.
+    char name[256] = "";
+    ::gethostname(name, sizeof name - 1);
+    const std::string root = server.at("/");
+    const URL local =
+        URL::URLWithString(String::fromUTF8(std::string("http://") + name + root.substr(root.rfind(':'))));
+    if (networksOfHostName(local) == PublicNetwork && networksOfHost(local) == LoopbackNetwork) {
+        EXPECT_TRUE(sendSynchronousRequest({.url = local}).data);
+        connections = server.connections();
+        const auto answer = sendSynchronousRequest({.url = local, .limits = {.networks = PublicNetwork}});
         EXPECT_EQ(printed(answer.error->text), "in a network that may not be reached");
     }
     EXPECT_EQ(server.connections(), connections);

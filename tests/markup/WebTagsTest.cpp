@@ -58,8 +58,8 @@ TEST(WebTags, EachRuleReadsWhatItIsFor) {
          "[script]c[style][]", "[script]b[#][script]c[style]d -->[style][]"},
         {&WebRules::rawText, u"<script><!--<script>a</script>b--></script>c<script>d<b>", "[script]c[script]d[b][]",
          "[script]c[script][]"},
-        {&WebRules::selfClosing, u"<script/>a</script>b<svg><script/>c</svg><style/>d<p>", "[script]a[script]b[svg][script]c[svg][style]d[p][]",
-         "[script]b[svg][script]c[svg][style]d[p][]"},
+        {&WebRules::selfClosing, u"<script/>a</script>b<svg><script/>c</svg><style/>d<p>",
+         "[script]a[script]b[svg][script]c[svg][style]d[p][]", "[script]b[svg][script]c[svg][style]d[p][]"},
     };
     for (const auto& [rule, page, own, today] : cases) {
         WebRules web;
@@ -71,7 +71,8 @@ TEST(WebTags, EachRuleReadsWhatItIsFor) {
 
 TEST(WebTags, ImagesHaveElementsOfTheirOwn) {
     const std::pair<View, std::string> cases[] = {
-        {u"<svg><title>a<b/></title><style/><![CDATA[<i>]]>c</svg><style/>d", "[svg][title]a[b][title][style][]c[svg][style][]"},
+        {u"<svg><title>a<b/></title><style/><![CDATA[<i>]]>c</svg><style/>d",
+         "[svg][title]a[b][title][style][]c[svg][style][]"},
         {u"<svg><desc><script/>a</script></desc><script/>b", "[svg][desc][script][desc][script]b[]"},
         {u"<svg/><xmp><b></xmp><math><p><xmp><b>", "[svg][xmp]<b>[xmp][math][p][xmp]<b>[]"},
     };
@@ -147,7 +148,9 @@ TEST(WebTags, BasesAreRelativeToThePage) {
     EXPECT_EQ(today.frames()[0].absoluteString().utf8(), base + "f");
     EXPECT_EQ(today.linkThumbnails().thumbnails.begin()->second.utf8(), base + "e.jpg");
     EXPECT_EQ(Page::pageWithString(page, url).links()[0].absoluteString(), u"http://i.org/d");
-    const auto baseOf = [](View tag, View from) { return htmlBaseURL(tag, Today, URL::URLWithString(from)).absoluteString(); };
+    const auto baseOf = [](View tag, View from) {
+        return htmlBaseURL(tag, Today, URL::URLWithString(from)).absoluteString();
+    };
     EXPECT_EQ(baseOf(u"<base href='../x/'>", u"file:///a/b/c"), u"file:///a/x/");
     EXPECT_EQ(baseOf(u"<base href='javascript:x'>", u"http://h/"), String());
     EXPECT_EQ(htmlBaseURL(u"<base href='c/'>", Today).absoluteString(), String());
@@ -155,7 +158,8 @@ TEST(WebTags, BasesAreRelativeToThePage) {
 
     const String feed =
         u"<feed xml:base='/x/'><entry><link href='a'/></entry><entry xml:base='y/'><link xml:base='z/' href='a&amp;b'/>"
-        u"<title><![CDATA[<b>a]>b]]></title></entry><entry xml:base='y/'><link href='http://i/'/></entry><entry><link>q</link></entry></feed>";
+        u"<title><![CDATA[<b>a]>b]]></title></entry><entry xml:base='y/'><link "
+        u"href='http://i/'/></entry><entry><link>q</link></entry></feed>";
     std::string links;
     for (const FeedItem& item : readFeed(feed, {.baseURL = url, .web = Today}).items) links += item.link.utf8() + " ";
     EXPECT_EQ(links, "http://h.org/x/a http://h.org/x/y/z/a&b http://i/ http://h.org/x/q ");
@@ -164,8 +168,9 @@ TEST(WebTags, BasesAreRelativeToThePage) {
 }
 
 TEST(WebTags, AllThatReadsPagesTakesTheRules) {
-    const String page = u"<head><link rel=icon href=i><meta name=author content='a>b'><title><b></title></head>"
-                        u"<a x=it's href=c title='&notit;'>d</a><script/></a>e</script>f";
+    const String page =
+        u"<head><link rel=icon href=i><meta name=author content='a>b'><title><b></title></head>"
+        u"<a x=it's href=c title='&notit;'>d</a><script/></a>e</script>f";
     const std::pair<String, std::string> cases[] = {
         {htmlFavIcon(page, Today), "i"},
         {htmlMetaAuthor(page, Today), "a>b"},
@@ -176,8 +181,10 @@ TEST(WebTags, AllThatReadsPagesTakesTheRules) {
         {stripTag(u"a<b x='>'>c", "B", Today), "ac"},
         {stripAttributesOfTag(u"<a x=it's href='>'>", "A", Today), "<A HREF=\">\">"},
         {stripLinks(u"<a x=it's>b</a>c", Today), "c"},
-        {stripObjectsAndReplaceImages(page, true, Today), "<head><meta name=author content='a>b'><title><b></title></head><a x=it's href=c title='&notit;'>d</a>f"},
-        {resolveLinksUsingBaseURL(u"<a x=it's href=c>", URL::URLWithString(u"http://h/"), Today), "<a x=it's href=http://h/c>"},
+        {stripObjectsAndReplaceImages(page, true, Today),
+         "<head><meta name=author content='a>b'><title><b></title></head><a x=it's href=c title='&notit;'>d</a>f"},
+        {resolveLinksUsingBaseURL(u"<a x=it's href=c>", URL::URLWithString(u"http://h/"), Today),
+         "<a x=it's href=http://h/c>"},
         {stringBySettingBaseURL(u"<!-a><base x=it's href=c>d", u"", Today), "<!-a>d"},
         {stringByStrippingMetaAttributeWithName(u"<meta x=it's name=a>b", u"a", Today), "b"},
         {getLinkThumbnails(page, {.web = Today}).titles[u"c"], "&notit;"},

@@ -14,7 +14,8 @@ namespace velmo {
 /// date count where its content, which is the page, does not tell. An item without a link has no
 /// place to be known by and is left out. What is no feed is an error.
 ///
-///     const std::string_view feed = "<rss><item><title>Tea</title><link>http://h.org/</link>";
+///     const std::string_view feed =
+///         "<rss><item><title>Tea</title><link>http://h.org/</link></item></rss>";
 ///     FeedSource items(InputStream::ofBytes(Data(feed.begin(), feed.end())));
 ///     SourcePage page;
 ///     items.next(page) == PageSource::State::Page;     // true

@@ -17,9 +17,9 @@ namespace velmo {
 /// looked at stands in memory. One thread at a time uses a stream.
 ///
 ///     InputStream stream = InputStream::ofBytes(*dataByGzippingData("tea and cup"));
-///     charsOf(stream.peek(3));     // tea
-///     stream.skip(4);              // 4
-///     charsOf(stream.peek(3));     // and
+///     charsOf(stream.peek(3)).substr(0, 3);     // tea
+///     stream.skip(4);                           // 4
+///     charsOf(stream.peek(3)).substr(0, 3);     // and
 class VELMO_API InputStream {
 public:
     /// A file; one that cannot be opened has no bytes, and an error.

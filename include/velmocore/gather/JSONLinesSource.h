@@ -20,8 +20,10 @@ namespace velmo {
 /// or by no name if the source has none, once its address is known by that. A source waits for more input only when all that it gave was
 /// told, so that who writes a line gets an answer to it.
 ///
-///     const std::string_view line = R"({"url": "http://h.org/", "html": "<p>Tea"})";
+///     const std::string_view line = "{\"url\": \"http://h.org/\", \"html\": \"<p>Tea\"}";
 ///     JSONLinesSource lines(InputStream::ofBytes(Data(line.begin(), line.end())));
+///     SourcePage page;
+///     lines.next(page) == PageSource::State::Page;     // true
 class VELMO_API JSONLinesSource final : public PageSource {
 public:
     explicit JSONLinesSource(InputStream&& stream, const SourceOptions& options = {});

@@ -28,8 +28,8 @@ struct SiteOptions {
     std::size_t depth = 5;   ///< links on the way from a start; 0 for the starts alone
     double delay = 1;        ///< seconds between two pages of a host, or what it asks for if longer
     std::size_t hosts = 16;  ///< of which pages are loaded at once; 64 at the most
-    /// How those who run the servers can reach who runs the crawl: an address of the web or of mail,
-    /// told with the name of this library.
+    /// How those who run the servers can reach who runs the crawl: an address of the web or of
+    /// mail, told with the name of this library.
     String contact = {};
     PageKeyOptions keys = {};  ///< which addresses are of one page; as for the reading of pages
     /// Where the crawl notes how far it is; not owned. See SiteSource.
@@ -79,8 +79,8 @@ struct SiteCounts {
 /// Credentials of a start are sent to its own server alone, and kept nowhere. No cookies, no
 /// referrer.
 ///
-/// Of a page that cannot be had, nothing is told but in the counts, if it is not a start. Feeds that
-/// pages name are read as pages are, and their items followed.
+/// Of a page that cannot be had, nothing is told but in the counts, if it is not a start. Feeds
+/// that pages name are read as pages are, and their items followed.
 ///
 /// With a store, which must outlive the source, the crawl notes there what it has found: one that
 /// was ended or killed at any moment goes on with the same starts, mode and depth where it was,

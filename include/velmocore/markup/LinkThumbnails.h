@@ -17,7 +17,7 @@ struct LinkThumbnailOptions {
     /// no links.
     URL baseURL = {};
     /// Links become whole URLs, and are taken out of what search engines wrap around them; see
-    /// resolveStringURL(). On pages of Google, Yahoo Search and LexisWeb the links to the
+    /// resolveStringURL(). With WebRules::resolution they are resolved and no more. On pages of Google, Yahoo Search and LexisWeb the links to the
     /// engine's own copies, translations and similar pages are left out.
     bool resolve = false;
     /// Honours the comments "googleoff:" and "googleon:". Where "index" is off, nothing is taken;

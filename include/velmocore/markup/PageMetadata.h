@@ -15,8 +15,8 @@ namespace velmo {
 // what is not there is absent. Names and keywords are compared in any case.
 //
 // A value that several meta tags give is all of their contents with spaces between. Time is linear
-// in what is read; nothing fails. Any thread. The rules of today, where they are on, count for tags,
-// attributes, bases, and for references in what is made for people.
+// in what is read; nothing fails. Any thread. The rules of today, where they are on, count for
+// tags, attributes, bases, and for references in what is made for people.
 //
 //     htmlTitle(u"<title>a &amp; b</title>");                                // a &amp; b
 //     htmlMetaKeywords(u"<meta name=keywords content=a><meta name=dc.keywords content=b>");    // a b

@@ -28,9 +28,9 @@ struct FolderFile {
 /// turn has come: the memory is that of the folders on the way and not of all files. One thread at
 /// a time uses a walk.
 ///
-///     createPathAndFile("letters/old/tea.txt");
-///     FolderWalk walk("letters");
-///     walk.next()->path.string();      // letters/old/tea.txt
+///     createPathAndFile("walked/old/tea.txt");
+///     FolderWalk walk("walked");
+///     walk.next()->path.string();      // walked/old/tea.txt
 ///     walk.next().has_value();         // false
 class VELMO_API FolderWalk {
 public:

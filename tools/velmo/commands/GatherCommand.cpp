@@ -261,7 +261,6 @@ void printLines(const Summary& summary, bool asked, Report& report) {
 void runStored(Report& report, const Options& options, const URL& base, const Query* query) {
     GatherRun run = options.stored;
     run.input = options.input;
-    run.input.content.web = WebRules::today();
     run.base = base;
     run.query = query;
     if (options.input.content.limit != UsualLimit)
@@ -270,18 +269,22 @@ void runStored(Report& report, const Options& options, const URL& base, const Qu
     options.lines ? gatherLines(report, run) : gatherIntoStore(report, run);
 }
 
-void run(Report& report, const Options& options) {
+void run(Report& report, Options& options) {
     const bool asked = !options.query.empty();
     const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
     if (base.isAbsent() && !options.base.empty()) return report.fail(options.base, "not a URL");
+    const bool readsAsToday = options.input.content.web.charsets;
     const Query query =
         asked ? readQuery(report, options.query, options.parse, options.comparison) : Query();
     if (options.lines || !options.stored.store.empty())
         return runStored(report, options, base, asked ? &query : nullptr);
     if (options.stored.sites.isAsked)
         throw UsageError("sites are gathered into a store: --store is missing");
-    const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
+    const LanguageFilter languages =
+        readsAsToday ? readLanguageFilterOfToday(report, velmoResourcesDirectory())
+                     : readLanguageFilter(report, velmoResourcesDirectory());
     report.flush();
+    options.links.web = options.input.content.web;
     const Gatherer gatherer(options, base, query, languages);
     Summary summary;
     forEachContent(

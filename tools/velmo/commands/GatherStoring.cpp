@@ -100,7 +100,7 @@ void tell(const GatheredPage& page, Report& report) {
     report.flush();
 }
 
-JsonObject objectOf(const GatherSummary& summary, std::size_t pages) {
+JsonObject membersOf(const GatherSummary& summary, std::size_t pages) {
     return {{"pages", summary.pages},           {"added", summary.added},
             {"replaced", summary.replaced},     {"unchanged", summary.unchanged},
             {"duplicates", summary.duplicates}, {"leftOut", summary.leftOut},
@@ -111,7 +111,7 @@ void printSummary(const GatherSummary& summary, std::size_t pages, const GatherS
                   Report& report) {
     const bool hasSites = !sites.starts.empty();
     if (report.json()) {
-        JsonObject object = objectOf(summary, pages);
+        JsonObject object = membersOf(summary, pages);
         if (hasSites) object.push_back({"sites", objectOf(sites.counts)});
         return report.printObject({{"summary", std::move(object)}});
     }
@@ -129,7 +129,7 @@ void gatherIntoStore(Report& report, GatherRun& run) {
     Error error;
     PageStore store = PageStore::openForUpdating(run.store, &error);
     if (!store.isValid()) return report.fail(run.store, error.text.utf8());
-    const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
+    const LanguageFilter languages = readLanguageFilterOfToday(report, velmoResourcesDirectory());
     // That a page has a date which is none is its own matter, and not of who gathers thousands.
     setLogHandler([](std::string_view) {});
     endOnInterrupt();

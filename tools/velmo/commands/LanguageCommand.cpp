@@ -35,8 +35,8 @@ void print(const LanguageFilter& filter, bool isOfToday, const std::string& file
             fmt::format("{:2} {:.3f} {}", decided ? name.utf8() : "-", ratio, file));
     const std::uint16_t iso = LanguageFilter::ISOCodeForLanguage(language);
     JsonObject object = fileObject(file, {{"language", language},
-                                    {"iso", iso ? Json(iso) : Json()},
-                                    {"ratio", decided ? Json(ratio) : Json()}});
+                                          {"iso", iso ? Json(iso) : Json()},
+                                          {"ratio", decided ? Json(ratio) : Json()}});
     if (isOfToday) object.push_back({"tag", name});
     report.printObject(object);
 }
