@@ -33,9 +33,10 @@ protected:
 
 TEST_F(SearchTool, ShowsWhatMatches) {
     EXPECT_EQ(shell("$V search --color=always 'green NEAR tea' s | sed 's/, [0-9.]* s$//'").out,
-              "\x1b[32m1.\x1b[m All of[31m tea\n"
+              "\x1b[32m1.\x1b[m All of^[[31m tea\n"
               "   \x1b[35mhttp://www.h.org/a\x1b[m  2001-01-01\n"
-              "   \x1b[1;31mGreen\x1b[m \x1b[1;31mtea\x1b[m, in a cup\n"
+              "   All of \x1b[1;31mtea\x1b[m \x1b[1;31mGreen\x1b[m \x1b[1;31mtea\x1b[m, in a cup. Nothing here. "
+              "\x1b[1;31mTea\x1b[m \U0001F375 again.\n"
               "1 of 2 pages\n");
     const struct {
         const char *arguments, *out;
