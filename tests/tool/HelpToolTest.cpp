@@ -84,6 +84,9 @@ protected:
         const std::string helper =
             "export XDG_RUNTIME_DIR=$PWD; $V helper serve pages >/dev/null & pages=$!; $V helper "
             "call --wait 20 pages title x >/dev/null; ";
+        if (example.starts_with("velmo serve"))  // until it says where
+            line +=
+                " --port 0 >said & for i in $(seq 600); do [ -s said ] && break; sleep 0.1; done; kill $!; cat said";
         const bool needsHelper = example.find("helper ") != example.npos;
         const Outcome outcome = shell(needsHelper ? helper + line + "; code=$?; kill $pages; exit $code" : line);
         EXPECT_EQ(outcome.code, 0) << example << "\n" << outcome.err;
