@@ -57,7 +57,8 @@ constexpr Operation Rows[] = {
          use(pageRecordFromData(dataFromPageRecord(page)));
          use(pageRecordFromData(in.utf8));
      },
-     262144},
+     // Below, more and more of the memory comes anew from the system.
+     1048576},
     {"stores of pages",
      [](const Input& in) {
          use(pageStatistics(StoreFile(in.utf8).forReading()));
