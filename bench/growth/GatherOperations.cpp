@@ -57,8 +57,7 @@ constexpr Operation Rows[] = {
          use(pageRecordFromData(dataFromPageRecord(page)));
          use(pageRecordFromData(in.utf8));
      },
-     // Below, more and more of the memory comes anew from the system.
-     1048576},
+     262144},
     {"stores of pages",
      [](const Input& in) {
          use(pageStatistics(StoreFile(in.utf8).forReading()));
