@@ -238,7 +238,6 @@ TEST_F(PageSearchTest, FindsTheWordsOfRealPages) {
     }
     EXPECT_GT(cases, 500u);
     EXPECT_LT(scanned, cases * pages.size() * 2 / 3);
-    std::cout << scanned << " of " << cases * pages.size() << " pages scanned\n";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // Stores of pages searched from a shell.
 #include <velmocore/gather/PageStore.h>
+#include <velmocore/storage/KeyedData.h>
 
 #include "ToolFixture.h"
 
