@@ -19,6 +19,15 @@ void languageVelmo(benchmark::State& state) {
 }
 BENCHMARK(languageVelmo)->Name("language/velmo")->Unit(benchmark::kMillisecond);
 
+void languageVelmoToday(benchmark::State& state) {
+    const LanguageFilter filter(velmoResourcesDirectory(), LanguageRules::today());
+    std::size_t decided = 0;
+    eachPage(state, corpus().texts,
+             [&](const String& text) { decided += !filter.languageOfText(text).isAbsent(); });
+    state.counters["decided"] = static_cast<double>(decided / state.iterations());
+}
+BENCHMARK(languageVelmoToday)->Name("language-web/velmo")->Unit(benchmark::kMillisecond);
+
 void languageCld2(benchmark::State& state) {
     std::size_t decided = 0;
     eachPage(state, corpus().textsUtf8, [&](const std::string& text) {

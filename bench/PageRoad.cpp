@@ -12,8 +12,10 @@
 #include <velmocore/markup/LinkThumbnails.h>
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/Page.h>
 #include <velmocore/markup/PageMetadata.h>
 #include <velmocore/markup/PlainText.h>
+#include <velmocore/markup/TagScanner.h>
 #include <velmocore/markup/TagStripping.h>
 
 #include "Corpus.h"
@@ -221,6 +223,36 @@ void metadataLibxml2(benchmark::State& state) {
              [&](const std::string& page) { parseWithLibxml2(page, handler); });
 }
 BENCHMARK(metadataLibxml2)->Name("metadata/libxml2")->Unit(benchmark::kMillisecond);
+
+/// All that a gatherer wants of a page, by the library's own rules and by those of today.
+void wholeRoad(benchmark::State& state, const WebRules& web) {
+    const URL url = URL::URLWithString(u"http://h.org/a/b");
+    eachPage(state, corpus().pages, [&](const std::string& bytes) {
+        const Page page(Bytes(bytes), {.url = url, .web = web});
+        benchmark::DoNotOptimize(page.title());
+        benchmark::DoNotOptimize(page.links());
+        benchmark::DoNotOptimize(page.metadata());
+        benchmark::DoNotOptimize(page.plainText());
+    });
+}
+void roadOfToday(benchmark::State& state) { wholeRoad(state, WebRules::today()); }
+void describedRoad(benchmark::State& state) { wholeRoad(state, {}); }
+BENCHMARK(roadOfToday)->Name("page-road-today/velmo")->Unit(benchmark::kMillisecond);
+BENCHMARK(describedRoad)->Name("page-road-today/described")->Unit(benchmark::kMillisecond);
+
+/// The tags alone.
+void scanPages(benchmark::State& state, const WebRules& web) {
+    eachPage(state, decodedPages(), [&](const String& page) {
+        std::size_t tags = 0;
+        GetTagsOfString(
+            page, [&](const Tag&) { return ++tags == 0; }, web);
+        benchmark::DoNotOptimize(tags);
+    });
+}
+void scanOfToday(benchmark::State& state) { scanPages(state, WebRules::today()); }
+void describedScan(benchmark::State& state) { scanPages(state, {}); }
+BENCHMARK(scanOfToday)->Name("scan-today/velmo")->Unit(benchmark::kMillisecond);
+BENCHMARK(describedScan)->Name("scan-today/described")->Unit(benchmark::kMillisecond);
 
 void textLibxml2(benchmark::State& state) {
     htmlSAXHandler handler{};

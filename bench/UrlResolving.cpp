@@ -122,6 +122,17 @@ void resolveBoost(benchmark::State& state) {
 }
 BENCHMARK(resolveBoost)->Name("resolve/boost-url")->Unit(benchmark::kMillisecond);
 
+/// By the URL standard, which has the same escapes and dot segments to look for, and converts hosts.
+void resolveWebVelmo(benchmark::State& state) {
+    const WebRules web = {.resolution = true};
+    const URL page = URLWithStringRelativeTo(String::fromUTF8(PageURL), URL(), {.web = web});
+    eachText(state, links(), [&](const Text& link) {
+        benchmark::DoNotOptimize(URLRelativeTo(page, link.units, {.web = web}));
+    });
+}
+BENCHMARK(resolveWebVelmo)->Name("resolve-web/velmo")->Unit(benchmark::kMillisecond);
+BENCHMARK(resolveBoost)->Name("resolve-web/boost-url")->Unit(benchmark::kMillisecond);
+
 void simplifyVelmo(benchmark::State& state) {
     eachText(state, urls(),
              [](const Text& url) { benchmark::DoNotOptimize(simplifiedStringURL(url.units)); });

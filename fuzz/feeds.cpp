@@ -40,9 +40,9 @@ void checkForms(const String& text, const Feed& feed, const FeedOptions& options
         },
         options);
     fuzz::require(count == feed.items.size() && handed.items.empty());
-    fuzz::require(handed.title == feed.title && feedTitle(text) == feed.title);
-    const FeedCompleteness found = isFeedComplete(text);
-    fuzz::require(found.isFeed == isFeed(text) && found.isFeed == feed.isFeed);
+    fuzz::require(handed.title == feed.title && feedTitle(text, options.web) == feed.title);
+    const FeedCompleteness found = isFeedComplete(text, options.web);
+    fuzz::require(found.isFeed == isFeed(text, options.web) && found.isFeed == feed.isFeed);
     fuzz::require(found.dialect == feed.dialect && found.isComplete == feed.isComplete);
     fuzz::require(feed.isFeed || !feed.isComplete);
 }
@@ -72,7 +72,7 @@ void checkRendering(const String& text, const Feed& feed, const FeedOptions& opt
     const FeedItem& item = feed.items.back();
     (void)stringByConvertingItemToSearchableHTML(item);
     (void)stringByConvertingItemToDisplayHTML(item, display);
-    (void)isEmptyFeedItem(item);
+    (void)isEmptyFeedItem(item, options.web);
 }
 
 String escaped(const String& text) { return stringByConvertingCharactersToStandardEntities(text); }
@@ -105,7 +105,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const String text = fuzz::unitsOf(data, size);
     for (const bool isBound : {false, true}) {
         const FeedOptions options = {.baseURL = URL::URLWithString(u"http://h.org/a/"),
-                                     .boundCData = isBound};
+                                     .boundCData = isBound,
+                                     .web = fuzz::rulesOf(data, size)};
         const Feed feed = readFeed(text, options);
         checkForms(text, feed, options);
         checkRendering(text, feed, options);

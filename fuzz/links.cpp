@@ -13,14 +13,15 @@ using namespace velmo;
 
 namespace {
 
-void checkReference(std::u16string_view value) {
+void checkReference(std::u16string_view value, const WebRules& web) {
     for (bool decode : {false, true}) {
         const String link = normalizedStringURL(value, decode);
         fuzz::require(link.length() <= value.size() && (link.isAbsent() || !link.isEmpty()));
     }
-    fuzz::require(normalizedRelLink(value).length() <= value.size() + 1);
+    fuzz::require(normalizedRelLink(value, web).length() <= value.size() + 1);
     fuzz::require(revisitAfter(value) >= 0);
-    normalizedHtmlString(value);
+    fuzz::require(normalizedStringURL(value, web).length() <= value.size());
+    normalizedHtmlString(value, web);
     getLinkAttribute(value);
 }
 
@@ -37,31 +38,34 @@ void checkLinks(const HtmlLinks& found) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     setLogHandler([](std::string_view) {});
     const String page = fuzz::unitsOf(data, size);
-    checkReference(page.view().substr(0, 600));
+    const WebRules web = fuzz::rulesOf(data, size);
+    const URL url = URL::URLWithString(u"http://h.org/a/b");
+    checkReference(page.view().substr(0, 600), web);
 
-    const HtmlLinks all = htmlLinks(page);
+    const HtmlLinks all = htmlLinks(page, {.web = web, .url = url});
     checkLinks(all);
     std::vector<String> others = all.links;
-    const HtmlLinks filtered = htmlLinks(page, {.useRelNoFollow = true, .filter = true});
+    const HtmlLinks filtered =
+        htmlLinks(page, {.useRelNoFollow = true, .filter = true, .web = web});
     checkLinks(filtered);
     fuzz::require(filtered.links.size() <= all.links.size());
     checkLinks(htmlLinksContaining(page, u"a", false));
     // One more link in front is one more link, and the others are what they were.
-    HtmlLinks more = htmlLinks(u"<a href=/fuzz-front>" + page);
+    HtmlLinks more = htmlLinks(u"<a href=/fuzz-front>" + page, {.web = web});
     fuzz::require(!more.links.empty() && more.links.front() == u"/fuzz-front");
     more.links.erase(more.links.begin());
     std::erase(others, String(u"/fuzz-front"));
     fuzz::require(more.links == others);
 
-    const HtmlReferences references = htmlLinksAndFramesSet(page);
+    const HtmlReferences references = htmlLinksAndFramesSet(page, {.url = url, .web = web});
     fuzz::require(references.baseURL == all.baseURL);
     fuzz::require(std::all_of(all.links.begin(), all.links.end(), [&](const String& link) {
         return references.references.contains(link);
     }));
-    htmlFramesSet(page);
-    htmlImages(page);
-    htmlStylesheetsAndScripts(page);
-    htmlEmbeddedObjects(page);
-    htmlFavIcon(page);
+    htmlFramesSet(page, {.web = web});
+    htmlImages(page, web);
+    htmlStylesheetsAndScripts(page, web);
+    htmlEmbeddedObjects(page, web);
+    htmlFavIcon(page, web);
     return 0;
 }

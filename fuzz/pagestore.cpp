@@ -100,7 +100,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const PageStore store = PageStore::openForReading(file.path());
     require(checkPages(store) + 1 >= whole);  // one may have been torn
-    require(store.page(u"http://h.org/a")->text == String(u"second"));
+    const auto page = store.page(u"http://h.org/a");
+    require(page && page->text == String(u"second"));
     bool isThere = false;
     store.forEachNote([&](std::uint64_t, Bytes found) {
         return !(isThere = isThere || unsignedForKey(found, 1) == 7);

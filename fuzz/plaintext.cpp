@@ -16,10 +16,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                    .onlyBody = (bits & 32) != 0,
                                    .removeJunk = (bits & 64) != 0,
                                    .googleTags = (bits & 128) != 0,
-                                   .imageAlts = !(bits & 256)};
+                                   .imageAlts = !(bits & 256),
+                                   .web = fuzz::rulesOf(data, size)};
     const String text = stringByConvertingHtml2PlainText(page, options);
     fuzz::require(text.length() <= 8 * page.length());
     fuzz::require(text == stringByConvertingHtml2PlainText(page, options));
-    (void)stringByConvertingHtml2SimplifiedPlainText(page);
+    (void)stringByConvertingHtml2SimplifiedPlainText(page, options.web);
     return 0;
 }

@@ -1,5 +1,6 @@
 // Queries against texts, with plain words and with wildcards: the input is split at its
-// first zero byte, and its first byte chooses how units are compared. The parser's tree is
+// first zero byte, and its first byte chooses how units are compared and whether scripts without
+// spaces have words of their own. The parser's tree is
 // well formed, evaluation ends, what a query is written as is read again to the same, and
 // excerpts hold what they say.
 #include <velmocore/query/Occurrences.h>
@@ -61,16 +62,19 @@ void rewrite(const QueryTerms& terms, std::uint64_t flags) {
 }
 
 void excerpt(const String& text, const std::vector<String>& wildcards,
-             WildcardComparison comparison, std::uint64_t limit) {
+             WildcardComparison comparison, std::uint64_t limit, bool withinRuns) {
     const String summary = assembleOccurrencesOfWildcards(text, wildcards,
                                                           {.comparison = comparison,
                                                            .paragraphs = limit % 2 == 1,
                                                            .onlyOccurrences = true,
-                                                           .ellipsizeAfterNCharacters = limit});
+                                                           .ellipsizeAfterNCharacters = limit,
+                                                           .withinRuns = withinRuns});
     std::uint64_t behind = 0;
-    const auto records = getOccurrencesOfWildcards(
-        text, wildcards,
-        {.comparison = comparison, .paragraphs = limit % 2 == 1, .minEnclosingWords = limit / 8});
+    const auto records = getOccurrencesOfWildcards(text, wildcards,
+                                                   {.comparison = comparison,
+                                                    .paragraphs = limit % 2 == 1,
+                                                    .minEnclosingWords = limit / 8,
+                                                    .withinRuns = withinRuns});
     for (const Occurrence& record : records) {
         require(record.range.end() <= text.length() && record.range.end() > behind);
         require(record.string.view().find(text.view().substr(
@@ -92,13 +96,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const String query = fuzz::unitsOf(data, std::min<std::size_t>(split, 300));
     const String text = fuzz::unitsOf(data + std::min(split + 1, size),
                                       std::min<std::size_t>(size - std::min(split + 1, size), 600));
+    const bool withinRuns = (choice & 0x40) != 0;
     for (bool wildcard : {false, true}) {
-        const QueryTerms terms(query, {.wildcard = wildcard});
+        const QueryTerms terms(query, {.wildcard = wildcard, .withinRuns = withinRuns});
         evaluate(terms, text, comparison);
         diagnose(query, wildcard);
         rewrite(terms, std::uint64_t{choice} << 10 | split);
-        excerpt(text, terms.plusWildcards().value_or(std::vector<String>()), comparison,
-                choice / 8);
+        excerpt(text, terms.plusWildcards().value_or(std::vector<String>()), comparison, choice / 8,
+                withinRuns);
     }
     queryTermWithoutSiteOperator(query);
 

@@ -27,9 +27,9 @@ void checkWordings(const Strings& strings) {
 }
 
 /// All keys are links of the page, but for those that scripts hold.
-void checkLinks(const String& page, const LinkThumbnails& all) {
+void checkLinks(const String& page, const LinkThumbnails& all, const WebRules& web) {
     if (containsSubstring(page, u"script", Case::Insensitive)) return;
-    const HtmlLinks found = htmlLinks(page);
+    const HtmlLinks found = htmlLinks(page, {.web = web});
     const std::set<String> links(found.links.begin(), found.links.end());
     for (const Strings* strings : {&all.thumbnails, &all.titles, &all.texts})
         for (const auto& [link, value] : *strings)
@@ -53,19 +53,23 @@ void checkParts(const String& page, const LinkThumbnailOptions& options,
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     setLogHandler([](std::string_view) {});
     const String page = fuzz::unitsOf(data, size);
+    const WebRules web = fuzz::rulesOf(data, size);
     for (std::u16string_view base : {u"http://h.org/a/", u"http://www.google.com/search?q=x"})
         for (const bool flag : {false, true}) {
-            const LinkThumbnailOptions options = {
-                .baseURL = URL::URLWithString(base), .resolve = flag, .googleTags = flag};
+            const LinkThumbnailOptions options = {.baseURL = URL::URLWithString(base),
+                                                  .resolve = flag,
+                                                  .googleTags = flag,
+                                                  .web = web};
             const LinkThumbnails all = getLinkThumbnails(page, options);
             checkWordings(all.titles);
             checkWordings(all.texts);
             checkParts(page, options, all);
-            if (!flag) checkLinks(page, all);
+            if (!flag) checkLinks(page, all, web);
         }
     // One more link in front changes nothing of the others.
     const String more = u"<a href=/fuzz-front><img src=f.jpg>x</a>" + page;
-    LinkThumbnails with = getLinkThumbnails(more), without = getLinkThumbnails(page);
+    LinkThumbnails with = getLinkThumbnails(more, {.web = web}),
+                   without = getLinkThumbnails(page, {.web = web});
     fuzz::require(with.texts.contains(String(u"/fuzz-front")));
     for (Strings* strings : {&with.texts, &without.texts}) strings->erase(u"/fuzz-front");
     fuzz::require(with.texts == without.texts);
@@ -73,6 +77,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t half = page.length() / 2;
     isErrorPageTitle(page.view().substr(0, half), page.view().substr(half), page);
     exceededPageLoadFrequencyTitle({}, page);
-    Page::pageWithString(page).isErrorPage();
+    Page::pageWithString(page, {}, web).isErrorPage();
     return 0;
 }

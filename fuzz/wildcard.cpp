@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Input.h"
+#include "platform/Surrogates.h"
 #include "query/FuzzyMeasure.h"
 #include "query/WildcardMatch.h"
 #include "text/UnitFold.h"
@@ -25,6 +26,10 @@ std::vector<String> linesOf(const String& text) {
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     return lines;
+}
+
+bool cutsPair(std::u16string_view text, std::size_t position) {
+    return position > 0 && velmo::detail::isPairAt(text, position - 1);
 }
 
 void requireAgreement(std::u16string_view text, std::u16string_view wildcard) {
@@ -58,11 +63,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const String text = fuzz::unitsOf(data + behind, std::min<std::size_t>(size - behind, 400));
     if (!wildcards.empty()) requireAgreement(text, wildcards[0]);
 
-    for (unsigned comparison = 0; comparison < 8; ++comparison) {
-        const WildcardSearchOptions options{static_cast<WildcardComparison>(comparison)};
+    // With scripts without spaces and without.
+    for (unsigned choice = 0; choice < 16; ++choice) {
+        const WildcardSearchOptions options{
+            .comparison = static_cast<WildcardComparison>(choice % 8), .withinRuns = choice >= 8};
         std::vector<Range> hits;
         const auto keep = [&](Range hit) {
             require(hit.length > 0 && hit.end() <= text.length());
+            require(choice < 8 || !(cutsPair(text, hit.location) || cutsPair(text, hit.end())));
             hits.push_back(hit);
             return true;
         };

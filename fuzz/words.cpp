@@ -2,6 +2,7 @@
 // a text is cut. Words and separators make up the text again, counts are those of the lists,
 // what is shortened is a beginning of the text, and a filter made of the text's own words
 // answers only with its own languages, also when it is read from files.
+#include <velmocore/platform/Resources.h>
 #include <velmocore/words/Components.h>
 #include <velmocore/words/Ellipsizing.h>
 #include <velmocore/words/LanguageFilter.h>
@@ -67,6 +68,21 @@ void tellLanguage(const String& text, bool ignoreUmlauts) {
     require(filter.stopWordRatioOfText(text) >= 0);
 }
 
+/// Each choice of rules over the lists that are shipped.
+void tellLanguageByRules(const String& text, std::uint8_t choice) {
+    static const auto filters = [] {
+        std::vector<LanguageFilter> made;
+        for (unsigned i = 0; i < 8; ++i)
+            made.emplace_back(velmoResourcesDirectory(),
+                              LanguageRules{i % 2 == 1, i / 2 % 2 == 1, i / 4 == 1});
+        return made;
+    }();
+    const LanguageFilter& filter = filters[choice % filters.size()];
+    const String key = filter.languageOfText(text), tag = filter.languageTagOfText(text);
+    require(key.isAbsent() ? tag.isAbsent() : choice % 8 == 0 || tag.length() >= key.length());
+    require(key != u"LA" || choice % 8 == 0);
+}
+
 /// The bytes as a list that is read from a file.
 void readList(const std::uint8_t* data, std::size_t size) {
     static const std::filesystem::path folder = [] {
@@ -89,6 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     cut(text, data[0]);
     shorten(text, data[0] / 8);
     tellLanguage(text, data[0] % 2 == 1);
+    tellLanguageByRules(text, data[0]);
     if (data[0] % 16 == 0) readList(data + 1, size - 1);
     return 0;
 }

@@ -16,10 +16,10 @@ namespace {
 using Units = std::u16string_view;
 
 /// Whether the body of an item says no more than its title.
-bool repeatsTitle(const String& body, Units title) {
+bool repeatsTitle(const String& body, Units title, const WebRules& web) {
     return isEqualToStringNoCase(body, title) ||
            equalStringsNoCaseUsingCharacterSetRep(body, title, alphaCharacterSetRep()) ||
-           isEqualToStringNoCase(stripTag(body, "IFRAME"), title);
+           isEqualToStringNoCase(stripTag(body, "IFRAME", web), title);
 }
 
 bool isBlank(Units text) {
@@ -54,14 +54,14 @@ std::vector<FeedItem> getItemsOfFeed(std::u16string_view feed, const URL& baseUR
     return readFeed(feed, {.baseURL = baseURL}).items;
 }
 
-String feedTitle(std::u16string_view feed) {
+String feedTitle(std::u16string_view feed, const WebRules& web) {
     const auto stop = [](const detail::FeedFacts&) { return true; };
-    return detail::scanFeed(feed, {.channel = stop}).title;
+    return detail::scanFeed(feed, {.channel = stop}, {.web = web}).title;
 }
 
-bool isEmptyFeedItem(const FeedItem& item) {
+bool isEmptyFeedItem(const FeedItem& item, const WebRules& web) {
     const String& body = item.content.isEmpty() ? item.description : item.content;
-    return item.icon.isAbsent() && (isBlank(body) || repeatsTitle(body, item.title));
+    return item.icon.isAbsent() && (isBlank(body) || repeatsTitle(body, item.title, web));
 }
 
 }  // namespace velmo

@@ -57,10 +57,14 @@ Units withoutWrapping(Units link) {
 
 }  // namespace
 
-Units linkOfItem(Units guid, Units link, const URL& base, String& joined) {
+Units linkOfItem(Units guid, Units link, const URL& base, bool joinsAll, String& joined) {
     const bool isGuid = !guid.empty() && isRemoteWebKitStringURL(guid) && !isShortLink(guid);
     Units chosen = isGuid ? guid : link;
-    if (!base.isAbsent() && chosen.starts_with(u'/')) {
+    // An anchor as a page has it, which is unwrapped below, is no path.
+    const bool isRelative =
+        chosen.starts_with(u'/') || (joinsAll && !chosen.empty() && !chosen.starts_with(u'<') &&
+                                     stringURLScheme(chosen).isAbsent());
+    if (!base.isAbsent() && isRelative) {
         joined = URLRelativeTo(base, chosen).absoluteString();
         if (!joined.isAbsent()) chosen = joined;
     }

@@ -68,12 +68,13 @@ void appendEnclosure(StringBuilder& out, Units url, Units length) {
 
 /// Enclosures are those of views or of kept items.
 template <class Enclosures>
-void appendItemParts(StringBuilder& out, const ItemParts& item, const Enclosures& enclosures) {
+void appendItemParts(StringBuilder& out, const ItemParts& item, const Enclosures& enclosures,
+                     const WebRules& web) {
     append(out, templates::ItemStart);
     if (!item.icon.empty()) append(out, templates::IconStart, {item.icon});
     appendTitle(out, item);
     append(out, item.icon.empty() ? templates::HeaderEnd : templates::IconEnd);
-    append(out, templates::Article, {stripTag(item.body, "SPAN")});
+    append(out, templates::Article, {stripTag(item.body, "SPAN", web)});
     if (enclosures.empty()) return append(out, templates::ArticleEnd);
     append(out, templates::EnclosuresStart);
     for (const auto& each : enclosures) appendEnclosure(out, each.url, each.length);
@@ -97,38 +98,40 @@ ItemParts displayedParts(const Item& item, const FeedDisplayOptions& options) {
 }
 
 /// Null options make the searchable form.
-void appendItem2Feed(StringBuilder& out, const FeedItem& item, const FeedDisplayOptions* options) {
+void appendItem2Feed(StringBuilder& out, const FeedItem& item, const FeedDisplayOptions* options,
+                     const WebRules& web) {
     ItemParts parts = options ? displayedParts(item, *options) : commonParts(item);
     parts.icon = item.icon;
     appendItemParts(out, parts,
-                    options ? std::span(item.enclosures) : std::span<const FeedEnclosure>());
+                    options ? std::span(item.enclosures) : std::span<const FeedEnclosure>(), web);
 }
 
-void appendHeadOfItem(StringBuilder& out, const FeedItem& item) {
-    if (!item.author.isEmpty()) append(out, templates::AuthorTag, {stripTags(item.author)});
+void appendHeadOfItem(StringBuilder& out, const FeedItem& item, const WebRules& web) {
+    if (!item.author.isEmpty()) append(out, templates::AuthorTag, {stripTags(item.author, web)});
     if (item.tags.empty()) return;
     std::u16string keywords;
     for (const String& tag : item.tags) (keywords += keywords.empty() ? u"" : u", ") += tag;
     append(out, templates::KeywordsTag, {keywords});
 }
 
-String convertItem(const FeedItem& item, const FeedDisplayOptions* options) {
+String convertItem(const FeedItem& item, const FeedDisplayOptions* options, const WebRules& web) {
     StringBuilder out;
     append(out, templates::Head);
     if (options) appendStyleSheet(out, *options, options->linkedStyleSheet);
-    appendHeadOfItem(out, item);
+    appendHeadOfItem(out, item, web);
     append(out, templates::HeadEnd);
-    appendItem2Feed(out, item, options);
+    appendItem2Feed(out, item, options, web);
     append(out, templates::PageEnd);
     return out.finish();
 }
 
-String convertItems(std::span<const FeedItem> items, const FeedDisplayOptions* options) {
+String convertItems(std::span<const FeedItem> items, const FeedDisplayOptions* options,
+                    const WebRules& web) {
     StringBuilder out;
     append(out, templates::Head);
     if (options) appendStyleSheet(out, *options, true);
     append(out, templates::HeadEnd);
-    for (const FeedItem& item : items) appendItem2Feed(out, item, options);
+    for (const FeedItem& item : items) appendItem2Feed(out, item, options, web);
     append(out, templates::PageEnd);
     return out.finish();
 }
@@ -155,7 +158,7 @@ String stringByConvertingFeed(const String& feed, const FeedDisplayOptions& opti
     };
     const auto appendItem = [&](const FeedItemView& item) {
         if (!std::exchange(hasHeader, true)) appendHeader(out, title);
-        appendItemParts(out, displayedParts(item, options), item.enclosures);
+        appendItemParts(out, displayedParts(item, options), item.enclosures, options.feed.web);
         return false;
     };
     const FeedFacts facts =
@@ -166,19 +169,20 @@ String stringByConvertingFeed(const String& feed, const FeedDisplayOptions& opti
     return out.finish();
 }
 
-String stringByConvertingItemToSearchableHTML(const FeedItem& item) {
-    return convertItem(item, nullptr);
+String stringByConvertingItemToSearchableHTML(const FeedItem& item, const WebRules& web) {
+    return convertItem(item, nullptr, web);
 }
 String stringByConvertingItemToDisplayHTML(const FeedItem& item,
                                            const FeedDisplayOptions& options) {
-    return convertItem(item, &options);
+    return convertItem(item, &options, options.feed.web);
 }
-String stringByConvertingItemsToSearchableHTML(std::span<const FeedItem> items) {
-    return convertItems(items, nullptr);
+String stringByConvertingItemsToSearchableHTML(std::span<const FeedItem> items,
+                                               const WebRules& web) {
+    return convertItems(items, nullptr, web);
 }
 String stringByConvertingItemsToDisplayHTML(std::span<const FeedItem> items,
                                             const FeedDisplayOptions& options) {
-    return convertItems(items, &options);
+    return convertItems(items, &options, options.feed.web);
 }
 
 }  // namespace velmo

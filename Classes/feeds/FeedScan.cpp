@@ -38,6 +38,8 @@ Units trimmed(Units text) { return trimmedView(text, Ends::Both, InSet{whiteChar
 /// Decoded texts of one item. A buffer is used again by the next one.
 class DecodedTexts {
 public:
+    explicit DecodedTexts(const WebRules& web) : web_(web) {}
+
     void clear() { used_ = 0; }
 
     /// The text without its references; the text itself if it has none.
@@ -56,13 +58,14 @@ private:
         return buffers_[used_++];
     }
 
-    static std::size_t decode(Units text, char16_t* out, Decoding decoding) {
+    std::size_t decode(Units text, char16_t* out, Decoding decoding) const {
         if (decoding == Decoding::Full)
-            return convertEntities2Characters(text.data(), out, 0, text.size(), {});
+            return convertEntities2Characters(text.data(), out, 0, text.size(), {.web = web_});
         std::char_traits<char16_t>::copy(out, text.data(), text.size());
         return convertStdEntities2Characters(out, text.size());
     }
 
+    const WebRules web_;
     std::deque<std::u16string> buffers_;  // which never moves what others look at
     std::size_t used_ = 0;
 };
@@ -70,7 +73,7 @@ private:
 class FeedScan {
 public:
     FeedScan(const FeedHandlers& handlers, const FeedOptions& options)
-        : handlers_(handlers), options_(options) {}
+        : handlers_(handlers), options_(options), base_(options.baseURL), texts_(options.web) {}
 
     FeedFacts finish() {
         facts_.recognized = recognition_.found();
@@ -85,7 +88,7 @@ public:
         }
         const FeedTag meaning = feedTagOf(tag);
         recognize(tag, meaning);
-        if (!facts_.rootSeen) return searchRoot(meaning);
+        if (!facts_.rootSeen) return searchRoot(tag, meaning);
         return inItem_ ? readItem(tag, meaning) : readChannel(tag, meaning);
     }
 
@@ -97,15 +100,17 @@ private:
         isRecognized_ = recognition_.note(tag);
     }
 
-    bool searchRoot(FeedTag meaning) {
+    bool searchRoot(const Tag& tag, FeedTag meaning) {
         facts_.rootSeen =
             meaning == FeedTag::RSS || meaning == FeedTag::RDF || meaning == FeedTag::Feed;
+        if (facts_.rootSeen) noteBase(tag, options_.baseURL, base_);
         return meaning == FeedTag::HTML || meaning == FeedTag::Body;
     }
 
     bool readChannel(const Tag& tag, FeedTag meaning) {
         if (meaning == FeedTag::Item) {
             inItem_ = true;
+            noteBase(tag, base_, itemBase_);
             return handlers_.channel && handlers_.channel(facts_);
         }
         if (meaning != FeedTag::Title || facts_.headWritten || !isTagClosed(tag.whole()))
@@ -124,7 +129,7 @@ private:
             return false;
         }
         const bool isClosed = isTagClosed(tag.whole());
-        if (meaning == FeedTag::Link && link_.empty()) readLinkAttributes(tag.whole());
+        if (meaning == FeedTag::Link && link_.empty()) readLinkAttributes(tag);
         if (meaning == FeedTag::GUID) readGuid(tag);
         if (!isClosed) {
             open(tag, meaning);
@@ -152,17 +157,18 @@ private:
     }
 
     /// A link of Atom that only serves programs is none.
-    void readLinkAttributes(Units tag) {
+    void readLinkAttributes(const Tag& tag) {
         const Units rel = attributeOf(tag, "REL");
         if (keyword::beginsWith(rel, "SERVICE.") || keyword::equals(rel, "EDIT") ||
             keyword::equals(rel, "SELF"))
             return;
         link_ = texts_.decoded(attributeOf(tag, "HREF"), Decoding::Standard);
+        if (!link_.empty()) noteBase(tag, base(), itemBase_);
     }
 
     void readGuid(const Tag& tag) {
         if (!tag.isClosing()) {
-            guidNotPermaLink_ = keyword::equals(attributeOf(tag.whole(), "ISPERMALINK"), "FALSE");
+            guidNotPermaLink_ = keyword::equals(attributeOf(tag, "ISPERMALINK"), "FALSE");
             return;
         }
         Units guid;
@@ -174,15 +180,23 @@ private:
         guidNotPermaLink_ = false;
     }
 
+    /// The base that an element names for what is in it; relative to the one outside.
+    void noteBase(const Tag& tag, const URL& outer, URL& base) {
+        if (!options_.web.relativeBase || tag.isClosing()) return;
+        if (const Units named = attributeOf(tag, "XML:BASE"); !named.empty())
+            base = URL::URLWithString(texts_.decoded(named, Decoding::Standard), outer);
+    }
+
     void open(const Tag& tag, FeedTag meaning) {
         const std::size_t behind = tag.tagLocation + tag.tagLength;
+        if (meaning == FeedTag::Item) noteBase(tag, base_, itemBase_);
         if (meaning == FeedTag::Author) {
             inAuthor_ = true;
         } else if (meaning == FeedTag::Description) {
             descriptionStart_ = behind;
         } else if (meaning == FeedTag::Content) {
             contentStart_ = behind;
-            contentIsHTML_ = keyword::equals(attributeOf(tag.whole(), "TYPE"), "HTML");
+            contentIsHTML_ = keyword::equals(attributeOf(tag, "TYPE"), "HTML");
         }
     }
 
@@ -212,7 +226,7 @@ private:
             case FeedTag::Category:
                 return addTag(tag);
             case FeedTag::Enclosure:
-                return addEnclosure(tag.whole());
+                return addEnclosure(tag);
             default:
                 if (options_.boundCData) pendingCData_.reset();
                 return;
@@ -229,12 +243,12 @@ private:
     }
 
     void addTag(const Tag& tag) {
-        Units value = texts_.decoded(attributeOf(tag.whole(), "TERM"), Decoding::Standard);
+        Units value = texts_.decoded(attributeOf(tag, "TERM"), Decoding::Standard);
         if (value.empty()) fill(value, tag.text(), Decoding::Full);
         if (!value.empty()) tags_.push_back(value);
     }
 
-    void addEnclosure(Units tag) {
+    void addEnclosure(const Tag& tag) {
         const Units url = texts_.decoded(attributeOf(tag, "URL"), Decoding::Standard);
         if (!url.empty()) enclosures_.push_back({url, attributeOf(tag, "LENGTH")});
     }
@@ -253,7 +267,7 @@ private:
         // What a feed's writer made of a list when it wanted a text.
         if (description_ != u"Array" && handlers_.item) {
             String joined;
-            const Units link = linkOfItem(guid_, link_, options_.baseURL, joined);
+            const Units link = linkOfItem(guid_, link_, base(), options_.web.relativeBase, joined);
             stops = handlers_.item(
                 {title_, description_, content_, author_, guid_, date_, link, tags_, enclosures_});
         }
@@ -267,9 +281,13 @@ private:
         tags_.clear();
         enclosures_.clear();
         texts_.clear();
+        itemBase_ = URL();
         contentStart_ = descriptionStart_ = NotFound;
         inAuthor_ = contentIsHTML_ = guidNotPermaLink_ = false;
     }
+
+    /// What the links of the item at hand are relative to.
+    const URL& base() const { return itemBase_.isAbsent() ? base_ : itemBase_; }
 
     struct CData {
         Units text;
@@ -278,12 +296,14 @@ private:
 
     const FeedHandlers& handlers_;
     const FeedOptions& options_;
+    URL base_;  ///< of the feed
     FeedFacts facts_;
     FeedRecognition recognition_;
     bool isRecognized_ = false;
     bool inItem_ = false;  ///< the first item has been seen
     // Of the item at hand:
     Units title_, description_, content_, author_, guid_, date_, link_;
+    URL itemBase_;  ///< absent if it is the feed's
     std::optional<CData> pendingCData_;
     std::vector<Units> tags_;
     std::vector<FeedItemView::Enclosure> enclosures_;
@@ -299,7 +319,7 @@ String stringOf(Units view) { return view.empty() ? String::empty() : String(vie
 
 FeedFacts scanFeed(Units feed, const FeedHandlers& handlers, const FeedOptions& options) {
     FeedScan scan(handlers, options);
-    if (!feed.empty()) TagScan<FeedScan>(feed, scan).run();
+    scanTags(feed, scan, options.web, Markup::Feed);
     return scan.finish();
 }
 

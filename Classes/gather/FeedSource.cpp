@@ -55,8 +55,9 @@ PageSource::State FeedSource::next(SourcePage& page) {
     }
     if (next_ == items_.size()) return State::End;
     const FeedItem item = std::move(items_[next_++]);
-    page.url = options_.url.isAbsent() ? URLWithNormalizedStringURL(item.link)
-                                       : URLRelativeTo(options_.url, item.link);
+    page.url = options_.url.isAbsent()
+                   ? URLWithNormalizedStringURL(item.link)
+                   : URLRelativeTo(options_.url, item.link, {.web = WebRules::today()});
     page.isLeftOut = item.link.isEmpty() || page.url.isAbsent();
     if (page.isLeftOut) return State::Page;
     page.name = page.url.absoluteString();

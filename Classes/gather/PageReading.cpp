@@ -27,6 +27,7 @@
 #include <velmocore/url/URLClassification.h>
 #include <velmocore/words/Words.h>
 
+#include "gather/StoredURL.h"
 #include "gather/StreamReading.h"
 
 namespace velmo {
@@ -74,7 +75,7 @@ std::vector<PageLink> linksOf(const Page& page, const PageKeyOptions& keys) {
         const String* thumbnail = valueOf(known.thumbnails, address);
         links.push_back({.url = url,
                          .text = text ? onOneLine(*text) : String(),
-                         .thumbnail = thumbnail ? URL::URLWithString(*thumbnail) : URL()});
+                         .thumbnail = thumbnail ? detail::urlOfStored(*thumbnail) : URL()});
     }
     return links;
 }
@@ -109,8 +110,8 @@ void readPageInto(PageRecord& record, const Page& page, const PageReadingOptions
     const HtmlMetadata& metadata = page.metadata();
     record.url = addressOf(page, options.keys);
     record.title = onOneLine(page.title());
-    record.author = onOneLine(normalizedHtmlString(metadata.author));
-    record.description = onOneLine(normalizedHtmlString(metadata.description));
+    record.author = onOneLine(normalizedHtmlString(metadata.author, options.web));
+    record.description = onOneLine(normalizedHtmlString(metadata.description, options.web));
     if (!metadata.date.isEmpty()) record.date = dateOf(metadata.date);
     record.text = page.plainText();
     if (mayBeErrorPage(record, page.url()))
@@ -120,14 +121,16 @@ void readPageInto(PageRecord& record, const Page& page, const PageReadingOptions
 }
 
 void readFeedInto(PageRecord& record, const Page& page, const PageReadingOptions& options) {
-    const Feed feed = readFeed(page.markup(), {.baseURL = page.url(), .boundCData = true});
+    const Feed feed =
+        readFeed(page.markup(), {.baseURL = page.url(), .boundCData = true, .web = options.web});
     record.kind = PageKind::Feed;
     record.title = onOneLine(feed.title);
     record.text = stringByConvertingHtml2PlainText(
-        stringByConvertingItemsToSearchableHTML(feed.items), {.web = options.web});
+        stringByConvertingItemsToSearchableHTML(feed.items, options.web), {.web = options.web});
     if (!options.links) return;
     for (const FeedItem& item : feed.items)
-        if (const URL link = URLRelativeTo(page.url(), item.link); !link.isAbsent())
+        if (const URL link = URLRelativeTo(page.url(), item.link, {.web = options.web});
+            !link.isAbsent())
             record.links.push_back({.url = link, .text = onOneLine(item.title), .thumbnail = {}});
 }
 
@@ -136,6 +139,8 @@ void takeFromSource(PageRecord& record, const SourcePage& source) {
     if (record.url.isAbsent()) record.url = source.url;
     record.status = source.status;
     record.fetched = source.fetched;
+    record.entityTag = source.entityTag;
+    record.lastModified = source.lastModified;
     record.title = firstThatIs(record.title, source.title);
     record.author = firstThatIs(record.author, source.author);
     if (!record.date && !source.date.isEmpty()) record.date = dateOf(source.date);

@@ -12,6 +12,7 @@
 
 #include "gather/PageSignature.h"
 #include "gather/RecordKeys.h"
+#include "gather/StoredURL.h"
 
 namespace velmo {
 namespace {
@@ -73,11 +74,11 @@ Data dataOfLinks(const std::vector<PageLink>& links) {
 /// Takes over what a record says of the last of the links, or of a new one.
 void takeLinkRecord(std::vector<PageLink>& links, std::uint32_t key, const String& value) {
     if (key == LinkAddressKey)
-        links.push_back({.url = URL::URLWithString(value), .text = {}, .thumbnail = {}});
+        links.push_back({.url = urlOfStored(value), .text = {}, .thumbnail = {}});
     else if (!links.empty() && key == LinkTextKey)
         links.back().text = value;
     else if (!links.empty() && key == LinkThumbnailKey)
-        links.back().thumbnail = URL::URLWithString(value);
+        links.back().thumbnail = urlOfStored(value);
 }
 
 PageKind kindOfNumber(std::uint32_t number) {
@@ -98,6 +99,8 @@ void addFilters(Data& block, const PageRecord& page, Bytes digest) {
     addText(block, page.language, LanguageKey);
     addDate(block, page.date, DateKey);
     addDate(block, page.fetched, FetchedKey);
+    addText(block, page.entityTag, EntityTagKey);
+    addText(block, page.lastModified, ModifiedKey);
     addUnsigned(block, page.words, WordsKey);
 }
 
@@ -133,7 +136,7 @@ std::optional<PageRecord> pageRecordFromData(Bytes block) {
     const StoredPage stored(block);
     if (!stored.isPage()) return std::nullopt;
     PageRecord page;
-    page.url = URLForKey(block, AddressKey);
+    page.url = urlOfStored(stringForKey(block, AddressKey));
     page.key = stringForKey(block, PageKeyKey);
     page.kind = stored.kind();
     page.title = stringForKey(block, TitleKey);
@@ -146,6 +149,8 @@ std::optional<PageRecord> pageRecordFromData(Bytes block) {
     page.words = stored.words();
     page.links = stored.links();
     page.fetched = stored.fetched();
+    page.entityTag = stringForKey(block, EntityTagKey);
+    page.lastModified = stringForKey(block, ModifiedKey);
     page.status = signedLongLongForKey(block, StatusKey);
     page.isErrorPage = boolForKey(block, ErrorPageKey);
     std::ranges::copy(stored.digest(), page.digest.begin());
@@ -153,7 +158,7 @@ std::optional<PageRecord> pageRecordFromData(Bytes block) {
     return page;
 }
 
-bool StoredPage::isPage() const { return containsStringForKey(block_, PageKeyKey); }
+bool StoredPage::isPage() const { return !key().empty(); }
 
 std::string_view StoredPage::key() const { return stringNoCopyForKey(block_, PageKeyKey); }
 std::string_view StoredPage::address() const { return stringNoCopyForKey(block_, AddressKey); }

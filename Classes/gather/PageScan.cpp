@@ -9,6 +9,7 @@
 #include <velmocore/storage/KeyedData.h>
 #include <velmocore/storage/StorageBlocks.h>
 
+#include "gather/RecordKeys.h"
 #include "storage/BlockHeader.h"
 #include "storage/StoreFile.h"
 
@@ -42,9 +43,9 @@ public:
 
     void take(const StorageBlock& block) {
         if (block.state != BlockState::Live || block.isCompressed) return;
-        if (StoredPage(block.stored).key().data() != nullptr)
+        if (StoredPage(block.stored).isPage())
             takePage(block.offset);
-        else if (isValidKeyedData(block.stored))
+        else if (isNote(block.stored))
             found_.notes.push_back(block.offset);
     }
 
@@ -71,6 +72,10 @@ private:
 
 Bytes bytesOf(std::string_view utf8) {
     return {reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()};
+}
+
+bool isNote(Bytes block) {
+    return isValidKeyedData(block) && !containsStringForKey(block, PageKeyKey);
 }
 
 StoredPage pageAt(Bytes store, std::uint64_t offset) {

@@ -26,6 +26,9 @@ void findPages(FoundPages& found, Bytes store, ScanMemory memory);
 /// The page of a live block at an offset, with its checksum.
 StoredPage pageAt(Bytes store VELMO_LIFETIME, std::uint64_t offset);
 
+/// Keyed data, and not even a damaged page.
+bool isNote(Bytes block);
+
 Bytes bytesOf(std::string_view utf8);
 
 }  // namespace velmo::detail

@@ -61,6 +61,7 @@ private:
         pages_ += found.pages;
         words_ += found.words;
         result_.scanned += found.scanned;
+        result_.isComplete = result_.isComplete && found.isComplete;
         for (std::size_t i = 0; i < query_.numberOfWords(); ++i) {
             pagesWithWord_[i] += found.pagesWithWord[i];
             matchesWithWord_[i] += found.matchesWithWord[i];

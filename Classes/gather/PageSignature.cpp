@@ -18,7 +18,7 @@
 #include <bit>
 #include <cmath>
 #include <string>
-#include <unordered_set>
+#include <vector>
 
 #include <velmocore/text/Checksums.h>
 
@@ -131,22 +131,72 @@ double fillOf(Bytes signature) {
     return static_cast<double>(isSet) / static_cast<double>((signature.size() - HeaderSize) * 8);
 }
 
+/// Words, each once, in a table with open addressing. Of words that meet too often in it, which
+/// somebody must have looked for, some stand there twice; that costs a little time and no more.
+class WordTable {
+public:
+    struct Entry {
+        std::uint64_t hash;
+        std::u16string_view word;
+    };
+
+    explicit WordTable(std::size_t expected)
+        : places_(std::bit_ceil(std::max<std::size_t>(expected, 8) * 2)) {}
+
+    void add(std::u16string_view word) {
+        const std::uint64_t hash = hashOfWord(word);
+        std::uint32_t& place = places_[find(hash, word)];
+        if (place != 0 && isOf(place, hash, word)) return;
+        entries_.push_back({hash, word});
+        place = static_cast<std::uint32_t>(entries_.size());
+        if (entries_.size() * 2 > places_.size()) grow();
+    }
+    const std::vector<Entry>& entries() const { return entries_; }
+
+private:
+    static constexpr std::size_t MostTries = 32;
+
+    bool isOf(std::uint32_t place, std::uint64_t hash, std::u16string_view word) const {
+        const Entry& entry = entries_[place - 1];
+        return entry.hash == hash && entry.word == word;
+    }
+    /// Where the word is or belongs, or where another one stands that gives way to it.
+    std::size_t find(std::uint64_t hash, std::u16string_view word) const {
+        std::size_t place = hash & (places_.size() - 1);
+        for (std::size_t tries = 1; tries < MostTries; ++tries) {
+            if (places_[place] == 0 || isOf(places_[place], hash, word)) break;
+            place = (place + 1) & (places_.size() - 1);
+        }
+        return place;
+    }
+    void grow() {
+        places_.assign(places_.size() * 2, 0);
+        for (std::uint32_t i = 0; i < entries_.size(); ++i)
+            places_[find(entries_[i].hash, entries_[i].word)] = i + 1;
+    }
+
+    std::vector<std::uint32_t> places_;  // the numbers of entries, from 1
+    std::vector<Entry> entries_;
+};
+
 /// What is collected of a text before it is known how many bits are worth while.
 class Collection {
 public:
-    explicit Collection(std::u16string_view text) : classes_(classesOf(text, known_)) {
+    explicit Collection(std::u16string_view text)
+        : classes_(classesOf(text, known_)), words_(text.size() / 24) {
         forEachSegment(classes_, known_, [&](const Segment& segment) {
             const auto units = viewOf(segment);
             if (segment.isUnspaced)
                 unspaced_.push_back(units);
             else
-                words_.insert(units);
+                words_.add(units);
             if (segment.isUnspaced) unspacedCount_ += units.size();
         });
     }
 
     std::size_t usefulBits() const {
-        return LeastBits + words_.size() * MostBitsForWord + unspacedCount_ * MostBitsForUnspaced;
+        return LeastBits + words_.entries().size() * MostBitsForWord +
+               unspacedCount_ * MostBitsForUnspaced;
     }
 
     Data signatureOf(std::size_t bitCount) const {
@@ -160,10 +210,10 @@ public:
         const auto setPart = [&](std::uint64_t hash) {
             set(positionOf(static_cast<std::uint32_t>(hash), count));
         };
-        for (const auto word : words_) forEachPart(word, {true, true}, setPart);
+        for (const auto& entry : words_.entries()) forEachPart(entry.word, {true, true}, setPart);
         for (const auto units : unspaced_) forEachUnspacedPart(units, setPart);
         const std::uint32_t probes = probesFor(signature);
-        for (const auto word : words_) forEachProbe(hashOfWord(word), probes, count, set);
+        for (const auto& entry : words_.entries()) forEachProbe(entry.hash, probes, count, set);
         signature[0] = Version;
         signature[1] = static_cast<std::uint8_t>(probes);
         signature[2] = static_cast<std::uint8_t>(std::lround(fillOf(signature) * 255));
@@ -179,13 +229,13 @@ private:
     std::uint32_t probesFor(Bytes signature) const {
         const auto count = static_cast<double>((signature.size() - HeaderSize) * 8);
         const double room = std::log((1 - fillOf(signature)) * 2);
-        const auto words = static_cast<double>(std::max<std::size_t>(words_.size(), 1));
+        const auto words = static_cast<double>(std::max<std::size_t>(words_.entries().size(), 1));
         return static_cast<std::uint32_t>(std::clamp(count / words * room, 1.0, MostProbes));
     }
 
     const SignatureUnits& known_ = signatureUnits();
     std::u16string classes_;
-    std::unordered_set<std::u16string_view> words_;
+    WordTable words_;
     std::vector<std::u16string_view> unspaced_;
     std::size_t unspacedCount_ = 0;
 };

@@ -6,6 +6,8 @@
 
 #include <velmocore/url/URL.h>
 
+#include "gather/StoredURL.h"
+
 namespace velmo {
 namespace {
 
@@ -15,7 +17,7 @@ constexpr double MostDays = 1e7;
 }  // namespace
 
 String hostOfPage(const StoredPage& page) {
-    const String host = URL::URLWithString(String::fromUTF8(page.address())).host();
+    const String host = detail::urlOfStored(String::fromUTF8(page.address())).host();
     return host.isAbsent() ? String(u"") : host;
 }
 

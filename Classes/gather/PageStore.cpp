@@ -240,8 +240,7 @@ PutResult PageStore::put(const PageRecord& page, Bytes block) {
 bool PageStore::synchronize() { return isOpenForUpdating() && state_->synchronize(); }
 
 std::optional<std::uint64_t> PageStore::addNote(Bytes note) {
-    if (!isOpenForUpdating() || !isValidKeyedData(note) || StoredPage(note).isPage())
-        return std::nullopt;
+    if (!isOpenForUpdating() || !detail::isNote(note)) return std::nullopt;
     if (!state_->storage.appendBlock(note)) return std::nullopt;
     return state_->found.notes.emplace_back(state_->storage.offsetOfAppendedBlock());
 }

@@ -8,10 +8,15 @@
 #include "gather/QuerySignature.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <ranges>
 #include <string>
 
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/text/CharacterSets.h>
+
+#include "platform/Surrogates.h"
 
 namespace velmo::detail {
 namespace {
@@ -81,7 +86,8 @@ void forEachLiteral(std::u16string_view pattern, Handler handler) {
 QuerySignature::QuerySignature(const QueryTerms& query, WildcardComparison comparison)
     : query_(query),
       comparison_(comparison),
-      edgesCount_(hasUsualTermCharacters() && !mayCutWords(query)) {
+      edgesCount_(hasUsualTermCharacters() && !mayCutWords(query)),
+      tellable_(tellableUnits(comparison)) {
     if (!query_.isAbsent()) compile();
 }
 
@@ -99,42 +105,51 @@ std::size_t QuerySignature::addWord(const QueryTerms& term) {
     else
         addPlainWord(word, term);
     // An alternative of which nothing is known leaves nothing to be known of the word.
-    if (std::ranges::any_of(word.alternatives, [](const auto& facts) { return facts.empty(); }))
-        word.alternatives.clear();
+    word.isTold = std::ranges::none_of(word.alternatives,
+                                       [](const Needs& needs) { return needs.facts.empty(); });
     return known->second;
 }
 
 void QuerySignature::addPlainWord(Word& word, const QueryTerms& term) const {
-    std::vector<SignatureFact>& facts = word.alternatives.emplace_back();
+    Needs& needs = word.alternatives.emplace_back();
     const bool hasEdges = edgesCount_ && !term.querySubstring();
-    if (!term.word().starts_with(u'*')) addFactsOfStretch(facts, term.word(), {hasEdges, hasEdges});
+    if (!term.word().starts_with(u'*')) addStretch(needs, term.word(), {hasEdges, hasEdges});
 }
 
 void QuerySignature::addWildcardWord(Word& word, std::u16string_view wildcard) const {
+    // Whether a pair parts words depends on how the query was parsed.
+    if (std::ranges::any_of(wildcard, isSurrogate)) {
+        word.alternatives.emplace_back();
+        return;
+    }
     const SeparatedWords parts = partsOf(wildcard);
-    std::vector<SignatureFact> facts;
+    Needs needs;
     std::u16string joined;
     for (const String& part : parts.words) {
-        addPattern(facts, part);
+        addPattern(needs, part);
         joined += part.view();
     }
-    word.alternatives.push_back(std::move(facts));
+    word.alternatives.push_back(std::move(needs));
     if (parts.hyphenated) addPattern(word.alternatives.emplace_back(), joined);
 }
 
-bool QuerySignature::addPattern(std::vector<SignatureFact>& facts,
-                                std::u16string_view pattern) const {
+void QuerySignature::addPattern(Needs& needs, std::u16string_view pattern) const {
     std::u16string folded(pattern);
     if (const ConversionTable* table = unicharTableForWildcardComparison(comparison_))
         prepareWildcardUsingUnicharTable(folded, *table);
     const WildcardType type = optimizeWildcard(folded).type;
     const bool resembles = type == WildcardType::Plain && isFuzzy(comparison_);
-    if (type == WildcardType::Unusable || resembles) return false;
+    if (type == WildcardType::Unusable || resembles) return;
     forEachLiteral(folded, [&](std::size_t start, std::size_t end) {
-        addFactsOfStretch(facts, std::u16string_view(folded).substr(start, end - start),
-                          {edgesCount_ && start == 0, edgesCount_ && end == folded.size()});
+        addStretch(needs, std::u16string_view(folded).substr(start, end - start),
+                   {edgesCount_ && start == 0, edgesCount_ && end == folded.size()});
     });
-    return true;
+}
+
+void QuerySignature::addStretch(Needs& needs, std::u16string_view units, StretchEdges edges) const {
+    addFactsOfStretch(needs.facts, units, edges);
+    if (auto needle = TextNeedle::ofStretch(units, tellable_))
+        needs.needles.push_back(std::move(*needle));
 }
 
 void QuerySignature::compile() {
@@ -147,7 +162,7 @@ void QuerySignature::compile() {
         if (node.queryNot())
             steps_.push_back({Step::PushTrue});
         else if (node.isWord())
-            steps_.push_back({Step::PushWord, addWord(node)});
+            words_[steps_.emplace_back(Step{Step::PushWord, addWord(node)}).word].isAsked = true;
         else if (node.numberOfChildren() == 0)
             steps_.push_back({Step::PushFalse});
         else
@@ -173,24 +188,38 @@ void QuerySignature::compile() {
     }
     // The words that add to a score only are to be known too.
     for (const QueryTerms& word : query_.plusTerms()) addWord(word);
+    findSought();
+}
+
+/// The longer what is sought, the fewer texts have it.
+void QuerySignature::findSought() {
+    const auto sizeOf = [](const Needs& needs) {
+        std::size_t longest = 0;
+        for (const TextNeedle& needle : needs.needles) longest = std::max(longest, needle.length());
+        return longest;
+    };
+    for (std::size_t i = 0; i < words_.size(); ++i) {
+        Word& word = words_[i];
+        word.needleSize = std::ranges::min(word.alternatives | std::views::transform(sizeOf));
+        if (word.isAsked && word.needleSize > 0) sought_.push_back(i);
+    }
+    std::ranges::stable_sort(sought_, std::greater(),
+                             [&](std::size_t i) { return words_[i].needleSize; });
 }
 
 void QuerySignature::findWords(const PageSignature& signature, std::vector<char>& mayStand) const {
     mayStand.resize(words_.size());
     for (std::size_t i = 0; i < words_.size(); ++i) {
-        const auto& alternatives = words_[i].alternatives;
-        mayStand[i] =
-            alternatives.empty() || std::ranges::any_of(alternatives, [&](const auto& facts) {
-                return signature.mayHave(facts);
-            });
+        const auto mayBe = [&](const Needs& needs) { return signature.mayHave(needs.facts); };
+        mayStand[i] = !words_[i].isTold || std::ranges::any_of(words_[i].alternatives, mayBe);
     }
 }
 
 double QuerySignature::shareOf(std::size_t word, const PageSignature& signature,
                                bool mayStand) const {
     double error = 0;
-    for (const auto& facts : words_[word].alternatives)
-        error = std::max(error, signature.errorRate(facts));
+    for (const Needs& needs : words_[word].alternatives)
+        error = std::max(error, signature.errorRate(needs.facts));
     // Of a signature that is nearly full nothing can be made out.
     error = std::min(error, 0.9);
     return ((mayStand ? 1 : 0) - error) / (1 - error);
@@ -209,6 +238,27 @@ bool QuerySignature::mayHold(std::span<const char> mayStand, std::vector<char>& 
         }
     }
     return !stack.empty() && stack.back();
+}
+
+bool QuerySignature::mayHoldFor(std::string_view utf8, std::vector<char>& mayStand,
+                                std::vector<char>& stack) const {
+    std::optional<bool> hasOthers;  // asked for once, if at all
+    const auto isThere = [&](const TextNeedle& needle) {
+        if (needle.mayStandIn(utf8)) return true;
+        if (!needle.needsNoOthers()) return false;
+        if (!hasOthers) hasOthers = hasOtherCases(utf8);
+        return *hasOthers;
+    };
+    const auto mayBe = [&](const Needs& needs) {
+        return std::ranges::all_of(needs.needles, isThere);
+    };
+    for (const std::size_t i : sought_) {
+        if (!mayStand[i] || std::ranges::any_of(words_[i].alternatives, mayBe)) continue;
+        // Often the first that is not there decides, and the rest need not be sought.
+        mayStand[i] = false;
+        if (!mayHold(mayStand, stack)) return false;
+    }
+    return true;
 }
 
 }  // namespace velmo::detail

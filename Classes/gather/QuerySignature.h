@@ -1,4 +1,4 @@
-// What a query asks of the signatures of pages.
+// What a query asks of the signatures of pages, and of the bytes of their texts.
 #pragma once
 
 #include <cstddef>
@@ -14,6 +14,7 @@
 #include <velmocore/query/Wildcards.h>
 
 #include "gather/PageSignature.h"
+#include "gather/TextNeedle.h"
 
 namespace velmo::detail {
 
@@ -27,7 +28,7 @@ public:
     std::size_t numberOf(const QueryTerms& word) const;
     std::size_t numberOfWords() const { return words_.size(); }
     /// Whether signatures can tell anything of the word.
-    bool isTold(std::size_t word) const { return !words_[word].alternatives.empty(); }
+    bool isTold(std::size_t word) const { return words_[word].isTold; }
 
     /// For each word whether it may stand in the text of a signature.
     void findWords(const PageSignature& signature, std::vector<char>& mayStand) const;
@@ -36,12 +37,22 @@ public:
     double shareOf(std::size_t word, const PageSignature& signature, bool mayStand) const;
     /// Whether the query may hold for a text with these words.
     bool mayHold(std::span<const char> mayStand, std::vector<char>& stack) const;
+    /// The same for a text in UTF-8 that has no other words than these.
+    bool mayHoldFor(std::string_view utf8, std::vector<char>& mayStand,
+                    std::vector<char>& stack) const;
 
 private:
-    /// A word stands in a text only if all facts of one of its alternatives are true. None if
-    /// nothing follows from it.
+    /// What must be true of a text.
+    struct Needs {
+        std::vector<SignatureFact> facts;
+        std::vector<TextNeedle> needles;
+    };
+    /// A word stands in a text only if all that one of the alternatives needs is true.
     struct Word {
-        std::vector<std::vector<SignatureFact>> alternatives;
+        std::vector<Needs> alternatives;
+        bool isTold = false;         // whether each has facts
+        bool isAsked = false;        // whether the query depends on it
+        std::size_t needleSize = 0;  // of the shortest; 0 if one has none
     };
     /// A program for a machine with a stack of truth values.
     struct Step {
@@ -53,15 +64,19 @@ private:
     std::size_t addWord(const QueryTerms& word);
     void addPlainWord(Word& word, const QueryTerms& term) const;
     void addWildcardWord(Word& word, std::u16string_view wildcard) const;
-    bool addPattern(std::vector<SignatureFact>& facts, std::u16string_view pattern) const;
+    void addPattern(Needs& needs, std::u16string_view pattern) const;
+    void addStretch(Needs& needs, std::u16string_view units, StretchEdges edges) const;
     void compile();
+    void findSought();
 
     QueryTerms query_;  // keeps the words of the keys
     WildcardComparison comparison_;
     bool edgesCount_;
+    TellableUnits tellable_;
     std::map<WordKey, std::size_t> numbers_;
     std::vector<Word> words_;
     std::vector<Step> steps_;
+    std::vector<std::size_t> sought_;  // words with needles, the longest first
 };
 
 }  // namespace velmo::detail

@@ -18,6 +18,8 @@ inline constexpr std::uint32_t DateKey = keyOfCode("DATE");         ///< date
 inline constexpr std::uint32_t LanguageKey = keyOfCode("LANG");     ///< text
 inline constexpr std::uint32_t CharsetKey = keyOfCode("CSET");      ///< text
 inline constexpr std::uint32_t FetchedKey = keyOfCode("FETC");      ///< date
+inline constexpr std::uint32_t EntityTagKey = keyOfCode("ETAG");    ///< text
+inline constexpr std::uint32_t ModifiedKey = keyOfCode("LMOD");     ///< text
 inline constexpr std::uint32_t StatusKey = keyOfCode("STAT");       ///< signed, 64 bits
 inline constexpr std::uint32_t ErrorPageKey = keyOfCode("ERRP");    ///< bool
 inline constexpr std::uint32_t WordsKey = keyOfCode("WORD");        ///< unsigned
@@ -31,5 +33,14 @@ inline constexpr std::uint32_t PackedBytesKey = keyOfCode("BYTZ");  ///< bytes: 
 inline constexpr std::uint32_t LinkAddressKey = keyOfCode("LURL");
 inline constexpr std::uint32_t LinkTextKey = keyOfCode("LTXT");
 inline constexpr std::uint32_t LinkThumbnailKey = keyOfCode("LTHU");
+
+// Of the notes of a crawl. An address stands behind its place, as does the base of a start.
+inline constexpr std::uint32_t CrawlKey = keyOfCode("CRWL");         ///< unsigned, 64 bits: which
+inline constexpr std::uint32_t CrawlBegunKey = keyOfCode("CBEG");    ///< date
+inline constexpr std::uint32_t CrawlPlaceKey = keyOfCode("CPLC");    ///< unsigned, 64 bits
+inline constexpr std::uint32_t CrawlAddressKey = keyOfCode("CURL");  ///< text
+inline constexpr std::uint32_t CrawlBaseKey = keyOfCode("CBAS");     ///< text
+inline constexpr std::uint32_t CrawlReadKey = keyOfCode("CRED");     ///< bytes: numbers of pages
+inline constexpr std::uint32_t CrawlDoneKey = keyOfCode("CDON");     ///< bytes: numbers of pages
 
 }  // namespace velmo::detail

@@ -11,8 +11,11 @@ SearchQuery::SearchQuery(const QueryTerms& query, WildcardComparison comparison)
         const std::size_t number = signature_.numberOf(word);
         if (std::exchange(isTaken[number], true)) continue;
         // By itself: what negates it in the query plays no role where it is counted.
-        QueryTerms alone = QueryTerms::queryTermsWithWord(
-            word.word(), {.querySubstring = word.querySubstring()}, word.queryPhrase());
+        QueryTerms alone =
+            !word.queryNot()
+                ? word
+                : QueryTerms::queryTermsWithWord(
+                      word.word(), {.querySubstring = word.querySubstring()}, word.queryPhrase());
         words_.push_back({std::move(alone), number});
     }
 }

@@ -8,6 +8,8 @@
 #include <cmath>
 
 #include "gather/PageSignature.h"
+#include "gather/RecordKeys.h"
+#include "storage/KeyedWalk.h"
 
 namespace velmo::detail {
 namespace {
@@ -44,6 +46,7 @@ public:
         std::size_t number = stretch_.from;
         scan_.stores_[stretch_.store].forEachPage(stretch_.from, stretch_.to,
                                                   [&](const StoredPage& page) {
+                                                      if (isStopped()) return false;
                                                       if (scan_.filter_.accepts(page))
                                                           look(page, {stretch_.store, number});
                                                       ++number;
@@ -53,12 +56,19 @@ public:
     }
 
 private:
+    bool isStopped() {
+        if (scan_.options_.shouldStop && scan_.options_.shouldStop()) found_.isComplete = false;
+        return !found_.isComplete;
+    }
+
     void look(const StoredPage& page, PagePlace place) {
         const std::uint32_t words = page.words();
         ++found_.pages;
         found_.words += words;
         if (!mayMatch(page)) return;
         ++found_.scanned;
+        // The text is decoded only if its bytes have what the query needs.
+        if (!mayHoldForBytesOf(page)) return;
         const String text = page.text();
         if (scan_.query_.holdsFor(text)) take(page, {place, words}, text);
     }
@@ -66,6 +76,7 @@ private:
     bool mayMatch(const StoredPage& page) {
         const QuerySignature& asked = scan_.query_.signature();
         const PageSignature signature(page.signature());
+        mayStand_.assign(asked.numberOfWords(), true);
         if (!signature.isWhole()) return true;
         asked.findWords(signature, mayStand_);
         for (std::size_t i = 0; i < found_.pagesWithWord.size(); ++i) {
@@ -73,7 +84,16 @@ private:
             if (asked.isTold(word))
                 found_.pagesWithWord[i] += asked.shareOf(word, signature, mayStand_[word]);
         }
-        return !scan_.options_.useSignatures || asked.mayHold(mayStand_, stack_);
+        if (scan_.options_.useSignatures) return asked.mayHold(mayStand_, stack_);
+        mayStand_.assign(asked.numberOfWords(), true);
+        return true;
+    }
+
+    /// True too for a text that is compressed.
+    bool mayHoldForBytesOf(const StoredPage& page) {
+        const auto text = findRecord(page.block(), KeyedTag::Text, TextKey);
+        const auto utf8 = text ? text->payload() : std::nullopt;
+        return !utf8 || scan_.query_.signature().mayHoldFor(charsOf(*utf8), mayStand_, stack_);
     }
 
     void take(const StoredPage& page, PageMatch match, const String& text) {

@@ -43,6 +43,7 @@ struct StretchMatches {
     std::size_t pages = 0;    // that the filter accepts
     std::uint64_t words = 0;  // of these
     std::size_t scanned = 0;
+    bool isComplete = true;
     // By word of the query: how many of the matches have it, and how many pages seem to.
     std::vector<double> matchesWithWord, pagesWithWord;
     std::map<String, std::size_t> languages, hosts;

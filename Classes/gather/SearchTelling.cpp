@@ -8,6 +8,7 @@
 #include <velmocore/text/CharacterSets.h>
 
 #include "gather/SearchFilter.h"
+#include "gather/StoredURL.h"
 
 namespace velmo::detail {
 namespace {
@@ -54,7 +55,8 @@ Excerpt excerptOf(const String& text, std::span<const Range> hits, std::size_t l
                                           {.ellipsizeAfterNCharacters = length,
                                            .gapSeparator = u" \u2026 ",
                                            .strictSentenceEnds = true,
-                                           .keepsPairs = true});
+                                           .keepsPairs = true,
+                                           .withinRuns = true});
     if (summary.string.isEmpty()) return {};
     return onOneLine(summary.string, hitsInSummary(summary, hits));
 }
@@ -63,7 +65,7 @@ Excerpt excerptOf(const String& text, std::span<const Range> hits, std::size_t l
 
 SearchHit hitOfPage(const StoredPage& page, const SearchQuery& query, std::size_t excerptLength) {
     SearchHit told;
-    told.url = URL::URLWithString(String::fromUTF8(page.address()));
+    told.url = urlOfStored(String::fromUTF8(page.address()));
     told.key = String::fromUTF8(page.key());
     if (page.title().data()) told.title = String::fromUTF8(page.title());
     if (page.language().data()) told.language = String::fromUTF8(page.language());

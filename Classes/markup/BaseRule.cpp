@@ -11,9 +11,25 @@
 
 namespace velmo::detail {
 
-void applyBaseRule(const Tag& tag, URL& baseURL) {
-    String href = normalizedStringURL(attributeOf(tag.whole(), "HREF"));
+namespace {
+
+/// The first base of a page counts, and is relative to the page. A page of the disk may have its
+/// base there.
+void applyWebBaseRule(const String& href, const URL& page, URL& baseURL) {
+    if (!baseURL.isAbsent()) return;
+    URL url = page.isAbsent() ? URLWithNormalizedStringURL(href) : URL::URLWithString(href, page);
+    if (isRemoteWebKitURL(url) || (url.isFileURL() && page.isFileURL()))
+        baseURL = std::move(url);
+    else
+        log(fmt::format("Invalid base: '{}'", href.utf8()));
+}
+
+}  // namespace
+
+void applyBaseRule(const Tag& tag, const URL& page, URL& baseURL) {
+    String href = normalizedStringURL(attributeOf(tag, "HREF"), tag.web);
     if (href.isAbsent()) return;
+    if (tag.web.relativeBase) return applyWebBaseRule(href, page, baseURL);
     // A later base that is no good takes the earlier one back: it was meant to replace it.
     baseURL = URL();
     const bool isRelative = href[0] == u'.' || href[0] == u'/';

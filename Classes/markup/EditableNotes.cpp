@@ -19,11 +19,11 @@ using namespace detail;
 using Units = std::u16string_view;
 
 /// The page without what an editor cannot show.
-String withoutFormFields(const String& page) {
+String withoutFormFields(const String& page, const WebRules& web) {
     static const String Fields[] = {u"<fieldset", u"<legend", u"<select",
                                     u"<optgroup", u"<option", u"<button",
                                     u"<datalist", u"<keygen", u"<output"};
-    return stripTagBodies(page, Fields);
+    return stripTagBodies(page, Fields, {.web = web});
 }
 
 /// Trimmed lines, without those of which nothing is left.
@@ -41,23 +41,24 @@ String withTrimmedLines(Units page) {
 }
 
 /// The end of the first opening head tag.
-std::size_t endOfHeadTag(Units page) {
+std::size_t endOfHeadTag(Units page, const WebRules& web) {
     std::size_t end = NotFound;
-    GetTagsOfString(page, [&](const Tag& tag) {
+    const auto find = [&](const Tag& tag) {
         if (!tag.isNamed("HEAD") || !isOpening(tag)) return false;
         end = tag.tagLocation + tag.tagLength;
         return true;
-    });
+    };
+    GetTagsOfString(page, find, web);
     return end;
 }
 
 /// The page with the tags of a note.
-String markedAsNote(const String& page) {
-    const std::size_t place = endOfHeadTag(page);
+String markedAsNote(const String& page, const WebRules& web) {
+    const std::size_t place = endOfHeadTag(page, web);
     if (place == NotFound) return page;
     StringBuilder out(page.length() + 128);
     out.append(page.view().substr(0, place));
-    if (!markupCharsetRange(page).isFound())
+    if (!markupCharsetRange(page, web).isFound())
         out.append(u"<meta http-equiv=\"content-type\" content=\"text/html; charset=utf-8\">\n");
     out.append(u"<meta name=\"");
     out.append(EditableNoteName);
@@ -68,15 +69,15 @@ String markedAsNote(const String& page) {
 
 }  // namespace
 
-bool isFormattedNote(Units page) {
-    return !htmlMetaAttributeWithName(page, EditableNoteName).isEmpty();
+bool isFormattedNote(Units page, const WebRules& web) {
+    return !htmlMetaAttributeWithName(page, EditableNoteName, web).isEmpty();
 }
 
-String formattedNote(const String& page) {
+String formattedNote(const String& page, const WebRules& web) {
     if (page.isEmpty()) return page;
     const String note =
-        withTrimmedLines(withoutFormFields(stripObjectsAndReplaceImages(page, false)));
-    return isFormattedNote(note) ? note : markedAsNote(note);
+        withTrimmedLines(withoutFormFields(stripObjectsAndReplaceImages(page, false, web), web));
+    return isFormattedNote(note, web) ? note : markedAsNote(note, web);
 }
 
 }  // namespace velmo

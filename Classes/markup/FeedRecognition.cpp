@@ -1,11 +1,21 @@
 #include <velmocore/markup/FeedRecognition.h>
 
 #include "markup/FeedRoots.h"
+#include "markup/TagScan.h"
 #include "markup/TagWalk.h"
 
 namespace velmo {
 
 using namespace detail;
+
+namespace {
+
+/// The walk that is a scan of what may be a feed.
+auto feedScanOf(std::u16string_view text, const WebRules& web) {
+    return [text, &web](TagHandler handler) { scanTags(text, handler, web, Markup::Feed); };
+}
+
+}  // namespace
 
 bool detail::isFeedOf(TagWalk walk) {
     bool isFeed = false;
@@ -22,10 +32,12 @@ FeedCompleteness detail::feedCompletenessOf(TagWalk walk) {
     return recognition.found();
 }
 
-bool isFeed(std::u16string_view page) { return isFeedOf(scanOf(page)); }
+bool isFeed(std::u16string_view page, const WebRules& web) {
+    return isFeedOf(feedScanOf(page, web));
+}
 
-FeedCompleteness isFeedComplete(std::u16string_view page) {
-    return feedCompletenessOf(scanOf(page));
+FeedCompleteness isFeedComplete(std::u16string_view page, const WebRules& web) {
+    return feedCompletenessOf(feedScanOf(page, web));
 }
 
 }  // namespace velmo

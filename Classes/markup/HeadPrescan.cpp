@@ -83,7 +83,8 @@ std::string labelOfContent(Chars content) {
     return {};
 }
 
-/// Takes the attributes of a meta tag; gives the label that it names, if that is one.
+/// Takes the attributes of a meta tag; gives the label that it names, if that is one. A tag that
+/// does not end in what is looked at names none.
 std::string labelOfMetaTag(Chars& text) {
     std::vector<std::string> names;
     bool isPragma = false;
@@ -103,7 +104,8 @@ std::string labelOfMetaTag(Chars& text) {
             needsPragma = false;
         }
     }
-    const bool counts = needsPragma && (!*needsPragma || isPragma) && isLabel(label);
+    const bool counts =
+        !text.empty() && needsPragma && (!*needsPragma || isPragma) && isLabel(label);
     return counts ? label : std::string();
 }
 
@@ -126,7 +128,7 @@ std::string labelOfMetaTags(Bytes head) {
     while (!text.empty()) {
         skipBehind(text, "<");
         if (text.empty()) break;
-        text = {text.data() - 1, text.size() + 1};
+        text = {text.data() - 1, text.size() + 1};  // which begins with the < now
         const std::size_t name = text[1] == '/' ? 2 : 1;
         if (text.starts_with("<!--")) {
             text.remove_prefix(2);  // the dashes of the end may be those of the start

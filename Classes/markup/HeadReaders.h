@@ -26,7 +26,7 @@ inline bool givesDate(MetaTag& tag) {
 class TitleReader {
 public:
     bool operator()(const Tag& tag) {
-        if (!tag.isNamed("TITLE") || !isTagClosed(tag.whole())) return false;
+        if (!tag.isNamed("TITLE") || !endsElement(tag)) return false;
         if (tag.hasText()) title_ = tag.text();
         return true;
     }
@@ -40,9 +40,8 @@ class CanonicalReader {
 public:
     bool operator()(const Tag& tag) {
         if (!tag.isNamed("LINK") || !isOpening(tag)) return false;
-        const std::u16string_view whole = tag.whole();
-        if (!keyword::equals(attributeOf(whole, "REL"), "CANONICAL")) return false;
-        String link = normalizedStringURL(attributeOf(whole, "HREF"));
+        if (!keyword::equals(attributeOf(tag, "REL"), "CANONICAL")) return false;
+        String link = normalizedStringURL(attributeOf(tag, "HREF"), tag.web);
         if (link.isEmpty() || link[0] == u'#') return false;
         link_ = std::move(link);
         return true;
@@ -55,15 +54,18 @@ private:
 
 class BaseReader {
 public:
+    explicit BaseReader(const URL& page = {}) : page_(page) {}
+
     bool operator()(const Tag& tag) {
         if (!tag.isNamed("BASE") || !isOpening(tag)) return false;
-        if (attributeOf(tag.whole(), "HREF").empty()) return false;
-        applyBaseRule(tag, base_);
+        if (attributeOf(tag, "HREF").empty()) return false;
+        applyBaseRule(tag, page_, base_);
         return true;
     }
     URL finish() const { return base_; }
 
 private:
+    const URL page_;
     URL base_;
 };
 
@@ -96,19 +98,20 @@ private:
 };
 
 /// A value for people.
-inline String converted(const String& content) {
-    const String value = stringByConvertingEntitiesToCharacters(content);
+inline String converted(const String& content, const WebRules& web) {
+    const String value =
+        stringByConvertingEntitiesToCharacters(content, {.inAttribute = true, .web = web});
     if (!countLTGT(value)) return stringByRemovingMultipleWhiteSpaces(value);
-    return stringByRemovingMultipleFeeds(stringByConvertingHtml2PlainText(value));
+    return stringByRemovingMultipleFeeds(stringByConvertingHtml2PlainText(value, {.web = web}));
 }
 
 class AttributesReader {
 public:
-    explicit AttributesReader(bool convert) : convert_(convert) {}
+    AttributesReader(bool convert, const WebRules& web) : convert_(convert), web_(web) {}
 
     bool operator()(MetaTag& tag) {
         if (tag.key().empty() || tag.content().isAbsent()) return false;
-        add(tag.lowercaseKey(), convert_ ? converted(tag.content()) : tag.content());
+        add(tag.lowercaseKey(), convert_ ? converted(tag.content(), web_) : tag.content());
         return false;
     }
 
@@ -127,6 +130,7 @@ private:
     }
 
     const bool convert_;
+    const WebRules web_;
     MetaAttributes attributes_;
     std::map<String, std::u16string> joined_;
 };
@@ -134,7 +138,7 @@ private:
 class SummaryReader {
 public:
     void readTitle(const Tag& tag) {
-        if (isTagClosed(tag.whole()) && title_.isEmpty()) keepFirst(title_, tag.text());
+        if (endsElement(tag) && title_.isEmpty()) keepFirst(title_, tag.text());
     }
 
     bool operator()(MetaTag& tag) {

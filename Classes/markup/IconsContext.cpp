@@ -88,8 +88,10 @@ void IconsContext::setThumbnail(const Thumbnail& thumbnail, Link link) {
 void IconsContext::addTitles(Units tag, Link link, bool replace) {
     if (!options_.titles) return;
     for (std::string_view name : {"TITLE", "ALT"})
-        if (const Units title = attributeOf(tag, name); !title.empty())
-            addTitle(stringByConvertingEntitiesToCharacters(title), link, replace);
+        if (const Units title = attributeOf(tag, name, options_.web); !title.empty())
+            addTitle(stringByConvertingEntitiesToCharacters(
+                         title, {.inAttribute = true, .web = options_.web}),
+                     link, replace);
 }
 
 void IconsContext::addTitle(const String& title, Link link, bool replace) {

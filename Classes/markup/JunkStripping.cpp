@@ -63,14 +63,14 @@ public:
         if (const std::size_t element = activeElement(name); element != None)
             inside_[element] = beginsContents(tag);
         else if (replaceImages_ && name == packed("img"))
-            writeAlternative(tag.whole(), out);
+            writeAlternative(tag, out);
         else if (!isDropped(name))
             out.keepTag(tag);
         return false;
     }
 
 private:
-    static void writeAlternative(Units image, PageRebuilder& out) {
+    static void writeAlternative(const Tag& image, PageRebuilder& out) {
         Units text = attributeOf(image, "ALT");
         if (text.empty()) text = attributeOf(image, "TITLE");
         if (text.empty()) return;
@@ -108,7 +108,7 @@ public:
     bool operator()(const Tag& tag, PageRebuilder& out) {
         if (!skipping_) out.keepText(tag);
         const bool isLink = tag.isNamed("A");
-        if (isLink && beginsContents(tag)) skipping_ = isFileLink(attributeOf(tag.whole(), "HREF"));
+        if (isLink && beginsContents(tag)) skipping_ = isFileLink(attributeOf(tag, "HREF"));
         if (!isLink || !skipping_) out.keepTag(tag);
         return false;
     }
@@ -119,12 +119,16 @@ private:
 
 }  // namespace
 
-String stripObjectsAndReplaceImages(const String& page, bool replaceImages) {
-    return rebuiltPage(page, StripObjectsHandler(replaceImages));
+String stripObjectsAndReplaceImages(const String& page, bool replaceImages, const WebRules& web) {
+    return rebuiltPage(page, web, StripObjectsHandler(replaceImages));
 }
 
-String stripLinks(const String& page) { return rebuiltPage(page, StripLinksHandler()); }
+String stripLinks(const String& page, const WebRules& web) {
+    return rebuiltPage(page, web, StripLinksHandler());
+}
 
-String stripFileLinks(const String& page) { return rebuiltPage(page, StripFileLinksHandler()); }
+String stripFileLinks(const String& page, const WebRules& web) {
+    return rebuiltPage(page, web, StripFileLinksHandler());
+}
 
 }  // namespace velmo

@@ -152,10 +152,15 @@ String normalizedStringURL(Units value, bool decodePercentEscapes) {
     return NormalizedLink(value, {.decodePercentEscapes = decodePercentEscapes}).view();
 }
 
-String normalizedRelLink(Units value) {
-    const NormalizedLink normalized(value);
+String normalizedStringURL(Units value, const WebRules& web) {
+    return NormalizedLink(value, {.web = web}).view();
+}
+
+String normalizedRelLink(Units value, const WebRules& web) {
+    const NormalizedLink normalized(value, {.web = web});
     const Units link = normalized.view();
-    if (link.empty() || link[0] == u'.' || link[0] == u'/' || link.find(u"://") != link.npos)
+    if (link.empty() || web.linkTags || link[0] == u'.' || link[0] == u'/' ||
+        link.find(u"://") != link.npos)
         return link;
     StringBuilder out(link.size() + 1);
     out.append(u'/');
@@ -163,8 +168,9 @@ String normalizedRelLink(Units value) {
     return out.finish();
 }
 
-String normalizedHtmlString(const String& string) {
-    return stringByTrimmingWhiteSpaces(stringByConvertingEntitiesToCharacters(string));
+String normalizedHtmlString(const String& string, const WebRules& web) {
+    return stringByTrimmingWhiteSpaces(
+        stringByConvertingEntitiesToCharacters(string, {.web = web}));
 }
 
 double revisitAfter(Units value) {

@@ -32,16 +32,16 @@ void keepReplacing(Units units, Units sought, Units replacement, PageRebuilder& 
 }
 
 /// The references of a page, rewritten.
-String rewriteLinks(const String& page, const URL& base, WriteURL write) {
+String rewriteLinks(const String& page, const URL& base, const WebRules& web, WriteURL write) {
     if (base.isAbsent()) return page;
-    return rebuiltPage(page, [&](const Tag& tag, PageRebuilder& out) {
+    return rebuiltPage(page, web, [&](const Tag& tag, PageRebuilder& out) {
         out.keepText(tag);
         const std::string_view attribute = getLinkAttribute(tag.name());
         if (attribute.empty()) return out.keepTag(tag), false;
         // What a script does with references is its own affair.
-        const Units opening = openingTagOf(tag.whole());
-        const Units reference = attributeOf(opening, attribute);
-        const URL url = URLRelativeTo(base, normalizedStringURL(reference));
+        const Units opening = openingTagOf(tag);
+        const Units reference = attributeOf(opening, attribute, web);
+        const URL url = URLRelativeTo(base, normalizedStringURL(reference, web), {.web = web});
         if (isDownloadableURL(url) || url.isFileURL())
             keepReplacing(opening, reference,
                           stringByConvertingCharactersToStandardEntities(write(url)), out);
@@ -54,12 +54,13 @@ String rewriteLinks(const String& page, const URL& base, WriteURL write) {
 
 }  // namespace
 
-String resolveLinksUsingBaseURL(const String& page, const URL& base) {
-    return rewriteLinks(page, base, [](const URL& url) { return url.absoluteString(); });
+String resolveLinksUsingBaseURL(const String& page, const URL& base, const WebRules& web) {
+    return rewriteLinks(page, base, web, [](const URL& url) { return url.absoluteString(); });
 }
 
-String flattenLinksUsingBaseURL(const String& page, const URL& base, Units prefix) {
-    return rewriteLinks(page, base, [prefix](const URL& url) {
+String flattenLinksUsingBaseURL(const String& page, const URL& base, Units prefix,
+                                const WebRules& web) {
+    return rewriteLinks(page, base, web, [prefix](const URL& url) {
         const String name = url.lastPathComponent();
         return prefix.empty() ? name : prefix + name;
     });

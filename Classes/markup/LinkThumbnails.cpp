@@ -137,7 +137,9 @@ private:
         const Units text =
             page_.substr(open_->textLocation, closing.tagLocation - open_->textLocation);
         // Without a receiver to give back: an empty text is none anyway.
-        context_.addText(plainTextOf(String(), scanOf(text), {}).text, open_->link);
+        context_.addText(
+            plainTextOf(String(), scanOf(text, options_.web), {.web = options_.web}).text,
+            open_->link);
     }
 
     void closeLink() {
@@ -156,18 +158,21 @@ private:
     /// The link of a tag; nothing if there is none, or none to take.
     std::optional<Link> linkOf(Units tag) {
         if (!mask_.allows(GoogleMask::Index)) return std::nullopt;
-        Units href = attributeOf(tag, "HREF");
+        Units href = attributeOf(tag, "HREF", options_.web);
         String extracted;
         if (isJavaScriptStringURL(href)) {
             extracted = stringByExtractingJavaScriptURL(href);
             href = extracted;
         }
-        const NormalizedLink normalized(href);
+        const NormalizedLink normalized(href, {.web = options_.web});
         Units link = normalized.view();
         if (link.empty()) return std::nullopt;
         URL url;
         if (options_.resolve) {
-            url = resolveStringURL(link, options_.baseURL);
+            url = options_.web.resolution
+                      ? URLRelativeTo(options_.baseURL, link,
+                                      {.encoding = encoding(), .web = options_.web})
+                      : resolveStringURL(link, options_.baseURL);
             link = url.absoluteString();
         }
         if (link.empty() || (isSearchPage_ && isEnginesOwn(link))) return std::nullopt;
@@ -182,14 +187,14 @@ private:
 
     void handleDivision(const Tag& tag) {
         if (isOpening(tag) && isImageWanted())
-            addImage(backgroundStyleURLOfTagCharacters(tag.whole()), tag.whole());
+            addImage(backgroundStyleURLOfTagCharacters(tag.whole(), tag.web), tag.whole());
     }
 
     /// The first of the attributes that the tag has.
     void addImageNamedBy(const Tag& tag, std::initializer_list<std::string_view> attributes) {
         if (!isOpening(tag) || !isImageWanted()) return;
         for (std::string_view name : attributes)
-            if (const Units reference = attributeOf(tag.whole(), name); !reference.empty())
+            if (const Units reference = attributeOf(tag, name); !reference.empty())
                 return addImage(reference, tag.whole());
     }
 
@@ -200,9 +205,11 @@ private:
     }
 
     void addImage(Units raw, Units tag) {
-        const NormalizedLink reference(raw);
-        if (reference.view().empty() || !isThumbnail(reference.view(), tag)) return;
-        const URL url = URLRelativeTo(options_.baseURL, reference.view(), {.encoding = encoding()});
+        const WebRules& web = options_.web;
+        const NormalizedLink reference(raw, {.web = web});
+        if (reference.view().empty() || !isThumbnail(reference.view(), tag, web)) return;
+        const URL url =
+            URLRelativeTo(options_.baseURL, reference.view(), {.encoding = encoding(), .web = web});
         if (url.isAbsent()) return;
         const Thumbnail image{url.absoluteString(), tag};
         if (open_)
@@ -215,7 +222,7 @@ private:
 
     /// The page's own, which is looked for once, when the first image is resolved.
     StringEncoding encoding() {
-        if (!encoding_) encoding_ = defaultURLEncoding(page_);
+        if (!encoding_) encoding_ = defaultURLEncoding(page_, options_.web);
         return *encoding_;
     }
 
@@ -262,7 +269,7 @@ LinkThumbnails detail::thumbnailsOf(Units page, TagWalk walk, const LinkThumbnai
 }
 
 LinkThumbnails getLinkThumbnails(Units page, const LinkThumbnailOptions& options) {
-    return thumbnailsOf(page, scanOf(page), options);
+    return thumbnailsOf(page, scanOf(page, options.web), options);
 }
 
 String stringByExtractingJavaScriptURL(Units link) {

@@ -36,7 +36,7 @@ public:
         if (tag.nameLength == 1) {
             if (tag.isNamed("A")) retrieveAnchor(tag);
         } else if (tag.nameLength == 4 && isOpening(tag)) {
-            if (tag.isNamed("BASE")) applyBaseRule(tag, baseURL_);
+            if (tag.isNamed("BASE")) applyBaseRule(tag, options_.url, baseURL_);
             if (!wantsText_ && tag.isNamed("AREA")) add(hrefOf(tag));
         }
         return false;
@@ -57,10 +57,9 @@ private:
 
     /// The raw reference; null if there is none, or none to follow.
     Units hrefOf(const Tag& tag) const {
-        const Units whole = tag.whole();
-        if (options_.useRelNoFollow && keyword::contains(attributeOf(whole, "REL"), "NOFOLLOW"))
+        if (options_.useRelNoFollow && keyword::contains(attributeOf(tag, "REL"), "NOFOLLOW"))
             return {};
-        return attributeOf(whole, "HREF");
+        return attributeOf(tag, "HREF");
     }
 
     /// Starts to gather the text of a link; of null, nothing.
@@ -103,7 +102,7 @@ HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
 }
 
 HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
-    return linksOf(scanOf(page), options);
+    return linksOf(scanOf(page, options.web), options);
 }
 
 }  // namespace velmo

@@ -19,17 +19,18 @@ struct NamedCharset {
 };
 
 /// What a meta tag names; absent if nothing. An empty name is a name.
-String charsetOfMetaTag(std::u16string_view tag) {
-    String name = headerCharset(contentAttributeOfTagCharacters(tag));
-    if (name.isAbsent()) name = attributeOfTagCharacters(tag, "CHARSET");
+String charsetOfMetaTag(const Tag& tag) {
+    String name = headerCharset(contentAttributeOfTagCharacters(tag.whole(), tag.web));
+    if (name.isAbsent()) name = attributeOfTagCharacters(tag.whole(), "CHARSET", tag.web);
     return stringByConvertingEntitiesToCharacters(name);
 }
 
 /// The charset that the page names, and where. Tells through reachesFarther, if given, when
 /// the answer may depend on what stands behind the text, which is then only a page's head.
-NamedCharset findCharset(std::u16string_view page, bool* reachesFarther = nullptr) {
+NamedCharset findCharset(std::u16string_view page, const WebRules& web,
+                         bool* reachesFarther = nullptr) {
     NamedCharset found;
-    GetTagsOfString(page, [&](const Tag& tag) {
+    const auto find = [&](const Tag& tag) {
         const std::u16string_view name = tag.name();
         // The scan looks ahead for the end of a script or a style.
         if (reachesFarther &&
@@ -41,41 +42,46 @@ NamedCharset findCharset(std::u16string_view page, bool* reachesFarther = nullpt
             // Behind it no meta tag counts, and the rest of the page is not scanned.
             if (detail::keyword::equals(name, "BODY")) return true;
             if (!detail::keyword::equals(name, "META") || tag.isClosing()) return false;
-            charset = charsetOfMetaTag(tag.whole());
+            charset = charsetOfMetaTag(tag);
         } else if (detail::keyword::equals(name, "XML") && tag.whole()[1] == u'?') {
-            charset = attributeOfTagCharacters(tag.whole(), "ENCODING");
+            charset = attributeOfTagCharacters(tag.whole(), "ENCODING", web);
         }
         // A tag that names none does not end the search: pages have many meta tags.
         if (charset.isAbsent()) return false;
         found = {charset, {tag.tagLocation, tag.tagLength}};
         return true;
-    });
+    };
+    GetTagsOfString(page, find, web);
     return found;
 }
 
 }  // namespace
 
-String markupCharset(std::u16string_view page) { return findCharset(page).name; }
+String markupCharset(std::u16string_view page, const WebRules& web) {
+    return findCharset(page, web).name;
+}
 
 String detail::markupCharsetOfHead(std::u16string_view head) {
     bool reachesFarther = false;
-    const NamedCharset found = findCharset(head, &reachesFarther);
+    const NamedCharset found = findCharset(head, {}, &reachesFarther);
     return reachesFarther ? String() : found.name;
 }
 
-Range markupCharsetRange(std::u16string_view page) { return findCharset(page).tag; }
+Range markupCharsetRange(std::u16string_view page, const WebRules& web) {
+    return findCharset(page, web).tag;
+}
 
-StringEncoding markupEncoding(std::u16string_view page) {
-    return charset2NSStringEncoding(markupCharset(page));
+StringEncoding markupEncoding(std::u16string_view page, const WebRules& web) {
+    return charset2NSStringEncoding(markupCharset(page, web));
 }
 
 StringEncoding headerEncoding(std::u16string_view contentType) {
     return charset2NSStringEncoding(headerCharset(contentType));
 }
 
-StringEncoding defaultURLEncoding(std::u16string_view page) {
-    return markupEncoding(page) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
-                                                           : UTF8StringEncoding;
+StringEncoding defaultURLEncoding(std::u16string_view page, const WebRules& web) {
+    return markupEncoding(page, web) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
+                                                                : UTF8StringEncoding;
 }
 
 MarkupData markupData(const String& page) {

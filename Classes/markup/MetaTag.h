@@ -21,7 +21,7 @@ class MetaTag {
     using Units = std::u16string_view;
 
 public:
-    explicit MetaTag(const Tag& tag) : tag_(tag.whole()) {}
+    explicit MetaTag(const Tag& tag) : tag_(tag.whole()), web_(tag.web) {}
 
     Units name() { return read(name_, "NAME"); }
     Units httpEquiv() { return read(httpEquiv_, "HTTP-EQUIV"); }
@@ -38,7 +38,8 @@ public:
     }
     /// The CONTENT; absent if there is none.
     const String& content() {
-        if (!std::exchange(hasReadContent_, true)) content_ = contentAttributeOfTagCharacters(tag_);
+        if (!std::exchange(hasReadContent_, true))
+            content_ = contentAttributeOfTagCharacters(tag_, web_);
         return content_;
     }
 
@@ -49,11 +50,12 @@ private:
     };
 
     Units read(Attribute& attribute, std::string_view name) {
-        if (!attribute.wasRead) attribute = {attributeOf(tag_, name), true};
+        if (!attribute.wasRead) attribute = {attributeOf(tag_, name, web_), true};
         return attribute.value;
     }
 
     const Units tag_;
+    const WebRules& web_;
     Attribute name_, httpEquiv_, property_;
     String lowercaseKey_, content_;
     bool hasReadContent_ = false;

@@ -19,16 +19,17 @@ struct BasePlace {
     std::size_t headEnd = NotFound;
 };
 
-BasePlace basePlaceOf(Units page) {
+BasePlace basePlaceOf(Units page, const WebRules& web) {
     BasePlace place;
-    GetTagsOfString(page, [&](const Tag& tag) {
+    const auto find = [&](const Tag& tag) {
         if (tag.nameLength != 4) return false;
         if (tag.isNamed("BODY")) return true;
         if (tag.isNamed("HEAD") && isOpening(tag)) place.headEnd = tag.tagLocation + tag.tagLength;
-        if (!tag.isNamed("BASE") || attributeOf(tag.whole(), "HREF").empty()) return false;
+        if (!tag.isNamed("BASE") || attributeOf(tag, "HREF").empty()) return false;
         place.baseRange = {tag.tagLocation, tag.tagLength};
         return true;
-    });
+    };
+    GetTagsOfString(page, find, web);
     return place;
 }
 
@@ -51,23 +52,24 @@ String withBaseAt(const String& page, std::size_t headEnd, const String& url) {
 
 }  // namespace
 
-String stringBySettingBaseURL(const String& page, const String& url) {
+String stringBySettingBaseURL(const String& page, const String& url, const WebRules& web) {
     if (url.isAbsent()) return page;
-    const BasePlace place = basePlaceOf(page);
+    const BasePlace place = basePlaceOf(page, web);
     return place.baseRange.isFound() ? withBaseTag(page, place.baseRange, url)
                                      : withBaseAt(page, place.headEnd, url);
 }
 
-String stringByAddingBaseURL(const String& page, const String& url) {
+String stringByAddingBaseURL(const String& page, const String& url, const WebRules& web) {
     if (url.isEmpty()) return page;
-    const BasePlace place = basePlaceOf(page);
+    const BasePlace place = basePlaceOf(page, web);
     return place.baseRange.isFound() ? page : withBaseAt(page, place.headEnd, url);
 }
 
-String stringByStrippingMetaAttributeWithName(const String& page, const String& name) {
+String stringByStrippingMetaAttributeWithName(const String& page, const String& name,
+                                              const WebRules& web) {
     if (name.isAbsent()) return {};
     const MetaQuery query{MetaQuery::Attribute::Name, name};
-    return rebuiltPage(page, [&](const Tag& tag, PageRebuilder& out) {
+    return rebuiltPage(page, web, [&](const Tag& tag, PageRebuilder& out) {
         out.keepText(tag);
         if (tag.isNamed("META")) {
             MetaTag meta(tag);

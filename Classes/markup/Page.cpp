@@ -13,10 +13,12 @@
 #include <velmocore/markup/TagPredicates.h>
 #include <velmocore/text/Collapsing.h>
 #include <velmocore/text/Trimming.h>
+#include <velmocore/url/LinkFilter.h>
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLSchemes.h>
 #include <velmocore/url/URLSimplification.h>
 
+#include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
 
 namespace velmo {
@@ -39,12 +41,12 @@ private:
 
 /// What stands between the first title tag and its end. An image in the page may have titles of
 /// its own.
-String firstTitle(detail::TagWalk walk, WebRules web) {
+String firstTitle(detail::TagWalk walk) {
     String title = String::empty();
     walk([&](const Tag& tag) {
-        if (!tag.isNamed("TITLE") || !isTagClosed(tag.whole())) return false;
+        if (!tag.isNamed("TITLE") || !detail::endsElement(tag)) return false;
         title = stringByRemovingMultipleWhiteSpaces(stringByTrimmingWhiteSpaces(
-            stringByConvertingEntitiesToCharacters(tag.text(), {.web = web})));
+            stringByConvertingEntitiesToCharacters(tag.text(), {.web = tag.web})));
         return true;
     });
     return title;
@@ -60,17 +62,19 @@ struct Page::State {
           web(rules) {}
 
     const detail::TagList& tags() const {
-        return tags_.get([&] { return detail::TagList(markup); });
+        return tags_.get([&] { return detail::TagList(markup, web); });
     }
     /// All that the head tells, and the frames.
     const HtmlReferences& references() const {
-        return references_.get([&] { return detail::referencesOf(tags(), false); });
+        return references_.get([&] { return detail::referencesOf(tags(), false, url); });
     }
     URL resolved(const String& reference) const {
         // Without a base a path would be taken for one of this machine.
         const URL& base = baseURL();
         if (base.isAbsent() && stringURLScheme(reference).isAbsent()) return {};
-        return URLWithStringRelativeTo(reference, base);
+        const URL link = URLWithStringRelativeTo(reference, base, {.web = web});
+        // A browser resolves scripts and mail links too, which lead to no page.
+        return web.resolution && filterLink(link.absoluteString()) ? URL() : link;
     }
     const URL& baseURL() const {
         const URL& base = references().baseURL;
@@ -122,7 +126,7 @@ const URL& Page::url() const noexcept { return state_->url; }
 const URL& Page::baseURL() const { return state_->baseURL(); }
 
 const String& Page::title() const {
-    return state_->title.get([this] { return firstTitle(state_->tags(), state_->web); });
+    return state_->title.get([this] { return firstTitle(state_->tags()); });
 }
 
 const String& Page::plainText() const {
@@ -133,7 +137,8 @@ const String& Page::plainText() const {
 
 const HtmlMetadata& Page::metadata() const {
     // The tags of the whole page are not wanted for this: many who ask for it want no more.
-    return state_->metadata.get([this] { return htmlMetadata(state_->markup); });
+    return state_->metadata.get(
+        [this] { return htmlMetadata(state_->markup, {.url = state_->url, .web = state_->web}); });
 }
 
 const HtmlMetaSummary& Page::summary() const {
@@ -152,11 +157,12 @@ bool Page::isErrorPage() const {
 }
 
 // The first tag or two tell it, so there is nothing to keep.
-bool Page::isFeed() const { return velmo::isFeed(state_->markup); }
+bool Page::isFeed() const { return velmo::isFeed(state_->markup, state_->web); }
 
 const std::vector<URL>& Page::links() const {
     return state_->links.get([this] {
-        std::vector<String> links = detail::linksOf(state_->tags(), {.web = state_->web}).links;
+        std::vector<String> links =
+            detail::linksOf(state_->tags(), {.web = state_->web, .url = state_->url}).links;
         // On a file base a # would be a part of the path; on others the anchor is cut anyway.
         if (baseURL().isFileURL())
             for (String& link : links) link = stringURLWithoutAnchor(link);
@@ -197,7 +203,7 @@ const URL& Page::canonicalURL() const {
 const LinkThumbnails& Page::linkThumbnails() const {
     return state_->linkThumbnails.get([this] {
         return detail::thumbnailsOf(state_->markup, state_->tags(),
-                                    {.baseURL = baseURL(), .resolve = true});
+                                    {.baseURL = baseURL(), .resolve = true, .web = state_->web});
     });
 }
 

@@ -59,28 +59,34 @@ bool endsWith(Units units, std::string_view capitals) {
 
 /// Shows the tags in front of the body to the reader, until it has seen enough.
 template <class Reader>
-auto readHead(Units page, Reader reader) {
-    GetTagsOfString(page, [&](const Tag& tag) { return tag.isNamed("BODY") || reader(tag); });
+auto readHead(Units page, const WebRules& web, Reader reader) {
+    GetTagsOfString(
+        page, [&](const Tag& tag) { return tag.isNamed("BODY") || reader(tag); }, web);
     return reader.finish();
 }
 
 /// The same with the meta tags.
 template <class Reader>
-auto readMetaTags(Units page, Reader reader) {
-    GetTagsOfString(page, [&](const Tag& tag) {
+auto readMetaTags(Units page, const WebRules& web, Reader reader) {
+    const auto handler = [&](const Tag& tag) {
         if (tag.nameLength != 4) return false;
         if (tag.isNamed("BODY")) return true;
         if (!tag.isNamed("META")) return false;
         MetaTag meta(tag);
         return reader(meta);
-    });
+    };
+    GetTagsOfString(page, handler, web);
     return reader.finish();
 }
 
 /// All readers at once.
 class MetadataReader {
 public:
-    explicit MetadataReader(const HtmlMetadataOptions& options) : options_(options) {}
+    explicit MetadataReader(const HtmlMetadataOptions& options)
+        : options_(options),
+          base_{BaseReader(options.url)},
+          attributes_(false, options.web),
+          convertedAttributes_(true, options.web) {}
 
     bool operator()(const Tag& tag) {
         switch (packedName(tag)) {
@@ -108,7 +114,7 @@ public:
     HtmlMetadata finish() {
         HtmlMetadata metadata;
         metadata.title = title_.reader.finish();
-        metadata.normalizedTitle = normalizedHtmlString(metadata.title);
+        metadata.normalizedTitle = normalizedHtmlString(metadata.title, options_.web);
         for (std::size_t i = 0; i < std::size(Rows); ++i)
             metadata.*Rows[i].value = contents_[i].finish();
         metadata.date = date_.reader.finish();
@@ -153,7 +159,7 @@ private:
     Once<DateReader> date_;
     std::array<JoinedContents, std::size(Rows)> contents_;
     QueryReader note_{NoteQuery};
-    AttributesReader attributes_{false}, convertedAttributes_{true};
+    AttributesReader attributes_, convertedAttributes_;
     SummaryReader summary_;
 };
 
@@ -174,33 +180,51 @@ private:
 
 }  // namespace
 
-String htmlTitle(Units page) { return readHead(page, TitleReader()); }
-String normalizedHtmlTitle(Units page) { return normalizedHtmlString(htmlTitle(page)); }
-
-String htmlMetaAttributeWithName(Units page, Units name) {
-    return readMetaTags(page, QueryReader(namedQuery(name)));
-}
-String htmlMetaHTTPEquiv(Units page, Units name) {
-    return readMetaTags(page, QueryReader({MetaQuery::Attribute::HTTPEquiv, name}));
+String htmlTitle(Units page, const WebRules& web) { return readHead(page, web, TitleReader()); }
+String normalizedHtmlTitle(Units page, const WebRules& web) {
+    return normalizedHtmlString(htmlTitle(page, web), web);
 }
 
-String htmlMetaRefresh(Units page) { return readMetaTags(page, QueryReader(RefreshQuery)); }
-String htmlMetaTitle(Units page) { return readMetaTags(page, QueryReader(TitleQuery)); }
-String htmlMetaIndexTitle(Units page) { return readMetaTags(page, QueryReader(IndexTitleQuery)); }
-String htmlMetaKeywords(Units page) { return readMetaTags(page, QueryReader(KeywordsQuery)); }
-String htmlMetaDescription(Units page) { return readMetaTags(page, QueryReader(DescriptionQuery)); }
-String htmlMetaDate(Units page) { return readMetaTags(page, QueryReader(DateQuery)); }
-String htmlMetaAuthor(Units page) { return readMetaTags(page, QueryReader(AuthorQuery)); }
-String htmlMetaCopyright(Units page) { return readMetaTags(page, QueryReader(CopyrightQuery)); }
-
-MetaAttributes htmlMetaAttributes(Units page) {
-    return readMetaTags(page, AttributesReader(false));
+String htmlMetaAttributeWithName(Units page, Units name, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(namedQuery(name)));
 }
-MetaAttributes htmlMetaAttributesByConvertingEntitiesToCharacters(Units page) {
-    return readMetaTags(page, AttributesReader(true));
+String htmlMetaHTTPEquiv(Units page, Units name, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader({MetaQuery::Attribute::HTTPEquiv, name}));
 }
 
-String htmlDate(Units page) { return readMetaTags(page, DateReader()); }
+String htmlMetaRefresh(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(RefreshQuery));
+}
+String htmlMetaTitle(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(TitleQuery));
+}
+String htmlMetaIndexTitle(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(IndexTitleQuery));
+}
+String htmlMetaKeywords(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(KeywordsQuery));
+}
+String htmlMetaDescription(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(DescriptionQuery));
+}
+String htmlMetaDate(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(DateQuery));
+}
+String htmlMetaAuthor(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(AuthorQuery));
+}
+String htmlMetaCopyright(Units page, const WebRules& web) {
+    return readMetaTags(page, web, QueryReader(CopyrightQuery));
+}
+
+MetaAttributes htmlMetaAttributes(Units page, const WebRules& web) {
+    return readMetaTags(page, web, AttributesReader(false, web));
+}
+MetaAttributes htmlMetaAttributesByConvertingEntitiesToCharacters(Units page, const WebRules& web) {
+    return readMetaTags(page, web, AttributesReader(true, web));
+}
+
+String htmlDate(Units page, const WebRules& web) { return readMetaTags(page, web, DateReader()); }
 
 bool isDateAttribute(Units name) {
     static constexpr std::string_view Whole[] = {"DATE", "PDATE", "UPDATED", "DATEGEN",
@@ -216,11 +240,15 @@ bool isDateAttribute(Units name) {
            isTold(endsWith, Ends);
 }
 
-String htmlCanonicalURL(Units page) { return readHead(page, CanonicalReader()); }
-URL htmlBaseURL(Units page) { return readHead(page, BaseReader()); }
+String htmlCanonicalURL(Units page, const WebRules& web) {
+    return readHead(page, web, CanonicalReader());
+}
+URL htmlBaseURL(Units page, const WebRules& web, const URL& url) {
+    return readHead(page, web, BaseReader(url));
+}
 
-HtmlMetaSummary htmlMetaKeywordsDescriptionTitleDate(Units page) {
-    return detail::summaryOf(scanOf(page));
+HtmlMetaSummary htmlMetaKeywordsDescriptionTitleDate(Units page, const WebRules& web) {
+    return detail::summaryOf(scanOf(page, web));
 }
 
 HtmlMetaSummary detail::summaryOf(TagWalk walk) {
@@ -231,7 +259,7 @@ HtmlMetaSummary detail::summaryOf(TagWalk walk) {
 
 HtmlMetadata htmlMetadata(Units page, const HtmlMetadataOptions& options) {
     MetadataReader reader(options);
-    GetTagsOfString(page, reader);
+    GetTagsOfString(page, reader, options.web);
     return reader.finish();
 }
 

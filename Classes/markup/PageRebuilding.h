@@ -72,10 +72,11 @@ private:
 /// The page as the rule makes it; an absent or empty one as it is. The rule is called for each
 /// tag as the handler of a scan is, with the rebuilder beside the tag.
 template <class Rule>
-String rebuiltPage(const String& page, Rule rule) {
+String rebuiltPage(const String& page, const WebRules& web, Rule rule) {
     if (page.isEmpty()) return page;
     PageRebuilder out(page);
-    GetTagsOfString(page, [&](const Tag& tag) { return rule(tag, out); });
+    GetTagsOfString(
+        page, [&](const Tag& tag) { return rule(tag, out); }, web);
     return out.finish();
 }
 

@@ -35,8 +35,14 @@ using Units = std::u16string_view;
 class References {
 public:
     /// False if nothing of the value is left.
-    bool addNormalized(Units value) { return add(NormalizedLink(value).view()); }
-    void addRelLink(Units value) { add(normalizedRelLink(value)); }
+    bool addNormalized(Units value, const WebRules& web) {
+        return add(NormalizedLink(value, {.web = web}).view());
+    }
+    /// The value of an attribute.
+    bool addNormalized(const Tag& tag, std::string_view attribute) {
+        return addNormalized(attributeOf(tag, attribute), tag.web);
+    }
+    void addRelLink(const Tag& tag) { add(normalizedRelLink(attributeOf(tag, "HREF"), tag.web)); }
 
     std::set<String> finish() {
         std::sort(list_.begin(), list_.end());
@@ -54,7 +60,7 @@ private:
 };
 
 /// Whether the tag's REL is long enough and contains one of the words.
-bool relContains(Units tag, std::size_t leastLength,
+bool relContains(const Tag& tag, std::size_t leastLength,
                  std::initializer_list<std::string_view> words) {
     const Units rel = attributeOf(tag, "REL");
     // Most tags have a short REL or none, and are told apart by its length alone.
@@ -66,7 +72,8 @@ bool relContains(Units tag, std::size_t leastLength,
 
 class RetrieveLinksAndFramesHandler {
 public:
-    explicit RetrieveLinksAndFramesHandler(bool wantsLinks) : wantsLinks_(wantsLinks) {}
+    RetrieveLinksAndFramesHandler(bool wantsLinks, const URL& page)
+        : wantsLinks_(wantsLinks), page_(page) {}
 
     HtmlReferences finish() {
         result_.references = references_.finish();
@@ -107,11 +114,11 @@ private:
             if (String favIcon = getFavIcon(tag); !favIcon.isAbsent())
                 result_.favIcon = std::move(favIcon);
         } else if (tag.isNamed("META")) {
-            retrieveMeta(tag.whole());
+            retrieveMeta(tag);
         } else if (tag.isNamed("AREA")) {
             addLink(tag);
         } else if (tag.isNamed("BASE")) {
-            if (isOpening(tag)) applyBaseRule(tag, result_.baseURL);
+            if (isOpening(tag)) applyBaseRule(tag, page_, result_.baseURL);
         } else if (tag.isNamed("HTML") || tag.isNamed("HEAD") || tag.isNamed("BODY")) {
             sawHTML_ = true;
         } else {
@@ -125,30 +132,29 @@ private:
     }
 
     void addLink(const Tag& tag) {
-        if (wantsLinks_ && !tag.isClosing())
-            references_.addNormalized(attributeOf(tag.whole(), "HREF"));
+        if (wantsLinks_ && !tag.isClosing()) references_.addNormalized(tag, "HREF");
     }
 
     void addFrame(const Tag& tag) {
-        if (!tag.isClosing()) references_.addNormalized(attributeOf(tag.whole(), "SRC"));
+        if (!tag.isClosing()) references_.addNormalized(tag, "SRC");
     }
 
     /// The title is the text in front of its closing tag, where all of it has been seen.
     void retrieveTitle(const Tag& tag) {
-        if (isTagClosed(tag.whole())) result_.title = tag.hasText() ? tag.text() : Units(u"");
+        if (endsElement(tag)) result_.title = tag.hasText() ? tag.text() : Units(u"");
     }
 
-    void retrieveMeta(Units tag) {
+    void retrieveMeta(const Tag& tag) {
         // A tag that refreshes is nothing else, whatever its name says.
         if (keyword::equals(attributeOf(tag, "HTTP-EQUIV"), "REFRESH")) {
-            result_.refresh = contentAttributeOfTagCharacters(tag);
+            result_.refresh = contentAttributeOfTagCharacters(tag.whole(), tag.web);
             return;
         }
         const Units name = attributeOf(tag, "NAME");
         if (keyword::equals(name, "ROBOTS"))
-            addRobots(contentAttributeOfTagCharacters(tag));
+            addRobots(contentAttributeOfTagCharacters(tag.whole(), tag.web));
         else if (keyword::equals(name, "REVISIT-AFTER"))
-            result_.revisit = contentAttributeOfTagCharacters(tag);
+            result_.revisit = contentAttributeOfTagCharacters(tag.whole(), tag.web);
     }
 
     /// Many pages say the same twice, for two kinds of robots.
@@ -162,6 +168,7 @@ private:
     References references_;
     std::u16string robots_;  ///< grows with each tag, of which a page may have very many
     const bool wantsLinks_;
+    const URL& page_;
     bool sawHTML_ = false;
 };
 
@@ -179,44 +186,51 @@ std::set<String> referencesOfOpeningTags(TagWalk walk, Add add) {
 }
 
 /// The source of a script or style element, else its first import.
-void addSheetOrScriptToSet(References& references, Units element) {
+void addSheetOrScriptToSet(References& references, const Tag& tag) {
+    const Units element = tag.whole();
     // Of the opening tag only: a script's text may hold what looks like an attribute.
-    if (references.addNormalized(attributeOf(openingTagOf(element), "SRC"))) return;
+    if (references.addNormalized(attributeOf(openingTagOf(tag), "SRC", tag.web), tag.web)) return;
     const std::uint64_t import = fastCaseInsensitiveUnicharsContainChars(element, "@import");
     if (import == NotFound) return;
     const std::size_t open = element.find(u'"', import);
     if (open == Units::npos) return;
     const std::size_t close = element.find(u'"', open + 1);
-    if (close != Units::npos) references.addNormalized(element.substr(open + 1, close - open - 1));
+    if (close != Units::npos)
+        references.addNormalized(element.substr(open + 1, close - open - 1), tag.web);
+}
+
+/// Whether the REL of a link tag names an icon of the site.
+bool namesFavIcon(const Tag& tag) {
+    if (!tag.web.linkTags) return relContains(tag, 13, {"SHORTCUT ICON"});
+    return keyword::equals(attributeOf(tag, "REL"), "ICON") ||
+           relContains(tag, 13, {"SHORTCUT ICON"});
 }
 
 }  // namespace
 
-HtmlReferences detail::referencesOf(TagWalk walk, bool wantsLinks) {
-    RetrieveLinksAndFramesHandler handler(wantsLinks);
+HtmlReferences detail::referencesOf(TagWalk walk, bool wantsLinks, const URL& page) {
+    RetrieveLinksAndFramesHandler handler(wantsLinks, page);
     walk(handler);
     return handler.finish();
 }
 
 std::set<String> detail::imagesOf(TagWalk walk) {
     return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
-        const Units whole = tag.whole();
         if (tag.isNamed("IMG"))
-            references.addNormalized(attributeOf(whole, "SRC"));
+            references.addNormalized(tag, "SRC");
         else if (tag.isNamed("BODY"))
-            references.addNormalized(attributeOf(whole, "BACKGROUND"));
-        else if (tag.isNamed("LINK") && relContains(whole, 4, {"ICON", "IMAGE"}))
-            references.addRelLink(attributeOf(whole, "HREF"));
+            references.addNormalized(tag, "BACKGROUND");
+        else if (tag.isNamed("LINK") && relContains(tag, 4, {"ICON", "IMAGE"}))
+            references.addRelLink(tag);
     });
 }
 
 std::set<String> detail::stylesheetsAndScriptsOf(TagWalk walk) {
     return referencesOfOpeningTags(walk, [](References& references, const Tag& tag) {
-        const Units whole = tag.whole();
         if (tag.isNamed("SCRIPT") || tag.isNamed("STYLE"))
-            addSheetOrScriptToSet(references, whole);
-        else if (tag.isNamed("LINK") && relContains(whole, 5, {"STYLE", "SHEET", "SCRIPT"}))
-            references.addRelLink(attributeOf(whole, "HREF"));
+            addSheetOrScriptToSet(references, tag);
+        else if (tag.isNamed("LINK") && relContains(tag, 5, {"STYLE", "SHEET", "SCRIPT"}))
+            references.addRelLink(tag);
     });
 }
 
@@ -226,32 +240,37 @@ std::set<String> detail::embeddedObjectsOf(TagWalk walk) {
         const bool isObject = tag.isNamed("OBJECT");
         if (isObject || tag.isNamed("SOURCE") || tag.isNamed("AUDIO") || tag.isNamed("VIDEO") ||
             tag.isNamed("TRACK") || tag.isNamed("EMBED"))
-            references.addNormalized(attributeOf(tag.whole(), isObject ? "DATA" : "SRC"));
+            references.addNormalized(tag, isObject ? "DATA" : "SRC");
     });
 }
 
-HtmlReferences htmlFramesSet(Units page) { return referencesOf(scanOf(page), false); }
-HtmlReferences htmlLinksAndFramesSet(Units page) { return referencesOf(scanOf(page), true); }
-std::set<String> htmlImages(Units page) { return imagesOf(scanOf(page)); }
-std::set<String> htmlStylesheetsAndScripts(Units page) {
-    return stylesheetsAndScriptsOf(scanOf(page));
+HtmlReferences htmlFramesSet(Units page, const ReferenceOptions& options) {
+    return referencesOf(scanOf(page, options.web), false, options.url);
 }
-std::set<String> htmlEmbeddedObjects(Units page) { return embeddedObjectsOf(scanOf(page)); }
+HtmlReferences htmlLinksAndFramesSet(Units page, const ReferenceOptions& options) {
+    return referencesOf(scanOf(page, options.web), true, options.url);
+}
+std::set<String> htmlImages(Units page, const WebRules& web) { return imagesOf(scanOf(page, web)); }
+std::set<String> htmlStylesheetsAndScripts(Units page, const WebRules& web) {
+    return stylesheetsAndScriptsOf(scanOf(page, web));
+}
+std::set<String> htmlEmbeddedObjects(Units page, const WebRules& web) {
+    return embeddedObjectsOf(scanOf(page, web));
+}
 
-String htmlFavIcon(Units page) {
+String htmlFavIcon(Units page, const WebRules& web) {
     String favIcon;
-    GetTagsOfString(page, [&](const Tag& tag) {
+    const auto find = [&](const Tag& tag) {
         favIcon = getFavIcon(tag);
         return !favIcon.isAbsent();
-    });
+    };
+    GetTagsOfString(page, find, web);
     return favIcon;
 }
 
 String getFavIcon(const Tag& tag) {
-    if (!tag.isNamed("LINK") || !isOpening(tag)) return {};
-    const Units whole = tag.whole();
-    if (!relContains(whole, 13, {"SHORTCUT ICON"})) return {};
-    return normalizedRelLink(attributeOf(whole, "HREF"));
+    if (!tag.isNamed("LINK") || !isOpening(tag) || !namesFavIcon(tag)) return {};
+    return normalizedRelLink(attributeOf(tag, "HREF"), tag.web);
 }
 
 std::string_view getLinkAttribute(Units name) {

@@ -34,8 +34,11 @@ using detail::Break;
 /// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
-bool opens(Units tag) { return isTagOpen(tag) && !isTagClosed(tag); }
-bool closes(Units tag) { return isTagClosed(tag) && !isTagOpen(tag); }
+bool opens(const Tag& tag) {
+    const Units whole = tag.whole();
+    return isTagOpen(whole) && (tag.web.selfClosing || !isTagClosed(whole));
+}
+bool closes(const Tag& tag) { return isTagClosed(tag.whole()) && !isTagOpen(tag.whole()); }
 
 bool containsBehind(Units text, Units first, Units second) {
     const std::size_t at = text.find(first);
@@ -49,21 +52,31 @@ std::int64_t styleNumber(Units style, Units name) {
 bool isOneToThree(std::int64_t size) { return size >= 1 && size <= 3; }
 
 /// Whether a tag's style takes its element out of sight.
-bool isHiddenStyle(Units tag) {
-    const Range range = rangeOfAttributeOfTagCharacters(tag, "STYLE");
-    if (!range.isFound()) return false;
-    const Units style = tag.substr(range.location, range.length);
+bool isHiddenStyle(const Tag& tag) {
+    const Units style = detail::attributeOf(tag, "STYLE");
+    if (style.empty()) return false;
     if (containsBehind(style, u"visibility", u"hidden")) return true;
     if (containsBehind(style, u"display:", u"none")) return true;
     if (detail::keyword::contains(style, "POSITION:ABSOLUTE") &&
         (styleNumber(style, u"TOP") < -1000 || styleNumber(style, u"LEFT") < -1000))
         return true;
-    const TagSize size = getTagWidth(tag);
+    const TagSize size = getTagWidth(tag.whole(), tag.web);
     return size && (isOneToThree(size.width) || size.height < 0 || isOneToThree(size.height));
 }
 
-bool isHiddenElement(Units tag) {
-    return detail::keyword::equals(attributeOfTagCharacters(tag, "CLASS"), "HIDDEN") ||
+/// The same as browsers have it.
+bool isHiddenByWebStyle(const Tag& tag) {
+    const Units style = detail::attributeOf(tag, "STYLE");
+    const String display = attributeOfStyleWithName(style, u"DISPLAY"),
+                 visibility = attributeOfStyleWithName(style, u"VISIBILITY");
+    return detail::keyword::beginsWith(display, "NONE") ||
+           detail::keyword::beginsWith(visibility, "HIDDEN") ||
+           detail::keyword::beginsWith(visibility, "COLLAPSE");
+}
+
+bool isHiddenElement(const Tag& tag) {
+    if (tag.web.hiddenElements) return isHiddenByWebStyle(tag);
+    return detail::keyword::equals(detail::attributeOf(tag, "CLASS"), "HIDDEN") ||
            isHiddenStyle(tag);
 }
 
@@ -96,7 +109,7 @@ public:
     /// A text span goes out behind a blank, a tag only opens and closes the body.
     bool handleSimply(const Tag& tag) {
         if (tag.hasText() && bodyDepth_ >= 1) {
-            const Units text = out_.decoded(tag.text(), {});
+            const Units text = out_.decoded(tag.text(), {.web = options_.web});
             if (!text.empty()) {
                 out_.appendBare(text);
                 didOutput_ = true;
@@ -104,9 +117,9 @@ public:
         }
         if (detail::keyword::equals(tag.name(), "BODY") ||
             detail::keyword::equals(tag.name(), "NOFRAMES"))
-            changeDepth(tag.whole(), +1);
+            changeDepth(tag, +1);
         else if (detail::keyword::equals(tag.name(), "HEAD"))
-            changeDepth(tag.whole(), -1);
+            changeDepth(tag, -1);
         return false;
     }
 
@@ -118,8 +131,8 @@ private:
     struct TagRule {
         std::string_view name;
         Break breakIfPending;
-        bool leavesForm;                     ///< ends marquee and textarea
-        void (Converter::*then)(Units tag);  ///< the rest of what the tag does; may be null
+        bool leavesForm;                          ///< ends marquee and textarea
+        void (Converter::*then)(const Tag& tag);  ///< the rest of what the tag does; may be null
     };
     static const TagRule* ruleOf(const Tag& tag);
 
@@ -130,23 +143,23 @@ private:
         const Units name = tag.name();
         const bool isNoFrames = detail::keyword::equals(name, "NOFRAMES");
         if (isNoFrames || detail::keyword::equals(name, "NOSCRIPT")) {
-            changeDepth(tag.whole(), +1);
+            changeDepth(tag, +1);
             clearElements();
-            const bool isOpen = !isTagClosed(tag.whole());
+            const bool isOpen = !detail::endsElement(tag);
             if (isNoFrames)
                 inFrameAlternative_ = isOpen;
             else
                 inNoScript_ = isOpen && !options_.noScripts;
         } else if (detail::keyword::equals(name, "BODY")) {
-            enterBody(tag.whole());
+            enterBody(tag);
         } else if (detail::keyword::equals(name, "HEAD")) {
-            changeDepth(tag.whole(), -1);
+            changeDepth(tag, -1);
             clearElements();
             inFrameAlternative_ = false;
         }
     }
 
-    void changeDepth(Units tag, int step) {
+    void changeDepth(const Tag& tag, int step) {
         // Counted, and not a flag, as a body may stand within another.
         if (opens(tag)) bodyDepth_ += step;
         if (closes(tag)) bodyDepth_ -= step;
@@ -159,11 +172,11 @@ private:
     }
 
     /// What was hidden before the body does not hide the body: heads are full of open tags.
-    void enterBody(Units tag) {
+    void enterBody(const Tag& tag) {
         changeDepth(tag, +1);
         clearElements();
         inFrameAlternative_ = false;
-        backgroundColor_ = attributeOfTagCharacters(tag, "BGCOLOR");
+        backgroundColor_ = attributeOfTagCharacters(tag.whole(), "BGCOLOR", tag.web);
     }
 
     /// Text counts as long as it may be indexed.
@@ -195,7 +208,7 @@ private:
     void noteKeywordStuffing(Units text) {
         constexpr std::size_t Shortest = 100, Separators = 5, WordLength = 6;
         if (!hiddenFont_ || out_.didRemoveJunk() || text.size() < Shortest) return;
-        text = out_.trimmed(out_.decoded(text, {}));
+        text = out_.trimmed(out_.decoded(text, {.web = options_.web}));
         if (text.size() < Shortest) return;
         const CharacterSetRep& alphaNum = alphaNumCharacterSetRep();
         std::size_t separators = 0, units = 0;
@@ -223,77 +236,89 @@ private:
         if (out_.hasPendingText() && rule->breakIfPending != Break::None)
             out_.writeBreak(rule->breakIfPending);
         if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
-        if (rule->then) (this->*rule->then)(tag.whole());
+        if (rule->then) (this->*rule->then)(tag);
     }
 
-    void changeLinkDepth(Units tag) {
+    void changeLinkDepth(const Tag& tag) {
         if (opens(tag)) ++linkDepth_;
         if (closes(tag) && linkDepth_ > 0) --linkDepth_;
     }
 
-    void link(Units tag) {
+    void link(const Tag& tag) {
         changeLinkDepth(tag);
         out_.oweSpace();
     }
 
-    void tableRow(Units) { out_.endRow(); }
-    void tableCell(Units tag) {
+    void tableRow(const Tag&) { out_.endRow(); }
+    void tableCell(const Tag& tag) {
         if (!options_.tabs)
             out_.separateCell();
         else if (opens(tag))
             out_.beginCell();
     }
-    void table(Units) { out_.endTable(); }
-    void citation(Units) { out_.separateCitation(); }
+    void table(const Tag&) { out_.endTable(); }
+    void citation(const Tag&) { out_.separateCitation(); }
 
-    void code(Units tag) {
+    void code(const Tag& tag) {
         out_.separateCitation();
         out_.setPreformatted(opens(tag));
     }
 
-    void preformatted(Units tag) {
+    void preformatted(const Tag& tag) {
         if (opens(tag))
             out_.beginPreformatted();
         else
             out_.setPreformatted(false);
     }
 
-    void plaintext(Units tag) {
+    void plaintext(const Tag& tag) {
         out_.setPreformatted(opens(tag));
         if (opens(tag)) out_.writeBreak(Break::Paragraph);
     }
 
-    void image(Units tag) {
+    void image(const Tag& tag) {
         if (!options_.imageAlts) return;
         out_.oweSpace();
         Units text = detail::attributeOf(tag, "ALT");
         if (text.empty()) text = detail::attributeOf(tag, "TITLE");
         if (text.empty()) return;
-        out_.appendSpan(text, linkDepth_ > 0);
+        out_.appendSpan(text, linkDepth_ > 0, true);
         out_.oweSpace();
     }
 
     /// Letters in the colour of the page, or too small to read, are there for search engines.
-    void font(Units tag) {
-        const String color = attributeOfTagCharacters(tag, "COLOR");
+    void font(const Tag& tag) {
+        const Units color = detail::attributeOf(tag, "COLOR");
         hiddenFont_ =
             !backgroundColor_.isAbsent() && detail::keyword::equalNoCase(color, backgroundColor_);
-        if (!hiddenFont_) hiddenFont_ = isTinyFont(attributeOfTagCharacters(tag, "STYLE"));
-        feedDate_ = attributeOfTagCharacters(tag, "CLASS") == u"feed_date";
+        if (!hiddenFont_) hiddenFont_ = isTinyFont(detail::attributeOf(tag, "STYLE"));
+        feedDate_ = detail::attributeOf(tag, "CLASS") == u"feed_date";
     }
 
-    void input(Units) { out_.separate(); }
-    void division(Units tag) { hiddenDiv_ = isHiddenElement(tag); }
-    void span(Units tag) { hiddenSpan_ = isHiddenElement(tag); }
-    void option(Units tag) { inOption_ = opens(tag); }
-    void select(Units) { inOption_ = false; }
-    void marquee(Units tag) { inMarquee_ = opens(tag); }
-    void textarea(Units tag) { inTextarea_ = opens(tag) && !options_.textareas; }
-    void templateElement(Units tag) { inTemplate_ = opens(tag) && options_.web.templates; }
-    void rubyText(Units tag) { inRubyText_ = opens(tag) && !options_.rubyText; }
-    void rubyBase(Units) { inRubyText_ = false; }
-    void frameAlternative(Units tag) { inFrameAlternative_ = opens(tag); }
-    void noScript(Units tag) { inNoScript_ = opens(tag) && !options_.noScripts; }
+    void input(const Tag&) { out_.separate(); }
+    void division(const Tag& tag) { hiddenDiv_ = isHiddenElement(tag); }
+    void span(const Tag& tag) { hiddenSpan_ = isHiddenElement(tag); }
+    void option(const Tag& tag) { inOption_ = opens(tag); }
+    void select(const Tag&) { inOption_ = false; }
+    /// Its last option is seldom closed.
+    void dataList(const Tag&) {
+        if (options_.web.hiddenElements) inOption_ = false;
+    }
+    void marquee(const Tag& tag) { inMarquee_ = opens(tag) && !options_.web.hiddenElements; }
+    void textarea(const Tag& tag) { inTextarea_ = opens(tag) && !options_.textareas; }
+    void templateElement(const Tag& tag) { inTemplate_ = opens(tag) && options_.web.templates; }
+    void rubyText(const Tag& tag) { inRubyText_ = opens(tag) && !options_.rubyText; }
+    void rubyBase(const Tag&) { inRubyText_ = false; }
+    void frameAlternative(const Tag& tag) { inFrameAlternative_ = opens(tag); }
+    /// References mean nothing in it.
+    void example(const Tag& tag) {
+        if (options_.web.rawText) out_.setDecoding(!opens(tag));
+    }
+    /// As raw text it is markup that no one is to see.
+    void noEmbed(const Tag& tag) {
+        if (options_.web.rawText) frameAlternative(tag);
+    }
+    void noScript(const Tag& tag) { inNoScript_ = opens(tag) && !options_.noScripts; }
 
     const PlainTextOptions options_;
     detail::PlainTextOutput out_;
@@ -333,6 +358,7 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         {"div", Paragraph, true, &C::division},
         {"img", None, false, &C::image},
         {"pre", None, true, &C::preformatted},
+        {"xmp", None, false, &C::example},
         {"body", None, false, &C::enterBody},
         {"cite", None, false, &C::citation},
         {"code", None, true, &C::code},
@@ -346,9 +372,11 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
         {"option", None, true, &C::option},
         {"select", None, true, &C::select},
         {"marquee", None, false, &C::marquee},
+        {"datalist", None, false, &C::dataList},
         {"noframes", None, false, &C::frameAlternative},
         {"noscript", None, false, &C::noScript},
         {"template", None, false, &C::templateElement},
+        {"noembed", None, false, &C::noEmbed},
         {"textarea", None, false, &C::textarea},
         {"h0", Paragraph, true, &C::changeLinkDepth},
         {"h1", Paragraph, true, &C::changeLinkDepth},
@@ -406,7 +434,7 @@ HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
 }
 
 HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {
-    return detail::plainTextOf(page, detail::scanOf(page), options);
+    return detail::plainTextOf(page, detail::scanOf(page, options.web), options);
 }
 
 String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options) {
@@ -417,8 +445,10 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
     return stringByConvertingHtml2PlainText(page, {.reformat = true});
 }
 
-String stringByConvertingHtml2SimplifiedPlainText(const String& page) {
-    return convert(page, detail::scanOf(page), {.onlyBody = true}, &Converter::handleSimply).text;
+String stringByConvertingHtml2SimplifiedPlainText(const String& page, const WebRules& web) {
+    return convert(page, detail::scanOf(page, web), {.onlyBody = true, .web = web},
+                   &Converter::handleSimply)
+        .text;
 }
 
 }  // namespace velmo

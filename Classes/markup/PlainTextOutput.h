@@ -39,7 +39,7 @@ public:
     }
 
     /// Writes one span of text.
-    void appendSpan(Units span, bool inLink) {
+    void appendSpan(Units span, bool inLink, bool inAttribute = false) {
         if (options_.removeJunk && ((span.size() >= JunkSpan && collapseWhite_) ||
                                     (span.size() >= JunkLinkText && inLink))) {
             didRemoveJunk_ = true;
@@ -48,7 +48,7 @@ public:
         }
         // One pass for most spans; it gives up, without a trace, at the first &.
         if (collapseWhite_ && !mapsUnits_ && copyUnlessEncoded(span)) return;
-        Units text = decoded(span, options_);
+        Units text = decoded(span, options_, inAttribute);
         if (text.empty()) {
             spaceOwed_ = collapseWhite_;
             return;
@@ -72,8 +72,8 @@ public:
     }
 
     /// The span with its entities decoded; a view of the span itself if it has none.
-    Units decoded(Units span, const PlainTextOptions& options) {
-        if (span.size() < ShortestEncoded) return span;
+    Units decoded(Units span, const PlainTextOptions& options, bool inAttribute = false) {
+        if (span.size() < ShortestEncoded || !isDecoding_) return span;
         const bool maps = options.entities && options.nonUmlauted;
         if (!options.entities && !options.stdEntities) return span;
         if (!maps &&
@@ -86,6 +86,7 @@ public:
                 ? convertEntities2Characters(scratch_.data(), scratch_.data(), 0, scratch_.size(),
                                              {.convertStandard = options.stdEntities,
                                               .nonUmlauted = options.nonUmlauted,
+                                              .inAttribute = inAttribute,
                                               .web = options.web})
                 : convertStdEntities2Characters(scratch_.data(), scratch_.size());
         return Units(scratch_).substr(0, length);
@@ -100,6 +101,8 @@ public:
     // --- between them -----------------------------------------------------------------
 
     void oweSpace() { spaceOwed_ = true; }
+    /// Whether references in what follows are decoded, if the options say so.
+    void setDecoding(bool isDecoding) { isDecoding_ = isDecoding; }
     void setPreformatted(bool isPreformatted) { collapseWhite_ = !isPreformatted; }
     /// Starts preformatted text on a line of its own.
     void beginPreformatted() {
@@ -265,6 +268,7 @@ private:
     bool collapseWhite_ = true;   ///< outside preformatted text
     bool spaceOwed_ = false;      ///< the next text starts with a space
     bool didRemoveJunk_ = false;
+    bool isDecoding_ = true;
     const CharacterSetRep& white_ = whiteCharacterSetRep();
     const CharacterSetRep& space_ = spaceCharacterSetRep();
 };

@@ -11,6 +11,7 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
 
+#include "markup/WebTags.h"
 #include "text/Keyword.h"
 #include "text/LeadingInteger.h"
 #include "text/UnitScan.h"
@@ -183,6 +184,67 @@ Range attributeRange(Units tag, Name<Unit> name, const AttributeRules& rules) {
     return AttributeReader<Unit>(tag, name, rules).read();
 }
 
+/// Takes a tag apart by the HTML standard, one attribute after the other.
+class WebAttributeReader {
+public:
+    explicit WebAttributeReader(Units tag)
+        : begin_(tag.data()),
+          end_(begin_ + tag.size()),
+          at_(tag.empty() ? end_ : detail::webTags::endOfName(begin_, end_)) {}
+
+    /// The value of the first attribute of that name.
+    Range read(std::string_view capitals) {
+        while (takeName()) {
+            takeValue();
+            if (isNamed(capitals)) return trimmedValue();
+        }
+        return Range::none();
+    }
+
+private:
+    /// In images links have a prefix, which counts for nothing.
+    bool isNamed(std::string_view capitals) const {
+        constexpr std::string_view Prefix = "XLINK:";
+        const bool isPrefixed = name_.size() == Prefix.size() + capitals.size() &&
+                                detail::keyword::beginsWith(name_, Prefix);
+        return detail::keyword::equals(name_.substr(isPrefixed ? Prefix.size() : 0), capitals);
+    }
+
+    bool takeName() {
+        while (at_ < end_ && (*at_ == u'/' || detail::webTags::isWhite(*at_))) ++at_;
+        if (at_ >= end_ || *at_ == u'>') return false;
+        // An = in first place belongs to the name.
+        const char16_t* const start = at_++;
+        while (at_ < end_ && *at_ != u'=' && !detail::webTags::endsName(*at_)) ++at_;
+        name_ = {start, static_cast<std::size_t>(at_ - start)};
+        return true;
+    }
+
+    void takeValue() {
+        value_ = {};
+        at_ = detail::webTags::skipWhite(at_, end_);
+        if (at_ == end_ || *at_ != u'=') return;
+        at_ = detail::webTags::skipWhite(at_ + 1, end_);
+        const bool isQuoted = at_ < end_ && isQuote(*at_);
+        const char16_t* const start = at_ + isQuoted;
+        at_ = isQuoted ? detail::scan::find(start, end_, *at_)
+                       : detail::webTags::endOfPlainValue(at_, end_);
+        value_ = {start, static_cast<std::size_t>(at_ - start)};
+        at_ += isQuoted && at_ < end_;
+    }
+
+    Range trimmedValue() {
+        while (!value_.empty() && isWhite(value_.back())) value_.remove_suffix(1);
+        if (value_.empty()) return Range::none();
+        return {static_cast<std::size_t>(value_.data() - begin_), value_.size()};
+    }
+
+    const char16_t* const begin_;
+    const char16_t* const end_;
+    const char16_t* at_;
+    Units name_, value_;
+};
+
 String stringOf(Units text, Range range) {
     return range.isFound() ? String(text.substr(range.location, range.length)) : String();
 }
@@ -244,20 +306,22 @@ std::int64_t numberOf(Units text, Range range) {
 
 }  // namespace
 
-Range rangeOfAttributeOfTagCharacters(Units tag, std::string_view name) {
+Range rangeOfAttributeOfTagCharacters(Units tag, std::string_view name, const WebRules& web) {
+    if (web.attributes) return WebAttributeReader(tag).read(name);
     return attributeRange(tag, name, TagRules);
 }
 
-Range rangeOfContentAttributeOfTagCharacters(Units tag) {
+Range rangeOfContentAttributeOfTagCharacters(Units tag, const WebRules& web) {
+    if (web.attributes) return WebAttributeReader(tag).read("CONTENT");
     return attributeRange(tag, std::string_view("CONTENT"), ContentRules);
 }
 
-String attributeOfTagCharacters(Units tag, std::string_view name) {
-    return stringOf(tag, rangeOfAttributeOfTagCharacters(tag, name));
+String attributeOfTagCharacters(Units tag, std::string_view name, const WebRules& web) {
+    return stringOf(tag, rangeOfAttributeOfTagCharacters(tag, name, web));
 }
 
-String contentAttributeOfTagCharacters(Units tag) {
-    return stringOf(tag, rangeOfContentAttributeOfTagCharacters(tag));
+String contentAttributeOfTagCharacters(Units tag, const WebRules& web) {
+    return stringOf(tag, rangeOfContentAttributeOfTagCharacters(tag, web));
 }
 
 String attributeOfTagWithName(Units tag, Units name) {
@@ -286,17 +350,17 @@ String headerRefresh(Units refresh) {
 
 std::int64_t refreshInterval(Units refresh) { return detail::leadingInteger(refresh); }
 
-TagSize getTagWidth(Units tag) {
+TagSize getTagWidth(Units tag, const WebRules& web) {
     if (tag.size() < 10) return {};
     const auto attribute = [&](std::string_view name) {
-        return numberOf(tag, rangeOfAttributeOfTagCharacters(tag, name));
+        return numberOf(tag, rangeOfAttributeOfTagCharacters(tag, name, web));
     };
     if (const std::int64_t width = attribute("WIDTH")) {
         // "heigh" is common enough to be read as what it means.
         const std::int64_t height = attribute("HEIGHT");
         return {width, height ? height : attribute("HEIGH")};
     }
-    const Range styleRange = rangeOfAttributeOfTagCharacters(tag, "STYLE");
+    const Range styleRange = rangeOfAttributeOfTagCharacters(tag, "STYLE", web);
     if (!styleRange.isFound()) return {};
     const Units style = tag.substr(styleRange.location, styleRange.length);
     const auto property = [&](Units name) {
@@ -308,9 +372,9 @@ TagSize getTagWidth(Units tag) {
     return {width, height};
 }
 
-String backgroundStyleURLOfTagCharacters(Units tag) {
+String backgroundStyleURLOfTagCharacters(Units tag, const WebRules& web) {
     if (tag.size() < 3 || tag[1] == u'/') return {};
-    const String style = attributeOfTagCharacters(tag, "STYLE");
+    const String style = attributeOfTagCharacters(tag, "STYLE", web);
     if (!detail::keyword::contains(style, "BACKGROUND:") &&
         !detail::keyword::contains(style, "BACKGROUND-IMAGE:"))
         return {};

@@ -7,6 +7,9 @@
 // - The body of a script or style element is swallowed up to its closing text, which is
 //   searched ahead. A page may hold any number of opening tags without one, so each
 //   search remembers what it found: the whole scan stays linear in the page.
+//
+// Scans by the rules of WebRules are instances of their own, so that the others pay nothing for
+// them: what they do otherwise stands beside what they replace, and asks for its rule there.
 #pragma once
 
 #include <cstdint>
@@ -16,6 +19,7 @@
 #include <velmocore/text/CharacterSets.h>
 
 #include "markup/MarkIndex.h"
+#include "markup/WebTags.h"
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/PatternScan.h"
@@ -103,23 +107,42 @@ private:
     Search closing_, commentEnd_, closingBehindComment_;
 };
 
-/// Calls the handler, which is one of any type, for all tags of a text.
-template <class Handler>
+/// Whether there is any rule by which a scan differs.
+constexpr bool changesScans(const WebRules& web) {
+    return web.attributes || web.tagBounds || web.comments || web.rawText || web.selfClosing;
+}
+
+/// What a text is. A feed is read as images in pages are: all its elements may close themselves,
+/// and only scripts and styles hold no tags.
+enum class Markup : std::uint8_t { Page, Feed };
+
+/// Calls the handler, which is one of any type, for all tags of a text. ByWeb says whether the
+/// rules of pages of today count at all.
+template <class Handler, bool ByWeb = false>
 class TagScan {
 public:
-    TagScan(std::u16string_view text, Handler& handler)
+    TagScan(std::u16string_view text, Handler& handler, const WebRules& web = {},
+            Markup markup = Markup::Page)
         : handler_(handler),
           begin_(text.data()),
           end_(begin_ + text.size()),
           marks_(text),
           script_(end_, "SCRIPT", "</SCRIPT"),
-          style_(end_, "STYLE", "</STYLE") {
+          style_(end_, "STYLE", "</STYLE"),
+          web_(web),
+          foreign_(markup == Markup::Feed),
+          behindText_(begin_) {
         tag_.characters = text;
+        tag_.web = web;
     }
 
     void run() {
         const char16_t* at = begin_;
         while ((at = marks_.less(at)) != end_) {
+            if (!beginsTag(at)) {
+                ++at;
+                continue;
+            }
             start(at);
             const char16_t* last = endOfTag(at);
             if (last == end_ && !isRawElement_) {
@@ -127,12 +150,20 @@ public:
                 break;
             }
             if (report(last + 1)) return;
-            at = std::min(last + 1, end_);
+            at = std::max(behindText_, std::min(last + 1, end_));
         }
         finish();
     }
 
 private:
+    /// Whether the < there is more than a sign in the text.
+    bool beginsTag(const char16_t* at) const {
+        if (!ByWeb || !web_.tagBounds) return true;
+        if (end_ - at < 2) return false;
+        if (at[1] == u'/') return end_ - at > 2;
+        return ascii::isLetter(at[1]) || at[1] == u'!' || at[1] == u'?';
+    }
+
     /// Tells comments and declarations from tags.
     void start(const char16_t* at) {
         tag_.tagLocation = static_cast<std::uint64_t>(at - begin_);
@@ -146,8 +177,12 @@ private:
         }
     }
 
+    /// Whether elements that stand there are not those of HTML.
+    bool isForeign() const { return foreign_.isInside(); }
+
     /// The place of the > that ends the tag; end if nothing does.
     const char16_t* endOfTag(const char16_t* at) {
+        if (ByWeb && web_.comments && isMarked(at)) return endOfMarked(at);
         switch (tag_.kind) {
             case TagKind::Comment:
                 return endOfComment(at);
@@ -156,6 +191,42 @@ private:
             default:
                 return endOfElement(at);
         }
+    }
+
+    /// Whether it is a comment, a declaration, or what the standard takes for a comment.
+    bool isMarked(const char16_t* at) const {
+        return end_ - at > 1 && (at[1] == u'!' || at[1] == u'?' ||
+                                 (at[1] == u'/' && !(end_ - at > 2 && ascii::isLetter(at[2]))));
+    }
+
+    const char16_t* endOfMarked(const char16_t* at) {
+        const std::u16string_view text(at, static_cast<std::size_t>(end_ - at));
+        if (text.starts_with(u"<!--")) return endOfWebComment(at);
+        if (text.starts_with(u"<![CDATA[") && isForeign()) return endOfSection(at);
+        if (text.starts_with(u"<![")) return marks_.greater(at + 3);
+        const char16_t* last = marks_.greater(at + 2);
+        if (keyword::beginsWith(text, "<!DOCTYPE") || keyword::beginsWith(text, "<?XML"))
+            findName(at + 1, last);
+        else
+            tag_.kind = TagKind::Comment;
+        return last;
+    }
+
+    const char16_t* endOfWebComment(const char16_t* at) {
+        const char16_t* const text = at + 4;
+        // The hyphens of --> may be those that open the comment, but not those of --!>.
+        for (at = text; (at = marks_.greater(at)) != end_; ++at) {
+            if (at[-1] == u'-' && at[-2] == u'-') return at;
+            if (at - text > 2 && at[-1] == u'!' && at[-2] == u'-' && at[-3] == u'-') return at;
+        }
+        return end_;
+    }
+
+    const char16_t* endOfSection(const char16_t* at) const {
+        constexpr std::u16string_view Opening = u"<![CDATA[";
+        for (at += Opening.size(); (at = scan::find(at, end_, u']')) != end_; ++at)
+            if (end_ - at > 2 && at[1] == u']' && at[2] == u'>') return at + 2;
+        return end_;
     }
 
     const char16_t* endOfComment(const char16_t* at) {
@@ -180,9 +251,16 @@ private:
     }
 
     const char16_t* endOfElement(const char16_t* at) {
-        const char16_t* last = endOfOpenTag(at + 1);
+        const char16_t* last =
+            ByWeb && web_.attributes ? endOfWebTag(nameWebTag(at)) : endOfOpenTag(at + 1);
         if (last == end_) return end_;
-        findName(at + 1, last);
+        if (tag_.nameLength == 0) findName(at + 1, last);
+        if constexpr (ByWeb)
+            if (web_.rawText || web_.selfClosing) return endOfWebElement(at, last);
+        return endOfOwnBody(at, last);
+    }
+
+    const char16_t* endOfOwnBody(const char16_t* at, const char16_t* last) {
         if (RawElement* raw = rawElement(at, last)) {
             if (const char16_t* rawEnd = raw->endOf(at)) {
                 isRawElement_ = true;
@@ -204,6 +282,59 @@ private:
             if (at == end_) return at;
             ++at;
         }
+    }
+
+    /// Names a tag before its end is known; gives the place behind the name.
+    const char16_t* nameWebTag(const char16_t* at) {
+        ++at;
+        if (at != end_ && *at == u'/') ++at;
+        if (at == end_ || !ascii::isLetter(*at)) return at;
+        const char16_t* const nameEnd = endOfName(at + 1, end_);
+        tag_.nameLocation = static_cast<std::uint64_t>(at - begin_);
+        tag_.nameLength = static_cast<std::uint64_t>(nameEnd - at);
+        return nameEnd;
+    }
+
+    /// The end of a tag whose name ends there. A quote mark opens a value right behind its = only.
+    const char16_t* endOfWebTag(const char16_t* attributes) {
+        for (const char16_t* at = attributes;;) {
+            at = marks_.equalOrGreater(at);
+            if (at == end_ || *at == u'>') return at;
+            if (!webTags::isAssignment(attributes, at++)) continue;
+            at = webTags::skipWhite(at, end_);
+            if (at == end_) return at;
+            if (!webTags::isQuote(*at)) {
+                attributes = at = webTags::endOfPlainValue(at, end_);
+                continue;
+            }
+            at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
+            if (at == end_) return at;
+            attributes = ++at;
+        }
+    }
+
+    /// The end of the element if that is one tag with its text. Where the text of another ends is
+    /// noted: there the scan goes on.
+    const char16_t* endOfWebElement(const char16_t* at, const char16_t* last) {
+        // Most tags are told by one look.
+        if (!foreign_.isOpen() && (at[1] == u'/' || !webTags::mayBeSpecial(tag_))) return last;
+        const bool isSingle = last[-1] == u'/' && (isForeign() || !web_.selfClosing);
+        if (last[-1] != u'/') foreign_.note(tag_, at[1] == u'/');
+        const webTags::RawElement* raw = at[1] == u'/' ? nullptr : webTags::rawElement(tag_);
+        if (!raw || isSingle) return last;
+        if (raw->isReportedWhole) {
+            if (!web_.rawText) return endOfOwnBody(at, last);
+            isRawElement_ = true;
+            const char16_t* const closing =
+                raw->name == "SCRIPT" ? webTags::findEndOfScript(last + 1, end_)
+                                      : webTags::findClosing(last + 1, end_, raw->closing);
+            if (closing == end_) return end_;
+            return web_.attributes ? endOfWebTag(webTags::endOfName(closing, end_))
+                                   : marks_.greater(closing);
+        }
+        if (web_.rawText && !isForeign())
+            behindText_ = webTags::findClosing(last + 1, end_, raw->closing);
+        return last;
     }
 
     void findName(const char16_t* at, const char16_t* last) {
@@ -241,21 +372,28 @@ private:
         RawElement* raw = tag_.nameLength == 6   ? &script_
                           : tag_.nameLength == 5 ? &style_
                                                  : nullptr;
-        if (!raw || at[1] == u'/' || last[-1] == u'/' || !raw->isNamed(tag_.name())) return nullptr;
+        if (!raw || at[1] == u'/' || !raw->isNamed(tag_.name())) return nullptr;
+        if (last[-1] == u'/' && (!ByWeb || !web_.selfClosing || isForeign())) return nullptr;
         return raw;
     }
 
     /// Calls the handler for a tag that ends before the position.
     bool report(const char16_t* behind) {
+        if constexpr (ByWeb) behind = std::min(behind, end_);
         tag_.tagLength = static_cast<std::uint64_t>(behind - begin_) - tag_.tagLocation;
         if (handler_(tag_)) return true;
         tag_.textLocation = tag_.tagLocation + tag_.tagLength;
         return false;
     }
 
-    /// A comment or declaration that the text ends in counts; a tag is mere text.
+    /// A comment or declaration that the text ends in counts; a tag is mere text, or nothing.
     void reportUnterminated() {
-        if (tag_.kind == TagKind::Element) return;
+        if (tag_.kind == TagKind::Element) {
+            if (!ByWeb || !web_.tagBounds) return;
+            tag_.kind = TagKind::Comment;
+        }
+        tag_.nameLocation = NotFound;
+        tag_.nameLength = 0;
         tag_.tagLength = tag_.characters.size() - tag_.tagLocation;
         handler_(tag_);
         tag_.textLocation = tag_.characters.size();
@@ -276,9 +414,25 @@ private:
     MarkIndex marks_;
     RawElement script_, style_;
     bool isRawElement_ = false;
+    const WebRules web_;
+    webTags::ForeignElements foreign_;
+    const char16_t* behindText_;  ///< of the last element that holds text only
     Tag tag_;
     const CharacterSetRep& alpha_ = alphaCharacterSetRep();
     const CharacterSetRep& white_ = whiteCharacterSetRep();
 };
+
+/// Scans a text by the rules that are on.
+template <class Handler>
+void scanTags(std::u16string_view text, Handler& handler, WebRules web,
+              Markup markup = Markup::Page) {
+    if (text.empty()) return;
+    // A slash closes any element of a feed.
+    if (markup == Markup::Feed) web.selfClosing = false;
+    if (changesScans(web))
+        TagScan<Handler, true>(text, handler, web, markup).run();
+    else
+        TagScan<Handler>(text, handler, web).run();
+}
 
 }  // namespace velmo::detail

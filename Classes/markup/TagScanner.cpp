@@ -35,15 +35,14 @@ bool Tag::hasNameUnits(std::string_view ascii) const {
     });
 }
 
-bool GetTagsOfString(std::u16string_view string, TagHandler handler) {
-    if (string.empty()) return false;
-    detail::TagScan<TagHandler>(string, handler).run();
-    return true;
+bool GetTagsOfString(std::u16string_view string, TagHandler handler, const WebRules& web) {
+    detail::scanTags(string, handler, web);
+    return !string.empty();
 }
 
-bool parseXmlWithHandler(std::u16string_view string, TagHandler handler) {
+bool parseXmlWithHandler(std::u16string_view string, TagHandler handler, const WebRules& web) {
     try {
-        return GetTagsOfString(string, handler);
+        return GetTagsOfString(string, handler, web);
     } catch (const std::bad_alloc&) {
         throw;  // the caller could not tell what was found so far from all that there is
     } catch (const std::exception& exception) {

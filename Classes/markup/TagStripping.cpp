@@ -32,11 +32,11 @@ void writeBareTag(const Tag& tag, Units name, PageRebuilder& out) {
         out.write(name);
         return out.write(u">");
     }
-    const Units opening = openingTagOf(tag.whole());
+    const Units opening = openingTagOf(tag);
     const bool isClosed = isSelfClosing(tag);
     std::string_view attribute = "HREF";
-    Units value = attributeOf(opening, attribute);
-    if (value.empty()) value = attributeOf(opening, attribute = "SRC");
+    Units value = attributeOf(opening, attribute, tag.web);
+    if (value.empty()) value = attributeOf(opening, attribute = "SRC", tag.web);
     if (value.empty() && isClosed) return;
     out.write(u"<");
     out.write(name);
@@ -178,19 +178,20 @@ private:
     bool keepNamed(const Tag& tag, PageRebuilder& out) {
         if (tag.isClosing() && depth_ == 0) return false;
         wasFound_ = true;
-        if (hasOwnBody(tag) && depth_ == 0) return keepWhole(tag.whole(), out);
+        if (hasOwnBody(tag) && depth_ == 0) return keepWhole(tag, out);
         if (!inner_) out.keepTag(tag);
         if (tag.isClosing()) return --depth_ == 0;
         if (!isSelfClosing(tag) && !hasOwnBody(tag)) ++depth_;
         return false;
     }
 
-    bool keepWhole(Units element, PageRebuilder& out) const {
+    bool keepWhole(const Tag& tag, PageRebuilder& out) const {
+        const Units element = tag.whole();
         if (!inner_) {
             out.keep(element);
             return true;
         }
-        const std::size_t start = openingTagOf(element).size();
+        const std::size_t start = openingTagOf(tag).size();
         out.keep(element.substr(start, std::max(start, element.rfind(u"</")) - start));
         return true;
     }
@@ -201,18 +202,18 @@ private:
     bool wasFound_ = false;
 };
 
-String bodyOf(const String& text, std::string_view name, bool inner) {
+String bodyOf(const String& text, std::string_view name, bool inner, const WebRules& web) {
     if (name.empty()) return {};
     TagBodiesHandler handler(name, inner);
-    String body =
-        rebuiltPage(text, [&](const Tag& tag, PageRebuilder& out) { return handler(tag, out); });
+    String body = rebuiltPage(
+        text, web, [&](const Tag& tag, PageRebuilder& out) { return handler(tag, out); });
     return handler.wasFound() ? body : String();
 }
 
 }  // namespace
 
-String stripTags(const String& text) {
-    return rebuiltPage(text, [](const Tag& tag, PageRebuilder& out) {
+String stripTags(const String& text, const WebRules& web) {
+    return rebuiltPage(text, web, [](const Tag& tag, PageRebuilder& out) {
         if (!tag.hasText()) return false;
         if (!out.endsWhite()) out.write(u" ");
         out.keepText(tag);
@@ -220,19 +221,19 @@ String stripTags(const String& text) {
     });
 }
 
-String stripTag(const String& text, std::string_view name) {
+String stripTag(const String& text, std::string_view name, const WebRules& web) {
     if (name.empty()) return text;
-    return rebuiltPage(text, [name](const Tag& tag, PageRebuilder& out) {
+    return rebuiltPage(text, web, [name](const Tag& tag, PageRebuilder& out) {
         out.keepText(tag);
         if (!tag.isNamed(name)) out.keepTag(tag);
         return false;
     });
 }
 
-String stripAttributesOfTag(const String& text, std::string_view name) {
+String stripAttributesOfTag(const String& text, std::string_view name, const WebRules& web) {
     if (name.empty()) return text;
     const std::u16string written = widened(name);
-    return rebuiltPage(text, [&](const Tag& tag, PageRebuilder& out) {
+    return rebuiltPage(text, web, [&](const Tag& tag, PageRebuilder& out) {
         out.keepText(tag);
         if (tag.isNamed(name))
             writeBareTag(tag, written, out);
@@ -245,12 +246,17 @@ String stripAttributesOfTag(const String& text, std::string_view name) {
 String stripTagBodies(const String& text, std::span<const String> tags, TagBodyOptions options) {
     const TagBeginnings beginnings(tags);
     if (text.isEmpty() || beginnings.areNone()) return options.except ? String() : text;
-    return absentIfEmpty(options.except ? rebuiltPage(text, StripTagBodiesExceptHandler(beginnings))
-                                        : rebuiltPage(text, StripTagBodiesHandler(beginnings)));
+    return absentIfEmpty(
+        options.except ? rebuiltPage(text, options.web, StripTagBodiesExceptHandler(beginnings))
+                       : rebuiltPage(text, options.web, StripTagBodiesHandler(beginnings)));
 }
 
-String innerTagBody(const String& text, std::string_view name) { return bodyOf(text, name, true); }
-String outerTagBody(const String& text, std::string_view name) { return bodyOf(text, name, false); }
+String innerTagBody(const String& text, std::string_view name, const WebRules& web) {
+    return bodyOf(text, name, true, web);
+}
+String outerTagBody(const String& text, std::string_view name, const WebRules& web) {
+    return bodyOf(text, name, false, web);
+}
 
 namespace {
 

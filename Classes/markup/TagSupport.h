@@ -5,8 +5,10 @@
 #include <string_view>
 
 #include <velmocore/markup/TagAttributes.h>
+#include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/WebTags.h"
 #include "text/Keyword.h"
 
 namespace velmo::detail {
@@ -14,14 +16,22 @@ namespace velmo::detail {
 /// Whether the tag opens an element: at least three units, and no / behind the <.
 inline bool isOpening(const Tag& tag) { return tag.tagLength >= 3 && !tag.isClosing(); }
 
-/// Whether the tag ends in "/>".
+/// Whether the tag ends in "/>", where that closes an element.
 inline bool isSelfClosing(const Tag& tag) {
+    if (tag.web.selfClosing && !webTags::isVoidElement(tag)) return false;
     const std::u16string_view whole = tag.whole();
     return whole.size() >= 4 && whole[whole.size() - 2] == u'/';
 }
 
+/// Whether the tag ends an element: as its closing tag, or as one that closes itself.
+inline bool endsElement(const Tag& tag) {
+    return tag.web.selfClosing ? tag.isClosing() : isTagClosed(tag.whole());
+}
+
 /// The opening tag of an element that is reported with its body; any other tag is all of it.
-inline std::u16string_view openingTagOf(std::u16string_view element) {
+inline std::u16string_view openingTagOf(const Tag& tag) {
+    const std::u16string_view element = tag.whole();
+    if (tag.web.attributes) return webTags::openingTagOf(element);
     for (std::size_t i = 1; i < element.size(); ++i) {
         if (element[i] == u'>') return element.substr(0, i + 1);
         if (element[i] != u'=') continue;
@@ -35,13 +45,17 @@ inline std::u16string_view openingTagOf(std::u16string_view element) {
 /// Whether the tag is a script or style element with its body.
 inline bool hasOwnBody(const Tag& tag) {
     if (!(tag.isNamed("SCRIPT") || tag.isNamed("STYLE")) || tag.isClosing()) return false;
-    return openingTagOf(tag.whole()).size() < tag.tagLength;
+    return openingTagOf(tag).size() < tag.tagLength;
 }
 
 /// The value of an attribute where it stands; null if there is none.
-inline std::u16string_view attributeOf(std::u16string_view tag, std::string_view name) {
-    const Range range = rangeOfAttributeOfTagCharacters(tag, name);
+inline std::u16string_view attributeOf(std::u16string_view tag, std::string_view name,
+                                       const WebRules& web) {
+    const Range range = rangeOfAttributeOfTagCharacters(tag, name, web);
     return range.isFound() ? tag.substr(range.location, range.length) : std::u16string_view();
+}
+inline std::u16string_view attributeOf(const Tag& tag, std::string_view name) {
+    return attributeOf(tag.whole(), name, tag.web);
 }
 
 }  // namespace velmo::detail

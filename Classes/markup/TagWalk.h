@@ -21,24 +21,26 @@ namespace velmo::detail {
 using TagWalk = FunctionRef<void(TagHandler)>;
 
 /// The walk that is a scan of the page.
-inline auto scanOf(std::u16string_view page) {
-    return [page](TagHandler handler) { GetTagsOfString(page, handler); };
+inline auto scanOf(std::u16string_view page, const WebRules& web) {
+    return [page, &web](TagHandler handler) { GetTagsOfString(page, handler, web); };
 }
 
 /// The tags of one scan. The text must outlive them.
 class TagList {
 public:
-    explicit TagList(std::u16string_view text) : text_(text) {
-        GetTagsOfString(text, [this](const Tag& tag) {
+    TagList(std::u16string_view text, const WebRules& web) : text_(text), web_(web) {
+        const auto keep = [this](const Tag& tag) {
             tags_.push_back({static_cast<std::size_t>(tag.nameLocation), tag.nameLength,
                              tag.tagLocation, tag.tagLength, tag.kind});
             return false;
-        });
+        };
+        GetTagsOfString(text, keep, web);
     }
 
     void operator()(TagHandler handler) const {
         Tag tag;
         tag.characters = text_;
+        tag.web = web_;
         for (const Kept& kept : tags_) {
             tag.nameLocation = kept.nameLocation;
             tag.nameLength = kept.nameLength;
@@ -59,13 +61,14 @@ private:
     };
 
     std::u16string_view text_;
+    const WebRules web_;
     std::vector<Kept> tags_;
 };
 
 // What the operations of the public headers are made of. `page` is the text that is walked.
 
 HtmlLinks linksOf(TagWalk walk, const LinkOptions& options);
-HtmlReferences referencesOf(TagWalk walk, bool wantsLinks);
+HtmlReferences referencesOf(TagWalk walk, bool wantsLinks, const URL& page);
 bool isFeedOf(TagWalk walk);
 FeedCompleteness feedCompletenessOf(TagWalk walk);
 std::set<String> imagesOf(TagWalk walk);

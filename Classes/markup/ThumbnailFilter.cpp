@@ -42,9 +42,9 @@ private:
 };
 
 /// Large enough for a picture, and neither a banner nor a pillar.
-bool hasPictureSize(Units tag) {
+bool hasPictureSize(Units tag, const WebRules& web) {
     constexpr std::int64_t LeastWidth = 150, LeastHeight = 120;
-    const TagSize size = getTagWidth(tag);
+    const TagSize size = getTagWidth(tag, web);
     // Compared in floating point: what a tag says may be any number.
     const auto width = static_cast<double>(size.width), height = static_cast<double>(size.height);
     return size && size.width >= LeastWidth && size.height >= LeastHeight &&
@@ -59,10 +59,10 @@ bool isThumbnailGif(Units reference) {
            });
 }
 
-bool isThumbnailJpeg(Units reference, Units tag) {
+bool isThumbnailJpeg(Units reference, Units tag, const WebRules& web) {
     static const SuffixTable never(thumbnailJpegs1()), ifLarge(thumbnailJpegs2());
     if (never.isAtEndOf(reference, SuffixTable::Reading::Path)) return false;
-    return !ifLarge.isAtEndOf(reference, SuffixTable::Reading::Path) || hasPictureSize(tag);
+    return !ifLarge.isAtEndOf(reference, SuffixTable::Reading::Path) || hasPictureSize(tag, web);
 }
 
 bool isThumbnailPng(Units reference) {
@@ -96,11 +96,11 @@ bool SuffixTable::isAtEndOf(Units text, Reading reading) const {
     return false;
 }
 
-bool isThumbnail(Units reference, Units tag) {
+bool isThumbnail(Units reference, Units tag, const WebRules& web) {
     constexpr std::size_t LeastJudged = 7;
     if (reference.size() < LeastJudged) return true;
     if (hasSuffixNoCase(reference, u".gif")) return isThumbnailGif(reference);
-    if (hasSuffixNoCase(reference, u".jpg")) return isThumbnailJpeg(reference, tag);
+    if (hasSuffixNoCase(reference, u".jpg")) return isThumbnailJpeg(reference, tag, web);
     if (hasSuffixNoCase(reference, u".png")) return isThumbnailPng(reference);
     return !hasSuffixNoCase(reference, u".ico");
 }

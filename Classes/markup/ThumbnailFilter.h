@@ -5,11 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/text/WebRules.h>
+
 namespace velmo::detail {
 
 /// Whether an image counts as a thumbnail, by its reference as NormalizedLink makes it, and by the
 /// size that its tag tells.
-bool isThumbnail(std::u16string_view reference, std::u16string_view tag);
+bool isThumbnail(std::u16string_view reference, std::u16string_view tag, const WebRules& web = {});
 
 /// Whether a text ends in one of many rows, without regard to case. The text is read from its end,
 /// as long as any row goes on like it: a few units, however many the rows and the text are.

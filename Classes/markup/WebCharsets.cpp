@@ -20,6 +20,8 @@ struct Mark {
 };
 constexpr Mark Marks[] = {
     {"\xEF\xBB\xBF", UTF8TextEncoding}, {"\xFE\xFF", UTF16BE}, {"\xFF\xFE", UTF16LE}};
+/// How XML begins in units of two bytes.
+constexpr Mark WideXML[] = {{{"\0<\0?\0x", 6}, UTF16BE}, {{"<\0?\0x\0", 6}, UTF16LE}};
 
 /// Whether the bytes are UTF-8 and say so by some that are not ASCII.
 bool isPlainlyUTF8(Bytes page) {
@@ -60,6 +62,8 @@ WebCharset webCharset(Bytes page, std::u16string_view headerLabel) {
     if (isMarked) return {mark->encoding, declared};
     const TextEncoding header = encodingOfCharsetLabel(headerLabel);
     if (header != UnknownTextEncoding) return {header, declared};
+    for (const Mark& wide : WideXML)
+        if (charsOf(page).starts_with(wide.bytes)) return {wide.encoding, declared};
     if (!declared.isEmpty()) return {readable(encodingOfCharsetLabel(declared)), declared};
     return {isPlainlyUTF8(page) ? UTF8TextEncoding : Windows1252TextEncoding, declared};
 }

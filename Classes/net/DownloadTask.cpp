@@ -12,6 +12,12 @@ using Seconds = std::chrono::duration<double>;
 /// The longest timeout that a clock can add up, about three years.
 constexpr double LongestTimeout = 1e8;
 
+/// Whatever is not above 0, a value that is no number too, is no time at all.
+DownloadTask::Clock::duration durationOf(double seconds) {
+    const Seconds time(seconds > 0 ? std::min(seconds, LongestTimeout) : 0);
+    return std::chrono::duration_cast<DownloadTask::Clock::duration>(time);
+}
+
 std::optional<Error> given(Error&& error) {
     const bool isFilled = error.code != 0 || !error.domain.isAbsent() || !error.text.isAbsent();
     return isFilled ? std::optional(std::move(error)) : std::nullopt;
@@ -22,7 +28,7 @@ std::optional<Error> given(Error&& error) {
 void DownloadTask::start(std::shared_ptr<HttpLoader> loader, const URLRequest& request,
                          std::shared_ptr<CookieJar> cookies) {
     _request = request;
-    _lastNetworkActivity = Clock::now();
+    _lastNetworkActivity = start_ = Clock::now();
     if (request.isAbsent()) return;
     _connection =
         std::make_shared<URLConnection>(std::move(loader), _request, *this, std::move(cookies));
@@ -45,10 +51,9 @@ bool DownloadTask::poll() {
 }
 
 DownloadTask::Clock::time_point DownloadTask::deadline() const {
-    const double interval = _request.timeoutInterval;
-    // Whatever is not above 0, a value that is no number too, is no time at all.
-    const Seconds timeout(interval > 0 ? std::min(interval, LongestTimeout) : 0);
-    return _lastNetworkActivity + std::chrono::duration_cast<Clock::duration>(timeout);
+    const auto deadline = _lastNetworkActivity + durationOf(_request.timeoutInterval);
+    const double seconds = _request.limits.seconds;
+    return seconds > 0 ? std::min(deadline, start_ + durationOf(seconds)) : deadline;
 }
 
 bool DownloadTask::isSilentTooLong() const { return Clock::now() > deadline(); }
@@ -95,6 +100,7 @@ std::optional<URLRequest> DownloadTask::willSendRequest(const URLRequest& reques
 void DownloadTask::didReceiveResponse(const URLResponse& response) {
     setResponse(response);
     cancelUnless(&DownloadDelegate::acceptResponse);
+    if (accepts && !accepts(response)) cancel();
 }
 
 void DownloadTask::didReceiveData(Data&& data) {

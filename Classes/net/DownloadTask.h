@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -26,7 +27,7 @@ public:
     /// Takes in what has come, and cancels after a silence that is too long or when a hook says
     /// so. False when all is over.
     bool poll();
-    /// Until when it may be silent.
+    /// Until when it may be silent, or take at all.
     [[nodiscard]] Clock::time_point deadline() const;
     void cancel();
     void cancelWithError(const std::optional<Error>& error);
@@ -49,6 +50,8 @@ public:
     std::optional<Error> _error = {};
     bool _running = false, _done = false;
     Clock::time_point _lastNetworkActivity = {};
+    /// Without a delegate: false for a response ends it.
+    std::function<bool(const URLResponse& response)> accepts = {};
 
 private:
     using Hook = DownloadDelegate::Hook DownloadDelegate::*;
@@ -59,6 +62,7 @@ private:
     bool isSilentTooLong() const;
 
     SynchronousDownload* const owner_;
+    Clock::time_point start_ = {};
 };
 
 }  // namespace velmo::detail

@@ -126,7 +126,9 @@ void URLConnection::end() {
     if (transfer_->failure) return fail(*transfer_->failure);
     if (transfer_->isRedirect()) return redirect();
     if (*transfer_->result != CURLE_OK)
-        return fail(detail::errorOfCurl(*transfer_->result, transfer_->errorText()));
+        return fail(transfer_->wasRefused()
+                        ? detail::Transfer::networkError()
+                        : detail::errorOfCurl(*transfer_->result, transfer_->errorText()));
     endWell();
 }
 

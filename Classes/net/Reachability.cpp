@@ -1,5 +1,6 @@
 // The system answers all of this without a packet to the host: connecting a datagram socket only
 // looks up the route and the own address on it.
+#include <velmocore/net/Networks.h>
 #include <velmocore/net/Reachability.h>
 
 #include <ifaddrs.h>
@@ -145,11 +146,14 @@ std::uint32_t flagsOf(const Address& address) {
     return flags;
 }
 
-std::uint32_t flagsOfHost(const URL& url) {
-    std::string host = url.host().utf8();
-    if (host.starts_with('[') && host.ends_with(']')) host = host.substr(1, host.size() - 2);
-    return connectionFlagsForHost(host.c_str());
+/// As the resolver takes it, without brackets.
+std::string hostOf(const URL& url) {
+    const std::string host = url.host().utf8();
+    const bool isBracketed = host.starts_with('[') && host.ends_with(']');
+    return isBracketed ? host.substr(1, host.size() - 2) : host;
 }
+
+std::uint32_t flagsOfHost(const URL& url) { return connectionFlagsForHost(hostOf(url).c_str()); }
 
 bool hasNoHost(const URL& url) { return url.isFileURL() || url.host().isEmpty(); }
 
@@ -164,6 +168,14 @@ std::uint32_t connectionFlagsForHost(const char* host) {
 
 bool isURLOnline(const URL& url) {
     return hasNoHost(url) || (flagsOfHost(url) & OnlineMask) == ConnectionReachable;
+}
+
+NetworkKinds networksOfHost(const URL& url) {
+    NetworkKinds kinds = NoNetwork;
+    if (url.host().isEmpty()) return kinds;
+    for (const Address& address : resolved(hostOf(url)))
+        kinds = kinds | networkOfAddress(Bytes(address.bytes()));
+    return kinds;
 }
 
 bool isLocalURL(const URL& url) { return hasNoHost(url) || (flagsOfHost(url) & LocalMask) != 0; }

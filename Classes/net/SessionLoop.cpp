@@ -45,11 +45,10 @@ SessionLoop::~SessionLoop() {
     thread_.join();
 }
 
-void SessionLoop::add(const URLRequest& request, std::shared_ptr<CookieJar> cookies,
-                      DownloadCompletionHandler completionHandler) {
+void SessionLoop::add(Waiting&& download) {
     {
         const std::lock_guard lock(mutex_);
-        waiting_.push_back({request, std::move(cookies), std::move(completionHandler)});
+        waiting_.push_back(std::move(download));
     }
     loader_->wakeUp();
 }
@@ -70,6 +69,7 @@ bool SessionLoop::admit() {
         waiting_.pop_front();
         lock.unlock();
         auto task = std::make_unique<DownloadTask>(nullptr, nullptr);
+        task->accepts = std::move(next.acceptResponse);
         guard(*task, [&] { task->start(loader_, next.request, std::move(next.cookies)); });
         active_.push_back({std::move(task), std::move(next.completionHandler)});
         lock.lock();

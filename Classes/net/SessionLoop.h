@@ -27,19 +27,20 @@ public:
     SessionLoop(const SessionLoop&) = delete;
     SessionLoop& operator=(const SessionLoop&) = delete;
 
-    void add(const URLRequest& request, std::shared_ptr<CookieJar> cookies,
-             DownloadCompletionHandler completionHandler);
+    /// A download that waits for its turn.
+    struct Waiting {
+        URLRequest request;
+        std::shared_ptr<CookieJar> cookies;
+        std::function<bool(const URLResponse& response)> acceptResponse;
+        DownloadCompletionHandler completionHandler;
+    };
+    void add(Waiting&& download);
     /// Whether the caller is a completion handler.
     [[nodiscard]] bool isThisThread() const noexcept {
         return std::this_thread::get_id() == thread_.get_id();
     }
 
 private:
-    struct Waiting {
-        URLRequest request;
-        std::shared_ptr<CookieJar> cookies;
-        DownloadCompletionHandler completionHandler;
-    };
     struct Active {
         std::unique_ptr<DownloadTask> task;
         DownloadCompletionHandler completionHandler;

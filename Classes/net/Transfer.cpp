@@ -12,6 +12,7 @@
 #include <chrono>
 #include <new>
 
+#include "net/AddressCheck.h"
 #include "net/CacheRules.h"
 #include "net/LoadErrors.h"
 #include "net/Redirects.h"
@@ -64,6 +65,8 @@ bool Transfer::answerWithoutLoading() {
         failure = urlError(URLErrorUnsupportedURL, u"neither http nor https");
     else if (!isToken(request_.method))
         failure = urlError(URLErrorBadURL, u"no method of HTTP");
+    else if (!mayReach(networksOfHostName(request_.url)))
+        failure = networkError();
     if (failure) result = CURLE_OK;
     usesCache_ = !failure && canUseCache(request_);
     if (failure || (usesCache_ && useCache())) return true;
@@ -134,9 +137,46 @@ void Transfer::prepareLimits() {
     curl_easy_setopt(handle, CURLOPT_BUFFERSIZE, BufferSize);
     // A name that is still being resolved does not hold up who gives the load up.
     curl_easy_setopt(handle, CURLOPT_QUICK_EXIT, 1L);
+    if (request_.limits.networks != AllNetworks) prepareNetworks();
     if (request_.certificateAuthorities.isAbsent()) return;
     curl_easy_setopt(handle, CURLOPT_CAINFO, request_.certificateAuthorities.c_str());
     curl_easy_setopt(handle, CURLOPT_CAPATH, nullptr);
+}
+
+/// The address is looked at twice: when a connection is made, so that nothing is sent to a wrong
+/// one, and when a request is about to go out, as that may use a connection which another one made
+/// that may go anywhere.
+void Transfer::prepareNetworks() {
+    CURL* const handle = handle_.get();
+    if (hasProxy(request_.url)) {
+        curl_easy_setopt(handle, CURLOPT_NOPROXY, "");
+        return;
+    }
+    curl_easy_setopt(handle, CURLOPT_PROXY, "");
+    curl_easy_setopt(handle, CURLOPT_OPENSOCKETFUNCTION, openSocket);
+    curl_easy_setopt(handle, CURLOPT_OPENSOCKETDATA, this);
+    curl_easy_setopt(handle, CURLOPT_PREREQFUNCTION, checkAddress);
+    curl_easy_setopt(handle, CURLOPT_PREREQDATA, this);
+}
+
+curl_socket_t Transfer::openSocket(void* self, curlsocktype, curl_sockaddr* address) {
+    if (!static_cast<Transfer*>(self)->mayReach(networkOf(address->addr))) return CURL_SOCKET_BAD;
+    return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+int Transfer::checkAddress(void* self, char* address, char*, int, int) {
+    const bool isRight = static_cast<Transfer*>(self)->mayReach(networkOfNumbers(address));
+    return isRight ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+}
+
+Error Transfer::networkError() {
+    return urlError(URLErrorCannotConnectToHost, u"in a network that may not be reached");
+}
+
+bool Transfer::mayReach(NetworkKinds kind) {
+    if ((request_.limits.networks & kind) != 0) return true;
+    wasRefused_ = true;
+    return false;
 }
 
 void Transfer::prepareHeaders() {
@@ -223,7 +263,7 @@ bool Transfer::endHead() {
     // One that only tells to go on is not the answer.
     if (!head || (head->statusCode >= 100 && head->statusCode < 200)) return true;
     response_ = responseOfHead(request_.url, std::move(*head));
-    isRedirect_ = velmo::detail::isRedirect(*response_);
+    isRedirect_ = request_.followsRedirects && velmo::detail::isRedirect(*response_);
     const std::int64_t expected = response_->expectedContentLength;
     if (isRedirect_ || request_.method == u"HEAD") return true;
     if (expected > 0 && static_cast<std::uint64_t>(expected) > request_.limits.body)

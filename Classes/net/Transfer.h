@@ -33,6 +33,10 @@ public:
     [[nodiscard]] const std::optional<URLResponse>& response() const noexcept { return response_; }
     [[nodiscard]] const char* errorText() const noexcept { return errorText_.data(); }
 
+    /// Whether an address was refused, as it is in a network that the request may not reach.
+    [[nodiscard]] bool wasRefused() const noexcept { return wasRefused_; }
+    [[nodiscard]] static Error networkError();
+
     [[nodiscard]] bool isRedirect() const noexcept { return isRedirect_; }
     [[nodiscard]] bool hasNews() const noexcept;
     [[nodiscard]] bool isResponseToTell() const noexcept;
@@ -52,6 +56,9 @@ public:
 private:
     static std::size_t takeHeader(char* bytes, std::size_t size, std::size_t count, void* self);
     static std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* self);
+    static curl_socket_t openSocket(void* self, curlsocktype purpose, curl_sockaddr* address);
+    static int checkAddress(void* self, char* address, char* own, int port, int ownPort);
+    bool mayReach(NetworkKinds kind);
     bool addHeader(std::string_view line);
     bool endHead();
     bool addBody(Bytes bytes);
@@ -63,6 +70,7 @@ private:
     void prepareHeaders();
     void prepareMethod();
     void prepareLimits();
+    void prepareNetworks();
 
     struct Cleanup {
         void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
@@ -80,6 +88,7 @@ private:
     Data data_ = {};  // not yet told
     Data copy_ = {};  // all of it, for the cache
     bool usesCache_ = false, isCopied_ = false, isRedirect_ = false, isResponseTold_ = false;
+    bool wasRefused_ = false;
     std::unique_ptr<CURL, Cleanup> handle_;  // the last: it uses what stands above
 };
 

@@ -43,10 +43,17 @@ URLSession::URLSession(std::shared_ptr<detail::CookieJar> cookies) : cookies_(st
 
 void URLSession::dataTaskWithRequest(const URLRequest& request,
                                      DownloadCompletionHandler completionHandler) const {
+    dataTaskWithRequest(request, nullptr, std::move(completionHandler));
+}
+
+void URLSession::dataTaskWithRequest(const URLRequest& request,
+                                     std::function<bool(const URLResponse&)> acceptResponse,
+                                     DownloadCompletionHandler completionHandler) const {
     detail::require(bool(completionHandler), "Classes/NSURLRequest+", __LINE__,
                     "completionHandler!=NULL");
     if (request.isAbsent()) return completionHandler({}, {}, {});
-    detail::SessionLoop::shared().add(request, cookies_, std::move(completionHandler));
+    detail::SessionLoop::shared().add(
+        {request, cookies_, std::move(acceptResponse), std::move(completionHandler)});
 }
 
 DownloadedResponse URLSession::sendSynchronousRequest(const URLRequest& request) const {

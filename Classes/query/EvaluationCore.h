@@ -27,6 +27,9 @@ concept WordFinder = requires(Finder finder, std::size_t node, std::uint64_t pos
     /// Whether the word occurs exactly where certain runs of term units stand, whatever
     /// stretch is looked at that does not cut a run. It saves time only.
     { finder.isOneRun(node) } -> std::same_as<bool>;
+    /// The same of several runs side by side, as in scripts without spaces, if no two of its
+    /// places overlap.
+    { finder.isApart(node) } -> std::same_as<bool>;
     /// Whether what is found first in a stretch is so in a longer one that cuts it no more.
     { finder.isInOrder(node) } -> std::same_as<bool>;
     /// Whether an occurrence may begin or end inside a run of term units.
@@ -55,11 +58,11 @@ public:
     };
 
     /// For several questions about one text all answers may be kept.
-    QueryEvaluation(const QueryTree& tree, std::u16string_view text,
-                    const CharacterSetRep& termCharacters, Finder& finder, bool keepsAll = false)
+    QueryEvaluation(const QueryTree& tree, const WordText& text, Finder& finder,
+                    bool keepsAll = false)
         : tree_(tree),
-          textEnd_(text.size()),
-          steps_(text, termCharacters),
+          textEnd_(text.units.size()),
+          steps_(text),
           finder_(finder),
           keepsAll_(keepsAll) {}
 
@@ -323,7 +326,7 @@ private:
     }
 
     // A left term without negations that does not hold on a stretch holds on no part of it.
-    // This needs words that are runs of term units, and windows that cut none: of others, a
+    // This needs words of term units only, and windows that cut none: of others, a
     // part may hold more, since its edges cut words off. Then one question spares those on all
     // windows.
 
@@ -336,7 +339,8 @@ private:
         for (std::size_t i = 0; i < tree_.nodes.size(); ++i) {
             const QueryNode& node = tree_.nodes[i];
             isRun_.push_back(node.isWord && finder_.isOneRun(i));
-            bool shrinks = !cutsAny && !node.negated && (node.isWord ? isRun_[i] : node.isPositive);
+            bool shrinks =
+                !cutsAny && !node.negated && (node.isWord ? finder_.isApart(i) : node.isPositive);
             for (std::size_t child : tree_.childrenOf(node)) shrinks = shrinks && shrinks_[child];
             shrinks_.push_back(shrinks);
         }

@@ -19,11 +19,11 @@ namespace velmo::detail {
 template <WordFinder Finder>
 class HitCollection {
 public:
-    HitCollection(const QueryTree& tree, std::u16string_view text, Finder& finder)
+    HitCollection(const QueryTree& tree, Finder& finder)
         : tree_(tree),
-          textEnd_(text.size()),
+          textEnd_(finder.text().units.size()),
           finder_(finder),
-          evaluation_(tree, text, finder.termCharacters(), finder, true) {}
+          evaluation_(tree, finder.text(), finder, true) {}
 
     /// The hits in their order, none of them twice; none if the query does not hold.
     std::vector<Range> of(std::size_t top) {

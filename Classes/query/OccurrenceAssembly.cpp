@@ -7,10 +7,9 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include <velmocore/words/Ellipsizing.h>
-
 #include "platform/Surrogates.h"
 #include "query/OccurrenceSearch.h"
+#include "words/EllipsizingWords.h"
 
 namespace velmo {
 namespace {
@@ -46,7 +45,8 @@ private:
 
     /// Where the search goes on; NotFound if the summary is full.
     std::uint64_t addWordToAssembly(Range hit) {
-        const Excerpt excerpt = excerptAround(hit);
+        const Excerpt excerpt =
+            units_.words.unspaced ? excerptAround<true>(hit) : excerptAround<false>(hit);
         // A heading or a cell of a table that is the hit alone tells a reader nothing.
         const bool says = excerpt.start < excerpt.end && (!excerpt.bare || options_.singleWords);
         if (!says || !seen_.insert(viewOf(excerpt.start, excerpt.end)).second) return excerpt.next;
@@ -72,13 +72,14 @@ private:
 
     /// The sentence of a hit, without what stands before its first and after its last term
     /// unit.
+    template <bool Unspaced>
     Excerpt excerptAround(Range hit) const {
         Excerpt excerpt{hit.location, hit.end(), true, hit.end()};
         for (std::uint64_t i = hit.location; i > 0 && !units_.isBoundary(i - 1); --i)
-            if (units_.isTerm(i - 1)) excerpt.start = i - 1;
+            if (units_.isTermOf<Unspaced>(i - 1)) excerpt.start = i - 1;
         std::uint64_t& i = excerpt.next;
         for (; i < units_.text.size() && !units_.isBoundary(i); ++i)
-            if (units_.isTerm(i)) excerpt.end = i + 1;
+            if (units_.isTermOf<Unspaced>(i)) excerpt.end = i + 1;
         excerpt.bare = excerpt.start == hit.location && excerpt.end == hit.end();
         return excerpt;
     }
@@ -88,11 +89,11 @@ private:
     void addPart(const Excerpt& excerpt, std::uint64_t hitEnd) {
         const std::uint64_t room = limit_ - out_.length();
         if (excerpt.start + room >= hitEnd) {
-            append(excerpt.start, whole(excerpt.start + room));
+            append(excerpt.start, whole(excerpt.start + room, excerpt.start));
         } else {
-            std::uint64_t start = whole(hitEnd - room);
+            std::uint64_t start = whole(hitEnd - room, 0);
             if (units_.isTerm(start))
-                while (start > 0 && units_.isTerm(start - 1)) --start;
+                while (start > 0 && units_.joinsTerms(start)) --start;
             append(start, hitEnd);
         }
         out_.append(u"...");
@@ -103,10 +104,15 @@ private:
         out_.append(viewOf(start, end));
     }
 
-    /// A position to cut at, or the one before it where it would cut a pair.
-    std::uint64_t whole(std::uint64_t position) const {
+    /// A position to cut at, or the one before it where it would cut a pair; in scripts without
+    /// spaces, one before it and behind the other where it would cut a character.
+    std::uint64_t whole(std::uint64_t position, std::uint64_t start) const {
+        std::uint64_t edge = position;
+        while (edge > start && edge < units_.text.size() && units_.cutsCharacter(edge)) --edge;
+        if (edge > start) position = edge;
         const std::u16string_view text = units_.text;
-        const bool cutsPair = options_.keepsPairs && position > 0 && position < text.size() &&
+        const bool cutsPair = (options_.keepsPairs || units_.words.unspaced) && position > 0 &&
+                              position < text.size() &&
                               detail::isHighSurrogate(text[position - 1]) &&
                               detail::isLowSurrogate(text[position]);
         return position - cutsPair;
@@ -148,16 +154,16 @@ Summary assemble(const String& text, bool isSought, MakeHits makeHits,
         if (!summary.string.isAbsent()) return summary;
     }
     if (options.onlyOccurrences) return {};
-    return beginningOf(text, stringByEllipsizingAfterNCharacters(text, limit));
+    return beginningOf(text,
+                       detail::ellipsizedAfterWord(
+                           text, limit, options.withinRuns ? &detail::unspacedScripts() : nullptr));
 }
 
 }  // namespace
 
 Summary summaryOfWildcards(const String& text, std::span<const String> wildcards,
                            const AssemblyOptions& options) {
-    const auto makeHits = [&] {
-        return detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters);
-    };
+    const auto makeHits = [&] { return detail::WildcardHits(text, wildcards, options); };
     return assemble(text, !wildcards.empty(), makeHits, options);
 }
 

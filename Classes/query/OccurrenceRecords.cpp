@@ -25,11 +25,12 @@ public:
     std::uint64_t edge() const { return edge_; }
     bool isCut() const { return isCut_; }
 
-    void add(bool isBoundary, bool isTerm, std::uint64_t edge) {
+    /// Takes one more unit. A word may end before it although both units are terms.
+    void add(bool isBoundary, bool isTerm, bool isApart, std::uint64_t edge) {
         isBehindBoundary_ |= isBoundary;
         if (isTerm) {
             // A word counts when it is entered; the one that the hit itself stands in does not.
-            words_ += !isInWord_;
+            words_ += !isInWord_ || isApart;
             edge_ = edge;
             isCut_ = isBehindBoundary_;
         }
@@ -54,39 +55,44 @@ public:
         for (std::uint64_t from = 0; from < units_.text.size();) {
             const Range hit = hits.next(from);
             if (!hit.isFound()) break;
-            from = addWordToOccurrences(hit);
+            from = units_.words.unspaced ? addWordToOccurrences<true>(hit)
+                                         : addWordToOccurrences<false>(hit);
         }
         return std::move(records_);
     }
 
 private:
     /// Where the search goes on.
+    template <bool Unspaced>
     std::uint64_t addWordToOccurrences(Range hit) {
         Side front(hit.location, units_.isTerm(hit.location), minWords_);
-        growBack(front);
+        growBack<Unspaced>(front);
         Side back(hit.end(), units_.isTerm(hit.end() - 1), minWords_);
-        const std::uint64_t next = growForward(back);
+        const std::uint64_t next = growForward<Unspaced>(back);
         if (front.edge() < back.edge()) add(front, back);
         return next;
     }
 
+    template <bool Unspaced>
     void growBack(Side& side) const {
         for (std::uint64_t i = side.edge(); i-- > 0;) {
             const bool isBoundary = units_.isBoundary(i);
             if (isBoundary && side.hasWords()) return;
-            side.add(isBoundary, units_.isTerm(i), i);
+            side.add(isBoundary, units_.isTermOf<Unspaced>(i), units_.isApart<Unspaced>(i + 1), i);
         }
     }
 
     /// Where it stops: at a boundary, or after one at the end of a word, once there are
     /// enough words.
+    template <bool Unspaced>
     std::uint64_t growForward(Side& side) const {
         std::uint64_t i = side.edge();
         for (; i < units_.text.size(); ++i) {
-            const bool isBoundary = units_.isBoundary(i), isTerm = units_.isTerm(i);
-            const bool mayStop = isBoundary || (side.isBehindBoundary() && !isTerm);
+            const bool isBoundary = units_.isBoundary(i), isTerm = units_.isTermOf<Unspaced>(i);
+            const bool isApart = units_.isApart<Unspaced>(i);
+            const bool mayStop = isBoundary || (side.isBehindBoundary() && (!isTerm || isApart));
             if (mayStop && side.hasWords()) break;
-            side.add(isBoundary, isTerm, i + 1);
+            side.add(isBoundary, isTerm, isApart, i + 1);
         }
         return i;
     }
@@ -124,8 +130,7 @@ std::vector<Occurrence> getOccurrencesOfWildcards(std::u16string_view text,
                                                   std::span<const String> wildcards,
                                                   const OccurrenceOptions& options) {
     if (text.empty() || wildcards.empty()) return {};
-    return Records(text, options)
-        .of(detail::WildcardHits(text, wildcards, options.comparison, options.minCharacters));
+    return Records(text, options).of(detail::WildcardHits(text, wildcards, options));
 }
 
 std::vector<Occurrence> getOccurrencesOfHits(std::u16string_view text, std::span<const Range> hits,

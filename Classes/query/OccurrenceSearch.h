@@ -21,14 +21,15 @@ namespace velmo::detail {
 /// Finds any of several wildcards.
 class WildcardHits {
 public:
+    template <class Options>
     WildcardHits(std::u16string_view text, std::span<const String> wildcards,
-                 WildcardComparison comparison, std::uint64_t minCharacters)
-        : walk_({.text = {text, queryTermCharacters()},
+                 const Options& options)
+        : walk_({.text = wordTextOf(text, queryTermCharacters(), options.withinRuns, wildcards),
                  .start = 0,
                  .end = text.size(),
                  .wildcards = wildcards,
-                 .comparison = comparison,
-                 .minCharacters = minCharacters}) {}
+                 .comparison = options.comparison,
+                 .minCharacters = options.minCharacters}) {}
 
     /// The first hit from a position on. Positions must not go back.
     Range next(std::uint64_t from) {
@@ -83,8 +84,8 @@ inline std::vector<Range> hitsOf(std::u16string_view text, const QueryTerms& ter
 /// A text as excerpts see it.
 struct ExcerptUnits {
     std::u16string_view text;
+    WordText words;
     const CharacterSetRep& boundaries;
-    const CharacterSetRep& terms = queryTermCharacters();
 
     bool isStrict;
     const CharacterSetRep& white = whiteCharacterSetRep();
@@ -92,7 +93,10 @@ struct ExcerptUnits {
     template <class Options>
     ExcerptUnits(std::u16string_view units, const Options& options)
         : text(units),
-          boundaries(options.paragraphs ? defaultLineSeparators() : defaultSentenceSeparators()),
+          words{units, queryTermCharacters(), options.withinRuns ? &unspacedScripts() : nullptr},
+          boundaries(options.paragraphs ? defaultLineSeparators()
+                     : words.unspaced   ? words.unspaced->sentenceEnds
+                                        : defaultSentenceSeparators()),
           isStrict(options.strictSentenceEnds && !options.paragraphs) {}
 
     bool isBoundary(std::uint64_t i) const {
@@ -103,9 +107,26 @@ struct ExcerptUnits {
         const char16_t unit = text[i];
         // A line end is a boundary also without white space behind it.
         const bool isMark = unit == u'.' || unit == u'!' || unit == u'?';
-        return isMark && i + 1 < text.size() && !white.contains(text[i + 1]);
+        if (!isMark || i + 1 == text.size() || white.contains(text[i + 1])) return false;
+        return !(words.unspaced && words.unspaced->hasUnitAt(text, i + 1));
     }
-    bool isTerm(std::uint64_t i) const { return terms.contains(text[i]); }
+    bool isTerm(std::uint64_t i) const { return words.isTerm(i); }
+    /// The same, and whether words part there, where it is known whether there are scripts without
+    /// spaces: loops over all units ask it once.
+    template <bool Unspaced>
+    bool isTermOf(std::uint64_t i) const {
+        return Unspaced ? words.isTerm(i) : words.termCharacters.contains(text[i]);
+    }
+    template <bool Unspaced>
+    bool isApart(std::uint64_t i) const {
+        return Unspaced && words.parts(i);
+    }
+    /// Whether the term units before and at a position are of one word.
+    bool joinsTerms(std::uint64_t i) const { return words.isAfterTerm(i); }
+    /// Whether a character goes on at a position inside the text.
+    bool cutsCharacter(std::uint64_t i) const {
+        return words.unspaced && words.unspaced->joins(text, i);
+    }
 };
 
 }  // namespace velmo::detail

@@ -17,6 +17,7 @@
 #include "query/WildcardMatch.h"
 #include "text/Trim.h"
 #include "text/UnitClasses.h"
+#include "words/WordText.h"
 
 namespace velmo {
 namespace {
@@ -26,13 +27,14 @@ using View = std::u16string_view;
 /// Why no word can match a pattern for one word; empty if one may. Units that begin or hold no
 /// word cannot be found: a pattern without star and set is compared from the start of a word
 /// on, and others with whole words.
-std::string hopelessness(View pattern) {
+std::string hopelessness(View pattern, bool withinRuns) {
     std::u16string compacted(pattern);
     const OptimizedWildcard optimized = optimizeWildcard(compacted);
     if (compacted == u"*") return {};
     if (!optimized.core.isFound()) return "a set without end, a ] without set, or a [ inside one";
     if (optimized.type == WildcardType::Unusable) return "nothing but * and ?";
-    const CharacterSetRep& terms = queryTermCharacters();
+    const detail::WordText units{compacted, queryTermCharacters(),
+                                 withinRuns ? &detail::unspacedScripts() : nullptr};
     // A direct pattern is compared from the start of a word on, so only its first unit must begin
     // one.
     const bool isDirect =
@@ -41,7 +43,7 @@ std::string hopelessness(View pattern) {
         const char16_t unit = compacted[at];
         if (unit == u'[')
             at = detail::afterBracket(compacted, at) - 1;
-        else if (unit != u'*' && unit != u'?' && !terms.contains(unit))
+        else if (unit != u'*' && unit != u'?' && !units.isTerm(at))
             return fmt::format("no word {} a \"{}\"", isDirect ? "begins with" : "holds",
                                utf8(View(&compacted[at], 1)));
     }
@@ -167,7 +169,8 @@ private:
                            pattern, {.separators = &defaultWildcardSeparators(), .wildcard = true})
                      : std::vector<Range>{{0, pattern.size()}};
         for (const Range word : words) {
-            const std::string reason = hopelessness(pattern.substr(word.location, word.length));
+            const std::string reason =
+                hopelessness(pattern.substr(word.location, word.length), options_.withinRuns);
             if (!pattern.empty() && !reason.empty())
                 return add(QueryProblemKind::HopelessPattern, range, quoted(range) + ": " + reason);
         }
@@ -185,8 +188,9 @@ std::vector<QueryProblem> problemsOfQuery(std::u16string_view query, const Query
     return Diagnosis(query, options).ofQuery();
 }
 
-std::vector<QueryProblem> problemsOfWildcard(std::u16string_view wildcard) {
-    return Diagnosis(wildcard, {.wildcard = true}).ofWildcard();
+std::vector<QueryProblem> problemsOfWildcard(std::u16string_view wildcard,
+                                             const QueryOptions& options) {
+    return Diagnosis(wildcard, options).ofWildcard();
 }
 
 }  // namespace velmo

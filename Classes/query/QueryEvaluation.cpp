@@ -20,8 +20,8 @@ using detail::WildcardWords;
 std::atomic<const CharacterSetRep*> currentTermCharacters = nullptr;
 
 template <class Words>
-bool matches(const QueryTree& tree, std::size_t top, std::u16string_view text, Words words) {
-    return detail::QueryEvaluation(tree, text, words.termCharacters(), words).matches(top);
+bool matches(const QueryTree& tree, std::size_t top, Words words) {
+    return detail::QueryEvaluation(tree, words.text(), words).matches(top);
 }
 
 /// The negation of the top node does not count.
@@ -43,13 +43,12 @@ void setQueryTermCharacters(const CharacterSetRep* set) noexcept { currentTermCh
 
 bool QueryTerms::matchesString(std::u16string_view text, Case letterCase) const {
     if (isAbsent() || text.empty()) return false;
-    return matches(*tree_, index_, text, PlainWords(*tree_, text, letterCase, node().hasProximity));
+    return matches(*tree_, index_, PlainWords(*tree_, text, letterCase, node().hasProximity));
 }
 
 bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comparison) const {
     if (isAbsent() || text.empty()) return false;
-    return matches(*tree_, index_, text,
-                   WildcardWords(*tree_, text, comparison, node().hasProximity));
+    return matches(*tree_, index_, WildcardWords(*tree_, text, comparison, node().hasProximity));
 }
 
 bool QueryTerms::containsString(std::u16string_view text, Case letterCase) const {

@@ -14,7 +14,7 @@ std::vector<Range> hitsOf(std::u16string_view text, const QueryTerms& terms,
     if (terms.isAbsent() || text.empty()) return {};
     const detail::QueryTree& tree = detail::QueryTree::of(terms);
     Words words(tree, text, comparison, true);
-    return detail::HitCollection(tree, text, words).of(detail::QueryTree::indexOf(terms));
+    return detail::HitCollection(tree, words).of(detail::QueryTree::indexOf(terms));
 }
 
 }  // namespace

@@ -62,6 +62,7 @@ public:
 
     QueryTree parse(const QueryTermFields& fields) {
         tree_.wildcard = options_.wildcard;
+        tree_.withinRuns = options_.withinRuns;
         // The query itself is the outermost group, which no parenthesis closes.
         groups_.push_back({fields, query_.size(), 0, QueryOperator::None});
         for (;;) {

@@ -34,12 +34,14 @@ Range findTerm(const String& term, std::u16string_view text, Range range, Way wa
             return FindNonExactPhraseInString(text, range, words,
                                               {.letterCase = options.letterCase,
                                                .direction = way.direction,
-                                               .exact = options.anchored});
+                                               .exact = options.anchored,
+                                               .withinRuns = options.withinRuns});
     }
     const std::uint64_t location = FindWordInString(text, range, term,
                                                     {.letterCase = options.letterCase,
                                                      .direction = way.direction,
-                                                     .wholeWord = options.anchored});
+                                                     .wholeWord = options.anchored,
+                                                     .withinRuns = options.withinRuns});
     return location == NotFound ? Range::none() : Range{location, term.length()};
 }
 

@@ -31,6 +31,7 @@ struct QueryTree {
     std::vector<QueryNode> nodes;       // the top node is the last
     std::vector<std::size_t> children;  // indexes of nodes, group by group
     bool wildcard = false;              // the words are patterns
+    bool withinRuns = false;            // see QueryOptions
     std::u16string text;                // of all words, one after the other
 
     std::u16string_view wordOf(const QueryNode& node) const {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -34,7 +35,7 @@ public:
     /// If the words are asked for over and over, as proximity does, their places are kept.
     PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, bool keeps)
         : tree_(tree),
-          text_(text),
+          text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns, std::span(&tree.text, 1))),
           letterCase_(letterCase),
           firsts_(firstOfSameWords(tree, keeps)),
           occurrences_(firsts_.size()) {}
@@ -44,7 +45,8 @@ public:
         const std::u16string_view word = tree_.wordOf(node);
         if (word.empty()) return Range::none();
         if (word.front() == u'*') return {start, word.size()};
-        const SoughtWord sought{text_, word, letterCase_, !node.substring, termCharacters_};
+        const SoughtWord sought{text_.units,          word,          letterCase_, !node.substring,
+                                text_.termCharacters, text_.unspaced};
         const std::uint64_t found = occurrences_.empty()
                                         ? scanForWord(sought, start, end)
                                         : occurrences_[firsts_[index]].find(sought, start, end);
@@ -52,10 +54,11 @@ public:
     }
 
     bool isOneRun(std::size_t index) const {
-        const QueryNode& node = tree_.nodes[index];
-        const std::u16string_view word = tree_.wordOf(node);
-        return !node.substring && !word.empty() && word.front() != u'*' &&
-               std::ranges::all_of(word, [&](char16_t u) { return termCharacters_.contains(u); });
+        const WordText word = wordTextAt(index);
+        return !cutsRuns(index) && word.isOneWord();
+    }
+    bool isApart(std::size_t index) const {
+        return isOneRun(index) || (!cutsRuns(index) && wordTextAt(index).isApartFromItself());
     }
 
     bool isInOrder(std::size_t) const { return true; }
@@ -71,13 +74,16 @@ public:
         return tree_.wordOf(tree_.nodes[index]).starts_with(u'*');
     }
 
-    const CharacterSetRep& termCharacters() const { return termCharacters_; }
+    const WordText& text() const { return text_; }
 
 private:
+    WordText wordTextAt(std::size_t index) const {
+        return {tree_.wordOf(tree_.nodes[index]), text_.termCharacters, text_.unspaced};
+    }
+
     const QueryTree& tree_;
-    std::u16string_view text_;
+    WordText text_;
     Case letterCase_;
-    const CharacterSetRep& termCharacters_ = queryTermCharacters();
     std::vector<std::size_t> firsts_;
     std::vector<WordOccurrences> occurrences_;  // by node
 };
@@ -88,7 +94,7 @@ public:
     WildcardWords(const QueryTree& tree, std::u16string_view text, WildcardComparison comparison,
                   bool keeps)
         : tree_(tree),
-          text_{text, queryTermCharacters()},
+          text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns, std::span(&tree.text, 1))),
           comparison_(comparison),
           firsts_(firstOfSameWords(tree, keeps)),
           occurrences_(firsts_.size()) {}
@@ -96,16 +102,18 @@ public:
     Range find(std::size_t index, std::uint64_t start, std::uint64_t end) {
         if (!occurrences_.empty()) return occurrencesOf(index).find(start, end);
         if (start >= end) return Range::none();
-        const WildcardTerm term(tree_.wordOf(tree_.nodes[index]), comparison_, 1);
+        const WildcardTerm term(tree_.wordOf(tree_.nodes[index]), comparison_, 1,
+                                text_.unspaced != nullptr);
         return term.find(text_, start, end, {.acceptStar = true});
     }
 
     bool isOneRun(std::size_t index) { return occurrencesOf(index).isOneRun(); }
+    bool isApart(std::size_t index) { return occurrencesOf(index).isApart(); }
     bool isInOrder(std::size_t index) { return occurrencesOf(index).isInOrder(); }
     bool cutsRuns(std::size_t) const { return false; }
     bool isEverywhere(std::size_t index) { return occurrencesOf(index).hasLoneStar(); }
 
-    const CharacterSetRep& termCharacters() const { return text_.termCharacters; }
+    const WordText& text() const { return text_; }
 
 private:
     WildcardOccurrences& occurrencesOf(std::size_t index) {

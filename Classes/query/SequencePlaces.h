@@ -26,7 +26,7 @@ public:
         : sequence_(&sequence),
           text_(text),
           acceptStar_(acceptStar),
-          isChain_(sequence.isPhrase() && !sequence.findsWords(text.termCharacters)) {}
+          isChain_(sequence.isPhrase() && !sequence.findsWords(text)) {}
 
     Range find(std::uint64_t start, std::uint64_t end);
 

@@ -10,6 +10,7 @@
 
 #include "query/FuzzyMeasure.h"
 #include "query/PatternAnchors.h"
+#include "query/PatternSpan.h"
 #include "query/WildcardMatch.h"
 #include "query/WildcardShape.h"
 #include "text/UnitFold.h"
@@ -43,7 +44,7 @@ struct PatternTest {
         const std::uint64_t length = pattern.core_.length;
         if (end - position < length) return false;
         const std::uint64_t behind = position + length;
-        return (behind == end || !text.isTerm(behind)) && sameAsCore(position);
+        return (behind == end || !text.isBeforeTerm(behind)) && sameAsCore(position);
     }
     /// Whether it ends at a position, from the start of a word on.
     bool standsBefore(std::uint64_t position) const {
@@ -134,28 +135,44 @@ struct PatternSearch {
 
     Range last(bool anchored) const {
         std::uint64_t position = end;
-        if (text.isAfterTerm(start)) position = text.startOfRun(position, start);
+        if (text.isAfterTerm(start)) position = text.startOfWord(position, start);
+        if (pattern.findsSpans(text)) return span().last(position, anchored);
         for (;;) {
             while (position > start && !text.isTerm(position - 1)) --position;
             if (position == start) return Range::none();
             const std::uint64_t to = position;
-            position = text.startOfRun(to, start);
+            position = text.startOfWord(to, start);
             const Range hit = test.at(position, to, Direction::Backward);
             if (hit.isFound() || anchored) return hit;
         }
     }
 
     Range first(bool anchored) const {
-        const std::uint64_t from = text.isAfterTerm(start) ? text.endOfRun(start, end) : start;
+        const std::uint64_t from = text.isAfterTerm(start) ? text.endOfWord(start, end) : start;
+        if (pattern.findsSpans(text)) return span().first(from, anchored);
         if (anchored) return firstWord(from);
-        if (pattern.anchors_.place == PatternAnchors::Nowhere) return firstByWords(from);
+        if (pattern.anchors_.place == PatternAnchors::Nowhere)
+            return text.unspaced ? firstByUnspacedWords(from) : firstByWords(from);
         return pattern.isDirect_ ? firstStanding(from) : firstAround(from);
     }
 
 private:
+    PatternSpan<Fold> span() const {
+        using enum WildcardType;
+        const WildcardType type = pattern.type_;
+        return {pattern.core(),
+                {.front = type == Suffix || type == SuffixSets || type == Infix,
+                 .back = type == Prefix || type == PrefixSets || type == Infix},
+                pattern.anchors_,
+                text,
+                start,
+                end,
+                fold};
+    }
+
     Range firstWord(std::uint64_t from) const {
         while (from < end && !text.isTerm(from)) ++from;
-        return from < end ? test.at(from, text.endOfRun(from, end), Direction::Forward)
+        return from < end ? test.at(from, text.endOfWord(from, end), Direction::Forward)
                           : Range::none();
     }
 
@@ -169,6 +186,17 @@ private:
             return !result.isFound();
         });
         return result;
+    }
+
+    /// The same where words are no runs.
+    Range firstByUnspacedWords(std::uint64_t from) const {
+        Range hit = Range::none();
+        while (from < end && !hit.isFound()) {
+            const std::uint64_t to = text.endOfWord(from, end);
+            if (to > from) hit = test.at(from, to, Direction::Forward);
+            from = std::max(to, from + 1);
+        }
+        return hit;
     }
 
     /// Rules most words out. One rare jump for both conditions is cheaper than one for each.
@@ -192,7 +220,7 @@ private:
     /// Where a direct pattern's anchors stand, from the start of a word on.
     Range firstStanding(std::uint64_t from) const {
         for (std::uint64_t place = from; (place = nextPlace(place)) < end; ++place) {
-            const bool isEdge = text.isTerm(place) && (place == from || !text.isTerm(place - 1));
+            const bool isEdge = text.isTerm(place) && (place == from || !text.isAfterTerm(place));
             if (isEdge && test.standsAt(place)) return {place, pattern.core_.length};
         }
         return Range::none();
@@ -227,8 +255,8 @@ private:
             inside = behind - 1;
         }
         if (!text.isTerm(inside)) return {};
-        const std::uint64_t first = text.startOfRun(inside, from);
-        return {first, text.endOfRun(inside, end) - first};
+        const std::uint64_t first = text.startOfWord(inside, from);
+        return {first, text.endOfWord(inside, end) - first};
     }
 };
 
@@ -290,11 +318,26 @@ void WildcardPattern::measureFuzzyLengths() {
     while (!agrees(maxLength_)) --maxLength_;
 }
 
-bool WildcardPattern::findsWords(const CharacterSetRep& termCharacters) const {
-    if (!isDirect_) return true;
-    if (type_ != WildcardType::Plain || (table_ && &termCharacters != &alphaNumCharacterSetRep()))
+bool WildcardPattern::findsWords(const WordText& text) const {
+    if (!isDirect_) return !findsSpans(text);
+    if (type_ != WildcardType::Plain ||
+        (table_ && &text.termCharacters != &alphaNumCharacterSetRep()))
         return false;
-    return std::ranges::all_of(core(), [&](char16_t u) { return termCharacters.contains(u); });
+    return WordText{core(), text.termCharacters, text.unspaced}.isOneWord();
+}
+
+bool WildcardPattern::findsApart(const WordText& text) const {
+    const WordText own{core(), text.termCharacters, text.unspaced};
+    return findsWords(text) ||
+           (isDirect_ && type_ == WildcardType::Plain && own.isApartFromItself());
+}
+
+bool WildcardPattern::findsSpans(const WordText& text) const {
+    // Where an odd set ends depends on the unit, so such patterns are for single words.
+    if (!text.unspaced || isDirect_ || hasOpenRange_) return false;
+    // There is nothing to resemble where words are not told.
+    const auto isUnspaced = [&](char16_t unit) { return text.unspaced->units.contains(unit); };
+    return type_ != WildcardType::Plain || std::ranges::any_of(core(), isUnspaced);
 }
 
 Range WildcardPattern::find(const WordText& text, std::uint64_t start, std::uint64_t end,
@@ -309,7 +352,8 @@ Range WildcardPattern::find(const WordText& text, std::uint64_t start, std::uint
 
 Range WildcardPattern::findAtEnd(const WordText& text, std::uint64_t start,
                                  std::uint64_t end) const {
-    if (!isDirect_) return find(text, text.startOfRun(end, start), end);
+    if (text.unspaced) return find(text, start, end);
+    if (!isDirect_) return find(text, text.startOfWord(end, start), end);
     if (end - start < core_.length) return Range::none();
     return find(text, end - core_.length, end);
 }

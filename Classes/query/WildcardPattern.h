@@ -16,27 +16,9 @@
 
 #include "text/PatternScan.h"
 #include "text/SmallBuffer.h"
+#include "words/WordText.h"
 
 namespace velmo::detail {
-
-/// A text and what makes words in it.
-struct WordText {
-    std::u16string_view units;
-    const CharacterSetRep& termCharacters;
-
-    bool isTerm(std::uint64_t position) const { return termCharacters.contains(units[position]); }
-    /// Whether a unit at the position would belong to the word before it.
-    bool isAfterTerm(std::uint64_t position) const { return position > 0 && isTerm(position - 1); }
-    /// The ends of the run of term units that goes on from a position.
-    std::uint64_t endOfRun(std::uint64_t position, std::uint64_t end) const {
-        while (position < end && isTerm(position)) ++position;
-        return position;
-    }
-    std::uint64_t startOfRun(std::uint64_t position, std::uint64_t start) const {
-        while (position > start && isTerm(position - 1)) --position;
-        return position;
-    }
-};
 
 /// Which word of a stretch is looked for.
 struct WordChoice {
@@ -67,8 +49,10 @@ public:
     /// Whether the candidate is compared from the start of a word on, as it stands, and not
     /// word by word. Only such a pattern can find what holds units that are no term units.
     bool isDirect() const { return isDirect_; }
-    /// Whether a direct pattern can find nothing but whole words all the same.
-    bool findsWords(const CharacterSetRep& termCharacters) const;
+    /// Whether it can find nothing but whole words, of which no two overlap, all the same.
+    bool findsWords(const WordText& text) const;
+    /// The same of several words side by side.
+    bool findsApart(const WordText& text) const;
 
     /// The word in a stretch of the text that matches, or no range. If the stretch begins
     /// inside a word, its rest is not looked at; backwards, the word at the very end is not.
@@ -85,6 +69,8 @@ private:
     friend struct PatternSearch;
 
     std::u16string_view core() const { return {units_.data() + core_.location, core_.length}; }
+    /// Whether it may find several words in a row, by the characters between its stars.
+    bool findsSpans(const WordText& text) const;
     void chooseEdge();
     void measureFuzzyLengths();
 

@@ -21,8 +21,10 @@ namespace {
 using detail::WildcardTerm;
 using detail::WordText;
 
-WordText wordText(std::u16string_view text, const CharacterSetRep* termCharacters = nullptr) {
-    return {text, termCharacters ? *termCharacters : queryTermCharacters()};
+WordText wordText(std::u16string_view text, bool withinRuns,
+                  const CharacterSetRep* termCharacters = nullptr) {
+    return {text, termCharacters ? *termCharacters : queryTermCharacters(),
+            withinRuns ? &detail::unspacedScripts() : nullptr};
 }
 
 /// The part of the range that the text has.
@@ -35,8 +37,8 @@ template <class Walk>
 std::size_t walk(std::u16string_view text, std::span<const String> wildcards,
                  WildcardHandler handler, const WildcardSearchOptions& options) {
     const Range range = cutAt(text, options.range);
-    Walk hits({wordText(text), range.location, range.end(), wildcards, options.comparison,
-               options.minCharacters});
+    Walk hits({detail::wordTextOf(text, queryTermCharacters(), options.withinRuns, wildcards),
+               range.location, range.end(), wildcards, options.comparison, options.minCharacters});
     std::size_t calls = 0;
     for (Range hit; (hit = hits.next()).isFound();) {
         ++calls;
@@ -46,7 +48,7 @@ std::size_t walk(std::u16string_view text, std::span<const String> wildcards,
 }
 
 NearestWildcardOptions nearest(const WildcardSearchOptions& options, Direction direction) {
-    return {options.comparison, options.minCharacters, direction, false};
+    return {options.comparison, options.minCharacters, direction, false, options.withinRuns};
 }
 
 }  // namespace
@@ -55,7 +57,7 @@ Range FindWildcardInCharacters(std::u16string_view text, Range range, std::u16st
                                const FindWildcardOptions& options) {
     range = cutAt(text, range);
     if (range.length == 0 || wildcard.empty()) return Range::none();
-    const WordText words = wordText(text, options.termCharacters);
+    const WordText words = wordText(text, options.withinRuns, options.termCharacters);
     const detail::WildcardPattern pattern(wildcard, options.comparison, options.minCharacters);
     if (options.acceptStar && pattern.isLoneStar())
         return findLoneStar(words, range.location, range.end(), options.direction,
@@ -69,9 +71,10 @@ Range FindWildcardStringInCharacters(std::u16string_view text, Range range,
                                      const FindWildcardStringOptions& options) {
     range = cutAt(text, range);
     if (wildcard.empty()) return Range::none();
-    const WildcardTerm term(wildcard, options.comparison, options.minCharacters);
-    return term.find(wordText(text, options.termCharacters), range.location, range.end(),
-                     {options.direction, options.acceptStar});
+    const WildcardTerm term(wildcard, options.comparison, options.minCharacters,
+                            options.withinRuns);
+    return term.find(wordText(text, options.withinRuns, options.termCharacters), range.location,
+                     range.end(), {options.direction, options.acceptStar});
 }
 
 Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const String> wildcards,
@@ -81,8 +84,10 @@ Range rangeOfWildcard(std::u16string_view text, Range range, std::span<const Str
     Range best = Range::none();
     for (const String& wildcard : wildcards) {
         if (start >= end) break;
-        const WildcardTerm term(wildcard, options.comparison, options.minCharacters);
-        const Range hit = term.find(wordText(text), start, end, {.direction = options.direction});
+        const WildcardTerm term(wildcard, options.comparison, options.minCharacters,
+                                options.withinRuns);
+        const Range hit = term.find(wordText(text, options.withinRuns), start, end,
+                                    {.direction = options.direction});
         if (!hit.isFound()) continue;
         best = hit;
         if (options.firstHit) break;
@@ -98,7 +103,8 @@ bool containsAnyWildcard(std::u16string_view text, std::span<const String> wildc
     return rangeOfWildcard(text, options.range, wildcards,
                            {.comparison = options.comparison,
                             .minCharacters = options.minCharacters,
-                            .firstHit = true})
+                            .firstHit = true,
+                            .withinRuns = options.withinRuns})
         .isFound();
 }
 
@@ -115,9 +121,10 @@ Range findPreviousWildcard(std::u16string_view text, std::span<const String> wil
 Range rangeOfWildcard(std::u16string_view text, std::u16string_view wildcard,
                       const WildcardSearchOptions& options) {
     const Range range = cutAt(text, options.range);
-    return FindWildcardStringInCharacters(
-        text, range, wildcard,
-        {.comparison = options.comparison, .minCharacters = options.minCharacters});
+    return FindWildcardStringInCharacters(text, range, wildcard,
+                                          {.comparison = options.comparison,
+                                           .minCharacters = options.minCharacters,
+                                           .withinRuns = options.withinRuns});
 }
 
 Range rangeOfWildcardWords(std::u16string_view text, std::span<const String> words,

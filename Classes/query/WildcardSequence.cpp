@@ -24,9 +24,9 @@ Range findLoneStar(const WordText& text, std::uint64_t start, std::uint64_t end,
     // Backwards a star takes the one unit at the start; a deliberate rule, see the header.
     if (direction == Direction::Backward)
         return !beginsInside && text.isTerm(start) ? Range{start, 1} : Range::none();
-    std::uint64_t word = beginsInside ? text.endOfRun(start, end) : start;
+    std::uint64_t word = beginsInside ? text.endOfWord(start, end) : start;
     while (word < end && !text.isTerm(word)) ++word;
-    return word < end ? Range{word, text.endOfRun(word, end) - word} : Range::none();
+    return word < end ? Range{word, text.endOfWord(word, end) - word} : Range::none();
 }
 
 WildcardSequence::WildcardSequence(std::span<const String> words, WildcardComparison comparison,
@@ -71,14 +71,12 @@ std::uint64_t WildcardSequence::endOfRest(const WordText& text, std::uint64_t po
 }
 
 bool WildcardSequence::mayTouch(const WordText& text, std::uint64_t end) const {
-    if (end == text.units.size() || !text.isTerm(end)) return false;
+    if (end == text.units.size() || !text.isBeforeTerm(end)) return false;
     return text.isAfterTerm(end) || (last().isDirect() && last().findAtEnd(text, 0, end).isFound());
 }
 
-bool WildcardSequence::findsWords(const CharacterSetRep& termCharacters) const {
-    const auto does = [&](const WildcardPattern& pattern) {
-        return pattern.findsWords(termCharacters);
-    };
+bool WildcardSequence::findsWords(const WordText& text) const {
+    const auto does = [&](const WildcardPattern& pattern) { return pattern.findsWords(text); };
     return does(first_) && std::ranges::all_of(rest_, does);
 }
 

@@ -55,9 +55,12 @@ public:
     }
 
     bool isPhrase() const { return !rest_.empty(); }
+    bool beginsWithStar() const { return isPhrase() && first_.isLoneStar(); }
     bool isLoneStar() const { return !isPhrase() && first_.isLoneStar(); }
     /// Whether what is found is made of whole words of the text only.
-    bool findsWords(const CharacterSetRep& termCharacters) const;
+    bool findsWords(const WordText& text) const;
+    /// The same, of several words side by side; of a sequence of one pattern.
+    bool findsApart(const WordText& text) const { return first_.findsApart(text); }
 
 private:
     const WildcardPattern& last() const { return rest_.empty() ? first_ : rest_.back(); }

@@ -3,20 +3,42 @@
 // not found: of two hits in a stretch this rule, and not their places, decides.
 #include "query/WildcardTerm.h"
 
+#include <algorithm>
 #include <string>
 
 namespace velmo::detail {
 
+namespace {
+
 /// The words of a wildcard; none if there are fewer than two.
-static SeparatedWords partsOf(std::u16string_view wildcard) {
+SeparatedWords partsOf(std::u16string_view wildcard) {
     // Two words and a separator have three units at least.
     if (wildcard.size() < 3 || numberOfWordsUsingWildcardSeparation(wildcard) < 2) return {};
     return separatedWildcardWords(String(wildcard));
 }
 
+/// The same, but a pair of a script without spaces is no separator.
+SeparatedWords unspacedPartsOf(std::u16string_view wildcard) {
+    std::u16string masked(wildcard);
+    for (std::size_t i = 0; i < masked.size(); ++i)
+        if (isSurrogate(masked[i]) && unspacedScripts().hasHalfAt(wildcard, i))
+            masked[i] = u'\u4E00';
+    SeparatedWords parts = partsOf(masked);
+    if (masked == wildcard || parts.words.empty()) return parts;
+    const std::vector<Range> ranges =
+        wordsOfCharacters(masked, {.separators = &defaultWildcardSeparators(), .wildcard = true});
+    std::ranges::transform(ranges, parts.words.begin(), [&](Range range) {
+        return String(wildcard.substr(range.location, range.length));
+    });
+    return parts;
+}
+
+}  // namespace
+
 WildcardTerm::WildcardTerm(std::u16string_view wildcard, WildcardComparison comparison,
-                           std::uint64_t minCharacters)
-    : WildcardTerm(wildcard, partsOf(wildcard), comparison, minCharacters) {}
+                           std::uint64_t minCharacters, bool withinRuns)
+    : WildcardTerm(wildcard, withinRuns ? unspacedPartsOf(wildcard) : partsOf(wildcard), comparison,
+                   minCharacters) {}
 
 WildcardTerm::WildcardTerm(std::u16string_view wildcard, const SeparatedWords& parts,
                            WildcardComparison comparison, std::uint64_t minCharacters)
@@ -38,7 +60,7 @@ WildcardOccurrences::WildcardOccurrences(const WordText& text, std::u16string_vi
                                          WildcardComparison comparison, std::uint64_t minCharacters,
                                          bool acceptStar)
     : text_(text),
-      term_(wildcard, comparison, minCharacters),
+      term_(wildcard, comparison, minCharacters, text.unspaced != nullptr),
       words_(term_.words(), text_, acceptStar) {
     if (term_.joined()) joined_.emplace(*term_.joined(), text_, acceptStar);
 }
@@ -54,8 +76,12 @@ void WildcardOccurrences::forgetBefore(std::uint64_t position) {
 }
 
 bool WildcardOccurrences::isOneRun() const {
-    return !term_.words().isPhrase() && !term_.hasLoneStar() &&
-           term_.findsWords(text_.termCharacters);
+    return !term_.words().isPhrase() && !term_.hasLoneStar() && term_.findsWords(text_);
+}
+
+bool WildcardOccurrences::isApart() const {
+    const WildcardSequence& words = term_.words();
+    return isOneRun() || (!words.isPhrase() && !joined_ && words.findsApart(text_));
 }
 
 }  // namespace velmo::detail

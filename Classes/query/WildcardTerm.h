@@ -17,8 +17,9 @@ namespace velmo::detail {
 /// Any number of threads may share it.
 class WildcardTerm {
 public:
+    /// With scripts without spaces, a pair of theirs parts no words of the wildcard.
     WildcardTerm(std::u16string_view wildcard, WildcardComparison comparison,
-                 std::uint64_t minCharacters);
+                 std::uint64_t minCharacters, bool withinRuns);
 
     /// In a stretch of the text: the words as a phrase, or the one word that there is; and if
     /// that fails, the words of a hyphenated term written as one.
@@ -30,9 +31,8 @@ public:
 
     /// Whether what is found is made of whole words of the text only. Then a hit stays one in
     /// any stretch that holds it and cuts no word.
-    bool findsWords(const CharacterSetRep& termCharacters) const {
-        return words_.findsWords(termCharacters) &&
-               (!joined_ || joined_->findsWords(termCharacters));
+    bool findsWords(const WordText& text) const {
+        return words_.findsWords(text) && (!joined_ || joined_->findsWords(text));
     }
     /// Whether one of its two steps is to look for a lone star.
     bool hasLoneStar() const { return words_.isLoneStar() || (joined_ && joined_->isLoneStar()); }
@@ -60,6 +60,8 @@ public:
 
     /// Whether it matches single runs of term units, told by nothing but their units.
     bool isOneRun() const;
+    /// The same of several runs side by side, if no two of its places overlap.
+    bool isApart() const;
     /// Whether what is found first in a stretch is so in every longer one that cuts it no more. A
     /// hyphenated term is found as one word only where it is not found as several.
     bool isInOrder() const { return !joined_; }

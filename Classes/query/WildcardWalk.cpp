@@ -10,7 +10,8 @@ namespace velmo::detail {
 
 WildcardWalk::WildcardWalk(const WildcardSearch& search) : start_(search.start), end_(search.end) {
     // No stretch ends further on, and the last one ends words as the end of a text does.
-    const WordText text{search.text.units.substr(0, end_), search.text.termCharacters};
+    WordText text = search.text;
+    text.units = text.units.substr(0, end_);
     for (const String& wildcard : search.wildcards) {
         auto occurrences = std::make_unique<WildcardOccurrences>(
             text, wildcard.view(), search.comparison, search.minCharacters, false);
@@ -38,9 +39,9 @@ constexpr SequenceChoice Backwards{.direction = Direction::Backward};
 WildcardWalkBack::WildcardWalkBack(const WildcardSearch& search)
     : text_(search.text), start_(search.start), end_(search.end) {
     for (const String& wildcard : search.wildcards) {
-        WildcardTerm term(wildcard, search.comparison, search.minCharacters);
-        const bool isChain =
-            term.words().isPhrase() && !term.words().findsWords(text_.termCharacters);
+        WildcardTerm term(wildcard, search.comparison, search.minCharacters,
+                          text_.unspaced != nullptr);
+        const bool isChain = term.words().isPhrase() && !term.words().findsWords(text_);
         tracks_.push_back({std::move(term), {isChain}, {false}});
     }
 }
@@ -63,8 +64,13 @@ Range WildcardWalkBack::next() {
 Range WildcardWalkBack::hitOf(Track& track, std::uint64_t start) {
     // What is left over begins after a word. A word at its very end is then left out, which no
     // other stretch does; so nothing that is remembered tells of it.
-    const bool leavesOut = start > start_ && text_.isAfterTerm(start) && text_.isAfterTerm(end_);
-    if (leavesOut) return track.term.find(text_, start, end_, Backwards);
+    // Between words side by side, that holds of every stretch if the whole begins inside a word.
+    const bool isLeft = start > start_ && text_.isAfterTerm(start);
+    const bool isAllLeft = text_.unspaced && text_.isAfterTerm(start_);
+    const bool leavesOut = (isLeft || isAllLeft) && text_.isTerm(end_ - 1);
+    // Going back, a star that begins a phrase is found at the start of the stretch alone.
+    const bool isAtStart = text_.unspaced && start > start_ && track.term.words().beginsWithStar();
+    if (leavesOut || isAtStart) return track.term.find(text_, start, end_, Backwards);
     const auto inside = [&](Range hit) {
         return hit.isFound() && hit.location >= start ? hit : Range::none();
     };
@@ -107,7 +113,7 @@ Range WildcardWalkBack::placeBefore(const WildcardSequence& sequence, Memory& me
     if (known != memory.places.end()) return *known;
     for (memory.scanned = std::min(memory.scanned, end_); memory.scanned > start_;) {
         const Range place = sequence.findFirst(text_, start_, memory.scanned, Direction::Backward);
-        memory.scanned = place.isFound() ? text_.startOfRun(place.end(), start_) : start_;
+        memory.scanned = place.isFound() ? text_.startOfWord(place.end(), start_) : start_;
         if (!place.isFound()) break;
         memory.places.push_back(place);
         if (place.end() <= end) return place;

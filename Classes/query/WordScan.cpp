@@ -10,11 +10,10 @@ namespace {
 /// Whether no term unit adjoins the word at the position, inside the stretch.
 bool isBounded(const SoughtWord& sought, std::uint64_t position, std::uint64_t start,
                std::uint64_t end) {
-    const auto isTermUnit = [&](std::uint64_t i) {
-        return sought.termCharacters.contains(sought.text[i]);
-    };
+    const WordText text{sought.text, sought.termCharacters, sought.unspaced};
     const std::uint64_t behind = position + sought.word.size();
-    return !(position > start && isTermUnit(position - 1)) && !(behind < end && isTermUnit(behind));
+    return !(position > start && text.isAfterTerm(position)) &&
+           !(behind < end && text.isBeforeTerm(behind));
 }
 
 bool accepts(const SoughtWord& sought, std::uint64_t position, std::uint64_t start,

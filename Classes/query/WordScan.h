@@ -7,8 +7,8 @@
 
 #include <velmocore/platform/Matching.h>
 #include <velmocore/platform/Range.h>
-#include <velmocore/text/CharacterSets.h>
-#include <velmocore/text/ConversionTables.h>
+
+#include "words/WordText.h"
 
 namespace velmo::detail {
 
@@ -19,6 +19,7 @@ struct SoughtWord {
     Case letterCase;
     bool wholeWord;  // no term unit may adjoin the word
     const CharacterSetRep& termCharacters;
+    const UnspacedScripts* unspaced = nullptr;  // if given, but beside their characters
 };
 
 /// Whether the word stands at a position of the stretch from start to end. No unit outside

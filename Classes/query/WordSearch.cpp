@@ -16,8 +16,10 @@
 namespace velmo {
 namespace {
 
-const CharacterSetRep& setOrDefault(const CharacterSetRep* termCharacters) {
-    return termCharacters ? *termCharacters : queryTermCharacters();
+template <class Options>
+detail::WordText wordText(std::u16string_view text, const Options& options) {
+    return {text, options.termCharacters ? *options.termCharacters : queryTermCharacters(),
+            options.withinRuns ? &detail::unspacedScripts() : nullptr};
 }
 
 /// The part of the range that the text has.
@@ -51,7 +53,8 @@ Range findWord(std::u16string_view text, std::u16string_view word, Range range,
     return rangeOf(FindWordInString(text, range, word,
                                     {.letterCase = options.letterCase,
                                      .direction = direction,
-                                     .wholeWord = options.anchored}),
+                                     .wholeWord = options.anchored,
+                                     .withinRuns = options.withinRuns}),
                    word, text);
 }
 
@@ -63,8 +66,9 @@ std::size_t FindWordInString(std::u16string_view text, Range range, std::u16stri
     // Before the range is cut: such a word counts as found at the start of any range.
     if (word.front() == u'*') return range.location;
     range = cutAt(text, range);
-    const detail::SoughtWord sought{text, word, options.letterCase, options.wholeWord,
-                                    setOrDefault(options.termCharacters)};
+    const detail::WordText words = wordText(text, options);
+    const detail::SoughtWord sought{
+        text, word, options.letterCase, options.wholeWord, words.termCharacters, words.unspaced};
     return options.direction == Direction::Backward
                ? detail::scanBackForWord(sought, range.location, range.end())
                : detail::scanForWord(sought, range.location, range.end());
@@ -74,8 +78,9 @@ Range FindNonExactPhraseInString(std::u16string_view text, Range range,
                                  std::span<const String> words, const FindPhraseOptions& options) {
     if (words.empty()) return Range::none();
     range = cutAt(text, range);
-    const CharacterSetRep& term = setOrDefault(options.termCharacters);
-    const FindWordOptions first{options.letterCase, options.direction, true, &term};
+    const detail::WordText term = wordText(text, options);
+    const FindWordOptions first{options.letterCase, options.direction, true, &term.termCharacters,
+                                options.withinRuns};
     const auto agrees = [&](std::uint64_t position, const String& word) {
         const char16_t* units = text.data() + position;
         return options.letterCase == Case::Sensitive
@@ -87,12 +92,13 @@ Range FindNonExactPhraseInString(std::u16string_view text, Range range,
     const auto endOfRest = [&](std::uint64_t position, std::uint64_t end) {
         for (const String& word : words.subspan(1)) {
             const std::uint64_t before = position;
-            while (position < end && !term.contains(text[position])) ++position;
+            while (position < end && !term.isTerm(position)) ++position;
             // Strictly inside the range: a phrase cannot end where the range does.
-            const bool fits = position > before && word.length() < end - position;
+            const bool isApart = position > before || term.parts(position);
+            const bool fits = isApart && word.length() < end - position;
             if (!fits || !agrees(position, word)) return NotFound;
             position += word.length();
-            if (options.exact && term.contains(text[position])) return NotFound;
+            if (options.exact && term.isBeforeTerm(position)) return NotFound;
         }
         return position;
     };
@@ -115,14 +121,14 @@ Range FindNonExactPhraseInString(std::u16string_view text, Range range,
 std::size_t NWordsForward(std::size_t n, std::u16string_view text,
                           const CharacterSetRep& termCharacters, std::size_t position,
                           std::size_t end) {
-    return detail::wordsForward(text, termCharacters, position,
+    return detail::wordsForward({text, termCharacters}, position,
                                 std::min<std::uint64_t>(end, text.size()), n);
 }
 
 std::size_t NWordsBack(std::size_t n, std::u16string_view text,
                        const CharacterSetRep& termCharacters, std::size_t position,
                        std::size_t start) {
-    return detail::wordsBack(text, termCharacters, std::min<std::uint64_t>(position, text.size()),
+    return detail::wordsBack({text, termCharacters}, std::min<std::uint64_t>(position, text.size()),
                              start, n);
 }
 

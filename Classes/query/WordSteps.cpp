@@ -9,42 +9,52 @@
 
 namespace velmo::detail {
 
-std::uint64_t wordsForward(std::u16string_view text, const CharacterSetRep& termCharacters,
-                           std::uint64_t position, std::uint64_t end, std::uint64_t n) {
+/// Where a window that holds a word begins: with the unit before it, if that is of no word.
+static std::uint64_t before(const WordText& text, std::uint64_t word, std::uint64_t start) {
+    if (word <= start) return start;
+    return text.unspaced && text.isTerm(word - 1) ? word : word - 1;
+}
+
+std::uint64_t wordsForward(const WordText& text, std::uint64_t position, std::uint64_t end,
+                           std::uint64_t n) {
     // A word takes at least one unit.
     if (position >= end || end - position <= n) return end;
     for (; n > 0 && position < end; --n) {
-        while (position < end && !termCharacters.contains(text[position])) ++position;
-        while (position < end && termCharacters.contains(text[position])) ++position;
+        while (position < end && !text.isTerm(position)) ++position;
+        position = text.endOfWord(position, end);
     }
     return position;
 }
 
-std::uint64_t wordsBack(std::u16string_view text, const CharacterSetRep& termCharacters,
-                        std::uint64_t position, std::uint64_t start, std::uint64_t n) {
-    if (position <= start || --position - start <= n) return start;
+std::uint64_t wordsBack(const WordText& text, std::uint64_t position, std::uint64_t start,
+                        std::uint64_t n) {
+    if (position <= start || position - start - !text.unspaced <= n) return start;
     for (; n > 0 && position > start; --n) {
-        while (position > start && !termCharacters.contains(text[position])) --position;
-        while (position > start && termCharacters.contains(text[position])) --position;
+        while (position > start && !text.isTerm(position - 1)) --position;
+        position = text.startOfWord(position, start);
     }
-    return position;
+    return before(text, position, start);
 }
 
 void WordSteps::listWords() {
     if (isListed_) return;
-    forEachRun(text_, termCharacters_, [&](const Run& run) {
-        if (run.isMember) {
-            starts_.push_back(run.start);
-            ends_.push_back(run.end);
-        }
-        return true;
-    });
     isListed_ = true;
+    const auto list = [&](const Run& run) {
+        if (!run.isMember) return true;
+        starts_.push_back(run.start);
+        ends_.push_back(run.end);
+        return true;
+    };
+    if (!text_.unspaced) return forEachRun(text_.units, text_.termCharacters, list);
+    for (std::size_t at = 0, end = 0; at < text_.units.size(); at = std::max(end, at + 1)) {
+        end = text_.endOfWord(at, text_.units.size());
+        list({at, end, end > at});
+    }
 }
 
 std::uint64_t WordSteps::forward(std::uint64_t position, std::uint64_t end, std::uint64_t n) {
     if (n <= NearSteps || position >= end || end - position <= n)
-        return wordsForward(text_, termCharacters_, position, end, n);
+        return wordsForward(text_, position, end, n);
     listWords();
     // A word that ends at the position is behind it, as the walk has it.
     const auto first = std::ranges::upper_bound(ends_, position);
@@ -54,12 +64,11 @@ std::uint64_t WordSteps::forward(std::uint64_t position, std::uint64_t end, std:
 
 std::uint64_t WordSteps::back(std::uint64_t position, std::uint64_t start, std::uint64_t n) {
     if (n <= NearSteps || position <= start || position - start <= n)
-        return wordsBack(text_, termCharacters_, position, start, n);
+        return wordsBack(text_, position, start, n);
     listWords();
     const auto behind = std::ranges::upper_bound(starts_, position - 1);
     if (static_cast<std::uint64_t>(behind - starts_.begin()) < n) return start;
-    const std::uint64_t word = behind[-static_cast<std::ptrdiff_t>(n)];
-    return word > start ? word - 1 : start;
+    return before(text_, behind[-static_cast<std::ptrdiff_t>(n)], start);
 }
 
 }  // namespace velmo::detail

@@ -3,30 +3,27 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
-#include <velmocore/text/CharacterSets.h>
+#include "words/WordText.h"
 
 namespace velmo::detail {
 
-/// Behind the n-th word that ends after the position, a word being a run of term units; end
-/// if it lies further on.
-std::uint64_t wordsForward(std::u16string_view text, const CharacterSetRep& termCharacters,
-                           std::uint64_t position, std::uint64_t end, std::uint64_t n);
+/// Behind the n-th word that ends after the position; end if it lies further on.
+std::uint64_t wordsForward(const WordText& text, std::uint64_t position, std::uint64_t end,
+                           std::uint64_t n);
 
 /// The unit before the n-th word that begins before the position; start if it lies further
-/// back.
-std::uint64_t wordsBack(std::u16string_view text, const CharacterSetRep& termCharacters,
-                        std::uint64_t position, std::uint64_t start, std::uint64_t n);
+/// back. In scripts without spaces the word itself, as that unit is one of another word.
+std::uint64_t wordsBack(const WordText& text, std::uint64_t position, std::uint64_t start,
+                        std::uint64_t n);
 
 /// The same for many steps in one text. Far ones use a list of the text's words, made when
 /// the first of them is taken, so that a wide window costs a look-up and not a walk through
 /// the words in it. Not to be shared between threads.
 class WordSteps {
 public:
-    WordSteps(std::u16string_view text, const CharacterSetRep& termCharacters)
-        : text_(text), termCharacters_(termCharacters) {}
+    explicit WordSteps(const WordText& text) : text_(text) {}
 
     std::uint64_t forward(std::uint64_t position, std::uint64_t end, std::uint64_t n);
     std::uint64_t back(std::uint64_t position, std::uint64_t start, std::uint64_t n);
@@ -36,8 +33,7 @@ private:
 
     void listWords();
 
-    std::u16string_view text_;
-    const CharacterSetRep& termCharacters_;
+    WordText text_;
     bool isListed_ = false;
     std::vector<std::uint64_t> starts_, ends_;  // of the words, in their order
 };

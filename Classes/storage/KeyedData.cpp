@@ -8,6 +8,7 @@
 
 #include "platform/Surrogates.h"
 #include "storage/KeyedWalk.h"
+#include "text/UnitScan.h"
 
 namespace velmo {
 namespace {
@@ -52,7 +53,9 @@ KeyedValue fixedValue(KeyedTag tag, std::uint64_t bits) {
 String decoded(Bytes utf8) {
     String string = String::fromUTF8(charsOf(utf8));
     // Only what is broken, or has the character itself, shows one.
-    if (string.view().find(u'\uFFFD') == std::u16string_view::npos) return string;
+    const std::u16string_view units = string;
+    const char16_t* end = units.data() + units.size();
+    if (detail::scan::find(units.data(), end, u'\uFFFD') == end) return string;
     return string.utf8() == charsOf(utf8) ? string : String();
 }
 

@@ -92,8 +92,9 @@ private:
         if (!options_.salvage || !mayHoldBlock(known, next)) return next;
         const detail::BlockIndex& index = indexFrom(offset);
         const auto found = index.firstValid(known);
-        const bool isHidden = found && *found < next &&
-                              (!index.isPlausible(next) || index.leadToTheSame(*found, next));
+        if (!found || *found >= next) return next;
+        const bool isHidden =
+            options_.isTrusted || !index.isPlausible(next) || index.leadToTheSame(*found, next);
         return isHidden ? *found : next;
     }
 

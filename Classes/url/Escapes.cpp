@@ -65,13 +65,12 @@ String stringOf(std::string_view bytes, StringEncoding encoding) {
     return failed ? String() : text;
 }
 
-/// Whether ASCII is what it is in the encoding: not so in UTF-16 and UTF-32.
+}  // namespace
+
 bool holdsAscii(StringEncoding encoding) {
     const TextEncoding text = textEncodingOf(encoding);
     return text == UTF8TextEncoding || (text & 0xFFFF) != UTF16TextEncoding;
 }
-
-}  // namespace
 
 bool appendBytes(StringBuilder& out, Units units, StringEncoding encoding) {
     const std::optional<Data> bytes = dataUsingEncoding(units, encoding);

@@ -20,6 +20,9 @@ namespace velmo::detail::escapes {
 /// cannot hold them.
 bool appendBytes(StringBuilder& out, std::u16string_view units, StringEncoding encoding);
 
+/// Whether ASCII is what it is in the encoding: not so in UTF-16 and UTF-32.
+bool holdsAscii(StringEncoding encoding);
+
 /// Room for a result whose length is known only when it is written. A short one is written on
 /// the stack and copied once; of a long one the room that is left goes back.
 class Room {

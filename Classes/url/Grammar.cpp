@@ -127,18 +127,6 @@ bool cutAuthority(std::u16string_view text, std::uint32_t start, Parts& parts) n
     return true;
 }
 
-/// Tells path and parameters apart; what is a path stands from start to end.
-void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t end,
-                   Parts& parts) noexcept {
-    std::uint32_t pathEnd = end;
-    // Names of files may hold a semicolon.
-    if (!keyword::equals(parts[URLPart::Scheme].of(text), "FILE")) {
-        pathEnd = find(text.substr(0, end), u';', start);
-        if (pathEnd < end) parts[URLPart::Parameters] = {pathEnd + 1, end - pathEnd - 1};
-    }
-    parts[URLPart::Path] = {start, pathEnd - start};
-}
-
 /// Cuts the path from start on, and its parameters. Gives its end.
 std::uint32_t cutPath(std::u16string_view text, std::uint32_t start, Parts& parts) noexcept {
     const std::uint32_t end = skip(text, start, InPath);
@@ -263,6 +251,17 @@ private:
 };
 
 }  // namespace
+
+void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t end,
+                   Parts& parts) noexcept {
+    std::uint32_t pathEnd = end;
+    // Names of files may hold a semicolon.
+    if (!keyword::equals(parts[URLPart::Scheme].of(text), "FILE")) {
+        pathEnd = find(text.substr(0, end), u';', start);
+        if (pathEnd < end) parts[URLPart::Parameters] = {pathEnd + 1, end - pathEnd - 1};
+    }
+    parts[URLPart::Path] = {start, pathEnd - start};
+}
 
 bool isPathUnit(char16_t unit) noexcept { return isIn(unit, InPath); }
 bool isURLUnit(char16_t unit) noexcept { return isIn(unit, InQuery | Reserved); }

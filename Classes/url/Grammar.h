@@ -45,6 +45,11 @@ struct Parts {
 /// Finds the parts of a URI or relative reference. False if the text is neither.
 bool cut(std::u16string_view text, Parts& parts) noexcept;
 
+/// Notes where the path and its parameters stand in a text of which all from start to end is a path.
+/// The scheme must have been noted.
+void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t end,
+                   Parts& parts) noexcept;
+
 /// A text with its parts.
 struct Reference {
     std::u16string_view text;

@@ -13,8 +13,12 @@
 
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
+#include "url/Escapes.h"
 #include "url/Reductions.h"
 #include "url/SessionNames.h"
+#include "url/SpecialSchemes.h"
+#include "url/WebHosts.h"
+#include "url/WebResolution.h"
 
 namespace velmo {
 namespace {
@@ -30,7 +34,7 @@ constexpr std::array<bool, 128> unitsOf(std::string_view others) {
                       others.find(static_cast<char>(unit)) != std::string_view::npos;
     return table;
 }
-constexpr auto PlainInPath = unitsOf("-._~!$'()*,:@");
+constexpr auto PlainInPath = unitsOf("-._~!$'()*,:@+&");
 constexpr auto PlainInQuery = unitsOf("-._~!$'()*,:@/?");
 
 /// Appends units with their escapes decoded where these need not be, and in capitals elsewhere.
@@ -64,13 +68,9 @@ void appendLower(StringBuilder& out, Units units) {
     out.commit(units.size());
 }
 
-std::uint32_t ownPortOf(Units scheme) {
-    constexpr std::pair<std::string_view, std::uint32_t> Ports[] = {
-        {"HTTP", 80}, {"HTTPS", 443}, {"FTP", 21}, {"WS", 80}, {"WSS", 443},
-    };
-    for (const auto& [name, port] : Ports)
-        if (keyword::equals(scheme, name)) return port;
-    return 0;
+Units withoutLastDots(Units host) {
+    while (host.ends_with(u'.')) host.remove_suffix(1);
+    return host;
 }
 
 /// "index" or "default" with one of the extensions that servers take for a folder's page.
@@ -131,37 +131,47 @@ private:
     }
 
     void writeHost() {
-        const std::size_t start = out_.length();
-        appendLower(out_, url_.part(URLPart::Host));
-        Units host = out_.view().substr(start);
-        while (host.ends_with(u'.')) host.remove_suffix(1);
-        // "www." alone in front of an ending is a name like any other.
-        if (options_.foldWWW)
-            while (host.starts_with(u"www.") && host.find(u'.', 4) != Units::npos)
-                host.remove_prefix(4);
-        std::char_traits<char16_t>::move(out_.data() + start, host.data(), host.size());
-        out_.truncate(start + host.size());
-        hostStart_ = start;
+        const SpecialScheme* const special = specialSchemeNamed(url_.part(URLPart::Scheme));
+        hostStart_ = out_.length();
+        const bool isDomain = special && appendDomain(url_.part(URLPart::Host));
+        if (!isDomain) appendLower(out_, withoutLastDots(url_.part(URLPart::Host)));
+        if (isDomain && options_.foldWWW) removeWWW();
         hostEnd_ = out_.length();
         const auto port = url_.port();
-        if (port && *port != ownPortOf(url_.part(URLPart::Scheme))) {
+        if (port && !(special && *port == special->port)) {
             out_.append(u':');
             for (const char digit : std::to_string(*port))
                 out_.append(static_cast<char16_t>(digit));
         }
     }
 
-    /// The path with its parameters: they stand side by side in the URL.
-    Units wholePath() const {
-        const Units path = url_.part(URLPart::Path), more = url_.part(URLPart::Parameters);
-        const char16_t* const end =
-            more.data() ? more.data() + more.size() : path.data() + path.size();
-        return {path.data(), static_cast<std::size_t>(end - path.data())};
+    /// The host in its ASCII form. False if it has none, or one that a URL holds in escapes only.
+    bool appendDomain(Units host) {
+        if (!appendDomainHost(out_, withoutLastDots(host))) return false;
+        if (out_.back() == u'.') {
+            // Letters of people may become dots at its end; what is left may be an address.
+            const std::u16string rest(withoutLastDots(out_.view().substr(hostStart_)));
+            out_.truncate(hostStart_);
+            if (!appendDomainHost(out_, rest)) return false;
+        }
+        const Units written = out_.view().substr(hostStart_);
+        if (std::all_of(written.begin(), written.end(), grammar::isURLUnit)) return true;
+        out_.truncate(hostStart_);
+        return false;
+    }
+
+    /// "www." alone in front of an ending is a name like any other.
+    void removeWWW() {
+        Units host = out_.view().substr(hostStart_);
+        while (host.starts_with(u"www.") && host.find(u'.', 4) != Units::npos)
+            host.remove_prefix(4);
+        std::char_traits<char16_t>::move(out_.data() + hostStart_, host.data(), host.size());
+        out_.truncate(hostStart_ + host.size());
     }
 
     void writePath(bool withoutIndex) {
         const std::size_t start = out_.length();
-        appendDecoded(out_, wholePath(), PlainInPath);
+        appendDecoded(out_, wholePathOf(url_), PlainInPath);
         const std::size_t end = out_.length();
         // What is written here never gets before what is read.
         out_.truncate(start);
@@ -183,6 +193,8 @@ private:
         if (component.empty() || component == u".") return;
         if (component == u"..") return dropLastComponent(start);
         if (options_.sessionIDs && isSessionComponent(component)) return;
+        // Some write parameters as folders.
+        if (component.find(u'=') != Units::npos && isTracking(Parameter{component}.name())) return;
         char16_t* const write = out_.prepare(length + 1);
         std::char_traits<char16_t>::move(write + 1, units, length);
         *write = u'/';
@@ -194,11 +206,13 @@ private:
         const Units component(units, length);
         std::size_t start = component.find(u';');
         if (start == Units::npos) return length;
+        const bool hasToken = keyword::contains(component, "CFTOKEN=");
         std::size_t write = start;
         while (start < length) {
             const std::size_t end = std::min(component.find(u';', start + 1), length);
             const Parameter parameter{component.substr(start + 1, end - start - 1)};
-            if (!isSessionParameter(parameter.name(), parameter.value())) {
+            const bool isClient = hasToken && keyword::equals(parameter.name(), "CFID");
+            if (!isClient && !isSessionParameter(parameter.name(), parameter.value())) {
                 std::char_traits<char16_t>::move(units + write, units + start, end - start);
                 write += end - start;
             }
@@ -253,13 +267,17 @@ private:
 
     bool isKept(const Parameter& parameter) const {
         const Units name = parameter.name(), value = parameter.value();
-        if (parameter.text.empty()) return false;
+        // What is left of a & that was written as a reference.
+        if (parameter.text.empty() || parameter.text == u"amp") return false;
         if (options_.emptyParams && name.size() + 1 == parameter.text.size()) return false;
         if (options_.sessionIDs && isSessionParameter(name, value)) return false;
-        if (!options_.tracking) return true;
+        return !isTracking(name);
+    }
+
+    bool isTracking(Units name) const {
         const auto& known =
             options_.parameters ? *options_.parameters : TrackingParameters::common();
-        return !known.contains(name, host());
+        return options_.tracking && known.contains(name, host());
     }
 
     /// The number of a client is one of a session only beside the token, which is gone already.
@@ -285,10 +303,25 @@ private:
     std::size_t hostStart_ = 0, hostEnd_ = 0;
 };
 
+/// The URL as the grammar has it: what only the URL standard leaves as it is, escaped.
+URL byGrammar(const URL& url) {
+    const Units text = url.absoluteString(), authority = url.part(URLPart::Authority),
+                fragment = url.part(URLPart::Fragment);
+    return URL::URLWithString(escapes::escaped(text, UTF8StringEncoding, [&](std::size_t i) {
+        const char16_t* const unit = text.data() + i;
+        if (*unit == u'%') return escapes::escapeAt(text, i) >= 0;
+        const bool isInAuthority =
+            unit >= authority.data() && unit < authority.data() + authority.size();
+        if (isInAuthority) return grammar::isURLUnit(*unit);
+        return grammar::isPathUnit(*unit) || *unit == u'?' || unit + 1 == fragment.data();
+    }));
+}
+
 }  // namespace
 
 String pageKey(const URL& url, const PageKeyOptions& options) {
     if (url.isAbsent()) return {};
+    if (WebURLs::isMade(url)) return pageKey(byGrammar(url), options);
     return KeyWriter(url, options).key();
 }
 

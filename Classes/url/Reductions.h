@@ -17,6 +17,14 @@ inline std::size_t indexOf(std::u16string_view text, char16_t unit, std::size_t 
     return static_cast<std::size_t>(scan::find(start + from, start + text.size(), unit) - start);
 }
 
+/// The path of a URL with its parameters, as it stands there.
+inline std::u16string_view wholePathOf(const URL& url) noexcept {
+    const std::u16string_view path = url.part(URLPart::Path), more = url.part(URLPart::Parameters);
+    // They stand side by side in the URL.
+    const char16_t* const end = more.data() ? more.data() + more.size() : path.data() + path.size();
+    return {path.data(), static_cast<std::size_t>(end - path.data())};
+}
+
 /// The text in front of a #, unless that belongs to the address: #! or #/ and more.
 std::u16string_view withoutAnchor(std::u16string_view text) noexcept;
 

@@ -25,6 +25,7 @@
 #include "text/Pieces.h"
 #include "text/Trim.h"
 #include "url/Reductions.h"
+#include "url/WebResolution.h"
 
 namespace velmo {
 namespace {
@@ -183,10 +184,19 @@ URL webURL(const URL& base, const String& link, const RelativeURLOptions& option
     return withoutDotSegments(isSame ? url : URL::URLWithString(standard));
 }
 
+/// The link as the URL standard reads it.
+URL asOnTheWeb(const URL& base, const String& link, const RelativeURLOptions& options) {
+    if (link.isAbsent()) return {};
+    const Units text = options.trimAnchor ? detail::withoutAnchor(link) : link.view();
+    if (options.trimAnchor && detail::withoutControlsAround(text).empty()) return {};
+    return detail::webURL(text, base, options.encoding);
+}
+
 }  // namespace
 
 URL URLRelativeTo(const URL& base, const String& link, const RelativeURLOptions& options) {
     if (base.isAbsent()) return {};
+    if (options.web.resolution) return asOnTheWeb(base, link, options);
     const String text = trimmed(link, options.trimAnchor && !base.isFileURL());
     if (text.isEmpty()) return {};
     const String string = repaired(text);
@@ -205,8 +215,9 @@ URL URLRelativeTo(const URL& base, const String& link, const RelativeURLOptions&
 
 URL URLWithStringRelativeTo(const String& string, const URL& base,
                             const RelativeURLOptions& options) {
-    return base.isAbsent() ? URLWithNormalizedStringURL(string, options.encoding)
-                           : URLRelativeTo(base, string, options);
+    if (!base.isAbsent()) return URLRelativeTo(base, string, options);
+    return options.web.resolution ? asOnTheWeb(base, string, options)
+                                  : URLWithNormalizedStringURL(string, options.encoding);
 }
 
 }  // namespace velmo

@@ -23,13 +23,34 @@ bool isNamed(Units name, std::string_view row) {
     return name.size() >= row.size() && isSameLower(name.substr(0, row.size()), row);
 }
 
-/// Sixteen letters and digits or more, some of them digits: no word, and no number of an article.
+/// How often letters and digits take turns; 0 if there is anything else.
+std::size_t numberOfTurns(Units value) {
+    if (!std::all_of(value.begin(), value.end(), ascii::isLetterOrDigit<char16_t>)) return 0;
+    std::size_t turns = 0;
+    for (std::size_t i = 1; i < value.size(); ++i)
+        turns += ascii::isDigit(value[i]) != ascii::isDigit(value[i - 1]);
+    return turns;
+}
+
+/// Sixteen units of ids or more, some of them digits; or ten that take turns as in no word.
 bool looksLikeId(Units value) {
     const auto isOfId = [](char16_t unit) {
         return ascii::isLetterOrDigit(unit) || unit == u'-' || unit == u'_' || unit == u'.';
     };
-    return value.size() >= 16 && std::all_of(value.begin(), value.end(), isOfId) &&
+    if (value.size() < 16) return value.size() >= 10 && numberOfTurns(value) >= 3;
+    return std::all_of(value.begin(), value.end(), isOfId) &&
            std::any_of(value.begin(), value.end(), ascii::isDigit<char16_t>);
+}
+
+bool looksLikeHexId(Units value) {
+    return looksLikeId(value) && value.size() >= 16 &&
+           std::all_of(value.begin(), value.end(),
+                       [](char16_t unit) { return ascii::hexValue(unit) < 16; });
+}
+
+bool isOf(SessionValue kind, Units value) {
+    return kind == SessionValue::Any ||
+           (kind == SessionValue::Id ? looksLikeId(value) : looksLikeHexId(value));
 }
 
 /// "(24 lower letters and digits)", as servers wrote sessions at first.
@@ -43,7 +64,7 @@ bool isPlainSession(Units inner) {
 
 bool isSessionParameter(Units name, Units value) {
     for (const SessionRow& row : sessionRows())
-        if (isNamed(name, row.name)) return !row.ifLong || looksLikeId(value);
+        if (isNamed(name, row.name)) return isOf(row.value, value);
     return false;
 }
 

@@ -19,15 +19,22 @@ struct TrackingRow {
     Knowledge knowledge;
 };
 
-/// 357 rows.
+/// 372 rows.
 std::span<const TrackingRow> trackingRows();
+
+/// What the value of a session's parameter must be.
+enum class SessionValue {
+    Any,
+    Id,     ///< letters and digits, long or mixed: no word, and no number of an article
+    HexId,  ///< a long hexadecimal number: no term that was searched for
+};
 
 struct SessionRow {
     std::string_view name;  ///< in lower case; a * at its end stands for anything
-    bool ifLong;            ///< only with a value that looks like an id
+    SessionValue value;
 };
 
-/// 34 rows.
+/// 36 rows.
 std::span<const SessionRow> sessionRows();
 
 }  // namespace velmo::detail

@@ -11,6 +11,7 @@
 #include "text/PathParts.h"
 #include "url/Escapes.h"
 #include "url/Grammar.h"
+#include "url/WebResolution.h"
 
 namespace velmo {
 
@@ -21,12 +22,14 @@ namespace grammar = detail::grammar;
 struct URL::Rep {
     String string;
     grammar::Parts parts;
+    bool isOfWeb = false;  ///< as the URL standard reads and writes it
 
     grammar::Reference reference() const { return {string, parts}; }
 
     /// The URL of a text whose parts are known.
     static URL urlOf(const String& string, const grammar::Parts& parts) {
-        return string.isAbsent() ? URL() : URL(std::make_shared<const Rep>(Rep{string, parts}));
+        return string.isAbsent() ? URL()
+                                 : URL(std::make_shared<const Rep>(Rep{string, parts, false}));
     }
     static URL urlOf(const grammar::Composed& composed) {
         return urlOf(composed.text, composed.parts);
@@ -127,6 +130,12 @@ URL URL::standardizedURL() const {
     if (isAbsent() || !hasDotSegments(rep_->reference().wholePath())) return *this;
     return Rep::urlOf(grammar::withoutDotSegments(rep_->reference()));
 }
+
+URL detail::WebURLs::made(const grammar::Composed& composed) {
+    if (composed.text.isAbsent()) return {};
+    return URL(std::make_shared<const URL::Rep>(URL::Rep{composed.text, composed.parts, true}));
+}
+bool detail::WebURLs::isMade(const URL& url) noexcept { return url.rep_ && url.rep_->isOfWeb; }
 
 std::ostream& operator<<(std::ostream& stream, const URL& url) {
     return stream << url.absoluteString();

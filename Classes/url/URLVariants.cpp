@@ -5,15 +5,19 @@
 #include <unistd.h>
 
 #include <velmocore/url/PercentEscapes.h>
-#include <velmocore/url/URLConstruction.h>
 #include <velmocore/url/URLPaths.h>
 #include <velmocore/url/URLSchemes.h>
 
+#include "text/Format.h"
 #include "text/Keyword.h"
 #include "url/Reductions.h"
+#include "url/WebResolution.h"
 
 namespace velmo {
 namespace {
+
+using detail::formatted;
+using detail::urlLike;
 
 /// With % and all that separates escaped, which leaves what user information may hold.
 String escapedCredential(const String& text) {
@@ -28,9 +32,8 @@ bool fileExists(const String& path) {
 /// feed: stands in front of a whole URL or in place of its scheme; both are found on pages.
 URL withHTTPForFeed(const URL& url) {
     const String specifier = url.resourceSpecifier();
-    return detail::keyword::beginsWith(specifier, "HTTP:")
-               ? URL::URLWithString(specifier)
-               : URLWithFormat(u"%@:%@", {u"http", specifier});
+    return detail::keyword::beginsWith(specifier, "HTTP:") ? urlLike(url, specifier)
+                                                           : urlLike(url, u"http:" + specifier);
 }
 
 }  // namespace
@@ -43,11 +46,12 @@ URL URLWithSchemeHostUserPassword(const URL& url, const String& scheme, const St
     // One without the other counts as none.
     const bool hasCredentials = !user.isEmpty() && !password.isEmpty();
     if (hasCredentials && port)
-        return URLWithFormat(u"%@://%@:%@@%@:%d%@", {scheme, user, password, host, port, path});
+        return urlLike(
+            url, formatted(u"%@://%@:%@@%@:%d%@", {scheme, user, password, host, port, path}));
     if (hasCredentials)
-        return URLWithFormat(u"%@://%@:%@@%@%@", {scheme, user, password, host, path});
-    if (port) return URLWithFormat(u"%@://%@:%d%@", {scheme, host, port, path});
-    return URLWithFormat(u"%@://%@%@", {scheme, host, path});
+        return urlLike(url, formatted(u"%@://%@:%@@%@%@", {scheme, user, password, host, path}));
+    if (port) return urlLike(url, formatted(u"%@://%@:%d%@", {scheme, host, port, path}));
+    return urlLike(url, formatted(u"%@://%@%@", {scheme, host, path}));
 }
 
 URL URLWithUser(const URL& url, const String& user, const String& password) {
@@ -58,22 +62,23 @@ URL URLWithUser(const URL& url, const String& user, const String& password) {
 
 URL URLWithoutCredentials(const URL& url) {
     const String text = detail::withoutCredentials(url);
-    return text.isIdenticalTo(url.absoluteString()) ? url : URL::URLWithString(text);
+    return text.isIdenticalTo(url.absoluteString()) ? url : urlLike(url, text);
 }
 
 URL URLWithScheme(const URL& url, const String& scheme) {
     if (url.isAbsent() || url.isFileURL() || scheme.isEmpty()) return url;
-    return URLWithFormat(u"%@:%@", {scheme, url.resourceSpecifier()});
+    return urlLike(url, formatted(u"%@:%@", {scheme, url.resourceSpecifier()}));
 }
 
 URL URLWithoutAnchor(const URL& url) {
     const std::u16string_view text = url.absoluteString(), rest = detail::withoutAnchor(text);
-    return rest.size() == text.size() ? url : URL::URLWithString(rest);
+    return rest.size() == text.size() ? url : urlLike(url, rest);
 }
 
 URL URLWithAnchor(const URL& url, const String& anchor) {
     if (url.isAbsent() || anchor.isEmpty()) return url;
-    return URLWithFormat(u"%@#%@", {String(detail::withoutAnchor(url.absoluteString())), anchor});
+    return urlLike(
+        url, formatted(u"%@#%@", {String(detail::withoutAnchor(url.absoluteString())), anchor}));
 }
 
 URL WebKitURL(const URL& url) {

@@ -6,7 +6,9 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/words/Separators.h>
 
+#include "words/EllipsizingWords.h"
 #include "words/RunScan.h"
+#include "words/WordText.h"
 
 namespace velmo {
 namespace {
@@ -38,13 +40,17 @@ String stringByEllipsizingAfterNWords(const String& text, std::size_t n) {
 }
 
 String stringByEllipsizingAfterNCharacters(const String& text, std::size_t n) {
+    return detail::ellipsizedAfterWord(text, n, nullptr);
+}
+
+String detail::ellipsizedAfterWord(const String& text, std::size_t n,
+                                   const UnspacedScripts* unspaced) {
     if (n == 0 || text.length() <= n) return text;
-    const CharacterSetRep& word = alphaNumCharacterSetRep();
-    std::size_t kept = n;
+    const WordText words{text, alphaNumCharacterSetRep(), unspaced};
     // The word in which the limit falls goes as a whole, and the separators in front of it too, so
     // that the dots stand right behind a word.
-    while (kept > 0 && word.contains(text[kept - 1])) --kept;
-    while (kept > 0 && !word.contains(text[kept - 1])) --kept;
+    std::size_t kept = words.startOfWord(n, 0);
+    while (kept > 0 && !words.isTerm(kept - 1)) --kept;
     return kept > 0 ? ellipsizedAt(text, kept) : text;
 }
 

@@ -11,6 +11,7 @@
 #include <cmath>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <shared_mutex>
 
 #include <velmocore/text/FastCompare.h>
@@ -21,6 +22,7 @@
 #include "platform/Files.h"
 #include "platform/Unicode.h"
 #include "words/LanguageTally.h"
+#include "words/LanguageTeller.h"
 
 namespace velmo {
 namespace {
@@ -29,6 +31,8 @@ using detail::LanguageTally;
 using detail::StopWordIndex;
 
 constexpr std::string_view FilePrefix = "StopWords";
+/// Below a folder of lists: those that only LanguageRules read.
+constexpr std::string_view FolderOfRules = "web";
 // Lengths are in units, the others in words of the text. One hit for forty words is little for a
 // text in the language; the margin is what short texts, which reach that with one hit, need
 // besides.
@@ -75,6 +79,32 @@ std::vector<String> wordsOfFile(const std::string& path) {
     if (!bytes) return {};
     return wordsUsingDefaultSeparation(stringWithData(*bytes, UTF8StringEncoding));
 }
+
+/// Keys and, parallel to them, their lists.
+struct Lists {
+    std::vector<String> keys;
+    std::vector<std::vector<String>> words;
+
+    void addDirectory(const std::string& directory, Error* error) {
+        for (const std::string& name : listsInDirectory(directory, error)) {
+            keys.push_back(String::fromUTF8(name).substring({FilePrefix.size(), NotFound}));
+            words.push_back(wordsOfFile(directory + '/' + name));
+        }
+    }
+    /// Adds the words of the others to the languages that are here already.
+    void merge(Lists&& others) {
+        for (std::size_t i = 0; i < others.keys.size(); ++i) {
+            const auto same = std::ranges::find(keys, others.keys[i]);
+            if (same == keys.end()) {
+                keys.push_back(others.keys[i]);
+                words.push_back(std::move(others.words[i]));
+            } else {
+                std::vector<String>& list = words[static_cast<std::size_t>(same - keys.begin())];
+                list.insert(list.end(), others.words[i].begin(), others.words[i].end());
+            }
+        }
+    }
+};
 
 /// The languages in the order in which they are compared: English is asked first and wins
 /// ties.
@@ -131,11 +161,14 @@ struct Race {
 // keys in it.
 struct LanguageFilter::State {
     State(std::span<const String> given, std::span<const std::vector<String>> stopWords,
-          bool ignore)
+          bool ignore, LanguageRules rules = {})
         : order(orderOf(given)),
           keys(permuted(given)),
           ignoreUmlauts(ignore),
-          index(listsOf(stopWords), ignore) {}
+          looksAtAllWords(rules.words),
+          index(listsOf(stopWords), ignore, rules.words ? 1 : LeastMinWordLen) {
+        if (rules.any()) teller.emplace(rules, keys, index);
+    }
 
     std::vector<String> permuted(std::span<const String> given) const {
         std::vector<String> result;
@@ -162,23 +195,36 @@ struct LanguageFilter::State {
         return detail::tallyOfText(text, index, keys.size(), with.minWordLen);
     }
 
+    detail::ToldLanguage told(std::u16string_view text, const Settings& with) const {
+        const bool isOwn = with.minWordLen > LeastMinWordLen || !looksAtAllWords;
+        return teller->tell(text, isOwn ? with.minWordLen : 1);
+    }
+
     const std::vector<std::size_t> order;
     const std::vector<String> keys;
     const bool ignoreUmlauts;
+    const bool looksAtAllWords;
     const StopWordIndex index;
-    mutable std::shared_mutex mutex;  // of the settings
+    std::optional<const detail::LanguageTeller> teller;  // if there are rules
+    mutable std::shared_mutex mutex;                     // of the settings
     Settings current;
 };
 
 LanguageFilter::LanguageFilter(const Path& path, bool ignoreUmlauts, Error* error) {
-    const std::string& directory = path.bytes();
-    std::vector<String> keys;
-    std::vector<std::vector<String>> stopWords;
-    for (const std::string& name : listsInDirectory(directory, error)) {
-        keys.push_back(String::fromUTF8(name).substring({FilePrefix.size(), NotFound}));
-        stopWords.push_back(wordsOfFile(directory + '/' + name));
+    Lists lists;
+    lists.addDirectory(path.bytes(), error);
+    state_ = std::make_unique<State>(lists.keys, lists.words, ignoreUmlauts);
+}
+
+LanguageFilter::LanguageFilter(const Path& path, const LanguageRules& rules, Error* error) {
+    Lists lists;
+    lists.addDirectory(path.bytes(), error);
+    if (rules.words && !lists.keys.empty()) {
+        Lists ofRules;
+        ofRules.addDirectory(path.bytes() + '/' + std::string(FolderOfRules), nullptr);
+        lists.merge(std::move(ofRules));
     }
-    state_ = std::make_unique<State>(keys, stopWords, ignoreUmlauts);
+    state_ = std::make_unique<State>(lists.keys, lists.words, false, rules);
 }
 
 LanguageFilter::LanguageFilter(std::span<const String> keys,
@@ -239,6 +285,7 @@ std::uint16_t LanguageFilter::ISOCodeForLanguage(std::u16string_view key) {
 
 String LanguageFilter::languageOfText(std::u16string_view text) const {
     if (state_->keys.empty()) return {};
+    if (state_->teller) return state_->told(text, state_->settings()).key;
     const LanguageTally tally = state_->tallyOf(text, state_->settings());
     Race race;
     race.enterLanguages(state_->keys, tally);
@@ -246,8 +293,25 @@ String LanguageFilter::languageOfText(std::u16string_view text) const {
     return race.winner && race.isClear(tally, race.previous) ? *race.winner : String();
 }
 
+String LanguageFilter::languageTagOfText(std::u16string_view text) const {
+    detail::ToldLanguage told;
+    if (state_->teller)
+        told = state_->told(text, state_->settings());
+    else
+        told.key = languageOfText(text);
+    if (told.key.isAbsent() || told.key == scriptKeys()[0]) return {};
+    std::u16string tag(told.key.view());
+    for (char16_t& unit : tag) unit = toLower(unit);
+    if (!told.form.empty()) tag.append(u"-").append(told.form);
+    return tag;
+}
+
 bool LanguageFilter::filterText(std::u16string_view text) const {
     const State::Settings settings = state_->settings();
+    if (state_->teller) {
+        const String key = state_->told(text, settings).key;
+        return !settings.language.isAbsent() && !key.isAbsent() && key != settings.language;
+    }
     if (!settings.chosen || state_->keys.empty()) return false;
     const LanguageTally tally = state_->tallyOf(text, settings);
     // The chosen language starts as the winner with nothing, so that a text without any hit is in

@@ -31,6 +31,8 @@ struct WordCount {
 class LanguageHits {
 public:
     std::uint64_t hits() const { return hits_; }
+    /// How many different words there were, four at most.
+    std::size_t distinct() const { return distinct_; }
     /// A language is not told by fewer words, however often they occur.
     bool hasEnoughWords() const { return distinct_ == words_.size(); }
 

@@ -15,12 +15,9 @@
 namespace velmo::detail {
 namespace {
 
-/// Shorter words are no stop words; nor are those that no scan can give.
-constexpr std::size_t ShortestStopWord = 3;
-
-/// The apostrophe and the full stop separate words.
-bool isUsable(std::u16string_view word) {
-    return word.size() >= ShortestStopWord && word.find_first_of(u"'.") == word.npos;
+/// Words that a scan can give: the apostrophe and the full stop separate words.
+bool isUsable(std::u16string_view word, std::size_t shortest) {
+    return word.size() >= shortest && word.find_first_of(u"'.") == word.npos;
 }
 
 /// The upper half, as the lower bits choose the place.
@@ -28,13 +25,14 @@ std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash
 
 }  // namespace
 
-StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts)
+StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts,
+                             std::size_t shortest)
     : fold_(ignoreUmlauts ? lowerUmlautsCharsTable() : lowerCharsTable()) {
     // Sorted, so that the words of each language come out in order; see wordsOf().
     std::map<String, std::vector<std::uint32_t>> languagesOfWords;
     for (std::uint32_t language = 0; language < lists.size(); ++language)
         for (const String& word : *lists[language]) {
-            if (!isUsable(word)) continue;
+            if (!isUsable(word, shortest)) continue;
             auto& languages = languagesOfWords[ignoreUmlauts ? nonUmlautedString(word) : word];
             // The lists are read one after the other: a word that stands twice in one finds its
             // own language last.

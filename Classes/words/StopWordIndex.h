@@ -17,8 +17,10 @@ class StopWordIndex {
 public:
     /// The lists of the languages, which are known by their indexes from now on. The words
     /// of a text are folded by the table before they are compared; those of the lists are
-    /// taken as they are, but lose their diacritics if asked for.
-    StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts);
+    /// taken as they are, but lose their diacritics if asked for. Words of less units than
+    /// the shortest are left out.
+    StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts,
+                  std::size_t shortest);
 
     static constexpr std::size_t NoWord = static_cast<std::size_t>(-1);
 

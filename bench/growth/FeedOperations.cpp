@@ -39,6 +39,7 @@ constexpr Operation Rows[] = {
          const FeedOptions based = {.baseURL = URL::URLWithString(u"http://h.org/")};
          use(readFeed(in.text, based));
          use(readFeed(in.text, {.boundCData = true}));
+         use(readFeed(in.text, {.baseURL = based.baseURL, .web = WebRules::today()}));
      }},
     {"the text as an item",
      [](const Input& in) {

@@ -47,6 +47,24 @@ constexpr Operation Rows[] = {
          use(GetTagsOfString(in.text, [](const Tag& tag) { return tag.isNamed("ZZ"); }));
          use(parseXmlWithHandler(in.text, [](const Tag& tag) { return tag.isNamed("ZZ"); }));
      }},
+    {"a page of today",
+     [](const Input& in) {
+         const WebRules today = WebRules::today();
+         const URL url = URL::URLWithString(u"http://h.org/a/");
+         const auto readAttribute = [](const Tag& tag) {
+             use(attributeOfTagCharacters(tag.whole(), "ZZ", tag.web));
+             return false;
+         };
+         use(GetTagsOfString(in.text, readAttribute, today));
+         const Page page = Page::pageWithString(in.text, url, today);
+         use(page.plainText());
+         use(page.links());
+         use(page.linkThumbnails());
+         use(page.metadata());
+         use(stripAttributesOfTag(in.text, "A", today));
+         use(resolveLinksUsingBaseURL(in.text, url, today));
+         use(stringBySettingBaseURL(in.text, u"http://h.org/", today));
+     }},
     {"attributes of each tag",
      [](const Input& in) {
          use(GetTagsOfString(in.text, [](const Tag& tag) {
@@ -134,8 +152,8 @@ constexpr Operation Rows[] = {
     {"frames and robots", [](const Input& in) { use(htmlLinksAndFramesSet(in.text)); }},
     {"resources",
      [](const Input& in) {
-         useEach<std::set<String>, std::u16string_view>(
-             in.text, {htmlImages, htmlStylesheetsAndScripts, htmlEmbeddedObjects});
+         for (const auto operation : {htmlImages, htmlStylesheetsAndScripts, htmlEmbeddedObjects})
+             use(operation(in.text, {}));
          use(htmlFavIcon(in.text));
      }},
     {"references",

@@ -52,6 +52,22 @@ const std::vector<QueryTerms>& fixedQueries() {
     return Queries;
 }
 
+/// Words of scripts without spaces, and what stands beside them.
+const std::vector<QueryTerms>& queriesWithinRuns() {
+    static const std::vector<QueryTerms> Queries = [] {
+        std::vector<QueryTerms> queries;
+        for (const char16_t* query :
+             {u"\u4E2D\u6587", u"\u4E2D*\u5B57", u"*\u6587", u"\u4E2D*\u6587*\u4E2D*\uAAAA",
+              u"?\u6587*", u"[\u4E2D\u5B57]\u6587*\u5B57*", u"\"\u4E2D \u6587\u5B57\"",
+              u"\u4E2D NEAR/3 \u5B57\u4E2D", u"\u6587\u5B57 AFTER \u4E2D\u6587",
+              u"\u5B57 BEFORE (\u4E2D\u6587 NEAR/2 \u6587)", u"\u4E2D\u6587 NEAR/900 -\u5B57\u5B57",
+              u"\u0E17* NEAR a*"})
+            queries.emplace_back(query, QueryOptions{.wildcard = true, .withinRuns = true});
+        return queries;
+    }();
+    return Queries;
+}
+
 template <class Work>
 void eachList(Work work) {
     for (const std::vector<String>& wildcards : wildcardLists()) work(wildcards);
@@ -179,6 +195,33 @@ constexpr Operation Rows[] = {
     {"hits of queries",
      [](const Input& in) {
          for (const QueryTerms& terms : fixedQueries()) use(hitsOfQueryTerms(in.text, terms));
+     }},
+    {"queries within runs",
+     [](const Input& in) {
+         for (const QueryTerms& terms : queriesWithinRuns()) {
+             use(terms.matchesString(in.text));
+             use(hitsOfQueryTerms(in.text, terms));
+             use(assembleOccurrencesOfQueryTerms(
+                 in.text, terms, {.ellipsizeAfterNCharacters = 900, .withinRuns = true}));
+             use(getOccurrencesOfQueryTerms(in.text, terms,
+                                            {.minEnclosingWords = 6, .withinRuns = true}));
+         }
+     }},
+    {"wildcards within runs",
+     [](const Input& in) {
+         eachList([&](const std::vector<String>& wildcards) {
+             const WildcardSearchOptions options{.withinRuns = true};
+             const auto goesOn = [](Range) { return true; };
+             use(forEachWildcard(in.text, wildcards, goesOn, options));
+             use(forEachWildcardBackwards(in.text, wildcards, goesOn, options));
+         });
+         for (const QueryTerms& terms : queriesWithinRuns()) {
+             const WildcardSearchOptions options{.withinRuns = true};
+             const auto goesOn = [](Range) { return true; };
+             const std::vector<String> wildcards = terms.plusParts();
+             use(forEachWildcard(in.text, wildcards, goesOn, options));
+             use(forEachWildcardBackwards(in.text, wildcards, goesOn, options));
+         }
      }},
     {"excerpts of wildcards",
      [](const Input& in) {

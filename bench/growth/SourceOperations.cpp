@@ -2,9 +2,12 @@
 #include <velmocore/gather/FeedSource.h>
 #include <velmocore/gather/JSONLinesSource.h>
 #include <velmocore/gather/PageReading.h>
+#include <velmocore/gather/RobotsRules.h>
 #include <velmocore/gather/SourceOpening.h>
 #include <velmocore/gather/WARCSource.h>
 #include <velmocore/markup/ContentDecoding.h>
+#include <velmocore/text/Removal.h>
+#include <velmocore/url/PercentEscapes.h>
 
 #include "Growth.h"
 
@@ -41,7 +44,23 @@ Data responseOf(const Input& in, std::u16string_view headers) {
         length + u"\r\n\r\n" + block);
 }
 
+/// A rule that is the text, and paths for which it nearly holds.
+void useRule(const Input& in) {
+    const String line = stringByRemovingFeeds(in.text);
+    const RobotsRules rules(dataOf(u"User-agent: *\nDisallow: /*" + line), "velmo");
+    const std::u16string path(in.text.length(), u'a');
+    use(rules.isAllowed(URL::URLWithString(u"http://h.org/" + String(path))));
+    const String same = stringByAddingPercentEscapesToURL(in.almost);
+    use(rules.isAllowed(URL::URLWithString(u"http://h.org/" + same)));
+}
+
 constexpr Operation Rows[] = {
+    {"robots.txt",
+     [](const Input& in) {
+         const RobotsRules rules(in.utf8, "velmo");
+         use(rules.isAllowed(URL::URLWithString(u"http://h.org/aaaaaaaaaaaaaaaaaaaaaaaaaaaaa")));
+     }},
+    {"a rule of robots.txt", useRule},
     {"archive of pages",
      [](const Input& in) {
          WARCSource archive(InputStream::ofBytes(in.utf8));

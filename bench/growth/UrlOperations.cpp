@@ -1,5 +1,6 @@
 // URLs: reading, resolving, escapes, parameters, judging, simplification, hosts and paths.
 #include <velmocore/url/AdvertisementFilter.h>
+#include <velmocore/url/DomainNames.h>
 #include <velmocore/url/FileKinds.h>
 #include <velmocore/url/InvertedPaths.h>
 #include <velmocore/url/LinkAcceptance.h>
@@ -67,6 +68,22 @@ constexpr Operation Rows[] = {
          use(URLRelativeTo(base(), in.text));
          use(URLRelativeTo(base(), in.text, {.trimAnchor = false, .standardize = false}));
          for (const URL& url : placedIn(in)) use(URLRelativeTo(url, u"../../x/./y.html"));
+     }},
+    {"resolving as browsers do",
+     [](const Input& in) {
+         const RelativeURLOptions options = {.trimAnchor = false, .web = {.resolution = true}};
+         for (const std::u16string_view start :
+              {u"", u"//", u"http://h.org/", u"//u:", u"?", u"foo:"})
+             use(URLRelativeTo(base(), start + in.text, options));
+         for (const URL& url : placedIn(in)) use(URLRelativeTo(url, u"../../x/./y.html", options));
+         use(pageKey(URLRelativeTo(base(), in.text, options)));
+     }},
+    {"domain names",
+     [](const Input& in) {
+         for (const std::u16string_view start : {u"", u"xn--", u"1.", u"["}) {
+             use(domainToASCII(start + in.text));
+             use(displayDomain(start + in.text));
+         }
      }},
     {"escapes away",
      [](const Input& in) {

@@ -14,6 +14,11 @@ namespace velmo::growth {
 
 namespace {
 
+const LanguageFilter& languagesOfToday() {
+    static const LanguageFilter filter(velmoResourcesDirectory(), LanguageRules::today());
+    return filter;
+}
+
 const LanguageFilter& languages() {
     static const LanguageFilter filter(velmoResourcesDirectory());
     return filter;
@@ -69,6 +74,7 @@ constexpr Operation Rows[] = {
          use(languages().languageOfText(in.text));
          use(languages().stopWordRatioOfText(in.text));
      }},
+    {"language-web", [](const Input& in) { use(languagesOfToday().languageTagOfText(in.text)); }},
 };
 
 }  // namespace

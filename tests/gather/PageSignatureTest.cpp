@@ -114,7 +114,7 @@ const CharacterSetRep* randomTermCharacters(std::mt19937& random) {
 }
 
 struct Outcomes {
-    std::size_t holding = 0, refused = 0;
+    std::size_t holding = 0, refused = 0, refusedByBytes = 0;
 };
 
 void checkCase(std::mt19937& random, Outcomes& outcomes) {
@@ -127,18 +127,22 @@ void checkCase(std::mt19937& random, Outcomes& outcomes) {
     std::vector<char> mayStand, stack;
     for (int queries = 0; queries < 4; ++queries) {
         const std::u16string written = randomQuery(random, text);
-        const QueryTerms terms(written, {.wildcard = random() % 2 == 0});
+        const QueryTerms terms(written, {.wildcard = random() % 2 == 0, .withinRuns = random() % 2 == 0});
         const auto comparison = static_cast<WildcardComparison>(random() % 8);
         const SearchQuery query(terms, comparison);
         query.signature().findWords(signature, mayStand);
         const bool mayHold = query.signature().mayHold(mayStand, stack);
         const bool holds = query.holdsFor(text);
+        std::vector<char> all(query.signature().numberOfWords(), true);
+        const bool mayHoldFor = query.signature().mayHoldFor(String(text).utf8(), all, stack);
+        ASSERT_TRUE(mayHoldFor || !holds) << String(written).utf8() << "\n" << String(text).utf8();
         ASSERT_TRUE(mayHold || !holds) << String(written).utf8() << "\n" << String(text).utf8();
         for (std::size_t word = 0; word < query.numberOfWords(); ++word)
             ASSERT_TRUE(mayStand[query.signatureNumberOf(word)] || query.countOf(word, text) == 0)
                 << String(written).utf8() << "\n" << String(text).utf8();
         outcomes.holding += holds;
         outcomes.refused += !mayHold;
+        outcomes.refusedByBytes += !mayHoldFor;
     }
 }
 
@@ -153,6 +157,7 @@ TEST(PageSignature, LosesNoHitOfRandomQueries) {
     // Otherwise nothing was proved.
     EXPECT_GT(outcomes.holding, count / 2);
     EXPECT_GT(outcomes.refused, count / 2);
+    EXPECT_GT(outcomes.refusedByBytes, count / 10);
     RecordProperty("holding", static_cast<int>(outcomes.holding));
     RecordProperty("refused", static_cast<int>(outcomes.refused));
 }

@@ -44,6 +44,15 @@ TEST(Page, TellsItsParts) {
     EXPECT_TRUE(other.favIcon().isAbsent());
 }
 
+TEST(Page, ResolvesAsBrowsersDo) {
+    const std::string bytes =
+        "<a href='\\\\i.org\\x|y'>1</a><a href='ht\ttp:z'>2</a><a href='java\nscript:a()'>3</a><a href=mailto:a>4</a>"
+        "<a href='#x'>5</a><a href=//[x>6</a><a href='?\xC3\xA4 #b'>7</a><img src=data:,a><img src=..\\c.png>";
+    const Page page(Bytes(bytes), {.url = URL::URLWithString(u"HTTP://H.org/d/e"), .web = WebRules::today()});
+    EXPECT_EQ(textOf(page.links()), "http://i.org/x|y http://h.org/d/z http://h.org/d/e?%C3%A4");
+    EXPECT_EQ(textOf(page.images()), "http://h.org/c.png");
+}
+
 TEST(Page, TellsItsMetadata) {
     const Page page = Page::pageWithString(
         u"<title>a</title><meta name=author content=A><meta name=description content=b><link rel=canonical "

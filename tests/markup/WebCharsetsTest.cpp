@@ -37,7 +37,13 @@ TEST(WebCharsets, AreFoundAsBrowsersDo) {
         {std::string("\xFF\xFE<\0", 4), u"", "utf-16le"},
         {"<META  CharSet = ' EUC-JP ' >", u"", "euc-jp"},
         {"<meta/charset='x-sjis'/>", u"", "shift_jis"},
-        {"<metacharset=koi8-r><meta charset=tis-620", u"", "windows-874"},
+        {"<metacharset=koi8-r><meta charset=tis-620>", u"", "windows-874"},
+        {"<meta charset=tis-620", u"", "windows-1252"},
+        {"<meta charset='tis-620>", u"", "windows-1252"},
+        {std::string("<\0?\0x\0", 6), u"", "utf-16le"},
+        {std::string("\0<\0?\0x", 6), u"gbk", "gbk"},
+        {"<meta charset='utf-8' charset=gbk http-equiv=refresh>", u"", "utf-8"},
+        {"<meta charset=nonsense http-equiv=content-type content='charset=gbk'>", u"", "windows-1252"},
         {"<meta charset=utf-16>", u"", "utf-8"},
         {"<meta charset=x-user-defined>", u"", "windows-1252"},
         {"<meta charset=nonsense><meta charset=gbk>", u"", "gbk"},
@@ -59,6 +65,15 @@ TEST(WebCharsets, AreFoundAsBrowsersDo) {
     };
     for (const auto& [page, header, expected] : cases)
         EXPECT_EQ(nameOf(webCharset(page, header).encoding), expected) << page;
+}
+
+// Only the first 1024 bytes count, and a tag must end in them.
+TEST(WebCharsets, AreLookedForInTheHead) {
+    for (const std::size_t length : {1000, 1006, 1007, 1024}) {
+        std::string page(length, ' ');
+        page += "<meta charset=gbk>";
+        EXPECT_EQ(nameOf(webCharset(page).encoding), length <= 1006 ? "gbk" : "windows-1252") << length;
+    }
 }
 
 TEST(WebCharsets, DecodePagesWhenAsked) {

@@ -125,6 +125,7 @@ struct CountingFinder {
         return found == NotFound ? Range::none() : Range{found, word.size()};
     }
     bool isOneRun(std::size_t) const { return true; }
+    bool isApart(std::size_t) const { return true; }
     bool isInOrder(std::size_t) const { return true; }
     bool cutsRuns(std::size_t) const { return false; }
 };
@@ -134,7 +135,7 @@ std::uint64_t questionsOf(const std::u16string& query, const std::u16string& tex
     const QueryTerms terms(query);
     const detail::QueryTree& tree = detail::QueryTree::of(terms);
     CountingFinder finder{tree, text};
-    detail::QueryEvaluation<CountingFinder, Remembers> evaluation(tree, text, alphaNumCharacterSetRep(), finder);
+    detail::QueryEvaluation<CountingFinder, Remembers> evaluation(tree, {text, alphaNumCharacterSetRep()}, finder);
     EXPECT_EQ(evaluation.matches(detail::QueryTree::indexOf(terms)), expected);
     return finder.asked;
 }

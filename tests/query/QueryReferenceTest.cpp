@@ -14,6 +14,7 @@
 #include "query/reference/ExcerptReference.h"
 #include "query/reference/QueryReference.h"
 #include "query/reference/RewritingReference.h"
+#include "query/reference/RunsReference.h"
 #include "query/reference/WildcardReference.h"
 
 namespace velmo {
@@ -121,8 +122,9 @@ std::optional<test::RefHit> hitOf(Range range) {
     return test::RefHit{range.location, range.length};
 }
 
-test::RefFind refWildcards(const std::u16string& text, WildcardComparison comparison) {
+test::RefFind refWildcards(const std::u16string& text, WildcardComparison comparison, bool withinRuns) {
     test::RefSearch search{.text = text, .comparison = static_cast<unsigned>(comparison), .acceptStar = true};
+    search.withinRuns = withinRuns;
     return [search](const test::RefNode& word, std::size_t start, std::size_t end) mutable {
         search.start = start;
         search.end = end;
@@ -131,8 +133,9 @@ test::RefFind refWildcards(const std::u16string& text, WildcardComparison compar
 }
 
 test::RefNextHit refNextWildcard(const std::u16string& text, const std::vector<std::u16string>& wildcards,
-                                 WildcardComparison comparison) {
+                                 WildcardComparison comparison, bool withinRuns) {
     test::RefSearch search{.text = text, .end = text.size(), .comparison = static_cast<unsigned>(comparison)};
+    search.withinRuns = withinRuns;
     return [search, wildcards](std::size_t from) mutable {
         search.start = from;
         return hitOf(test::refNearest(search, wildcards, false));
@@ -146,15 +149,15 @@ auto compared(const RandomCase& c, const Operation& operation) {
 }
 
 test::RefFind refFindOf(const RandomCase& c) {
-    return c.options.wildcard ? refWildcards(c.text, c.comparison)
-                              : test::refPlainWords(c.text, letterCaseOf(c.comparison));
+    return c.options.wildcard ? refWildcards(c.text, c.comparison, c.options.withinRuns)
+                              : test::refPlainWords(c.text, letterCaseOf(c.comparison), c.options.withinRuns);
 }
 
 // The parts of a case; each gives what differs, or nothing.
 
 std::string evaluationOf(const RandomCase& c, const QueryTerms& terms, const test::RefNode& reference) {
     const test::RefFind find = refFindOf(c);
-    const bool expected = test::refMatches(reference, c.text, find);
+    const bool expected = test::refMatches(reference, c.text, find, c.options.withinRuns);
     if (expected != compared(c, [&](auto how) { return terms.matchesString(c.text, how); }))
         return "does" + std::string(expected ? " not" : "") + " match";
     const bool contained = test::refContains(reference, c.text, find);
@@ -165,7 +168,7 @@ std::string evaluationOf(const RandomCase& c, const QueryTerms& terms, const tes
 
 /// Whether a wildcard is found everywhere: a lone star, be it in pieces.
 bool isLoneStar(const std::u16string& wildcard) {
-    const auto [words, hyphenated] = separatedWildcardWords(String(wildcard));
+    const auto [words, hyphenated] = separatedWildcardWords(String(test::refMasked(wildcard)));
     std::u16string joined = wildcard;
     if (wildcard.size() >= 3 && words.size() > 1) {
         if (!hyphenated) return false;
@@ -180,7 +183,7 @@ std::string hitsOf(const RandomCase& c, const QueryTerms& terms, const test::Ref
         return c.options.wildcard ? isLoneStar(word.word) : word.word.starts_with(u'*');
     };
     std::vector<Range> expected;
-    for (const test::RefHit& hit : test::refHits(reference, c.text, refFindOf(c), isEverywhere))
+    for (const test::RefHit& hit : test::refHits(reference, c.text, refFindOf(c), isEverywhere, c.options.withinRuns))
         expected.push_back({hit.location, hit.length});
     const auto found = compared(c, [&](auto how) { return hitsOfQueryTerms(c.text, terms, how); });
     if (found == expected) return {};
@@ -208,22 +211,22 @@ std::string excerptsOf(const RandomCase& c, const Strings& wildcards) {
     const bool strings = !c.options.wildcard;
     const String sought = wildcards.front();
     const auto next = strings ? test::refNextString(c.text, sought.view(), letterCaseOf(c.comparison))
-                              : refNextWildcard(c.text, unitsOf(wildcards), c.comparison);
+                              : refNextWildcard(c.text, unitsOf(wildcards), c.comparison, c.options.withinRuns);
     const AssemblyOptions& options = c.assembly;
     const String summary = strings ? assembleOccurrencesOfString(c.text, sought, options)
                                    : assembleOccurrencesOfWildcards(c.text, wildcards, options);
-    const auto expected = test::refAssemble(
-        c.text, next,
-        {options.singleWords, options.paragraphs,
-         options.separator.isAbsent() ? u" " : std::u16string(options.separator), options.ellipsizeAfterNCharacters});
+    const auto expected = test::refAssemble(c.text, next,
+                                            {options.singleWords, options.paragraphs,
+                                             options.separator.isAbsent() ? u" " : std::u16string(options.separator),
+                                             options.ellipsizeAfterNCharacters, options.withinRuns});
     if (summary != (expected ? String(*expected) : String()))
         return "has the summary " + summary.utf8() + " and not " + (expected ? utf8(*expected) : "none");
-    const OccurrenceOptions how{c.comparison, 1, options.paragraphs, c.minEnclosingWords};
+    const OccurrenceOptions how{c.comparison, 1, options.paragraphs, c.minEnclosingWords, false, options.withinRuns};
     std::vector<test::RefRecord> records;
     for (const Occurrence& o :
          strings ? getOccurrencesOfString(c.text, sought, how) : getOccurrencesOfWildcards(c.text, wildcards, how))
         records.push_back({o.range.location, o.range.length, o.line, std::u16string(o.string)});
-    return records == test::refOccurrences(c.text, next, options.paragraphs, c.minEnclosingWords)
+    return records == test::refOccurrences(c.text, next, options.paragraphs, c.minEnclosingWords, options.withinRuns)
                ? ""
                : "has other occurrences";
 }
@@ -252,20 +255,56 @@ std::string differenceOf(const RandomCase& c) {
     return {};
 }
 
-// VELMO_QUERY_CASES sets another number of cases, VELMO_QUERY_SEED other ones.
+/// The same in letters of scripts without spaces, and of others.
+RandomCase caseWithinRuns(std::mt19937& random) {
+    RandomCase c = randomCase(random);
+    const test::RefScripts scripts(random);
+    c.query = scripts(c.query);
+    c.text = scripts(c.text);
+    // Most spaces go, so that there are runs.
+    std::erase_if(c.text, [&](char16_t unit) { return unit == u' ' && random() % 3; });
+    c.options.withinRuns = c.assembly.withinRuns = true;
+    return c;
+}
+
+/// VELMO_QUERY_CASES sets another number of cases, VELMO_QUERY_SEED other ones.
+struct Cases {
+    explicit Cases(long usual) {
+        const char* wanted = std::getenv("VELMO_QUERY_CASES");
+        const char* seed = std::getenv("VELMO_QUERY_SEED");
+        count = wanted ? std::atol(wanted) : usual;
+        random.seed(seed ? static_cast<unsigned>(std::atol(seed)) : 2024);
+    }
+    long count;
+    std::mt19937 random;
+};
+
+std::string described(const RandomCase& c) {
+    return "query \"" + utf8(c.query) + "\", text \"" + utf8(c.text) + "\", wildcard " +
+           std::to_string(c.options.wildcard) + ", operator " +
+           std::to_string(static_cast<int>(c.options.defaultOperator)) + ", distance " +
+           std::to_string(c.options.defaultDistance) + ", comparison " +
+           std::to_string(static_cast<int>(c.comparison)) + ", flags " + std::to_string(c.flags);
+}
+
+TEST(QueryReference, RandomCasesWithinRunsAgree) {
+    Cases cases(20000);
+    long found = 0;
+    for (long i = 0; i < cases.count; ++i) {
+        const RandomCase c = caseWithinRuns(cases.random);
+        ASSERT_EQ(differenceOf(c), "") << described(c);
+        found += QueryTerms(c.query, c.options).matchesString(c.text);
+    }
+    EXPECT_GT(found, cases.count / 8);
+    EXPECT_LT(found, cases.count - cases.count / 8);
+}
+
 TEST(QueryReference, RandomCasesAgree) {
-    const char* wanted = std::getenv("VELMO_QUERY_CASES");
-    const char* seed = std::getenv("VELMO_QUERY_SEED");
-    const long count = wanted ? std::atol(wanted) : 200000;
-    std::mt19937 random(seed ? static_cast<unsigned>(std::atol(seed)) : 2024);
+    auto [count, random] = Cases(200000);
     std::array<long, 2> matches = {};  // without and with wildcards
     for (long i = 0; i < count; ++i) {
         const RandomCase c = randomCase(random);
-        ASSERT_EQ(differenceOf(c), "") << "query \"" << utf8(c.query) << "\", text \"" << utf8(c.text)
-                                       << "\", wildcard " << c.options.wildcard << ", operator "
-                                       << static_cast<int>(c.options.defaultOperator) << ", distance "
-                                       << c.options.defaultDistance << ", comparison " << static_cast<int>(c.comparison)
-                                       << ", flags " << c.flags;
+        ASSERT_EQ(differenceOf(c), "") << described(c);
         if (i < 20000)
             matches[c.options.wildcard] +=
                 compared(c, [&](auto how) { return QueryTerms(c.query, c.options).matchesString(c.text, how); });

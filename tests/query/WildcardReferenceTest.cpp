@@ -6,6 +6,7 @@
 #include <velmocore/query/FuzzyAnalogy.h>
 
 #include "TestSupport.h"
+#include "query/reference/RunsReference.h"
 #include "query/reference/WildcardReference.h"
 
 namespace velmo {
@@ -104,26 +105,30 @@ std::string differenceOf(const RandomCase& c) {
                                     .anchored = in.anchored,
                                     .direction = direction,
                                     .acceptStar = in.acceptStar,
-                                    .starIsWord = in.starIsWord}),
+                                    .starIsWord = in.starIsWord,
+                                    .withinRuns = in.withinRuns}),
           refFind(in, wildcard));
     check("string",
           FindWildcardStringInCharacters(in.text, range, wildcard,
                                          {.comparison = comparison,
                                           .minCharacters = in.minCharacters,
                                           .direction = direction,
-                                          .acceptStar = in.acceptStar}),
+                                          .acceptStar = in.acceptStar,
+                                          .withinRuns = in.withinRuns}),
           refFindString(in, wildcard));
     const Strings wildcards(c.wildcards.begin(), c.wildcards.end());
     RefSearch starless = in;
     starless.acceptStar = false;
-    check("first", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, direction, true}),
+    check("first",
+          rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, direction, true, in.withinRuns}),
           refNearest(starless, c.wildcards, true));
-    check("nearest", rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, direction, false}),
+    check("nearest",
+          rangeOfWildcard(in.text, range, wildcards, {comparison, in.minCharacters, direction, false, in.withinRuns}),
           refNearest(starless, c.wildcards, false));
     std::vector<Range> hits;
     (in.forward ? forEachWildcard : forEachWildcardBackwards)(in.text, wildcards,
                                                               [&](Range hit) { return hits.push_back(hit), true; },
-                                                              {comparison, in.minCharacters, range});
+                                                              {comparison, in.minCharacters, range, in.withinRuns});
     check("all", hits, refAllHits(in, c.wildcards));
     setMinWildcardFuzzyAnalogy(0.75);
     return found;
@@ -139,14 +144,28 @@ std::string described(const RandomCase& c) {
            (in.forward ? "" : ", backwards") + (in.acceptStar ? ", star" : "") + (in.starIsWord ? " as word" : "");
 }
 
-TEST(WildcardReference, RandomPatternsAndTexts) {
+/// The same in letters of scripts without spaces, and of others.
+RandomCase caseWithinRuns(std::mt19937& random) {
+    RandomCase c = randomCase(random);
+    const test::RefScripts scripts(random);
+    RefSearch& search = c.search;
+    for (std::u16string& wildcard : c.wildcards) wildcard = scripts(wildcard);
+    const std::size_t start = scripts(search.text.substr(0, search.start)).size();
+    search.end = scripts(search.text.substr(0, search.end)).size();
+    search.start = start;
+    search.text = scripts(search.text);
+    search.withinRuns = true;
+    return c;
+}
+
+void compareCases(unsigned long usual, RandomCase (*next)(std::mt19937&)) {
     // VELMO_QUERY_CASES sets another number of cases.
     const char* wanted = std::getenv("VELMO_QUERY_CASES");
-    const unsigned long cases = wanted ? std::strtoul(wanted, nullptr, 10) : 200'000;
+    const unsigned long cases = wanted ? std::strtoul(wanted, nullptr, 10) : usual;
     std::mt19937 random(2026);
     unsigned long found = 0;
     for (unsigned long i = 0; i < cases; ++i) {
-        const RandomCase c = randomCase(random);
+        const RandomCase c = next(random);
         found += refNearest(c.search, c.wildcards, true).isFound();
         ASSERT_EQ(differenceOf(c), "") << "case " << i << ": " << described(c);
     }
@@ -154,6 +173,9 @@ TEST(WildcardReference, RandomPatternsAndTexts) {
     EXPECT_GT(found, cases / 5);
     EXPECT_LT(found, cases - cases / 5);
 }
+
+TEST(WildcardReference, RandomPatternsAndTexts) { compareCases(200'000, randomCase); }
+TEST(WildcardReference, RandomPatternsWithinRuns) { compareCases(20'000, caseWithinRuns); }
 
 }  // namespace
 }  // namespace velmo

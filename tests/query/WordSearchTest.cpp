@@ -197,12 +197,12 @@ TEST(WordSearch, StepsOverWords) {
     std::mt19937 random(3);
     for (int round = 0; round < 300; ++round) {
         const std::u16string longText = test::randomText(random, u"ab ,", random() % 401);
-        detail::WordSteps steps(longText, set);
+        detail::WordSteps steps({longText, set});
         for (int i = 0; i < 40; ++i) {
             const std::uint64_t position = random() % (longText.size() + 1);
             const std::uint64_t edge = random() % (longText.size() + 1), n = random() % 60;
-            ASSERT_EQ(steps.forward(position, edge, n), detail::wordsForward(longText, set, position, edge, n));
-            ASSERT_EQ(steps.back(position, edge, n), detail::wordsBack(longText, set, position, edge, n));
+            ASSERT_EQ(steps.forward(position, edge, n), detail::wordsForward({longText, set}, position, edge, n));
+            ASSERT_EQ(steps.back(position, edge, n), detail::wordsBack({longText, set}, position, edge, n));
         }
     }
 }

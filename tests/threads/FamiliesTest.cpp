@@ -49,6 +49,7 @@
 #include <velmocore/text/StringRanges.h>
 #include <velmocore/text/TextAtIndex.h>
 #include <velmocore/text/Trimming.h>
+#include <velmocore/url/DomainNames.h>
 #include <velmocore/url/FileKinds.h>
 #include <velmocore/url/InvertedPaths.h>
 #include <velmocore/url/LinkAcceptance.h>
@@ -107,6 +108,7 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return joined(componentsUsingDefaultSeparation(text)); },
         [&] { return stringByEllipsizingAfterNWords(text, 20).utf8(); },
         [&] { return page.language(LanguageFilter(velmoResourcesDirectory())).utf8(); },
+        [&] { return LanguageFilter(velmoResourcesDirectory(), LanguageRules::today()).languageTagOfText(text).utf8(); },
         [&] { return query.matchesString(text, WildcardComparison::Insensitive) ? "yes" : "no"; },
         [&] { return std::to_string(hitsOfQueryTerms(text, query).size()); },
         [&] { return query.normalizedQueryTerm().utf8(); },
@@ -122,6 +124,10 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return std::to_string(crc32(text)); },
         [&] { return simplifiedStringURL(url.absoluteString()).utf8(); },
         [&] { return URLRelativeTo(url, u"../c//d.html#x").absoluteString().utf8(); },
+        [&] {
+            return URLRelativeTo(url, u"//B\u00FCcher.example\\c", {.web = WebRules::today()}).absoluteString().utf8() +
+                   displayDomain(u"xn--bcher-kva.example").utf8();
+        },
         [&] { return acceptStringURL(u"/l/?uddg=http%3A%2F%2Fexample.org%2F", url).absoluteString().utf8(); },
         [&] { return invertedPathRelativeToDirectory(url, u"/m").utf8(); },
         [&] { return stringURLIsAdvertisement(u"http://h.org/ads/1.gif") && !isSearchEngine(url) ? "ad" : "none"; },

@@ -28,6 +28,7 @@ protected:
         std::filesystem::create_directories(folder_ / "photos");
         std::filesystem::copy(test::dataPath("dsstore/comments-small.DS_Store"), folder_ / "photos/.DS_Store");
         write("pages.jsonl", "{\"url\":\"http://h/\",\"html\":\"<a href=x>link</a>\"}\nbad\n");
+        write("robots.txt", "User-agent: *\nDisallow: /private\n");
         write("form.bin", "--XyZ\r\nContent-Disposition: form-data; name=\"a\"\r\n\r\nx\r\n--XyZ--\r\n");
         write("prices.csv", "name,price\nTea,\"3,50\"\n");
         write("refs.bib", "@book{k, x = {A Title}}");
@@ -70,8 +71,9 @@ protected:
 
     void runExample(const std::string& example) const {
         std::string line = std::regex_replace(example, std::regex("\\bvelmo "), "\"$V\" ");
-        if (line.find(" fetch ") != line.npos)
+        if (line.find(" fetch ") != line.npos || line.find(" gather https") != line.npos)
             line = std::regex_replace(line, std::regex("https://www.example.org"), server_.at(""));
+        line = std::regex_replace(line, std::regex("--depth 2"), "--depth 2 --delay 0");
         shell("rm -rf archive.txt.gz *.store *.zip example.webloc extracted mirror");
         if (example.starts_with("velmo attributes") && !setAttributes()) return;
         shell(
@@ -115,7 +117,7 @@ TEST_F(HelpTool, RunsItsOwnExamples) {
         for (const std::string& example : examplesOf(help)) runExample(example), ++count;
     };
     const std::vector<std::string> names = commands();
-    EXPECT_EQ(names.size(), 67u);
+    EXPECT_EQ(names.size(), 71u);
     for (const std::string& name : names) {
         if (std::ranges::count(groups_, name)) continue;
         const std::string help = run("help " + name).out;
@@ -144,6 +146,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"fetch", server_.at("/")},
         {"text", "page.html"},
         {"links", "--details --base http://h/ page.html"},
+        {"robots", "robots.txt mybot http://h/"},
         {"feed", "feed.xml"},
         {"thumbs", "page.html"},
         {"meta", "page.html"},
@@ -167,6 +170,7 @@ TEST_F(HelpTool, TellsEveryMemberOfItsJSONInTheManual) {
         {"url simplify", "http://h/"},
         {"url key", "http://h/"},
         {"url parse", "http://h/"},
+        {"url host", "h"},
         {"url path", "http://h/"},
         {"url params", "http://h/?a=b"},
         {"url classify", "http://h/"},

@@ -162,5 +162,45 @@ TEST_F(Tool, ExplainsWhatCannotBeMeant) {
     EXPECT_EQ(run("match 'a \"b c\" (d OR [ef]*)'", "a").err, "");
 }
 
+// Real pages in Japanese, in three charsets, and in Chinese; and Thai.
+TEST_F(Tool, FindsTermsOfScriptsWithoutSpaces) {
+    const std::string japanese = VELMO_PAGES "/httpd-ja-utf8.html", chinese = VELMO_PAGES "/httpd-zh-cn-utf8.html";
+    const std::string all = VELMO_PAGES "/httpd-ja-utf8.html " VELMO_PAGES "/httpd-ja-euc-jp.html " VELMO_PAGES
+                                        "/httpd-ja-iso-2022-jp.html ";
+    const std::tuple<const char*, std::string, long> matched[] = {
+        {"\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE8\xA8\xB3", all, 1},                          // a word in a sentence
+        {"\xE3\x83\xAA\xE3\x83\x95\xE3\x82\xA1\xE3\x83\xAC\xE3\x83\xB3\xE3\x82\xB9", all, 2},  // and in a compound
+        {"'\xE6\x9C\x80\xE8\xBF\x91 NEAR/4 \xE5\x86\x85\xE5\xAE\xB9'", japanese, 0},
+        {"'\xE6\x9C\x80\xE8\xBF\x91 BEFORE/8 \xE5\x86\x85\xE5\xAE\xB9'", japanese, 1},
+        {"'\xE7\xBF\xBB\xE8\xAF\x91 BEFORE/4 \xE8\xBF\x87\xE6\x9C\x9F'", chinese, 1},  // counts characters
+        {"'\xE7\xBF\xBB\xE8\xAF\x91 BEFORE/3 \xE8\xBF\x87\xE6\x9C\x9F'", chinese, 0},
+        {"--whole-words \xE7\xBF\xBB\xE8\xAF\x91", chinese, 0},
+        {"--whole-words '~\xE7\xBF\xBB\xE8\xAF\x91'", chinese, 1},
+    };
+    for (const auto& [query, files, count] : matched)
+        EXPECT_EQ(run(std::string("match -c ") + query + " " + files).out, std::to_string(count) + "\n") << query;
+
+    const std::tuple<const char*, std::string, const char*> excerpts[] = {
+        {"\xE7\xBF\xBB\xE8\xAF\x91", chinese,
+         ("\xE6\xAD\xA4\xE7\xBF\xBB\xE8\xAF\x91\xE5\x8F\xAF\xE8\x83\xBD\xE8\xBF\x87\xE6\x9C\x9F")},
+        {"\xE5\x8F\xAF\xE8\x83\xBD\xE6\x80\xA7", japanese,
+         ("\xE3\x81\x93\xE3\x81\xAE\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE8\xA8\xB3\xE3\x81\xAF\xE3\x81\x99\xE3\x81\xA7"
+          "\xE3\x81\xAB\xE5\x8F\xA4\xE3\x81\x8F\xE3\x81\xAA\xE3\x81\xA3\xE3\x81\xA6\xE3\x81\x84\xE3\x82\x8B "
+          "\xE5\x8F\xAF\xE8\x83\xBD\xE6\x80\xA7\xE3\x81\x8C\xE3\x81\x82\xE3\x82\x8A\xE3\x81\xBE\xE3\x81\x99")},
+    };
+    for (const auto& [query, file, sentence] : excerpts)
+        EXPECT_EQ(run(std::string("excerpts ") + query + " " + file).out, file + ": " + sentence + "\n");
+
+    const std::string thai =
+        ("\xE0\xB8\x81\xE0\xB8\xB2\xE0\xB8\xA3\xE0\xB8\x97\xE0\xB8\x94\xE0\xB8\xAA\xE0\xB8\xAD\xE0\xB8\x9A\xE0\xB8\x99"
+         "\xE0\xB8\xB5\xE0\xB9\x89");
+    const std::string word = ("\xE0\xB8\x97\xE0\xB8\x94\xE0\xB8\xAA\xE0\xB8\xAD\xE0\xB8\x9A");
+    EXPECT_EQ(run("find --json " + word, thai).lines().at(0)["range"], Json({3, 5}));
+    EXPECT_EQ(run("find --json '" + word + "*'", thai).lines().at(0)["range"], Json({3, 5}));
+    EXPECT_EQ(run("find --whole-words " + word, thai).code, 1);
+    EXPECT_EQ(run("find --whole-words '*" + word + "*'", thai).code, 0);
+    EXPECT_NE(run("help query").out.find("--whole-words"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace velmo

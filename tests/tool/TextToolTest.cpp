@@ -95,6 +95,29 @@ TEST_F(Tool, ReadsPagesAsBrowsersOfTodayDo) {
     EXPECT_EQ(run("text p.html").out, "\xC2\x93&nexist; x yz\n");
     EXPECT_EQ(run("text --web --tabs p.html").out, "\xE2\x80\x9C\xE2\x88\x84x\ty\n");
     EXPECT_EQ(run("links p.html").out + run("links --web p.html").out, "/a\n/a%20\n");
+    write("r.html",
+          "<base href=x/><title><b></title><meta name=author content='a>b'><a title=it's href=c><img src=d.jpg>e</a>1 "
+          "< 2");
+    EXPECT_EQ(run("meta --json r.html").lines().at(0)["author"], "a");
+    const Json meta = run("meta --web --url http://h/ --json r.html").lines().at(0);
+    EXPECT_EQ(meta["author"], "a>b");
+    EXPECT_EQ(meta["title"], "<b>");
+    EXPECT_EQ(meta["base"], "http://h/x/");
+    EXPECT_EQ(run("strip --web --attributes a --inner a r.html").out, "<img src=d.jpg>e\n");
+    EXPECT_EQ(run("links --web --base http://h/ --details r.html").out,
+              "a\thttp://h/x/c\te\nimage\thttp://h/x/d.jpg\t\n");
+    EXPECT_EQ(run("thumbs --web --base http://h/ r.html").out, "c\thttp://h/d.jpg\tit's\te\n");
+    const auto gathered = [&](const std::string& option) {
+        return run("gather --json " + option + " --base http://h/ r.html").lines().at(0);
+    };
+    EXPECT_EQ(gathered("")["title"], "<b>");
+    EXPECT_EQ(gathered("")["links"], 1);
+    EXPECT_EQ(gathered(""), gathered("--web"));
+    EXPECT_EQ(gathered("--described")["title"], "");
+    EXPECT_EQ(gathered("--described")["links"], 0);
+    write("f.xml", "<feed xml:base='http://h/x/'><entry><link x=it's href=a /><title>1 < 2</title></entry></feed>");
+    EXPECT_EQ(run("feed f.xml").out + run("feed --web f.xml").out,
+              " (atom, 0, incomplete)\n (atom, 1)\n\thttp://h/x/a\t1 < 2\n");
     write("q.html", "<p>Zu&shy;cker");
     EXPECT_EQ(run("find zucker q.html").code + run("find --web zucker q.html").code, 1);
 }

@@ -48,6 +48,29 @@ TEST_F(Tool, UrlTellsPartsPathsAndParams) {
     EXPECT_EQ(run("url params", "http://h/?b=1").out, "http://h/?b=1\n  b=1\n");
 }
 
+TEST_F(Tool, UrlReadsAsBrowsersDo) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"resolve --web http://H.org:80/a '\\\\i.org\\b|c' '#x' mailto:a",
+         "http://i.org/b|c\nhttp://h.org/a#x\nmailto:a\n"},
+        {"resolve --web --json '' HTTP:h x",
+         "{\"link\":\"HTTP:h\",\"url\":\"http://h/\"}\n{\"link\":\"x\",\"url\":null}\n"},
+        {"simplify --web 'http:\\\\www.h\\a\\'", "http://h/a\n"},
+        {"repair --web '<HTTP:h>'", "http://h/ (no internet location)\n"},
+        {"key 'http:\\\\h.org\\a' http://h.org/a%7C 'http://h.org/a|' http:h.org",
+         "http://h.org/a\nhttp://h.org/a%7C\nhttp://h.org/a%7C\nhttp:h.org\n"},
+        {"key --web http:h.org www.h.org.uk", "http://h.org/\nhttp://h.org.uk/\n"},
+        {"host B\u00FCcher.de 0x7f.1 ::1 xn--80ak6aa92e.com",
+         "xn--bcher-kva.de (b\u00FCcher.de)\n127.0.0.1\n[::1]\nxn--80ak6aa92e.com\n"}};
+    for (const auto& [command, out] : cases) EXPECT_EQ(run(std::string("url ") + command).out, out) << command;
+    EXPECT_EQ(run("url parse --web --json 'HTTP:h:80/a|b'").lines().at(0)["rawPath"], "/a|b");
+    EXPECT_EQ(run("url host 'a b'").code, 2);
+    const Json deceptive = run("url host --json xn--80ak6aa92e.com a/b").lines();
+    EXPECT_NE(deceptive[0]["unicode"], deceptive[0]["display"]);
+    EXPECT_TRUE(deceptive[1]["ascii"].is_null() && deceptive[1]["display"].is_null());
+    const std::string page = write("page.html", "<a href='\\\\i.org\\x'>1</a><a href='http:y'>2</a>");
+    EXPECT_EQ(run("links --web --base http://h.org/ " + page).out, "http://i.org/x\nhttp://h.org/y\n");
+}
+
 TEST_F(Tool, UrlReducersAnswerOnTheLinksOfPages) {
     const std::string links = run("links --base http://www.example.org/a/b.html " + pages()).out;
     for (const char* command : {"resolve http://h.org/", "simplify", "path", "params"}) {

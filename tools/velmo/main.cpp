@@ -13,9 +13,12 @@
 
 #include "commands/Commands.h"
 #include "commands/QueryHelp.h"
+#include "frame/Completions.h"
 
 namespace velmo::tool {
 namespace {
+
+Command makeCompletionsCommand(Session& session);
 
 /// In the order of the help.
 const std::vector<CommandEntry>& allCommands() {
@@ -23,6 +26,7 @@ const std::vector<CommandEntry>& allCommands() {
         {"gather", makeGatherCommand},
         {"search", makeSearchCommand},
         {"fetch", makeFetchCommand},
+        {"robots", makeRobotsCommand},
         {"text", makeTextCommand},
         {"links", makeLinksCommand},
         {"feed", makeFeedCommand},
@@ -59,8 +63,26 @@ const std::vector<CommandEntry>& allCommands() {
         {"location", makeLocationCommand},
         {"helper", nullptr, helperActions(),
          "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
+        {"serve", makeServeCommand},
+        {"completions", makeCompletionsCommand},
     };
     return commands;
+}
+
+/// The one command that knows all others.
+Command makeCompletionsCommand(Session& session) {
+    auto shell = std::make_shared<std::string>();
+    const auto print = [&session, shell](Report& report) {
+        constexpr std::string_view Shells[] = {"bash", "zsh", "fish"};
+        constexpr decltype(&bashCompletion) Scripts[] = {bashCompletion, zshCompletion,
+                                                         fishCompletion};
+        const std::size_t index = indexOfName(*shell, Shells);
+        report.printBytes(Scripts[index](completedCommands(allCommands(), session)));
+    };
+    return {.summary = "Print what lets a shell complete command lines: bash, zsh or fish",
+            .examples = {"velmo completions fish"},
+            .arguments = {required("SHELL", *shell, "bash, zsh or fish")},
+            .run = print};
 }
 
 constexpr std::string_view OverviewHead =

@@ -9,6 +9,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/FunctionRef.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo {
@@ -64,6 +65,7 @@ struct FeedOptions {
     /// element that is no part of an item, or in a guid. Ours: with this it does not count outside
     /// of its element, and is the text of a guid, as XML has it.
     bool boundCData = false;
+    WebRules web = {};  ///< how tags, attributes, references and bases are read
 };
 
 /// What one scan tells of a feed.
@@ -92,10 +94,10 @@ VELMO_API Feed parseFeedWithHandler(std::u16string_view feed,
 [[nodiscard]] VELMO_API std::vector<FeedItem> getItemsOfFeed(std::u16string_view feed,
                                                              const URL& baseURL = {});
 /// Feed::title; the scan ends with the first item.
-[[nodiscard]] VELMO_API String feedTitle(std::u16string_view feed);
+[[nodiscard]] VELMO_API String feedTitle(std::u16string_view feed, const WebRules& web = {});
 
 /// Whether there is nothing to show of an item but its title: it has no icon, and its content, or
 /// else its description, is blank or says what the title says, iframes and what is no letter aside.
-[[nodiscard]] VELMO_API bool isEmptyFeedItem(const FeedItem& item);
+[[nodiscard]] VELMO_API bool isEmptyFeedItem(const FeedItem& item, const WebRules& web = {});
 
 }  // namespace velmo

@@ -35,7 +35,7 @@ struct FeedDisplayOptions {
     DateOptions dates = {};
     /// Ours: of the dates that are shown, as "en_GB"; the user's if empty.
     std::string locale = {};
-    FeedOptions feed = {};  ///< how a feed is read
+    FeedOptions feed = {};  ///< how a feed, and the markup of its items, is read
 };
 
 /// The display HTML of a feed, made in the scan of its items. A text that is no feed comes back as
@@ -48,7 +48,8 @@ struct FeedDisplayOptions {
 }
 
 /// One item, with its author and tags in the head. An item may have an icon here.
-[[nodiscard]] VELMO_API String stringByConvertingItemToSearchableHTML(const FeedItem& item);
+[[nodiscard]] VELMO_API String stringByConvertingItemToSearchableHTML(const FeedItem& item,
+                                                                      const WebRules& web = {});
 [[nodiscard]] VELMO_API String
 stringByConvertingItemToDisplayHTML(const FeedItem& item, const FeedDisplayOptions& options = {});
 [[nodiscard]] inline String stringByConvertingItemToDisplayHTMLUsingLinkedStyleSheet(
@@ -58,7 +59,7 @@ stringByConvertingItemToDisplayHTML(const FeedItem& item, const FeedDisplayOptio
 
 /// A list of items; none makes a page with an empty body.
 [[nodiscard]] VELMO_API String
-stringByConvertingItemsToSearchableHTML(std::span<const FeedItem> items);
+stringByConvertingItemsToSearchableHTML(std::span<const FeedItem> items, const WebRules& web = {});
 [[nodiscard]] VELMO_API String stringByConvertingItemsToDisplayHTML(
     std::span<const FeedItem> items, const FeedDisplayOptions& options = {});
 

@@ -38,8 +38,9 @@ struct PageRecord {
     std::uint32_t words = 0;   ///< of the text, for the length of it
     std::vector<PageLink> links = {};
     std::optional<Date> fetched;
-    std::int64_t status = 0;   ///< of HTTP; 0 where there was none
-    bool isErrorPage = false;  ///< whether it only says that there is no such page
+    String entityTag = {}, lastModified = {};  ///< by which its server knows this version again
+    std::int64_t status = 0;                   ///< of HTTP; 0 where there was none
+    bool isErrorPage = false;                  ///< whether it only says that there is no such page
     /// SHA-1 of the text in UTF-8; zeros if it is to be computed when it is needed. It tells texts
     /// apart, but proves nothing against who wants to deceive.
     std::array<std::uint8_t, SHA1DigestSize> digest = {};

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <span>
@@ -42,6 +43,8 @@ struct SearchOptions {
     bool facets = false;              ///< count what matches; see SearchResult
     bool useSignatures = true;        ///< false looks into each page: slower, with the same result
     std::size_t threads = 0;          ///< 0 for as many as the machine has
+    /// Asked between pages, on any of the threads; true ends the search with what was found.
+    std::function<bool()> shouldStop = {};
 };
 
 /// A page that matches.
@@ -61,6 +64,7 @@ struct SearchResult {
     std::size_t pages = 0;        ///< in all stores
     std::size_t matching = 0;     ///< pages for which the query holds
     std::size_t scanned = 0;      ///< pages whose text was looked at
+    bool isComplete = true;       ///< false if the search was stopped
     // With facets, of all pages that match: how many each has. Absent strings are "".
     std::map<String, std::size_t> languages, hosts;
     std::map<int, std::size_t> years;

@@ -28,9 +28,10 @@ struct SourcePage {
     URL url = {};             ///< where it stands; absent if that is not known
     Data bytes = {};          ///< without any coding of their transport
     String contentType = {};  ///< as a header told it; absent if none did
-    ContentKind kind = ContentKind::Unclear;  ///< where it is not, its bytes and its name decide
-    std::int64_t status = 200;                ///< of HTTP; 0 where there was none
-    std::optional<Date> fetched = {};         ///< when it was loaded
+    ContentKind kind = ContentKind::Unclear;   ///< where it is not, its bytes and its name decide
+    std::int64_t status = 200;                 ///< of HTTP; 0 where there was none
+    std::optional<Date> fetched = {};          ///< when it was loaded
+    String entityTag = {}, lastModified = {};  ///< by which its server knows this version again
     // Of what stands in a list, as the items of feeds; absent if the page itself is to tell.
     String title = {}, author = {}, date = {};
     std::optional<Error> error =

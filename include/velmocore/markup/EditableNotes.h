@@ -4,6 +4,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
@@ -16,11 +17,12 @@ namespace velmo {
 ///     formattedNote(u"<head>\n\n<title>a</title></head>");
 ///     // (<head><meta http-equiv="content-type" ...> and so on)
 ///
-/// An absent page stays absent. Time is linear in the page; nothing fails. Any thread.
-[[nodiscard]] VELMO_API String formattedNote(const String& page);
+/// An absent page stays absent. Time is linear in the page; nothing fails. Any thread. The rules of
+/// today, where they are on, count for tags and attributes.
+[[nodiscard]] VELMO_API String formattedNote(const String& page, const WebRules& web = {});
 
 /// Whether that meta tag stands in front of the body and is not empty; what it says does not
 /// matter.
-[[nodiscard]] VELMO_API bool isFormattedNote(std::u16string_view page);
+[[nodiscard]] VELMO_API bool isFormattedNote(std::u16string_view page, const WebRules& web = {});
 
 }  // namespace velmo

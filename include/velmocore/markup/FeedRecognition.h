@@ -4,13 +4,14 @@
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
 // Whether a text is a feed. The first tag that decides does so: the root of a feed, be it opening
 // or closing, says yes; html, head and body say no. All tags in front of it are passed over, as is
 // text, so that a comment or a warning of the server does not hide a feed. Absent or empty text is
-// none. Time is linear. Any thread.
+// none. Tags are told apart by the rules of today where they are on. Time is linear. Any thread.
 //
 //     isFeed(u"<?xml version='1.0'?><rss version='2.0'>");    // true
 //     isFeed(u"<html><body><rss>");                           // false
@@ -21,7 +22,7 @@ namespace velmo {
 /// What kind of feed it is, by the name of its root: rss, rdf:rdf or feed.
 enum class FeedDialect : std::uint8_t { None, RSS, RDF, Atom };
 
-[[nodiscard]] VELMO_API bool isFeed(std::u16string_view page);
+[[nodiscard]] VELMO_API bool isFeed(std::u16string_view page, const WebRules& web = {});
 
 struct FeedCompleteness {
     bool isFeed = false;
@@ -31,6 +32,7 @@ struct FeedCompleteness {
     /// Of the first root; ours.
     FeedDialect dialect = FeedDialect::None;
 };
-[[nodiscard]] VELMO_API FeedCompleteness isFeedComplete(std::u16string_view page);
+[[nodiscard]] VELMO_API FeedCompleteness isFeedComplete(std::u16string_view page,
+                                                        const WebRules& web = {});
 
 }  // namespace velmo

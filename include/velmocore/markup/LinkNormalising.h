@@ -4,6 +4,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
@@ -20,13 +21,16 @@ namespace velmo {
 /// @param decodePercentEscapes  whether the standard mode of convertPercentEscapesOfURL() runs too
 [[nodiscard]] VELMO_API String normalizedStringURL(std::u16string_view value,
                                                    bool decodePercentEscapes = false);
+/// The same by rules of today, in which references and escapes at the end differ.
+[[nodiscard]] VELMO_API String normalizedStringURL(std::u16string_view value, const WebRules& web);
 
 /// The same for the reference of a link tag, which counts from the root: a / is put in front
-/// unless it begins with . or / or holds "://".
-[[nodiscard]] VELMO_API String normalizedRelLink(std::u16string_view value);
+/// unless it begins with . or / or holds "://"; but not with WebRules::linkTags.
+[[nodiscard]] VELMO_API String normalizedRelLink(std::u16string_view value,
+                                                 const WebRules& web = {});
 
 /// Entities decoded, and white space cut at both ends.
-[[nodiscard]] VELMO_API String normalizedHtmlString(const String& string);
+[[nodiscard]] VELMO_API String normalizedHtmlString(const String& string, const WebRules& web = {});
 
 /// The seconds that a value like "7 days" stands for: its number times what "hour", "day" or
 /// "week" says, else the number itself. 0 if it does not begin with a number above 0.

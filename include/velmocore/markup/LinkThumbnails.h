@@ -6,6 +6,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo {
@@ -16,7 +17,7 @@ struct LinkThumbnailOptions {
     /// no links.
     URL baseURL = {};
     /// Links become whole URLs, and are taken out of what search engines wrap around them; see
-    /// resolveStringURL(). On pages of Google, Yahoo Search and LexisWeb the links to the
+    /// resolveStringURL(). With WebRules::resolution they are resolved and no more. On pages of Google, Yahoo Search and LexisWeb the links to the
     /// engine's own copies, translations and similar pages are left out.
     bool resolve = false;
     /// Honours the comments "googleoff:" and "googleon:". Where "index" is off, nothing is taken;
@@ -25,6 +26,7 @@ struct LinkThumbnailOptions {
     bool thumbnails = true;
     bool titles = true;
     bool texts = true;
+    WebRules web = {};  ///< how tags, attributes, references and texts are read
 };
 
 /// What was found for the links of a page. A key is a link as normalizedStringURL() makes it, or,

@@ -26,7 +26,8 @@ struct LinkOptions {
     bool useRelNoFollow = false;
     /// Leaves out what filterLink() does not find worth following.
     bool filter = false;
-    WebRules web = {};  ///< how references in links, and links that end with escapes, are read
+    WebRules web = {};  ///< how tags, references and links that end with escapes are read
+    URL url = {};       ///< where the page comes from, for WebRules::relativeBase
     /// Is asked for each link, with its raw reference and its text without tags; true keeps
     /// the link.
     FunctionRef<bool(std::u16string_view link, std::u16string_view text)> handler = nullptr;

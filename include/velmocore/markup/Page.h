@@ -22,9 +22,7 @@ struct PageOptions {
     std::u16string_view contentType = {};  ///< the value of its Content-Type header
     /// The encoding of pages that name none.
     StringEncoding defaultEncoding = velmo::defaultEncoding();
-    /// How its bytes, title, plain text and links are read; all else is read by the library's own
-    /// rules.
-    WebRules web = {};
+    WebRules web = {};  ///< how it is read
 };
 
 /// A page of the web, and what most programs want to know of it; the operations of the other

@@ -10,8 +10,8 @@
 
 namespace velmo {
 
-// What a page points at and is made of. References are normalised but not resolved. Any
-// thread.
+// What a page points at and is made of. References are normalised but not resolved. The rules of
+// today, where they are on, count for tags, attributes, references and bases. Any thread.
 //
 //     *htmlImages(u"<img src='a.png'><img src=' a.png'>").begin();    // a.png
 
@@ -32,29 +32,38 @@ struct HtmlReferences {
     bool isFrameSet = false;
 };
 
+struct ReferenceOptions {
+    URL url = {};  ///< where the page comes from, for WebRules::relativeBase
+    WebRules web = {};
+};
 /// The sources of frame and iframe tags, and the rest of HtmlReferences.
-[[nodiscard]] VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page);
+[[nodiscard]] VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page,
+                                                     const ReferenceOptions& options = {});
 [[nodiscard]] inline HtmlReferences htmlFramesBaseURL(std::u16string_view page) {
     return htmlFramesSet(page);
 }
 /// These and the references of a and area tags.
-[[nodiscard]] VELMO_API HtmlReferences htmlLinksAndFramesSet(std::u16string_view page);
+[[nodiscard]] VELMO_API HtmlReferences htmlLinksAndFramesSet(std::u16string_view page,
+                                                             const ReferenceOptions& options = {});
 [[nodiscard]] inline HtmlReferences htmlLinksAndFramesBaseURL(std::u16string_view page) {
     return htmlLinksAndFramesSet(page);
 }
 
 /// Images, the background of the body, and icons.
-[[nodiscard]] VELMO_API std::set<String> htmlImages(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlImages(std::u16string_view page,
+                                                    const WebRules& web = {});
 /// Sources of scripts, linked sheets, and the first import of each script or style element
 /// without a source. The SRC of a script is read from its opening tag only: the element comes
 /// with its body, and what a program says there of sources is no attribute.
-[[nodiscard]] VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlStylesheetsAndScripts(std::u16string_view page,
+                                                                   const WebRules& web = {});
 /// Objects, embedded content, audio, video, their sources and tracks.
-[[nodiscard]] VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page);
+[[nodiscard]] VELMO_API std::set<String> htmlEmbeddedObjects(std::u16string_view page,
+                                                             const WebRules& web = {});
 
 /// The reference of the first shortcut icon, from the root of the site; absent if there is
 /// none. A plain icon does not count.
-[[nodiscard]] VELMO_API String htmlFavIcon(std::u16string_view page);
+[[nodiscard]] VELMO_API String htmlFavIcon(std::u16string_view page, const WebRules& web = {});
 /// The same of one tag of a scan.
 [[nodiscard]] VELMO_API String getFavIcon(const Tag& tag);
 

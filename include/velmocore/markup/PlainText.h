@@ -20,7 +20,7 @@ struct PlainTextOptions {
     bool textareas = false;    ///< take the contents of text areas
     bool rubyText = true;      ///< take how characters are read, which stands beside them
     bool tabs = false;         ///< write a tab between the cells of a table, not a space
-    WebRules web = {};         ///< how references are read, and what is text
+    WebRules web = {};         ///< how tags and references are read, and what is text
 };
 
 // The text of a page, for indexing, word counts and previews. Tags become line breaks,
@@ -61,6 +61,7 @@ struct HtmlPlainText {
 [[nodiscard]] VELMO_API String stringByConvertingHtml2ReformattedPlainText(const String& page);
 
 /// The bare text of the body, each span after a space, without any structure.
-[[nodiscard]] VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page);
+[[nodiscard]] VELMO_API String stringByConvertingHtml2SimplifiedPlainText(const String& page,
+                                                                          const WebRules& web = {});
 
 }  // namespace velmo

@@ -6,25 +6,31 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
 // Attributes of one tag. The tag is its whole text, angle brackets included. Names are
 // given in upper case and compared without regard to case. Entities are not decoded. An
-// attribute that is missing, empty or broken is absent.
+// attribute that is missing, empty or broken is absent. WebRules::attributes reads them by the HTML
+// standard.
 //
 //     attributeOfTagCharacters(u"<a href='x' id=y>", "HREF");   // x
 
 /// The value of an attribute.
 [[nodiscard]] VELMO_API String attributeOfTagCharacters(std::u16string_view tag,
-                                                        std::string_view name);
+                                                        std::string_view name,
+                                                        const WebRules& web = {});
 /// The value of "CONTENT"; markup inside a quoted value is tolerated, as meta tags need.
-[[nodiscard]] VELMO_API String contentAttributeOfTagCharacters(std::u16string_view tag);
+[[nodiscard]] VELMO_API String contentAttributeOfTagCharacters(std::u16string_view tag,
+                                                               const WebRules& web = {});
 /// Where the value stands, counted from the start of the view; makes no string.
 [[nodiscard]] VELMO_API Range rangeOfAttributeOfTagCharacters(std::u16string_view tag,
-                                                              std::string_view name);
+                                                              std::string_view name,
+                                                              const WebRules& web = {});
 /// The same for "CONTENT", with the tolerance told above.
-[[nodiscard]] VELMO_API Range rangeOfContentAttributeOfTagCharacters(std::u16string_view tag);
+[[nodiscard]] VELMO_API Range rangeOfContentAttributeOfTagCharacters(std::u16string_view tag,
+                                                                     const WebRules& web = {});
 
 // The same task with the rules for strings: a preceding underscore does not reject a
 // name, repeated = units are not skipped.
@@ -64,9 +70,10 @@ struct TagSize {
     explicit operator bool() const { return width > 0; }
 };
 /// From "WIDTH" and "HEIGHT", else from the tag's style.
-[[nodiscard]] VELMO_API TagSize getTagWidth(std::u16string_view tag);
+[[nodiscard]] VELMO_API TagSize getTagWidth(std::u16string_view tag, const WebRules& web = {});
 
 /// The URL of a background image that does not repeat, named in the tag's style.
-[[nodiscard]] VELMO_API String backgroundStyleURLOfTagCharacters(std::u16string_view tag);
+[[nodiscard]] VELMO_API String backgroundStyleURLOfTagCharacters(std::u16string_view tag,
+                                                                 const WebRules& web = {});
 
 }  // namespace velmo

@@ -9,6 +9,7 @@
 #include <velmocore/platform/FunctionRef.h>
 #include <velmocore/platform/Range.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
@@ -29,6 +30,7 @@ struct Tag {
     std::size_t tagLength = 0;     ///< with both angle brackets; see whole()
     std::size_t textLocation = 0;  ///< one past the end of the tag before
     TagKind kind = TagKind::End;
+    WebRules web = {};  ///< by which it was scanned, and its attributes are read
 
     /// The name as it stands, without regard to case; a closing tag's is the same as
     /// its opening one's. Empty where there is none.
@@ -79,11 +81,16 @@ using TagHandler = FunctionRef<bool(const Tag&)>;
 ///
 /// Time is linear in the text. Any thread may scan; all state is on the stack. Nothing is cut
 /// short for want of memory: here and in all that reads pages, std::bad_alloc passes through.
-VELMO_API bool GetTagsOfString(std::u16string_view string, TagHandler handler);
+///
+/// The rules of WebRules for attributes, tags, comments, raw texts and self-closing tags decide
+/// otherwise where they are on. A tag in which the page ends is then reported as a comment is.
+VELMO_API bool GetTagsOfString(std::u16string_view string, TagHandler handler,
+                               const WebRules& web = {});
 
 /// The same under a guard: an exception out of the handler is logged and the result is
 /// false. Only std::bad_alloc passes through, since a text that is cut is none.
-VELMO_API bool parseXmlWithHandler(std::u16string_view string, TagHandler handler);
+VELMO_API bool parseXmlWithHandler(std::u16string_view string, TagHandler handler,
+                                   const WebRules& web = {});
 
 /// The string with every unit below 32 but tab, LF and CR replaced by a space; the
 /// string itself if there is none.

@@ -6,6 +6,7 @@
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo {
 
@@ -14,7 +15,9 @@ namespace velmo {
 // decoded. A script or style element is one tag, its body included.
 //
 // Names are ASCII, and given in capitals; tags are compared with them in any case. An absent
-// string stays absent. Time is linear in the text; nothing fails. Any thread.
+// string stays absent. Time is linear in the text; nothing fails. Any thread. The rules of today, where they
+// are on, count for tags and attributes; a tag that ends in "/>" then closes itself only if its
+// element never has contents.
 //
 //     stripTags(u"<b>a</b>c");                               // " a c"
 //     stripTag(u"a <span>b</span>", "SPAN");                 // a b
@@ -23,20 +26,23 @@ namespace velmo {
 
 /// The text without any tag, comment or declaration. A space stands in front of each stretch of
 /// text, the first one too, unless there is white space already.
-[[nodiscard]] VELMO_API String stripTags(const String& text);
+[[nodiscard]] VELMO_API String stripTags(const String& text, const WebRules& web = {});
 
 /// The text without the tags of one name, opening and closing ones; what stands between them
 /// stays. The string itself for an empty name and if there is no such tag.
-[[nodiscard]] VELMO_API String stripTag(const String& text, std::string_view name);
+[[nodiscard]] VELMO_API String stripTag(const String& text, std::string_view name,
+                                        const WebRules& web = {});
 
 /// The text with the tags of one name bare: an opening one keeps its HREF, else its SRC, and is
 /// written with the name as given. A tag that ends in "/>" goes if it has neither. The string
 /// itself for an empty name and if there is no such tag.
-[[nodiscard]] VELMO_API String stripAttributesOfTag(const String& text, std::string_view name);
+[[nodiscard]] VELMO_API String stripAttributesOfTag(const String& text, std::string_view name,
+                                                    const WebRules& web = {});
 
 /// What becomes of the elements that are named.
 struct TagBodyOptions {
     bool except = false;  ///< all but them goes, instead of them
+    WebRules web = {};
 };
 
 /// The text without the elements whose opening tag begins with one of the given texts in any
@@ -60,9 +66,11 @@ struct TagBodyOptions {
 /// The first element of a name without its own tags, nor any other tag of that name in it.
 /// Absent for an empty name and if there is no such tag; a closing tag in front of all opening
 /// ones is none.
-[[nodiscard]] VELMO_API String innerTagBody(const String& text, std::string_view name);
+[[nodiscard]] VELMO_API String innerTagBody(const String& text, std::string_view name,
+                                            const WebRules& web = {});
 /// The same with these tags.
-[[nodiscard]] VELMO_API String outerTagBody(const String& text, std::string_view name);
+[[nodiscard]] VELMO_API String outerTagBody(const String& text, std::string_view name,
+                                            const WebRules& web = {});
 [[nodiscard]] inline String tagBody(const String& text, std::string_view name, bool inner) {
     return inner ? innerTagBody(text, name) : outerTagBody(text, name);
 }

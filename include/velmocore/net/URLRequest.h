@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <velmocore/net/HTTPHeaders.h>
+#include <velmocore/net/Networks.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Path.h>
@@ -31,6 +32,13 @@ struct DownloadLimits {
     std::size_t body = std::size_t{1} << 28;    ///< bytes, after decompression
     std::size_t header = std::size_t{1} << 18;  ///< bytes of all heads of one response
     std::size_t redirects = 20;
+    /// Seconds from its start to its end, redirects too; 0 for as long as it takes.
+    double seconds = 0;
+    /// Where connections may go, redirects too. The address that is connected to is what counts,
+    /// so that no name can lead elsewhere than it did when it was looked up before. A proxy looks
+    /// names up itself and is trusted with it: with a proxy in the environment all goes through
+    /// it, whatever no_proxy says, and only what networksOfHostName() tells is refused here.
+    NetworkKinds networks = AllNetworks;
 };
 
 /// What to load and how. A request without a URL is *absent*.
@@ -51,6 +59,8 @@ struct URLRequest {
     URLCache* cache = nullptr;
     /// A file of certificates, in PEM, that are trusted instead of the system's.
     Path certificateAuthorities = {};
+    /// Without it the response that asks for a redirect is the answer.
+    bool followsRedirects = true;
 
     [[nodiscard]] bool isAbsent() const noexcept { return url.isAbsent(); }
 };

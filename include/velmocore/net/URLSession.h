@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -30,6 +31,11 @@ public:
 
     /// Starts a request; see downloadAsynchronous() for when and where the handler is called.
     void dataTaskWithRequest(const URLRequest& request,
+                             DownloadCompletionHandler completionHandler) const;
+    /// The same, which ends with a response that is not accepted: its body is not loaded. Ours; the
+    /// question is asked on the thread on which the handler is called.
+    void dataTaskWithRequest(const URLRequest& request,
+                             std::function<bool(const URLResponse& response)> acceptResponse,
                              DownloadCompletionHandler completionHandler) const;
 
     /// Starts a request and waits for its end. An absent request gives nothing. May be called by

@@ -48,6 +48,10 @@ struct AssemblyOptions {
     bool strictSentenceEnds = false;
     /// A sentence that does not fit is not cut between the halves of a pair.
     bool keepsPairs = false;
+    /// Each character of a script without spaces is a word; see QueryOptions. Sentences also end
+    /// with the punctuation of these scripts, and none is cut inside a character. A query tells of
+    /// its terms by itself.
+    bool withinRuns = false;
 };
 
 /// The sentences or paragraphs with a hit, each once. One that does not fit is cut such that
@@ -114,6 +118,7 @@ struct OccurrenceOptions {
     /// A . or ! or ? ends a sentence only before white space or the end of the text, so that
     /// 2.4 and example.org stay whole.
     bool strictSentenceEnds = false;
+    bool withinRuns = false;  ///< see AssemblyOptions
 };
 
 /// The sentences or paragraphs with a hit, in their order. All hits in one excerpt make one

@@ -39,6 +39,8 @@ struct QueryProblem {
                                                                   const QueryOptions& options = {});
 
 /// The same for a wildcard of its own, as searches and excerpts take it.
-[[nodiscard]] VELMO_API std::vector<QueryProblem> problemsOfWildcard(std::u16string_view wildcard);
+[[nodiscard]] VELMO_API std::vector<QueryProblem> problemsOfWildcard(std::u16string_view wildcard,
+                                                                     const QueryOptions& options = {
+                                                                         .wildcard = true});
 
 }  // namespace velmo

@@ -43,6 +43,13 @@ struct QueryOptions {
     /// Terms are wildcard patterns: a [ begins a set of characters and not a comment, and a
     /// term marked with ~ gets a star at both ends.
     bool wildcard = false;
+    /// Han, Kana, Thai, Lao, Burmese and Khmer put no spaces between words. With this, which is
+    /// ours, each character of theirs counts as a word, so that a term is found inside a run of
+    /// them, as is what other words stand beside them; and distances count characters there.
+    ///
+    ///     QueryTerms(u"\u6771\u4EAC", {.withinRuns = true})
+    ///         .matchesString(u"\u79C1\u306F\u6771\u4EAC\u3078", Case::Sensitive);     // true
+    bool withinRuns = false;
 };
 
 /// What a node says of itself, apart from its text or children.

@@ -27,6 +27,15 @@ namespace velmo {
 //     rangeOfWildcard(u"Hello, world", u"h?llo w*");               // {0, 12}
 //     rangeOfWildcard(u"send email", u"e-mail");                   // {5, 5}
 //
+// Scripts without spaces. With withinRuns, which is ours, each character of Han, Kana, Thai, Lao,
+// Burmese and Khmer is a word of its own, a mark being one with what it stands on. A wildcard may
+// match several such words in a row; of what ends first, the shortest is found, which a star at
+// its end does not make longer. Words of these scripts are not sought by resemblance.
+//
+//     const String text = u"\u79C1\u306F\u6771\u4EAC\u3078";
+//     rangeOfWildcard(text, u"\u6771*", {.withinRuns = true});              // {2, 1}
+//     rangeOfWildcard(text, u"\u79C1*\u4EAC", {.withinRuns = true});        // {0, 4}
+//
 // Malformed and unusable wildcards find nothing. Ranges count UTF-16 units and are cut at
 // the end of the text; a search that begins inside a word does not take the rest of it for
 // a word, but the end of the range ends one. A call takes time in proportion to the text,
@@ -43,6 +52,7 @@ struct FindWildcardOptions {
     bool acceptStar = false;                   ///< a lone * finds something: the whole range, or
     bool starIsWord = false;  ///< the first word; backwards, the first unit, if it begins one
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
+    bool withinRuns = false;                          ///< see "Scripts without spaces" above
 };
 
 /// The first word in a range that matches a pattern for one word. A pattern without star and
@@ -62,6 +72,7 @@ struct FindWildcardStringOptions {
     Direction direction = Direction::Forward;
     bool acceptStar = false;  ///< in a phrase, a lone * is any word in any case
     const CharacterSetRep* termCharacters = nullptr;
+    bool withinRuns = false;
 };
 
 /// The same for a pattern of one word or several. Backwards, a phrase is looked for from its
@@ -76,6 +87,7 @@ struct NearestWildcardOptions {
     std::size_t minCharacters = 1;
     Direction direction = Direction::Forward;
     bool firstHit = false;  ///< any hit will do: that of the first wildcard that has one
+    bool withinRuns = false;
 };
 
 /// The nearest hit of any wildcard in a range. Each hit shortens the stretch for the
@@ -90,6 +102,7 @@ struct WildcardSearchOptions {
     WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;
     Range range = {0, NotFound};  ///< in units of the text
+    bool withinRuns = false;      ///< see "Scripts without spaces" above
 };
 
 /// Whether any of the wildcards occurs in the range.

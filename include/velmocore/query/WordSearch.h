@@ -30,6 +30,8 @@ struct FindWordOptions {
     Direction direction = Direction::Forward;  ///< the last occurrence, and not the first
     bool wholeWord = true;
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
+    /// Each character of a script without spaces is a word; see QueryOptions.
+    bool withinRuns = false;
 };
 
 /// The location of a word in a range, or NotFound, as for an empty word. A word that begins
@@ -45,6 +47,8 @@ struct FindPhraseOptions {
     /// Whether the words after the first must be whole; the first is in any case.
     bool exact = false;
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
+    /// Each character of a script without spaces is a word; see QueryOptions.
+    bool withinRuns = false;
 };
 
 /// Several words in a row, with any units between them that are no term units, but at least
@@ -84,6 +88,7 @@ struct TermSearchOptions {
     bool anchored = true;  ///< whole words only
     /// A term of several words is looked for as it is written, and not word by word.
     bool exactPhrase = false;
+    bool withinRuns = false;  ///< see FindWordOptions
 };
 
 /// The first or the last occurrence of a word in a range, which must lie inside the text and

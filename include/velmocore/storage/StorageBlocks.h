@@ -59,7 +59,9 @@ struct BlockWalking {
     bool salvage = false;
     /// Ours: what is whole by its own looks. Blocks that it is true of are not summed up: a live one
     /// is told without a look at its checksum, so that most of a store need not be read. It must
-    /// not be true of a block that swallows the next one, whose length or padding is damaged.
+    /// not be true of a block that swallows the next one, whose length or padding is damaged. Of all
+    /// others only a payload with the right checksum is believed: with salvage, whole blocks that
+    /// stand elsewhere in them are told too, as what is appended behind damage may come to stand.
     StorageBlockTrust isTrusted = {};
 };
 /// Calls the handler for each block, dead or alive, and for each damage, in order, until it returns

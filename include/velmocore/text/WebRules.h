@@ -33,6 +33,53 @@ struct WebRules {
     ///
     ///     stringByConvertingHtml2PlainText(u"<p>Zu&shy;cker", {.web = WebRules::today()});  // "Zucker"
     bool softHyphens = false;
+    /// Attributes are those of the HTML standard: a quote mark opens a value right behind its =, and
+    /// only there; a quoted value may hold a >; of two attributes of one name the first counts.
+    ///
+    ///     *htmlImages(u"<img alt=a@b.org' src=c.png>", WebRules::today()).begin();   // c.png
+    bool attributes = false;
+    /// A tag begins where a letter, /, ! or ? follows the <, which is text elsewhere, and a closing
+    /// one where a letter does. A tag in which the page ends is no text.
+    ///
+    ///     stringByConvertingHtml2PlainText(u"1 < 2 <b>x</b> <a", {.web = WebRules::today()});  // "1 < 2 x"
+    bool tagBounds = false;
+    /// What begins with <! or <? ends at the next >, but for comments, which end at --> or --!>, and
+    /// for CDATA sections where they mean something: in images, formulas and feeds.
+    ///
+    ///     stringByConvertingHtml2PlainText(u"a<![endif>b<!-c>d", {.web = WebRules::today()});  // "abd"
+    bool comments = false;
+    /// What stands in script, style, title, textarea, xmp, iframe, noembed and noframes elements holds
+    /// no tags, and they end at their own closing tag only, or at the end of the page.
+    ///
+    ///     htmlTitle(u"<title>The <b> tag</title>", WebRules::today());   // "The <b> tag"
+    bool rawText = false;
+    /// The / of <script/> closes nothing; it does in images, formulas and feeds.
+    ///
+    ///     stringByConvertingHtml2PlainText(u"a<script/>b</script>c", {.web = WebRules::today()});  // "ac"
+    bool selfClosing = false;
+    /// A base tag, and the xml:base of a feed, may be relative to the page; of several base tags the
+    /// first one counts. References of feeds need not begin with / to be relative to it.
+    ///
+    ///     const URL page = URL::URLWithString(u"http://h.org/a/b");
+    ///     htmlBaseURL(u"<base href='c/'>", WebRules::today(), page);   // http://h.org/a/c/
+    bool relativeBase = false;
+    /// The reference of a link tag is relative to the page, as all are, and not to the root of its
+    /// site; rel=icon names an icon of the site too.
+    ///
+    ///     htmlFavIcon(u"<link rel=icon href=a.ico>", WebRules::today());   // a.ico
+    bool linkTags = false;
+    /// The display and visibility that its style names hide an element of a page, and nothing else
+    /// does: no other value in its style, its class, its size or its place. Text that scrolls is text.
+    ///
+    ///     const String page = u"<div style='display:block; border:none'>a<marquee>b";
+    ///     stringByConvertingHtml2PlainText(page, {.web = WebRules::today()});   // ab
+    bool hiddenElements = false;
+    /// Links are resolved as the URL standard says: \ is a slash, tabs and line ends are left out,
+    /// hosts are in their ASCII form, and nothing else is put right. See url/RelativeURLs.h.
+    ///
+    ///     const URL page = URL::URLWithString(u"https://h.org/a/b");
+    ///     URLRelativeTo(page, u"\\\\B\u00FCcher.example\\c d", {.web = WebRules::today()});   // https://xn--bcher-kva.example/c%20d
+    bool resolution = false;
 
     /// All of them.
     [[nodiscard]] static constexpr WebRules today() noexcept {
@@ -40,7 +87,16 @@ struct WebRules {
                 .references = true,
                 .linkEscapes = true,
                 .templates = true,
-                .softHyphens = true};
+                .softHyphens = true,
+                .attributes = true,
+                .tagBounds = true,
+                .comments = true,
+                .rawText = true,
+                .selfClosing = true,
+                .relativeBase = true,
+                .linkTags = true,
+                .hiddenElements = true,
+                .resolution = true};
     }
 };
 

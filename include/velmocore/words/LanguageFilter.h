@@ -12,6 +12,7 @@
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/Path.h>
 #include <velmocore/platform/String.h>
+#include <velmocore/words/LanguageRules.h>
 
 namespace velmo {
 
@@ -54,6 +55,13 @@ public:
     LanguageFilter(std::span<const String> keys, std::span<const std::vector<String>> stopWords,
                    bool ignoreUmlauts = false);
 
+    /// Ours: the same folder under rules. Their words are read from its folder "web" besides,
+    /// if there is one; languages() then has those languages too. Under any rule,
+    /// languageOfText() gives keys of two letters, or of three where there are none of two, and
+    /// never **; and filterText() is true where that is another than the chosen one.
+    explicit LanguageFilter(const Path& directory, const LanguageRules& rules,
+                            Error* error = nullptr);
+
     LanguageFilter(LanguageFilter&&) noexcept;
     LanguageFilter& operator=(LanguageFilter&&) noexcept;
     ~LanguageFilter();
@@ -85,6 +93,10 @@ public:
 
     /// The key of the text's language; absent if it is not clear.
     [[nodiscard]] String languageOfText(std::u16string_view text) const;
+
+    /// Ours: the same as a tag of BCP 47, as the lang of pages has it, with the form of writing
+    /// where it tells something: "de", "zh-Hant", "zh-Hans", "sr-Latn". Absent also for **.
+    [[nodiscard]] String languageTagOfText(std::u16string_view text) const;
 
     /// Whether the text is clearly in another language than the chosen one. False if none is
     /// chosen.

@@ -20,6 +20,7 @@ struct RefAssembly {
     bool singleWords, paragraphs;
     std::u16string separator;
     std::size_t limit;
+    bool withinRuns = false;
 };
 /// Nothing if no hit went into the summary.
 std::optional<std::u16string> refAssemble(const std::u16string& text, const RefNextHit& next, const RefAssembly& how);
@@ -30,6 +31,6 @@ struct RefRecord {
     friend bool operator==(const RefRecord&, const RefRecord&) = default;
 };
 std::vector<RefRecord> refOccurrences(const std::u16string& text, const RefNextHit& next, bool paragraphs,
-                                      std::size_t minWords);
+                                      std::size_t minWords, bool withinRuns = false);
 
 }  // namespace velmo::test

@@ -4,6 +4,8 @@
 
 #include <velmocore/platform/String.h>
 
+#include "query/reference/RunsReference.h"
+
 namespace velmo::test {
 namespace {
 
@@ -79,12 +81,32 @@ bool addPart(RefNode& group, std::u16string part, bool phrase, RefState& state, 
 struct RefText {
     std::u16string text;
     const RefFind& find;
+    bool withinRuns = false;
 };
+
+/// Some words back or forward where words are no runs.
+std::size_t backOverWords(const RefText& in, std::size_t n, std::size_t position, std::size_t start) {
+    const RefWords words{in.text, true};
+    std::vector<std::size_t> begins;
+    for (std::size_t i = start; i < position; ++i)
+        if (words.isTerm(i) && (i == start || words.mayBegin(i))) begins.push_back(i);
+    if (begins.size() < n) return start;
+    const std::size_t word = begins[begins.size() - n];
+    return word > start && !words.isTerm(word - 1) ? word - 1 : word;
+}
+
+std::size_t forwardOverWords(const RefText& in, std::size_t n, std::size_t position, std::size_t end) {
+    const RefWords words{in.text, true};
+    for (std::size_t i = position + 1; i <= end; ++i)
+        if (words.isTerm(i - 1) && (i == end || words.mayEnd(i)) && --n == 0) return i;
+    return end;
+}
 
 bool isTerm(char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9'); }
 
 std::size_t back(const RefText& in, std::size_t n, std::size_t position, std::size_t start) {
     if (position <= start) return start;
+    if (in.withinRuns) return backOverWords(in, n, position, start);
     std::size_t p = position - 1;
     if (p - start <= n) return start;
     for (; n > 0; --n) {
@@ -96,6 +118,7 @@ std::size_t back(const RefText& in, std::size_t n, std::size_t position, std::si
 
 std::size_t forward(const RefText& in, std::size_t n, std::size_t position, std::size_t end) {
     if (position >= end || end - position <= n) return end;
+    if (in.withinRuns) return forwardOverWords(in, n, position, end);
     for (; n > 0; --n) {
         while (position < end && !isTerm(in.text[position])) ++position;
         while (position < end && isTerm(in.text[position])) ++position;
@@ -325,34 +348,34 @@ std::string refDump(const RefNode& node, std::size_t depth) {
     return line;
 }
 
-RefFind refPlainWords(std::u16string_view text, Case letterCase) {
+RefFind refPlainWords(std::u16string_view text, Case letterCase, bool withinRuns) {
     const auto folded = [=](std::u16string_view units) {
         return letterCase == Case::Sensitive ? std::u16string(units) : up(units);
     };
-    return [text = folded(text), folded](const RefNode& node, std::size_t start,
-                                         std::size_t end) -> std::optional<RefHit> {
+    return [text = folded(text), folded, words = RefWords{std::u16string(text), withinRuns}](
+               const RefNode& node, std::size_t start, std::size_t end) -> std::optional<RefHit> {
         const std::u16string word = folded(node.word);
         if (word.empty()) return {};
         if (word[0] == u'*') return RefHit{start, word.size()};
         for (std::size_t i = start; i + word.size() <= end; ++i) {
             if (text.compare(i, word.size(), word) != 0) continue;
-            const bool cutsFront = i != start && isTerm(text[i - 1]);
-            const bool cutsBack = i + word.size() != end && isTerm(text[i + word.size()]);
+            const bool cutsFront = i != start && !words.mayBegin(i);
+            const bool cutsBack = i + word.size() != end && !words.mayEnd(i + word.size());
             if (node.substring || !(cutsFront || cutsBack)) return RefHit{i, word.size()};
         }
         return {};
     };
 }
 
-bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find) {
-    return !text.empty() && matches({std::u16string(text), find}, top, {}, 0, text.size());
+bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find, bool withinRuns) {
+    return !text.empty() && matches({std::u16string(text), find, withinRuns}, top, {}, 0, text.size());
 }
 
 std::set<RefHit> refHits(const RefNode& top, std::u16string_view text, const RefFind& find,
-                         const std::function<bool(const RefNode&)>& isEverywhere) {
-    const RefText in{std::u16string(text), find};
+                         const std::function<bool(const RefNode&)>& isEverywhere, bool withinRuns) {
+    const RefText in{std::u16string(text), find, withinRuns};
     RefCollection collection{in, isEverywhere, {}};
-    if (refMatches(top, text, find)) collection.collect(top, {}, 0, text.size());
+    if (refMatches(top, text, find, withinRuns)) collection.collect(top, {}, 0, text.size());
     return collection.hits;
 }
 

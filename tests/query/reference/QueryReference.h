@@ -53,13 +53,13 @@ using RefFind = std::function<std::optional<RefHit>(const RefNode& word, std::si
 
 /// Finds words as they are written; term units are ASCII letters and digits, and case folding
 /// is that of ASCII.
-RefFind refPlainWords(std::u16string_view text, Case letterCase);
+RefFind refPlainWords(std::u16string_view text, Case letterCase, bool withinRuns = false);
 
 /// Evaluates a tree on a text whose words that function finds.
-bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find);
+bool refMatches(const RefNode& top, std::u16string_view text, const RefFind& find, bool withinRuns = false);
 /// The hits that made it true; those of words that are found everywhere do not count.
 std::set<RefHit> refHits(const RefNode& top, std::u16string_view text, const RefFind& find,
-                         const std::function<bool(const RefNode& word)>& isEverywhere);
+                         const std::function<bool(const RefNode& word)>& isEverywhere, bool withinRuns = false);
 bool refContains(const RefNode& top, std::u16string_view text, const RefFind& find);
 
 }  // namespace velmo::test

@@ -4,6 +4,8 @@
 
 #include <velmocore/query/Wildcards.h>
 
+#include "query/reference/RunsReference.h"
+
 namespace velmo::test {
 namespace {
 
@@ -104,6 +106,119 @@ bool standsAt(const RefSearch& in, std::uint64_t position, View core) {
     return true;
 }
 
+bool hasOpenRange(View core) {
+    for (std::size_t i = 0; i < core.size(); ++i) {
+        if (core[i] != u'[') continue;
+        i += i + 1 < core.size() && core[i + 1] == u'^' ? 2 : 1;
+        for (; i < core.size() && core[i] != u']'; ++i)
+            if (core[i] == u'-' && ++i < core.size() && core[i] == u']') return true;
+    }
+    return false;
+}
+
+/// A search in scripts without spaces: all stretches of words are tried in the order in which
+/// they are preferred.
+struct RunSearch {
+    const RefSearch& in;
+    const RefOptimized& optimized;
+    View core;
+    RefWords words{in.text, true};
+    // What stretches may be: of the searched range, less a word that it cuts at the one end.
+    std::size_t from = in.start, to = in.end;
+
+    std::size_t wordEnd(std::size_t i) const {
+        for (++i; i < in.end && !words.mayEnd(i);) ++i;
+        return i;
+    }
+    std::size_t wordStart(std::size_t i) const {
+        for (--i; i > in.start && !words.mayBegin(i);) --i;
+        return i;
+    }
+    bool begins(std::size_t i) const { return words.isTerm(i) && (i == in.start || words.mayBegin(i)); }
+    bool ends(std::size_t i) const { return words.isTerm(i - 1) && (i == in.end || words.mayEnd(i)); }
+
+    Range find() {
+        if (words.mayBegin(in.start)) {
+        } else if (in.forward) {
+            if (words.isTerm(from)) from = wordEnd(from);
+        } else if (words.isTerm(to - 1)) {
+            to = wordStart(to);
+        }
+        const bool direct = optimized.type == 1 || (optimized.type == 0 && !(in.comparison & 4));
+        const auto isUnspaced = [](char16_t c) { return c >= 0xE00; };
+        const bool byWords = hasOpenRange(core) || (optimized.type == 0 && std::ranges::none_of(core, isUnspaced));
+        return direct ? findDirect() : byWords ? findWord() : findSpan();
+    }
+
+    Range findDirect() const {
+        for (std::size_t k = from; k < to; ++k) {
+            const std::size_t edge = in.forward ? k : to + from - k;
+            if (!(in.forward ? begins(edge) : ends(edge))) continue;
+            const std::size_t length = core.size();
+            const bool fits = in.forward ? length <= in.end - edge : length <= edge - in.start;
+            const std::size_t start = in.forward ? edge : edge - length, end = start + length;
+            if (fits && (!in.forward || end == in.end || words.mayEnd(end)) && (in.forward || words.mayBegin(start)) &&
+                standsAt(in, start, core))
+                return {start, length};
+            if (in.anchored) break;
+        }
+        return Range::none();
+    }
+
+    Range findWord() const {
+        for (std::size_t k = from; k < to; ++k) {
+            const std::size_t edge = in.forward ? k : to + from - k;
+            if (!(in.forward ? begins(edge) : ends(edge))) continue;
+            const std::size_t start = in.forward ? edge : wordStart(edge), end = in.forward ? wordEnd(edge) : edge;
+            if (wordMatches(View(in.text).substr(start, end - start), optimized, in)) return {start, end - start};
+            if (in.anchored) break;
+        }
+        return Range::none();
+    }
+
+    Range findSpan() const {
+        View pieces = core;
+        const int type = optimized.type;
+        bool openFront = type == 3 || type == 8 || type == 4, openBack = type == 2 || type == 7 || type == 4;
+        for (; pieces.starts_with(u'*'); pieces.remove_prefix(1)) openFront = true;
+        for (; pieces.ends_with(u'*'); pieces.remove_suffix(1)) openBack = true;
+        // Anchored, only stretches that begin, or end, in the first word, or last, will do.
+        std::size_t low = from, high = to;
+        if (in.anchored && in.forward) {
+            while (low < to && !begins(low)) ++low;
+            if (low == to) return Range::none();
+            high = wordEnd(low);
+        } else if (in.anchored) {
+            while (high > from && !ends(high)) --high;
+            if (high == from) return Range::none();
+            low = wordStart(high) + 1;
+        }
+        const auto matchesAt = [&](std::size_t start, std::size_t end) {
+            for (std::size_t i = start; i < end; ++i)
+                if (!words.isTerm(i)) return false;
+            return (openFront || begins(start)) && (openBack || ends(end)) &&
+                   matches(View(in.text).substr(start, end - start), pieces, in.comparison, true);
+        };
+        const auto wordsOf = [&](std::size_t start, std::size_t end) {
+            while (start > in.start && !words.mayBegin(start)) --start;
+            while (end < in.end && !words.mayEnd(end)) ++end;
+            return Range{start, end - start};
+        };
+        if (in.forward) {
+            for (std::size_t end = low + 1; end <= to; ++end)
+                for (std::size_t start = end; start-- > low;)
+                    if ((!in.anchored || start < high) && matchesAt(start, end))
+                        return wordsOf(in.anchored ? low : start, end);
+        } else {
+            for (std::size_t start = high; start-- > from;)
+                for (std::size_t end = start + 1; end <= high; ++end)
+                    if ((!in.anchored || end >= low) && matchesAt(start, end))
+                        return wordsOf(start, in.anchored ? high : end);
+        }
+        return Range::none();
+    }
+};
+
 }  // namespace
 
 char16_t refFold(char16_t unit, RefComparison comparison) {
@@ -114,10 +229,7 @@ char16_t refFold(char16_t unit, RefComparison comparison) {
     return unit;
 }
 
-bool refIsTerm(char16_t c) {
-    return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') || c == u'\u00E4' ||
-           c == u'\u00C4';
-}
+bool refIsTerm(char16_t c) { return RefWords{std::u16string(1, c)}.isTerm(0); }
 
 bool refMatchesPlain(View s, View w, RefComparison comparison) { return matches(s, w, comparison, false); }
 bool refMatchesUnix(View s, View w, RefComparison comparison) { return matches(s, w, comparison, true); }
@@ -212,8 +324,18 @@ Range refFind(const RefSearch& in, View wildcard) {
     const auto rangeOf = [](std::int64_t from, std::int64_t to) {
         return Range{static_cast<std::uint64_t>(from), static_cast<std::uint64_t>(to - from)};
     };
+    const RefWords words{in.text, in.withinRuns};
+    if (in.withinRuns) flag = words.mayBegin(in.start);
     if (in.acceptStar && core == u"*") {
         if (!in.starIsWord) return rangeOf(start, end);
+        if (in.withinRuns && !in.forward)
+            return flag && words.isTerm(in.start) ? rangeOf(start, start + 1) : Range::none();
+        if (in.withinRuns) {
+            std::size_t from = in.start;
+            if (!flag && words.isTerm(from)) from = RunSearch{in, optimized, core}.wordEnd(from);
+            while (from < in.end && !words.isTerm(from)) ++from;
+            return from < in.end ? Range{from, RunSearch{in, optimized, core}.wordEnd(from) - from} : Range::none();
+        }
         if (!in.forward) return flag && term(start) ? rangeOf(start, start + 1) : Range::none();
         for (std::int64_t i = start; i < end; ++i) {
             if (term(i) && flag) {
@@ -226,6 +348,7 @@ Range refFind(const RefSearch& in, View wildcard) {
         return Range::none();
     }
     if (optimized.type == 10) return Range::none();
+    if (in.withinRuns) return RunSearch{in, optimized, core}.find();
     const bool direct = optimized.type == 1 || (optimized.type == 0 && !(in.comparison & 4));
     const auto length = static_cast<std::int64_t>(core.size());
     const std::int64_t step = in.forward ? 1 : -1;
@@ -260,8 +383,16 @@ Range refFindString(const RefSearch& search, View wildcard) {
     if (wildcard.empty()) return Range::none();
     RefSearch single = search;
     single.anchored = single.starIsWord = false;
-    if (wildcard.size() < 3 || numberOfWordsUsingWildcardSeparation(wildcard) < 2) return refFind(single, wildcard);
-    const auto [words, hyphenated] = separatedWildcardWords(String(wildcard));
+    const std::u16string masked = search.withinRuns ? refMasked(wildcard) : std::u16string(wildcard);
+    if (wildcard.size() < 3 || numberOfWordsUsingWildcardSeparation(masked) < 2) return refFind(single, wildcard);
+    auto [words, hyphenated] = separatedWildcardWords(String(masked));
+    std::size_t at = 0;
+    for (String& word : words) {
+        at = masked.find(word.view(), at);
+        const std::size_t length = word.length();
+        word = String(wildcard.substr(at, length));
+        at += length;
+    }
     RefSearch first = single, next = single;
     first.acceptStar = first.starIsWord = true;
     next.anchored = next.forward = next.acceptStar = next.starIsWord = true;

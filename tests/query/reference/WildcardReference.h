@@ -40,6 +40,7 @@ struct RefSearch {
     std::uint64_t minCharacters = 1;
     double minAnalogy = 0.75;
     bool anchored = false, forward = true, acceptStar = false, starIsWord = false;
+    bool withinRuns = false;
 };
 
 Range refFind(const RefSearch& search, std::u16string_view wildcard);

@@ -29,6 +29,8 @@ Command makeMimeCommand(Session& session);
 Command makePackCommand(Session& session);
 Command makeQueryCommand(Session& session);
 Command makeRecordsCommand(Session& session);
+Command makeRobotsCommand(Session& session);
+Command makeServeCommand(Session& session);
 Command makeSearchCommand(Session& session);
 Command makeSheetCommand(Session& session);
 Command makeShowCommand(Session& session);

@@ -54,8 +54,8 @@ public:
     /// Whether there is anything to show; the first hit is enough for that.
     bool isHit(const String& text) const {
         if (!byWords()) return query_.holdsFor(text);
-        return forEachWildcard(text, wildcards_, [](Range) { return false; },
-                               {.comparison = query_.comparison}) > 0;
+        return forEachWildcard(
+                   text, wildcards_, [](Range) { return false; }, searchOptions()) > 0;
     }
 
     void print(const std::string& file, const String& text, Report& report) const {
@@ -75,13 +75,19 @@ private:
 
     std::vector<Range> hitsOfWords(std::u16string_view text) const {
         std::vector<Range> hits;
-        forEachWildcard(text, wildcards_,
-                        [&](Range hit) {
-                            hits.push_back(hit);
-                            return true;
-                        },
-                        {.comparison = query_.comparison});
+        forEachWildcard(
+            text, wildcards_,
+            [&](Range hit) {
+                hits.push_back(hit);
+                return true;
+            },
+            searchOptions());
         return hits;
+    }
+
+    bool withinRuns() const { return !options_.parse.wholeWords; }
+    WildcardSearchOptions searchOptions() const {
+        return {.comparison = query_.comparison, .withinRuns = withinRuns()};
     }
 
     std::vector<Occurrence> recordsOf(std::u16string_view text, std::span<const Range> hits,
@@ -89,7 +95,8 @@ private:
         return getOccurrencesOfHits(text, hits,
                                     {.paragraphs = options_.paragraphs,
                                      .minEnclosingWords = enclosingWords,
-                                     .strictSentenceEnds = !options_.described});
+                                     .strictSentenceEnds = !options_.described,
+                                     .withinRuns = withinRuns()});
     }
 
     Excerpt summaryOf(const String& text, std::span<const Range> hits, bool isForPeople) const {
@@ -98,7 +105,8 @@ private:
             .paragraphs = options_.paragraphs,
             .singleWords = options_.singleWords,
             .onlyOccurrences = options_.described ? options_.onlyOccurrences : !options_.beginning,
-            .ellipsizeAfterNCharacters = options_.length};
+            .ellipsizeAfterNCharacters = options_.length,
+            .withinRuns = withinRuns()};
         if (!options_.separator.empty()) options.separator = String::fromUTF8(options_.separator);
         if (!options_.described) {
             options.gapSeparator = isForPeople ? u" \u2026 " : u" ... ";
@@ -159,7 +167,9 @@ private:
     const std::vector<String> wildcards_;
 };
 
-void run(Report& report, const Options& options) {
+void run(Report& report, Options& options) {
+    // The plain form knows nothing of scripts without spaces.
+    options.parse.wholeWords |= options.described;
     const Query query = readQuery(report, options.query, options.parse, options.comparison);
     report.flush();
     const Excerpts excerpts(options, query);

@@ -37,7 +37,7 @@ Json nameOf(FeedDialect dialect) {
     }
 }
 
-JsonObject valueOf(const FeedItem& item) {
+JsonObject valueOf(const FeedItem& item, const WebRules& web) {
     JsonObject value = {{"title", item.title},
                         {"description", item.description},
                         {"content", item.content},
@@ -53,7 +53,7 @@ JsonObject valueOf(const FeedItem& item) {
             enclosures.push_back(JsonObject{{"url", each.url}, {"length", each.length}});
         value.push_back({"enclosures", std::move(enclosures)});
     }
-    value.push_back({"empty", isEmptyFeedItem(item)});
+    value.push_back({"empty", isEmptyFeedItem(item, web)});
     return value;
 }
 
@@ -61,7 +61,10 @@ JsonObject valueOf(const FeedItem& item) {
 class Printer {
 public:
     Printer(const Options& options, const URL& base)
-        : options_(options), reading_{.baseURL = base, .boundCData = !options.isDescribed} {}
+        : options_(options),
+          reading_{.baseURL = base,
+                   .boundCData = !options.isDescribed,
+                   .web = options.input.content.web} {}
 
     void print(const std::string& file, const String& text, Report& report) const {
         if (options_.form() != Form::Items) return printPage(file, text, report);
@@ -74,7 +77,8 @@ public:
 private:
     String pageOf(const String& text) const {
         if (options_.form() == Form::Searchable)
-            return stringByConvertingItemsToSearchableHTML(readFeed(text, reading_).items);
+            return stringByConvertingItemsToSearchableHTML(readFeed(text, reading_).items,
+                                                           reading_.web);
         FeedDisplayOptions display = {
             .linkedStyleSheet = !options_.isInline, .dates = {.offsets = true}, .feed = reading_};
         if (!options_.styleSheet.empty()) display.styleSheet = Path(options_.styleSheet);
@@ -88,11 +92,11 @@ private:
         report.printText(page);
     }
 
-    static void printObject(const std::string& file, const Feed& feed, Report& report) {
+    void printObject(const std::string& file, const Feed& feed, Report& report) const {
         Json items;
         if (feed.isFeed) {
             JsonArray values;
-            for (const FeedItem& item : feed.items) values.push_back(valueOf(item));
+            for (const FeedItem& item : feed.items) values.push_back(valueOf(item, reading_.web));
             items = std::move(values);
         }
         report.printObject(fileObject(file, {{"feed", feed.isFeed},

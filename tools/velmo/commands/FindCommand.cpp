@@ -32,7 +32,7 @@ struct Options {
     HitOptions hits;
     double fuzzy = NoFuzzy;
     std::uint64_t maxCount = NotFound;
-    bool previous = false, strict = false;
+    bool previous = false, strict = false, wholeWords = false;
 };
 
 /// A hit and where it stands.
@@ -119,7 +119,8 @@ std::uint64_t forEachHit(const String& text, std::span<const String> patterns,
     // A name is told by the first hit; the rest of the text need not be searched.
     const std::uint64_t most = options.hits.namesOnly ? 1 : options.maxCount;
     if (most == 0) return 0;
-    const WildcardSearchOptions search{.comparison = options.comparison};
+    const WildcardSearchOptions search{.comparison = options.comparison,
+                                       .withinRuns = !options.wholeWords};
     TextPosition position(text);
     std::uint64_t count = 0;
     if (!options.previous)
@@ -182,7 +183,8 @@ void run(Report& report, Options& options) {
     std::vector<String> patterns;
     for (const std::string& pattern : options.patterns)
         patterns.push_back(String::fromUTF8(pattern));
-    for (const String& pattern : patterns) explainPattern(report, pattern, options.strict);
+    for (const String& pattern : patterns)
+        explainPattern(report, pattern, options.strict, options.wholeWords);
     // The complaints of the patterns come first, before those of any input.
     report.flush();
     forEachText(report, options.input, [&](const std::string& file, String&& text, Report& own) {
@@ -210,6 +212,7 @@ Command makeFindCommand(Session& session) {
         number("--max-count", "N", options->maxCount, "stop in a file after so many hits"),
         flag("--previous", options->previous, "from the end of each file back"),
         flag("--strict", options->strict, "fail if a pattern cannot mean what was written"),
+        wholeWordsOption(options->wholeWords),
     });
     command.add(comparisonOptions(options->comparison));
     command.add(hitOptions(session, options->hits, "only the number of hits in each file"));

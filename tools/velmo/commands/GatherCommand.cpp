@@ -96,13 +96,17 @@ class Gatherer {
 public:
     Gatherer(const Options& options, const URL& base, const Query& query,
              const LanguageFilter& languages)
-        : options_(options), base_(base), query_(query), languages_(languages) {}
+        : options_(options),
+          web_(options.input.content.web),
+          base_(base),
+          query_(query),
+          languages_(languages) {}
 
     GatheredPage gather(const FileName& file, const Content& content) const {
         GatheredPage page;
         page.encoding = content.encoding;
         String text = content.units;
-        if (content.kind == Kind::Page && isFeed(content.units))
+        if (content.kind == Kind::Page && isFeed(content.units, web_))
             text = readFeedInto(page, content.units, urlOf(file, base_));
         else if (content.kind == Kind::Page)
             text = readPageInto(page, content.units, urlOf(file, base_));
@@ -117,27 +121,34 @@ private:
     // Each gives the text of what it has read.
 
     String readPageInto(GatheredPage& page, const String& units, const URL& url) const {
-        const Page whole = Page::pageWithString(units, url);
+        const Page whole = Page::pageWithString(units, url, web_);
         const HtmlMetadata& metadata = whole.metadata();
-        page.title = singleLine(normalizedHtmlString(htmlFramesSet(units).title));
-        page.author = singleLine(normalizedHtmlString(metadata.author));
-        page.date = singleLine(normalizedHtmlString(metadata.date));
+        page.title = titleOf(whole);
+        page.author = singleLine(normalizedHtmlString(metadata.author, web_));
+        page.date = singleLine(normalizedHtmlString(metadata.date, web_));
         page.canonical = whole.canonicalURL().absoluteString();
         page.isErrorPage = whole.isErrorPage();
-        const HtmlLinks found = htmlLinks(units);
+        const HtmlLinks found = htmlLinks(units, {.web = web_, .url = url});
         page.links = linksOfPage(found.links, found.baseURL, url, options_.links);
         page.thumbnails = thumbnailsOf(units, found.baseURL.isAbsent() ? url : found.baseURL);
         return whole.plainText();
     }
 
-    static std::size_t thumbnailsOf(const String& units, const URL& base) {
+    /// Of several titles the described rules take the last.
+    String titleOf(const Page& page) const {
+        return web_.rawText ? singleLine(page.title())
+                            : singleLine(normalizedHtmlString(htmlFramesSet(page.markup()).title));
+    }
+
+    std::size_t thumbnailsOf(const String& units, const URL& base) const {
         return getLinkThumbnails(
-                   units, {.baseURL = base, .resolve = true, .titles = false, .texts = false})
+                   units,
+                   {.baseURL = base, .resolve = true, .titles = false, .texts = false, .web = web_})
             .thumbnails.size();
     }
 
     String readFeedInto(GatheredPage& page, const String& units, const URL& url) const {
-        const Feed feed = readFeed(units, {.baseURL = url, .boundCData = true});
+        const Feed feed = readFeed(units, {.baseURL = url, .boundCData = true, .web = web_});
         page.isFeed = true;
         page.title = singleLine(feed.title);
         std::vector<String> links;
@@ -145,7 +156,7 @@ private:
             if (!item.link.isEmpty()) links.push_back(item.link);
         page.links = linksOfPage(links, {}, url, options_.links);
         return stringByConvertingHtml2PlainText(
-            stringByConvertingItemsToSearchableHTML(feed.items));
+            stringByConvertingItemsToSearchableHTML(feed.items, web_), {.web = web_});
     }
 
     /// The sentences with a hit, on one line.
@@ -156,10 +167,12 @@ private:
                                                      .ellipsizeAfterNCharacters = ExcerptUnits,
                                                      .gapSeparator = u" ... ",
                                                      .strictSentenceEnds = true,
-                                                     .keepsPairs = true}));
+                                                     .keepsPairs = true,
+                                                     .withinRuns = !options_.parse.wholeWords}));
     }
 
     const Options& options_;
+    const WebRules& web_;
     const URL& base_;
     const Query& query_;
     const LanguageFilter& languages_;
@@ -248,24 +261,30 @@ void printLines(const Summary& summary, bool asked, Report& report) {
 void runStored(Report& report, const Options& options, const URL& base, const Query* query) {
     GatherRun run = options.stored;
     run.input = options.input;
-    run.input.content.web = WebRules::today();
     run.base = base;
     run.query = query;
     if (options.input.content.limit != UsualLimit)
         run.limit = static_cast<std::size_t>(options.input.content.limit);
+    run.sites.options.follow = options.links.follow.value_or(FollowSameHost);
     options.lines ? gatherLines(report, run) : gatherIntoStore(report, run);
 }
 
-void run(Report& report, const Options& options) {
+void run(Report& report, Options& options) {
     const bool asked = !options.query.empty();
     const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
     if (base.isAbsent() && !options.base.empty()) return report.fail(options.base, "not a URL");
+    const bool readsAsToday = options.input.content.web.charsets;
     const Query query =
         asked ? readQuery(report, options.query, options.parse, options.comparison) : Query();
     if (options.lines || !options.stored.store.empty())
         return runStored(report, options, base, asked ? &query : nullptr);
-    const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
+    if (options.stored.sites.isAsked)
+        throw UsageError("sites are gathered into a store: --store is missing");
+    const LanguageFilter languages =
+        readsAsToday ? readLanguageFilterOfToday(report, velmoResourcesDirectory())
+                     : readLanguageFilter(report, velmoResourcesDirectory());
     report.flush();
+    options.links.web = options.input.content.web;
     const Gatherer gatherer(options, base, query, languages);
     Summary summary;
     forEachContent(
@@ -287,27 +306,29 @@ void run(Report& report, const Options& options) {
 }
 
 Option followOption(PageLinkOptions& links) {
-    return {
-        .names = "--follow",
-        .value = "MODE",
-        .help = "print the links to follow: none, host, folder, folders or all, or a mode's number",
-        .take = [&links](const std::string& given) {
-            constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
-            constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
-                                              FollowSameFolders, FollowEverything};
-            std::string name = given;
-            std::ranges::transform(name, name.begin(), [](unsigned char c) {
-                return static_cast<char>(std::tolower(c));
-            });
-            if (const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
-                std::ranges::all_of(name, isDigit)) {
-                std::uint64_t mode = 0;
-                number("--follow", "MODE", mode, "").take(name);
-                links.follow = static_cast<std::int64_t>(mode);
-            } else {
-                links.follow = Modes[indexOfName(name, Names)];
-            }
-        }};
+    return {.names = "--follow",
+            .value = "MODE",
+            .help =
+                "print the links to follow, or of a site follow them: none, host, folder, folders "
+                "or all, or "
+                "a mode's number",
+            .take = [&links](const std::string& given) {
+                constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
+                constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
+                                                  FollowSameFolders, FollowEverything};
+                std::string name = given;
+                std::ranges::transform(name, name.begin(), [](unsigned char c) {
+                    return static_cast<char>(std::tolower(c));
+                });
+                if (const auto isDigit = [](unsigned char c) { return std::isdigit(c) != 0; };
+                    std::ranges::all_of(name, isDigit)) {
+                    std::uint64_t mode = 0;
+                    number("--follow", "MODE", mode, "").take(name);
+                    links.follow = static_cast<std::int64_t>(mode);
+                } else {
+                    links.follow = Modes[indexOfName(name, Names)];
+                }
+            }};
 }
 
 }  // namespace
@@ -317,16 +338,23 @@ Command makeGatherCommand(Session& session) {
     Command command = {
         .summary = "Walk folders for pages and feeds: titles, dates, words, links and hits",
         .examples = {"velmo gather site/ --base https://example.org/ --query 'cat NEAR dog'",
-                     "velmo gather site/ --base https://example.org/ --store pages.store"},
+                     "velmo gather site/ --base https://example.org/ --store pages.store",
+                     "velmo gather https://www.example.org/ --depth 2 --store pages.store"},
         .run = [options](Report& report) { run(report, *options); },
     };
     options->input.names.recursive = true;
+    options->input.content.web = WebRules::today();
     command.add({
         text("--base", "URL", options->base, "where the folders stand on the web"),
         text("--query", "QUERY", options->query, "what to look for; see velmo help query"),
         flag("--all", options->links.all,
              "count links that lead to no page, and advertisements, too"),
         followOption(options->links),
+        {.names = "--described",
+         .value = {},
+         .help = "read pages by the library's own rules, not as browsers of today do",
+         .take = [options =
+                      options.get()](const auto&) { options->input.content.web = WebRules(); }},
         text("--store", "FILE", options->stored.store,
              "put the pages into a store, also those of archives, feeds and JSON lines; --limit is "
              "then a number of pages"),
@@ -337,6 +365,7 @@ Command makeGatherCommand(Session& session) {
         flag("--compress", options->stored.compress,
              "compress texts in the store too: half the room, read in three times the time"),
     });
+    command.add(siteOptions(options->stored.sites));
     command.add(queryParseOptions(options->parse));
     command.add(comparisonOptions(options->comparison));
     addContentOptions(command, session, options->input, Kind::Page);

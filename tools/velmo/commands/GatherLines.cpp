@@ -80,8 +80,8 @@ bool isOfLine(const Error& error) {
 
 }  // namespace
 
-void gatherLines(Report& report, const GatherRun& run) {
-    const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
+void gatherLines(Report& report, GatherRun& run) {
+    const LanguageFilter languages = readLanguageFilterOfToday(report, velmoResourcesDirectory());
     setLogHandler([](std::string_view) {});
     const std::unique_ptr<PageSource> source = linesOf(report.session(), run);
     gatherPages(*source, run.options(languages), [&](GatheredPage& page) {

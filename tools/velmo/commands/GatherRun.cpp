@@ -11,6 +11,9 @@
 #include <velmocore/gather/SourceSequence.h>
 #include <velmocore/query/Wildcards.h>
 
+#include "frame/FileBytes.h"
+#include "frame/Remote.h"
+
 namespace velmo::tool {
 namespace {
 
@@ -74,6 +77,15 @@ std::unique_ptr<PageSource> fileOf(const std::string& path, const GatherRun& run
     return openSource(Path(path), {.url = urlOfFile(path, folder, run.base)});
 }
 
+void addSite(Session& session, GatherRun& run, const std::string& address) {
+    try {
+        requireNetwork();
+        run.sites.starts.push_back(address);
+    } catch (const InputError& error) {
+        session.fail(address, error.what());
+    }
+}
+
 }  // namespace
 
 GatherOptions GatherRun::options(const LanguageFilter& languages) const {
@@ -92,16 +104,22 @@ GatherOptions GatherRun::options(const LanguageFilter& languages) const {
     return options;
 }
 
-std::unique_ptr<PageSource> sourceOf(Session& session, const GatherRun& run) {
+std::unique_ptr<PageSource> sourceOf(Session& session, GatherRun& run, PageStore* store) {
     NameOptions names = run.input.names;
     names.recursive = false;
     auto sources = std::make_unique<SourceList>();
     for (const FileName& name : listFiles(session, names)) {
+        if (store != nullptr && isRemote(name.path)) {
+            addSite(session, run, name.path);
+            continue;
+        }
         const bool isFolder = std::filesystem::is_directory(name.path);
         sources->add([path = name.path, isFolder, &run] {
             return isFolder ? folderOf(path, run) : fileOf(path, run);
         });
     }
+    if (!run.sites.starts.empty())
+        sources->add([&run, store] { return sourceOf(run.sites, store); });
     return sources;
 }
 

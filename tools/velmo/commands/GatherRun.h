@@ -10,6 +10,7 @@
 #include <velmocore/gather/PageSource.h>
 #include <velmocore/url/URL.h>
 
+#include "GatherSites.h"
 #include "QueryOptions.h"
 #include "frame/FileRun.h"
 
@@ -24,18 +25,19 @@ struct GatherRun {
     const Query* query = nullptr;  ///< only pages for which it holds; null for all
     bool keepPages = false;        ///< keeps their bytes too
     bool compress = false;         ///< the texts too
+    GatherSites sites = {};        ///< what is gathered of the web
 
     /// How pages are read and which are kept, on as many threads as were asked for.
     GatherOptions options(const LanguageFilter& languages) const;
 };
 
 /// All that the command line names, one after the other: folders, files by what they hold, - for
-/// standard input.
-std::unique_ptr<PageSource> sourceOf(Session& session, const GatherRun& run);
+/// standard input; and behind these the sites, if there is a store. The run must outlive it.
+std::unique_ptr<PageSource> sourceOf(Session& session, GatherRun& run, PageStore* store = nullptr);
 
 /// "velmo gather --store".
-void gatherIntoStore(Report& report, const GatherRun& run);
+void gatherIntoStore(Report& report, GatherRun& run);
 /// "velmo gather --lines".
-void gatherLines(Report& report, const GatherRun& run);
+void gatherLines(Report& report, GatherRun& run);
 
 }  // namespace velmo::tool

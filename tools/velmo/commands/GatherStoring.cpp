@@ -100,34 +100,40 @@ void tell(const GatheredPage& page, Report& report) {
     report.flush();
 }
 
-void printSummary(const GatherSummary& summary, std::size_t pages, Report& report) {
-    if (report.json())
-        return report.printObject({{"summary", JsonObject{{"pages", summary.pages},
-                                                          {"added", summary.added},
-                                                          {"replaced", summary.replaced},
-                                                          {"unchanged", summary.unchanged},
-                                                          {"duplicates", summary.duplicates},
-                                                          {"leftOut", summary.leftOut},
-                                                          {"failed", summary.failed},
-                                                          {"stored", pages}}}});
+JsonObject summaryOf(const GatherSummary& summary, std::size_t pages) {
+    return {{"pages", summary.pages},           {"added", summary.added},
+            {"replaced", summary.replaced},     {"unchanged", summary.unchanged},
+            {"duplicates", summary.duplicates}, {"leftOut", summary.leftOut},
+            {"failed", summary.failed},         {"stored", pages}};
+}
+
+void printSummary(const GatherSummary& summary, std::size_t pages, const GatherSites& sites,
+                  Report& report) {
+    const bool hasSites = !sites.starts.empty();
+    if (report.json()) {
+        JsonObject object = summaryOf(summary, pages);
+        if (hasSites) object.push_back({"sites", objectOf(sites.counts)});
+        return report.printObject({{"summary", std::move(object)}});
+    }
     report.printLine(fmt::format(
         "\n{} pages: {} added, {} replaced, {} unchanged, {} duplicates, {} left out, {} failed; "
         "{} in the store",
         summary.pages, summary.added, summary.replaced, summary.unchanged, summary.duplicates,
         summary.leftOut, summary.failed, pages));
+    if (hasSites) report.printLine(wordsOf(sites.counts));
 }
 
 }  // namespace
 
-void gatherIntoStore(Report& report, const GatherRun& run) {
+void gatherIntoStore(Report& report, GatherRun& run) {
     Error error;
     PageStore store = PageStore::openForUpdating(run.store, &error);
     if (!store.isValid()) return report.fail(run.store, error.text.utf8());
-    const LanguageFilter languages = readLanguageFilter(report, velmoResourcesDirectory());
+    const LanguageFilter languages = readLanguageFilterOfToday(report, velmoResourcesDirectory());
     // That a page has a date which is none is its own matter, and not of who gathers thousands.
     setLogHandler([](std::string_view) {});
     endOnInterrupt();
-    const std::unique_ptr<PageSource> source = sourceOf(report.session(), run);
+    std::unique_ptr<PageSource> source = sourceOf(report.session(), run, &store);
     GatherOptions options = run.options(languages);
     options.store = &store;
     options.shouldStop = [] { return isInterrupted != 0; };
@@ -137,7 +143,8 @@ void gatherIntoStore(Report& report, const GatherRun& run) {
         progress.show(report.session().console, *source);
         return true;
     });
-    printSummary(summary, store.numberOfPages(), report);
+    source.reset();  // what a crawl counted is known then
+    printSummary(summary, store.numberOfPages(), run.sites, report);
     if (!summary.isStored) report.fail(run.store, "cannot be written");
     if (isInterrupted != 0) report.fail("gather", "interrupted; what was gathered is stored");
     if (run.query != nullptr) report.noteHit(summary.pages > summary.leftOut);

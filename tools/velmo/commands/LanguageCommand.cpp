@@ -17,32 +17,42 @@ struct Options {
     InputOptions input;
     std::string lists;
     bool ignoreUmlauts = false;
+
+    /// --web is one of the options of all contents.
+    bool isOfToday() const { return input.content.web.charsets; }
 };
 
-void print(const LanguageFilter& filter, const std::string& file, const String& content,
-           Report& report) {
+void print(const LanguageFilter& filter, bool isOfToday, const std::string& file,
+           const String& content, Report& report) {
     const String language = filter.languageOfText(content);
+    const String name = isOfToday ? filter.languageTagOfText(content) : language;
     const double ratio = filter.stopWordRatioOfText(content);
     // The ratio belongs to the language that has the most hits, which may be one that does not
     // stand out. Beside an open answer it would speak for a language that is not named.
     const bool decided = !language.isAbsent();
     if (!report.json())
         return report.printLine(
-            fmt::format("{:2} {:.3f} {}", decided ? language.utf8() : "-", ratio, file));
-    report.printObject(fileObject(
-        file, {{"language", language},
-               {"iso", decided ? Json(LanguageFilter::ISOCodeForLanguage(language)) : Json()},
-               {"ratio", decided ? Json(ratio) : Json()}}));
+            fmt::format("{:2} {:.3f} {}", decided ? name.utf8() : "-", ratio, file));
+    const std::uint16_t iso = LanguageFilter::ISOCodeForLanguage(language);
+    JsonObject object = fileObject(file, {{"language", language},
+                                          {"iso", iso ? Json(iso) : Json()},
+                                          {"ratio", decided ? Json(ratio) : Json()}});
+    if (isOfToday) object.push_back({"tag", name});
+    report.printObject(object);
 }
 
 void run(Report& report, const Options& options) {
     const std::string lists = options.lists.empty() ? velmoResourcesDirectory() : options.lists;
-    const LanguageFilter filter = readLanguageFilter(report, lists, options.ignoreUmlauts);
+    const bool isOfToday = options.isOfToday();
+    if (isOfToday && options.ignoreUmlauts) throw UsageError("--ignore-umlauts is not for --web");
+    const LanguageFilter filter = isOfToday
+                                      ? readLanguageFilterOfToday(report, lists)
+                                      : readLanguageFilter(report, lists, options.ignoreUmlauts);
     // Told already. Every input would get the same empty answer, and that would look like a
     // result.
     if (filter.languages().empty()) return;
     forEachText(report, options.input, [&](const std::string& file, String&& content, Report& own) {
-        print(filter, file, content, own);
+        print(filter, isOfToday, file, content, own);
     });
 }
 
@@ -52,7 +62,7 @@ Command makeLanguageCommand(Session& session) {
     auto options = std::make_shared<Options>();
     Command command = {
         .summary = "Tell in which language texts and pages are written",
-        .examples = {"velmo language page.html"},
+        .examples = {"velmo language page.html", "velmo language --web --json page.html"},
         .run = [options](Report& report) { run(report, *options); },
     };
     addContentOptions(command, session, options->input);

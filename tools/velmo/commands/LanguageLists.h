@@ -13,4 +13,7 @@ namespace velmo::tool {
 LanguageFilter readLanguageFilter(Report& report, const std::string& folder,
                                   bool ignoreUmlauts = false);
 
+/// The same under the rules of today.
+LanguageFilter readLanguageFilterOfToday(Report& report, const std::string& folder);
+
 }  // namespace velmo::tool

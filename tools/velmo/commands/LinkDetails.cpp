@@ -59,31 +59,28 @@ std::u16string_view openingTag(std::u16string_view tag) {
 }
 
 /// What a link tag of the head points at, by its rel: a sheet or an icon.
-std::optional<LinkKind> kindOfLinkTag(std::u16string_view tag) {
-    const std::u16string rel = lowered(attributeOfTagCharacters(tag, "REL"));
+std::optional<LinkKind> kindOfLinkTag(const String& ofLink) {
+    const std::u16string rel = lowered(ofLink);
     // Part of the value is enough: "alternate stylesheet" and "shortcut icon" are of the kind too.
     if (rel.find(u"stylesheet") != rel.npos) return LinkKind::Script;
     if (rel.find(u"icon") != rel.npos) return LinkKind::Image;
     return std::nullopt;
 }
 
-std::optional<Pointer> pointerOf(std::u16string_view name, std::u16string_view tag) {
+std::optional<Pointer> pointerOf(std::u16string_view name, const String& rel) {
     if (name == u"link") {
-        const auto kind = kindOfLinkTag(tag);
+        const auto kind = kindOfLinkTag(rel);
         return kind ? std::optional<Pointer>({name, "HREF", *kind}) : std::nullopt;
     }
     const auto found = std::ranges::find(Pointers, name, &Pointer::tag);
     return found == std::end(Pointers) ? std::nullopt : std::optional<Pointer>(*found);
 }
 
-String cleanText(const String& text) {
-    const String clean = singleLine(normalizedHtmlString(text));
-    return clean.isEmpty() ? String() : clean;
-}
-
 /// Collects what the tags of one scan point at.
 class Collector {
 public:
+    explicit Collector(const WebRules& web) : web_(web) {}
+
     bool take(const Tag& tag) {
         // tag.text() is what stands between the tag before and this one, so tags within a link,
         // such as b or img, neither end its text nor come into it.
@@ -102,17 +99,18 @@ private:
         if (name == u"a") closeLink();
         if (tag.isClosing()) return;
         const std::u16string_view opening = openingTag(tag.whole());
-        const auto pointer = pointerOf(name, opening);
+        const auto pointer =
+            pointerOf(name, name == u"link" ? attributeOf(opening, "REL") : String());
         if (!pointer) return;
-        const String raw = attributeOfTagCharacters(opening, pointer->attribute);
-        const String link = normalizedStringURL(raw);
+        const String raw = attributeOf(opening, pointer->attribute);
+        const String link = normalizedStringURL(raw, web_);
         if (link.isAbsent()) return;
         const bool isImage = pointer->kind == LinkKind::Image;
         links.push_back({pointer->kind, raw, link,
                          // What stands for an image where it is not shown is its text.
-                         isImage ? cleanText(attributeOfTagCharacters(opening, "ALT")) : String(),
-                         cleanText(attributeOfTagCharacters(opening, "TITLE")),
-                         cleanText(attributeOfTagCharacters(opening, "REL"))});
+                         isImage ? cleanText(attributeOf(opening, "ALT")) : String(),
+                         cleanText(attributeOf(opening, "TITLE")),
+                         cleanText(attributeOf(opening, "REL"))});
         // By its place, as the vector may move its elements while the link is open.
         if (pointer->kind == LinkKind::A) openLink_ = links.size() - 1;
     }
@@ -123,6 +121,16 @@ private:
         text_.clear();
     }
 
+    /// Of an opening tag.
+    String attributeOf(std::u16string_view tag, std::string_view name) const {
+        return attributeOfTagCharacters(tag, name, web_);
+    }
+    String cleanText(const String& text) const {
+        const String clean = singleLine(normalizedHtmlString(text, web_));
+        return clean.isEmpty() ? String() : clean;
+    }
+
+    const WebRules web_;
     std::optional<std::size_t> openLink_;
     std::u16string text_;
 };
@@ -134,9 +142,10 @@ std::string_view nameOf(LinkKind kind) {
     return Names[static_cast<std::size_t>(kind)];
 }
 
-std::vector<LinkDetails> linkDetails(std::u16string_view page) {
-    Collector collector;
-    GetTagsOfString(page, [&](const Tag& tag) { return collector.take(tag); });
+std::vector<LinkDetails> linkDetails(std::u16string_view page, const WebRules& web) {
+    Collector collector(web);
+    GetTagsOfString(
+        page, [&](const Tag& tag) { return collector.take(tag); }, web);
     return std::move(collector.links);
 }
 

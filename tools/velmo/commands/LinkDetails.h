@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 
 namespace velmo::tool {
 
@@ -23,6 +24,6 @@ struct LinkDetails {
 };
 
 /// In page order; what is pointed at twice stands here twice. The time is linear in the page.
-std::vector<LinkDetails> linkDetails(std::u16string_view page);
+std::vector<LinkDetails> linkDetails(std::u16string_view page, const WebRules& web);
 
 }  // namespace velmo::tool

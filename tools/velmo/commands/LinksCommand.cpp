@@ -35,26 +35,27 @@ struct Found {
 
 std::vector<String> listOf(const std::set<String>& set) { return {set.begin(), set.end()}; }
 
-Found find(const String& page, const Options& options) {
+Found find(const String& page, const URL& url, const Options& options) {
     const WebRules web = options.input.content.web;
     const String containing = String::fromUTF8(options.containing);
     // Whatever was asked for: the page's own base comes with its links.
-    HtmlLinks found =
-        htmlLinks(page, {.containing = containing, .useRelNoFollow = options.noFollow, .web = web});
+    HtmlLinks found = htmlLinks(
+        page,
+        {.containing = containing, .useRelNoFollow = options.noFollow, .web = web, .url = url});
     switch (options.kind) {
         case LinkSet::Links:
             break;
         case LinkSet::Frames:
-            found.links = listOf(htmlLinksAndFramesSet(page).references);
+            found.links = listOf(htmlLinksAndFramesSet(page, {.web = web}).references);
             break;
         case LinkSet::Images:
-            found.links = listOf(htmlImages(page));
+            found.links = listOf(htmlImages(page, web));
             break;
         case LinkSet::Scripts:
-            found.links = listOf(htmlStylesheetsAndScripts(page));
+            found.links = listOf(htmlStylesheetsAndScripts(page, web));
             break;
         case LinkSet::Media:
-            found.links = listOf(htmlEmbeddedObjects(page));
+            found.links = listOf(htmlEmbeddedObjects(page, web));
             break;
     }
     return {std::move(found.links), std::move(found.baseURL)};
@@ -83,7 +84,7 @@ public:
     Printer(const Options& options, const URL& base) : options_(options), base_(base) {}
 
     void print(const std::string& file, const String& page, Report& report) const {
-        const Found found = find(page, options_);
+        const Found found = find(page, base_, options_);
         // As in a browser: what the page says of its base goes before where it was found.
         const URL& base = found.base.isAbsent() ? base_ : found.base;
         if (report.json()) return printObject(file, page, found, base, report);
@@ -99,11 +100,11 @@ private:
 
     URL resolved(const String& link, const URL& base) const {
         // With its anchor, which tells people and programs where on the page a link leads.
-        return resolves() ? urlOfLink(link, base, true) : URL();
+        return resolves() ? urlOfLink(link, base, true, options_.input.content.web) : URL();
     }
 
     std::vector<LinkDetails> detailsOf(const String& page) const {
-        std::vector<LinkDetails> details = linkDetails(page);
+        std::vector<LinkDetails> details = linkDetails(page, options_.input.content.web);
         std::erase_if(details, [&](const LinkDetails& each) {
             return !isWanted(each.kind, options_) ||
                    // The library leaves such links out of its set itself; details come from a scan

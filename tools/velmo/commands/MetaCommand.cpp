@@ -34,8 +34,8 @@ JsonObject objectOf(const HtmlMetaSummary& summary) {
 }
 
 /// All that a page says of itself, by the names of the members.
-JsonObject membersOf(const String& page, const URL& url) {
-    const HtmlMetadata found = htmlMetadata(page, {.summary = true});
+JsonObject membersOf(const String& page, const URL& url, const WebRules& web) {
+    const HtmlMetadata found = htmlMetadata(page, {.summary = true, .url = url, .web = web});
     return {{"title", found.title},
             {"normalizedTitle", found.normalizedTitle},
             {"metaTitle", found.metaTitle},
@@ -43,7 +43,7 @@ JsonObject membersOf(const String& page, const URL& url) {
             {"keywords", found.keywords},
             {"description", found.description},
             {"date", found.date},
-            {"parsedDate", parsedDate(normalizedHtmlString(found.date))},
+            {"parsedDate", parsedDate(normalizedHtmlString(found.date, web))},
             {"author", found.author},
             {"copyright", found.copyright},
             {"refresh", found.refresh},
@@ -53,7 +53,7 @@ JsonObject membersOf(const String& page, const URL& url) {
             {"attributes", objectOf(found.attributes)},
             {"converted", objectOf(found.convertedAttributes)},
             {"summary", objectOf(found.summary)},
-            {"errorPage", Page::pageWithString(page, url).isErrorPage()}};
+            {"errorPage", Page::pageWithString(page, url, web).isErrorPage()}};
 }
 
 /// A line for each value that is there, those of objects with both names. Of the attributes people
@@ -76,7 +76,7 @@ void run(Report& report, const Options& options) {
     forEachContent(report, options.input,
                    [&](const FileName& file, Content&& content, Report& own) {
                        const String page = content.kind == Kind::Page ? content.units : String();
-                       JsonObject members = membersOf(page, url);
+                       JsonObject members = membersOf(page, url, content.web);
                        if (own.json())
                            return own.printObject(fileObject(file.path, std::move(members)));
                        own.printHeading(file.path);

@@ -20,22 +20,23 @@ URL resolvedPlainly(const String& link, const URL& base) {
 }
 
 /// The URL of a link; absent if it leads to no page, or to an advertisement.
-URL pageOfLink(const String& link, const URL& base) {
+URL pageOfLink(const String& link, const URL& base, WebRules web) {
     // Before it is resolved, as the text alone tells of a script or a mail address; what only
     // shows in the whole URL is looked at once more below.
     if (filterLink(link)) return {};
     // On a file base the resolver takes a # for a part of the path.
-    const URL url = URLRelativeTo(base, stringURLWithoutAnchor(link));
+    const URL url = URLRelativeTo(base, stringURLWithoutAnchor(link), {.web = web});
     const bool isRefused = filterLink(url.absoluteString()) || stringURLIsAdvertisement(url);
     return isRefused ? URL() : url;
 }
 
 }  // namespace
 
-URL urlOfLink(const String& link, const URL& base, bool keepAnchor) {
-    const URL url = keepAnchor ? URLRelativeTo(base, link, {.trimAnchor = false})
-                               : URLRelativeTo(base, stringURLWithoutAnchor(link));
-    return url.isAbsent() ? resolvedPlainly(link, base) : url;
+URL urlOfLink(const String& link, const URL& base, bool keepAnchor, WebRules web) {
+    const String text = keepAnchor ? link : stringURLWithoutAnchor(link);
+    const URL url = URLRelativeTo(base, text, {.trimAnchor = !keepAnchor, .web = web});
+    // What is no URL to a browser leads nowhere in one.
+    return url.isAbsent() && !web.resolution ? resolvedPlainly(link, base) : url;
 }
 
 PageLinks linksOfPage(std::span<const String> found, const URL& ownBase, const URL& url,
@@ -44,7 +45,8 @@ PageLinks linksOfPage(std::span<const String> found, const URL& ownBase, const U
     PageLinks links;
     links.number = found.size();
     for (const String& link : found) {
-        const URL target = options.all ? urlOfLink(link, base, false) : pageOfLink(link, base);
+        const URL target = options.all ? urlOfLink(link, base, false, options.web)
+                                       : pageOfLink(link, base, options.web);
         // The first of several URLs of one page is kept, as emplace() changes nothing that is
         // there.
         if (!target.isAbsent()) links.distinct.emplace(simplifiedStringURL(target), target);

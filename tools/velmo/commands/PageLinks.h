@@ -8,19 +8,21 @@
 #include <vector>
 
 #include <velmocore/platform/String.h>
+#include <velmocore/text/WebRules.h>
 #include <velmocore/url/URL.h>
 
 namespace velmo::tool {
 
 /// The URL of a link on a page, with what people get wrong put right. A link that leads to no
 /// page, as one to a mail address, is resolved plainly. Absent if it is no URL even so.
-URL urlOfLink(const String& link, const URL& base, bool keepAnchor);
+URL urlOfLink(const String& link, const URL& base, bool keepAnchor, WebRules web = {});
 
 struct PageLinkOptions {
     /// Those too that lead to no page, and advertisements.
     bool all = false;
     /// The FollowMode by which links are picked; without one none is.
     std::optional<std::int64_t> follow;
+    WebRules web = {};  ///< how links are resolved
 };
 
 struct PageLinks {

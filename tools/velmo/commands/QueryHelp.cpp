@@ -45,9 +45,11 @@ Order
   Operators join their terms from left to right, and none goes before another: a b OR c is
   (a AND b) OR c. Parentheses group: a AND (b OR c).
 
-Scripts without spaces, as Chinese, Japanese and Thai
-  All that stands between two separators counts as one word there: ask for a part of it with
-  ~part or *part*.
+Scripts without spaces: Chinese, Japanese, Thai, Lao, Burmese and Khmer
+  A term is found inside what is written without spaces, and other words are found beside it. Each
+  character counts as one word, in distances too; a star is as few of them as will do. With
+  --whole-words all that stands between two separators is one word there: ask for a part of it
+  with ~part or *part*.
 
 Examples
   velmo match '(tea OR coffee) NEAR/5 cup -sugar' notes.txt

@@ -39,8 +39,10 @@ Case caseOf(WildcardComparison comparison) {
 
 QueryOptions QueryParseOptions::read() const {
     // Patterns unless told otherwise: people who search from a shell expect * to work.
-    return {
-        .defaultOperator = defaultOperator, .defaultDistance = defaultDistance, .wildcard = !plain};
+    return {.defaultOperator = defaultOperator,
+            .defaultDistance = defaultDistance,
+            .wildcard = !plain,
+            .withinRuns = !wholeWords};
 }
 
 std::vector<Option> queryParseOptions(QueryParseOptions& options) {
@@ -48,6 +50,7 @@ std::vector<Option> queryParseOptions(QueryParseOptions& options) {
         flag("--plain", options.plain,
              "words are no patterns: * and ? stand for themselves, and [text] is a comment"),
         flag("--strict", options.strict, "fail if the query cannot mean what was written"),
+        wholeWordsOption(options.wholeWords),
         choice("--default-operator", "NAME", options.defaultOperator,
                "what joins words that nothing else joins: and, or, xor, near, before, after, "
                "next or opt",
@@ -79,8 +82,15 @@ std::vector<Range> Query::hitsIn(std::u16string_view units) const {
                  : hitsOfQueryTerms(units, terms, comparison);
 }
 
-void explainPattern(Report& report, const String& pattern, bool strict) {
-    explain(report, "pattern", problemsOfWildcard(pattern), strict);
+Option wholeWordsOption(bool& wholeWords) {
+    return flag("--whole-words", wholeWords,
+                "words of Chinese, Japanese, Thai and their like end at separators only, and are "
+                "not found inside what is written without spaces");
+}
+
+void explainPattern(Report& report, const String& pattern, bool strict, bool wholeWords) {
+    explain(report, "pattern",
+            problemsOfWildcard(pattern, {.wildcard = true, .withinRuns = !wholeWords}), strict);
 }
 
 Query readQuery(Report& report, const std::string& text, const QueryParseOptions& options,

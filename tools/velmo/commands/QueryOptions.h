@@ -13,15 +13,16 @@ namespace velmo::tool {
 
 /// How a query is read.
 struct QueryParseOptions {
-    bool plain = false;   ///< words are no patterns
-    bool strict = false;  ///< a query that cannot mean what was written is a failure
+    bool plain = false;       ///< words are no patterns
+    bool strict = false;      ///< a query that cannot mean what was written is a failure
+    bool wholeWords = false;  ///< see wholeWordsOption()
     QueryOperator defaultOperator = QueryOperator::And;
     std::uint64_t defaultDistance = QueryOptions().defaultDistance;
 
     QueryOptions read() const;
 };
 
-/// --plain, --strict, --default-operator and --default-distance.
+/// --plain, --strict, --whole-words, --default-operator and --default-distance.
 std::vector<Option> queryParseOptions(QueryParseOptions& options);
 
 /// A query and how it is asked.
@@ -43,7 +44,11 @@ struct Query {
 Query readQuery(Report& report, const std::string& text, const QueryParseOptions& options,
                 WildcardComparison comparison);
 
+/// --whole-words: in scripts without spaces too, words end at separators only. Else each of their
+/// characters counts as a word, as users of these scripts expect.
+Option wholeWordsOption(bool& wholeWords);
+
 /// Tells what in a pattern cannot mean what was written; strict makes it a failure.
-void explainPattern(Report& report, const String& pattern, bool strict);
+void explainPattern(Report& report, const String& pattern, bool strict, bool wholeWords);
 
 }  // namespace velmo::tool

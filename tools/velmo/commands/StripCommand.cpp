@@ -17,7 +17,7 @@
 namespace velmo::tool {
 namespace {
 
-using Step = std::function<String(const String& page)>;
+using Step = std::function<String(const String& page, const WebRules& web)>;
 
 struct Options {
     InputOptions input;
@@ -46,14 +46,14 @@ Option stepWith(Options& options, std::string_view name, std::string_view value,
             }};
 }
 
-using Text = String (*)(const String& page, const String& value);
-using OfTag = String (*)(const String& page, std::string_view name);
+using Text = String (*)(const String& page, const String& value, const WebRules& web);
+using OfTag = String (*)(const String& page, std::string_view name, const WebRules& web);
 
 Option textStep(Options& options, std::string_view name, std::string_view value, std::string help,
                 Text change) {
     return stepWith(options, name, value, std::move(help), [change](const std::string& given) {
-        return [change, text = String::fromUTF8(given)](const String& page) {
-            return change(page, text);
+        return [change, text = String::fromUTF8(given)](const String& page, const WebRules& web) {
+            return change(page, text, web);
         };
     });
 }
@@ -62,7 +62,9 @@ Option tagStep(Options& options, std::string_view name, std::string help, OfTag 
     return stepWith(options, name, "NAME", std::move(help), [change](std::string tag) {
         for (char& unit : tag)
             if (unit >= 'a' && unit <= 'z') unit = static_cast<char>(unit - 'a' + 'A');
-        return [change, tag](const String& page) { return change(page, tag); };
+        return [change, tag](const String& page, const WebRules& web) {
+            return change(page, tag, web);
+        };
     });
 }
 
@@ -78,8 +80,8 @@ std::vector<String> listOf(std::string_view given) {
 
 Option bodiesStep(Options& options, std::string_view name, std::string help, bool except) {
     return stepWith(options, name, "LIST", std::move(help), [except](const std::string& given) {
-        return [tags = listOf(given), except](const String& page) {
-            return stripTagBodies(page, tags, {.except = except});
+        return [tags = listOf(given), except](const String& page, const WebRules& web) {
+            return stripTagBodies(page, tags, {.except = except, .web = web});
         };
     });
 }
@@ -107,23 +109,29 @@ std::vector<Option> tagOptions(Options& options) {
 std::vector<Option> linkOptions(Options& options) {
     return {
         stepFlag(options, "--objects", "take out scripts, plug-ins, frames and comments",
-                 [](const String& page) { return stripObjectsAndReplaceImages(page, false); }),
+                 [](const String& page, const WebRules& web) {
+                     return stripObjectsAndReplaceImages(page, false, web);
+                 }),
         stepFlag(options, "--objects-and-images", "the same, and write images as their texts",
-                 [](const String& page) { return stripObjectsAndReplaceImages(page, true); }),
+                 [](const String& page, const WebRules& web) {
+                     return stripObjectsAndReplaceImages(page, true, web);
+                 }),
         stepFlag(options, "--links", "take out links with their texts", stripLinks),
         stepFlag(options, "--file-links", "take out links to files", stripFileLinks),
         stepWith(options, "--resolve", "BASE", "make references absolute",
                  [](const std::string& given) {
-                     return [base = urlOf("--resolve", given)](const String& page) {
-                         return resolveLinksUsingBaseURL(page, base);
+                     return [base = urlOf("--resolve", given)](const String& page,
+                                                               const WebRules& web) {
+                         return resolveLinksUsingBaseURL(page, base, web);
                      };
                  }),
         stepWith(options, "--flatten", "PREFIX",
                  "make references names of files with that prefix; takes --base",
                  [&options](const std::string& given) {
                      options.wantsBase = true;
-                     return [&options, prefix = String::fromUTF8(given)](const String& page) {
-                         return flattenLinksUsingBaseURL(page, options.base, prefix);
+                     return [&options, prefix = String::fromUTF8(given)](const String& page,
+                                                                         const WebRules& web) {
+                         return flattenLinksUsingBaseURL(page, options.base, prefix, web);
                      };
                  }),
         {.names = "--base",
@@ -150,7 +158,7 @@ void run(Report& report, const Options& options) {
     forEachContent(report, options.input,
                    [&](const FileName& file, Content&& content, Report& own) {
                        String page = std::move(content.units);
-                       for (const Step& step : options.steps) page = step(page);
+                       for (const Step& step : options.steps) page = step(page, content.web);
                        if (own.json())
                            return own.printObject(fileObject(file.path, {{"text", page}}));
                        own.printHeading(file.path);

@@ -22,9 +22,10 @@ struct Options {
 };
 
 /// What the references of a page are relative to, if that was not given.
-URL baseOf(const std::string& file, const String& page) {
-    const URL base = htmlLinks(page).baseURL;
-    return base.isAbsent() ? URL::fileURLWithPath(String::fromUTF8(file)) : base;
+URL baseOf(const std::string& file, const String& page, const WebRules& web) {
+    const URL url = URL::fileURLWithPath(String::fromUTF8(file));
+    const URL base = htmlLinks(page, {.web = web, .url = url}).baseURL;
+    return base.isAbsent() ? url : base;
 }
 
 JsonObject objectOf(const Strings& strings) {
@@ -54,7 +55,8 @@ void run(Report& report, const Options& options) {
         report, options.input, [&](const FileName& file, Content&& content, Report& own) {
             const String page = content.kind == Kind::Page ? content.units : String();
             LinkThumbnailOptions wanted = options.thumbnails;
-            wanted.baseURL = base.isAbsent() ? baseOf(file.path, page) : base;
+            wanted.web = content.web;
+            wanted.baseURL = base.isAbsent() ? baseOf(file.path, page, content.web) : base;
             const LinkThumbnails found = getLinkThumbnails(page, wanted);
             if (!own.json()) return printLines(found, own);
             own.printObject(fileObject(file.path, {{"thumbnails", objectOf(found.thumbnails)},

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include <velmocore/text/Trimming.h>
+#include <velmocore/url/RelativeURLs.h>
 
 #include "Commands.h"
 #include "UrlCommands.h"
@@ -12,6 +13,22 @@ namespace velmo::tool {
 
 void addUrlArguments(Command& command, std::vector<std::string>& urls, std::string_view name) {
     command.arguments.push_back(list(name, urls, "without any, a line each from standard input"));
+}
+
+Option webFlag(WebRules& web, std::string help) {
+    return {.names = "--web", .value = {}, .help = std::move(help), .take = [&web](const auto&) {
+                web = WebRules::today();
+            }};
+}
+
+URL readURL(const String& text, WebRules web) {
+    return URLWithStringRelativeTo(text, URL(), {.trimAnchor = false, .web = web});
+}
+
+String readText(const String& text, WebRules web) {
+    if (!web.resolution) return text;
+    const URL url = readURL(text, web);
+    return url.isAbsent() ? text : url.absoluteString();
 }
 
 void forEachUrl(Report& report, const std::vector<std::string>& urls,
@@ -31,11 +48,12 @@ void forEachUrl(Report& report, const std::vector<std::string>& urls,
 std::span<const CommandEntry> urlActions() {
     // In the order of the help.
     static const CommandEntry actions[] = {
-        {"resolve", makeUrlResolveCommand},   {"simplify", makeUrlSimplifyCommand},
-        {"key", makeUrlKeyCommand},           {"parse", makeUrlParseCommand},
-        {"path", makeUrlPathCommand},         {"params", makeUrlParamsCommand},
-        {"accept", makeUrlAcceptCommand},     {"unwrap", makeUrlUnwrapCommand},
-        {"classify", makeUrlClassifyCommand}, {"repair", makeUrlRepairCommand},
+        {"resolve", makeUrlResolveCommand}, {"simplify", makeUrlSimplifyCommand},
+        {"key", makeUrlKeyCommand},         {"parse", makeUrlParseCommand},
+        {"host", makeUrlHostCommand},       {"path", makeUrlPathCommand},
+        {"params", makeUrlParamsCommand},   {"accept", makeUrlAcceptCommand},
+        {"unwrap", makeUrlUnwrapCommand},   {"classify", makeUrlClassifyCommand},
+        {"repair", makeUrlRepairCommand},
     };
     return actions;
 }

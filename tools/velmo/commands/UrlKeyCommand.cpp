@@ -1,6 +1,5 @@
 // The key of a page for the web of today; "velmo url simplify" has the older one.
 #include <velmocore/url/PageKey.h>
-#include <velmocore/url/URLConstruction.h>
 
 #include <memory>
 #include <optional>
@@ -17,6 +16,7 @@ struct Options {
     std::vector<std::string> urls;
     std::string tracking;
     PageKeyOptions key;
+    WebRules web;
 };
 
 /// The rows of a file beside the common ones; absent if it cannot be read.
@@ -33,6 +33,16 @@ std::optional<TrackingParameters> ownParameters(Report& report, const std::strin
     }
 }
 
+/// What is no URL by the grammar is read as browsers do, and what is none to them with what people
+/// leave out.
+URL urlOf(const String& text, WebRules web) {
+    if (web.resolution || URL::URLWithString(text).isAbsent()) {
+        const URL url = readURL(text, WebRules::today());
+        if (!url.isAbsent()) return url;
+    }
+    return readURL(text, {});
+}
+
 void run(Report& report, const Options& options) {
     PageKeyOptions key = options.key;
     std::optional<TrackingParameters> own;
@@ -42,7 +52,7 @@ void run(Report& report, const Options& options) {
         key.parameters = &*own;
     }
     forEachUrl(report, options.urls, [&](const String& url) {
-        const String found = pageKey(URLWithNormalizedStringURL(url), key);
+        const String found = pageKey(urlOf(url, options.web), key);
         if (report.json()) return report.printObject({{"url", url}, {"key", found}});
         if (found.isAbsent()) return report.fail(url.utf8(), "not a URL");
         report.printLine(found.utf8());
@@ -86,6 +96,7 @@ Command makeUrlKeyCommand(Session& session) {
                  text("--tracking", "FILE", options->tracking,
                       "also leave out the parameters that a file names, one a line, with the hosts "
                       "on which they count"),
+                 webFlag(options->web, "read the URLs first as browsers do"),
                  jsonFlag(session, "one JSON object a URL")});
     return command;
 }

@@ -13,6 +13,11 @@
 namespace velmo::tool {
 namespace {
 
+struct Options {
+    std::vector<std::string> urls;
+    WebRules web;
+};
+
 JsonObject partsOf(const URL& url) {
     const auto port = url.port();
     return {
@@ -50,9 +55,10 @@ void printLines(Report& report, const JsonObject& parts) {
                                  : fmt::format("  {:22} {}", name.plain(), value.plain()));
 }
 
-void run(Report& report, const std::vector<std::string>& urls) {
-    forEachUrl(report, urls, [&report](const String& string) {
-        const URL url = URL::URLWithString(string);
+void run(Report& report, const Options& options) {
+    forEachUrl(report, options.urls, [&](const String& string) {
+        const URL url =
+            options.web.resolution ? readURL(string, options.web) : URL::URLWithString(string);
         if (url.isAbsent()) return report.fail(string.utf8(), "not a URL");
         if (report.json())
             report.printObject(partsOf(url));
@@ -64,14 +70,15 @@ void run(Report& report, const std::vector<std::string>& urls) {
 }  // namespace
 
 Command makeUrlParseCommand(Session& session) {
-    auto options = std::make_shared<std::vector<std::string>>();
+    auto options = std::make_shared<Options>();
     Command command = {
         .summary = "Tell the parts of URLs and of relative references",
         .examples = {"velmo url parse 'https://me@example.org:8080/a;b?c=d#e'"},
         .run = [options](Report& report) { run(report, *options); },
     };
-    addUrlArguments(command, *options);
-    command.add({jsonFlag(session, "one JSON object a URL, null for parts not there")});
+    addUrlArguments(command, options->urls);
+    command.add({webFlag(options->web, "whole URLs as browsers read them"),
+                 jsonFlag(session, "one JSON object a URL, null for parts not there")});
     return command;
 }
 

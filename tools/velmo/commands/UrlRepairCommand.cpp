@@ -12,10 +12,15 @@
 namespace velmo::tool {
 namespace {
 
-void run(Report& report, const std::vector<std::string>& texts) {
-    forEachUrl(report, texts, [&](const String& pasted) {
+struct Options {
+    std::vector<std::string> texts;
+    WebRules web;
+};
+
+void run(Report& report, const Options& options) {
+    forEachUrl(report, options.texts, [&](const String& pasted) {
         const String location = possibleInternetLocation(pasted, true);
-        const String formatted = stringByFormattingURL(pasted);
+        const String formatted = readText(stringByFormattingURL(pasted), options.web);
         report.noteHit(!location.isAbsent());
         if (report.json())
             report.printObject(
@@ -30,14 +35,15 @@ void run(Report& report, const std::vector<std::string>& texts) {
 }  // namespace
 
 Command makeUrlRepairCommand(Session& session) {
-    auto options = std::make_shared<std::vector<std::string>>();
+    auto options = std::make_shared<Options>();
     Command command = {
         .summary = "Clean pasted URLs, and tell whether they can be internet locations",
         .examples = {"velmo url repair 'Ann Example <ann@example.org>' www.example.org"},
         .run = [options](Report& report) { run(report, *options); },
     };
-    addUrlArguments(command, *options, "TEXT");
-    command.add({jsonFlag(session, "one JSON object a text")});
+    addUrlArguments(command, options->texts, "TEXT");
+    command.add({webFlag(options->web, "what is a whole URL is written as browsers do"),
+                 jsonFlag(session, "one JSON object a text")});
     return command;
 }
 

@@ -1,7 +1,6 @@
 // Links resolved with the library's repairs. The base is no option but the first argument: without
 // one there is nothing that this action could do.
 #include <velmocore/url/RelativeURLs.h>
-#include <velmocore/url/URLConstruction.h>
 
 #include <memory>
 
@@ -14,14 +13,20 @@ struct Options {
     std::string base;
     std::vector<std::string> links;
     bool keepAnchor = false, noStandardize = false;
+    WebRules web;
 };
 
 void run(Report& report, const Options& options) {
-    const URL base = URLWithNormalizedStringURL(String::fromUTF8(options.base));
-    if (base.isAbsent()) return report.fail(options.base, "not a URL");
+    // As the standard has it, a link that needs no base has a result without one.
+    const bool needsNoBase = options.web.resolution && options.base.empty();
+    const URL base = readURL(String::fromUTF8(options.base), options.web);
+    if (base.isAbsent() && !needsNoBase) return report.fail(options.base, "not a URL");
     forEachUrl(report, options.links, [&](const String& link) {
-        const URL url = URLRelativeTo(
-            base, link, {.trimAnchor = !options.keepAnchor, .standardize = !options.noStandardize});
+        const RelativeURLOptions rules = {
+            .trimAnchor = !options.keepAnchor && !options.web.resolution,
+            .standardize = !options.noStandardize,
+            .web = options.web};
+        const URL url = URLWithStringRelativeTo(link, base, rules);
         // A link to nowhere prints nothing and only counts as a miss, so that lines out stay
         // usable.
         report.noteHit(!url.isAbsent());
@@ -47,6 +52,9 @@ Command makeUrlResolveCommand(Session& session) {
         flag("--keep-anchor", options->keepAnchor, "keep what stands after a #"),
         flag("--no-standardize", options->noStandardize,
              "keep double slashes, and dot segments of absolute links"),
+        webFlag(options->web,
+                "as browsers resolve links, anchors too; an empty BASE is none, and nothing is "
+                "put right"),
         jsonFlag(session, "one JSON object a link, null for one to nowhere"),
     });
     return command;

@@ -14,12 +14,14 @@ using Reducer = String (*)(const String&);
 struct Options {
     std::vector<std::string> urls;
     Reducer only = nullptr;
+    WebRules web;
 };
 
 void run(Report& report, const Options& options) {
     forEachUrl(report, options.urls, [&](const String& url) {
         // The text as it came, not a URL made of it: the key is defined for any text.
-        const String simplified = options.only ? options.only(url) : simplifiedStringURL(url);
+        const String text = readText(url, options.web);
+        const String simplified = options.only ? options.only(text) : simplifiedStringURL(text);
         if (report.json())
             report.printObject({{"url", url}, {"simplified", simplified}});
         else
@@ -47,6 +49,7 @@ Command makeUrlSimplifyCommand(Session& session) {
                  {"empty-params", stringURLByRemovingEmptyParams},
                  {"anchors", stringURLWithoutAnchor},
                  {"standardize", standardizedStringURL}}),
+         webFlag(options->web, "reduce what browsers read"),
          jsonFlag(session, "one JSON object a URL")});
     return command;
 }

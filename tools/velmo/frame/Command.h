@@ -33,6 +33,7 @@ struct Option {
     std::string_view excludes = {};  ///< the long name of an option that it does not go with
     /// The value stands behind "=" or is left out, and is empty then.
     bool isValueOptional = false;
+    std::vector<std::string_view> choices = {};  ///< the values that it takes, if they are names
 };
 
 Option flag(std::string_view names, bool& target, std::string help);
@@ -65,9 +66,9 @@ Option choice(std::string_view names, std::string_view value, Value& target, std
     return {.names = names,
             .value = value,
             .help = std::move(help),
-            .take = [&target, keys, values](const std::string& name) {
-                target = values[indexOfName(name, keys)];
-            }};
+            .take = [&target, keys,
+                     values](const std::string& name) { target = values[indexOfName(name, keys)]; },
+            .choices = keys};
 }
 
 /// An argument that stands by itself.

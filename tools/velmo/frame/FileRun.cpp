@@ -96,7 +96,7 @@ void addContentOptions(Command& command, Session& session, InputOptions& options
              "the charset that the HTTP header of pages named"),
         {.names = "--web",
          .value = {},
-         .help = "read the charsets, texts and links of pages as browsers of today do",
+         .help = "read pages, and the markup of feeds, as browsers of today do",
          .take = [&content](const std::string&) { content.web = WebRules::today(); }},
         number("--limit", "BYTES", content.limit,
                fmt::format("most bytes that may come out of a compressed file; {}", UsualLimit)),

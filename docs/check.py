@@ -1,0 +1,42 @@
+#!/usr/bin/env python3
+"""Checks that the guide names what there is: each header exists and has each name that its row calls,
+and each link of the documents leads to a file."""
+import pathlib
+import re
+import sys
+
+DOCS = pathlib.Path(__file__).resolve().parent
+ROOT = DOCS.parent
+ROW = re.compile(r"^\| [^|]* \| `([\w/]+\.h)` \| (.*) \|$")
+NAME = re.compile(r"(?:(?:\w+::)|\.)?(\w+)\(")
+
+
+def faults_of_guide():
+    rows = 0
+    for line in (DOCS / "guide.md").read_text().splitlines():
+        row = ROW.match(line)
+        if not row:
+            continue
+        rows += 1
+        header = ROOT / "include/velmocore" / row.group(1)
+        if not header.exists():
+            yield f"there is no {row.group(1)}"
+            continue
+        text = header.read_text()
+        for call in NAME.findall(row.group(2))[:1]:
+            if not re.search(rf"\b{call}\b", text):
+                yield f"{row.group(1)} has no {call}"
+    if rows < 80:
+        yield f"only {rows} rows were read"
+
+
+def faults_of_links():
+    for document in [*DOCS.rglob("*.md"), *ROOT.glob("*.md")]:
+        for target in re.findall(r"\]\(([^)#:]+)\)", document.read_text()):
+            if not (document.parent / target).exists():
+                yield f"{document.relative_to(ROOT)}: there is no {target}"
+
+
+faults = [*faults_of_guide(), *faults_of_links()]
+print("\n".join(faults) or "the guide and all links lead to what there is")
+sys.exit(bool(faults))
