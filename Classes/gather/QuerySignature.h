@@ -72,7 +72,7 @@ private:
     QueryTerms query_;  // keeps the words of the keys
     WildcardComparison comparison_;
     bool edgesCount_;
-    TellableUnits tellable_;
+    const TellableUnits& tellable_;
     std::map<WordKey, std::size_t> numbers_;
     std::vector<Word> words_;
     std::vector<Step> steps_;

@@ -43,9 +43,7 @@ bool anyIsZero(std::size_t count, Difference difference) {
     return least == 0;
 }
 
-}  // namespace
-
-TellableUnits tellableUnits(WildcardComparison comparison) {
+TellableUnits makeTellableUnits(WildcardComparison comparison) {
     const ConversionTable* table = unicharTableForWildcardComparison(comparison);
     const auto folded = [&](unsigned unit) {
         const auto own = static_cast<char16_t>(unit);
@@ -61,6 +59,16 @@ TellableUnits tellableUnits(WildcardComparison comparison) {
         if (ascii::isLetterOrDigit(unit) && !hasOthers[folded(unit)])
             tellable[unit] = hasKnown[folded(unit)] ? Tellable::IfNoOthers : Tellable::Always;
     return tellable;
+}
+
+}  // namespace
+
+const TellableUnits& tellableUnits(WildcardComparison comparison) {
+    using enum WildcardComparison;
+    static const std::array<TellableUnits, 4> made = {
+        makeTellableUnits(Exact), makeTellableUnits(CaseInsensitive),
+        makeTellableUnits(DiacriticsInsensitive), makeTellableUnits(Insensitive)};
+    return made[static_cast<std::size_t>(comparison & Insensitive)];
 }
 
 bool hasOtherCases(std::string_view utf8) {

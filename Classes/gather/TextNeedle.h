@@ -21,7 +21,8 @@ enum class Tellable : std::uint8_t {
     Always,      ///< nothing but itself, or its other case, is taken for it
 };
 using TellableUnits = std::array<Tellable, 128>;
-VELMO_API TellableUnits tellableUnits(WildcardComparison comparison);
+/// Made at first use, on whatever thread.
+VELMO_API const TellableUnits& tellableUnits(WildcardComparison comparison);
 
 /// Whether a text has one of the three letters outside of ASCII whose other case is an ASCII letter.
 VELMO_API bool hasOtherCases(std::string_view utf8);

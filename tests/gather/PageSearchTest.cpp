@@ -86,9 +86,18 @@ TEST_F(PageSearchTest, FindsTheSameWithAndWithoutSignaturesOnAnyThreads) {
     std::vector<PageStore> stores;
     stores.push_back(storeOf("one", randomPages(random, 300, u"a")));
     stores.push_back(storeOf("two", randomPages(random, 150, u"b")));
-    const char16_t* queries[] = {u"word299", u"word150 word7", u"word1* -word2", u"word280 OR word281",
-                                 u"word20 NEAR/3 word3", u"~rd27", u"\"word1 word2\"", u"w?rd[23]88", u"-word0",
-                                 u"word5 OPT word250", u"(word33 XOR word44) word0", u"nothing"};
+    const char16_t* queries[] = {u"word299",
+                                 u"word150 word7",
+                                 u"word1* -word2",
+                                 u"word280 OR word281",
+                                 u"word20 NEAR/3 word3",
+                                 u"~rd27",
+                                 u"\"word1 word2\"",
+                                 u"w?rd[23]88",
+                                 u"-word0",
+                                 u"word5 OPT word250",
+                                 u"(word33 XOR word44) word0",
+                                 u"nothing"};
     std::size_t spared = 0;
     for (const View query : queries) {
         for (const SearchOrder order : {SearchOrder::Relevance, SearchOrder::Newest, SearchOrder::Address,
@@ -118,8 +127,7 @@ TEST_F(PageSearchTest, OrdersByTheFormula) {
                            static_cast<double>(pages.size());
     double having[2] = {};
     for (const PageRecord& page : pages)
-        for (int i = 0; i < 2; ++i)
-            having[i] += QueryTerms(words[i]).matchesString(page.text, Case::Insensitive);
+        for (int i = 0; i < 2; ++i) having[i] += QueryTerms(words[i]).matchesString(page.text, Case::Insensitive);
     std::size_t matching = 0;
     for (const PageRecord& page : pages)
         matching += QueryTerms(u"word60 OR word61").matchesString(page.text, Case::Insensitive);

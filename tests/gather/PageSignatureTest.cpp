@@ -41,8 +41,7 @@ constexpr View Gaps[] = {u" ", u" ", u" ", u"\n", u"-", u".", u". ", u"'", u"\u2
 
 std::u16string randomWord(std::mt19937& random) {
     std::u16string word = test::randomText(random, anyOf(random, Alphabets), 1 + random() % 6);
-    if (random() % 6 == 0)
-        word += test::randomText(random, anyOf(random, Alphabets), 1 + random() % 3);
+    if (random() % 6 == 0) word += test::randomText(random, anyOf(random, Alphabets), 1 + random() % 3);
     return word;
 }
 
@@ -81,9 +80,9 @@ std::u16string randomTerm(std::mt19937& random, View text) {
 }
 
 std::u16string randomQuery(std::mt19937& random, View text) {
-    static constexpr View Joins[] = {u" ",       u" ",       u" OR ",     u" XOR ",   u" OPT ",   u" NEAR/2 ",
-                                     u" NEXT ", u" BEFORE ", u" AFTER/3 ", u" NEAR ",  u" -",      u" NOT ",
-                                     u" (",      u") ",      u" NEAR/1 ~", u" AFTER ~", u" OR (",   u") BEFORE *"};
+    static constexpr View Joins[] = {u" ",      u" ",        u" OR ",      u" XOR ",    u" OPT ", u" NEAR/2 ",
+                                     u" NEXT ", u" BEFORE ", u" AFTER/3 ", u" NEAR ",   u" -",    u" NOT ",
+                                     u" (",     u") ",       u" NEAR/1 ~", u" AFTER ~", u" OR (", u") BEFORE *"};
     std::u16string query;
     for (std::size_t count = 1 + random() % 5; count > 0; --count) {
         const std::u16string term = randomTerm(random, text);
@@ -139,7 +138,8 @@ void checkCase(std::mt19937& random, Outcomes& outcomes) {
         ASSERT_TRUE(mayHold || !holds) << String(written).utf8() << "\n" << String(text).utf8();
         for (std::size_t word = 0; word < query.numberOfWords(); ++word)
             ASSERT_TRUE(mayStand[query.signatureNumberOf(word)] || query.countOf(word, text) == 0)
-                << String(written).utf8() << "\n" << String(text).utf8();
+                << String(written).utf8() << "\n"
+                << String(text).utf8();
         outcomes.holding += holds;
         outcomes.refused += !mayHold;
         outcomes.refusedByBytes += !mayHoldFor;
@@ -151,8 +151,7 @@ TEST(PageSignature, LosesNoHitOfRandomQueries) {
     const std::size_t count = wanted ? std::strtoull(wanted, nullptr, 10) : 1000;
     std::mt19937 random(15);
     Outcomes outcomes;
-    for (std::size_t i = 0; i < count && !testing::Test::HasFatalFailure(); ++i)
-        checkCase(random, outcomes);
+    for (std::size_t i = 0; i < count && !testing::Test::HasFatalFailure(); ++i) checkCase(random, outcomes);
     setQueryTermCharacters(nullptr);
     // Otherwise nothing was proved.
     EXPECT_GT(outcomes.holding, count / 2);
@@ -208,8 +207,7 @@ TEST(PageSignature, TellsWhatAQueryNeeds) {
     };
     std::vector<char> mayStand, stack;
     for (const auto& c : cases) {
-        const QuerySignature query(QueryTerms(c.query, {.wildcard = c.wildcard}),
-                                   WildcardComparison::Insensitive);
+        const QuerySignature query(QueryTerms(c.query, {.wildcard = c.wildcard}), WildcardComparison::Insensitive);
         query.findWords(signature, mayStand);
         EXPECT_EQ(query.mayHold(mayStand, stack), c.mayHold) << String(c.query).utf8();
     }
