@@ -65,7 +65,8 @@ std::size_t fill(const std::string& path, bool compress) {
     for (std::size_t i = 0; i < numberOfPages(); ++i) {
         const PageRecord page = numbered(pages[i % pages.size()], i);
         units += page.text.length();
-        if (store.put(page, dataFromPageRecord(page, {.compressText = compress})) != PutResult::Added)
+        if (store.put(page, dataFromPageRecord(page, {.compressText = compress})) !=
+            PutResult::Added)
             std::abort();
     }
     if (!store.synchronize()) std::abort();

@@ -6,6 +6,7 @@
 #include <velmocore/feeds/FeedRendering.h>
 #include <velmocore/markup/ContentDecoding.h>
 #include <velmocore/url/RelativeURLs.h>
+#include <velmocore/url/URLConstruction.h>
 
 #include "gather/GatherErrors.h"
 #include "gather/StreamReading.h"
@@ -54,7 +55,9 @@ PageSource::State FeedSource::next(SourcePage& page) {
     }
     if (next_ == items_.size()) return State::End;
     const FeedItem item = std::move(items_[next_++]);
-    page.url = URLRelativeTo(options_.url, item.link, {.web = WebRules::today()});
+    page.url = options_.url.isAbsent()
+                   ? URLWithNormalizedStringURL(item.link)
+                   : URLRelativeTo(options_.url, item.link, {.web = WebRules::today()});
     page.isLeftOut = item.link.isEmpty() || page.url.isAbsent();
     if (page.isLeftOut) return State::Page;
     page.name = page.url.absoluteString();

@@ -32,6 +32,9 @@ constexpr std::size_t MostBytesAhead = std::size_t{1} << 24;
 /// Between two questions to a source that has nothing and does not wait itself.
 constexpr auto Pause = std::chrono::milliseconds(2);
 
+/// A power cut costs no more than the work of so long.
+constexpr auto LongestUnsynchronized = std::chrono::seconds(5);
+
 /// A page in flight.
 struct Job {
     SourcePage source;
@@ -193,6 +196,7 @@ std::size_t threadsFor(const GatherOptions& options) {
                                : std::max(1U, std::thread::hardware_concurrency());
 }
 
+using Clock = std::chrono::steady_clock;
 using Handler = FunctionRef<bool(GatheredPage&)>;
 
 class Run {
@@ -254,6 +258,7 @@ private:
         if (!job.source.isLeftOut) {
             store(job);
             count(page);
+            synchronizeNowAndThen();
             if (!handler_(page)) isOver_ = true;
         }
         source_.didRead(page.record);
@@ -272,6 +277,15 @@ private:
         } else {
             page.stored = page.duplicateOf.isAbsent() ? PutResult::Unchanged : PutResult::Duplicate;
         }
+    }
+
+    void synchronizeNowAndThen() {
+        const auto now = Clock::now();
+        if (options_.store == nullptr || now - synchronized_ < LongestUnsynchronized) return;
+        synchronized_ = now;
+        if (options_.store->synchronize()) return;
+        summary_.isStored = false;
+        isOver_ = true;
     }
 
     void count(const GatheredPage& page) {
@@ -308,6 +322,7 @@ private:
     const Handler handler_;
     Flight flight_;
     GatherSummary summary_;
+    Clock::time_point synchronized_ = Clock::now();
     std::size_t kept_ = 0;
     bool isAsking_ = true, hasEnded_ = false, isOver_ = false;
 };

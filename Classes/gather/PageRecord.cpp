@@ -60,10 +60,12 @@ void addWhole(Data& block, const std::string& utf8, const PageRecordWriting& opt
         addUTF8String(block, utf8, TextKey);
 }
 
+bool leadsNowhere(const PageLink& link) { return link.url.absoluteString().isEmpty(); }
+
 Data dataOfLinks(const std::vector<PageLink>& links) {
     Data data;
     for (const PageLink& link : links) {
-        if (link.url.isAbsent()) continue;
+        if (leadsNowhere(link)) continue;
         addText(data, link.url.absoluteString(), LinkAddressKey);
         addText(data, link.text, LinkTextKey);
         addText(data, link.thumbnail.absoluteString(), LinkThumbnailKey);
@@ -197,7 +199,7 @@ std::vector<PageLink> StoredPage::links() const {
             takeLinkRecord(links, record.key, String::fromUTF8(charsOf(*record.payload)));
         return true;
     });
-    std::erase_if(links, [](const PageLink& link) { return link.url.isAbsent(); });
+    std::erase_if(links, leadsNowhere);
     return links;
 }
 

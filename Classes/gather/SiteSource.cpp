@@ -82,6 +82,8 @@ public:
           loading_(starts, options_) {
         resume();
         for (std::uint32_t i = 0; i < starts.size(); ++i) addStart(starts[i], i);
+        // That there is a crawl is noted before its first page can be stored.
+        notes_.flush();
     }
     ~Crawl() {
         try {

@@ -12,6 +12,8 @@
 namespace velmo::detail {
 namespace {
 
+/// What is shorter is not compressed by libdeflate, but stored.
+constexpr std::size_t LeastInput = 64;
 constexpr std::size_t LargestInput = std::size_t{64} << 20, LargestOutput = std::size_t{256} << 20;
 constexpr std::size_t FirstOutput = 1024, UsualRatio = 6, Growth = 4;
 
@@ -50,7 +52,7 @@ bool hasHeaderChecksum(Bytes bytes) {
 }  // namespace
 
 std::optional<Data> deflatedWhole(Bytes bytes, int level, bool useGzip) {
-    if (bytes.empty() || bytes.size() > LargestInput) return std::nullopt;
+    if (bytes.size() < LeastInput || bytes.size() > LargestInput) return std::nullopt;
     const Compressor deflater(libdeflate_alloc_compressor(level), libdeflate_free_compressor);
     if (!deflater) return std::nullopt;
     const auto bound = useGzip ? libdeflate_gzip_compress_bound : libdeflate_zlib_compress_bound;

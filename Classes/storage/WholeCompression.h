@@ -9,7 +9,7 @@
 
 namespace velmo::detail {
 
-/// None if there are no bytes or too many, or no memory; the level is one of 1 to 9.
+/// None if there are too few bytes or too many, or no memory; the level is one of 1 to 9.
 std::optional<Data> deflatedWhole(Bytes bytes, int level, bool useGzip);
 /// None if the bytes are damaged in any way, or if what comes out is too much: why, only a stream
 /// tells.

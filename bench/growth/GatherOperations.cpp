@@ -4,8 +4,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include <velmocore/gather/PageStatistics.h>
 #include <velmocore/gather/PageSearch.h>
+#include <velmocore/gather/PageStatistics.h>
 #include <velmocore/gather/PageStore.h>
 #include <velmocore/storage/KeyedDataEditing.h>
 #include <velmocore/storage/KeyedStorage.h>

@@ -108,7 +108,9 @@ std::vector<std::string> answers(const std::string& bytes, std::size_t first) {
         [&] { return joined(componentsUsingDefaultSeparation(text)); },
         [&] { return stringByEllipsizingAfterNWords(text, 20).utf8(); },
         [&] { return page.language(LanguageFilter(velmoResourcesDirectory())).utf8(); },
-        [&] { return LanguageFilter(velmoResourcesDirectory(), LanguageRules::today()).languageTagOfText(text).utf8(); },
+        [&] {
+            return LanguageFilter(velmoResourcesDirectory(), LanguageRules::today()).languageTagOfText(text).utf8();
+        },
         [&] { return query.matchesString(text, WildcardComparison::Insensitive) ? "yes" : "no"; },
         [&] { return std::to_string(hitsOfQueryTerms(text, query).size()); },
         [&] { return query.normalizedQueryTerm().utf8(); },

@@ -1,5 +1,6 @@
 // Pages of a store from a shell.
 #include <velmocore/gather/PageStore.h>
+#include <velmocore/storage/KeyedData.h>
 
 #include "ToolFixture.h"
 
@@ -23,8 +24,10 @@ protected:
                       {URL::URLWithString(u"http://m.org/"), {}, {}}};
         page.bytes = Data{'<', 'p', '>', 0};
         store.put(page);
-        page = {.key = u"k", .text = u"another"};
-        store.put(page);
+        PageRecord other;
+        other.key = u"k";
+        other.text = u"another";
+        store.put(other);
     }
 };
 

@@ -164,7 +164,7 @@ Command makeServeCommand(Session& session) {
     auto options = std::make_shared<Options>();
     Command command = {
         .summary = "Show stores of pages in a browser: search them, read them",
-        .examples = {"velmo serve --port 0 pages.store & sleep 1; kill $!"},
+        .examples = {"velmo serve pages.store", "velmo serve --port 9000 pages.store"},
         .arguments = {{.name = "STORE",
                        .help = "files that velmo gather --store made",
                        .take = [options](const auto& path) { options->stores.push_back(path); },
