@@ -27,17 +27,17 @@ struct PageLink {
 
 /// All that is kept of a page. Strings are absent where the page does not tell.
 struct PageRecord {
-    URL url;     ///< where it stands
-    String key;  ///< by which it is known again; see pageKey()
+    URL url = {};     ///< where it stands
+    String key = {};  ///< by which it is known again; see pageKey()
     PageKind kind = PageKind::Page;
-    String title, author, description;
-    std::optional<Date> date;  ///< that the page gives itself
-    String language;           ///< a key of the language filter
-    String charset;            ///< IANA name of what its bytes are in
-    String text;               ///< plain
-    std::uint32_t words = 0;   ///< of the text, for the length of it
+    String title = {}, author = {}, description = {};
+    std::optional<Date> date = {};  ///< that the page gives itself
+    String language = {};           ///< a key of the language filter
+    String charset = {};            ///< IANA name of what its bytes are in
+    String text = {};               ///< plain
+    std::uint32_t words = 0;        ///< of the text, for the length of it
     std::vector<PageLink> links = {};
-    std::optional<Date> fetched;
+    std::optional<Date> fetched = {};
     String entityTag = {}, lastModified = {};  ///< by which its server knows this version again
     std::int64_t status = 0;                   ///< of HTTP; 0 where there was none
     bool isErrorPage = false;                  ///< whether it only says that there is no such page
