@@ -59,7 +59,7 @@ TEST_F(SearchSiteTest, AnswersOnlyWhatMayBeAsked) {
         {{.target = "", .host = "h.org:80"}, 414},
         {{.target = "/?q=" + std::string(20000, 'a'), .host = "h.org:80"}, 414},
         {{.target = "/?q=" + std::string(1001, 'a'), .host = "h.org:80"}, 400},
-        {{.target = "/?q=" + test::repeated(u"a+", 65).utf8(), .host = "h.org:80"}, 400},
+        {{.target = "/?q=" + String(test::repeated(u"a+", 65)).utf8(), .host = "h.org:80"}, 400},
         {{.target = "/?q=" + std::string(900, '('), .host = "h.org:80"}, 200},
         {{.target = "/../../etc/passwd", .host = "h.org:80"}, 404},
         {{.target = "/page?key=none", .host = "h.org:80"}, 404},
@@ -137,8 +137,8 @@ TEST_F(SearchSiteTest, AnswersAnyTarget) {
         const SiteResponse response = site.respond({.target = target});
         const std::string body = bodyOf(response);
         EXPECT_FALSE(contains(body, "<x>")) << target;
-        if (response.contentType.starts_with("text/html"))
-            EXPECT_TRUE(body.starts_with("<!DOCTYPE html>") && body.ends_with("</html>\n")) << target;
+        const bool isWhole = body.starts_with("<!DOCTYPE html>") && body.ends_with("</html>\n");
+        EXPECT_TRUE(isWhole || !response.contentType.starts_with("text/html")) << target;
         EXPECT_EQ(String::fromUTF8(body).utf8(), body);
     }
 }
