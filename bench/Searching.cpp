@@ -141,7 +141,7 @@ const Collection& collection() {
     return made;
 }
 
-void searchVelmo(benchmark::State& state, const char16_t* query, SearchOptions options) {
+void searchVelmo(benchmark::State& state, const char16_t* query, PageSearchOptions options) {
     const QueryTerms terms(query);
     SearchResult found;
     collection();
@@ -188,7 +188,7 @@ const auto add = [](const char* name, auto... arguments) {
 };
 
 [[maybe_unused]] const auto* registered = [] {
-    const SearchOptions usual = {}, plain = {.useSignatures = false};
+    const PageSearchOptions usual = {}, plain = {.useSignatures = false};
     add("search-rare/velmo", searchVelmo, u"xylographer", usual);
     add("search-rare/ripgrep", searchRipgrep, RareWord);
     add("search-rare/fts5", searchSQLite, "xylographer");

@@ -41,7 +41,7 @@ void checkHits(const SearchResult& result) {
     }
 }
 
-void search(const PageStore& store, const QueryTerms& query, SearchOptions options) {
+void search(const PageStore& store, const QueryTerms& query, PageSearchOptions options) {
     options.threads = 1;
     const SearchResult fast = searchPages({&store, 1}, query, options);
     options.useSignatures = false;
@@ -60,7 +60,7 @@ void search(const PageStore& store, const QueryTerms& query, SearchOptions optio
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     setLogHandler([](std::string_view) {});
     if (size < 4) return 0;
-    SearchOptions options;
+    PageSearchOptions options;
     options.order = static_cast<SearchOrder>(data[0] % 5);
     options.comparison = static_cast<WildcardComparison>(data[1] % 8);
     options.facets = data[1] & 8;

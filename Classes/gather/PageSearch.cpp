@@ -24,7 +24,8 @@ constexpr double Saturation = 1.2, LengthWeight = 0.75;
 
 class Search {
 public:
-    Search(std::span<const PageStore> stores, const QueryTerms& query, const SearchOptions& options)
+    Search(std::span<const PageStore> stores, const QueryTerms& query,
+           const PageSearchOptions& options)
         : stores_(stores),
           options_(options),
           query_(query, options.comparison),
@@ -137,7 +138,7 @@ private:
     }
 
     std::span<const PageStore> stores_;
-    const SearchOptions& options_;
+    const PageSearchOptions& options_;
     const SearchQuery query_;
     std::vector<StretchMatches> found_;
     std::vector<PageMatch> matches_;
@@ -152,7 +153,7 @@ private:
 }  // namespace
 
 SearchResult searchPages(std::span<const PageStore> stores, const QueryTerms& query,
-                         const SearchOptions& options) {
+                         const PageSearchOptions& options) {
     if (query.isValid()) return Search(stores, query, options).run();
     SearchResult result;
     for (const PageStore& store : stores) result.pages += store.numberOfPages();

@@ -31,7 +31,7 @@ std::optional<Date> dateOfPage(const StoredPage& page) {
     return own ? own : page.fetched();
 }
 
-SearchFilter::SearchFilter(const SearchOptions& options)
+SearchFilter::SearchFilter(const PageSearchOptions& options)
     : language_(lowered(options.language.utf8())),
       host_(lowered(options.host.utf8())),
       since_(options.since),

@@ -18,7 +18,7 @@ std::optional<Date> dateOfPage(const StoredPage& page);
 /// Any number of threads may share it.
 class SearchFilter {
 public:
-    explicit SearchFilter(const SearchOptions& options);
+    explicit SearchFilter(const PageSearchOptions& options);
     bool accepts(const StoredPage& page) const;
 
 private:

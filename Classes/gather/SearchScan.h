@@ -54,7 +54,7 @@ struct StretchMatches {
 class SearchScan {
 public:
     SearchScan(std::span<const PageStore> stores, const SearchQuery& query,
-               const SearchOptions& options)
+               const PageSearchOptions& options)
         : stores_(stores), query_(query), options_(options), filter_(options) {}
 
     StretchMatches scan(const PageStretch& stretch) const;
@@ -64,7 +64,7 @@ private:
 
     std::span<const PageStore> stores_;
     const SearchQuery& query_;
-    const SearchOptions& options_;
+    const PageSearchOptions& options_;
     SearchFilter filter_;
 };
 

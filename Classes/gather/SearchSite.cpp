@@ -70,15 +70,15 @@ struct SearchSite::State {
     }
 
     /// What a target asks of the pages; a year that no calendar has is left out.
-    SearchOptions searchOptions(const SiteTarget& target, Clock::time_point end) const {
-        SearchOptions search = {.order = target.order,
-                                .first = target.first,
-                                .limit = target.path == "/" ? ResultsAPage : ResultsOfFeed,
-                                .language = String::fromUTF8(target.language),
-                                .host = String::fromUTF8(target.host),
-                                .facets = target.path == "/",
-                                .threads = options.threads,
-                                .shouldStop = [end] { return Clock::now() >= end; }};
+    PageSearchOptions searchOptions(const SiteTarget& target, Clock::time_point end) const {
+        PageSearchOptions search = {.order = target.order,
+                                    .first = target.first,
+                                    .limit = target.path == "/" ? ResultsAPage : ResultsOfFeed,
+                                    .language = String::fromUTF8(target.language),
+                                    .host = String::fromUTF8(target.host),
+                                    .facets = target.path == "/",
+                                    .threads = options.threads,
+                                    .shouldStop = [end] { return Clock::now() >= end; }};
         if (target.year && *target.year > 0 && *target.year < 10000) {
             search.since = startOfYear(*target.year);
             search.before = startOfYear(*target.year + 1);

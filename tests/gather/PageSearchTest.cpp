@@ -32,7 +32,7 @@ protected:
         page.words = static_cast<std::uint32_t>(numberOfWordsUsingDefaultSeparation(page.text));
         return page;
     }
-    static SearchResult search(std::span<const PageStore> stores, View query, SearchOptions options = {}) {
+    static SearchResult search(std::span<const PageStore> stores, View query, PageSearchOptions options = {}) {
         return searchPages(stores, QueryTerms(query, {.wildcard = true}), options);
     }
     static std::vector<std::u16string> keysOf(const SearchResult& result) {
@@ -102,9 +102,9 @@ TEST_F(PageSearchTest, FindsTheSameWithAndWithoutSignaturesOnAnyThreads) {
     for (const View query : queries) {
         for (const SearchOrder order : {SearchOrder::Relevance, SearchOrder::Newest, SearchOrder::Address,
                                         SearchOrder::Hits, SearchOrder::Stored}) {
-            const SearchOptions plain = {
+            const PageSearchOptions plain = {
                 .order = order, .first = 2, .limit = 20, .facets = true, .useSignatures = false, .threads = 1};
-            SearchOptions fast = plain;
+            PageSearchOptions fast = plain;
             fast.useSignatures = true;
             fast.threads = 3;
             const SearchResult slow = search(stores, query, plain), quick = search(stores, query, fast);
@@ -159,7 +159,7 @@ TEST_F(PageSearchTest, FiltersAndOrders) {
     pages[3].fetched = dayOf(200);
     const PageStore stores[] = {storeOf("s", pages)};
     const struct {
-        SearchOptions options;
+        PageSearchOptions options;
         std::u16string keys;
     } cases[] = {
         {{.order = SearchOrder::Stored}, u"1 2 3 4"},

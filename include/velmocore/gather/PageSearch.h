@@ -28,7 +28,7 @@ enum class SearchOrder : std::uint8_t {
     Stored,     ///< as they were stored
 };
 
-struct SearchOptions {
+struct PageSearchOptions {
     SearchOrder order = SearchOrder::Relevance;
     std::size_t first = 0;   ///< how many of the pages that match are passed over
     std::size_t limit = 10;  ///< how many are told; 0 for all
@@ -82,6 +82,6 @@ struct SearchResult {
 /// stores must be open for reading and stay so.
 [[nodiscard]] VELMO_API SearchResult searchPages(std::span<const PageStore> stores,
                                                  const QueryTerms& query,
-                                                 const SearchOptions& options = {});
+                                                 const PageSearchOptions& options = {});
 
 }  // namespace velmo

@@ -53,8 +53,8 @@ std::optional<Date> instantOf(std::string_view option, const std::string& text) 
     return read;
 }
 
-velmo::SearchOptions searchOptions(const Options& options, WildcardComparison comparison) {
-    velmo::SearchOptions search = options.search;
+PageSearchOptions searchOptions(const Options& options, WildcardComparison comparison) {
+    PageSearchOptions search = options.search;
     search.first = options.first;
     search.limit = options.countOnly ? 1 : options.limit;
     search.excerptLength = options.length;
@@ -113,7 +113,7 @@ void run(Report& report, const Options& options) {
     if (options.stores.empty()) throw UsageError("STORE is required");
     const auto start = std::chrono::steady_clock::now();
     const Query query = readQuery(report, options.query, options.parse, options.search.comparison);
-    const velmo::SearchOptions search = searchOptions(options, query.comparison);
+    const PageSearchOptions search = searchOptions(options, query.comparison);
     report.flush();
     const Stores stores = openStores(report, options.stores);
     const SearchResult found = searchPages(stores.open, query.terms, search);
