@@ -22,7 +22,7 @@ struct Options {
     std::string query, language, host, since, before;
     std::vector<std::string> stores;
     QueryParseOptions parse;
-    SearchOptions search;
+    PageSearchOptions search;
     std::uint64_t first = 0, limit = 10, length = 300, jobs = defaultJobs();
     bool countOnly = false;
 };
