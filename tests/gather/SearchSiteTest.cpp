@@ -14,6 +14,7 @@ class SearchSiteTest : public test::FolderTest {
 protected:
     /// A store of three pages, one of which wants to be more than text.
     SearchSite site(SearchSiteOptions options = {}) const {
+        std::filesystem::remove(at("pages.store"));
         PageStore store = PageStore::openForUpdating(at("pages.store"));
         const auto put = [&](View key, View title, View text, View language, int year) {
             PageRecord page = {.url = URL::URLWithString(key), .key = key, .title = title};

@@ -112,7 +112,7 @@ std::string listOf(std::span<const CommandEntry> commands, Session& session) {
     // A command is made only to ask for its summary: what it says of itself stands in its own
     // file.
     for (const CommandEntry& entry : commands)
-        list += fmt::format("  {:11}{}\n", entry.name,
+        list += fmt::format("  {:12}{}\n", entry.name,
                             entry.make ? entry.make(session).summary : entry.summary);
     return list;
 }

@@ -9,6 +9,7 @@
 #include <velmocore/url/RelativeURLs.h>
 #include <velmocore/url/URLClassification.h>
 #include <velmocore/url/URLSimplification.h>
+#include <velmocore/url/URLVariants.h>
 
 namespace velmo::tool {
 namespace {
@@ -35,8 +36,10 @@ URL pageOfLink(const String& link, const URL& base, WebRules web) {
 URL urlOfLink(const String& link, const URL& base, bool keepAnchor, WebRules web) {
     const String text = keepAnchor ? link : stringURLWithoutAnchor(link);
     const URL url = URLRelativeTo(base, text, {.trimAnchor = !keepAnchor, .web = web});
-    // What is no URL to a browser leads nowhere in one.
-    return url.isAbsent() && !web.resolution ? resolvedPlainly(link, base) : url;
+    if (!url.isAbsent()) return url;
+    // What is no URL to a browser leads nowhere in one; what is only an anchor to where it stands.
+    if (web.resolution) return text.isEmpty() && !link.isEmpty() ? URLWithoutAnchor(base) : URL();
+    return resolvedPlainly(link, base);
 }
 
 PageLinks linksOfPage(std::span<const String> found, const URL& ownBase, const URL& url,

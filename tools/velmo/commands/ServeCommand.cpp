@@ -16,7 +16,7 @@ namespace velmo::tool {
 namespace {
 
 constexpr std::size_t Connections = 16, RequestsAConnection = 100, LongestBody = 1024;
-constexpr time_t SecondsOfSilence = 10;
+constexpr time_t SecondsOfSilence = 5;
 constexpr std::uint64_t LastPort = 65535;
 
 struct Options {
@@ -72,13 +72,21 @@ void answer(const SearchSite& site, const httplib::Request& request, httplib::Re
     response.set_content(found.body, found.contentType.c_str());
 }
 
-void setUp(httplib::Server& server, const SearchSite& site) {
+void limit(httplib::Server& server) {
     server.new_task_queue = [] { return new httplib::ThreadPool(Connections); };
     server.set_keep_alive_max_count(RequestsAConnection);
     server.set_read_timeout(SecondsOfSilence);
     server.set_write_timeout(SecondsOfSilence);
     server.set_keep_alive_timeout(SecondsOfSilence);
     server.set_payload_max_length(LongestBody);
+    // Not the library's own, which lets two servers have one port.
+    server.set_socket_options([](socket_t socket) {
+        const int yes = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+}
+
+void setUp(httplib::Server& server, const SearchSite& site) {
     server.set_pre_routing_handler([&site](const auto& request, auto& response) {
         answer(site, request, response);
         return httplib::Server::HandlerResponse::Handled;
@@ -136,15 +144,19 @@ void tellAddress(Report& report, const std::string& address) {
     report.flush();  // whoever started the tool waits for it
 }
 
+/// The port; -1 if there is none to be had.
+int listenOn(httplib::Server& server, const Options& options) {
+    if (options.port == 0) return server.bind_to_any_port(options.listen);
+    const int port = static_cast<int>(options.port);
+    return server.bind_to_port(options.listen, port) ? port : -1;
+}
+
 void run(Report& report, Options& options) {
     std::vector<PageStore> stores = openStores(report, options.stores);
     if (stores.empty()) return;
     httplib::Server server;
-    const int port = options.port == 0
-                         ? server.bind_to_any_port(options.listen)
-                         : (server.bind_to_port(options.listen, static_cast<int>(options.port))
-                                ? static_cast<int>(options.port)
-                                : -1);
+    limit(server);
+    const int port = listenOn(server, options);
     const std::string address = fmt::format("http://{}:{}/", asHost(options.listen), port);
     if (port < 0)
         return report.fail(options.listen, fmt::format("cannot listen on port {}", options.port));
