@@ -49,7 +49,7 @@ def cases(server, scratch):
         ("duplicates", [], ADDRESSES, 0),
         ("filter", ["licen?es NEAR/30 work*", page, PAGES / "cc-nc-de.html"], "", 0),
         ("languages", sorted(PAGES.glob("httpd-*.html")), "", 0),
-        ("library", [PAGES, folder / "pages.store", "licen?e NEAR/9 work"], "", 0),
+        ("library", [PAGES, folder / "pages.store", "licen?es NEAR/20 work*"], "", 0),
         ("feeds", [DATA / "feeds/trafilatura-feed1.atom"], "", 0),
         ("dates", [], DATES, 0),
         ("comments", [folder], "", 0),
