@@ -128,7 +128,7 @@ void printSummary(const GatherSummary& summary, std::size_t pages, const GatherS
 void gatherIntoStore(Report& report, GatherRun& run) {
     Error error;
     PageStore store = PageStore::openForUpdating(run.store, &error);
-    if (!store.isValid()) return report.fail(run.store, error.text.utf8());
+    if (!store.isValid()) return report.fail(run.store, error.reason.utf8());
     const LanguageFilter languages = readLanguageFilterOfToday(report, velmoResourcesDirectory());
     // That a page has a date which is none is its own matter, and not of who gathers thousands.
     setLogHandler([](std::string_view) {});

@@ -28,24 +28,6 @@ struct Options {
 };
 
 /// The stores that can be read, and how they were named.
-struct Stores {
-    std::vector<PageStore> open;
-    std::vector<std::string> names;
-};
-
-Stores openStores(Report& report, const std::vector<std::string>& names) {
-    Stores stores;
-    for (const std::string& name : names) {
-        try {
-            stores.open.push_back(openedPageStore(name));
-            stores.names.push_back(name);
-        } catch (const InputError& error) {
-            report.fail(name, error.what());
-        }
-    }
-    return stores;
-}
-
 std::optional<Date> instantOf(std::string_view option, const std::string& text) {
     if (text.empty()) return std::nullopt;
     const std::optional<Date> read = date(String::fromUTF8(text), {.offsets = true});
@@ -69,7 +51,7 @@ PageSearchOptions searchOptions(const Options& options, WildcardComparison compa
 
 String dateOf(const SearchHit& hit) { return hit.date ? stringInISO8601(*hit.date) : String(); }
 
-void printObject(const SearchHit& hit, const Stores& stores, Report& report) {
+void printObject(const SearchHit& hit, const OpenStores& stores, Report& report) {
     JsonArray hits;
     for (const Range& range : hit.hits) hits.push_back(JsonArray{range.location, range.length});
     report.printObject({{"url", hit.url.absoluteString()},
@@ -115,7 +97,7 @@ void run(Report& report, const Options& options) {
     const Query query = readQuery(report, options.query, options.parse, options.search.comparison);
     const PageSearchOptions search = searchOptions(options, query.comparison);
     report.flush();
-    const Stores stores = openStores(report, options.stores);
+    const OpenStores stores = openedPageStores(report, options.stores);
     const SearchResult found = searchPages(stores.open, query.terms, search);
     report.noteHit(found.matching > 0);
     if (report.session().isQuiet) return;

@@ -11,6 +11,7 @@
 #include <velmocore/gather/SearchSite.h>
 
 #include "Commands.h"
+#include "PageStores.h"
 
 namespace velmo::tool {
 namespace {
@@ -123,19 +124,6 @@ private:
     std::thread thread_;
 };
 
-std::vector<PageStore> openStores(Report& report, const std::vector<std::string>& paths) {
-    std::vector<PageStore> stores;
-    for (const std::string& path : paths) {
-        Error error;
-        PageStore store = PageStore::openForReading(path, &error);
-        if (store.isValid())
-            stores.push_back(std::move(store));
-        else
-            report.fail(path, error.text.utf8());
-    }
-    return stores;
-}
-
 void tellAddress(Report& report, const std::string& address) {
     if (report.json())
         report.printObject({{"address", address}});
@@ -152,7 +140,7 @@ int listenOn(httplib::Server& server, const Options& options) {
 }
 
 void run(Report& report, Options& options) {
-    std::vector<PageStore> stores = openStores(report, options.stores);
+    std::vector<PageStore> stores = openedPageStores(report, options.stores).open;
     if (stores.empty()) return;
     httplib::Server server;
     limit(server);
