@@ -200,7 +200,7 @@ void QuerySignature::findSought() {
     };
     for (std::size_t i = 0; i < words_.size(); ++i) {
         Word& word = words_[i];
-        word.needleSize = std::ranges::min(word.alternatives | std::views::transform(sizeOf));
+        word.needleSize = sizeOf(*std::ranges::min_element(word.alternatives, {}, sizeOf));
         if (word.isAsked && word.needleSize > 0) sought_.push_back(i);
     }
     std::ranges::stable_sort(sought_, std::greater(),

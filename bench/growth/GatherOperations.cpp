@@ -1,6 +1,7 @@
 // Stores of pages.
 #include <unistd.h>
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 
@@ -30,8 +31,14 @@ public:
     KeyedStorage blocks() const { return KeyedStorage::keyedStorageForUpdatingAtPath(path_); }
 
 private:
-    const std::filesystem::path path_ =
-        std::filesystem::temp_directory_path() / ("velmo-growth-store-" + std::to_string(getpid()));
+    /// Of its own: cases run side by side.
+    static std::filesystem::path newPath() {
+        static std::atomic<int> serial = 0;
+        return std::filesystem::temp_directory_path() /
+               ("velmo-growth-" + std::to_string(getpid()) + "-" + std::to_string(serial++));
+    }
+
+    const std::filesystem::path path_ = newPath();
 };
 
 PageRecord pageOf(std::size_t number, String text) {
