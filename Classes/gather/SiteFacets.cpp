@@ -41,9 +41,9 @@ void writeList(MarkupWriter& out, Literal heading, const std::map<String, std::s
     out << "<section><h2>" << heading << "</h2><ul>";
     for (const auto& [name, count] : rows) {
         out << "<li><a href=\"";
-        out.text(target.addressWith([&](SiteTarget& other) {
+        out.text(target.addressWith([&, chosen = name.utf8()](SiteTarget& other) {
             other.first = 0;
-            choose(other, name.utf8());
+            choose(other, chosen);
         }));
         out << "\"><span class=\"name\">";
         out.text(name);
