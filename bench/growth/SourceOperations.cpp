@@ -83,7 +83,8 @@ constexpr Operation Rows[] = {
          useAll(lines);
          JSONLinesSource few(InputStream::ofBytes(in.utf8), {.mostBytes = 100});
          useAll(few);
-     }},
+     },
+     262144},
     {"an input by its content",
      [](const Input& in) {
          useAll(*openSource(InputStream::ofBytes(in.utf8)));
