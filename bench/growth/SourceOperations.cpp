@@ -84,7 +84,7 @@ constexpr Operation Rows[] = {
          JSONLinesSource few(InputStream::ofBytes(in.utf8), {.mostBytes = 100});
          useAll(few);
      },
-     262144},
+     1048576},
     {"an input by its content",
      [](const Input& in) {
          useAll(*openSource(InputStream::ofBytes(in.utf8)));
