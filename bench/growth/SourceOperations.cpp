@@ -6,6 +6,7 @@
 #include <velmocore/gather/SourceOpening.h>
 #include <velmocore/gather/WARCSource.h>
 #include <velmocore/markup/ContentDecoding.h>
+#include <velmocore/markup/JSONEscapes.h>
 #include <velmocore/text/Removal.h>
 #include <velmocore/url/PercentEscapes.h>
 
@@ -83,8 +84,11 @@ constexpr Operation Rows[] = {
          useAll(lines);
          JSONLinesSource few(InputStream::ofBytes(in.utf8), {.mostBytes = 100});
          useAll(few);
-     },
-     1048576},
+         const std::string line = "{\"url\":\"http://h/\",\"text\":\"" +
+                                  stringByConvertingCharactersToJSON(in.text).utf8() + "\"}\n";
+         JSONLinesSource page(InputStream::ofBytes(Data(line.begin(), line.end())));
+         useAll(page);
+     }},
     {"an input by its content",
      [](const Input& in) {
          useAll(*openSource(InputStream::ofBytes(in.utf8)));
