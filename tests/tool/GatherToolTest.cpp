@@ -113,8 +113,8 @@ TEST_F(GatherTool, GoesOnWhereItWasEnded) {
     write("lines", lines);
     // What comes never ends by itself; it is ended by hand when some pages are there.
     const Outcome ended = shell(
-        "mkfifo in; : > out; (cat lines; exec sleep 60) > in & $V gather --store s - < in > out & P=$!; "
-        "until [ $(wc -l < out) -gt 100 ]; do sleep 0.05; done; kill -INT $P; wait $P; echo $?; kill %1; tail -n1 out");
+        "mkfifo in; : > out; (cat lines; exec sleep 60) > in & Q=$!; $V gather --store s - < in > out & P=$!; "
+        "until [ $(wc -l < out) -gt 100 ]; do sleep 0.05; done; kill -INT $P; wait $P; echo $?; kill $Q; tail -n1 out");
     EXPECT_EQ(ended.out.substr(0, 2), "2\n");
     EXPECT_NE(ended.out.find(" in the store"), std::string::npos);
     EXPECT_NE(ended.err.find("velmo: gather: interrupted; what was gathered is stored\n"), std::string::npos)
