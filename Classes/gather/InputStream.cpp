@@ -239,7 +239,9 @@ std::uint64_t InputStream::skip(std::uint64_t count) {
 bool InputStream::isReady(int milliseconds) const {
     if (state_->file < 0 || !state_->raw.bytes().empty()) return true;
     pollfd wanted = {.fd = state_->file, .events = POLLIN, .revents = 0};
-    return ::poll(&wanted, 1, milliseconds) != 0;
+    const int count = ::poll(&wanted, 1, milliseconds);
+    // A signal ends the wait and brings nothing; another error is told by whoever reads.
+    return count > 0 || (count < 0 && errno != EINTR);
 }
 
 const std::optional<Error>& InputStream::error() const noexcept { return state_->error; }
