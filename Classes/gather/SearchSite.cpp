@@ -20,7 +20,8 @@ using namespace detail;
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t LongestQuery = 1000, MostTerms = 64, ResultsOfFeed = 50;
-constexpr QueryOptions Parsing = {.wildcard = true};
+/// As the tool reads them: one query means the same in a shell and in a browser.
+constexpr QueryOptions Parsing = {.wildcard = true, .withinRuns = true};
 
 /// The terms of a query, counted without a stack as deep as its parentheses.
 std::size_t numberOfTerms(const QueryTerms& query) {

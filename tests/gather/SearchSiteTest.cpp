@@ -26,7 +26,7 @@ protected:
         };
         put(u"http://a.org/tea", u"Tea", u"A cup of tea.\n\nMore tea.", u"EN", 2009);
         put(u"http://b.org/evil", Evil, Evil, u"<b>", 2011);
-        put(u"http://a.org/both", u"Both", u"Tea and coffee.", u"EN", 2011);
+        put(u"http://a.org/both", u"Both", u"Tea and coffee. \u4E2D\u6587\u6587\u6863\u3002", u"EN", 2011);
         store = {};
         std::vector<PageStore> stores;
         stores.push_back(PageStore::openForReading(at("pages.store")));
@@ -88,6 +88,7 @@ TEST_F(SearchSiteTest, ShowsResultsThatNarrowDown) {
     EXPECT_TRUE(contains(get(site, "/?q=tea&host=org&language=en"), "2 of 3 pages"));
     EXPECT_TRUE(contains(get(site, "/?q=tea&host=b.org"), "0 of 3 pages"));
     EXPECT_TRUE(contains(get(site, "/?q=t%65a+%2Dcoffee"), "1 of 3 pages"));
+    EXPECT_TRUE(contains(get(site, "/?q=%E6%96%87%E6%A1%A3"), "1 of 3 pages"));
     EXPECT_TRUE(contains(get(site, "/?q=tea+NEAR/x+%22cup"), "class=\"note\""));
     EXPECT_TRUE(contains(get(this->site({.seconds = 0}), "/?q=tea"), "the search was cut off"));
 }
