@@ -46,7 +46,7 @@ bool isReadable(const Path& path) {
 }  // namespace
 
 URL urlOfFile(const Path& file, const Path& folder, const URL& base) {
-    if (base.isAbsent()) return URL::fileURLWithPath(file.string());
+    if (base.isAbsent()) return URL::fileURLWithPath(file.string()).standardizedURL();
     std::string_view relative = file.bytes();
     if (relative.starts_with(folder.bytes())) relative.remove_prefix(folder.bytes().size());
     while (relative.starts_with('/')) relative.remove_prefix(1);

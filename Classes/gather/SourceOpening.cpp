@@ -5,6 +5,7 @@
 #include <utility>
 
 #include <velmocore/gather/FeedSource.h>
+#include <velmocore/gather/FolderSource.h>
 #include <velmocore/gather/JSONLinesSource.h>
 #include <velmocore/gather/WARCSource.h>
 #include <velmocore/markup/ContentDecoding.h>
@@ -74,7 +75,7 @@ std::unique_ptr<PageSource> openSource(InputStream&& stream, const SourceOptions
 
 std::unique_ptr<PageSource> openSource(const Path& path, SourceOptions options) {
     if (options.name.isAbsent()) options.name = path.string();
-    if (options.url.isAbsent()) options.url = URL::fileURLWithPath(path.string());
+    if (options.url.isAbsent()) options.url = urlOfFile(path, {}, {});
     return openSource(InputStream::ofFile(path), options);
 }
 
