@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include <locale.h>
+
 namespace velmo::detail {
 namespace {
 
@@ -48,10 +50,27 @@ Conversion conversionAt(View format) {
     return result;
 }
 
+/// While it lives, this thread prints numbers as the locale C has them. A program may have set one
+/// whose decimal comma nobody who reads the text again would know.
+class PlainNumbers {
+public:
+    PlainNumbers() noexcept : before_(::uselocale(plain())) {}
+    PlainNumbers(const PlainNumbers&) = delete;
+    ~PlainNumbers() { ::uselocale(before_); }
+
+private:
+    static locale_t plain() {
+        static const locale_t locale = ::newlocale(LC_ALL_MASK, "C", nullptr);
+        return locale;
+    }
+    locale_t before_;
+};
+
 /// A number by printf, which gets the conversion's own letter behind the length.
 template <class Value>
 std::u16string printed(const Conversion& conversion, const char* length, char letter, Value value) {
     const std::string format = "%" + conversion.flags + "*.*" + length + letter;
+    const PlainNumbers plain;
     // A precision below 0 is none for printf() too.
     const auto print = [&](char* out, std::size_t room) {
         return std::snprintf(out, room, format.c_str(), conversion.width, conversion.precision,
