@@ -38,9 +38,10 @@ struct PlainTextOptions {
 
 /// The same with what is known of it.
 struct HtmlPlainText {
-    String text;
+    String text;                 ///< as told above
     bool didRemoveJunk = false;  ///< whether junk was met and, with removeJunk, dropped
 };
+/// Both from one scan.
 [[nodiscard]] VELMO_API HtmlPlainText plainTextOfHtml(const String& page,
                                                       PlainTextOptions options = {});
 

@@ -13,14 +13,14 @@ namespace velmo {
 /// Whether upper and lower case differ. What counts as the same letter is told with each
 /// operation.
 enum class Case : std::uint8_t {
-    Sensitive,
-    Insensitive,
+    Sensitive,    ///< they differ
+    Insensitive,  ///< they do not
 };
 
 /// Which way a search goes, and so whether it gives the first hit or the last.
 enum class Direction : std::uint8_t {
-    Forward,
-    Backward,
+    Forward,   ///< from the start; the first hit
+    Backward,  ///< from the end; the last one
 };
 
 }  // namespace velmo

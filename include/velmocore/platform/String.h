@@ -72,6 +72,7 @@ public:
     /// Encodes as UTF-8. A lone surrogate, which UTF-8 cannot hold, becomes U+FFFD.
     [[nodiscard]] std::string utf8() const;
 
+    /// Whether it is absent, and not only empty.
     [[nodiscard]] bool isAbsent() const noexcept { return rep_ == nullptr; }
     /// True for the absent string too.
     [[nodiscard]] bool isEmpty() const noexcept { return length() == 0; }
@@ -83,6 +84,7 @@ public:
     [[nodiscard]] const char16_t* characters() const noexcept VELMO_LIFETIME {
         return rep_ ? rep_->units() : nullptr;
     }
+    /// The same as a view, which lives as long as this string or a copy of it.
     [[nodiscard]] std::u16string_view view() const noexcept VELMO_LIFETIME {
         return {characters(), length()};
     }
@@ -106,6 +108,8 @@ public:
         return rep_ == other.rep_;
     }
 
+    /// A hash of the units; absent and empty have the same. It is no stable number: it may differ
+    /// from one program to the next.
     [[nodiscard]] std::size_t hash() const noexcept {
         return std::hash<std::u16string_view>()(view());
     }
@@ -191,6 +195,7 @@ public:
     StringBuilder& operator=(const StringBuilder&) = delete;
     ~StringBuilder();
 
+    /// How many units have been written so far, and where they stand: good until more are.
     [[nodiscard]] std::size_t length() const noexcept { return length_; }
     [[nodiscard]] bool isEmpty() const noexcept { return length_ == 0; }
     [[nodiscard]] char16_t* data() noexcept VELMO_LIFETIME { return units_; }
@@ -210,6 +215,7 @@ public:
     }
     void commit(std::size_t count) noexcept { length_ += count; }
 
+    /// Appends one unit.
     void append(char16_t unit) {
         *prepare(1) = unit;
         ++length_;
@@ -239,6 +245,7 @@ private:
 
 }  // namespace velmo
 
+/// String::hash(), for the containers of the standard library.
 template <>
 struct std::hash<velmo::String> {
     std::size_t operator()(const velmo::String& string) const noexcept { return string.hash(); }

@@ -31,6 +31,7 @@ namespace velmo {
 
 /// How a summary is made.
 struct AssemblyOptions {
+    /// What is looked past, of case and diacritics; of Fuzzy see FindWildcardOptions.
     WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;  ///< see FindWildcardOptions
     bool paragraphs = false;        ///< whole lines instead of sentences
@@ -70,6 +71,7 @@ struct AssemblyOptions {
 [[nodiscard]] VELMO_API String assembleOccurrencesOfQueryTerms(const String& text,
                                                                const QueryTerms& terms,
                                                                const AssemblyOptions& options = {});
+/// The same for a string wherever it stands.
 [[nodiscard]] VELMO_API String assembleOccurrencesOfString(const String& text,
                                                            std::u16string_view sought,
                                                            const AssemblyOptions& options = {});
@@ -82,7 +84,7 @@ struct SummaryPart {
 
 /// A summary that knows where its parts come from, so that hits can be shown in it.
 struct Summary {
-    String string;
+    String string;                   ///< the text of it
     std::vector<SummaryPart> parts;  ///< in their order; what is between them are separators
 };
 
@@ -109,9 +111,9 @@ struct Occurrence {
 
 /// How excerpts are cut.
 struct OccurrenceOptions {
-    WildcardComparison comparison = DefaultComparison;
-    std::size_t minCharacters = 1;
-    bool paragraphs = false;
+    WildcardComparison comparison = DefaultComparison;  ///< see AssemblyOptions
+    std::size_t minCharacters = 1;                      ///< see FindWildcardOptions
+    bool paragraphs = false;                            ///< whole lines instead of sentences
     /// An excerpt goes on across boundaries until so many words stand on each side of the
     /// hit.
     std::size_t minEnclosingWords = 0;
@@ -132,6 +134,7 @@ struct OccurrenceOptions {
     std::u16string_view text, std::span<const Range> hits, const OccurrenceOptions& options = {});
 [[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfQueryTerms(
     std::u16string_view text, const QueryTerms& terms, const OccurrenceOptions& options = {});
+/// The same for a string wherever it stands.
 [[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfString(
     std::u16string_view text, std::u16string_view sought, const OccurrenceOptions& options = {});
 

@@ -11,7 +11,7 @@ namespace velmo {
 /// group and two spaces further in, up to the depth of 40. A line tells the operator, with
 /// its distance if it is a proximity operator, the marks - for a negated and ~ for a
 /// substring term, and the word, in quotes if it is a phrase, or the number of children and
-/// their common operator. An absent query gives "".
+/// their common operator. An absent query gives "". Any thread.
 ///
 ///     dumpOfQueryTerms(QueryTerms(u"a NEAR/3 -\"b c\""));    // (is these lines)
 ///

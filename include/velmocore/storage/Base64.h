@@ -10,7 +10,7 @@
 
 namespace velmo {
 
-// Base64 (RFC 4648) with the library's own rules for padding and damage.
+// Base64 (RFC 4648) with the library's own rules for padding and damage. Any thread may call these.
 //
 //     encodedBase64Data(Bytes("a"));    // YQ==
 //     encodebase64(u"a");                 // YQ

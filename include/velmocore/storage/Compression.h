@@ -20,6 +20,7 @@ namespace velmo {
 
 inline constexpr int DefaultCompressionLevel = -1;
 
+/// In the format that is chosen or named.
 [[nodiscard]] VELMO_API std::optional<Data> dataByCompressingBytes(Bytes bytes,
                                                                    int compressionLevel,
                                                                    bool useGzip);
@@ -40,6 +41,7 @@ inline constexpr int DefaultCompressionLevel = -1;
     return dataByDeflatingData(bytes, compressionLevel);
 }
 
+/// The limit that is none, in bytes.
 inline constexpr std::size_t NoInflatedLimit = std::numeric_limits<std::size_t>::max();
 
 // Inflating fails on damaged bytes, on bytes after the end of the stream, on a stream that

@@ -47,6 +47,7 @@ VELMO_API bool createPathAndWriteObject(ObjectWriter writer, const Path& path, b
 /// The same for bytes. Atomically: see writeToFile() in StringFiles.h.
 VELMO_API bool createPathAndWriteObject(Bytes data, const Path& path, bool atomically);
 
+/// Where bytes are written.
 struct WriteOptions {
     bool append = false;  ///< behind what is there, otherwise instead of it
 };

@@ -17,10 +17,12 @@ namespace velmo {
 //     directoryContentsMatchingWildcard("teas", u"a*.*", {.fullPath = true})->front().string();
 //     // (as teas/Assam.TXT)
 
+/// What is told of each file.
 struct ContentsOptions {
     bool fullPath = false;  ///< the path of the folder stands before each name
 };
 
+/// All names.
 [[nodiscard]] VELMO_API std::optional<std::vector<Path>> directoryContentsAtPath(
     const Path& path, ContentsOptions options = {});
 /// Those with an extension, in any case; none for an absent extension.

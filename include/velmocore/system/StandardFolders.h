@@ -29,6 +29,7 @@ preferencesDirectory();                                   ///< "Preferences" in 
 [[nodiscard]] VELMO_API const String&
 applicationSupportDirectory();  ///< else "Application Support" in it
 
+/// A path in the folder of the name; the folder itself for nothing.
 [[nodiscard]] VELMO_API String pathInHomeDirectory(std::u16string_view component);
 [[nodiscard]] VELMO_API String pathInLibraryDirectory(std::u16string_view component);
 [[nodiscard]] VELMO_API String pathInPreferencesDirectory(std::u16string_view component);
@@ -39,6 +40,7 @@ applicationSupportDirectory();  ///< else "Application Support" in it
 [[nodiscard]] VELMO_API const String& userHomeDirectory();
 /// "Library" in the home folder outside any sandbox.
 [[nodiscard]] VELMO_API const String& userLibraryDirectory();
+/// Where the cloud's files would be, in that library folder.
 [[nodiscard]] VELMO_API const String& iCloudFolder();
 /// The folders that the client's own settings name, the personal one first; "Dropbox" in the
 /// home folder if they name none.

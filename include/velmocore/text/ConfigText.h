@@ -13,7 +13,8 @@
 namespace velmo {
 
 // A small configuration text: a line is a key, white space and a value, and # begins a
-// comment line. There are no equals signs.
+// comment line. There are no equals signs. An empty or absent text has no lines and no values. Any
+// thread may call these.
 //
 //     for (const String& line : configLines(text))
 //         if (String host = configValueForKey(line, u"host"); !host.isAbsent()) connect(host);

@@ -8,7 +8,7 @@ namespace velmo {
 /// Maps each UTF-16 unit to one unit. There are no expansions: a character whose
 /// mapping is not exactly one unit maps to itself.
 struct ConversionTable {
-    char16_t entries[65536];
+    char16_t entries[65536];  ///< what each unit becomes
 
     char16_t operator[](char16_t unit) const noexcept { return entries[unit]; }
 };

@@ -13,7 +13,7 @@
 namespace velmo {
 
 // Two number spaces name encodings. Operations on strings and pages take and give string
-// encodings; tables of charset names give text encodings.
+// encodings; tables of charset names give text encodings. Any thread may call what is told here.
 
 /// The numbers of string encodings. Those without a small number are 0x80000000 and the
 /// number of the text encoding.

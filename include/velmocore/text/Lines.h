@@ -9,7 +9,8 @@
 
 namespace velmo {
 
-// A text as lines. A line ends at a feed unit (isFeedUnit()); CR with LF after it is one end.
+// A text as lines. A line ends at a feed unit (isFeedUnit()); CR with LF after it is one end. An
+// absent text is an empty one. Any thread may call these.
 //
 //     numberOfLines(u"one\r\n\r\nthree");    // 3
 //     lines(u"one\ntwo")[0];                 // "one\n"

@@ -16,7 +16,7 @@ namespace velmo {
 //     removeTabs(text);    // (the text is a std::u16string)
 
 // The result is the string itself if nothing is removed, the constant empty string if everything
-// is, else a new string. An absent string stays absent.
+// is, else a new string. An absent string stays absent. Any thread may call these.
 
 [[nodiscard]] VELMO_API String stringByRemovingFeeds(const String& string);
 [[nodiscard]] VELMO_API String stringByRemovingTabs(const String& string);

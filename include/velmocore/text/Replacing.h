@@ -15,7 +15,8 @@ namespace velmo {
 
 // Units and substrings replaced wherever they stand. Occurrences do not overlap and are taken
 // from the left; the work is linear in the text. Without regard to case, an occurrence is one
-// of containsSubstring().
+// of containsSubstring(). What is sought and is empty or absent occurs nowhere. Any thread may call
+// these.
 //
 //     stringByReplacingString(u"a-b-c", u"-", u", ");    // a, b, c
 //     deleteString(text, u"\u00AD");                     // 1

@@ -15,6 +15,7 @@ namespace velmo {
 
 /// Codes of the errors of downloads.
 enum URLErrorCode : std::int64_t {
+    // What kept a document from coming, by the names.
     URLErrorUnknown = -1,
     URLErrorCancelled = -999,
     URLErrorBadURL = -1000,

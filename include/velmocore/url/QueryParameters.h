@@ -19,8 +19,9 @@ namespace velmo {
 //     queryParamNamed(u"http://h/p?q=ferret&n=5", u"n");    // 5
 //
 // The forms of a string look after its first ?, and have no pairs without one; those of a
-// URL look at its query. An absent or empty name has no value anywhere.
+// URL look at its query. An absent or empty name has no value anywhere. Any thread may call these.
 
+/// Values by the names of their pairs.
 using QueryParams = std::map<String, String>;
 
 /// The value of the first pair of that name that has one; absent without. A pair with an

@@ -7,7 +7,7 @@
 namespace velmo {
 
 // URLs made of another one by exchanging a part. A URL with nothing to change comes back as
-// it is, an absent one too; what would be no URL is absent.
+// it is, an absent one too; what would be no URL is absent. Any thread may call these.
 //
 //     URLWithAnchor(URL::URLWithString(u"http://h/a#x"), u"y");        // http://h/a#y
 //     URLWithUser(URL::URLWithString(u"http://h:8/a"), u"me", u"p@");  // http://me:p%40@h:8/a

@@ -8,7 +8,8 @@
 namespace velmo {
 
 // Shortening for display. A text that was cut ends with "...". The text itself comes back
-// where nothing is cut.
+// where nothing is cut, as an empty or absent one does. Lengths count UTF-16 units, without the
+// "...". Any thread may call these.
 //
 //     stringByEllipsizingAfterNWords(u"one two three", 2);          // "one two..."
 //     stringByEllipsizingAfterNCharacters(u"one two three", 9);     // "one two..."
