@@ -53,6 +53,17 @@ struct SourceProgress {
 };
 
 /// Where pages come from: files, archives, feeds, sites. One thread at a time uses a source.
+///
+///     struct OneText : PageSource {
+///         State next(SourcePage& page) override {
+///             if (std::exchange(isOver, true)) return State::End;
+///             page = {.name = u"notes", .bytes = {'T', 'e', 'a'}, .kind = ContentKind::Text};
+///             return State::Page;
+///         }
+///         bool isOver = false;
+///     };
+///     OneText source;
+///     gatherPages(source, {}, [](GatheredPage&) { return true; }).pages;    // 1
 class VELMO_API PageSource {
 public:
     /// What next() has to give.

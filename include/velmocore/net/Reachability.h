@@ -13,6 +13,7 @@ namespace velmo {
 //
 //     isURLOnline(URL::URLWithString(u"file:///etc/motd"));    // true
 //     isLocalURL(URL::URLWithString(u"http://127.0.0.1/"));    // true
+//     connectionFlagsForHost(nullptr);                         // 0
 
 /// What is known of the way to a host; 0 if nothing is. Numbers that programs keep.
 enum ConnectionFlags : std::uint32_t {

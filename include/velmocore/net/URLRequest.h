@@ -89,6 +89,7 @@ private:
 //     const URL page = URL::URLWithString(u"http://h.org/a");
 //     const URLRequest request = requestWithURL(page, {.referrer = u"http://h.org/"});
 //     referrer(request);    // http://h.org/
+//     userAgent(request);   // absent
 
 /// What a request is made with.
 struct RequestOptions {

@@ -36,8 +36,9 @@ concept ByteRange =
 /// and must not outlive it. An absent or default-made one has no bytes and a null data(). Any
 /// thread may read bytes that none changes meanwhile.
 ///
-///     MD5Digest("abc");                                  // (the three bytes of a literal)
-///     stringWithMarkupData(std::string(80, 'a'));         // (the bytes of a string)
+///     CRC32("abc");                                   // 3395655888; of the three bytes
+///     stringWithMarkupData(std::string(3, 'a'));      // aaa
+///     Bytes(nullptr).data() == nullptr;               // true
 class Bytes : public std::span<const std::uint8_t> {
     using Span = std::span<const std::uint8_t>;
 

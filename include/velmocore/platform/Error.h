@@ -18,7 +18,9 @@ struct Error {
     String reason = {};     ///< why, where the text alone does not tell
 };
 
-/// An error for people, as "posix 2: No such file or directory", in UTF-8.
+/// An error for people, in UTF-8.
+///
+///     printed(Error{u"posix", 2, u"No such file or directory"});    // "posix 2: No such file or directory"
 [[nodiscard]] VELMO_API std::string printed(const Error& error);
 VELMO_API std::ostream& operator<<(std::ostream& stream, const Error& error);
 

@@ -8,7 +8,7 @@ namespace velmo {
 // which way to go.
 //
 //     containsSubstring(u"a Title", u"title", Case::Insensitive);                 // true
-//     findString(text, u"name", selection, {.direction = Direction::Backward});
+//     findString(u"a name, a name", u"name", {8, 1}, {.direction = Direction::Backward});    // {2, 4}
 
 /// Whether upper and lower case differ. What counts as the same letter is told with each
 /// operation.

@@ -19,7 +19,8 @@ namespace velmo {
 /// zero unit in it, or a lone surrogate, which UTF-8 cannot hold. Operations on an absent path
 /// give their neutral result and touch no file. Any thread may read a path that none changes.
 ///
-///     stringWithContentsOfFile(u"notes.txt", UTF8StringEncoding).text;
+///     Path("caf\xE9").string();                  // caf\uFFFD
+///     Path(u"\xD800").isAbsent();               // true
 ///     for (const auto& entry : std::filesystem::directory_iterator("/etc/skel"))
 ///         print(stringWithContentsOfFile(entry.path(), UTF8StringEncoding).text);
 class VELMO_API Path {

@@ -37,9 +37,11 @@ concept Utf16Text =
 ///
 /// Threads: Strings may be copied and read on any thread; the count of owners is atomic.
 ///
-///     String page = String::fromUTF8(bytes);
-///     if (page == u"") return;
-///     std::u16string_view head = page.view().substr(0, 80);
+///     const String page = String::fromUTF8("caf\xC3\xA9");
+///     page.length();                         // 4
+///     page.view().substr(0, 3);              // caf
+///     page.substring({0, 80}) == page;       // true
+///     String() == u"";                       // false
 class VELMO_API String {
 public:
     /// The absent string.
@@ -179,10 +181,11 @@ VELMO_API std::ostream& operator<<(std::ostream& stream, const String& string);
 /// Collects units in the very array of the string that finish() gives, so that a
 /// result is built without a second copy.
 ///
+///     const std::u16string_view text = u"a\tb";
 ///     StringBuilder out(text.size());
 ///     for (char16_t unit : text)
 ///         if (unit != u'\t') out.append(unit);
-///     String result = out.finish();
+///     out.finish();    // ab
 ///
 /// Running out of memory is std::bad_alloc. Not to be shared between threads.
 class VELMO_API StringBuilder {
@@ -257,7 +260,7 @@ namespace velmo {
 /// string. Ordered ones take std::less<>.
 ///
 ///     std::unordered_map<String, int, StringHash, std::equal_to<>> counts;
-///     counts.find(std::u16string_view(u"tea"));
+///     counts.contains(std::u16string_view(u"tea"));    // false
 struct StringHash {
     using is_transparent = void;
     std::size_t operator()(std::u16string_view units) const noexcept {

@@ -20,6 +20,8 @@ using UserDefaultsHook = std::vector<String> (*)(std::u16string_view key);
 ///         if (key == u"AdditionalXMLExtensions") return {u"kml"};
 ///         return {};
 ///     });
+///     userDefaultStrings(u"AdditionalXMLExtensions");    // kml
+///     setUserDefaultsHook(nullptr);
 VELMO_API void setUserDefaultsHook(UserDefaultsHook hook) noexcept;
 
 /// The list of strings under a key, through the hook; empty without one. Any thread.

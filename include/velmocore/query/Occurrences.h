@@ -22,8 +22,9 @@ namespace velmo {
 // comparison is CaseInsensitive or Insensitive.
 //
 //     auto wildcards = *plusWildcards(u"tea OR cof*");
-//     assembleOccurrencesOfWildcards(page, wildcards, {.ellipsizeAfterNCharacters = 300});
-//     for (const Occurrence& hit : getOccurrencesOfWildcards(page, wildcards))
+//     const String text = u"Tea, hot. It rained.\nMore coffee came.";
+//     assembleOccurrencesOfWildcards(text, wildcards);    // Tea, hot More coffee came
+//     for (const Occurrence& hit : getOccurrencesOfWildcards(text, wildcards))
 //         print(hit.line + 1, hit.string);
 //
 // Time is in proportion to the text; with a limit the search ends where the summary is full.

@@ -13,6 +13,7 @@ namespace velmo {
 /// substring term, and the word, in quotes if it is a phrase, or the number of children and
 /// their common operator. An absent query gives "". Any thread.
 ///
+///     dumpOfQueryTerms(QueryTerms(u"a -b"));    // "AND group of 2 (AND)\n  AND a\n  AND -b\n"
 ///     dumpOfQueryTerms(QueryTerms(u"a NEAR/3 -\"b c\""));    // (is these lines)
 ///
 ///     AND group of 2 (NEAR)

@@ -9,6 +9,10 @@
 namespace velmo {
 
 /// How QueryTerms::queryTermsForOperators() writes a query: any sum of these.
+///
+///     QueryTerms query(u"tea NEAR/5 cup -sugar");
+///     query.queryTermsForOperators(RenderNear | RenderNegated)[0];              // tea NEAR/5 cup -sugar
+///     query.queryTermsForOperators(RenderUpperCase)[0];                         // TEA CUP
 enum QueryTermRendering : std::uint64_t {
     /// AND between terms; only together with RenderNotWord. Without it, a space.
     RenderAnd = 0x1,

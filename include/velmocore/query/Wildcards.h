@@ -166,6 +166,8 @@ inline constexpr std::size_t UnboundedWildcardLength = 0x7FFFFFFFFFFFFFFF;
 // belong to words, and a set is not cut by what stands in it.
 //
 //     wordsUsingWildcardSeparation(u"data* [a-d]ing");     // data*, [a-d]ing
+//     minWildcardLen(u"a?[bc]*");                          // 3
+//     wildcardType(u"abc*") == WildcardType::Prefix;       // true
 
 [[nodiscard]] VELMO_API const CharacterSetRep& defaultWildcardSeparators();
 [[nodiscard]] VELMO_API std::vector<String> wordsUsingWildcardSeparation(const String& text);

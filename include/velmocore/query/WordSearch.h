@@ -21,6 +21,7 @@ namespace velmo {
 //
 //     rangeOfWord(u"concatenate a cat", u"cat", Case::Insensitive);                    // {14, 3}
 //     countAnyWord(u"one two one", std::vector<String>{u"one", u"two"}, Case::Sensitive);   // 3
+//     findNextWord(u"one two one", u"one", {1, 10});                                         // {8, 3}
 //
 // An empty or absent text or word gives no hit, but see FindWordInString() for a *. Any thread may
 // search.

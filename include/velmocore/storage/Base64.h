@@ -15,6 +15,7 @@ namespace velmo {
 //     encodedBase64Data(Bytes("a"));    // YQ==
 //     encodebase64(u"a");                 // YQ
 //     decodebase64(u"YQ");                // a
+//     isBase64String(u"YQ=");             // false
 
 /// No bytes give an absent string. The last group of four is filled up with the padding unit,
 /// or stays short if that is 0.

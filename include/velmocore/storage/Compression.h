@@ -13,8 +13,9 @@ namespace velmo {
 // (RFC 1952). Results are absent if something failed or there are no bytes; no message is
 // written. Any thread may call these.
 //
-//     std::optional<Data> packed = dataByGzippingData(bytes);
-//     std::optional<Data> again = dataByInflatingData(*packed);    // (either format)
+//     std::optional<Data> packed = dataByGzippingData("tea");
+//     charsOf(*dataByInflatingData(*packed, 1000));    // tea
+//     dataByInflatingData(*packed, 2).has_value();     // false; more than the limit
 //
 // The level is 1 (fast) to 9 (small); -1 is the usual middle. Others count as the nearest.
 

@@ -15,7 +15,7 @@ namespace velmo {
 // call these.
 //
 //     createPathAndFile("letters/2001/tea.txt");                      // true
-//     writeString(u"Two cups.", "letters/2001/tea.txt", {.append = true});
+//     writeString(u"Two cups.", "letters/2001/tea.txt", {.append = true});    // true
 //     createPath("letters/2001/tea.txt");                             // false; it is no folder
 
 /// True if there is something, whatever it is; otherwise an empty file is made.

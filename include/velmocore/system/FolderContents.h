@@ -15,7 +15,7 @@ namespace velmo {
 //     createPathAndFile("teas/Assam.TXT");
 //     directoryContentsMatchingExtension("teas", u"txt")->size();                       // 1
 //     directoryContentsMatchingWildcard("teas", u"a*.*", {.fullPath = true})->front().string();
-//     // (as teas/Assam.TXT)
+//     // teas/Assam.TXT
 
 /// What is told of each file.
 struct ContentsOptions {

@@ -19,6 +19,7 @@ namespace velmo {
 // is not told so has its fallback below the home folder.
 //
 //     pathInCachesDirectory(u"thumbnails");    // (as /home/ada/Library/Caches/thumbnails)
+//     pathInCachesDirectory(u"x") == cachesDirectory() + u"/x";    // true
 
 [[nodiscard]] VELMO_API const String& desktopDirectory();    ///< else "Desktop"
 [[nodiscard]] VELMO_API const String& downloadsDirectory();  ///< else "Downloads"

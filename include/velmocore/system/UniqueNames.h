@@ -25,6 +25,7 @@ namespace velmo {
 /// thread; two at once on one folder may remove more than they should.
 ///
 ///     archiveDirectoryContentsAtPath("backups", u"Notes", 7);    // (as Notes 2001-02-03 04-05-06)
+///     archiveDirectoryContentsAtPath("backups", u"", 7);         // absent
 VELMO_API String archiveDirectoryContentsAtPath(const Path& path, const String& prefix,
                                                 std::size_t maxNumberOfArchives);
 

@@ -26,8 +26,10 @@ namespace velmo {
 // uses an array that is changed; any may read one.
 //
 //     std::vector<String> words{u"a", u"b"};
-//     unionWithObjects(words, {u"b", u"c"});                      // (a, b, c)
-//     joinWithObjectsFromArray(words, std::vector<String>{u"c"}); // (c)
+//     unionWithObjects(words, {u"b", u"c"});
+//     words;    // a, b, c
+//     joinWithObjectsFromArray(words, std::vector<String>{u"c"});
+//     words;    // c
 
 namespace detail {
 

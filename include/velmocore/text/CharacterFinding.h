@@ -21,6 +21,8 @@ namespace velmo {
 //     findCharacter(u"www.example.com", u'.');                           // 3
 //     containsCharacter(u"aaa", u'a');                                   // false
 //     containsCharacter(u"aaa", u'a', {.letterCase = Case::Insensitive});        // true
+//     findOneOf(u"a;b,c", u",;");                                        // 1
+//     countLTGT(u"<a> <b").LT;                                           // 2
 
 /// Where a search begins, and what it looks past.
 struct CharacterSearch {

@@ -18,6 +18,8 @@ namespace velmo {
 //
 //     for (const String& line : configLines(text))
 //         if (String host = configValueForKey(line, u"host"); !host.isAbsent()) connect(host);
+//     configValueForKey(u"Host h.org", u"host");    // h.org
+//     boolValue(u"Yes");                            // true
 
 /// The lines that mean something, without the white space at their ends: no comments, no
 /// empty lines and none of a single unit.

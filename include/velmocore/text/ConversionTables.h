@@ -17,7 +17,7 @@ struct ConversionTable {
 // of the process. "Umlauts" stands for the diacritics of any script.
 //
 //     const ConversionTable& upper = upperCharsTable();
-//     bool same = upper[u'\u00E4'] == upper[u'\u00C4'];   // true
+//     upper[u'\u00E4'] == upper[u'\u00C4'];               // true
 
 /// Lower case of every upper-case letter.
 [[nodiscard]] VELMO_API const ConversionTable& lowerCharsTable();

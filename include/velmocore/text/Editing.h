@@ -13,7 +13,10 @@ namespace velmo {
 // to the text: what is to be inserted after the end is appended, what is to be removed there is
 // not. Of an empty or absent string nothing is appended. One thread at a time uses a text.
 //
-//     appendSubstring(text, u"one two", {4, 3});    // (the text ends in two)
+//     std::u16string text = u"zero";
+//     appendSubstring(text, u"one two", {3, 90});
+//     removeCharacterAtIndex(text, 0);
+//     text;    // ero two
 
 VELMO_API void appendSubstring(std::u16string& text, std::u16string_view string, Range range);
 inline void appendUnichar(std::u16string& text, char16_t unit) { text += unit; }

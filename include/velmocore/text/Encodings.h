@@ -77,6 +77,9 @@ VELMO_API void setDefaultEncoding(StringEncoding encoding) noexcept;
 /// result absent, or with lossy becomes "?". So do an absent string and an encoding that is
 /// not available. UTF-16 and UTF-32 begin with a byte-order mark unless the encoding names
 /// the order.
+///
+///     dataUsingEncoding(u"\u20AC", WindowsCP1252StringEncoding)->front();     // 128
+///     dataUsingEncoding(u"\u20AC", ISOLatin1StringEncoding).has_value();       // false
 [[nodiscard]] VELMO_API std::optional<Data> dataUsingEncoding(const String& string,
                                                               StringEncoding encoding,
                                                               bool lossy = false);

@@ -10,7 +10,8 @@ namespace velmo {
 /// It ends in no slash, unless it is the root, and is never empty or absent. Any thread may call
 /// this.
 ///
-///     homeDirectory();    // (as /home/ada)
+///     homeDirectory();              // (as /home/ada)
+///     homeDirectory().isEmpty();    // false
 [[nodiscard]] VELMO_API const String& homeDirectory();
 
 }  // namespace velmo

@@ -14,6 +14,7 @@ namespace velmo {
 //
 //     numberOfLines(u"one\r\n\r\nthree");    // 3
 //     lines(u"one\ntwo")[0];                 // "one\n"
+//     firstLine(u"one\ntwo");                // one
 
 /// The number of lines, empty ones included; 0 for an empty string. A line end at the very
 /// end starts no further line.

@@ -16,6 +16,7 @@ namespace velmo {
 //
 //     standardizedPath(u"/a/./b/../c");                       // /a/c
 //     relativePathToDirectory(u"/a/b/c", u"/a/x");            // ../b/c
+//     stringByReplacingPathExtensionWith(u"a/b.txt", u"md");  // a/b.md
 //     stringByCreatingFilename(u"..What? Why/How:  x");       // What- Why-How-  x
 //
 // The extension of a path is what stands after the last full stop of its last component, if

@@ -50,6 +50,7 @@ private:
 // count UTF-16 units; an empty or absent text has no stretches. Any thread may call these.
 //
 //     substringWithStart(u"<b>bold</b>", u"<b>", u"</b>");    // bold
+//     stringRangeWithStart(u"a=1", u"=", u";", false);         // {2, 1}
 
 /// The text between the markers, without them. Without an end marker, or if it does not occur,
 /// it goes to the end of the string; but then there is none if it is required, or with

@@ -12,7 +12,8 @@ namespace velmo {
 // the text as it is, as an empty one is. One thread at a time uses a text.
 //
 //     std::u16string text = u"a\tb";
-//     decodeTabs(text, 4);              // (a, three spaces, b)
+//     decodeTabs(text, 4);
+//     text;                             // "a   b"
 
 /// Replaces every tab by U+0020.
 VELMO_API void decodeTabs(std::u16string& text, std::size_t width);

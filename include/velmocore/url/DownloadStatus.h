@@ -12,6 +12,7 @@ namespace velmo {
 //     isHTTPStatusCodeOkay(304);                                          // false
 //     const Error timedOut{u"velmo.url", URLErrorTimedOut, u"timed out"};
 //     HTTPStatusCodeForNSURLError(&timedOut);                             // 408
+//     isTemporaryNSURLError(nullptr);                                     // false
 
 /// Codes of the errors of downloads.
 enum URLErrorCode : std::int64_t {

@@ -45,7 +45,10 @@ inline constexpr std::size_t NumberOfURLParts = 11;
 ///
 ///     const URL page = URL::URLWithString(u"http://example.com/a/b?q=1");
 ///     page.host();                                          // example.com
+///     page.part(URLPart::Query);                            // q=1
+///     page.fragment();                                      // absent
 ///     URL::URLWithString(u"../c", page).absoluteString();   // http://example.com/c
+///     URL::URLWithString(u"http://a b/").isAbsent();        // true
 ///
 /// Threads: URLs may be copied and read on any thread.
 class VELMO_API URL {

@@ -17,6 +17,7 @@ namespace velmo {
 //
 //     invertedHost(u"www.Example.org");                     // org.example.www
 //     invertedHostComponents(u"a.b.example.org", 2)[1];   // example.b.a
+//     hostComponents(u"").has_value();                     // false
 //
 // The forms of a URL look at its host; without one they answer as to an empty text, which an absent
 // one is too. Any thread may call these.

@@ -13,6 +13,9 @@ namespace velmo {
 // is nothing, and neither is an empty text. Any thread may call these.
 //
 //     isDownloadableURL(URL::URLWithString(u"FTP://host/file"));   // true
+//     isRemoteWebKitStringURL(u"www.example.org");                 // true
+//     isMailStringURL(u"ann@example.org");                         // true
+//     validFeedStringURL(u"feed:h.org/rss");                       // http://h.org/rss
 
 [[nodiscard]] VELMO_API bool isHTTPURL(const URL& url);  ///< http, https
 [[nodiscard]] VELMO_API bool isFTPURL(const URL& url);   ///< ftp, ftps, sftp

@@ -20,7 +20,7 @@ namespace velmo {
 // lengths count UTF-16 units. An empty or absent text has no components. Any thread may call these.
 //
 //     componentsUsingDefaultSeparation(u"Yes. No?! Perhaps");    // Yes.,  No?!,  Perhaps
-//     numberOfComponentsUsingSeparators(text, &defaultSentenceSeparators());
+//     numberOfComponentsUsingSeparators(u"Yes, no. Perhaps", &defaultSentenceSeparators());    // 2
 
 /// The components in their order; each range holds its separators.
 [[nodiscard]] VELMO_API std::vector<Range> componentsOfCharacters(

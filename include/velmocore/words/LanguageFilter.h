@@ -22,9 +22,11 @@ namespace velmo {
 /// Latin.
 ///
 ///     LanguageFilter filter(velmoResourcesDirectory());
-///     filter.languageOfText(page);          // (DE, or absent if it is not clear)
-///     filter.setLanguage(u"DE");
-///     filter.filterText(u"One or two sentences that nobody would take for German");
+///     const String text = u"Der Hund ist nicht im Haus, und die Katze war auch nicht bei uns.";
+///     filter.languageOfText(text);           // DE
+///     filter.languageOfText(u"Nine");        // absent; it is not clear
+///     filter.setLanguage(u"EN");
+///     filter.filterText(text);               // true; it is in another language
 ///
 /// A word counts if it has minWordLen() units at least and begins and ends with a letter. A
 /// language wins by more hits than those before it in languages(), of at least four

@@ -68,9 +68,10 @@ struct WordParseOptions {
 /// or the text is shorter than the minimum. An exception out of the handler passes through.
 ///
 ///     std::set<std::u16string_view> distinct;
-///     parseWordsWithHandler(text, [&](std::u16string_view units, Range word) {
+///     parseWordsWithHandler(u"a b a", [&](std::u16string_view units, Range word) {
 ///         distinct.insert(units.substr(word.location, word.length));
 ///     });
+///     distinct.size();    // 2
 VELMO_API std::size_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
                                             const WordParseOptions& options = {});
 
