@@ -1,7 +1,10 @@
 #!/usr/bin/env python3
 """Checks that the guide names what there is: each header exists and has the name that its row calls,
 each header that is for use has a row, and each link of the documents leads to a file. That the calls
-compile is a test of the suite."""
+compile is a test of the suite.
+
+    check.py [HTML-FOLDER]    of the pages in the folder, only that their links lead to a file
+"""
 import pathlib
 import re
 import sys
@@ -41,6 +44,23 @@ def faults_of_links():
                 yield f"{document.relative_to(ROOT)}: there is no {target}"
 
 
-faults = [*faults_of_guide(), *faults_of_links()]
+def faults_of_cookbook():
+    page = (DOCS / "cookbook/README.md").read_text()
+    for program in sorted(DOCS.glob("cookbook/*.cpp")):
+        if f"]({program.name})" not in page:
+            yield f"the page of the cookbook has no {program.name}"
+
+
+def faults_of_pages(folder):
+    for page in sorted(folder.rglob("*.html")):
+        for target in set(re.findall(r'<[^<>]*\b(?:href|src)="([^"#:?]+)["#?]', page.read_text())):
+            if not (page.parent / target).exists():
+                yield f"{page.relative_to(folder)}: there is no {target}"
+
+
+if len(sys.argv) > 1:
+    faults = [*faults_of_pages(pathlib.Path(sys.argv[1]))]
+else:
+    faults = [*faults_of_guide(), *faults_of_links(), *faults_of_cookbook()]
 print("\n".join(faults) or "the guide and all links lead to what there is")
 sys.exit(bool(faults))

@@ -52,14 +52,14 @@ struct CharacterSearch {
 
 /// Punctuation marks, for containsCharacters().
 enum CharacterMask : unsigned {
-    FullStopMask = 1,      ///< .
-    AtSignMask = 2,        ///< @
-    SlashMask = 4,         ///< /
-    QuestionMarkMask = 8,  ///< ?
-    SemicolonMask = 16,    ///< ;
-    UnderscoreMask = 32,   ///< _
-    AsteriskMask = 64,     ///< *
-    DollarSignMask = 128,  ///< $
+    FullStopMask = 1,      ///< a full stop
+    AtSignMask = 2,        ///< an at sign
+    SlashMask = 4,         ///< a slash
+    QuestionMarkMask = 8,  ///< a question mark
+    SemicolonMask = 16,    ///< a semicolon
+    UnderscoreMask = 32,   ///< an underscore
+    AsteriskMask = 64,     ///< an asterisk
+    DollarSignMask = 128,  ///< a dollar sign
 };
 /// Whether all units of the mask occur; false for a mask of 0. Stops at the last one needed.
 [[nodiscard]] VELMO_API bool containsCharacters(std::u16string_view string, unsigned mask);
