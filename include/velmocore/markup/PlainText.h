@@ -27,7 +27,7 @@ struct PlainTextOptions {
 // paragraph breaks (two LF), spaces or nothing; hidden elements, scripts, forms' contents
 // and the alternatives of frames are left out.
 //
-// A page without anything to convert comes back as it is, as does an empty or absent one.
+// An empty or absent page comes back as it is; any other gives a new string.
 // Time is linear in the page; no operation fails. Any thread.
 //
 //     stringByConvertingHtml2PlainText(u"<p>a &amp; b</p><p>c");   // "a & b\n\nc"

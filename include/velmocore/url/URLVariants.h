@@ -30,7 +30,7 @@ namespace velmo {
 /// Exchanges the anchor. Nothing changes if it is empty.
 [[nodiscard]] VELMO_API URL URLWithAnchor(const URL& url, const String& anchor);
 
-/// What a web view can load: 127.0.0.1 for localhost, http for feed.
+/// What a web view can load: with 127.0.0.1 for localhost, or else with http for feed.
 [[nodiscard]] VELMO_API URL WebKitURL(const URL& url);
 /// The base of a page in a web view: a file that is there, or a URL of the web, with http for
 /// feed; else absent.
