@@ -39,7 +39,7 @@ enum NetworkKinds : std::uint8_t {
 
 /// What can be told without a look-up: the kind if the host is an address, in any of the forms that
 /// programs take for one ("127.1", "0x7F000001"); what a name may be of that is for this machine or
-/// its own network only (localhost, .local); else PublicNetwork.
+/// its own network only (localhost, .local); else PublicNetwork, also without a host.
 [[nodiscard]] VELMO_API NetworkKinds networksOfHostName(const URL& url);
 
 }  // namespace velmo

@@ -21,8 +21,8 @@ namespace velmo {
 /// Makes room for a new archive in a folder, and gives its name: the prefix, and the present time
 /// as " 2001-02-03 04-05-06". Of what is there under names that match the prefix and "*", in any
 /// case, the oldest are removed, folders too, until no more than the maximum is left; the new one
-/// is not counted. Absent, and nothing is removed, for an absent or empty prefix or path. Any
-/// thread; two at once on one folder may remove more than they should.
+/// is not counted. Absent, and nothing is removed, for an absent or empty prefix or path. Any thread;
+/// within one second the name is the same.
 ///
 ///     archiveDirectoryContentsAtPath("backups", u"Notes", 7);    // (as Notes 2001-02-03 04-05-06)
 ///     archiveDirectoryContentsAtPath("backups", u"", 7);         // absent
