@@ -63,7 +63,7 @@ struct GatherSummary {
 ///
 /// A page whose reading throws, or for which the memory does not suffice, is one that failed, and
 /// the others go on. What the source or the handler throw comes out here, and what was put until
-/// then stands in the store. At the end the store is synchronized.
+/// then stands in the store, which is synchronized every few seconds and at the end.
 VELMO_API GatherSummary gatherPages(PageSource& source, const GatherOptions& options,
                                     FunctionRef<bool(GatheredPage& page)> handler);
 

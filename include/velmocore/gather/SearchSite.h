@@ -62,7 +62,8 @@ public:
     ~SearchSite();
 
     /// GET and HEAD of "/", "/page", "/feed", "/search.json", "/style.css" and "/icon.svg"; all
-    /// else gets a status that says why not.
+    /// else gets a status that says why not, and so does a query of more than 1,000 UTF-16 units or
+    /// 64 terms. Of a page 2,000,000 units of its text are shown, and 500 links.
     [[nodiscard]] SiteResponse respond(const SiteRequest& request) const;
 
 private:

@@ -80,9 +80,10 @@ struct SiteCounts {
 /// Credentials of a start are sent to its own server alone, and kept nowhere. No cookies, no
 /// referrer.
 ///
-/// Of a page that cannot be had, nothing is told but in the counts, if it is not a start. Feeds
-/// that pages name are read as pages are, and their items followed. One thread at a time uses a
-/// source; it loads on threads of the library.
+/// Addresses longer than 2048 UTF-16 units are not followed, nor are those that tell that they lead
+/// to no page. Of a page that cannot be had, nothing is told but in the counts, if it is not a
+/// start. Feeds that pages name are read as pages are, and their items followed. One thread at a
+/// time uses a source; it loads on threads of the library.
 ///
 /// With a store, which must outlive the source, the crawl notes there what it has found: one that
 /// was ended or killed at any moment goes on with the same starts, mode and depth where it was,
