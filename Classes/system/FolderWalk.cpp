@@ -38,7 +38,8 @@ void FolderWalk::push(const std::string& folder) {
         failed_ = failed(folder);
         return;
     }
-    const char* const slash = folder.ends_with('/') ? "" : "/";
+    // Names in the current folder stand alone: a slash would make them those of the root.
+    const char* const slash = folder.empty() || folder.ends_with('/') ? "" : "/";
     for (auto name = names->rbegin(); name != names->rend(); ++name)
         if (!matchesAny(*name, options_.exclude)) stack_.push_back(folder + slash + *name);
 }

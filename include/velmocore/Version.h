@@ -12,11 +12,11 @@
 
 namespace velmo {
 
-/// A version, which compares as one expects.
+/// A version, which compares as one expects: by its first number, then the others.
 struct Version {
-    int major = 0;
-    int minor = 0;
-    int patch = 0;
+    int major = 0;  ///< what counts first
+    int minor = 0;  ///< of versions with the same first number
+    int patch = 0;  ///< of versions that differ in nothing else
     friend constexpr auto operator<=>(const Version&, const Version&) = default;
 };
 
@@ -25,11 +25,11 @@ inline constexpr Version HeaderVersion{VELMO_VERSION_MAJOR, VELMO_VERSION_MINOR,
                                        VELMO_VERSION_PATCH};
 
 /// The version of the library that it runs with. While the major number is 0, libraries whose
-/// minor numbers differ do not fit each other, and have different names for the linker.
+/// minor numbers differ do not fit each other, and have different names for the linker. Any thread.
 ///
 ///     if (linkedVersion() < HeaderVersion) warn(linkedVersionText());
 [[nodiscard]] VELMO_API Version linkedVersion() noexcept;
-/// The same as a text, "0.2.0".
+/// The same as a text, "0.2.0"; never empty, and good for the life of the process.
 [[nodiscard]] VELMO_API std::string_view linkedVersionText() noexcept;
 
 }  // namespace velmo

@@ -1,4 +1,4 @@
-// What the examples of the headers take as given, and how their values are compared.
+// What the examples of the headers and the guide take as given, and how their values are compared.
 #pragma once
 
 #include <cstdint>
@@ -11,12 +11,16 @@
 #include <unordered_map>
 #include <vector>
 
-#include <velmocore/platform/String.h>
-#include <velmocore/url/URL.h>
+#include <velmocore/gather/SearchSite.h>
+#include <velmocore/gather/SourceOpening.h>
+#include <velmocore/gather/SourceSequence.h>
+#include <velmocore/net/SynchronousDownload.h>
+#include <velmocore/query/QueryTerms.h>
+#include <velmocore/system/HelperService.h>
 
 namespace velmo::examples {
 
-extern const int Count, Values;
+extern const int Count, Values, Calls;
 /// Hands each example to the function, with its place.
 void runAll(void (*run)(const char* place, void (*example)()));
 
@@ -68,5 +72,51 @@ inline const String title = u"Tea";
 inline const Range range{6, 5}, selection{0, 0};
 inline const std::u16string url = u"http://ads.example.com/";
 inline const std::string bytes = "<p>caf\xC3\xA9";
+
+/// Takes whatever a call hands out.
+struct AnyHandler {
+    template <class... Arguments>
+    bool operator()(Arguments&&...) const {
+        return false;
+    }
+};
+
+/// The names that the calls of the guide use; the calls need only compile.
+struct Guide {
+    void calls();
+
+    String text, page, link, address, title, a, b;
+    std::u16string units;
+    std::u16string_view tag;
+    std::string bytes;
+    Data data;
+    std::uint8_t room[8];
+    std::size_t index, limit;
+    StringEncoding encoding;
+    Date when;
+    Error error;
+    AnyHandler handler;
+    std::vector<String> strings;
+    std::vector<std::string_view> keywords;
+    std::u16string rules, name;
+    URL url, base;
+    QueryTerms query;
+    Path path, from, to, folder, archive;
+    std::vector<std::string> arguments;
+    HelperService service;
+    HelperOperation operation;
+    URLRequest request;
+    URLResponse response;
+    DownloadDelegate delegate;
+    String boundary;
+    std::vector<URL> starts;
+    PageRecord record;
+    SourcePage sourcePage;
+    PageStore store;
+    std::vector<PageStore> stores;
+    SourceList source;
+    SourceList::Opening opening;
+    InputStream stream;
+};
 
 }  // namespace velmo::examples

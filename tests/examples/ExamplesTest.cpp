@@ -58,8 +58,9 @@ TEST(Examples, OfAllHeadersRunAndTellTheTruth) {
     });
     std::filesystem::current_path(before);
     std::filesystem::remove_all(folder);
-    EXPECT_GE(Count, 100);
-    EXPECT_GE(Values, 140);
+    EXPECT_GE(Count, 245);
+    EXPECT_GE(Values, 405);
+    EXPECT_GE(Calls, 200);
 }
 
 }  // namespace velmo::examples

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Turns the examples of the public headers and the README into a test source.
+"""Turns the examples of the public headers, the README and the guide into a test source.
 
-    extract.py INCLUDE-FOLDER README OUTPUT
+    extract.py INCLUDE-FOLDER README GUIDE OUTPUT
 
 An example is a run of comment lines that are indented by five spaces or more, or a block
 marked as cpp in the README. Each becomes a function of its own, after what Examples.h declares.
 A comment after an expression is its value and is checked. It may go on after "; " or ": ".
 One in parentheses is for people.
+The calls of the guide are compiled as members of Guide, which has the names that they use, and not run.
 """
 import pathlib
 import re
@@ -14,7 +15,7 @@ import sys
 
 COMMENTED = re.compile(r"^\s*//+ {5}(.*\S)\s*$")
 DECLARATION = re.compile(
-    r"(const|constexpr|auto|bool|char16_t|using|struct|for|while|if|return|std::\w+(<.*>)? \w+"
+    r"((const|constexpr|auto|bool|char16_t|using|struct|for|while|if|return)\b|std::\w+(<.*>)? \w+"
     r"|\w+_t \w+;|[A-Z]\w*(<[^()]*>)? \w+[\s({\[;=])")
 NAMED_VALUE = re.compile(r"\w+Encoding|\w+::\w+|NotFound")
 
@@ -91,8 +92,14 @@ def body(name, start, block):
     return "".join(out), values
 
 
+def calls_of_guide(text):
+    """The calls in the third column of its tables."""
+    rows = re.findall(r"^\| [^|]* \| `[\w/]+\.h` \| (.*) \|$", text, re.M)
+    return [call for row in rows for call in re.findall(r"`([^`]*)`", row) if not call.startswith("{")]
+
+
 def main():
-    include, readme, output = map(pathlib.Path, sys.argv[1:4])
+    include, readme, guide, output = map(pathlib.Path, sys.argv[1:5])
     headers, functions, tests = [], [], []
     count = values = 0
     for path in sorted(include.rglob("*.h")):
@@ -109,6 +116,7 @@ def main():
     for block in re.findall(r"```cpp\n(.*?)```", readme.read_text(), re.S):
         count += 1
         functions.append(f"namespace readme{count} {{\n{block}}}\n")
+    calls = calls_of_guide(guide.read_text())
     output.write_text(
         "// Made from the comments of the public headers; see extract.py.\n"
         + "".join(headers) + '#include "examples/Examples.h"\n\n'
@@ -116,7 +124,9 @@ def main():
             function for function in functions if not function.startswith("namespace readme"))
         + "}  // namespace\n\nvoid runAll(void (*run)(const char*, void (*)())) {\n"
         + "".join(tests) + "}\n\n"
-        + f"const int Count = {count}, Values = {values};\n\n" + "}  // namespace velmo::examples\n\n"
+        + "void Guide::calls() {\n" + "".join(f"    (void)({call});\n" for call in calls) + "}\n\n"
+        + f"const int Count = {count}, Values = {values}, Calls = {len(calls)};\n\n"
+        + "}  // namespace velmo::examples\n\n"
         + "\n".join(re.sub(r"#include.*\n", "", function) for function in functions
                     if function.startswith("namespace readme")))
 

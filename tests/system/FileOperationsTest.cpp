@@ -7,6 +7,7 @@
 #include <velmocore/system/FileMoving.h>
 #include <velmocore/system/FolderContents.h>
 #include <velmocore/system/FolderUpdating.h>
+#include <velmocore/system/FolderWalk.h>
 #include <velmocore/system/LockFiles.h>
 #include <velmocore/system/UniqueNames.h>
 #include <velmocore/text/Encodings.h>
@@ -315,6 +316,22 @@ TEST_F(FileOperations, LocksAreWholeDictionaries) {
         for (int i = 0; i < 8; ++i) threads.emplace_back([&] { winners += !lockFileAtPath(at("race")).isAbsent(); });
     }
     EXPECT_EQ(winners, 1);
+}
+
+TEST_F(FileOperations, AWalkNamesFilesFromTheFolderThatItWasGiven) {
+    write("d/a.txt", "a");
+    const fs::path before = fs::current_path();
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "d/a.txt"}, {".", "./d/a.txt"}, {"d", "d/a.txt"}, {"d/", "d/a.txt"}};
+    fs::current_path(at(""));
+    for (const auto& [folder, expected] : cases) {
+        FolderWalk walk(folder);
+        const auto file = walk.next();
+        EXPECT_EQ(file ? file->path.bytes() : "none", expected) << folder;
+        EXPECT_FALSE(walk.next()) << folder;
+    }
+    fs::current_path(before);
+    EXPECT_FALSE(FolderWalk(Path()).next());
 }
 
 }  // namespace

@@ -29,35 +29,39 @@ namespace velmo {
 
 /// What stands beside an item, as the recording of a broadcast.
 struct FeedEnclosure {
-    String url;
+    String url;     ///< as the feed has it, without entities
     String length;  ///< as the feed has it, in bytes as a rule; absent if it does not tell
 };
 
 /// An item. What the feed does not give is empty, but for the icon.
 struct FeedItem {
-    String title = String::empty();        ///< without entities
-    String description = String::empty();  ///< without entities, but with its markup
-    String content = String::empty();      ///< the same
-    String author = String::empty();
-    String guid = String::empty();  ///< its id, unless that is said to be no link
-    String date = String::empty();  ///< as it stands
-    String link = String::empty();  ///< where it leads to, repaired
-    std::vector<String> tags = {};
-    std::vector<FeedEnclosure> enclosures = {};
+    String title = String::empty();              ///< without entities
+    String description = String::empty();        ///< without entities, but with its markup
+    String content = String::empty();            ///< the same
+    String author = String::empty();             ///< as it stands, without entities
+    String guid = String::empty();               ///< its id, unless that is said to be no link
+    String date = String::empty();               ///< as it stands
+    String link = String::empty();               ///< where it leads to, repaired
+    std::vector<String> tags = {};               ///< its categories
+    std::vector<FeedEnclosure> enclosures = {};  ///< in the order of the feed
     /// The reference of a picture, for who renders it. No feed gives it.
     String icon = {};
 };
 
 /// The same as views, which are good while the handler is called that they are handed to.
 struct FeedItemView {
+    // As those of FeedItem.
     std::u16string_view title, description, content, author, guid, date, link;
+    /// As FeedEnclosure.
     struct Enclosure {
         std::u16string_view url, length;  ///< a length that is not there has a null data()
     };
+    // As those of FeedItem.
     std::span<const std::u16string_view> tags;
     std::span<const Enclosure> enclosures;
 };
 
+/// How a feed is read.
 struct FeedOptions {
     /// Links that begin with / are relative to it. Absent if it is not known.
     URL baseURL = {};
@@ -72,8 +76,9 @@ struct FeedOptions {
 struct Feed : FeedCompleteness {
     /// Of its channel; absent if it has none, if it comes after the items, or if it is CDATA.
     String title = {};
-    std::vector<FeedItem> items = {};
+    std::vector<FeedItem> items = {};  ///< in the order of the feed
 };
+/// All items of a feed.
 [[nodiscard]] VELMO_API Feed readFeed(std::u16string_view feed, const FeedOptions& options = {});
 
 /// Hands each item out when it ends, and keeps none: of a large feed nothing is copied but texts
@@ -91,6 +96,7 @@ VELMO_API Feed parseFeedWithHandler(std::u16string_view feed,
                                     FunctionRef<bool(const FeedItemView& item)> handler,
                                     const FeedOptions& options = {});
 
+/// The items only.
 [[nodiscard]] VELMO_API std::vector<FeedItem> getItemsOfFeed(std::u16string_view feed,
                                                              const URL& baseURL = {});
 /// Feed::title; the scan ends with the first item.

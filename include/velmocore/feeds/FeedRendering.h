@@ -26,6 +26,7 @@ namespace velmo {
 /// name of a sheet ends in ".feeds.stylesheet.css", by which saved pages are known.
 [[nodiscard]] VELMO_API String linkableFeedStyleSheet();
 
+/// How feeds are shown.
 struct FeedDisplayOptions {
     /// Whether the sheet is linked or a part of the page. A list of items always links it.
     bool linkedStyleSheet = true;
@@ -42,6 +43,7 @@ struct FeedDisplayOptions {
 /// it is.
 [[nodiscard]] VELMO_API String stringByConvertingFeed(const String& feed,
                                                       const FeedDisplayOptions& options = {});
+/// The same with one of the options.
 [[nodiscard]] inline String stringByConvertingFeedToDisplayHTMLUsingLinkedStyleSheet(
     const String& feed, bool linked) {
     return stringByConvertingFeed(feed, {.linkedStyleSheet = linked});

@@ -12,23 +12,25 @@
 
 namespace velmo {
 
+/// Which files of a folder are taken, and where they stand.
 struct FolderSourceOptions {
     FolderWalkOptions files = {};  ///< which of them
     /// Where the folder stands on the web; absent for pages that stand in files.
     URL base = {};
     bool texts = true;  ///< plain texts too, but for style sheets, scripts and data
-    std::size_t mostBytes = MostPageBytes;
+    std::size_t mostBytes = MostPageBytes;  ///< of a page; see SourceOptions
 };
 
 /// The pages of a folder and of all below it, in the order of their names, and those of the
 /// archives, JSON lines and feeds in it. What is no page and no text is left out; what cannot be
-/// read is an error of its own, and the others go on.
+/// read is an error of its own, and the others go on. One thread at a time.
 ///
 ///     FolderSource site("site", {.base = URL::URLWithString(u"https://h.org/")});
 ///     SourcePage page;
 ///     while (site.next(page) == PageSource::State::Page) print(page.name);
 class VELMO_API FolderSource final : public SourceSequence {
 public:
+    /// Of a folder, as FolderWalk takes it.
     explicit FolderSource(const Path& folder, const FolderSourceOptions& options = {});
     /// In bytes of files. The folder is walked once more when this is first asked.
     [[nodiscard]] SourceProgress progress() const override;

@@ -26,6 +26,7 @@ public:
     [[nodiscard]] static InputStream ofFile(const Path& path);
     /// An open file, which stays open and is not owned, as 0 for standard input.
     [[nodiscard]] static InputStream ofDescriptor(int descriptor);
+    /// Bytes in memory, which it owns.
     [[nodiscard]] static InputStream ofBytes(Data bytes);
 
     InputStream(InputStream&&) noexcept;
@@ -47,7 +48,8 @@ public:
     /// breaks off. None as long as fill() gives more.
     [[nodiscard]] const std::optional<Error>& error() const noexcept;
 
-    /// How many bytes were read, packed as they are, and how many there are; 0 if that is not known.
+    /// How many bytes were read, packed as they are, and how many there are; 0 if that is not
+    /// known.
     [[nodiscard]] std::uint64_t position() const noexcept;
     [[nodiscard]] std::uint64_t size() const noexcept;
 

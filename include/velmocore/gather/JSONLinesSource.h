@@ -17,8 +17,9 @@ namespace velmo {
 ///
 /// A line that is not so, or too long, is an error in its place, and the next ones are read. Lines
 /// of white space are passed over. In errors a line goes by the name of the source and its number,
-/// or by no name if the source has none, once its address is known by that. A source waits for more input only when all that it gave was
-/// told, so that who writes a line gets an answer to it.
+/// or by no name if the source has none, once its address is known by that. A source waits for more
+/// input only when all that it gave was told, so that who writes a line gets an answer to it. One
+/// thread at a time.
 ///
 ///     const std::string_view line = "{\"url\": \"http://h.org/\", \"html\": \"<p>Tea\"}";
 ///     JSONLinesSource lines(InputStream::ofBytes(Data(line.begin(), line.end())));
@@ -26,7 +27,9 @@ namespace velmo {
 ///     lines.next(page) == PageSource::State::Page;     // true
 class VELMO_API JSONLinesSource final : public PageSource {
 public:
+    /// Reads nothing yet.
     explicit JSONLinesSource(InputStream&& stream, const SourceOptions& options = {});
+    /// The page of the next line.
     State next(SourcePage& page) override;
     void didRead(const PageRecord& record) override;
     /// In bytes.

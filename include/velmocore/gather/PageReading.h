@@ -9,6 +9,7 @@
 
 namespace velmo {
 
+/// How pages are read, and what is kept of them.
 struct PageReadingOptions {
     WebRules web = WebRules::today();           ///< how pages are read
     const LanguageFilter* languages = nullptr;  ///< not owned; null leaves the language absent
@@ -19,8 +20,9 @@ struct PageReadingOptions {
 
 /// The road of a page, from its bytes to what is kept of it: its charset, its text, what it says of
 /// itself, its links, its language and its key. A feed is a page of its items. Nothing fails: bytes
-/// that say nothing make an empty text. The digest is left to be computed from the
-/// UTF-8 that the block of a store needs anyway. Any number of threads may read pages with one set of options.
+/// that say nothing, or none, make an empty text. The digest is left to be computed from the UTF-8
+/// that the block of a store needs anyway. Any number of threads may read pages with one set of
+/// options.
 ///
 ///     SourcePage page;
 ///     page.url = URL::URLWithString(u"http://www.h.org/a/?utm_source=x");

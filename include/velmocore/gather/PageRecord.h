@@ -20,24 +20,24 @@ enum class PageKind : std::uint8_t { Page, Feed, Text };
 
 /// Where a page leads to.
 struct PageLink {
-    URL url;
+    URL url;        ///< whole
     String text;    ///< on one line; absent if it has none
     URL thumbnail;  ///< absent if it has none
 };
 
 /// All that is kept of a page. Strings are absent where the page does not tell.
 struct PageRecord {
-    URL url = {};     ///< where it stands
-    String key = {};  ///< by which it is known again; see pageKey()
-    PageKind kind = PageKind::Page;
-    String title = {}, author = {}, description = {};
-    std::optional<Date> date = {};  ///< that the page gives itself
-    String language = {};           ///< a key of the language filter
-    String charset = {};            ///< IANA name of what its bytes are in
-    String text = {};               ///< plain
-    std::uint32_t words = 0;        ///< of the text, for the length of it
-    std::vector<PageLink> links = {};
-    std::optional<Date> fetched = {};
+    URL url = {};                    ///< where it stands
+    String key = {};                 ///< by which it is known again; see pageKey()
+    PageKind kind = PageKind::Page;  ///< what it turned out to be
+    String title = {}, author = {}, description = {};  ///< as it says itself, for people
+    std::optional<Date> date = {};                     ///< that the page gives itself
+    String language = {};                              ///< a key of the language filter
+    String charset = {};                               ///< IANA name of what its bytes are in
+    String text = {};                                  ///< plain
+    std::uint32_t words = 0;                           ///< of the text, for the length of it
+    std::vector<PageLink> links = {};                  ///< in the order of the page
+    std::optional<Date> fetched = {};                  ///< when it was loaded
     String entityTag = {}, lastModified = {};  ///< by which its server knows this version again
     std::int64_t status = 0;                   ///< of HTTP; 0 where there was none
     bool isErrorPage = false;                  ///< whether it only says that there is no such page
@@ -51,10 +51,10 @@ struct PageRecord {
 [[nodiscard]] VELMO_API std::array<std::uint8_t, SHA1DigestSize> digestOfText(
     const PageRecord& page);
 
-/// What is compressed where that makes it an eighth shorter. The text is what a search reads: plain,
-/// it takes about twice the room and is read in a third of the time.
+/// What is compressed where that makes it an eighth shorter. The text is what a search reads:
+/// plain, it takes about twice the room and is read in a third of the time.
 struct PageRecordWriting {
-    bool compressText = false;
+    bool compressText = false;   ///< the plain text
     bool compressOthers = true;  ///< the links, and the bytes of the page
 };
 /// A page as keyed data (storage/KeyedData.h), which is a block of a page store; docs/formats.md
@@ -71,11 +71,12 @@ struct PageRecordWriting {
 /// A page where it stands in a block: each part is read when it is asked for. The bytes are not
 /// owned. Any thread may read it; views are good as long as the bytes are.
 ///
-/// Of a block with a checksum, damage shows when the text, the links or the bytes are asked for: they
-/// are absent then. To look at what is short costs no look at all of the block; so who goes by it,
-/// or by what the text does not hold, asks isIntact() first.
+/// Of a block with a checksum, damage shows when the text, the links or the bytes are asked for:
+/// they are absent then. To look at what is short costs no look at all of the block; so who goes by
+/// it, or by what the text does not hold, asks isIntact() first.
 class VELMO_API StoredPage {
 public:
+    /// Of a block, which any bytes may be, and of the checksum that it is to have.
     explicit StoredPage(Bytes block VELMO_LIFETIME,
                         std::optional<std::uint32_t> checksum = std::nullopt) noexcept
         : block_(block), checksum_(checksum) {}
@@ -92,6 +93,7 @@ public:
     [[nodiscard]] std::string_view title() const;
     [[nodiscard]] std::string_view language() const;
 
+    // As those of PageRecord.
     [[nodiscard]] PageKind kind() const;
     [[nodiscard]] std::optional<Date> date() const;
     [[nodiscard]] std::optional<Date> fetched() const;

@@ -28,8 +28,9 @@ enum class SearchOrder : std::uint8_t {
     Stored,     ///< as they were stored
 };
 
+/// Which pages are searched, and what is told of them.
 struct PageSearchOptions {
-    SearchOrder order = SearchOrder::Relevance;
+    SearchOrder order = SearchOrder::Relevance;  ///< what comes first
     std::size_t first = 0;   ///< how many of the pages that match are passed over
     std::size_t limit = 10;  ///< how many are told; 0 for all
     // Only pages that are so; an absent string and no date leave all.
@@ -49,16 +50,17 @@ struct PageSearchOptions {
 
 /// A page that matches.
 struct SearchHit {
-    URL url;
+    URL url;                      ///< where it stands
     String key, title, language;  ///< absent where the page does not tell
     std::optional<Date> date;     ///< the page's own, else when it was fetched
-    double score = 0;
-    std::size_t hitCount = 0;  ///< in the text
-    String excerpt;            ///< on one line; absent if it has none
-    std::vector<Range> hits;   ///< in the excerpt, in UTF-16 units; in order, none in another
-    std::size_t store = 0;     ///< the index of its store
+    double score = 0;             ///< see docs/gather.md; in any order
+    std::size_t hitCount = 0;     ///< in the text
+    String excerpt;               ///< on one line; absent if it has none
+    std::vector<Range> hits;      ///< in the excerpt, in UTF-16 units; in order, none in another
+    std::size_t store = 0;        ///< the index of its store
 };
 
+/// What a search found.
 struct SearchResult {
     std::vector<SearchHit> hits;  ///< those that are told, in order
     std::size_t pages = 0;        ///< in all stores

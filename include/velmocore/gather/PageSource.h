@@ -40,21 +40,33 @@ struct SourcePage {
     /// Where the same bytes stand that it has, if it is only told of again; absent if that is not
     /// known. It has none itself then, and is not read.
     std::optional<URL> repeats = {};
-    /// What is left to do, called once before the page is read, on the thread that reads it: so work
-    /// that needs no order, as parsing and inflating, holds up no other page. The size of the bytes
-    /// until then says how much is ahead.
+    /// What is left to do, called once before the page is read, on the thread that reads it: so
+    /// work that needs no order, as parsing and inflating, holds up no other page. The size of the
+    /// bytes until then says how much is ahead.
     std::function<void(SourcePage& page)> complete = {};
 };
 
 /// How far a source is, for a display.
 struct SourceProgress {
-    std::uint64_t done = 0;
+    std::uint64_t done = 0;   ///< in what the source counts: bytes, items or pages
     std::uint64_t total = 0;  ///< 0 if it is not known
 };
 
 /// Where pages come from: files, archives, feeds, sites. One thread at a time uses a source.
+///
+///     struct OneText : PageSource {
+///         State next(SourcePage& page) override {
+///             if (std::exchange(isOver, true)) return State::End;
+///             page = {.name = u"notes", .bytes = {'T', 'e', 'a'}, .kind = ContentKind::Text};
+///             return State::Page;
+///         }
+///         bool isOver = false;
+///     };
+///     OneText source;
+///     gatherPages(source, {}, [](GatheredPage&) { return true; }).pages;    // 1
 class VELMO_API PageSource {
 public:
+    /// What next() has to give.
     enum class State : std::uint8_t {
         Page,  ///< there is one, or an error in place of one
         Wait,  ///< none now: more may come when those that were given have been read, or a little later
@@ -69,6 +81,7 @@ public:
     /// follows links finds them there. Of one with an error, or that was left out, the record is
     /// empty; none is told of pages behind which the run was ended.
     virtual void didRead(const PageRecord& record) { (void)record; }
+    /// How far it is; asked between two calls of next().
     [[nodiscard]] virtual SourceProgress progress() const { return {}; }
 };
 

@@ -23,7 +23,8 @@ struct PageStatistics {
     std::map<int, std::size_t> years;
 };
 
-/// Of a store that was opened for reading. Looks at every byte of it, for the damage.
+/// Of a store that was opened for reading; all 0 for one that is not valid. Looks at every byte of
+/// it, for the damage. Any thread may call what is told here.
 ///
 ///     const PageStatistics found = pageStatistics(PageStore::openForReading("pages.store"));
 ///     for (const auto& [host, pages] : found.hosts) print(host);

@@ -44,13 +44,15 @@ public:
     /// Synchronizes and closes.
     ~PageStore();
 
-    // Not valid if the file cannot be opened, or is used by a program that writes (or, for updating,
-    // by any); the error tells. Other blocks than pages are left alone.
+    // Not valid if the file cannot be opened, or is used by a program that writes (or, for
+    // updating, by any); the error tells. Other blocks than pages are left alone.
 
+    /// Can only be read.
     [[nodiscard]] static PageStore openForReading(const Path& path, Error* error = nullptr);
     /// Creates the file if there is none.
     [[nodiscard]] static PageStore openForUpdating(const Path& path, Error* error = nullptr);
 
+    /// Whether it has an open file, whether that may be written, and its path.
     [[nodiscard]] bool isValid() const noexcept;
     [[nodiscard]] bool isOpenForUpdating() const noexcept;
     [[nodiscard]] const Path& path() const noexcept;
@@ -65,8 +67,8 @@ public:
     /// Calls the handler for each page, in the order in which they were stored, until it returns
     /// false. Only a store that was opened for reading can be walked.
     void forEachPage(FunctionRef<bool(const StoredPage& page)> handler) const;
-    /// The same for the pages from one number on up to before another, below numberOfPages(): any
-    /// number of threads may walk a store that was opened for reading.
+    /// The same for the pages from one number on up to before another, counted from 0 in that
+    /// order: any number of threads may walk a store that was opened for reading.
     void forEachPage(std::size_t from, std::size_t to,
                      FunctionRef<bool(const StoredPage& page)> handler) const;
 
@@ -82,8 +84,8 @@ public:
     /// removed. False if not all of it could be done: it is tried again with the next one.
     bool synchronize();
 
-    // Notes: what a program keeps beside the pages, as how far it is. Each is keyed data without the
-    // key of a page, and goes by a number.
+    // Notes: what a program keeps beside the pages, as how far it is. Each is keyed data without
+    // the key of a page, and goes by a number.
 
     /// None if it could not be written.
     std::optional<std::uint64_t> addNote(Bytes note);

@@ -42,7 +42,8 @@ public:
 
     /// Those of a server without a file: all is allowed.
     RobotsRules();
-    /// Those that a file has for a program of that name, as it tells it to servers.
+    /// Those that a file has for a program of that name, as it tells it to servers. An empty file
+    /// has none: all is allowed.
     RobotsRules(Bytes file, std::string_view agent);
 
     /// Those of a server that cannot be asked: nothing is allowed.

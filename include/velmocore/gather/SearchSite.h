@@ -14,25 +14,26 @@ namespace velmo {
 
 /// What a browser asks for. Texts are the bytes that it sent.
 struct SiteRequest {
-    std::string method = "GET";
-    std::string target = "/";  ///< path and query, as "/?q=tea"
-    std::string host = {};     ///< the value of its Host header
+    std::string method = "GET";  ///< GET or HEAD; others are refused
+    std::string target = "/";    ///< path and query, as "/?q=tea"
+    std::string host = {};       ///< the value of its Host header
 };
 
 /// What it gets. Bodies are UTF-8.
 struct SiteResponse {
-    int status = 200;
-    std::string contentType = {};
-    std::string body = {};
+    int status = 200;              ///< of HTTP
+    std::string contentType = {};  ///< the value of its Content-Type header
+    std::string body = {};         ///< made for HEAD too, which gets none of it
     /// Makes the rest of the body, which takes longer: what stands in body can be sent before. Null
     /// if there is no more.
     std::function<std::string()> rest = {};
     std::vector<std::pair<std::string_view, std::string>> headers = {};  ///< others
 };
 
+/// How a site answers.
 struct SearchSiteOptions {
-    /// The names under which the site is reached, as "127.0.0.1:8080": a request for another host is
-    /// refused, so that no page of the web can ask through a name of its own. Empty allows all.
+    /// The names under which the site is reached, as "127.0.0.1:8080": a request for another host
+    /// is refused, so that no page of the web can ask through a name of its own. Empty allows all.
     std::vector<std::string> hosts = {};
     bool images = false;      ///< show thumbnails, whose servers then see who looks at them
     double seconds = 10;      ///< a search is cut off after so long, and says so
@@ -54,13 +55,15 @@ struct SearchSiteOptions {
 /// response, whose rest() may look at the stores, must not outlive the site.
 class VELMO_API SearchSite {
 public:
+    /// Takes stores over that are open for reading.
     explicit SearchSite(std::vector<PageStore> stores, SearchSiteOptions options = {});
     SearchSite(SearchSite&&) noexcept;
     SearchSite& operator=(SearchSite&&) noexcept;
     ~SearchSite();
 
-    /// GET and HEAD of "/", "/page", "/feed", "/search.json", "/style.css" and "/icon.svg"; all else
-    /// gets a status that says why not.
+    /// GET and HEAD of "/", "/page", "/feed", "/search.json", "/style.css" and "/icon.svg"; all
+    /// else gets a status that says why not, and so does a query of more than 1,000 UTF-16 units or
+    /// 64 terms. Of a page 2,000,000 units of its text are shown, and 500 links.
     [[nodiscard]] SiteResponse respond(const SiteRequest& request) const;
 
 private:

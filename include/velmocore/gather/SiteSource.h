@@ -18,10 +18,11 @@ namespace velmo {
 
 /// The time that a crawl goes by, so that a test need not wait. Both are in seconds.
 struct SiteClock {
-    std::function<double()> now = {};
-    std::function<void(double seconds)> wait = {};
+    std::function<double()> now = {};               ///< tells the time; null is the system's
+    std::function<void(double seconds)> wait = {};  ///< lets it pass; null likewise
 };
 
+/// How far a crawl goes, and how fast.
 struct SiteOptions {
     /// How far it goes from the pages that it starts with, a FollowMode.
     std::int64_t follow = FollowSameHost;
@@ -36,9 +37,9 @@ struct SiteOptions {
     PageStore* store = nullptr;
 
     // Limits.
-    std::size_t pageBytes = std::size_t{1} << 23;
-    double timeout = 30;         ///< seconds of silence
-    double pageSeconds = 120;    ///< for a page, from its request to its end
+    std::size_t pageBytes = std::size_t{1} << 23;  ///< the most of a page
+    double timeout = 30;                           ///< seconds of silence
+    double pageSeconds = 120;                      ///< for a page, from its request to its end
     double longestPause = 300;   ///< seconds that a host may ask to be left alone between two pages
     std::size_t tries = 4;       ///< of a page whose server is busy, or has gone meanwhile
     std::size_t redirects = 10;  ///< one behind the other
@@ -79,8 +80,10 @@ struct SiteCounts {
 /// Credentials of a start are sent to its own server alone, and kept nowhere. No cookies, no
 /// referrer.
 ///
-/// Of a page that cannot be had, nothing is told but in the counts, if it is not a start. Feeds
-/// that pages name are read as pages are, and their items followed.
+/// Addresses longer than 2048 UTF-16 units are not followed, nor are those that tell that they lead
+/// to no page. Of a page that cannot be had, nothing is told but in the counts, if it is not a
+/// start. Feeds that pages name are read as pages are, and their items followed. One thread at a
+/// time uses a source; it loads on threads of the library.
 ///
 /// With a store, which must outlive the source, the crawl notes there what it has found: one that
 /// was ended or killed at any moment goes on with the same starts, mode and depth where it was,
@@ -92,9 +95,13 @@ public:
     explicit SiteSource(const std::vector<URL>& starts, const SiteOptions& options = {});
     ~SiteSource() override;
 
+    /// The next page that has come.
     State next(SourcePage& page) override;
+    /// Follows the links of a page that it gave.
     void didRead(const PageRecord& record) override;
+    /// In pages: those that are done, of those that are known.
     [[nodiscard]] SourceProgress progress() const override;
+    /// What became of the addresses until now.
     [[nodiscard]] SiteCounts counts() const;
 
 private:

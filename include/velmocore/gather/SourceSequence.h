@@ -11,10 +11,11 @@
 
 namespace velmo {
 
-/// Sources one after the other, each opened when its turn has come.
+/// Sources one after the other, each opened when its turn has come. One thread at a time.
 class VELMO_API SourceSequence : public PageSource {
 public:
     SourceSequence() = default;
+    /// The next page of the source whose turn it is.
     State next(SourcePage& page) override;
     /// Told the source that gave the page.
     void didRead(const PageRecord& record) override;
@@ -44,8 +45,10 @@ private:
 ///     gatherPages(all, {}, [](GatheredPage&) { return true; }).pages;
 class VELMO_API SourceList final : public SourceSequence {
 public:
+    /// Opens a source when its turn has come. Null ends the list.
     using Opening = std::function<std::unique_ptr<PageSource>()>;
 
+    /// Puts one at the end of the list, also while the others are read.
     void add(Opening opening);
     /// In sources, or in bytes if there is only one and it knows.
     [[nodiscard]] SourceProgress progress() const override;

@@ -11,7 +11,8 @@
 
 namespace velmo {
 
-/// Whether bytes begin as a WARC archive does (ISO 28500).
+/// Whether bytes begin as a WARC archive does (ISO 28500), packed ones aside; no bytes do not. Any
+/// thread.
 [[nodiscard]] VELMO_API bool isWARC(Bytes head);
 
 /// The pages of a WARC archive, in its order; members of gzip or plain. Pages are the records of
@@ -24,14 +25,17 @@ namespace velmo {
 ///
 /// All others are passed over, and so are images and programs. A page that is larger than the
 /// options allow is an error, and so is one in a coding that is not known; the others go on. Where
-/// the archive is damaged or breaks off, an error comes after all that was whole, and ends it.
+/// the archive is damaged or breaks off, an error comes after all that was whole, and ends it. One
+/// thread at a time.
 ///
 ///     WARCSource archive(InputStream::ofFile("site.warc.gz"));
 ///     SourcePage page;
 ///     while (archive.next(page) == PageSource::State::Page) print(page.url);
 class VELMO_API WARCSource final : public PageSource {
 public:
+    /// Reads nothing yet.
     explicit WARCSource(InputStream&& stream, const SourceOptions& options = {});
+    /// The page of the next record that is one.
     State next(SourcePage& page) override;
     /// In bytes.
     [[nodiscard]] SourceProgress progress() const override;

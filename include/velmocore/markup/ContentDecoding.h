@@ -11,6 +11,7 @@
 
 namespace velmo {
 
+/// What is known of bytes that are to be decoded.
 struct ContentDecodingOptions {
     ContentKind kind = ContentKind::Page;  ///< Page, or else a text
     /// In which it is, whatever it says itself.
@@ -18,12 +19,13 @@ struct ContentDecodingOptions {
     // What the header of a page says; see markup/MarkupDecoding.h.
     std::u16string_view contentType = {};
     std::u16string_view encodingName = {};
-    WebRules web = {};
+    WebRules web = {};  ///< how a page is read
 };
 
+/// A page or a text that was decoded.
 struct DecodedContent {
     String text;  ///< of a page, with its markup; absent if no encoding could read it
-    StringEncoding encoding = UnknownStringEncoding;
+    StringEncoding encoding = UnknownStringEncoding;  ///< what it was in
     String declared;  ///< the charset that a page names; empty or absent if none
 };
 

@@ -16,6 +16,7 @@ namespace velmo {
 ///
 ///     formattedNote(u"<head>\n\n<title>a</title></head>");
 ///     // (<head><meta http-equiv="content-type" ...> and so on)
+///     isFormattedNote(formattedNote(u"<head><title>a</title></head>"));    // true
 ///
 /// An absent page stays absent. Time is linear in the page; nothing fails. Any thread. The rules of
 /// today, where they are on, count for tags and attributes.

@@ -26,7 +26,7 @@ struct EntityOptions {
     bool nonUmlauted = false;
     /// Whether this is the value of an attribute; only WebRules::references tells it apart.
     bool inAttribute = false;
-    WebRules web = {};
+    WebRules web = {};  ///< which references there are
 };
 
 /// Decodes length units of the source from location on and writes them to the start of the

@@ -22,16 +22,19 @@ namespace velmo {
 /// What kind of feed it is, by the name of its root: rss, rdf:rdf or feed.
 enum class FeedDialect : std::uint8_t { None, RSS, RDF, Atom };
 
+/// Stops at the tag that decides.
 [[nodiscard]] VELMO_API bool isFeed(std::u16string_view page, const WebRules& web = {});
 
+/// Whether a text is a feed, and all of one.
 struct FeedCompleteness {
-    bool isFeed = false;
+    bool isFeed = false;  ///< as isFeed() tells it
     /// Whether a root was closed, of whatever dialect; a download that broke off has none. An html,
     /// head or body tag ends the search, as one in an item may do whose markup is not escaped.
     bool isComplete = false;
     /// Of the first root; ours.
     FeedDialect dialect = FeedDialect::None;
 };
+/// Reads on to the tag that closes the root.
 [[nodiscard]] VELMO_API FeedCompleteness isFeedComplete(std::u16string_view page,
                                                         const WebRules& web = {});
 

@@ -9,7 +9,8 @@
 namespace velmo {
 
 // Which files are markup, by the extension of their name. Extensions are given without
-// their full stop.
+// their full stop; an empty or absent one is none of these. No file is touched. Any thread may call
+// these; the lists are copies.
 //
 //     isMarkupFile(u"index.xhtml");   // true
 

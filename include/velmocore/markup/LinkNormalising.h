@@ -8,7 +8,8 @@
 
 namespace velmo {
 
-// Raw values of attributes made clean. An absent or empty value gives absent.
+// Raw values of attributes made clean. An absent or empty value gives absent. Any thread may call
+// these.
 //
 //     normalizedStringURL(u" a&amp;b\n%20");   // a&b
 //     normalizedRelLink(u"a.ico");             // /a.ico

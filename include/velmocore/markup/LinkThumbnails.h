@@ -17,12 +17,14 @@ struct LinkThumbnailOptions {
     /// no links.
     URL baseURL = {};
     /// Links become whole URLs, and are taken out of what search engines wrap around them; see
-    /// resolveStringURL(). With WebRules::resolution they are resolved and no more. On pages of Google, Yahoo Search and LexisWeb the links to the
-    /// engine's own copies, translations and similar pages are left out.
+    /// resolveStringURL(). With WebRules::resolution they are resolved and no more. On pages of
+    /// Google, Yahoo Search and LexisWeb the links to the engine's own copies, translations and
+    /// similar pages are left out.
     bool resolve = false;
     /// Honours the comments "googleoff:" and "googleon:". Where "index" is off, nothing is taken;
     /// where "anchor" is off, links have no titles and texts.
     bool googleTags = false;
+    // Which of the three are asked for.
     bool thumbnails = true;
     bool titles = true;
     bool texts = true;
@@ -32,6 +34,7 @@ struct LinkThumbnailOptions {
 /// What was found for the links of a page. A key is a link as normalizedStringURL() makes it, or,
 /// with resolve, the whole URL. A link of which nothing was found is no key.
 struct LinkThumbnails {
+    /// What was found, by links.
     using Strings = std::map<String, String, std::less<>>;
 
     Strings thumbnails;  ///< the whole URL of an image

@@ -19,6 +19,7 @@ struct HtmlLinks {
     URL baseURL;
 };
 
+/// Which links of a page are given, and how they are read.
 struct LinkOptions {
     /// Only links whose text contains this, in exact case. Empty means all links.
     std::u16string_view containing = {};
@@ -39,10 +40,11 @@ struct LinkOptions {
 ///     const HtmlLinks found = htmlLinks(u"<base href='http://h.org/'><a href=' a.html'>A</a>");
 ///     URL::URLWithString(found.links[0], found.baseURL);   // http://h.org/a.html
 ///
-/// Time is linear in the page. Any thread.
+/// An empty or absent page has no links. Time is linear in the page. Any thread.
 [[nodiscard]] VELMO_API HtmlLinks htmlLinks(std::u16string_view page,
                                             const LinkOptions& options = {});
 
+/// The same without options, or with two of them.
 [[nodiscard]] inline HtmlLinks htmlLinksBaseURL(std::u16string_view page) {
     return htmlLinks(page);
 }

@@ -44,6 +44,7 @@ struct MarkupDecoding {
     String declared = String::empty();
 };
 
+/// The text, and what it was in.
 [[nodiscard]] VELMO_API MarkupDecoding decodeMarkup(Bytes data,
                                                     const MarkupDecodingOptions& options = {});
 

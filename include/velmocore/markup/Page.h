@@ -78,6 +78,7 @@ public:
     /// Of a and area tags, without anchors: those that lead to the web, to FTP, to feeds or to
     /// files.
     [[nodiscard]] const std::vector<URL>& links() const VELMO_LIFETIME;
+    /// As the operations of markup/PageResources.h find them.
     [[nodiscard]] const std::vector<URL>& frames() const VELMO_LIFETIME;
     [[nodiscard]] const std::vector<URL>& images() const VELMO_LIFETIME;
     [[nodiscard]] const std::vector<URL>& stylesheetsAndScripts() const VELMO_LIFETIME;

@@ -54,6 +54,7 @@ namespace velmo {
 /// Values by the names of meta tags, their NAME or else their PROPERTY, in lower case.
 using MetaAttributes = std::map<String, String>;
 
+/// Of all meta tags in front of the body.
 [[nodiscard]] VELMO_API MetaAttributes htmlMetaAttributes(std::u16string_view page,
                                                           const WebRules& web = {});
 /// The same for people: entities are decoded, what is markup then becomes plain text, and runs of
@@ -119,10 +120,10 @@ using MetaAttributes = std::map<String, String>;
 /// the last two of Open Graph, come before the plain names. Of titles, index titles and dates the
 /// first one counts.
 struct HtmlMetaSummary {
-    String keywords, description;
-    String title;  ///< of the title tag too
-    String indexTitle;
-    String date;  ///< as htmlDate()
+    String keywords, description;  ///< absent, as all of these, if the page does not tell
+    String title;                  ///< of the title tag too
+    String indexTitle;             ///< htmlMetaIndexTitle()
+    String date;                   ///< as htmlDate()
 };
 /// Reads all of the page, as many have meta tags in their body.
 ///
@@ -133,6 +134,7 @@ htmlMetaKeywordsDescriptionTitleDate(std::u16string_view page, const WebRules& w
 
 /// All of the above, each as its own operation gives it. This is ours.
 struct HtmlMetadata {
+    // By the names of the operations.
     String title = String::empty(), normalizedTitle = String::empty();
     String metaTitle, indexTitle, keywords, description, metaDate, author, copyright, refresh;
     String date;                   ///< htmlDate()
@@ -143,11 +145,12 @@ struct HtmlMetadata {
     HtmlMetaSummary summary;
 };
 
+/// What is read of a page, and how.
 struct HtmlMetadataOptions {
-    bool convertedAttributes = true;
-    bool summary = false;  ///< for which all of the page is read
-    URL url = {};          ///< where the page comes from, for WebRules::relativeBase
-    WebRules web = {};
+    bool convertedAttributes = true;  ///< these too
+    bool summary = false;             ///< for which all of the page is read
+    URL url = {};                     ///< where the page comes from, for WebRules::relativeBase
+    WebRules web = {};                ///< as told above
 };
 
 /// Reads a page once for all that it says of itself.

@@ -11,13 +11,14 @@
 namespace velmo {
 
 // What a page points at and is made of. References are normalised but not resolved. The rules of
-// today, where they are on, count for tags, attributes, references and bases. Any thread.
+// today, where they are on, count for tags, attributes, references and bases. An empty or absent
+// page has none. Any thread.
 //
 //     *htmlImages(u"<img src='a.png'><img src=' a.png'>").begin();    // a.png
 
 /// What one pass over a page tells.
 struct HtmlReferences {
-    std::set<String> references;
+    std::set<String> references;  ///< what was asked for, each once, in the order of units
     /// What the last base tag that names a base says; absent if there is none.
     URL baseURL;
     String favIcon;  ///< of the last shortcut icon
@@ -32,9 +33,10 @@ struct HtmlReferences {
     bool isFrameSet = false;
 };
 
+/// How a page is read for its references.
 struct ReferenceOptions {
-    URL url = {};  ///< where the page comes from, for WebRules::relativeBase
-    WebRules web = {};
+    URL url = {};       ///< where the page comes from, for WebRules::relativeBase
+    WebRules web = {};  ///< as told above
 };
 /// The sources of frame and iframe tags, and the rest of HtmlReferences.
 [[nodiscard]] VELMO_API HtmlReferences htmlFramesSet(std::u16string_view page,

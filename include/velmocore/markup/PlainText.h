@@ -27,7 +27,7 @@ struct PlainTextOptions {
 // paragraph breaks (two LF), spaces or nothing; hidden elements, scripts, forms' contents
 // and the alternatives of frames are left out.
 //
-// A page without anything to convert comes back as it is, as does an empty or absent one.
+// An empty or absent page comes back as it is; any other gives a new string.
 // Time is linear in the page; no operation fails. Any thread.
 //
 //     stringByConvertingHtml2PlainText(u"<p>a &amp; b</p><p>c");   // "a & b\n\nc"
@@ -38,9 +38,10 @@ struct PlainTextOptions {
 
 /// The same with what is known of it.
 struct HtmlPlainText {
-    String text;
+    String text;                 ///< as told above
     bool didRemoveJunk = false;  ///< whether junk was met and, with removeJunk, dropped
 };
+/// Both from one scan.
 [[nodiscard]] VELMO_API HtmlPlainText plainTextOfHtml(const String& page,
                                                       PlainTextOptions options = {});
 

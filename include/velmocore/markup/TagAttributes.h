@@ -13,7 +13,7 @@ namespace velmo {
 // Attributes of one tag. The tag is its whole text, angle brackets included. Names are
 // given in upper case and compared without regard to case. Entities are not decoded. An
 // attribute that is missing, empty or broken is absent. WebRules::attributes reads them by the HTML
-// standard.
+// standard. Ranges count UTF-16 units. Any thread may call these.
 //
 //     attributeOfTagCharacters(u"<a href='x' id=y>", "HREF");   // x
 
@@ -44,9 +44,10 @@ namespace velmo {
 // NAME=value in a header line. The name is given in upper case and matches at the end of a
 // longer word too.
 
+/// What stands around a value.
 struct HeaderFieldOptions {
-    char16_t quotation = u'\'';
-    char16_t separator = u';';  ///< 0 lets a value run to the end
+    char16_t quotation = u'\'';  ///< around it, if it begins with one
+    char16_t separator = u';';   ///< 0 lets a value run to the end
 };
 /// Absent for an empty name.
 [[nodiscard]] VELMO_API String headerFieldNamed(std::u16string_view header,
@@ -64,8 +65,8 @@ struct HeaderFieldOptions {
 
 /// Width and height of a tag, in pixels as a rule.
 struct TagSize {
-    std::int64_t width = 0;
-    std::int64_t height = 0;
+    std::int64_t width = 0;   ///< 0 if it is not told
+    std::int64_t height = 0;  ///< likewise
     /// Whether a width above 0 was found.
     explicit operator bool() const { return width > 0; }
 };

@@ -7,7 +7,8 @@
 namespace velmo {
 
 // What kind of tag a text is. The text is the whole tag, angle brackets included.
-// <br/> is both open and closed; <b> is open; <> is neither.
+// <br/> is both open and closed; <b> is open; <> is neither, and an empty text is nothing. Lengths
+// count UTF-16 units. Any thread may call these.
 //
 //     isTagClosed(u"</p>");   // true
 

@@ -46,6 +46,7 @@ struct Tag {
     [[nodiscard]] std::u16string_view whole() const {
         return characters.substr(std::min<std::size_t>(tagLocation, characters.size()), tagLength);
     }
+    /// Whether there is any text in front of it.
     [[nodiscard]] bool hasText() const { return tagLocation > textLocation; }
     /// The text between the tag before and this one.
     [[nodiscard]] std::u16string_view text() const {

@@ -15,9 +15,9 @@ namespace velmo {
 // decoded. A script or style element is one tag, its body included.
 //
 // Names are ASCII, and given in capitals; tags are compared with them in any case. An absent
-// string stays absent. Time is linear in the text; nothing fails. Any thread. The rules of today, where they
-// are on, count for tags and attributes; a tag that ends in "/>" then closes itself only if its
-// element never has contents.
+// string stays absent. Time is linear in the text; nothing fails. Any thread. The rules of today,
+// where they are on, count for tags and attributes; a tag that ends in "/>" then closes itself only
+// if its element never has contents.
 //
 //     stripTags(u"<b>a</b>c");                               // " a c"
 //     stripTag(u"a <span>b</span>", "SPAN");                 // a b
@@ -42,7 +42,7 @@ namespace velmo {
 /// What becomes of the elements that are named.
 struct TagBodyOptions {
     bool except = false;  ///< all but them goes, instead of them
-    WebRules web = {};
+    WebRules web = {};    ///< as told above
 };
 
 /// The text without the elements whose opening tag begins with one of the given texts in any

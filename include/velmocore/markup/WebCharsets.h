@@ -21,7 +21,7 @@ namespace velmo {
 
 /// What a page is in, and who says so.
 struct WebCharset {
-    TextEncoding encoding = Windows1252TextEncoding;
+    TextEncoding encoding = Windows1252TextEncoding;  ///< what browsers read it in
     /// The label that the head of the page names, whether or not it counts; empty if none that is
     /// known.
     String declared = String::empty();

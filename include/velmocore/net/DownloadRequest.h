@@ -21,14 +21,14 @@ namespace velmo {
 
 /// What a URL is downloaded with.
 struct DownloadOptions {
-    Referrer referrer = {};
-    String userAgent = {};
-    HTTPPost httpPost = {};  ///< posted if isValidHTTPPost()
-    TextEncoding encoding = UnknownTextEncoding;
-    const DownloadDelegate* delegate = nullptr;  ///< not owned
-    bool shouldUseCache = false;
-    bool shouldHandleCookies = false;
-    double timeoutInterval = 0;  ///< seconds of silence; 0 for the usual 60
+    Referrer referrer = {};                       ///< see setReferrer()
+    String userAgent = {};                        ///< absent for libraryUserAgent()
+    HTTPPost httpPost = {};                       ///< posted if isValidHTTPPost()
+    TextEncoding encoding = UnknownTextEncoding;  ///< of its fields; unknown for UTF-8
+    const DownloadDelegate* delegate = nullptr;   ///< not owned
+    bool shouldUseCache = false;                  ///< whether a cache may answer
+    bool shouldHandleCookies = false;             ///< whether cookies are kept and sent
+    double timeoutInterval = 0;                   ///< seconds of silence; 0 for the usual 60
 
     // Ours.
     DownloadLimits limits = {};
@@ -41,16 +41,16 @@ struct DownloadOptions {
 
 /// What a download came to. After a failure it holds what came before.
 struct DownloadResult {
-    std::optional<Data> data;
-    String MIMEType;
-    String encodingName;
-    String lastModified;
-    std::int64_t statusCode = 0;
+    std::optional<Data> data;     ///< none if nothing came
+    String MIMEType;              ///< in lower case; absent, as the next two, if it is not told
+    String encodingName;          ///< the charset that the header names
+    String lastModified;          ///< as the header has it
+    std::int64_t statusCode = 0;  ///< of HTTP; 0 without an answer
     /// Where redirects led to, if that is another URL; else absent.
     URL forward;
-    std::optional<Error> error;
-    std::int64_t expectedContentLength = -1;
-    String entityTag;  ///< ours
+    std::optional<Error> error;               ///< why it failed
+    std::int64_t expectedContentLength = -1;  ///< in bytes; see URLResponse
+    String entityTag;                         ///< ours
 };
 
 /// Downloads a URL and waits for it. Without data and without an error if the URL is not
@@ -68,6 +68,7 @@ using DownloadCompletionHandler = std::function<void(
 
 /// What a URL is downloaded with when nobody waits for it.
 struct AsynchronousDownloadOptions {
+    // As those of DownloadOptions.
     Referrer referrer = {};
     String userAgent = {};
     bool shouldUseCache = false;

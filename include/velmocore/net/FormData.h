@@ -18,7 +18,8 @@ namespace velmo {
 ///
 /// A part counts if it begins with "Content-Disposition: form-data;" and names its field; others
 /// are passed over, and of two with one name the later counts. Absent without a boundary or data,
-/// and if the data does not end as a form does, with -- and CR LF. Time is linear.
+/// and if the data does not end as a form does, with -- and CR LF. Time is linear. Any thread may
+/// call what is told here.
 ///
 ///     const auto form = formDataUsingBoundary("--B\r\nContent-Disposition: form-data; name=\"a\"\r\n"
 ///                                             "\r\none\r\n--B--\r\n", u"B");

@@ -11,11 +11,13 @@
 
 namespace velmo {
 
+/// A field.
 struct HTTPHeader {
-    String name, value;
+    String name, value;  ///< as they are sent
 };
 
 /// The fields of a request or a response, in their order. Names are compared in any case of ASCII.
+/// A plain value: any thread may read one that none changes.
 ///
 ///     HTTPHeaders headers;
 ///     headers.setValue(u"Referer", u"http://h.org/");
@@ -30,6 +32,7 @@ public:
     /// Adds a field, whatever is there.
     void add(HTTPHeader header) { headers_.push_back(std::move(header)); }
 
+    /// All fields in their order.
     [[nodiscard]] const std::vector<HTTPHeader>& all() const noexcept VELMO_LIFETIME {
         return headers_;
     }
@@ -40,9 +43,9 @@ private:
 
 /// What stands in front of the body of a response.
 struct HTTPResponseHead {
-    std::int64_t statusCode = 0;
-    String reason;  ///< "Not Found"; empty where the server gives none
-    HTTPHeaders headers;
+    std::int64_t statusCode = 0;  ///< 404, say
+    String reason;                ///< "Not Found"; empty where the server gives none
+    HTTPHeaders headers;          ///< all others of its lines
 };
 
 /// Reads a head: a status line and fields, up to an empty line or to the end of the bytes. Lines

@@ -8,18 +8,20 @@
 namespace velmo {
 
 // Whether a host could be reached, by the resolver and the routing table. Nothing is sent to the
-// host. A name that is not resolved within four seconds counts as one that cannot be.
+// host. A name that is not resolved within four seconds counts as one that cannot be. Any thread
+// may call these.
 //
 //     isURLOnline(URL::URLWithString(u"file:///etc/motd"));    // true
 //     isLocalURL(URL::URLWithString(u"http://127.0.0.1/"));    // true
+//     connectionFlagsForHost(nullptr);                         // 0
 
 /// What is known of the way to a host; 0 if nothing is. Numbers that programs keep.
 enum ConnectionFlags : std::uint32_t {
-    ConnectionReachable = 1U << 1,
-    ConnectionRequired = 1U << 2,
-    ConnectionInterventionRequired = 1U << 4,
-    ConnectionIsLocalAddress = 1U << 16,  ///< an address of this machine
-    ConnectionIsDirect = 1U << 17,        ///< in a network of this machine, without a gateway
+    ConnectionReachable = 1U << 1,             ///< there is a way
+    ConnectionRequired = 1U << 2,              ///< never set; for programs that ask
+    ConnectionInterventionRequired = 1U << 4,  ///< never set likewise
+    ConnectionIsLocalAddress = 1U << 16,       ///< an address of this machine
+    ConnectionIsDirect = 1U << 17,             ///< in a network of this machine, without a gateway
 };
 
 /// The flags of a host name or address; null is none.

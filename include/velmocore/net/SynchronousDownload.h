@@ -29,6 +29,7 @@ class DownloadTask;
 ///         return download.response()->MIMEType == u"text/html";
 ///     };
 struct DownloadDelegate {
+    /// What is called; each field tells when, and what its answer means.
     using Hook = std::function<bool(SynchronousDownload& download, Error& error)>;
 
     /// Asked at least every 0.02 seconds, so it must be cheap; true cancels.
@@ -77,8 +78,10 @@ public:
 
     /// Waits for the end; to be called once. Throws nothing.
     void run() noexcept;
+    /// Ends the load from a hook, with an error or without one; what came stays there.
     void cancel();
     void cancelWithError(const std::optional<Error>& error);
+    /// Whether run() is under way.
     [[nodiscard]] bool running() const noexcept;
     /// Whether the load has ended or was cancelled.
     [[nodiscard]] bool done() const noexcept;

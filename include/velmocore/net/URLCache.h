@@ -13,9 +13,9 @@ namespace velmo {
 
 /// An answer that is kept.
 struct CachedURLResponse {
-    URLResponse response;
-    Data data;
-    Date stored;  ///< when it came, or was last found to be still right
+    URLResponse response;  ///< its head
+    Data data;             ///< its body
+    Date stored;           ///< when it came, or was last found to be still right
 };
 
 /// Answers kept in memory, the oldest of which go when there is no more room. Ours.
@@ -38,10 +38,13 @@ public:
     URLCache(const URLCache&) = delete;
     URLCache& operator=(const URLCache&) = delete;
 
+    /// A copy of what is kept of a URL, whether it is still good or not; none if nothing is.
     [[nodiscard]] std::optional<CachedURLResponse> cachedResponse(const URL& url) const;
-    /// Nothing happens if the answer is larger than the whole cache.
+    /// Keeps an answer instead of the one that is there. An answer that is larger than the whole
+    /// cache is not kept.
     void storeCachedResponse(const URL& url, CachedURLResponse answer);
     void removeCachedResponse(const URL& url);
+    /// How many answers are kept.
     [[nodiscard]] std::size_t count() const;
 
 private:

@@ -41,15 +41,17 @@ struct DownloadLimits {
     NetworkKinds networks = AllNetworks;
 };
 
-/// What to load and how. A request without a URL is *absent*.
+/// What to load and how. A request without a URL is *absent*. A plain value: any thread may read
+/// one that none changes.
 struct URLRequest {
-    URL url = {};
+    URL url = {};  ///< what is loaded
+    /// Whether a cache may answer.
     RequestCachePolicy cachePolicy = RequestCachePolicy::UseProtocolCachePolicy;
     /// The longest silence, in seconds: each response and each piece of data restarts it.
     double timeoutInterval = 60;
-    String method = u"GET";
-    HTTPHeaders headers = {};
-    std::optional<Data> body = {};
+    String method = u"GET";         ///< GET, HEAD, POST or another one
+    HTTPHeaders headers = {};       ///< besides those that every request has
+    std::optional<Data> body = {};  ///< what is sent
     /// Whether cookies are kept, in memory, for as long as the process or the session lives.
     bool shouldHandleCookies = false;
 
@@ -62,17 +64,20 @@ struct URLRequest {
     /// Without it the response that asks for a redirect is the answer.
     bool followsRedirects = true;
 
+    /// Whether it has no URL.
     [[nodiscard]] bool isAbsent() const noexcept { return url.isAbsent(); }
 };
 
 /// A referrer: a text or a URL, or none.
 class Referrer {
 public:
+    /// None; or a text or a URL, of which the absent ones are none.
     Referrer() noexcept = default;
     Referrer(String text) noexcept : text_(std::move(text)) {}
     Referrer(const char16_t* text) : text_(text) {}
     Referrer(const URL& url) : text_(url.absoluteString()) {}
 
+    /// Its text; absent for none.
     [[nodiscard]] const String& string() const noexcept VELMO_LIFETIME { return text_; }
 
 private:
@@ -84,12 +89,16 @@ private:
 //     const URL page = URL::URLWithString(u"http://h.org/a");
 //     const URLRequest request = requestWithURL(page, {.referrer = u"http://h.org/"});
 //     referrer(request);    // http://h.org/
+//     userAgent(request);   // absent
 
+/// What a request is made with.
 struct RequestOptions {
-    Referrer referrer = {};
-    String userAgent = {};
+    Referrer referrer = {};  ///< see setReferrer()
+    String userAgent = {};   ///< see setUserAgent()
+    /// Whether a cache may answer.
     RequestCachePolicy cachePolicy = RequestCachePolicy::UseProtocolCachePolicy;
 };
+/// A request for a URL; absent for an absent one.
 [[nodiscard]] VELMO_API URLRequest requestWithURL(const URL& url,
                                                   const RequestOptions& options = {});
 

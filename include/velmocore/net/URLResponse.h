@@ -11,11 +11,11 @@
 
 namespace velmo {
 
-/// What a server says of what it sends.
+/// What a server says of what it sends. A plain value: any thread may read one that none changes.
 struct URLResponse {
-    URL url = {};
-    std::int64_t statusCode = 0;
-    HTTPHeaders headers = {};
+    URL url = {};                  ///< of the request
+    std::int64_t statusCode = 0;   ///< of HTTP; 0 if it is not known
+    HTTPHeaders headers = {};      ///< as they were sent
     String MIMEType = {};          ///< in lower case; absent if it is not told
     String textEncodingName = {};  ///< the charset, as it is told; or absent
     /// Bytes that are announced; -1 if that is not told, and for compressed bodies.

@@ -5,7 +5,8 @@
 
 namespace velmo {
 
-// Names that programs give themselves to servers. All are made once; any thread may ask.
+// Names that programs give themselves to servers. All are made once, and none is empty; any thread
+// may ask.
 //
 //     downloadsUserAgent();    // Mozilla/5.0 (Macintosh; Intel Mac OS X) AppleWebKit (KHTML, like Gecko)
 

@@ -33,14 +33,17 @@ concept ByteRange =
 
 /// Bytes that are read: a view, which owns nothing. It is made from anything that holds bytes
 /// in one piece - strings, string views, vectors and arrays of std::uint8_t, char or std::byte -
-/// and must not outlive it. An absent or default-made one has no bytes and a null data().
+/// and must not outlive it. An absent or default-made one has no bytes and a null data(). Any
+/// thread may read bytes that none changes meanwhile.
 ///
-///     MD5Digest("abc");                                  // (the three bytes of a literal)
-///     stringWithMarkupData(std::string(80, 'a'));         // (the bytes of a string)
+///     CRC32("abc");                                   // 3395655888; of the three bytes
+///     stringWithMarkupData(std::string(3, 'a'));      // aaa
+///     Bytes(nullptr).data() == nullptr;               // true
 class Bytes : public std::span<const std::uint8_t> {
     using Span = std::span<const std::uint8_t>;
 
 public:
+    /// Of nothing, or of what other views and arrays hold.
     constexpr Bytes() noexcept = default;
     constexpr Bytes(Span bytes) noexcept : Span(bytes) {}
     constexpr Bytes(const std::uint8_t* bytes, std::size_t count) noexcept : Span(bytes, count) {}
@@ -54,12 +57,15 @@ public:
     /// The bytes before the terminating zero; null has none.
     Bytes(const char* text) : Bytes(text ? std::string_view(text) : std::string_view()) {}
 
+    /// All bytes of a container.
     template <detail::ByteRange Range>
     requires(!std::derived_from<Range, Span>) Bytes(const Range& range VELMO_LIFETIME)
     noexcept
         : Span(reinterpret_cast<const std::uint8_t*>(std::ranges::data(range)),
                std::ranges::size(range)) {}
 
+    /// A part of the bytes, from one up to the length on, to their end if no count is given. Both
+    /// must lie inside.
     [[nodiscard]] Bytes subspan(std::size_t from, std::size_t count = std::dynamic_extent) const {
         return Span::subspan(from, count);
     }

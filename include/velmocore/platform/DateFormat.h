@@ -20,7 +20,7 @@ namespace velmo {
 /// For people: the date in medium length and the time in short, as is usual in a locale. The
 /// locale is named as en_GB or en-GB; an empty name is the user's.
 ///
-///     String there = localizedDateAndTime(Date{}, TimeZone(), "en_GB");    // 1 Jan 1970, 00:00
+///     localizedDateAndTime(Date{}, TimeZone(), "en_GB");    // 1 Jan 1970, 00:00
 [[nodiscard]] VELMO_API String localizedDateAndTime(Date date, TimeZone zone = TimeZone::system(),
                                                     const std::string& locale = {});
 

@@ -18,7 +18,8 @@
 
 // Optional: nothing else includes this header. With it, the library's values that can be
 // printed are formatted by {fmt}, if it is installed, and by std::format, where there is one, as
-// UTF-8 and with the fill, width and precision of a string.
+// UTF-8 and with the fill, width and precision of a string. What is absent is as printed() has it:
+// nothing for a String or a URL, "{none}" for a Range. Any thread may format.
 //
 //     fmt::print("{:>12} at {}\n", title, range);
 
@@ -33,8 +34,10 @@ concept Printable = requires(const Value& value) {
 }  // namespace velmo
 
 #ifdef FMT_VERSION
+/// For fmt::format() and fmt::print().
 template <velmo::Printable Value>
 struct fmt::formatter<Value, char> : fmt::formatter<std::string_view> {
+    /// Writes what printed() gives.
     template <class Context>
     [[nodiscard]] auto format(const Value& value, Context& context) const {
         return fmt::formatter<std::string_view>::format(printed(value), context);
@@ -43,8 +46,10 @@ struct fmt::formatter<Value, char> : fmt::formatter<std::string_view> {
 #endif
 
 #ifdef __cpp_lib_format
+/// For std::format().
 template <velmo::Printable Value>
 struct std::formatter<Value, char> : std::formatter<std::string_view> {
+    /// Writes what printed() gives.
     template <class Context>
     [[nodiscard]] auto format(const Value& value, Context& context) const {
         return std::formatter<std::string_view>::format(printed(value), context);

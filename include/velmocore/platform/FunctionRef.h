@@ -6,12 +6,14 @@
 
 namespace velmo {
 
+/// Only of functions; see below.
 template <class Signature>
 class FunctionRef;
 
 /// Refers to something callable for the time of one call: two words, no allocation,
 /// no ownership. Pass it by value; the callable must outlive the call it is passed
-/// to, which a lambda in the argument list does. A default-made one is empty.
+/// to, which a lambda in the argument list does. A default-made one, or one of null, is empty and
+/// must not be called. It may be called on any thread on which the callable may.
 ///
 ///     std::size_t n = 0;
 ///     parseWordsWithHandler(u"one two", [&](std::u16string_view, Range) { ++n; });
@@ -22,6 +24,7 @@ public:
     constexpr FunctionRef() noexcept = default;
     constexpr FunctionRef(std::nullptr_t) noexcept {}
 
+    /// Of a function, a lambda or any other object that can be called.
     template <class Callable>
     requires(
         !std::is_same_v<std::remove_cvref_t<Callable>, FunctionRef> &&
@@ -46,6 +49,7 @@ public:
     Result operator()(Arguments... arguments) const {
         return invoke_(target_, std::forward<Arguments>(arguments)...);
     }
+    /// Whether there is something to call.
     explicit constexpr operator bool() const noexcept { return invoke_ != nullptr; }
 
 private:

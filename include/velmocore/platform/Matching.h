@@ -8,19 +8,19 @@ namespace velmo {
 // which way to go.
 //
 //     containsSubstring(u"a Title", u"title", Case::Insensitive);                 // true
-//     findString(text, u"name", selection, {.direction = Direction::Backward});
+//     findString(u"a name, a name", u"name", {8, 1}, {.direction = Direction::Backward});    // {2, 4}
 
 /// Whether upper and lower case differ. What counts as the same letter is told with each
 /// operation.
 enum class Case : std::uint8_t {
-    Sensitive,
-    Insensitive,
+    Sensitive,    ///< they differ
+    Insensitive,  ///< they do not
 };
 
 /// Which way a search goes, and so whether it gives the first hit or the last.
 enum class Direction : std::uint8_t {
-    Forward,
-    Backward,
+    Forward,   ///< from the start; the first hit
+    Backward,  ///< from the end; the last one
 };
 
 }  // namespace velmo

@@ -17,15 +17,18 @@
 namespace velmo {
 
 struct PropertyList;
+/// A list, and a dictionary of values by their keys in the order of units.
 using PropertyListArray = std::vector<PropertyList>;
 using PropertyListDictionary = std::map<String, PropertyList, std::less<>>;
 
-/// A value of a property list; std::monostate is absent. Owns all that it holds.
+/// A value of a property list; std::monostate is absent. Owns all that it holds. The operations of
+/// this header may be called on any thread.
 ///
 ///     const PropertyListDictionary location = {{u"URL", {String(u"http://a.b/")}}};
 ///     const auto bytes = dataFromPropertyList({location}, PropertyListFormat::Binary);
 ///     *propertyListFromData(*bytes)->string(u"URL");  // "http://a.b/"
 struct PropertyList {
+    /// What it is. Lists of other programs have these kinds and no other.
     std::variant<std::monostate, bool, std::int64_t, double, Date, String, Data, PropertyListArray,
                  PropertyListDictionary>
         value;
@@ -47,6 +50,7 @@ struct PropertyList {
     }
 };
 
+/// The two forms in which property lists are written.
 enum class PropertyListFormat { XML, Binary };
 
 /// The property list that the bytes hold, binary or XML; absent for what propertyListAsXML()

@@ -18,12 +18,17 @@ inline constexpr std::uint64_t NotFound = 0x7FFFFFFFFFFFFFFF;
 ///     Range word{6, 5};
 ///     word.end();                       // 11
 ///     Range::none().isFound();          // false
+///
+/// A plain value, which any thread may use. The range {0, 0} is empty, but it is one.
 struct Range {
-    std::uint64_t location = 0;
-    std::uint64_t length = 0;
+    std::uint64_t location = 0;  ///< of its first unit, counted from 0
+    std::uint64_t length = 0;    ///< in the same units
 
+    /// No range.
     [[nodiscard]] static constexpr Range none() { return {NotFound, 0}; }
+    /// Whether there is one.
     [[nodiscard]] constexpr bool isFound() const { return location != NotFound; }
+    /// The place behind its last unit; nothing keeps the sum from running over.
     [[nodiscard]] constexpr std::uint64_t end() const { return location + length; }
     friend constexpr bool operator==(const Range&, const Range&) = default;
 };

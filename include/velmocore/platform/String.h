@@ -37,9 +37,11 @@ concept Utf16Text =
 ///
 /// Threads: Strings may be copied and read on any thread; the count of owners is atomic.
 ///
-///     String page = String::fromUTF8(bytes);
-///     if (page == u"") return;
-///     std::u16string_view head = page.view().substr(0, 80);
+///     const String page = String::fromUTF8("caf\xC3\xA9");
+///     page.length();                         // 4
+///     page.view().substr(0, 3);              // caf
+///     page.substring({0, 80}) == page;       // true
+///     String() == u"";                       // false
 class VELMO_API String {
 public:
     /// The absent string.
@@ -72,6 +74,7 @@ public:
     /// Encodes as UTF-8. A lone surrogate, which UTF-8 cannot hold, becomes U+FFFD.
     [[nodiscard]] std::string utf8() const;
 
+    /// Whether it is absent, and not only empty.
     [[nodiscard]] bool isAbsent() const noexcept { return rep_ == nullptr; }
     /// True for the absent string too.
     [[nodiscard]] bool isEmpty() const noexcept { return length() == 0; }
@@ -83,6 +86,7 @@ public:
     [[nodiscard]] const char16_t* characters() const noexcept VELMO_LIFETIME {
         return rep_ ? rep_->units() : nullptr;
     }
+    /// The same as a view, which lives as long as this string or a copy of it.
     [[nodiscard]] std::u16string_view view() const noexcept VELMO_LIFETIME {
         return {characters(), length()};
     }
@@ -106,6 +110,8 @@ public:
         return rep_ == other.rep_;
     }
 
+    /// A hash of the units; absent and empty have the same. It is no stable number: it may differ
+    /// from one program to the next.
     [[nodiscard]] std::size_t hash() const noexcept {
         return std::hash<std::u16string_view>()(view());
     }
@@ -175,10 +181,11 @@ VELMO_API std::ostream& operator<<(std::ostream& stream, const String& string);
 /// Collects units in the very array of the string that finish() gives, so that a
 /// result is built without a second copy.
 ///
+///     const std::u16string_view text = u"a\tb";
 ///     StringBuilder out(text.size());
 ///     for (char16_t unit : text)
 ///         if (unit != u'\t') out.append(unit);
-///     String result = out.finish();
+///     out.finish();    // ab
 ///
 /// Running out of memory is std::bad_alloc. Not to be shared between threads.
 class VELMO_API StringBuilder {
@@ -191,6 +198,7 @@ public:
     StringBuilder& operator=(const StringBuilder&) = delete;
     ~StringBuilder();
 
+    /// How many units have been written so far, and where they stand: good until more are.
     [[nodiscard]] std::size_t length() const noexcept { return length_; }
     [[nodiscard]] bool isEmpty() const noexcept { return length_ == 0; }
     [[nodiscard]] char16_t* data() noexcept VELMO_LIFETIME { return units_; }
@@ -210,6 +218,7 @@ public:
     }
     void commit(std::size_t count) noexcept { length_ += count; }
 
+    /// Appends one unit.
     void append(char16_t unit) {
         *prepare(1) = unit;
         ++length_;
@@ -239,6 +248,7 @@ private:
 
 }  // namespace velmo
 
+/// String::hash(), for the containers of the standard library.
 template <>
 struct std::hash<velmo::String> {
     std::size_t operator()(const velmo::String& string) const noexcept { return string.hash(); }
@@ -250,7 +260,7 @@ namespace velmo {
 /// string. Ordered ones take std::less<>.
 ///
 ///     std::unordered_map<String, int, StringHash, std::equal_to<>> counts;
-///     counts.find(std::u16string_view(u"tea"));
+///     counts.contains(std::u16string_view(u"tea"));    // false
 struct StringHash {
     using is_transparent = void;
     std::size_t operator()(std::u16string_view units) const noexcept {

@@ -64,6 +64,8 @@ public:
         return rules_ ? ruledOffsetAt(local) : std::chrono::seconds(east_);
     }
 
+    /// When clocks of the zone show a time, by the offsetAt() told above; and what they show at an
+    /// instant.
     [[nodiscard]] Date instantOf(LocalTime local) const noexcept {
         return Date(local.time_since_epoch() - offsetAt(local));
     }

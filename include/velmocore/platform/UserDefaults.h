@@ -13,15 +13,18 @@ namespace velmo {
 using UserDefaultsHook = std::vector<String> (*)(std::u16string_view key);
 
 /// Installs the hook; null, as at the start, means that no key has a value. Meant to be
-/// called while the program starts; the pointer is stored atomically.
+/// called while the program starts; the pointer is stored atomically. The hook must stand being
+/// called on several threads at once.
 ///
 ///     setUserDefaultsHook([](std::u16string_view key) -> std::vector<String> {
 ///         if (key == u"AdditionalXMLExtensions") return {u"kml"};
 ///         return {};
 ///     });
+///     userDefaultStrings(u"AdditionalXMLExtensions");    // kml
+///     setUserDefaultsHook(nullptr);
 VELMO_API void setUserDefaultsHook(UserDefaultsHook hook) noexcept;
 
-/// The list of strings under a key, through the hook.
+/// The list of strings under a key, through the hook; empty without one. Any thread.
 [[nodiscard]] VELMO_API std::vector<String> userDefaultStrings(std::u16string_view key);
 
 }  // namespace velmo

@@ -16,7 +16,8 @@ namespace velmo {
 ///     stringMatchesUnixWildcardFuzzy(u"analogy", u"analogie");     // 0.75
 ///     stringMatchesUnixWildcardFuzzy(u"abcd", u"abdc");            // 0.5
 ///
-/// Time is at most the product of the lengths. Up to 512 units nothing is allocated.
+/// Time is at most the product of the lengths. Up to 512 units nothing is allocated. Any thread may
+/// call what is told here.
 [[nodiscard]] VELMO_API double stringMatchesUnixWildcardFuzzy(std::u16string_view first,
                                                               std::u16string_view second);
 /// The same with every unit of both sides through the table.
@@ -27,6 +28,7 @@ namespace velmo {
 /// of two words that they compare at all: 0.75, unless it has been set. One value for the
 /// whole process; a search reads it once.
 VELMO_API extern std::atomic<double> MinWildcardFuzzyAnalogy;
+/// Reads and sets it.
 [[nodiscard]] inline double minWildcardFuzzyAnalogy() noexcept {
     return MinWildcardFuzzyAnalogy.load(std::memory_order_relaxed);
 }

@@ -22,8 +22,9 @@ namespace velmo {
 // comparison is CaseInsensitive or Insensitive.
 //
 //     auto wildcards = *plusWildcards(u"tea OR cof*");
-//     assembleOccurrencesOfWildcards(page, wildcards, {.ellipsizeAfterNCharacters = 300});
-//     for (const Occurrence& hit : getOccurrencesOfWildcards(page, wildcards))
+//     const String text = u"Tea, hot. It rained.\nMore coffee came.";
+//     assembleOccurrencesOfWildcards(text, wildcards);    // Tea, hot More coffee came
+//     for (const Occurrence& hit : getOccurrencesOfWildcards(text, wildcards))
 //         print(hit.line + 1, hit.string);
 //
 // Time is in proportion to the text; with a limit the search ends where the summary is full.
@@ -31,6 +32,7 @@ namespace velmo {
 
 /// How a summary is made.
 struct AssemblyOptions {
+    /// What is looked past, of case and diacritics; of Fuzzy see FindWildcardOptions.
     WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;  ///< see FindWildcardOptions
     bool paragraphs = false;        ///< whole lines instead of sentences
@@ -70,6 +72,7 @@ struct AssemblyOptions {
 [[nodiscard]] VELMO_API String assembleOccurrencesOfQueryTerms(const String& text,
                                                                const QueryTerms& terms,
                                                                const AssemblyOptions& options = {});
+/// The same for a string wherever it stands.
 [[nodiscard]] VELMO_API String assembleOccurrencesOfString(const String& text,
                                                            std::u16string_view sought,
                                                            const AssemblyOptions& options = {});
@@ -82,7 +85,7 @@ struct SummaryPart {
 
 /// A summary that knows where its parts come from, so that hits can be shown in it.
 struct Summary {
-    String string;
+    String string;                   ///< the text of it
     std::vector<SummaryPart> parts;  ///< in their order; what is between them are separators
 };
 
@@ -109,9 +112,9 @@ struct Occurrence {
 
 /// How excerpts are cut.
 struct OccurrenceOptions {
-    WildcardComparison comparison = DefaultComparison;
-    std::size_t minCharacters = 1;
-    bool paragraphs = false;
+    WildcardComparison comparison = DefaultComparison;  ///< see AssemblyOptions
+    std::size_t minCharacters = 1;                      ///< see FindWildcardOptions
+    bool paragraphs = false;                            ///< whole lines instead of sentences
     /// An excerpt goes on across boundaries until so many words stand on each side of the
     /// hit.
     std::size_t minEnclosingWords = 0;
@@ -132,6 +135,7 @@ struct OccurrenceOptions {
     std::u16string_view text, std::span<const Range> hits, const OccurrenceOptions& options = {});
 [[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfQueryTerms(
     std::u16string_view text, const QueryTerms& terms, const OccurrenceOptions& options = {});
+/// The same for a string wherever it stands.
 [[nodiscard]] VELMO_API std::vector<Occurrence> getOccurrencesOfString(
     std::u16string_view text, std::u16string_view sought, const OccurrenceOptions& options = {});
 

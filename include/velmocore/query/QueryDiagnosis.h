@@ -22,15 +22,16 @@ enum class QueryProblemKind {
     NegativeDistance,   ///< one that is below 0, and so stands for any distance
 };
 
+/// A part of a query that cannot mean what was written.
 struct QueryProblem {
-    QueryProblemKind kind;
-    Range range;  ///< of the part, in UTF-16 units of the query
-    String text;  ///< for people
+    QueryProblemKind kind;  ///< what is wrong
+    Range range;            ///< of the part, in UTF-16 units of the query
+    String text;            ///< for people
 };
 
 /// What in a query cannot mean what was written, in the order of its places; nothing for most
-/// queries. A query with problems can be evaluated all the same. Ours. Time is in proportion
-/// to the query.
+/// queries. A query with problems can be evaluated all the same; an empty one has nothing to look
+/// for. Ours. Time is in proportion to the query. Any thread may call these.
 ///
 ///     problemsOfQuery(u"tea NEAR/x \"two cups").size();             // 2
 ///     problemsOfQuery(u".net", {.wildcard = true}).front().text;

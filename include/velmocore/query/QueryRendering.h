@@ -9,6 +9,10 @@
 namespace velmo {
 
 /// How QueryTerms::queryTermsForOperators() writes a query: any sum of these.
+///
+///     QueryTerms query(u"tea NEAR/5 cup -sugar");
+///     query.queryTermsForOperators(RenderNear | RenderNegated)[0];              // tea NEAR/5 cup -sugar
+///     query.queryTermsForOperators(RenderUpperCase)[0];                         // TEA CUP
 enum QueryTermRendering : std::uint64_t {
     /// AND between terms; only together with RenderNotWord. Without it, a space.
     RenderAnd = 0x1,
@@ -24,9 +28,9 @@ enum QueryTermRendering : std::uint64_t {
     RenderSubstring = 0x200,  ///< ~ before terms that may stand inside a longer word
     /// NEXT, if its distance is 1. Else, or without it, it is written as a BEFORE.
     RenderNext = 0x400,
-    RenderAndNot = 0x800,  ///< ANDNOT before a negated term, instead of -
-    RenderLowerCase = 0x1000,
-    RenderUpperCase = 0x2000,  ///< wins over RenderLowerCase
+    RenderAndNot = 0x800,      ///< ANDNOT before a negated term, instead of -
+    RenderLowerCase = 0x1000,  ///< words in lower case
+    RenderUpperCase = 0x2000,  ///< in upper case; wins over RenderLowerCase
     RenderPlus = 0x4000,       ///< + before required terms
     RenderNotWord = 0x8000,    ///< NOT before a negated term, unless it is ANDNOT
     RenderOrSign = 0x10000,    ///< | without spaces for OR

@@ -10,7 +10,7 @@
 namespace velmo {
 
 // The rewriting operations of QueryTerms for a query that is a text. An absent text gives an
-// absent string, no words, or no value.
+// absent string, no words, or no value. Any thread may call these.
 //
 //     plusString(u"tea -sugar \"two cups\"");                  // tea two cups
 //     standardizedQueryTerm(u"tea and (milk or lemon)");       // tea (milk OR lemon)

@@ -54,10 +54,10 @@ struct QueryOptions {
 
 /// What a node says of itself, apart from its text or children.
 struct QueryTermFields {
-    QueryOperator queryOperator = QueryOperator::And;
-    std::size_t proximityDistance = 10;
-    bool queryNot = false;
-    bool querySubstring = false;
+    QueryOperator queryOperator = QueryOperator::And;  ///< how it joins the siblings before it
+    std::size_t proximityDistance = 10;                ///< in words
+    bool queryNot = false;                             ///< it must not match
+    bool querySubstring = false;                       ///< it may stand inside a longer word
 };
 
 namespace detail {
@@ -83,7 +83,9 @@ struct QueryTree;
 /// default-made QueryTerms is absent: it has no word and no children and matches nothing.
 class VELMO_API QueryTerms {
 public:
+    /// The absent query.
     QueryTerms() noexcept = default;
+    /// Parses a text; an empty or absent one makes a group without children, which is not valid.
     explicit QueryTerms(std::u16string_view query, const QueryOptions& options = {});
     /// The top node gets these fields, instead of the default operator and distance.
     QueryTerms(std::u16string_view query, const QueryOptions& options,
@@ -97,9 +99,11 @@ public:
                                                        const QueryTermFields& fields,
                                                        bool phrase = false);
 
+    /// Whether it was default-made, or made of an absent string.
     [[nodiscard]] bool isAbsent() const noexcept { return tree_ == nullptr; }
     /// Whether there is something to look for: true for a word, and for a group with children.
     [[nodiscard]] bool isValid() const noexcept;
+    /// Whether it is a word or a phrase, and no group.
     [[nodiscard]] bool isWord() const noexcept;
     /// Whether its words were parsed as patterns.
     [[nodiscard]] bool hasWildcards() const noexcept;
@@ -110,6 +114,7 @@ public:
     [[nodiscard]] QueryOperator commonOperator() const noexcept;
     /// In words, for the proximity operators. 0 makes such an operator a plain AND.
     [[nodiscard]] std::size_t proximityDistance() const noexcept;
+    /// Whether it must not match.
     [[nodiscard]] bool queryNot() const noexcept;
     /// Whether a word may match inside a longer one.
     [[nodiscard]] bool querySubstring() const noexcept;
@@ -118,6 +123,7 @@ public:
 
     /// The text of a word; empty for a group. It lives as long as a node of its tree.
     [[nodiscard]] std::u16string_view word() const noexcept VELMO_LIFETIME;
+    /// 0 for a word and for an absent query.
     [[nodiscard]] std::size_t numberOfChildren() const noexcept;
     /// One of the children; absent if there are not so many.
     [[nodiscard]] QueryTerms child(std::size_t index) const;

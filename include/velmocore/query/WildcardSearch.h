@@ -44,7 +44,7 @@ namespace velmo {
 
 /// How FindWildcardInCharacters() looks.
 struct FindWildcardOptions {
-    WildcardComparison comparison = DefaultComparison;
+    WildcardComparison comparison = DefaultComparison;  ///< what is looked past
     /// A wildcard with a star needs so many plain units and sets.
     std::size_t minCharacters = 1;
     bool anchored = false;                     ///< only the first word that is met is looked at
@@ -67,6 +67,7 @@ struct FindWildcardOptions {
 
 /// How FindWildcardStringInCharacters() looks; see FindWildcardOptions.
 struct FindWildcardStringOptions {
+    // The same as those of FindWildcardOptions.
     WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;
     Direction direction = Direction::Forward;
@@ -83,6 +84,7 @@ FindWildcardStringInCharacters(std::u16string_view text, Range range, std::u16st
 
 /// How the nearest hit of several wildcards is looked for.
 struct NearestWildcardOptions {
+    // The same as those of FindWildcardOptions.
     WildcardComparison comparison = DefaultComparison;
     std::size_t minCharacters = 1;
     Direction direction = Direction::Forward;
@@ -99,10 +101,10 @@ struct NearestWildcardOptions {
 
 /// How wildcards are compared, and where.
 struct WildcardSearchOptions {
-    WildcardComparison comparison = DefaultComparison;
-    std::size_t minCharacters = 1;
-    Range range = {0, NotFound};  ///< in units of the text
-    bool withinRuns = false;      ///< see "Scripts without spaces" above
+    WildcardComparison comparison = DefaultComparison;  ///< what is looked past
+    std::size_t minCharacters = 1;                      ///< see FindWildcardOptions
+    Range range = {0, NotFound};                        ///< in units of the text
+    bool withinRuns = false;                            ///< see "Scripts without spaces" above
 };
 
 /// Whether any of the wildcards occurs in the range.

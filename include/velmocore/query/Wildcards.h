@@ -55,12 +55,13 @@ enum class WildcardType : std::uint32_t {
 ///
 ///     const auto both = WildcardComparison::CaseInsensitive | WildcardComparison::Fuzzy;
 enum class WildcardComparison : std::uint32_t {
-    Exact = 0,
+    Exact = 0,                  ///< unit by unit
     CaseInsensitive = 1,        ///< through upperCharsTable()
     DiacriticsInsensitive = 2,  ///< through umlautsCharsTable()
     Insensitive = 3,            ///< to both, through upperUmlautsCharsTable()
     Fuzzy = 4,                  ///< a WildcardType::Plain is compared by its analogy
 };
+/// Adds the Fuzzy bit to a comparison, or takes a part of one.
 constexpr WildcardComparison operator|(WildcardComparison a, WildcardComparison b) {
     return static_cast<WildcardComparison>(static_cast<std::uint32_t>(a) |
                                            static_cast<std::uint32_t>(b));
@@ -69,6 +70,7 @@ constexpr WildcardComparison operator&(WildcardComparison a, WildcardComparison 
     return static_cast<WildcardComparison>(static_cast<std::uint32_t>(a) &
                                            static_cast<std::uint32_t>(b));
 }
+/// Whether a comparison has that bit, and whether it looks past case.
 [[nodiscard]] constexpr bool isFuzzy(WildcardComparison comparison) {
     return (comparison & WildcardComparison::Fuzzy) == WildcardComparison::Fuzzy;
 }
@@ -123,7 +125,7 @@ VELMO_API void prepareWildcardUsingUnicharTable(std::u16string& wildcard,
 
 /// What optimizeWildcard() finds out.
 struct OptimizedWildcard {
-    WildcardType type = WildcardType::Unusable;
+    WildcardType type = WildcardType::Unusable;  ///< its shape
     /// The part of the compacted wildcard that a search compares: without the star of a
     /// Prefix, Suffix, Infix, PrefixSets or SuffixSets, else all. None if it is malformed.
     Range core = Range::none();
@@ -164,6 +166,8 @@ inline constexpr std::size_t UnboundedWildcardLength = 0x7FFFFFFFFFFFFFFF;
 // belong to words, and a set is not cut by what stands in it.
 //
 //     wordsUsingWildcardSeparation(u"data* [a-d]ing");     // data*, [a-d]ing
+//     minWildcardLen(u"a?[bc]*");                          // 3
+//     wildcardType(u"abc*") == WildcardType::Prefix;       // true
 
 [[nodiscard]] VELMO_API const CharacterSetRep& defaultWildcardSeparators();
 [[nodiscard]] VELMO_API std::vector<String> wordsUsingWildcardSeparation(const String& text);

@@ -21,14 +21,16 @@ namespace velmo {
 //
 //     rangeOfWord(u"concatenate a cat", u"cat", Case::Insensitive);                    // {14, 3}
 //     countAnyWord(u"one two one", std::vector<String>{u"one", u"two"}, Case::Sensitive);   // 3
+//     findNextWord(u"one two one", u"one", {1, 10});                                         // {8, 3}
 //
-// Any thread may search.
+// An empty or absent text or word gives no hit, but see FindWordInString() for a *. Any thread may
+// search.
 
 /// How FindWordInString() looks.
 struct FindWordOptions {
-    Case letterCase = DefaultCase;
-    Direction direction = Direction::Forward;  ///< the last occurrence, and not the first
-    bool wholeWord = true;
+    Case letterCase = DefaultCase;                    ///< without regard to case
+    Direction direction = Direction::Forward;         ///< the last occurrence, and not the first
+    bool wholeWord = true;                            ///< else inside of words too
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
     /// Each character of a script without spaces is a word; see QueryOptions.
     bool withinRuns = false;
@@ -42,8 +44,8 @@ struct FindWordOptions {
 
 /// How FindNonExactPhraseInString() looks.
 struct FindPhraseOptions {
-    Case letterCase = DefaultCase;
-    Direction direction = Direction::Forward;
+    Case letterCase = DefaultCase;             ///< without regard to case
+    Direction direction = Direction::Forward;  ///< the last occurrence, and not the first
     /// Whether the words after the first must be whole; the first is in any case.
     bool exact = false;
     const CharacterSetRep* termCharacters = nullptr;  ///< null is queryTermCharacters()
@@ -84,8 +86,8 @@ struct FindPhraseOptions {
 
 /// How words and terms are looked for in a range.
 struct TermSearchOptions {
-    Case letterCase = DefaultCase;
-    bool anchored = true;  ///< whole words only
+    Case letterCase = DefaultCase;  ///< without regard to case
+    bool anchored = true;           ///< whole words only
     /// A term of several words is looked for as it is written, and not word by word.
     bool exactPhrase = false;
     bool withinRuns = false;  ///< see FindWordOptions

@@ -12,6 +12,7 @@ namespace velmo {
 /// The name under which the citation key of an entry stands.
 inline constexpr std::u16string_view CitationKey = u"@";
 
+/// A field of an entry.
 struct BibTeXField {
     String name;   ///< as it is written: case counts
     String value;  ///< cleaned: without commands, braces and mathematics, white space collapsed
@@ -19,14 +20,15 @@ struct BibTeXField {
 
 /// An entry, its fields in the order of the text.
 struct BibTeXEntry {
-    std::vector<BibTeXField> fields;
+    std::vector<BibTeXField> fields;  ///< the citation key too, if it has one
 
     /// The value of a field; absent if the entry has no such one.
     [[nodiscard]] VELMO_API String value(std::u16string_view name) const;
 };
 
+/// What a text holds.
 struct BibTeXEntries {
-    std::vector<BibTeXEntry> entries;
+    std::vector<BibTeXEntry> entries;  ///< in the order of the text
     std::vector<String> keys;  ///< the names of all fields in the order of their first appearance
 };
 

@@ -25,7 +25,7 @@ namespace velmo {
 /// is not written so, for a day that is not in the calendar, for a time out of range (second 60 is
 /// a leap second, and only in a minute where one can be), for a format with another conversion and
 /// for one without a year. A month, day or time that the format does not have is the first. The
-/// time is that of the format, however long the text is.
+/// time is that of the format, however long the text is. Any thread.
 ///
 ///     stringInISO8601(*dateWithString(u"3.2.01", "%d.%m.%y", {.zone = {}}));    // 2001-02-03T00:00:00Z
 ///     dateWithString(u"31.04.2001", "%d.%m.%Y").has_value();    // false

@@ -7,7 +7,7 @@
 
 namespace velmo {
 
-/// What a reader of dates must know beside the text.
+/// What a reader of dates must know beside the text. A plain value: each thread has its own.
 struct DateOptions {
     /// Where a date without a zone of its own was.
     TimeZone zone = TimeZone::system();

@@ -25,7 +25,8 @@ namespace velmo {
 ///
 /// A day without a time begins at midnight; "3 days ago" and its like are at the present time of
 /// day; "last Monday" is before today, "next Monday" after it. A number alone, a version, an amount
-/// of money or a running text is no date. Strings longer than 100 units are none.
+/// of money or a running text is no date. Strings longer than 100 units, empty and absent ones are
+/// none. Any thread.
 ///
 ///     const DateOptions there = {.zone = {}, .now = date(u"2001-02-03 10:00", {.zone = {}})};
 ///     stringInISO8601(*dateWithNaturalLanguageString(u"yesterday, noon", there));    // 2001-02-02T12:00:00Z

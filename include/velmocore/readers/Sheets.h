@@ -29,11 +29,13 @@ namespace velmo {
 //
 // Time is linear in the text. Any thread may call these.
 
+/// The fields of a row.
 using SheetRow = std::vector<String>;
 
 /// No limit to the number of rows.
 inline constexpr std::size_t AllRows = std::numeric_limits<std::size_t>::max();
 
+/// How a sheet is read.
 struct SheetOptions {
     /// Quotes around a field are not part of it, and hold separators and line ends; two quotes in
     /// them stand for one. Without it a field is what stands between separators, and the last unit
@@ -53,8 +55,9 @@ struct SheetShape {
     bool definition = false;
 };
 
+/// A sheet in strings.
 struct Sheet : SheetShape {
-    std::vector<SheetRow> rows;
+    std::vector<SheetRow> rows;  ///< those that have a text
 };
 
 /// The rows of a text. Whatever a caller expects, the separator is the one that is detected.
@@ -67,9 +70,10 @@ struct Sheet : SheetShape {
 
 /// A field where it stands in the text, without its quotes.
 struct SheetField {
-    std::u16string_view units;
+    std::u16string_view units;      ///< good as long as the text is
     bool hasDoubledQuotes = false;  ///< which text() makes single ones
 
+    /// The field as a string; the empty one for an empty field.
     [[nodiscard]] VELMO_API String text() const;
 };
 
@@ -95,6 +99,7 @@ VELMO_API SheetShape forEachSheetRow(std::u16string_view text,
 ///     sheet[1][1].text();         // 4
 class VELMO_API SheetView {
 public:
+    /// Reads all rows.
     explicit SheetView(std::u16string_view text VELMO_LIFETIME, const SheetOptions& options = {});
 
     /// The number of rows.
@@ -104,6 +109,7 @@ public:
         const std::size_t start = row == 0 ? 0 : ends_[row - 1];
         return std::span(fields_).subspan(start, ends_[row] - start);
     }
+    /// What is known of it beside its rows.
     [[nodiscard]] const SheetShape& shape() const noexcept VELMO_LIFETIME { return shape_; }
 
 private:
@@ -129,8 +135,9 @@ VELMO_API void appendDoubleQuotedField(std::u16string& text, std::u16string_view
 
 // Files.
 
+/// Kinds of files that hold sheets.
 enum class SheetFormat : std::uint8_t {
-    None = 0,
+    None = 0,    ///< no sheet
     CSV = 1,     ///< quoted values
     TSV = 2,     ///< the same: TSV, TDF, TAB
     ID2XF = 3,   ///< unquoted values, the first row a definition

@@ -10,11 +10,12 @@
 
 namespace velmo {
 
-// Base64 (RFC 4648) with the library's own rules for padding and damage.
+// Base64 (RFC 4648) with the library's own rules for padding and damage. Any thread may call these.
 //
 //     encodedBase64Data(Bytes("a"));    // YQ==
 //     encodebase64(u"a");                 // YQ
 //     decodebase64(u"YQ");                // a
+//     isBase64String(u"YQ=");             // false
 
 /// No bytes give an absent string. The last group of four is filled up with the padding unit,
 /// or stays short if that is 0.

@@ -13,13 +13,15 @@ namespace velmo {
 // (RFC 1952). Results are absent if something failed or there are no bytes; no message is
 // written. Any thread may call these.
 //
-//     std::optional<Data> packed = dataByGzippingData(bytes);
-//     std::optional<Data> again = dataByInflatingData(*packed);    // (either format)
+//     std::optional<Data> packed = dataByGzippingData("tea");
+//     charsOf(*dataByInflatingData(*packed, 1000));    // tea
+//     dataByInflatingData(*packed, 2).has_value();     // false; more than the limit
 //
 // The level is 1 (fast) to 9 (small); -1 is the usual middle. Others count as the nearest.
 
 inline constexpr int DefaultCompressionLevel = -1;
 
+/// In the format that is chosen or named.
 [[nodiscard]] VELMO_API std::optional<Data> dataByCompressingBytes(Bytes bytes,
                                                                    int compressionLevel,
                                                                    bool useGzip);
@@ -40,6 +42,7 @@ inline constexpr int DefaultCompressionLevel = -1;
     return dataByDeflatingData(bytes, compressionLevel);
 }
 
+/// The limit that is none, in bytes.
 inline constexpr std::size_t NoInflatedLimit = std::numeric_limits<std::size_t>::max();
 
 // Inflating fails on damaged bytes, on bytes after the end of the stream, on a stream that

@@ -39,6 +39,7 @@ public:
     [[nodiscard]] static std::optional<DSStore> storeWithFile(DSStoreFile file,
                                                               const Path& directory = {});
 
+    /// The folder that it was made with; absent if none was told.
     [[nodiscard]] const Path& directory() const noexcept VELMO_LIFETIME { return _directory; }
     /// What the store says of its tree; 0 if it says nothing. Only the root is used.
     [[nodiscard]] std::uint32_t rootnode() const noexcept { return _rootnode; }

@@ -24,7 +24,8 @@ namespace velmo {
 ///     const auto none = DSStoreAllocator::allocatorWithFile(DSStoreFile::fileAtPath("notes.txt"));
 ///     none.has_value();    // false
 ///
-/// What is damaged is absent, and nothing else is told. One thread at a time uses an allocator.
+/// Offsets and sizes count bytes. What is damaged is absent, and nothing else is told. One thread
+/// at a time uses an allocator.
 class VELMO_API DSStoreAllocator : public DSStoreStream {
 public:
     /// None if the file is closed, or its header and its root block are not those of such a file.
@@ -34,6 +35,7 @@ public:
     DSStoreAllocator& operator=(DSStoreAllocator&& other) noexcept;
     ~DSStoreAllocator() override { close(); }
 
+    /// 0: its own offsets count from the start of the file.
     [[nodiscard]] std::uint32_t headerOffset() const noexcept override { return 0; }
 
     /// The block of that name; NotFound for an empty or unknown one.
@@ -53,6 +55,7 @@ public:
     [[nodiscard]] std::optional<DSStoreStream> streamAtIndex(std::size_t index) const;
     [[nodiscard]] std::optional<DSStoreStream> streamForEntryNamed(std::string_view name) const;
 
+    /// For people: how many places for blocks it has, and which of them have names.
     [[nodiscard]] String description() const override;
 
 protected:

@@ -37,24 +37,30 @@ using DSStoreValue = std::variant<std::monostate, bool, std::int64_t, String, Da
 ///
 ///     DSStoreEntry entry(u"tea.txt", FinderCommentCodec, DSStoreType::Ustr, String(u"hot"));
 ///     entry.description();    // DSStoreEntry <tea.txt>: cmmt:ustr
+///
+/// An entry owns what it holds; any thread may read one.
 class VELMO_API DSStoreEntry {
 public:
+    /// Of what it is to say; nothing is checked.
     DSStoreEntry(String filename, std::uint32_t codec, DSStoreType type, DSStoreValue value);
     /// The name in UTF-16, the highest byte first.
     [[nodiscard]] static DSStoreEntry initWithFilenameWithBytes(Bytes filename, std::uint32_t codec,
                                                                 DSStoreType type,
                                                                 DSStoreValue value);
 
+    /// What it was made with.
     [[nodiscard]] const String& filename() const noexcept VELMO_LIFETIME { return _filename; }
     [[nodiscard]] std::uint32_t codec() const noexcept { return _codec; }
     [[nodiscard]] DSStoreType type() const noexcept { return _type; }
     [[nodiscard]] const DSStoreValue& value() const noexcept VELMO_LIFETIME { return _value; }
+    /// For people: file name, codec and type.
     [[nodiscard]] String description() const;
 
     // Reading the record at which a stream stands. It stands behind the record then, whatever that
     // is; but at the value if the type is not known, as nobody can tell how long that is. Names are
     // compared unit by unit.
 
+    /// What was read of a record.
     struct Reading {
         bool isWanted = false;  ///< the record has that name and codec
         DSStoreType type{};     ///< also if it is another one; 0 if the stream ended before

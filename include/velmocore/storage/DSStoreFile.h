@@ -21,12 +21,15 @@ namespace velmo {
 /// One thread at a time uses a file and its copies.
 class VELMO_API DSStoreFile {
 public:
+    /// A closed one.
     DSStoreFile() noexcept = default;
     /// Opens a regular file with a shared lock. Closed if that fails, as it does if another program
     /// has the file locked for writing; nobody waits.
     [[nodiscard]] static DSStoreFile fileAtPath(const Path& path);
+    /// Bytes in memory, which it owns; open, also without any.
     [[nodiscard]] static DSStoreFile fileWithData(Data data);
 
+    /// Whether there is anything to read.
     [[nodiscard]] bool isOpen() const noexcept;
     /// In bytes, when it was opened.
     [[nodiscard]] std::uint64_t length() const noexcept;

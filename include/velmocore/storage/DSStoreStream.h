@@ -26,6 +26,7 @@ class VELMO_API DSStoreStream {
 public:
     /// Of no bytes.
     DSStoreStream() noexcept = default;
+    /// Of so many bytes of a file, from an offset on.
     DSStoreStream(DSStoreFile file, std::uint32_t offset, std::uint32_t size);
     [[nodiscard]] static DSStoreStream streamWithFile(DSStoreFile file, std::uint32_t offset,
                                                       std::uint32_t size);
@@ -36,9 +37,11 @@ public:
     DSStoreStream& operator=(DSStoreStream&&) noexcept = default;
     virtual ~DSStoreStream() = default;
 
+    /// What it reads from.
     [[nodiscard]] const DSStoreFile& file() const noexcept VELMO_LIFETIME { return _file; }
     /// How many bytes of the file stand before offset 0.
     [[nodiscard]] virtual std::uint32_t headerOffset() const noexcept { return 4; }
+    /// How many bytes are ahead, and whether none are.
     [[nodiscard]] std::uint32_t remainingBytes() const noexcept {
         return isEOF() ? 0 : _size - _pos;
     }
@@ -46,6 +49,7 @@ public:
     /// Closes the file, for all that read it.
     void close() { _file.close(); }
 
+    /// The next number; 0 if it is not all there.
     std::uint8_t readUInt8();
     std::uint16_t readUInt16();
     std::uint32_t readUInt32() {
@@ -74,6 +78,7 @@ public:
 
     /// Whether both are of one class and read the same stretch of the same file.
     [[nodiscard]] bool isEqual(const DSStoreStream& other) const noexcept;
+    /// For people: its class, offset and size.
     [[nodiscard]] virtual String description() const;
 
 protected:
@@ -97,6 +102,7 @@ private:
 /// The same for a block that is read into memory at once.
 class VELMO_API DSStoreBlock final : public DSStoreStream {
 public:
+    /// Of no bytes; or of so many of a file, from an offset on.
     DSStoreBlock() noexcept = default;
     DSStoreBlock(DSStoreFile file, std::uint32_t offset, std::uint32_t size);
     [[nodiscard]] static DSStoreBlock blockWithFile(DSStoreFile file, std::uint32_t offset,

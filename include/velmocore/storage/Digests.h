@@ -14,16 +14,19 @@
 namespace velmo {
 
 // MD5 (RFC 1321) and SHA-1 (FIPS 180): fingerprints of data, for telling files apart and for
-// formats that hold them. Neither withstands someone who wants two files to look the same.
+// formats that hold them. Neither withstands someone who wants two files to look the same. No bytes
+// have a digest too. Any thread may call these; sizes count bytes.
 //
 //     hexStringValue(SHA1Digest(Bytes("abc")));    // a9993e364706816aba3e25717850c26c9cd0d89d
 
+/// The bytes of a digest.
 inline constexpr std::size_t MD5DigestSize = 16;
 inline constexpr std::size_t SHA1DigestSize = 20;
 
 /// Lower-case hexadecimal, two digits a byte; the empty string for no bytes.
 [[nodiscard]] VELMO_API String hexStringValue(Bytes bytes);
 
+/// The digest of bytes, and the same in hexadecimal.
 [[nodiscard]] VELMO_API std::array<std::uint8_t, MD5DigestSize> MD5Digest(Bytes bytes);
 [[nodiscard]] VELMO_API std::array<std::uint8_t, SHA1DigestSize> SHA1Digest(Bytes bytes);
 [[nodiscard]] inline String MD5DigestStringValue(Bytes bytes) {
@@ -36,6 +39,7 @@ inline constexpr std::size_t SHA1DigestSize = 20;
 /// A digest that is fed piece by piece. Not to be shared between threads.
 class VELMO_API DigestContext {
 public:
+    /// One that was not started.
     DigestContext() noexcept;
     DigestContext(DigestContext&&) noexcept;
     DigestContext& operator=(DigestContext&&) noexcept;
@@ -46,6 +50,7 @@ private:
     struct State;
     std::unique_ptr<State> state_;  // none before the start and after the end
 };
+/// One for each algorithm, so that they are not mixed up.
 class isc_md5_t : public DigestContext {};
 class isc_sha1_t : public DigestContext {};
 
@@ -71,10 +76,11 @@ VELMO_API void isc_sha1_invalidate(isc_sha1_t& context) noexcept;
 /// The salt of a salted hash that is given none.
 inline constexpr char16_t DefaultSalt[] = u"K7Q.XM27182818_ZEND-";
 
+/// How a salted hash is made.
 struct SaltedHashOptions {
-    String salt = DefaultSalt;  ///< absent or empty for none
-    StringEncoding encoding = UTF8StringEncoding;
-    std::size_t times = 1;  ///< 0 counts as 1
+    String salt = DefaultSalt;                     ///< absent or empty for none
+    StringEncoding encoding = UTF8StringEncoding;  ///< of the bytes that are hashed
+    std::size_t times = 1;                         ///< 0 counts as 1
 };
 /// SHA-1, in hexadecimal, of the string with the salt after it; so many times over, each time
 /// of the text before. Absent for an absent or empty string, and for one that the encoding

@@ -21,21 +21,25 @@ namespace velmo {
 ///     step.state == InflateStream::State::End;         // true
 class VELMO_API InflateStream {
 public:
+    /// What stands around the bytes.
     enum class Format : std::uint8_t {
         Any,  ///< zlib or gzip, told by the first bytes
         Raw,  ///< without a frame
     };
+    /// How far it is.
     enum class State : std::uint8_t {
         Going,    ///< more comes, of what was given or of what is still to be given
         End,      ///< of a zlib stream, or of a member of a gzip file
         Damaged,  ///< nothing more comes
     };
+    /// What one call did.
     struct Step {
         std::size_t taken = 0;  ///< bytes of the input
         std::size_t made = 0;   ///< bytes of the output
         State state = State::Going;
     };
 
+    /// At the start of a stream of that format.
     explicit InflateStream(Format format = Format::Any);
     InflateStream(InflateStream&&) noexcept;
     InflateStream& operator=(InflateStream&&) noexcept;

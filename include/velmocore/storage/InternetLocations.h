@@ -33,9 +33,11 @@ namespace velmo {
 /// The same by the name of a file and what stands beside it; its content is not looked at.
 [[nodiscard]] VELMO_API bool isInternetLocationFile(const Path& path);
 
+/// What a location file says.
 struct InternetLocation {
     String url;   ///< absent if there is none
     String name;  ///< only a property list has one, and not each
+    /// Whether there is a URL.
     explicit operator bool() const noexcept { return !url.isAbsent(); }
 };
 
@@ -44,7 +46,7 @@ struct InternetLocation {
 
 /// A location file in memory, as it comes out of an archive.
 struct InternetLocationData {
-    Bytes content;
+    Bytes content;           ///< not owned
     String extension;        ///< of its name
     Bytes appleDouble = {};  ///< the file beside it, if there is one
 };

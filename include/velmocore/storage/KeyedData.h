@@ -55,11 +55,12 @@ enum class KeyedTag : std::uint32_t {
 
 /// One row a type.
 struct KeyedType {
-    KeyedTag tag;
+    KeyedTag tag;             ///< by which it is known
     std::string_view name;    ///< the tag's four characters
     std::size_t valueBytes;   ///< how many bytes of the value field it uses
     bool hasPayload = false;  ///< whose length the value field tells
 };
+/// All types.
 inline constexpr std::array<KeyedType, 10> KeyedTypes = {{
     {KeyedTag::Bool, "VWbl", 1},
     {KeyedTag::Unsigned, "VWun", 4},
@@ -97,7 +98,7 @@ inline constexpr Date ReferenceDate{std::chrono::seconds(978307200)};
 [[nodiscard]] VELMO_API std::uint64_t offsetOfKeyedData(Bytes data, KeyedTag tag,
                                                         std::uint32_t key);
 
-// --- Tests ---
+// --- Tests: whether there is a record of the type in the name ---
 
 [[nodiscard]] inline bool containsBoolForKey(Bytes data, std::uint32_t key) {
     return containsKeyedData(data, KeyedTag::Bool, key);
@@ -133,7 +134,7 @@ inline constexpr Date ReferenceDate{std::chrono::seconds(978307200)};
     return containsKeyedData(data, KeyedTag::Text, key);
 }
 
-// --- Offsets ---
+// --- Offsets of the first record of that type, in bytes; NotFound if there is none ---
 
 [[nodiscard]] inline std::uint64_t offsetOfBoolForKey(Bytes data, std::uint32_t key) {
     return offsetOfKeyedData(data, KeyedTag::Bool, key);
@@ -188,6 +189,7 @@ inline constexpr Date ReferenceDate{std::chrono::seconds(978307200)};
 
 // --- Bytes ---
 
+/// A copy of the payload; absent if there is none.
 [[nodiscard]] VELMO_API std::optional<Data> dataForKey(Bytes data, std::uint32_t key);
 /// The payload where it stands, good as long as the buffer is there and unchanged; its data() is
 /// null if there is none.
@@ -206,6 +208,7 @@ inline constexpr Date ReferenceDate{std::chrono::seconds(978307200)};
 /// Whether any string of the key is exactly this; false for an absent or empty one.
 [[nodiscard]] VELMO_API bool containsString(Bytes data, std::u16string_view string,
                                             std::uint32_t key);
+/// Whether they are UTF-8 or not.
 [[nodiscard]] VELMO_API std::size_t numberOfStringsForKey(Bytes data, std::uint32_t key);
 
 /// All strings of the key that are UTF-8, in the order of the buffer; none if there is none.
@@ -266,9 +269,11 @@ std::size_t addURLsForKey(Bytes data, std::uint32_t key, Container& to) {
 /// is a String, or UTF-8 within the buffer if no copy is wanted.
 using KeyedValue = std::variant<bool, std::uint32_t, std::int32_t, std::uint64_t, std::int64_t,
                                 float, double, String, std::string_view>;
+/// Takes a record; what it returns is counted.
 using KeyedDataHandler =
     FunctionRef<bool(KeyedTag tag, std::uint32_t key, const KeyedValue& value)>;
 
+/// Which records are handed out, and how.
 struct KeyedHandling {
     KeyedTag marker = KeyedTag::Any;  ///< the type of the values of fixed size that are handed out
     bool strings = false;             ///< strings too, whatever the marker is
@@ -289,8 +294,8 @@ VELMO_API std::size_t handleKeyedDataUsingHandler(Bytes data, KeyedDataHandler h
 
 /// A record as it stands in its buffer.
 struct KeyedRecord {
-    const KeyedType& type;
-    std::uint32_t key;
+    const KeyedType& type;         ///< a row of KeyedTypes
+    std::uint32_t key;             ///< as it was chosen
     std::uint64_t offset;          ///< from the start of the buffer
     std::optional<Bytes> payload;  ///< none if the type has none, or if it is not all there
     Bytes bytes;                   ///< header and payload, as far as they are there

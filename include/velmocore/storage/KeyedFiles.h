@@ -25,6 +25,7 @@ class KeyedStringsFile;
 //
 // What cannot be read is absent; the content is not looked at. Any thread may call these.
 
+/// All bytes of a file.
 [[nodiscard]] VELMO_API std::optional<Data> dataWithKeyedFile(const Path& path);
 /// The same, and the system need not keep the file in memory afterwards.
 [[nodiscard]] VELMO_API std::optional<Data> dataWithUncachedKeyedFile(const Path& path);
@@ -34,8 +35,10 @@ class KeyedStringsFile;
 /// go on that reads there.
 class VELMO_API MappedKeyedFile {
 public:
+    /// They live as long as this or a copy of it.
     [[nodiscard]] Bytes bytes() const noexcept VELMO_LIFETIME;
     operator Bytes() const noexcept VELMO_LIFETIME { return bytes(); }
+    /// Whether they are mapped, and not read.
     [[nodiscard]] bool isMapped() const noexcept { return mapping_ != nullptr; }
 
 private:
@@ -44,6 +47,7 @@ private:
     std::shared_ptr<const detail::FileMapping> mapping_;
     std::shared_ptr<const Data> data_;
 };
+/// Maps or reads a file.
 [[nodiscard]] VELMO_API std::optional<MappedKeyedFile> dataWithMappedKeyedFile(const Path& path);
 
 /// The key of the strings in a list: "STRI".

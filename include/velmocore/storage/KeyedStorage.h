@@ -66,6 +66,7 @@ public:
     // The store always exists; isValid() tells whether the file could be opened, which it cannot if
     // it is no regular file, or if another process has it locked.
 
+    /// Can only be read.
     [[nodiscard]] static KeyedStorage keyedStorageForReadingAtPath(const Path& path);
     /// Creates the file if there is none. It can be read and written.
     [[nodiscard]] static KeyedStorage keyedStorageForUpdatingAtPath(const Path& path);
@@ -84,6 +85,7 @@ public:
     /// Unlocks and closes. What could not be written then is told to the log only: see closeFile().
     ~KeyedStorage();
 
+    /// Whether it has an open file. Without one, reading gives nothing and writing fails.
     [[nodiscard]] bool isValid() const noexcept { return _file != nullptr; }
     /// Absent if no file was opened.
     [[nodiscard]] const Path& path() const noexcept { return _path; }
@@ -106,6 +108,7 @@ public:
     /// Both go to the end and give its offset; 0 without a file.
     std::uint64_t lengthOfFile() { return seekToEndOfFile(); }
     std::uint64_t seekToEndOfFile();
+    /// Whether the position could be set.
     bool seekToFileOffset(std::uint64_t offset);
 
     // Reading. A deleted block is passed over, and so is one whose checksum is wrong. None at the
@@ -117,10 +120,12 @@ public:
     /// The same as a copy.
     [[nodiscard]] std::optional<Data> copyOfNextAvailableBlock();
     [[nodiscard]] std::optional<Data> mutableCopyOfNextAvailableBlock();
+    /// A block and its packed form.
     struct BlockCopy {
-        Data data;
+        Data data;                       ///< what it holds
         std::optional<Data> compressed;  ///< as it is stored, if it is compressed there
     };
+    /// As mutableCopyOfNextAvailableBlock().
     [[nodiscard]] std::optional<BlockCopy> mutableCopyOfNextAvailableBlockWithCompressed();
     /// Offset and whole length of the block whose header was read last, dead ones and those with a
     /// wrong checksum included.
@@ -134,8 +139,8 @@ public:
     bool forEachBlock(StorageBlockHandler handler, BlockWalking options = {});
     /// Ours: the same bytes as a whole, good until the handler returns.
     bool readMapped(FunctionRef<void(Bytes store)> handler);
-    /// Ours: what the block at an offset holds, good until the next operation. None if no live block
-    /// with the right checksum stands there; nothing is logged, and the position stays.
+    /// Ours: what the block at an offset holds, good until the next operation. None if no live
+    /// block with the right checksum stands there; nothing is logged, and the position stays.
     [[nodiscard]] std::optional<Bytes> blockAtFileOffset(std::uint64_t offset) VELMO_LIFETIME;
 
     // Writing, at the position; that is the end where nothing else was said. True on success, which
@@ -161,8 +166,9 @@ public:
     /// it is deleted already.
     bool deleteBlockAtFileOffset(std::uint64_t offset);
 
+    /// What became of a block that was to be moved.
     struct Move {
-        bool isMoved;
+        bool isMoved;              ///< whether it stands at the new place
         std::uint64_t nextOffset;  ///< where the next block may go
     };
     /// Moves the block that was read last down to an offset, if that gains something and stays
@@ -183,6 +189,7 @@ public:
     /// skipped, and also then if it hides blocks that are whole, which salvageToPath() finds.
     bool optimizeSafelyToPath(const Path& path, bool skipErrors,
                               KeyedStorageHandler* handler = nullptr);
+    /// What a salvage came to.
     struct Salvage {
         bool isWritten;       ///< all that was found stands in the new file and is stored there
         std::size_t blocks;   ///< that were found

@@ -28,6 +28,7 @@ namespace velmo {
 
 /// The source of a download: a string, or a list of which the first is it.
 inline constexpr std::u16string_view WhereFromsKey = u"com.apple.metadata:kMDItemWhereFroms";
+/// The comment that people give a file, and its tags with their colours.
 inline constexpr std::u16string_view FinderCommentKey = u"com.apple.metadata:kMDItemFinderComment";
 inline constexpr std::u16string_view UserTagsKey = u"com.apple.metadata:_kMDItemUserTags";
 /// The library's own mark of an editable note; only its presence counts.
@@ -39,8 +40,9 @@ inline constexpr std::u16string_view ItemWhereFromsKey = u"kMDItemWhereFroms";
 /// The domain of the class's own errors. What the system refuses comes in the domain "posix", with
 /// errno as its number and the path.
 inline constexpr std::u16string_view MetaDataErrorDomain = u"com.velmo-works.errordomain.MetaData";
+/// Its codes.
 enum MetaDataErrorCode : std::int64_t {
-    MetaDataKeyTooLong = 200,
+    MetaDataKeyTooLong = 200,     ///< see MaxMetaDataKeyLength
     MetaDataNotAllRead = 201,     ///< the reasons are in Error::reason
     MetaDataNotAllWritten = 202,  ///< the same
     MetaDataNotEncodable = 203,   ///< the key is in Error::reason
@@ -50,6 +52,7 @@ enum MetaDataErrorCode : std::int64_t {
 /// UTF-8, and says so itself.
 inline constexpr std::size_t MaxMetaDataKeyLength = 127;
 
+/// What a path means.
 struct MetaDataAccess {
     /// Of a symbolic link its target is meant, else the link itself. Linux lets no link have such
     /// attributes, and reports it (EPERM, ENODATA).
@@ -101,6 +104,7 @@ public:
     /// An absent or empty source removes the attribute.
     static bool setWhereFrom(const String& whereFrom, const Path& path, MetaDataAccess access = {},
                              Error* error = nullptr);
+    /// The value under FinderCommentKey; absent, with ENODATA, if there is none.
     [[nodiscard]] static PropertyList finderCommentAtPath(const Path& path,
                                                           MetaDataAccess access = {},
                                                           Error* error = nullptr);
@@ -108,6 +112,7 @@ public:
 
 // What dictionaries of attributes say.
 
+/// Whether they have the mark, whatever its value.
 [[nodiscard]] VELMO_API bool isEditableNote(const PropertyListDictionary& attributes);
 /// Where the file was loaded from, under ItemWhereFromsKey, else WhereFromsKey: a string, the first
 /// of a list, or UTF-8 bytes up to a zero at their end. Absent if it is none of these, or a data:
@@ -116,6 +121,7 @@ public:
 /// See validatedTags().
 [[nodiscard]] VELMO_API std::optional<std::vector<String>> getFinderTags(
     const PropertyListDictionary& attributes);
+/// The value under FinderCommentKey, whatever it is; absent if there is none.
 [[nodiscard]] VELMO_API PropertyList getFinderComment(const PropertyListDictionary& attributes);
 /// The title; absent if it is no string, or just the file's name or path in any case.
 [[nodiscard]] VELMO_API String getItemTitleForFile(const PropertyListDictionary& attributes,

@@ -33,6 +33,7 @@ enum class ArchiveProblem : std::int64_t {
     Unsupported = 5,  ///< an entry that is no file, folder or link, or packed in an unknown way
 };
 
+/// What stands in an archive of a folder.
 struct CompressionOptions {
     bool keepParent = false;  ///< a folder stands in the archive with its name
 };
@@ -43,6 +44,7 @@ struct CompressionOptions {
 VELMO_API bool compressFileAtPath(const Path& path, const Path& toPath,
                                   CompressionOptions options = {}, Error* error = nullptr);
 
+/// How files are put into an archive.
 struct CollectionOptions {
     bool append = false;  ///< to what the archive holds; entries of the same names are replaced
 };

@@ -29,14 +29,16 @@ struct LaunchOptions {
 
 /// How a child process came to its end.
 struct Termination {
+    /// What ended it.
     enum class Reason {
         Exit,     ///< by itself; the status is what it exited with
         Signal,   ///< by a signal, whose number the status is
         Unknown,  ///< somebody else has taken its status, as a program does that ignores SIGCHLD
     };
     Reason reason = Reason::Unknown;
-    int status = 0;
+    int status = 0;  ///< as the reason tells
 
+    /// Whether it exited by itself and with 0.
     [[nodiscard]] bool isSuccess() const noexcept { return reason == Reason::Exit && status == 0; }
     friend bool operator==(const Termination&, const Termination&) noexcept = default;
 };
@@ -56,6 +58,7 @@ struct Termination {
 /// One thread launches; then any may ask, stop and wait, several at once.
 class VELMO_API ChildProcess {
 public:
+    /// Starts nothing yet.
     explicit ChildProcess(LaunchOptions options);
     ~ChildProcess();
     ChildProcess(ChildProcess&&) noexcept;

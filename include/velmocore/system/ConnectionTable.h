@@ -15,6 +15,7 @@ namespace velmo {
 // thread sees those of another one. A connection that lost its peer is never handed out, and leaves
 // the table when that is seen.
 
+/// What a connection is set to.
 struct RootProxyOptions {
     /// For sending a call and for its answer, in seconds; not above 0 leaves the connection's own.
     double timeout = 0;
@@ -22,6 +23,7 @@ struct RootProxyOptions {
     std::optional<HelperProtocol> protocol = {};
 };
 
+/// The same, and how long an object is waited for.
 struct RootProxyWait : RootProxyOptions {
     /// How long to try, in seconds.
     double interval = 5.0;
@@ -47,6 +49,7 @@ struct RootProxyWait : RootProxyOptions {
 /// Enters it; one that is not valid, or null, removes what is there. An empty name does nothing.
 VELMO_API void setConnectionRegisteredWithName(std::shared_ptr<NamedConnection> connection,
                                                const String& name);
+/// Nothing happens where none is.
 VELMO_API void removeConnectionRegisteredWithName(const String& name);
 /// Removes the first entry of that very connection.
 VELMO_API void removeConnection(const std::shared_ptr<NamedConnection>& connection);

@@ -15,7 +15,7 @@ namespace velmo {
 // call these.
 //
 //     createPathAndFile("letters/2001/tea.txt");                      // true
-//     writeString(u"Two cups.", "letters/2001/tea.txt", {.append = true});
+//     writeString(u"Two cups.", "letters/2001/tea.txt", {.append = true});    // true
 //     createPath("letters/2001/tea.txt");                             // false; it is no folder
 
 /// True if there is something, whatever it is; otherwise an empty file is made.
@@ -47,6 +47,7 @@ VELMO_API bool createPathAndWriteObject(ObjectWriter writer, const Path& path, b
 /// The same for bytes. Atomically: see writeToFile() in StringFiles.h.
 VELMO_API bool createPathAndWriteObject(Bytes data, const Path& path, bool atomically);
 
+/// Where bytes are written.
 struct WriteOptions {
     bool append = false;  ///< behind what is there, otherwise instead of it
 };

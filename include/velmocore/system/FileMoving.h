@@ -14,7 +14,7 @@ namespace velmo {
 //     createPathAndFile("drafts/tea.txt");
 //     copyPath("drafts", "copies");            // true
 //     copyPath("drafts", "copies");            // false; there is something already
-//     renamePath("copies/tea.txt", u"cup.txt");
+//     renamePath("copies/tea.txt", u"cup.txt"); // true
 //     removePath("drafts");                     // true; what is not there counts as removed
 
 /// Copies with permissions, dates and extended attributes; rights that come with the owner are not

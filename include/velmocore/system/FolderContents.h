@@ -15,12 +15,14 @@ namespace velmo {
 //     createPathAndFile("teas/Assam.TXT");
 //     directoryContentsMatchingExtension("teas", u"txt")->size();                       // 1
 //     directoryContentsMatchingWildcard("teas", u"a*.*", {.fullPath = true})->front().string();
-//     // (as teas/Assam.TXT)
+//     // teas/Assam.TXT
 
+/// What is told of each file.
 struct ContentsOptions {
     bool fullPath = false;  ///< the path of the folder stands before each name
 };
 
+/// All names.
 [[nodiscard]] VELMO_API std::optional<std::vector<Path>> directoryContentsAtPath(
     const Path& path, ContentsOptions options = {});
 /// Those with an extension, in any case; none for an absent extension.

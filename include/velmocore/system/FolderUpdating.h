@@ -5,6 +5,7 @@
 
 namespace velmo {
 
+/// What is done beyond copying what is missing or newer.
 struct UpdateOptions {
     /// Files that are there are replaced, also by older ones.
     bool overwrite = false;

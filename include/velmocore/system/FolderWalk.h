@@ -19,8 +19,8 @@ struct FolderWalkOptions {
 
 /// A file of a folder, or what cannot be listed there.
 struct FolderFile {
-    Path path;
-    std::optional<Error> error = {};
+    Path path;                        ///< with that of the folder in front
+    std::optional<Error> error = {};  ///< why it cannot be listed; none for a file
 };
 
 /// The regular files of a folder and of all below it, each folder sorted by the bytes of the names.
@@ -34,6 +34,8 @@ struct FolderFile {
 ///     walk.next().has_value();         // false
 class VELMO_API FolderWalk {
 public:
+    /// Lists the folder; one that cannot be listed gives one error. An absent path has no files, an
+    /// empty one is the current folder.
     explicit FolderWalk(const Path& folder, const FolderWalkOptions& options = {});
     /// The next one; none at the end.
     [[nodiscard]] std::optional<FolderFile> next();

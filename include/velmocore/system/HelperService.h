@@ -16,6 +16,7 @@ namespace velmo {
 using HelperOperation =
     std::function<std::optional<PropertyList>(const PropertyListArray& arguments, Error* error)>;
 
+/// What a service does by itself.
 struct HelperServiceOptions {
     /// Whether the object offers "stillBusy", which says whether an operation runs or waits. It is
     /// answered while one runs.
@@ -39,6 +40,7 @@ struct HelperServiceOptions {
 /// operation that throws has failed; the helper goes on.
 class VELMO_API HelperService {
 public:
+    /// Without operations, and not yet published.
     explicit HelperService(HelperServiceOptions options = {});
     /// Withdraws the name.
     ~HelperService();

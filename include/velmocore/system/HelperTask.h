@@ -15,13 +15,14 @@ class ChildProcess;
 
 /// How much of the machine a helper may take from others; any other number is Default.
 enum class QualityOfService : std::int64_t {
-    Default = -1,
-    Background = 9,  ///< 10 steps nicer than its owner
-    Utility = 17,    ///< 5 steps nicer
-    UserInitiated = 25,
-    UserInteractive = 33,
+    Default = -1,          ///< as nice as its owner
+    Background = 9,        ///< 10 steps nicer than its owner
+    Utility = 17,          ///< 5 steps nicer
+    UserInitiated = 25,    ///< as Default
+    UserInteractive = 33,  ///< as Default
 };
 
+/// How a helper is started and talked to.
 struct HelperTaskOptions {
     /// Set for each connection to the helper.
     std::optional<HelperProtocol> protocol = {};
@@ -80,8 +81,10 @@ public:
     /// Lets go of the connection of this thread and of the helper, which goes on.
     void invalidate();
 
+    /// The time-out of calls where none is given, in seconds; 0 is without end.
     [[nodiscard]] double timeout() const noexcept { return timeout_; }
     void setTimeout(double seconds) noexcept { timeout_ = seconds; }
+    /// After how many uses the helper is started anew.
     [[nodiscard]] std::uint64_t maxConnections() const noexcept { return maxConnections_; }
     /// 0 is unlimited, too.
     void setMaxConnections(std::uint64_t count) noexcept { maxConnections_ = count; }

@@ -14,6 +14,7 @@ namespace velmo {
 //     lockFileAtPath("notes.store").isAbsent();         // true
 //     unlockFileAtPath(lock);                           // true
 
+/// How a lock is taken.
 struct LockOptions {
     bool override = false;  ///< a lock that is there is taken over
 };

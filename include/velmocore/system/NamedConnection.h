@@ -37,19 +37,19 @@ enum class PortError : std::int64_t {
 /// itself fails with has the domain and the code that it chose.
 inline constexpr char16_t HelperErrorDomain[] = u"velmo.helper";
 enum class HelperError : std::int64_t {
-    UnknownOperation = 1,
-    InvalidArguments,  ///< not of a kind that can be sent or is taken: too deep, say
-    TooLarge,          ///< above 60 MB
-    InvalidResult,     ///< the answer is none
-    Failed,            ///< the operation failed and said no more
-    NameTaken,         ///< another process serves under the name
-    InvalidName,       ///< a name that nothing can have
-    Overloaded,        ///< too many calls wait already
+    UnknownOperation = 1,  ///< the object offers none of that name
+    InvalidArguments,      ///< not of a kind that can be sent or is taken: too deep, say
+    TooLarge,              ///< above 60 MB
+    InvalidResult,         ///< the answer is none
+    Failed,                ///< the operation failed and said no more
+    NameTaken,             ///< another process serves under the name
+    InvalidName,           ///< a name that nothing can have
+    Overloaded,            ///< too many calls wait already
 };
 
 /// The operations that an object is known to offer, so that it need not be asked.
 struct HelperProtocol {
-    std::vector<String> operations;
+    std::vector<String> operations;  ///< their names
 };
 
 class NamedConnection;
@@ -57,6 +57,7 @@ class NamedConnection;
 /// Stands for the object at the other end of a connection, on the thread that made it.
 class VELMO_API HelperProxy {
 public:
+    /// Of a connection, which must not be null; NamedConnection::rootProxy() makes it.
     explicit HelperProxy(std::shared_ptr<NamedConnection> connection)
         : connection_(std::move(connection)) {}
 
@@ -76,7 +77,9 @@ public:
     /// The names of all, in order; those of the protocol are not added.
     [[nodiscard]] std::vector<String> operations(Error* error = nullptr) const;
 
+    /// What the object is known to offer, from now on, to all proxies of the connection.
     void setProtocol(HelperProtocol protocol);
+    /// The one that it was made with.
     [[nodiscard]] const std::shared_ptr<NamedConnection>& connection() const noexcept {
         return connection_;
     }

@@ -19,6 +19,7 @@ namespace velmo {
 // is not told so has its fallback below the home folder.
 //
 //     pathInCachesDirectory(u"thumbnails");    // (as /home/ada/Library/Caches/thumbnails)
+//     pathInCachesDirectory(u"x") == cachesDirectory() + u"/x";    // true
 
 [[nodiscard]] VELMO_API const String& desktopDirectory();    ///< else "Desktop"
 [[nodiscard]] VELMO_API const String& downloadsDirectory();  ///< else "Downloads"
@@ -29,6 +30,7 @@ preferencesDirectory();                                   ///< "Preferences" in 
 [[nodiscard]] VELMO_API const String&
 applicationSupportDirectory();  ///< else "Application Support" in it
 
+/// A path in the folder of the name; the folder itself for nothing.
 [[nodiscard]] VELMO_API String pathInHomeDirectory(std::u16string_view component);
 [[nodiscard]] VELMO_API String pathInLibraryDirectory(std::u16string_view component);
 [[nodiscard]] VELMO_API String pathInPreferencesDirectory(std::u16string_view component);
@@ -39,6 +41,7 @@ applicationSupportDirectory();  ///< else "Application Support" in it
 [[nodiscard]] VELMO_API const String& userHomeDirectory();
 /// "Library" in the home folder outside any sandbox.
 [[nodiscard]] VELMO_API const String& userLibraryDirectory();
+/// Where the cloud's files would be, in that library folder.
 [[nodiscard]] VELMO_API const String& iCloudFolder();
 /// The folders that the client's own settings name, the personal one first; "Dropbox" in the
 /// home folder if they name none.

@@ -49,16 +49,20 @@ public:
     /// A lock without a name logs "(null)" in its place.
     explicit BasicTimedLock(String name) : waits_(std::move(name)) {}
 
+    /// Waits for the lock, and measures how long.
     void lock() {
         const auto start = std::chrono::steady_clock::now();
         lock_.lock();
         waits_.add(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
     }
+    /// The caller must hold it.
     void unlock() { lock_.unlock(); }
+    /// Takes the lock if that needs no waiting.
     [[nodiscard]] bool tryLock() { return lock_.try_lock(); }
     /// The same, by the name that the standard library asks for.
     [[nodiscard]] bool try_lock() { return lock_.try_lock(); }
 
+    /// As it was given; absent for none.
     [[nodiscard]] const String& name() const noexcept VELMO_LIFETIME { return waits_.name(); }
     /// The time that lock() took in all since the start or the last reset, in seconds.
     [[nodiscard]] double totalTime() const noexcept { return waits_.total(); }

@@ -22,11 +22,14 @@ namespace velmo {
 // What std::vector does not have of itself: search in sorted arrays, set-like joins, and a
 // cover of paths. Elements are Strings, pointers or other values; they are equal by ==, and
 // identical if they are the same string or the same address. Lists of elements to add end at
-// the first absent string or null pointer.
+// the first absent string or null pointer. Indexes and ranges count elements. One thread at a time
+// uses an array that is changed; any may read one.
 //
 //     std::vector<String> words{u"a", u"b"};
-//     unionWithObjects(words, {u"b", u"c"});                      // (a, b, c)
-//     joinWithObjectsFromArray(words, std::vector<String>{u"c"}); // (c)
+//     unionWithObjects(words, {u"b", u"c"});
+//     words;    // a, b, c
+//     joinWithObjectsFromArray(words, std::vector<String>{u"c"});
+//     words;    // c
 
 namespace detail {
 
@@ -97,6 +100,7 @@ void unite(std::vector<T>& array, std::span<const T> objects) {
 
 }  // namespace detail
 
+/// Whether an element is that very object, and not only equal to it.
 template <class T>
 bool containsObjectIdenticalTo(std::span<const T> array, const T& object) {
     return std::any_of(array.begin(), array.end(), [&](const T& element) {
@@ -171,7 +175,7 @@ void removeIdenticalObjectsFromArray(std::vector<T>& array, const std::vector<T>
     detail::keep<detail::Identical>(array, std::span<const T>(other), false);
 }
 
-/// The objects may be the array's own.
+/// Appends objects, which may be the array's own.
 template <class T>
 void addObjects(std::vector<T>& array, std::type_identity_t<std::span<const T>> objects) {
     const auto end = std::find_if(objects.begin(), objects.end(), detail::isNull<T>);

@@ -14,18 +14,23 @@ namespace velmo {
 ///     vowels.add(u"aeiou");
 ///     vowels.contains(u'e');                        // true
 ///     alphaNumCharacterSetRep().contains(u'-');     // false
+///
+/// A plain value of 8 KB; any thread may read one that none changes.
 struct CharacterSetRep {
-    std::uint8_t bits[8192] = {};
+    std::uint8_t bits[8192] = {};  ///< of unit n the bit n % 8 of byte n / 8
 
+    /// Whether it has a unit.
     [[nodiscard]] bool contains(char16_t unit) const noexcept {
         return (bits[unit >> 3] >> (unit & 7)) & 1;
     }
+    /// Puts a unit in, or all of a text.
     void add(char16_t unit) noexcept {
         bits[unit >> 3] = static_cast<std::uint8_t>(bits[unit >> 3] | 1u << (unit & 7));
     }
     void add(std::u16string_view units) noexcept {
         for (char16_t unit : units) add(unit);
     }
+    /// Takes a unit out.
     void remove(char16_t unit) noexcept {
         bits[unit >> 3] = static_cast<std::uint8_t>(bits[unit >> 3] & ~(1u << (unit & 7)));
     }

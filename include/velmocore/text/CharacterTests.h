@@ -10,7 +10,7 @@
 namespace velmo {
 
 // Texts tested against sets of units. An absent text is an empty one; no text has a unit in
-// an absent (null) set.
+// an absent (null) set. Any thread may call these.
 //
 //     containsDigitCharacter(u"page 7");                                     // true
 //     equalStringsUsingCharacterSetRep(u"A-B", u"AB", alphaNumCharacterSetRep());   // true
@@ -25,6 +25,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API bool charactersPartOfSet(std::u16string_view string,
                                                  const CharacterSetRep& set, bool emptyResult);
 
+/// The same under the name for strings, and with the sets of the names.
 [[nodiscard]] inline bool containsCharacterPartOfCharacterSetRep(std::u16string_view string,
                                                                  const CharacterSetRep* set) {
     return characterPartOfSet(string, set);
@@ -34,6 +35,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API bool containsWhiteCharacter(std::u16string_view string);
 [[nodiscard]] VELMO_API bool containsDigitCharacter(std::u16string_view string);
 
+/// How many units are in the set given or named.
 [[nodiscard]] inline std::size_t countCharactersPartOfCharacterSetRep(std::u16string_view string,
                                                                       const CharacterSetRep* set) {
     return countCharactersPartOfSet(string, set);
@@ -112,8 +114,8 @@ namespace velmo {
 ///     containsNumber(u"7 123 x", u"12");   // false
 [[nodiscard]] VELMO_API bool containsNumber(std::u16string_view string, std::u16string_view digits);
 
-/// The units outside the set: always a new string. A null set or an empty string gives the
-/// string itself.
+/// The units outside the set: always a new string. A null set, or an empty or absent string, gives
+/// the string itself.
 [[nodiscard]] VELMO_API String stringByRemovingCharactersInRep(const String& string,
                                                                const CharacterSetRep* set);
 /// The same with whiteCharacterSetRep().

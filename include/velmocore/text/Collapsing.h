@@ -18,7 +18,7 @@ enum class RunClass : std::uint8_t {
 
 // Every run of units of a class becomes one replacement unit, a run of length 1 too. Nothing
 // is trimmed: a run at an end leaves one unit as well. The result is the string itself if
-// nothing changes.
+// nothing changes, as an empty or absent one does. Any thread may call these.
 //
 //     stringByRemovingMultipleWhiteSpaces(u"one \r\n two");    // one two
 //     stringByRemovingMultipleFeeds(u"one\r\n\r\ntwo");        // one\ntwo
@@ -34,7 +34,7 @@ enum class RunClass : std::uint8_t {
     return stringByRemovingMultipleWhiteSpaces(string, RunClass::Feeds, u'\n');
 }
 
-// In place.
+// In place; the text never grows.
 
 VELMO_API void removeMultipleWhiteSpaces(std::u16string& text,
                                          RunClass runs = RunClass::WhiteSpaces,

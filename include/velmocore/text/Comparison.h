@@ -23,6 +23,8 @@ namespace velmo {
 //
 //     isEqualToStringNoCase(u"Title", u"TITLE");                    // true
 //     isAsciiEqualToStringNoCase(u"\u00C4rger", u"arger");          // true
+//     hasPrefixNoCase(u"Title", u"TI");                             // true
+//     hasPrefixNoCase(u"Title", u"");                               // false
 
 [[nodiscard]] VELMO_API bool isEqualToStringNoCase(std::u16string_view string,
                                                    std::u16string_view other);

@@ -13,10 +13,13 @@
 namespace velmo {
 
 // A small configuration text: a line is a key, white space and a value, and # begins a
-// comment line. There are no equals signs.
+// comment line. There are no equals signs. An empty or absent text has no lines and no values. Any
+// thread may call these.
 //
 //     for (const String& line : configLines(text))
 //         if (String host = configValueForKey(line, u"host"); !host.isAbsent()) connect(host);
+//     configValueForKey(u"Host h.org", u"host");    // h.org
+//     boolValue(u"Yes");                            // true
 
 /// The lines that mean something, without the white space at their ends: no comments, no
 /// empty lines and none of a single unit.

@@ -8,7 +8,7 @@ namespace velmo {
 /// Maps each UTF-16 unit to one unit. There are no expansions: a character whose
 /// mapping is not exactly one unit maps to itself.
 struct ConversionTable {
-    char16_t entries[65536];
+    char16_t entries[65536];  ///< what each unit becomes
 
     char16_t operator[](char16_t unit) const noexcept { return entries[unit]; }
 };
@@ -17,7 +17,7 @@ struct ConversionTable {
 // of the process. "Umlauts" stands for the diacritics of any script.
 //
 //     const ConversionTable& upper = upperCharsTable();
-//     bool same = upper[u'\u00E4'] == upper[u'\u00C4'];   // true
+//     upper[u'\u00E4'] == upper[u'\u00C4'];               // true
 
 /// Lower case of every upper-case letter.
 [[nodiscard]] VELMO_API const ConversionTable& lowerCharsTable();

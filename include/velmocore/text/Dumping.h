@@ -6,8 +6,8 @@
 
 namespace velmo {
 
-// Diagnostics: the units of a string, written to the log in one call. An empty string writes
-// nothing.
+// Diagnostics: the UTF-16 units of a string, written to the log in one call. An empty or absent
+// string writes nothing. Any thread may call these.
 //
 //     dump(u"ab");           // (ab          : 0061 0062)
 //     dumpAsArray(u"ab");    // (unichar string[] = { 0x0061, 0x0062 };)

@@ -9,10 +9,14 @@
 
 namespace velmo {
 
-// Small edits of a text in place. A range or index outside is cut to the text: what is to be
-// inserted after the end is appended, what is to be removed there is not.
+// Small edits of a text in place. Ranges and indexes count UTF-16 units; what lies outside is cut
+// to the text: what is to be inserted after the end is appended, what is to be removed there is
+// not. Of an empty or absent string nothing is appended. One thread at a time uses a text.
 //
-//     appendSubstring(text, u"one two", {4, 3});    // (the text ends in two)
+//     std::u16string text = u"zero";
+//     appendSubstring(text, u"one two", {3, 90});
+//     removeCharacterAtIndex(text, 0);
+//     text;    // ero two
 
 VELMO_API void appendSubstring(std::u16string& text, std::u16string_view string, Range range);
 inline void appendUnichar(std::u16string& text, char16_t unit) { text += unit; }

@@ -13,7 +13,7 @@
 namespace velmo {
 
 // Two number spaces name encodings. Operations on strings and pages take and give string
-// encodings; tables of charset names give text encodings.
+// encodings; tables of charset names give text encodings. Any thread may call what is told here.
 
 /// The numbers of string encodings. Those without a small number are 0x80000000 and the
 /// number of the text encoding.
@@ -77,6 +77,9 @@ VELMO_API void setDefaultEncoding(StringEncoding encoding) noexcept;
 /// result absent, or with lossy becomes "?". So do an absent string and an encoding that is
 /// not available. UTF-16 and UTF-32 begin with a byte-order mark unless the encoding names
 /// the order.
+///
+///     dataUsingEncoding(u"\u20AC", WindowsCP1252StringEncoding)->front();     // 128
+///     dataUsingEncoding(u"\u20AC", ISOLatin1StringEncoding).has_value();       // false
 [[nodiscard]] VELMO_API std::optional<Data> dataUsingEncoding(const String& string,
                                                               StringEncoding encoding,
                                                               bool lossy = false);

@@ -34,10 +34,12 @@ namespace velmo {
 template <class T>
 class FastArray {
 public:
+    /// The least room of a block, and the least step by which a large one grows, in objects.
     static constexpr std::size_t LeastCapacity = 16, LeastGrowth = 1024;
 
     /// Capacity 16, growth 1024. No block is made before it is needed.
     FastArray() = default;
+    /// Of objects, those that are null left out.
     explicit FastArray(std::span<T* const> objects) { setObjects(objects); }
     /// Smaller values are raised to 16 and 1024.
     static FastArray arrayWithCapacity(std::size_t capacity, std::size_t growBy = LeastGrowth) {
@@ -50,16 +52,19 @@ public:
         return FastArray(std::span<T* const>(&object, 1));
     }
 
+    /// The same objects in a block of its own, with growth 1024.
     FastArray(const FastArray& other) { setFastArray(other); }
     FastArray& operator=(const FastArray& other) {
         if (this != &other) setFastArray(other);
         return *this;
     }
+    /// Takes the block over; the other array is empty, or has what this one had.
     FastArray(FastArray&& other) noexcept { swap(other); }
     FastArray& operator=(FastArray&& other) noexcept {
         swap(other);
         return *this;
     }
+    /// Exchanges blocks and growths.
     void swap(FastArray& other) noexcept {
         std::swap(_capacity, other._capacity);
         std::swap(_growBy, other._growBy);
@@ -67,6 +72,7 @@ public:
         std::swap(_objects, other._objects);
     }
 
+    /// How many objects it has, and for how many there is room.
     std::size_t count() const noexcept { return _count; }
     std::size_t capacity() const noexcept { return _capacity; }
     /// Only shrinks; gives the resulting count.
@@ -77,12 +83,14 @@ public:
         return _objects.get();
     }
 
+    /// An object; null if there is none.
     T* firstObject() const noexcept { return objectAtIndex(0); }
     T* lastObject() const noexcept { return _count ? _objects[_count - 1] : nullptr; }
     T* objectAtIndex(std::size_t index) const noexcept {
         return index < _count ? _objects[index] : nullptr;
     }
 
+    /// Appends an object; null is passed over.
     void addObject(T* object) {
         if (!object) return;
         if (_count == _capacity || !_objects) grow();
@@ -108,10 +116,12 @@ public:
         addObject(object);
         if (object && index < _count) std::rotate(begin() + index, end() - 1, end());
     }
+    /// Nothing happens for null and for an index past the end.
     void replaceObjectAtIndex(std::size_t index, T* object) noexcept {
         if (object && index < _count) _objects[index] = object;
     }
 
+    /// Nothing happens for an index past the end.
     void removeObjectAtIndex(std::size_t index) noexcept {
         if (index < _count)
             _count = std::copy(begin() + index + 1, end(), begin() + index) - begin();
@@ -120,11 +130,14 @@ public:
     void removeObject(const T* object) {
         if (object) removeIf([&](const T* other) { return *other == *object; });
     }
+    /// Removes that very object, wherever it stands.
     void removeObjectIdenticalTo(const T* object) noexcept {
         removeIf([&](const T* other) { return other == object; });
     }
+    /// The block stays.
     void removeAllObjects() noexcept { _count = 0; }
 
+    /// Whether there is an equal object, or that very one; null is never there.
     bool containsObject(const T* object) const { return indexOfObject(object) != NotFound; }
     bool containsObjectIdenticalTo(const T* object) const noexcept {
         return indexOfObjectIdenticalTo(object) != NotFound;
@@ -138,6 +151,7 @@ public:
         return indexOf(std::find(begin(), end(), object));
     }
 
+    /// Replaces all objects by these, those that are null left out.
     void setObjects(std::span<T* const> objects) {
         _count = 0;
         addObjectsFromArray(objects);
@@ -147,16 +161,20 @@ public:
 
     /// The block itself, valid until the next insertion; null if nothing was ever inserted.
     T* const* getObjectsPtr() const noexcept { return _objects.get(); }
+    /// The objects where they stand, valid as long as the block.
     std::span<T* const> view() const noexcept { return {_objects.get(), _count}; }
+    /// Copies the objects to a place with room for count() of them.
     void getObjects(T** out) const { std::copy(begin(), end(), out); }
     /// Copies nothing if the range is empty or does not lie inside.
     void getObjects(T** out, Range range) const {
         if (range.location <= _count && range.length <= _count - range.location)
             std::copy_n(begin() + range.location, range.length, out);
     }
+    /// A copy of all.
     std::vector<T*> allObjects() const { return {begin(), end()}; }
     std::vector<T*> objects() const { return allObjects(); }
 
+    /// Calls the function with each object in turn.
     template <class Function>
     void applyFunction(Function&& function) const {
         for (T* object : view()) function(*object);

@@ -41,7 +41,7 @@ namespace velmo {
 /// empty keyword occurs nowhere. Lists of hundreds of keywords are cheap on a short text.
 ///
 ///     constexpr std::string_view Hosts[] = {"doubleclick.net", "/adserver/"};
-///     fastContainsSubCStrings(url, Hosts, &lowerCharsTable());
+///     fastContainsSubCStrings(u"http://ad.DoubleClick.net/", Hosts, &lowerCharsTable());    // true
 [[nodiscard]] VELMO_API bool fastContainsSubCStrings(std::u16string_view text,
                                                      std::span<const std::string_view> keywords,
                                                      const ConversionTable* table);

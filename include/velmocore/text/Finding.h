@@ -15,7 +15,8 @@ namespace velmo {
 // Substrings of any length. Without regard to case, two units are equal if the upper-case or
 // the lower-case table makes them so; an occurrence always has the length of what is sought.
 // An absent string is an empty one; nothing occurs in it, and it occurs nowhere. The time is
-// linear in the lengths of both, whatever they hold.
+// linear in the lengths of both, whatever they hold. Ranges count UTF-16 units. Any thread may call
+// these.
 //
 //     containsSubstring(u"a Title", u"title", Case::Insensitive);    // true
 //     countSubstring(u"aaaa", u"aa");                    // 2
@@ -37,10 +38,11 @@ namespace velmo {
                                                  std::span<const std::string_view> keywords,
                                                  Case letterCase = Case::Sensitive);
 
+/// How findString() looks.
 struct FindOptions {
-    Case letterCase = Case::Sensitive;
-    Direction direction = Direction::Forward;
-    bool wrap = false;  ///< go on at the other end of the string
+    Case letterCase = Case::Sensitive;         ///< as told above
+    Direction direction = Direction::Forward;  ///< after the selection, or before it
+    bool wrap = false;                         ///< go on at the other end of the string
 };
 /// The next occurrence after the selection, or the last one before it. The selection itself
 /// is not searched, and what overlaps it does not count. No range if there is none.

@@ -9,7 +9,8 @@
 
 namespace velmo {
 
-// Whole strings through the conversion tables. An absent or empty string comes back as it is.
+// Whole strings through the conversion tables. An absent or empty string comes back as it is. Any
+// thread may call these.
 //
 //     nonUmlautedString(u"\u00C4rger");            // Arger
 //     lowercaseAsciiString(u"\u00C4 \u0416");      // "a  "

@@ -9,10 +9,12 @@
 
 namespace velmo {
 
-// A text as lines. A line ends at a feed unit (isFeedUnit()); CR with LF after it is one end.
+// A text as lines. A line ends at a feed unit (isFeedUnit()); CR with LF after it is one end. An
+// absent text is an empty one. Any thread may call these.
 //
 //     numberOfLines(u"one\r\n\r\nthree");    // 3
 //     lines(u"one\ntwo")[0];                 // "one\n"
+//     firstLine(u"one\ntwo");                // one
 
 /// The number of lines, empty ones included; 0 for an empty string. A line end at the very
 /// end starts no further line.

@@ -10,12 +10,14 @@
 namespace velmo {
 
 /// Unicode normalisation forms. The numbers are part of the interface.
+///
+///     normalizedString(u"\uFB01", NormalizationForm::KC);    // fi
 enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 
 // Composed, decomposed, in lower or upper case: whole texts, where the length may change.
 // No locale has a say. Always a new string; an absent or empty one comes back as it is.
 // A text beyond 2^31 units is refused with std::bad_alloc. The time is linear in the text, runs
-// of any number of combining marks included: none is cut.
+// of any number of combining marks included: none is cut. Any thread may call these.
 //
 //     normalizedString(u"a\u0308");                          // \u00E4
 //     fixedAndNormalizedString(u"a\U0001F600");              // "a  "
@@ -33,7 +35,7 @@ enum class NormalizationForm : std::uint8_t { D = 0, KD = 1, C = 2, KC = 3 };
 /// The units of the text in form C, an array of the caller's own.
 [[nodiscard]] VELMO_API std::u16string getCharactersOfNormalizedString(std::u16string_view string);
 
-// In place.
+// The same in place, and the case alone.
 
 VELMO_API void normalizeString(std::u16string& text, NormalizationForm form = NormalizationForm::C);
 VELMO_API void normalizeLowercaseString(std::u16string& text);

@@ -11,10 +11,12 @@
 namespace velmo {
 
 // File paths as strings, with slashes between the components, and file names made of any text.
-// The file system is not touched and no link followed. An absent path is an empty one.
+// The file system is not touched and no link followed. An absent path is an empty one. Any thread
+// may call these.
 //
 //     standardizedPath(u"/a/./b/../c");                       // /a/c
 //     relativePathToDirectory(u"/a/b/c", u"/a/x");            // ../b/c
+//     stringByReplacingPathExtensionWith(u"a/b.txt", u"md");  // a/b.md
 //     stringByCreatingFilename(u"..What? Why/How:  x");       // What- Why-How-  x
 //
 // The extension of a path is what stands after the last full stop of its last component, if

@@ -8,7 +8,7 @@
 namespace velmo {
 
 // Hard line wrapping taken apart, so that a paragraph is one line again. Always a new string;
-// an absent or empty one comes back as it is.
+// an absent or empty one comes back as it is. Any thread may call these.
 
 /// Unwraps a mail. Lines are joined by a space. A break stays
 /// - if two or more follow each other: one empty line is left of them;

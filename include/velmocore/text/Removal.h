@@ -13,10 +13,12 @@ namespace velmo {
 // stringByRemovingWhiteSpaces() stands in CharacterTests.h.
 //
 //     stringByRemovingCharactersOfString(u"(0)30-12", u"()-");    // 03012
-//     removeTabs(text);    // (the text is a std::u16string)
+//     std::u16string text = u"a\tb";
+//     removeTabs(text);
+//     text;    // ab
 
 // The result is the string itself if nothing is removed, the constant empty string if everything
-// is, else a new string. An absent string stays absent.
+// is, else a new string. An absent string stays absent. Any thread may call these.
 
 [[nodiscard]] VELMO_API String stringByRemovingFeeds(const String& string);
 [[nodiscard]] VELMO_API String stringByRemovingTabs(const String& string);

@@ -15,10 +15,13 @@ namespace velmo {
 
 // Units and substrings replaced wherever they stand. Occurrences do not overlap and are taken
 // from the left; the work is linear in the text. Without regard to case, an occurrence is one
-// of containsSubstring().
+// of containsSubstring(). What is sought and is empty or absent occurs nowhere. Any thread may call
+// these.
 //
 //     stringByReplacingString(u"a-b-c", u"-", u", ");    // a, b, c
+//     std::u16string text = u"Tea\u00AD";
 //     deleteString(text, u"\u00AD");                     // 1
+//     text;                                              // Tea
 
 // The result is the string itself if nothing is replaced. An absent string stays absent.
 
@@ -57,7 +60,9 @@ inline std::size_t deleteString(std::u16string& text, std::u16string_view sought
 
 /// Replaces by a format (Format.h) with its arguments. An absent format replaces nothing.
 ///
-///     replaceStringWithFormat(text, u"$PAGE", u"%d of %d", {3, 12});
+///     std::u16string text = u"Page $PAGE";
+///     replaceStringWithFormat(text, u"$PAGE", u"%d of %d", {3, 12});    // 1
+///     text;                                                             // Page 3 of 12
 VELMO_API std::size_t replaceStringWithFormat(std::u16string& text, std::u16string_view sought,
                                               std::u16string_view format,
                                               std::initializer_list<FormatArgument> arguments);

@@ -9,7 +9,7 @@
 
 namespace velmo {
 
-// Strings out of small parts, and their ends.
+// Strings out of small parts, and their ends. Any thread may call these.
 //
 //     stringWithComponents({u"com", u"example", u"reader"});   // com.example.reader
 

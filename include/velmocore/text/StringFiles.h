@@ -11,7 +11,7 @@ namespace velmo {
 // Strings from bytes. Bytes that the encoding does not allow, a null pointer and an encoding
 // that is not available give an absent string; no bytes give the empty one. ASCII alone
 // never fails: a byte above 127 becomes U+FFFD. A byte-order mark at the start is not part of
-// the text.
+// the text. Lengths count bytes. Any thread may call what is told here.
 //
 //     stringWithNullTerminatedCString("caf\xE9", ISOLatin1StringEncoding);    // caf\u00E9
 
@@ -58,8 +58,9 @@ VELMO_API bool writeToFile(const String& string, const Path& path, bool atomical
 
 /// Whether a file was written, and in which encoding it was to be.
 struct FileWriting {
-    bool isWritten;
-    StringEncoding usedEncoding;
+    bool isWritten;               ///< whether all of it stands in the file
+    StringEncoding usedEncoding;  ///< what was chosen
+    /// The first of the two.
     explicit operator bool() const { return isWritten; }
 };
 

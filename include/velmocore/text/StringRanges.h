@@ -15,12 +15,12 @@ namespace velmo {
 /// How a substring is sought; or-ed together. Without LiteralSearch, composed and decomposed
 /// characters are the same, and no hit begins or ends inside a character with its marks.
 enum SearchOptions : std::uint32_t {
-    DefaultSearch = 0,
-    CaseInsensitiveSearch = 1,
-    LiteralSearch = 2,
-    BackwardsSearch = 4,  ///< the last occurrence
-    DiacriticInsensitiveSearch = 128,
-    WidthInsensitiveSearch = 256,  ///< full-width and half-width forms are the usual ones
+    DefaultSearch = 0,                 ///< as told above
+    CaseInsensitiveSearch = 1,         ///< upper and lower case are the same
+    LiteralSearch = 2,                 ///< unit by unit
+    BackwardsSearch = 4,               ///< the last occurrence
+    DiacriticInsensitiveSearch = 128,  ///< marks do not count
+    WidthInsensitiveSearch = 256,      ///< full-width and half-width forms are the usual ones
 };
 constexpr SearchOptions operator|(SearchOptions a, SearchOptions b) {
     return static_cast<SearchOptions>(std::uint32_t{a} | std::uint32_t{b});
@@ -29,6 +29,7 @@ constexpr SearchOptions operator|(SearchOptions a, SearchOptions b) {
 /// Names a stretch of text by what stands before it and after it.
 class StringRange {
 public:
+    /// Without markers, and so of no text; and with two, as setStart() takes them.
     StringRange() = default;
     StringRange(const String& start, const String& end) { setStart(start, end); }
     /// An empty marker is the same as none.
@@ -36,6 +37,7 @@ public:
         _start = start.isEmpty() ? String() : start;
         _end = end.isEmpty() ? String() : end;
     }
+    /// The markers; absent for none.
     [[nodiscard]] const String& start() const VELMO_LIFETIME { return _start; }
     [[nodiscard]] const String& end() const VELMO_LIFETIME { return _end; }
 
@@ -44,9 +46,11 @@ private:
 };
 
 // Stretches of text between two markers, for programs that know a page by its landmarks. The
-// end marker is sought forward from the start marker, whatever the options say.
+// end marker is sought forward from the start marker, whatever the options say. Ranges and indexes
+// count UTF-16 units; an empty or absent text has no stretches. Any thread may call these.
 //
 //     substringWithStart(u"<b>bold</b>", u"<b>", u"</b>");    // bold
+//     stringRangeWithStart(u"a=1", u"=", u";", false);         // {2, 1}
 
 /// The text between the markers, without them. Without an end marker, or if it does not occur,
 /// it goes to the end of the string; but then there is none if it is required, or with

@@ -9,10 +9,11 @@ namespace velmo {
 
 // Tabs and spaces of a text in columns: a tab goes on to the next multiple of the width. A
 // feed unit starts again at column 0; every other unit takes one column. A width of 0 leaves
-// the text as it is.
+// the text as it is, as an empty one is. One thread at a time uses a text.
 //
 //     std::u16string text = u"a\tb";
-//     decodeTabs(text, 4);              // (a, three spaces, b)
+//     decodeTabs(text, 4);
+//     text;                             // "a   b"
 
 /// Replaces every tab by U+0020.
 VELMO_API void decodeTabs(std::u16string& text, std::size_t width);

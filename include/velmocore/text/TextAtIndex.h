@@ -12,7 +12,7 @@ namespace velmo {
 
 // What stands around one index of a text, as an editor asks when the user clicks into it.
 // Each range has a string beside it, which is empty if there is no range. An index outside
-// the text gives none.
+// the text gives none. Indexes and ranges count UTF-16 units. Any thread may call these.
 //
 //     getWordAtIndex(u"one two", 5);                         // two
 //     getLinkAtIndex(u"see <http://example.com/>.", 10);     // http://example.com/

@@ -12,7 +12,8 @@ namespace velmo {
 
 // Units trimmed off the ends of a string. Only the ends are looked at, however long the
 // string is. The result is the string itself if nothing is removed (an absent one too), the
-// constant empty string if everything is, else a new string.
+// constant empty string if everything is, else a new string. Ranges count UTF-16 units. Any thread
+// may call these.
 //
 // "Spaces" are spaceCharacterSetRep(), or whiteCharacterSetRep() with andFeeds true.
 //

@@ -4,7 +4,8 @@ namespace velmo {
 
 /// How pages are read. What is off here reads them by the rules of this library, which were made
 /// for the web of their day; what is on, as browsers of today do. The rules are ours, and off where
-/// nothing else is said.
+/// nothing else is said. A plain value for the options of an operation; nothing is global, so that
+/// threads may read by different rules.
 ///
 ///     const std::string bytes = "<meta charset=latin1>caf\xE9 \x80";
 ///     decodeMarkup(bytes, {.web = WebRules::today()}).text.view().substr(21);   // caf\u00E9 \u20AC
@@ -33,8 +34,8 @@ struct WebRules {
     ///
     ///     stringByConvertingHtml2PlainText(u"<p>Zu&shy;cker", {.web = WebRules::today()});  // "Zucker"
     bool softHyphens = false;
-    /// Attributes are those of the HTML standard: a quote mark opens a value right behind its =, and
-    /// only there; a quoted value may hold a >; of two attributes of one name the first counts.
+    /// Attributes are those of the HTML standard: a quote mark opens a value right behind its =,
+    /// and only there; a quoted value may hold a >; of two attributes of one name the first counts.
     ///
     ///     *htmlImages(u"<img alt=a@b.org' src=c.png>", WebRules::today()).begin();   // c.png
     bool attributes = false;
@@ -43,13 +44,13 @@ struct WebRules {
     ///
     ///     stringByConvertingHtml2PlainText(u"1 < 2 <b>x</b> <a", {.web = WebRules::today()});  // "1 < 2 x"
     bool tagBounds = false;
-    /// What begins with <! or <? ends at the next >, but for comments, which end at --> or --!>, and
-    /// for CDATA sections where they mean something: in images, formulas and feeds.
+    /// What begins with <! or <? ends at the next >, but for comments, which end at --> or --!>,
+    /// and for CDATA sections where they mean something: in images, formulas and feeds.
     ///
     ///     stringByConvertingHtml2PlainText(u"a<![endif>b<!-c>d", {.web = WebRules::today()});  // "abd"
     bool comments = false;
-    /// What stands in script, style, title, textarea, xmp, iframe, noembed and noframes elements holds
-    /// no tags, and they end at their own closing tag only, or at the end of the page.
+    /// What stands in script, style, title, textarea, xmp, iframe, noembed and noframes elements
+    /// holds no tags, and they end at their own closing tag only, or at the end of the page.
     ///
     ///     htmlTitle(u"<title>The <b> tag</title>", WebRules::today());   // "The <b> tag"
     bool rawText = false;
@@ -57,8 +58,8 @@ struct WebRules {
     ///
     ///     stringByConvertingHtml2PlainText(u"a<script/>b</script>c", {.web = WebRules::today()});  // "ac"
     bool selfClosing = false;
-    /// A base tag, and the xml:base of a feed, may be relative to the page; of several base tags the
-    /// first one counts. References of feeds need not begin with / to be relative to it.
+    /// A base tag, and the xml:base of a feed, may be relative to the page; of several base tags
+    /// the first one counts. References of feeds need not begin with / to be relative to it.
     ///
     ///     const URL page = URL::URLWithString(u"http://h.org/a/b");
     ///     htmlBaseURL(u"<base href='c/'>", WebRules::today(), page);   // http://h.org/a/c/
@@ -69,7 +70,8 @@ struct WebRules {
     ///     htmlFavIcon(u"<link rel=icon href=a.ico>", WebRules::today());   // a.ico
     bool linkTags = false;
     /// The display and visibility that its style names hide an element of a page, and nothing else
-    /// does: no other value in its style, its class, its size or its place. Text that scrolls is text.
+    /// does: no other value in its style, its class, its size or its place. Text that scrolls is
+    /// text.
     ///
     ///     const String page = u"<div style='display:block; border:none'>a<marquee>b";
     ///     stringByConvertingHtml2PlainText(page, {.web = WebRules::today()});   // ab

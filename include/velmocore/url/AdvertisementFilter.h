@@ -27,11 +27,13 @@ namespace velmo {
 /// any thread.
 class VELMO_API AdvertisementFilter {
 public:
+    /// Reads a list; an empty or absent one has no rules. Time is linear in it.
     explicit AdvertisementFilter(std::u16string_view rules);
 
     /// False for an absent URL and for one without a host.
     [[nodiscard]] bool matches(const URL& url) const;
 
+    /// The rules that count, exceptions too.
     [[nodiscard]] std::size_t numberOfRules() const noexcept;
     /// The lines that are neither a rule that counts, nor a comment (!), a title ([) or empty.
     [[nodiscard]] std::size_t numberOfSkippedLines() const noexcept;

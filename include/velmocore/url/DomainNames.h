@@ -15,7 +15,8 @@ namespace velmo {
 //     displayDomain(u"xn--80ak6aa92e.com");          // "xn--80ak6aa92e.com"
 //
 // These are ours. All give the absent string for what can be no host: the empty text, units as /,
-// @ or : in it, letters that no name may have, and names beyond 1,000 units that are no ASCII.
+// @ or : in it, letters that no name may have, and names beyond 1,000 units that are no ASCII. Any
+// thread may call these.
 
 /// The host of a web URL: in lower case and ASCII, escapes decoded, and an address as its numbers:
 /// 0x7f.1 is 127.0.0.1, [0:0::1] is [::1].

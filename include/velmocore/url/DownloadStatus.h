@@ -12,9 +12,11 @@ namespace velmo {
 //     isHTTPStatusCodeOkay(304);                                          // false
 //     const Error timedOut{u"velmo.url", URLErrorTimedOut, u"timed out"};
 //     HTTPStatusCodeForNSURLError(&timedOut);                             // 408
+//     isTemporaryNSURLError(nullptr);                                     // false
 
 /// Codes of the errors of downloads.
 enum URLErrorCode : std::int64_t {
+    // What kept a document from coming, by the names.
     URLErrorUnknown = -1,
     URLErrorCancelled = -999,
     URLErrorBadURL = -1000,

@@ -32,6 +32,7 @@ namespace velmo {
 /// The programs whose documents count as office documents, beside those of sheets and
 /// presentations.
 struct OfficePrograms {
+    // Each by its name.
     bool MSWord = true;
     bool OpenOffice = true;
     bool StarOffice = true;
@@ -39,15 +40,19 @@ struct OfficePrograms {
     bool PDF = true;
     bool PostScript = true;
 };
+/// officeTypes() without those of the programs that are left out.
 [[nodiscard]] VELMO_API std::vector<String> officeTypesIncluding(const OfficePrograms& programs);
 
+/// Which files count as binary ones, beside those of the other lists.
 struct BinaryFileOptions {
-    bool richText = true;
-    OfficePrograms programs;
+    bool richText = true;     ///< richTextTypes()
+    OfficePrograms programs;  ///< officeTypesIncluding()
 };
+/// binaryFileTypes() without what the options leave out.
 [[nodiscard]] VELMO_API std::vector<String> binaryFileTypesIncluding(
     const BinaryFileOptions& options);
 
+/// Whether an extension stands in the list of that name.
 [[nodiscard]] VELMO_API bool isImageType(std::u16string_view extension);
 [[nodiscard]] VELMO_API bool isMarkupType(std::u16string_view extension);
 [[nodiscard]] VELMO_API bool isRichTextType(std::u16string_view extension);
@@ -59,8 +64,8 @@ struct BinaryFileOptions {
 
 /// Kinds of multimedia files.
 struct MultimediaKinds {
-    bool audio = false;
-    bool video = false;
+    bool audio = false;     ///< sounds
+    bool video = false;     ///< films
     bool embedded = false;  ///< shown by a plug-in
 };
 /// Whether a file is of one of these kinds. Files that play in neither way, as play lists

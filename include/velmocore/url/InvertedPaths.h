@@ -10,14 +10,16 @@
 namespace velmo {
 
 // Where a page is kept in a file tree. No component is too long for a file system: one beyond
-// 250 units is cut, and a checksum of the whole appended. An absent URL gives absent.
+// 250 UTF-16 units is cut, and a checksum of the whole appended. An absent URL gives absent. No
+// file is touched. Any thread may call these.
 //
 //     const URL url = URL::URLWithString(u"http://www.h.org/a/?sid=b&n=1");
 //     invertedPathRelativeToDirectory(url, u"/mirror");   // /mirror/org/h/www/a/?n=1
 //     pathRelativeToDirectory(url, u"/mirror");           // /mirror/www.h.org/a/?sid=b&n=1
 
+/// How an inverted path is made.
 struct InvertedPathOptions {
-    bool removeSessionIDs = true;
+    bool removeSessionIDs = true;         ///< see stringURLByRemovingSessionIDs()
     String pathExtension = {};            ///< appended to the path
     std::size_t maxHostComponents = 0;    ///< 0 for no limit; more are joined with full stops
     std::size_t maxPathComponents = 0;    ///< host and path together; more are joined with -
@@ -29,6 +31,7 @@ struct InvertedPathOptions {
 [[nodiscard]] VELMO_API String invertedPathRelativeToDirectory(
     const URL& url, const String& directory, const InvertedPathOptions& options = {});
 
+/// How a direct path is made.
 struct DirectPathOptions {
     bool simplified = false;           ///< one file name for path, parameters and query
     bool defaultPathComponent = true;  ///< index.html for a folder

@@ -8,7 +8,7 @@ namespace velmo {
 
 /// Whether a link of a page is not worth following: a lone mark as #, or a scheme that leads
 /// to no document, as mailto:, javascript: and chat programs. Relative links, and an empty
-/// one, are never filtered.
+/// one, are never filtered. Any thread.
 ///
 ///     filterLink(u"mailto:a@b.org");   // true
 ///     filterLink(u"feed:h/rss");       // false

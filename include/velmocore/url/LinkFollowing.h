@@ -10,16 +10,16 @@ namespace velmo {
 /// How far a gatherer goes from the page it began with. Values from FollowLevels on limit
 /// the depth: with FollowLevels + n it follows links up to the level n + 1, wherever they lead.
 enum FollowMode : std::int64_t {
-    FollowNothing = 0,
-    FollowSameHost = 1,
+    FollowNothing = 0,      ///< no link
+    FollowSameHost = 1,     ///< links to the host of the base
     FollowSameFolder = 2,   ///< of the same host
     FollowSameFolders = 3,  ///< those whose path begins with that of the base's folder
-    FollowEverything = 4,
-    FollowLevels = 5,
+    FollowEverything = 4,   ///< all links
+    FollowLevels = 5,       ///< all links up to a depth
 };
 
 /// Whether a gatherer follows a link of the given depth that was found under the base. A
-/// mode that is no FollowMode and below FollowLevels follows nothing.
+/// mode that is no FollowMode and below FollowLevels follows nothing. Any thread.
 ///
 ///     const URL base = URL::URLWithString(u"http://h.org/docs/index.html");
 ///     const URL link = URL::URLWithString(u"http://h.org/x/y.html");

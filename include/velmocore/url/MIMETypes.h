@@ -18,6 +18,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API bool isMarkupMIMEType(std::u16string_view type);
 /// Any text counts, whatever it says to be.
 [[nodiscard]] VELMO_API bool isHTMLMIMEType(std::u16string_view type);
+// Each by its name.
 [[nodiscard]] VELMO_API bool isJSONMIMEType(std::u16string_view type);
 [[nodiscard]] VELMO_API bool isWebArchiveMIMEType(std::u16string_view type);
 [[nodiscard]] VELMO_API bool isImageMIMEType(std::u16string_view type);

@@ -26,14 +26,15 @@ struct PageKeyOptions {
 ///     pageKey(page);   // http://h.org/a?a=1&b=2
 ///
 /// Beyond the options these never count: how a host is written (its case, letters of people or
-/// ASCII, numbers of an address, dots behind it; see url/DomainNames.h), a port that is the scheme's
-/// own, credentials, . and .. and doubled slashes, a slash at the end, escapes of what needs none and
-/// the case of all others, a space as + or %20, empty parts of a query, an & written as &amp;, and an
-/// anchor that is no address (#! or #/ and more is one). The case of path and query does count.
+/// ASCII, numbers of an address, dots behind it; see url/DomainNames.h), a port that is the
+/// scheme's own, credentials, . and .. and doubled slashes, a slash at the end, escapes of what
+/// needs none and the case of all others, a space as + or %20, empty parts of a query, an & written
+/// as &amp;, and an anchor that is no address (#! or #/ and more is one). The case of path and
+/// query does count.
 ///
 /// What has no host, as mailto:, loses its anchor only and has its scheme in lower case; the path
 /// of a file keeps its index page. An absent URL gives an absent key. Time linear in the URL, and
-/// in a query of n parameters n log n.
+/// in a query of n parameters n log n. Any thread.
 ///
 /// This is ours, for the web as it is; simplifiedStringURL() is the older key and lowers all
 /// cases.

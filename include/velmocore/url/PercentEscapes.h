@@ -9,7 +9,7 @@
 namespace velmo {
 
 // Percent escapes, decoded and made. An absent string gives absent; a string with nothing
-// to change comes back as it is.
+// to change comes back as it is. Any thread may call these.
 //
 //     stringByReplacingStandardPercentEscapesOfURL(u"a%2Fb%41");   // a/b%41
 //     stringByAddingPercentEscapesToURL(u"/\u00E4 b%20c");         // /%C3%A4%20b%20c
@@ -20,7 +20,7 @@ namespace velmo {
 // - ASCII: every escape of a value below 128 is decoded.
 // What an escape of % gives is not looked at again.
 
-/// Converts an array in its place and gives its new length. The array never grows.
+/// Converts an array in its place and gives its new length, in UTF-16 units. The array never grows.
 VELMO_API std::size_t convertPercentEscapesOfURL(char16_t* characters, std::size_t length,
                                                  bool standard) noexcept;
 [[nodiscard]] VELMO_API String stringByReplacingStandardPercentEscapesOfURL(const String& string);
@@ -38,8 +38,9 @@ VELMO_API std::size_t convertPercentEscapesOfURL(char16_t* characters, std::size
 /// Escapes every unit below 128 but ASCII letters and digits.
 [[nodiscard]] VELMO_API String stringByAddingASCIIPercentEscapesToURL(const String& string);
 
+/// What is escaped, and as which bytes.
 struct PercentEscapeOptions {
-    StringEncoding encoding = UTF8StringEncoding;
+    StringEncoding encoding = UTF8StringEncoding;  ///< of the bytes
     /// Units that stay although a URL may not hold them.
     std::u16string_view leaveUnescaped = {};
     /// Units that are escaped although a URL may hold them. An absent list stands for

@@ -17,10 +17,14 @@ namespace velmo {
 // are compared exactly, values are not decoded. Nothing is copied but the result.
 //
 //     queryParamNamed(u"http://h/p?q=ferret&n=5", u"n");    // 5
+//     paramNamed(u"a=1;b=2", u"b");                         // 2
+//     numberOfQueryParams(u"http://h/p?q=&n=5");            // 2
+//     queryParams(u"http://h/p").has_value();               // false
 //
 // The forms of a string look after its first ?, and have no pairs without one; those of a
-// URL look at its query. An absent or empty name has no value anywhere.
+// URL look at its query. An absent or empty name has no value anywhere. Any thread may call these.
 
+/// Values by the names of their pairs.
 using QueryParams = std::map<String, String>;
 
 /// The value of the first pair of that name that has one; absent without. A pair with an

@@ -9,12 +9,13 @@
 namespace velmo {
 
 // Links of pages resolved against the URL of their page, with what people get wrong put
-// right.
+// right. Any thread may call these.
 //
 //     const URL page = URL::URLWithString(u"http://me:pw@h.org/a/b.html");
 //     URLRelativeTo(page, u"../c//d.html#x");      // http://me:pw@h.org/c/d.html
 //     URLRelativeTo(page, u"hhttp://i.org/a b");   // http://i.org/a%20b
 
+/// How links are resolved.
 struct RelativeURLOptions {
     /// The anchor is removed, unless the base is a file.
     bool trimAnchor = true;
@@ -38,13 +39,13 @@ struct RelativeURLOptions {
 [[nodiscard]] VELMO_API URL URLRelativeTo(const URL& base, const String& link,
                                           const RelativeURLOptions& options = {});
 
-// With WebRules::resolution the result is what browsers make of a link: the serialization of the URL
-// standard. No scheme is put right and no link is filtered; mail links, scripts and data are URLs;
-// credentials of the base go to relative links alone; on a file base links are URLs as on any other.
-// Slashes stay as many as they are, hosts are in their ASCII form (see url/DomainNames.h), and the
-// encoding is that of queries. Such a URL may hold what RFC 3986 does not allow, as "|" or a lone
-// "%"; url/URLVariants.h keeps that. Its anchor is removed on a file base too, and what is only an
-// anchor, or empty, is absent then and else the base.
+// With WebRules::resolution the result is what browsers make of a link: the serialization of the
+// URL standard. No scheme is put right and no link is filtered; mail links, scripts and data are
+// URLs; credentials of the base go to relative links alone; on a file base links are URLs as on any
+// other. Slashes stay as many as they are, hosts are in their ASCII form (see url/DomainNames.h),
+// and the encoding is that of queries. Such a URL may hold what RFC 3986 does not allow, as "|" or
+// a lone "%"; url/URLVariants.h keeps that. Its anchor is removed on a file base too, and what is
+// only an anchor, or empty, is absent then and else the base.
 //
 //     const WebRules web = {.resolution = true};
 //     const URL page = URL::URLWithString(u"https://h.org/a/b");

@@ -25,11 +25,13 @@ namespace velmo {
 /// includingCommonHosts the sites of well-known advertisers and of surveys count too.
 [[nodiscard]] VELMO_API bool stringURLIsAdvertisementIncludingCommonHosts(
     std::u16string_view string, bool includingCommonHosts);
+/// The same with the common hosts.
 [[nodiscard]] inline bool stringURLIsAdvertisement(std::u16string_view string) {
     return stringURLIsAdvertisementIncludingCommonHosts(string, true);
 }
 /// A page that submits another to a bookmarking or social site.
 [[nodiscard]] VELMO_API bool stringURLIsBookmarklet(std::u16string_view string);
+/// A captcha as it is shown to browsers without scripts.
 [[nodiscard]] VELMO_API bool stringURLIsRecaptcha(std::u16string_view string);
 /// A page that shows another in translation.
 [[nodiscard]] VELMO_API bool stringURLIsTranslation(std::u16string_view string);
@@ -43,6 +45,7 @@ namespace velmo {
 
 /// The answers of all these tests.
 struct URLClasses {
+    // Each by the name of its test.
     bool imageAd = false;
     bool adSense = false;
     bool advertisement = false;

@@ -12,7 +12,7 @@
 namespace velmo {
 
 // URLs of strings that have no base. A missing scheme is supplied where that is safe. An
-// absent or empty string gives the absent URL.
+// absent or empty string gives the absent URL. Any thread may call these.
 //
 //     URLWithStringOrPath(u"www.example.com");           // http://www.example.com
 //     URLWithStringOrPath(u"/tmp/a b");                  // file:///tmp/a%20b

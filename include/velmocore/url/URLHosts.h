@@ -17,8 +17,10 @@ namespace velmo {
 //
 //     invertedHost(u"www.Example.org");                     // org.example.www
 //     invertedHostComponents(u"a.b.example.org", 2)[1];   // example.b.a
+//     hostComponents(u"").has_value();                     // false
 //
-// The forms of a URL look at its host; without one they answer as to an empty text.
+// The forms of a URL look at its host; without one they answer as to an empty text, which an absent
+// one is too. Any thread may call these.
 
 /// The parts as they stand, empty ones too; none for an empty host.
 [[nodiscard]] VELMO_API std::optional<std::vector<String>> hostComponents(std::u16string_view host);
@@ -29,7 +31,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API String invertedHost(const URL& url);
 
 /// The parts that are not empty, at most so many: those that are too many stand in the last
-/// one, with full stops between. A last one beyond 250 units is cut and gets a checksum. A
+/// one, with full stops between. A last one beyond 250 UTF-16 units is cut and gets a checksum. A
 /// maximum of 0 is none.
 [[nodiscard]] VELMO_API std::vector<String> invertedHostComponents(std::u16string_view host,
                                                                    std::size_t maximum = NotFound);
@@ -41,6 +43,7 @@ namespace velmo {
 [[nodiscard]] VELMO_API String stringByAppendingInvertedHostComponents(std::u16string_view host,
                                                                        std::size_t maximum,
                                                                        const String& toPath);
+/// The same with all parts, however many.
 [[nodiscard]] inline String stringByAppendingInvertedHostComponentsToPath(std::u16string_view host,
                                                                           const String& path) {
     return stringByAppendingInvertedHostComponents(host, NotFound, path);

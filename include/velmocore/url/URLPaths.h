@@ -8,7 +8,7 @@ namespace velmo {
 
 // Views of a URL that are put together from its parts, for lists, comparison and names. They
 // hold the parts as they stand, escapes and all; of a file URL they hold the decoded path.
-// An absent URL gives the absent string.
+// An absent URL gives the absent string. Any thread may call these.
 //
 //     const URL url = URL::URLWithString(u"http://me:pw@www.h.org/a/b.html;v?q=1#x");
 //     baseDirectory(url);                        // /a
@@ -18,6 +18,7 @@ namespace velmo {
 
 /// The path without parameters; empty if there is none.
 [[nodiscard]] VELMO_API String fullPath(const URL& url);
+/// The path with what follows it, up to the fragment or with it.
 [[nodiscard]] VELMO_API String pathWithParamsAndQuery(const URL& url);
 [[nodiscard]] VELMO_API String pathWithParamsAndQueryAndFragment(const URL& url);
 /// The whole URL; of a file URL the path.

@@ -6,7 +6,8 @@
 namespace velmo {
 
 // What people type and paste, made ready to become a URL. Nothing here parses: see
-// url/URLConstruction.h for that. A text with nothing to change comes back as it is.
+// url/URLConstruction.h for that. A text with nothing to change comes back as it is. Any thread may
+// call these.
 //
 //     possibleInternetLocation(u" www.example.org\n");                // www.example.org
 //     stringByFormattingURL(u"Ann Example <ann@example.org>");        // ann@example.org

@@ -10,14 +10,18 @@
 namespace velmo {
 
 // What a URL can be used for, by its scheme. Schemes are compared in any case. An absent URL
-// is nothing.
+// is nothing, and neither is an empty text. Any thread may call these.
 //
 //     isDownloadableURL(URL::URLWithString(u"FTP://host/file"));   // true
+//     isRemoteWebKitStringURL(u"www.example.org");                 // true
+//     isMailStringURL(u"ann@example.org");                         // true
+//     validFeedStringURL(u"feed:h.org/rss");                       // http://h.org/rss
 
 [[nodiscard]] VELMO_API bool isHTTPURL(const URL& url);  ///< http, https
 [[nodiscard]] VELMO_API bool isFTPURL(const URL& url);   ///< ftp, ftps, sftp
 /// The schemes "news" and "nttp"; the second is spelt so, unlike that of isNewsStringURL().
 [[nodiscard]] VELMO_API bool isNewsURL(const URL& url);
+// Each by its name.
 [[nodiscard]] VELMO_API bool isFeedURL(const URL& url);
 [[nodiscard]] VELMO_API bool isMailURL(const URL& url);
 [[nodiscard]] VELMO_API bool isJavaScriptURL(const URL& url);
@@ -64,7 +68,7 @@ namespace velmo {
 /// Begins with /, ~ or file://.
 [[nodiscard]] VELMO_API bool isFileStringURL(std::u16string_view string);
 
-/// Whether the text is a mail address, or a mailto: link of at least 12 units. What
+/// Whether the text is a mail address, or a mailto: link of at least 12 UTF-16 units. What
 /// follows the first full stop of the domain may be four units long at most.
 [[nodiscard]] VELMO_API bool isMailStringURL(std::u16string_view string);
 

@@ -11,7 +11,7 @@ namespace velmo {
 // One page is reached under many URLs. Each of these takes one difference away; together
 // they make a key to compare pages by. They work on the text and do not parse it as a URL.
 // What has nothing to do gives the string itself, an absent one too; what leaves nothing
-// gives the empty string.
+// gives the empty string. Any thread may call these.
 //
 //     stringURLByRemovingSessionIDs(u"http://h/?sid=a1&n=2");                 // http://h/?n=2
 //     simplifiedStringURL(u"https://www.h.org/A//b.html?utm_term=x#c");   // http://h.org/a/b.html
@@ -59,12 +59,13 @@ namespace velmo {
 [[nodiscard]] VELMO_API String stringURLByRemovingQueryParam(const URL& url,
                                                              std::u16string_view name);
 
+/// What a key leaves out; each is an operation of its own above.
 struct SimplifyOptions {
-    bool sessionIDs = true;
-    bool analytics = true;
-    bool indexPages = true;
-    bool emptyParams = true;
-    bool anchors = true;
+    bool sessionIDs = true;   ///< stringURLByRemovingSessionIDs()
+    bool analytics = true;    ///< stringURLByRemovingAnalytics()
+    bool indexPages = true;   ///< stringURLByRemovingIndexPages()
+    bool emptyParams = true;  ///< stringURLByRemovingEmptyParams()
+    bool anchors = true;      ///< stringURLWithoutAnchor()
 };
 /// The key of a page, which is not meant to be loaded: common escapes decoded, standardized,
 /// without all that the options name, "www." and trailing slashes, http for https, and in

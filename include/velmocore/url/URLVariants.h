@@ -7,7 +7,7 @@
 namespace velmo {
 
 // URLs made of another one by exchanging a part. A URL with nothing to change comes back as
-// it is, an absent one too; what would be no URL is absent.
+// it is, an absent one too; what would be no URL is absent. Any thread may call these.
 //
 //     URLWithAnchor(URL::URLWithString(u"http://h/a#x"), u"y");        // http://h/a#y
 //     URLWithUser(URL::URLWithString(u"http://h:8/a"), u"me", u"p@");  // http://me:p%40@h:8/a
@@ -30,7 +30,7 @@ namespace velmo {
 /// Exchanges the anchor. Nothing changes if it is empty.
 [[nodiscard]] VELMO_API URL URLWithAnchor(const URL& url, const String& anchor);
 
-/// What a web view can load: 127.0.0.1 for localhost, http for feed.
+/// What a web view can load: with 127.0.0.1 for localhost, or else with http for feed.
 [[nodiscard]] VELMO_API URL WebKitURL(const URL& url);
 /// The base of a page in a web view: a file that is there, or a URL of the web, with http for
 /// feed; else absent.

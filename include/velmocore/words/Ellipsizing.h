@@ -8,7 +8,8 @@
 namespace velmo {
 
 // Shortening for display. A text that was cut ends with "...". The text itself comes back
-// where nothing is cut.
+// where nothing is cut, as an empty or absent one does. Lengths count UTF-16 units, without the
+// "...". Any thread may call these.
 //
 //     stringByEllipsizingAfterNWords(u"one two three", 2);          // "one two..."
 //     stringByEllipsizingAfterNCharacters(u"one two three", 9);     // "one two..."
@@ -21,8 +22,8 @@ namespace velmo {
     return stringByEllipsizingAfterNWords(text, 6);
 }
 
-/// Cut to less than n units, after a word. A first word that is longer is not cut; nor is
-/// anything for n of 0.
+/// A text of more than n units cut to less than n, after a word. Nothing is cut if the first word is
+/// longer, and for n of 0.
 [[nodiscard]] VELMO_API String stringByEllipsizingAfterNCharacters(const String& text,
                                                                    std::size_t n);
 

@@ -22,9 +22,11 @@ namespace velmo {
 /// Latin.
 ///
 ///     LanguageFilter filter(velmoResourcesDirectory());
-///     filter.languageOfText(page);          // (DE, or absent if it is not clear)
-///     filter.setLanguage(u"DE");
-///     filter.filterText(u"One or two sentences that nobody would take for German");
+///     const String text = u"Der Hund ist nicht im Haus, und die Katze war auch nicht bei uns.";
+///     filter.languageOfText(text);           // DE
+///     filter.languageOfText(u"Nine");        // absent; it is not clear
+///     filter.setLanguage(u"EN");
+///     filter.filterText(text);               // true; it is in another language
 ///
 /// A word counts if it has minWordLen() units at least and begins and ends with a letter. A
 /// language wins by more hits than those before it in languages(), of at least four
@@ -70,7 +72,9 @@ public:
     /// them could not be written.
     bool writeToDirectory(const Path& directory) const;
 
+    /// The keys of all lists.
     [[nodiscard]] const std::vector<String>& languages() const VELMO_LIFETIME;
+    /// Whether words are compared without diacritics.
     [[nodiscard]] bool ignoreUmlauts() const;
 
     /// The chosen language; absent if none.
@@ -82,6 +86,7 @@ public:
     /// The two upper-case letters of a key as one number: 0x454E for EN. 0 if it is not two units
     /// long.
     [[nodiscard]] static std::uint16_t ISOCodeForLanguage(std::u16string_view key);
+    /// That number of the chosen language, and of a text's; 0 if there is none.
     [[nodiscard]] std::uint16_t ISOLanguageCode() const { return ISOCodeForLanguage(language()); }
     [[nodiscard]] std::uint16_t ISOLanguageCodeOfText(std::u16string_view text) const {
         return ISOCodeForLanguage(languageOfText(text));
@@ -91,7 +96,7 @@ public:
     [[nodiscard]] std::size_t minWordLen() const;
     void setMinWordLen(std::size_t length);
 
-    /// The key of the text's language; absent if it is not clear.
+    /// The key of the text's language; absent if it is not clear, as for an empty text.
     [[nodiscard]] String languageOfText(std::u16string_view text) const;
 
     /// Ours: the same as a tag of BCP 47, as the lang of pages has it, with the form of writing

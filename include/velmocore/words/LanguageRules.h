@@ -3,7 +3,8 @@
 namespace velmo {
 
 /// What a LanguageFilter goes by beyond stop words and five scripts. All of it is ours and off
-/// where nothing else is said; a filter without any of it answers as ever.
+/// where nothing else is said; a filter without any of it answers as ever. A plain value, for the
+/// constructor of a filter; any thread.
 ///
 ///     const LanguageFilter filter(velmoResourcesDirectory(), LanguageRules::today());
 ///     filter.languageOfText(u"\u3053\u308C\u306F\u65E5\u672C\u8A9E\u3067\u3059");    // "JA"
@@ -22,6 +23,7 @@ struct LanguageRules {
     /// Polish and its neighbours.
     bool letters = false;
 
+    /// Whether any of them is on.
     [[nodiscard]] constexpr bool any() const noexcept { return scripts || words || letters; }
 
     /// All of them.

@@ -37,6 +37,7 @@ struct WordOptions {
 /// The bit of a length that marks an entry as a run of separators. It leaves 31 bits for
 /// the length.
 inline constexpr std::uint64_t SeparatorMark = 1u << 31;
+/// Whether an entry is a run of separators, and the range of any entry.
 [[nodiscard]] constexpr bool isSeparatorEntry(Range entry) {
     return (entry.length & SeparatorMark) != 0;
 }
@@ -67,9 +68,10 @@ struct WordParseOptions {
 /// or the text is shorter than the minimum. An exception out of the handler passes through.
 ///
 ///     std::set<std::u16string_view> distinct;
-///     parseWordsWithHandler(text, [&](std::u16string_view units, Range word) {
+///     parseWordsWithHandler(u"a b a", [&](std::u16string_view units, Range word) {
 ///         distinct.insert(units.substr(word.location, word.length));
 ///     });
+///     distinct.size();    // 2
 VELMO_API std::size_t parseWordsWithHandler(std::u16string_view text, WordHandler handler,
                                             const WordParseOptions& options = {});
 
@@ -97,14 +99,16 @@ template <class Collection>
 
 /// Words, and whether a reader sees them as one term.
 struct SeparatedWords {
-    std::vector<String> words;
+    std::vector<String> words;  ///< as wordsUsingSeparators() gives them
     /// There is more than one word, and they are single letters joined by full stops (U.S.A.)
     /// or are joined by hyphens only (well-known).
     bool hyphenated = false;
 };
+/// Both from one scan.
 [[nodiscard]] VELMO_API SeparatedWords separatedWords(const String& text,
                                                       const WordOptions& options = {});
 
+/// Cuts at defaultWordSeparators(), which are left out.
 [[nodiscard]] VELMO_API std::vector<String> wordsUsingDefaultSeparation(const String& text,
                                                                         std::size_t minLen = 1);
 /// Cuts at white space only.
