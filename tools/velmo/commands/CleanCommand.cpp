@@ -129,12 +129,12 @@ std::vector<Option> stepOptions(std::vector<Step>& steps) {
              steps.push_back(
                  inPieces([form](std::u16string& text) { normalizeString(text, form); }));
          }},
-        {"--tabs", "N", "replace tabs by spaces, in columns of N",
+        {"--expand-tabs", "N", "replace tabs by spaces, in columns of N",
          [&steps](const std::string& given) {
              std::uint64_t width = 0;
              // The check of values is that of all options; only the place of the step is the
              // command's own.
-             number("--tabs", "N", width, "", 1, WidestTabs).take(given);
+             number("--expand-tabs", "N", width, "", 1, WidestTabs).take(given);
              steps.push_back([width](std::u16string& text) { decodeTabs(text, width); });
          }},
     };

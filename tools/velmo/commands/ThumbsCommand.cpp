@@ -78,7 +78,7 @@ Command makeThumbsCommand(Session& session) {
     command.add({
         text("--base", "URL", options->base,
              "what references are relative to (default: the page's own base, else its file)"),
-        flag("--resolve", options->thumbnails.resolve,
+        flag("--absolute", options->thumbnails.resolve,
              "whole URLs, taken out of search engines' redirectors"),
         flag("--google-tags", options->thumbnails.googleTags,
              "honour googleoff: and googleon: comments"),
