@@ -99,7 +99,7 @@ TEST_F(Tool, ReadsPagesAsBrowsersOfTodayDo) {
           "<base href=x/><title><b></title><meta name=author content='a>b'><a title=it's href=c><img src=d.jpg>e</a>1 "
           "< 2");
     EXPECT_EQ(run("meta --json r.html").lines().at(0)["author"], "a");
-    const Json meta = run("meta --web --url http://h/ --json r.html").lines().at(0);
+    const Json meta = run("meta --web --base http://h/ --json r.html").lines().at(0);
     EXPECT_EQ(meta["author"], "a>b");
     EXPECT_EQ(meta["title"], "<b>");
     EXPECT_EQ(meta["base"], "http://h/x/");

@@ -307,13 +307,14 @@ void run(Report& report, Options& options) {
 }
 
 Option followOption(PageLinkOptions& links) {
-    return {.names = "--follow",
-            .value = "MODE",
-            .help =
-                "print the links to follow, or of a site follow them: none, host, folder, folders "
-                "or all, or "
-                "a mode's number",
-            .take = [&links](const std::string& given) {
+    return {
+        .names = "--follow",
+        .value = "MODE",
+        .help =
+            "print the links to follow, or of a site follow them: none, host, folder, folders "
+            "or all, or a mode's number",
+        .take =
+            [&links](const std::string& given) {
                 constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
                 constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
                                                   FollowSameFolders, FollowEverything};
@@ -329,7 +330,8 @@ Option followOption(PageLinkOptions& links) {
                 } else {
                     links.follow = Modes[indexOfName(name, Names)];
                 }
-            }};
+            },
+        .choices = {"none", "host", "folder", "folders", "all"}};
 }
 
 }  // namespace

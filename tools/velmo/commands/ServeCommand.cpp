@@ -172,8 +172,8 @@ Command makeServeCommand(Session& session) {
                        .isList = true}},
         .more =
             "Ends on SIGINT and SIGTERM. A request changes nothing, and what is shown loads "
-            "nothing "
-            "from elsewhere.\nA search that --timeout ends says so.",
+            "nothing\n"
+            "from elsewhere.",
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add({

@@ -72,7 +72,7 @@ Command makeThumbsCommand(Session& session) {
     Command command = {
         .summary = "Print thumbnails, titles and texts of the links of pages",
         .examples =
-            {"velmo thumbs --base https://example.org/page.html --resolve --json page.html"},
+            {"velmo thumbs --base https://example.org/page.html --absolute --json page.html"},
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add({
