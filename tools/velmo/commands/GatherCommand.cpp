@@ -373,6 +373,11 @@ Command makeGatherCommand(Session& session) {
     command.add(queryParseOptions(options->parse));
     command.add(comparisonOptions(options->comparison));
     addContentOptions(command, session, options->input, Kind::Page);
+    // A page of a site is held to less, if nothing is said; see runStored().
+    for (Option& option : command.options)
+        if (option.names == "--max-size")
+            option.help += fmt::format(", or that a page of a site has (default there: {})",
+                                       SiteOptions().pageBytes);
     command.add(
         {colorOption(session), jsonFlag(session, "one JSON object a page, and one that sums up")});
     return command;

@@ -74,7 +74,7 @@ std::size_t distanceOf(std::string_view a, std::string_view b) {
 
 std::string helpOf(const Option& option) {
     return option.usual.empty() ? option.help
-                                : fmt::format("{}; {} if not given", option.help, option.usual);
+                                : fmt::format("{} (default: {})", option.help, option.usual);
 }
 
 std::string helpOf(const Command& command, std::string_view name) {
