@@ -17,9 +17,9 @@ TEST_F(ArchiveTool, ArchivesAreMadeListedAndExtracted) {
     ASSERT_EQ(list.size(), 3u);
     EXPECT_TRUE(list[0]["folder"] == true && list[1]["name"] == "d/a" && list[1]["size"] == 4 &&
                 !list[1]["modified"].is_null());
-    EXPECT_EQ(shell("$V archive extract d.zip --to new/t").out, "d.zip -> new/t, 3 entries\n");
+    EXPECT_EQ(shell("$V archive extract d.zip --output new/t").out, "d.zip -> new/t, 3 entries\n");
     EXPECT_EQ(read("new/t/d/a") + read("new/t/b\x1B[m"), "textb");
-    const Outcome limited = shell("$V archive extract d.zip --limit 4 --to u");
+    const Outcome limited = shell("$V archive extract d.zip --max-size 4 --output u");
     EXPECT_EQ(limited.code, 2);
     EXPECT_EQ(limited.err, "velmo: d.zip: more than 4 bytes would come out\n");
     EXPECT_FALSE(std::filesystem::exists(folder_ / "u"));

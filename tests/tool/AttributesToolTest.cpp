@@ -15,7 +15,7 @@ TEST_F(AttributesTool, SetsReadsAndRemoves) {
         {"get bytes b", 0, std::string("\0\1\xFF", 3)},
         {"get k a b", 0, "==> a <==\nv\n"},
         {"get k b none", 2, ""},
-        {"list --no-follow link", 1, ""},
+        {"list --no-dereference link", 1, ""},
         {"set --as base64 k AAH a", 2, ""},
         {"list --values --json -r .", 0,
          R"({"file":"./a","attributes":[{"name":"bytes","type":"data","value":"AAH/"},{"name":"k","type":"string","value":"v"}]})"

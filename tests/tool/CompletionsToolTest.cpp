@@ -43,6 +43,7 @@ TEST_F(CompletionsTool, OfferWhatMayFollow) {
         {"velmo help url k", "key", "gather"},     {"velmo gather --fol", "--follow", "--md5"},
         {"velmo digest --m", "--md5", "--follow"}, {"velmo match --comparison \"\"", "diacritics", "--md5"},
         {"velmo gather pa", "pages", "--md5"},     {"velmo store li", "list", "salvage x"},
+        {"velmo help que", "queries", "--json"},   {"velmo que", "query", "queries"},
     };
     std::size_t count = 0;
     for (const char* name : {"bash", "zsh", "fish"})
@@ -55,7 +56,7 @@ TEST_F(CompletionsTool, OfferWhatMayFollow) {
             EXPECT_EQ(found.find(each.not_offered), found.npos) << name << ": " << each.words;
             ++count;
         }
-    EXPECT_EQ(count, 24u);
+    EXPECT_EQ(count, 30u);
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ TEST_F(FindTool, TellsWhereHitsStand) {
                                    file + "\"}"));
     EXPECT_EQ(hits[1]["bytes"], Json({27, 9}));
     EXPECT_EQ(hits[1]["line"], 4);
-    EXPECT_EQ(run("find --previous --max-count 1 'd*' --json " + file).lines().at(0)["range"], Json({24, 4}));
+    EXPECT_EQ(run("find --previous -n 1 'd*' --json " + file).lines().at(0)["range"], Json({24, 4}));
 }
 
 TEST_F(FindTool, ComparesAsAsked) {
@@ -32,7 +32,7 @@ TEST_F(FindTool, ComparesAsAsked) {
         {"--comparison=both ara", 2},
         {"--comparison=exact+fuzzy --fuzzy=0.6 ara", 1},
         {"--fuzzy=0.6 ara", 2},
-        {"--max-count 0 ara", 0},
+        {"--limit 0 ara", 0},
     };
     for (const auto& [options, hits] : cases) {
         const Outcome found = run(std::string("find --json ") + options + " " + file);

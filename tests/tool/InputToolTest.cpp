@@ -71,9 +71,9 @@ TEST_F(InputTool, ReadsWhatIsCompressed) {
     EXPECT_EQ(shell("gzip -c a | head -c 20 >cut.gz; $V words cut.gz").err,
               "velmo: cut.gz: damaged gzip or zlib data\n");
     EXPECT_EQ(shell("$V words /dev/zero /dev/null").err, "velmo: /dev/zero: a device without an end\n");
-    EXPECT_EQ(shell("head -c 1001 /dev/zero | tr '\\0' a | gzip >bomb.gz; $V words --limit 1000 bomb.gz a").err,
+    EXPECT_EQ(shell("head -c 1001 /dev/zero | tr '\\0' a | gzip >bomb.gz; $V words --max-size 1000 bomb.gz a").err,
               "velmo: bomb.gz: more than 1000 bytes come out\n");
-    EXPECT_EQ(shell("$V words --limit 1001 bomb.gz").code, 0);
+    EXPECT_EQ(shell("$V words --max-size 1001 bomb.gz").code, 0);
     // Members one after the other, zeros behind them, and what is none.
     EXPECT_EQ(shell("$V unpack --stdout a.gz").out, "one one ");
     EXPECT_EQ(shell("printf '\\0\\0' >>a.gz; $V unpack --stdout a.gz").out, "one one ");

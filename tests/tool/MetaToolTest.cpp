@@ -45,9 +45,9 @@ TEST_F(Tool, TellsWhatPagesSayOfThemselves) {
     const std::string error = write("error.html", "<title>404 Not Found</title><body>404 Not Found");
     EXPECT_TRUE(run("meta --json " + error).lines().at(0)["errorPage"]);
     const std::string missing = write("missing.html", "<html><p>Page not found");
-    EXPECT_TRUE(run("meta --json --url http://h.org/404.html " + missing).lines().at(0)["errorPage"]);
+    EXPECT_TRUE(run("meta --json --base http://h.org/404.html " + missing).lines().at(0)["errorPage"]);
     EXPECT_FALSE(run("meta --json " + missing).lines().at(0)["errorPage"]);
-    EXPECT_EQ(run("meta --json --url '::' " + missing).code, 2);
+    EXPECT_EQ(run("meta --json --base '::' " + missing).code, 2);
 }
 
 // Pages with the values that other readers of metadata are tested with.

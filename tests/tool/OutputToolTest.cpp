@@ -167,8 +167,8 @@ TEST_F(OutputTool, PassesTheDiagnosticsOfTheLibraryOn) {
 
 TEST_F(OutputTool, RefusesNumbersThatAreOutOfRange) {
     for (const char* wrong : {"excerpts --length -1 x", "excerpts --length 99999999999999999999 x",
-                              "find --fuzzy nan x", "find --fuzzy 1.5 x", "find --max-count 1x x", "words -j 0",
-                              "words -j 1025", "pack --level 10", "unpack --limit -1", "clean --tabs 0",
+                              "find --fuzzy nan x", "find --fuzzy 1.5 x", "find --limit 1x x", "words -j 0",
+                              "words -j 1025", "pack --level 10", "unpack --max-size -1", "clean --expand-tabs 0",
                               "match --default-distance -1 x", "url path --max-host -2", "gather --follow -1 ."}) {
         const Outcome outcome = run(wrong);
         EXPECT_EQ(outcome.code, 2) << wrong;

@@ -56,7 +56,7 @@ TEST_F(SearchTool, ShowsWhatMatches) {
         {"-q water s", "", 1},
         {"tea", "", 2},
         {"--sort=size tea s", "", 2},
-        {"--limit=1 --first=5 tea s | sed 's/,.*//'", "2 of 2 pages\n", 0},
+        {"--limit=1 --skip=5 tea s | sed 's/,.*//'", "2 of 2 pages\n", 0},
     };
     for (const auto& row : cases) {
         const Outcome there = shell(std::string("$V search ") + row.arguments);

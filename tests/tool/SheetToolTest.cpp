@@ -20,7 +20,7 @@ TEST_F(SheetTool, WritesWhatItReads) {
     EXPECT_EQ(shell("$V sheet --json a.txt").lines()[0]["rows"], nullptr);
     const Outcome again = shell("$V sheet --json a.csv | $V sheet --write | $V sheet --json --format csv");
     EXPECT_EQ(again.lines()[0]["rows"], all[0]["rows"]);
-    EXPECT_EQ(shell("$V sheet --encoding koi8-r --max-rows 1 b.tab").out, "caf\u0418\tx\n");
+    EXPECT_EQ(shell("$V sheet --charset koi8-r -n 1 b.tab").out, "caf\u0418\tx\n");
 }
 
 TEST_F(SheetTool, TakesRowsWhereverTheyStand) {

@@ -78,7 +78,7 @@ TEST_F(ShowTool, CountsWhatStoresHold) {
     EXPECT_EQ(object, Json::parse(R"({"file":"s","pages":2,"damaged":0,"words":2,
         "languages":[{"name":"","pages":1},{"name":"en","pages":1}],
         "hosts":[{"name":"","pages":1},{"name":"www.h.org","pages":1}],"years":[{"name":"2001","pages":1}]})"));
-    EXPECT_NE(shell("$V store stats --top 1 s").out.find("hosts\n           1  -\n              and 1 more\n"),
+    EXPECT_NE(shell("$V store stats -n 1 s").out.find("hosts\n           1  -\n              and 1 more\n"),
               std::string::npos);
     std::string damaged = read("s");
     damaged[damaged.size() - 20] ^= 1;  // in the records of the last page

@@ -26,7 +26,7 @@ TEST_F(StoreTool, StoresAreMadeReadAndMended) {
     write("a", text);
     write("b", std::string("\0\xFF", 2));
     EXPECT_EQ(shell("$V store append s a b none --json").code, 2);
-    EXPECT_EQ(shell("$V store append s a --compressed --block-size 512").out, "a at 93\n");
+    EXPECT_EQ(shell("$V store append s a --compress --block-size 512").out, "a at 93\n");
     const auto list = shell("$V store list --json s").lines();
     ASSERT_EQ(list.size(), 3u);
     EXPECT_EQ(list[1], Json::parse(R"({"offset":75,"length":18,"size":2,"compressed":false})"));

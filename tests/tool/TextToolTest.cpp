@@ -38,16 +38,16 @@ TEST_F(Tool, CleansInTheOrderOfTheFlags) {
         {"--normalize=d", "\xC3\xA4", "a\xCC\x88"},
         {"--ligatures", "\xEF\xAC\x81sh", "fish"},
         {"--unwrap", "one\ntwo\n\n> three", "one two\n\n> three"},
-        {"--tabs=4", "a\tb", "a   b"},
-        {"--tabs=4 --collapse", "a\tb", "a b"},
-        {"--collapse --tabs=4", "a\tb", "a b"},
-        {"--feeds --tabs 2 --tabs 8", "a\tb", "a b"},
+        {"--expand-tabs=4", "a\tb", "a   b"},
+        {"--expand-tabs=4 --collapse", "a\tb", "a b"},
+        {"--collapse --expand-tabs=4", "a\tb", "a b"},
+        {"--feeds --expand-tabs 2 --expand-tabs 8", "a\tb", "a b"},
         {"--unwrap --feeds", "one\n\ntwo", "one\ntwo"},
         {"--feeds --unwrap", "one\n\ntwo", "one two"},
         {"", " a ", " a "}};
     for (const auto& [flags, text, expected] : cases)
         EXPECT_EQ(run(std::string("clean --json ") + flags + " -", text).lines().at(0)["text"], expected) << flags;
-    for (const char* wrong : {"clean --normalize=x -", "clean --tabs=0 -", "clean --tabs=x -"})
+    for (const char* wrong : {"clean --normalize=x -", "clean --expand-tabs=0 -", "clean --expand-tabs=x -"})
         EXPECT_EQ(run(wrong).code, 2) << wrong;
 }
 
@@ -82,7 +82,7 @@ TEST_F(Tool, PacksAndUnpacks) {
         EXPECT_EQ(run("unpack --force " + file + suffix).code, 0);
         EXPECT_EQ(read("page.html"), text);
         EXPECT_FALSE(std::filesystem::exists(file + ".part"));
-        EXPECT_EQ(run("unpack --stdout --limit 100 " + file + suffix).code, 2);
+        EXPECT_EQ(run("unpack --stdout --max-size 100 " + file + suffix).code, 2);
     }
     EXPECT_EQ(run("unpack " + file).code, 2);
     EXPECT_EQ(run("pack -", "").code, 2);
@@ -99,7 +99,7 @@ TEST_F(Tool, ReadsPagesAsBrowsersOfTodayDo) {
           "<base href=x/><title><b></title><meta name=author content='a>b'><a title=it's href=c><img src=d.jpg>e</a>1 "
           "< 2");
     EXPECT_EQ(run("meta --json r.html").lines().at(0)["author"], "a");
-    const Json meta = run("meta --web --url http://h/ --json r.html").lines().at(0);
+    const Json meta = run("meta --web --base http://h/ --json r.html").lines().at(0);
     EXPECT_EQ(meta["author"], "a>b");
     EXPECT_EQ(meta["title"], "<b>");
     EXPECT_EQ(meta["base"], "http://h/x/");

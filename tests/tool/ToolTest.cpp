@@ -15,7 +15,7 @@ TEST_F(Tool, AnswersOnEveryPage) {
     for (const char* command :
          {"charset", "text", "text --only-body --reformat --remove-junk --google-tags --no-image-alts", "links",
           "links --base https://example.org/ --nofollow", "links --frames", "links --images", "links --scripts",
-          "links --media", "thumbs", "thumbs --resolve --google-tags", "words --list", "match the"}) {
+          "links --media", "thumbs", "thumbs --absolute --google-tags", "words --list", "match the"}) {
         const Outcome outcome = run(std::string(command) + " --json " + pages());
         EXPECT_EQ(outcome.code, 0) << command << outcome.err;
         EXPECT_EQ(outcome.lines().size(), numberOfPages()) << command;
@@ -33,7 +33,7 @@ TEST_F(Tool, PrintsThumbnailsOfLinks) {
     EXPECT_EQ(object(file), expected);
     EXPECT_EQ(object(based)["thumbnails"], Json({{"1", "http://i/a.jpg"}}));
     EXPECT_EQ(object("--base http://h/ " + based)["thumbnails"], Json({{"1", "http://h/a.jpg"}}));
-    EXPECT_EQ(object("--base http://h/ --resolve --google-tags " + file)["texts"], Json({{"http://h/1", "x\n\ny"}}));
+    EXPECT_EQ(object("--base http://h/ --absolute --google-tags " + file)["texts"], Json({{"http://h/1", "x\n\ny"}}));
     EXPECT_EQ(run("thumbs --base http://h/ -", page).out, "1\thttp://h/a.jpg\tA\tx y\n2\t\t\tz\n");
     EXPECT_EQ(object(write("empty.html", ""))["texts"], Json::object());
     EXPECT_EQ(run("thumbs --base nonsense " + file).code, 2);

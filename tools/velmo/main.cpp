@@ -3,7 +3,7 @@
 //
 // What a command can do is data that it makes itself (frame/Command.h), so that help, suggestions
 // and the parsing of arguments are written once here and in the frame, and none can disagree.
-#include <fmt/core.h>
+#include <fmt/ranges.h>
 
 #include <csignal>
 #include <iostream>
@@ -12,78 +12,10 @@
 #include <velmocore/platform/Log.h>
 
 #include "commands/Commands.h"
-#include "commands/QueryHelp.h"
-#include "frame/Completions.h"
+#include "frame/Manual.h"
 
 namespace velmo::tool {
 namespace {
-
-Command makeCompletionsCommand(Session& session);
-
-/// In the order of the help.
-const std::vector<CommandEntry>& allCommands() {
-    static const std::vector<CommandEntry> commands = {
-        {"gather", makeGatherCommand},
-        {"search", makeSearchCommand},
-        {"fetch", makeFetchCommand},
-        {"robots", makeRobotsCommand},
-        {"text", makeTextCommand},
-        {"links", makeLinksCommand},
-        {"feed", makeFeedCommand},
-        {"thumbs", makeThumbsCommand},
-        {"meta", makeMetaCommand},
-        {"strip", makeStripCommand},
-        {"charset", makeCharsetCommand},
-        {"words", makeWordsCommand},
-        {"match", makeMatchCommand},
-        {"find", makeFindCommand},
-        {"query", makeQueryCommand},
-        {"excerpts", makeExcerptsCommand},
-        {"language", makeLanguageCommand},
-        {"lines", makeLinesCommand},
-        {"clean", makeCleanCommand},
-        {"digest", makeDigestCommand},
-        {"pack", makePackCommand},
-        {"unpack", makeUnpackCommand},
-        {"archive", nullptr, archiveActions(), "Zip archives: create, extract and list them",
-         "ARCHIVE"},
-        {"url", nullptr, urlActions(), "Repair, resolve, simplify and judge URLs", "[URL...]"},
-        {"mime", makeMimeCommand},
-        {"form", makeFormCommand},
-        {"date", makeDateCommand},
-        {"sheet", makeSheetCommand},
-        {"bib", makeBibCommand},
-        {"records", makeRecordsCommand},
-        {"comments", makeCommentsCommand},
-        {"show", makeShowCommand},
-        {"store", nullptr, storeActions(), "Files of blocks: list, append, check and mend them",
-         "STORE"},
-        {"attributes", nullptr, attributeActions(),
-         "Extended attributes of files: values, tags, sources and comments", "PATH..."},
-        {"location", makeLocationCommand},
-        {"helper", nullptr, helperActions(),
-         "Processes that serve operations under a name: serve, call and list them", "[NAME...]"},
-        {"serve", makeServeCommand},
-        {"completions", makeCompletionsCommand},
-    };
-    return commands;
-}
-
-/// The one command that knows all others.
-Command makeCompletionsCommand(Session& session) {
-    auto shell = std::make_shared<std::string>();
-    const auto print = [&session, shell](Report& report) {
-        constexpr std::string_view Shells[] = {"bash", "zsh", "fish"};
-        constexpr decltype(&bashCompletion) Scripts[] = {bashCompletion, zshCompletion,
-                                                         fishCompletion};
-        const std::size_t index = indexOfName(*shell, Shells);
-        report.printBytes(Scripts[index](completedCommands(allCommands(), session)));
-    };
-    return {.summary = "Print what lets a shell complete command lines: bash, zsh or fish",
-            .examples = {"velmo completions fish"},
-            .arguments = {required("SHELL", *shell, "bash, zsh or fish")},
-            .run = print};
-}
 
 constexpr std::string_view OverviewHead =
     "Examples:\n"
@@ -95,7 +27,7 @@ constexpr std::string_view OverviewHead =
     "  velmo excerpts 'cat* NEAR/5 dog' notes.txt page.html\n"
     "  velmo find -r 'data* [a-d]?se' letters/\n"
     "  velmo url simplify https://www.example.org/index.html\n"
-    "  velmo help query\n"
+    "  velmo help queries\n"
     "\n"
     "Reads pages and texts: charsets, plain text, links, words, languages and queries.\n"
     "\n"
@@ -103,24 +35,43 @@ constexpr std::string_view OverviewHead =
 
 constexpr std::string_view OverviewTail =
     "\n"
-    "velmo help COMMAND tells the options of a command, velmo help query the query language,\n"
-    "man velmo everything. Each command takes --json, and FILE may be -, which is standard input.\n"
+    "velmo help COMMAND tells the options of a command, velmo help TOPIC one of the topics above, "
+    "man\n"
+    "velmo-COMMAND and man velmo everything. Each command that reads something takes --json, and "
+    "FILE\n"
+    "may be -, which is standard input, or an address of the web.\n"
     "Exit codes: 0 done or a hit, 1 no hit, 2 an input failed or the usage was wrong.\n";
+
+/// A name and what it stands for, as all lists of names show it.
+std::string nameRow(std::string_view name, std::string_view summary) {
+    return fmt::format("  {:13}{}\n", name, summary);
+}
 
 std::string listOf(std::span<const CommandEntry> commands, Session& session) {
     std::string list;
     // A command is made only to ask for its summary: what it says of itself stands in its own
     // file.
     for (const CommandEntry& entry : commands)
-        list += fmt::format("  {:12}{}\n", entry.name,
-                            entry.make ? entry.make(session).summary : entry.summary);
+        list += nameRow(entry.name, entry.make ? entry.make(session).summary : entry.summary);
     return list;
 }
 
-/// The entry of that name; throws a UsageError with the nearest name if there is none.
+std::string listOfTopics() {
+    std::string list;
+    for (const Topic& topic : allTopics()) list += nameRow(topic.name, topic.summary);
+    return list;
+}
+
+/// The topic that words of the command line name, as "exit-codes" or "exit codes".
+const Topic* topicOf(const std::vector<std::string>& words) {
+    return topicNamed(fmt::format("{}", fmt::join(words, "-")));
+}
+
+/// The entry of that name; throws a UsageError with the nearest names if there is none, among them
+/// others that may stand there.
 /// One walk for both: the names that were passed on the way are those to suggest from.
-const CommandEntry& entryOf(std::span<const CommandEntry> commands, std::string_view name) {
-    std::vector<std::string_view> names;
+const CommandEntry& entryOf(std::span<const CommandEntry> commands, std::string_view name,
+                            std::vector<std::string_view> names) {
     for (const CommandEntry& entry : commands) {
         if (entry.name == name) return entry;
         names.push_back(entry.name);
@@ -155,14 +106,14 @@ public:
 private:
     void printOverview() {
         report_.printLine(std::string(OverviewHead) + "\nCommands:\n" +
-                          listOf(allCommands(), session_) + std::string(OverviewTail));
+                          listOf(allCommands(), session_) + "\nTopics:\n" + listOfTopics() +
+                          std::string(OverviewTail));
     }
 
     void runHelp(const std::vector<std::string>& names) {
         if (names.empty()) return printOverview();
-        // The word is a topic and a command; both are told, the topic first.
-        if (names.front() == "query" && names.size() == 1)
-            report_.printLine(std::string(QueryHelp));
+        if (const Topic* topic = topicOf(names)) return report_.printBytes(topic->text);
+        for (const Topic& topic : allTopics()) otherNames_.push_back(topic.name);
         arguments_ = names;
         runHelpOf(allCommands());
     }
@@ -177,11 +128,11 @@ private:
     }
 
     void printActions(const CommandEntry& group) {
-        report_.printLine(
-            fmt::format("{}\n\nUsage: velmo {} ACTION [OPTION...] {}\n\nActions:\n{}\n"
-                        "velmo help {} ACTION tells the options of an action.",
-                        group.summary, group.name, group.operands, listOf(group.actions, session_),
-                        group.name));
+        report_.printLine(fmt::format(
+            "{}\n\nUsage: velmo {} ACTION [OPTION...] {}\n\nActions:\n{}\n"
+            "velmo help {} ACTION tells the options of an action, man velmo-{} everything.",
+            group.summary, group.name, group.operands, listOf(group.actions, session_), group.name,
+            group.name));
     }
 
     /// Takes the words that name a command off the arguments.
@@ -190,7 +141,8 @@ private:
         // A group has no work of its own, so the next word is looked up among its actions.
         do {
             if (arguments_.empty() || isHelp(arguments_.front())) break;
-            entry = &entryOf(entry ? entry->actions : commands, arguments_.front());
+            entry = &entryOf(entry ? entry->actions : commands, arguments_.front(),
+                             entry ? std::vector<std::string_view>() : otherNames_);
             path_ += (path_.empty() ? "" : " ") + arguments_.front();
             arguments_.erase(arguments_.begin());
         } while (!entry->make);
@@ -215,6 +167,7 @@ private:
     Session& session_;
     Report report_;
     std::vector<std::string> arguments_;
+    std::vector<std::string_view> otherNames_;  ///< that might be meant besides commands
     std::string path_;
 };
 

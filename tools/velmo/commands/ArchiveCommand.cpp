@@ -125,12 +125,13 @@ Command makeExtractCommand(Session& session) {
     auto options = std::make_shared<Options>();
     Command command = archiveCommand(options, extract);
     command.summary = "Extract an archive; nothing leaves the folder that it goes to";
-    command.examples = {"velmo archive extract notes.zip --to extracted"};
+    command.examples = {"velmo archive extract notes.zip --output extracted"};
     command.arguments = {archiveArgument(*options)};
-    command.add({text("--to", "FOLDER", options->to, "where to; the current folder"),
-                 number("--limit", "BYTES", options->limits.mostBytes,
-                        fmt::format("most bytes that may come out; {}", options->limits.mostBytes)),
-                 jsonFlag(session, "a JSON object")});
+    command.add(
+        {text("-o,--output", "FOLDER", options->to,
+              "the folder that the entries come into; the current one if not given"),
+         number("--max-size", "BYTES", options->limits.mostBytes, "most bytes that may come out"),
+         jsonFlag(session, "a JSON object")});
     return command;
 }
 

@@ -26,7 +26,7 @@ Command attributeCommand(Session& session, std::shared_ptr<AttributeOptions> opt
 }
 
 Option noFollowOption(AttributeOptions& options) {
-    return offFlag("--no-follow", options.access.traverseLink,
+    return offFlag("--no-dereference", options.access.traverseLink,
                    "of a symbolic link the link itself and not what it leads to");
 }
 

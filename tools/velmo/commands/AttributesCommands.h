@@ -39,7 +39,7 @@ using AttributeWork = void (*)(const std::string& path, const AttributeOptions& 
 /// A command that does the work for each PATH; the arguments that it has more come before.
 Command attributeCommand(Session& session, std::shared_ptr<AttributeOptions> options,
                          AttributeWork work);
-/// --no-follow.
+/// --no-dereference.
 Option noFollowOption(AttributeOptions& options);
 /// NAME.
 Argument attributeNameArgument(AttributeOptions& options);

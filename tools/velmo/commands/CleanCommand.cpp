@@ -123,18 +123,22 @@ std::vector<Option> stepOptions(std::vector<Step>& steps) {
         stepFlag(steps, "--ligatures", "write Latin ligatures as letters",
                  convertLigaturesToCharacters),
         stepFlag(steps, "--unwrap", "join the lines of a mail's paragraphs", reformatMailing),
-        {"--normalize", "FORM", "normalise to form c, d, kc or kd",
-         [&steps](const std::string& name) {
-             const NormalizationForm form = Forms[indexOfName(name, FormNames)];
-             steps.push_back(
-                 inPieces([form](std::u16string& text) { normalizeString(text, form); }));
-         }},
-        {"--tabs", "N", "replace tabs by spaces, in columns of N",
+        {.names = "--normalize",
+         .value = "FORM",
+         .help = "normalise to form c, d, kc or kd",
+         .take =
+             [&steps](const std::string& name) {
+                 const NormalizationForm form = Forms[indexOfName(name, FormNames)];
+                 steps.push_back(
+                     inPieces([form](std::u16string& text) { normalizeString(text, form); }));
+             },
+         .choices = {std::begin(FormNames), std::end(FormNames)}},
+        {"--expand-tabs", "N", "replace tabs by spaces, in columns of N",
          [&steps](const std::string& given) {
              std::uint64_t width = 0;
              // The check of values is that of all options; only the place of the step is the
              // command's own.
-             number("--tabs", "N", width, "", 1, WidestTabs).take(given);
+             number("--expand-tabs", "N", width, "", 1, WidestTabs).take(given);
              steps.push_back([width](std::u16string& text) { decodeTabs(text, width); });
          }},
     };

@@ -2,15 +2,20 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "frame/Command.h"
 
 namespace velmo::tool {
 
+/// In the order of the help.
+const std::vector<CommandEntry>& allCommands();
+
 Command makeBibCommand(Session& session);
 Command makeCharsetCommand(Session& session);
 Command makeCleanCommand(Session& session);
 Command makeCommentsCommand(Session& session);
+Command makeCompletionsCommand(Session& session);
 Command makeDateCommand(Session& session);
 Command makeDigestCommand(Session& session);
 Command makeExcerptsCommand(Session& session);
@@ -23,6 +28,7 @@ Command makeLanguageCommand(Session& session);
 Command makeLinesCommand(Session& session);
 Command makeLinksCommand(Session& session);
 Command makeLocationCommand(Session& session);
+Command makeManualCommand(Session& session);
 Command makeMatchCommand(Session& session);
 Command makeMetaCommand(Session& session);
 Command makeMimeCommand(Session& session);

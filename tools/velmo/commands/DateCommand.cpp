@@ -82,7 +82,7 @@ Option documentOption(Kind& target) {
     return {.names = "--document",
             .value = "validate",
             .help =
-                "the first date among the words of a text, whose numbers must be joined by "
+                "the first date among the words of a text; with validate numbers must be joined by "
                 "dashes, dots or slashes",
             .take =
                 [&target](const std::string& value) {
@@ -97,7 +97,9 @@ Option documentOption(Kind& target) {
 Option zoneOption(TimeZone& target) {
     return {.names = "--zone",
             .value = "NAME",
-            .help = "where dates without a zone are, as Europe/Berlin, CET or +01:00",
+            .help =
+                "where dates without a zone are, as Europe/Berlin, CET or +01:00; the user's zone "
+                "if not given",
             .take = [&target](const std::string& name) {
                 const auto zone = TimeZone::named(String::fromUTF8(name));
                 if (!zone) throw UsageError(fmt::format("'{}' is no time zone", name));
@@ -120,9 +122,10 @@ Command makeDateCommand(Session& session) {
                          "--document"),
                 documentOption(options->kind),
                 zoneOption(options->reading.zone),
-                text("--now", "INSTANT", options->now, "what \"yesterday\" is counted from"),
+                text("--now", "INSTANT", options->now,
+                     "what \"yesterday\" and dates without a year are counted from"),
                 flag("--offsets", options->reading.offsets,
-                     "apply an offset or a Z that the format of a date does not have"),
+                     "apply an offset or a Z behind a date whose format has no place for a zone"),
                 jsonFlag(session, "one JSON object a text"),
             },
         .arguments = {list("TEXT", options->texts,

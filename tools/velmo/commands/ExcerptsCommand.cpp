@@ -194,8 +194,9 @@ Command makeExcerptsCommand(Session& session) {
         .summary = "Show the sentences with the words that make a query hold",
         .examples = {"velmo excerpts --length=200 'tea OR cof*' notes.txt page.html",
                      "velmo excerpts -r --list --enclosing-words=5 '\"new york\"' letters/"},
-        .arguments = {required("QUERY", options->query,
-                               "words, patterns, \"phrases\" and operators; see velmo help query")},
+        .arguments = {required(
+            "QUERY", options->query,
+            "words, patterns, \"phrases\" and operators; see velmo help queries")},
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add({
@@ -205,9 +206,9 @@ Command makeExcerptsCommand(Session& session) {
         flag("--described", options->described,
              "the plain form: every positive word, the beginning of texts without one, sentences "
              "that end at each full stop, and no sign of what is left out"),
-        number("--length", "N", options->length, "of a summary, in UTF-16 units; 0 is no limit"),
+        number("--length", "N", options->length, "of a summary, in UTF-16 units, 0 for no limit"),
         flag("--paragraphs", options->paragraphs, "whole lines instead of sentences"),
-        text("--separator", "TEXT", options->separator, "between sentences; a space"),
+        text("--separator", "TEXT", options->separator, "between sentences; a space if not given"),
         flag("--single-words", options->singleWords, "sentences of nothing but the hit, too"),
         flag("--only-occurrences", options->onlyOccurrences,
              "with --described, no summary of a text without a hit"),

@@ -162,27 +162,25 @@ Command makeFetchCommand(Session& session) {
     };
     addUrlArguments(command, options->urls);
     command.add({
-        text("--output", "PATH", options->output,
+        text("-o,--output", "PATH", options->output,
              "keep the page in this file; in a folder, and several pages, by their URLs"),
         {.names = "--stdout",
          .value = {},
          .help = "write the bytes of the pages to standard output",
          .take = [options](const auto&) { options->toStandardOutput = true; },
          .excludes = "--json"},
-        flag("--force", options->force, "replace files that are there"),
+        flag("-f,--force", options->force, "replace files that are there"),
         text("--referrer", "URL", options->referrer, "the page that one comes from"),
         text("--user-agent", "NAME", options->userAgent,
              "the name that is told to servers; velmo and its version if not given"),
-        real("--timeout", "SECONDS", options->timeout,
-             "give up after so long a silence; 60 if not given", 0.001, 1e6),
+        real("--timeout", "SECONDS", options->timeout, "give up after so long a silence", 0.001,
+             1e6),
         text("--post", "TEXT", options->post, "post this, as NAME=VALUE&NAME=VALUE"),
         text("--certificates", "FILE", options->certificates,
              "trust the certificates in this file, in PEM, and not those of the system"),
-        number("--limit", "BYTES", options->limit,
-               fmt::format("most bytes that a page may have; {}", UsualLimit)),
+        number("--max-size", "BYTES", options->limit, "most bytes that a page may have"),
         number("-j,--jobs", "N", options->jobs,
-               "how many downloads go on at once; the output stays in order; 8 if not given", 1,
-               1024),
+               "how many downloads go on at once; the output stays in order", 1, 1024),
         jsonFlag(session, "one JSON object a URL"),
     });
     return command;

@@ -209,7 +209,7 @@ Command makeFindCommand(Session& session) {
              "find words without wildcards by their resemblance: at least so much, from 0 to 1, "
              "as 0.75",
              0, 1),
-        number("--max-count", "N", options->maxCount, "stop in a file after so many hits"),
+        number("-n,--limit", "N", options->maxCount, "stop in a file after so many hits"),
         flag("--previous", options->previous, "from the end of each file back"),
         flag("--strict", options->strict, "fail if a pattern cannot mean what was written"),
         wholeWordsOption(options->wholeWords),

@@ -257,14 +257,15 @@ void printLines(const Summary& summary, bool asked, Report& report) {
         report.printLine(fmt::format("{:6} {}", count, host.utf8()));
 }
 
-/// The ways that keep pages or hand them on. A limit is one of pages there.
+/// The ways that keep pages or hand them on.
 void runStored(Report& report, const Options& options, const URL& base, const Query* query) {
     GatherRun run = options.stored;
     run.input = options.input;
     run.base = base;
     run.query = query;
-    if (options.input.content.limit != UsualLimit)
-        run.limit = static_cast<std::size_t>(options.input.content.limit);
+    // A page of the web is held to less than a file of one's own, if nothing is said.
+    if (const std::uint64_t limit = options.input.content.limit; limit != UsualLimit)
+        run.sites.options.pageBytes = static_cast<std::size_t>(std::min(limit, UsualLimit));
     run.sites.options.follow = options.links.follow.value_or(FollowSameHost);
     options.lines ? gatherLines(report, run) : gatherIntoStore(report, run);
 }
@@ -306,13 +307,14 @@ void run(Report& report, Options& options) {
 }
 
 Option followOption(PageLinkOptions& links) {
-    return {.names = "--follow",
-            .value = "MODE",
-            .help =
-                "print the links to follow, or of a site follow them: none, host, folder, folders "
-                "or all, or "
-                "a mode's number",
-            .take = [&links](const std::string& given) {
+    return {
+        .names = "--follow",
+        .value = "MODE",
+        .help =
+            "print the links to follow, or of a site follow them: none, host, folder, folders "
+            "or all, or a mode's number",
+        .take =
+            [&links](const std::string& given) {
                 constexpr std::string_view Names[] = {"none", "host", "folder", "folders", "all"};
                 constexpr std::int64_t Modes[] = {FollowNothing, FollowSameHost, FollowSameFolder,
                                                   FollowSameFolders, FollowEverything};
@@ -328,7 +330,8 @@ Option followOption(PageLinkOptions& links) {
                 } else {
                     links.follow = Modes[indexOfName(name, Names)];
                 }
-            }};
+            },
+        .choices = {"none", "host", "folder", "folders", "all"}};
 }
 
 }  // namespace
@@ -346,7 +349,7 @@ Command makeGatherCommand(Session& session) {
     options->input.content.web = WebRules::today();
     command.add({
         text("--base", "URL", options->base, "where the folders stand on the web"),
-        text("--query", "QUERY", options->query, "what to look for; see velmo help query"),
+        text("--query", "QUERY", options->query, "what to look for; see velmo help queries"),
         flag("--all", options->links.all,
              "count links that lead to no page, and advertisements, too"),
         followOption(options->links),
@@ -355,11 +358,12 @@ Command makeGatherCommand(Session& session) {
          .help = "read pages by the library's own rules, not as browsers of today do",
          .take = [options =
                       options.get()](const auto&) { options->input.content.web = WebRules(); }},
-        text("--store", "FILE", options->stored.store,
-             "put the pages into a store, also those of archives, feeds and JSON lines; --limit is "
-             "then a number of pages"),
+        text("--store", "STORE", options->stored.store,
+             "put the pages into a store, also those of archives, feeds and JSON lines"),
         flag("--lines", options->lines,
-             "read JSON lines of pages, and print a JSON object of each; the same limit"),
+             "read JSON lines of pages, and print a JSON object of each"),
+        number("-n,--limit", "N", options->stored.limit,
+               "keep no more pages than that in this run; for --store and --lines"),
         text("--language", "KEY", options->stored.language, "keep only pages in a language"),
         flag("--keep-pages", options->stored.keepPages, "keep in the store what pages came as too"),
         flag("--compress", options->stored.compress,
@@ -369,6 +373,11 @@ Command makeGatherCommand(Session& session) {
     command.add(queryParseOptions(options->parse));
     command.add(comparisonOptions(options->comparison));
     addContentOptions(command, session, options->input, Kind::Page);
+    // A page of a site is held to less, if nothing is said; see runStored().
+    for (Option& option : command.options)
+        if (option.names == "--max-size")
+            option.help += fmt::format(", or that a page of a site has (default there: {})",
+                                       SiteOptions().pageBytes);
     command.add(
         {colorOption(session), jsonFlag(session, "one JSON object a page, and one that sums up")});
     return command;

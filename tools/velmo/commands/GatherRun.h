@@ -20,7 +20,7 @@ struct GatherRun {
     InputOptions input = {};
     URL base = {};                 ///< where folders and files stand; absent if only on the disk
     std::string store = {};        ///< the path of the store
-    std::size_t limit = 0;         ///< of pages that are kept; 0 for none
+    std::uint64_t limit = 0;       ///< of pages that are kept; 0 for none
     std::string language = {};     ///< only pages in it; empty for all
     const Query* query = nullptr;  ///< only pages for which it holds; null for all
     bool keepPages = false;        ///< keeps their bytes too

@@ -37,14 +37,14 @@ Option forSites(Option option, GatherSites& sites) {
 template <class Number>
 Option numberFor(std::string_view name, std::string_view value, Number& target, std::string help,
                  std::uint64_t least, std::uint64_t most) {
-    return {.names = name,
-            .value = value,
-            .help = std::move(help),
-            .take = [&target, name, value, least, most](const std::string& text) {
-                std::uint64_t given = 0;
-                number(name, value, given, "", least, most).take(text);
-                target = given;
-            }};
+    std::uint64_t usual = target;
+    Option option = number(name, value, usual, std::move(help), least, most);
+    option.take = [&target, name, value, least, most](const std::string& text) {
+        std::uint64_t given = 0;
+        number(name, value, given, "", least, most).take(text);
+        target = given;
+    };
+    return option;
 }
 
 }  // namespace
@@ -53,20 +53,15 @@ std::vector<Option> siteOptions(GatherSites& sites) {
     SiteOptions& options = sites.options;
     std::vector<Option> all = {
         numberFor("--depth", "N", options.depth,
-                  "of a site, follow links up to so many steps from its address; 5 if not given", 0,
-                  1'000'000),
-        real(
-            "--delay", "SECONDS", options.delay,
-            "the pause between two pages of a host; 1 if not given, and longer if it asks for that",
-            0, 86400),
-        numberFor("--hosts", "N", options.hosts, "from how many hosts pages are loaded at once; 16",
-                  1, 64),
-        text("--agent", "CONTACT", sites.contact,
+                  "of a site, follow links up to so many steps from its address", 0, 1'000'000),
+        real("--delay", "SECONDS", options.delay,
+             "the pause between two pages of a host, longer if it asks for that", 0, 86400),
+        numberFor("--hosts", "N", options.hosts, "from how many hosts pages are loaded at once", 1,
+                  64),
+        text("--contact", "CONTACT", sites.contact,
              "an address of the web or of mail, told to servers, where to reach who gathers"),
-        numberFor("--max-size", "BYTES", options.pageBytes,
-                  "the most bytes that a page of a site may have; 8388608", 1, 1U << 30),
         real("--timeout", "SECONDS", options.timeout,
-             "give a page of a site up after so long a silence; 30 if not given", 0.001, 1e6),
+             "give a page of a site up after so long a silence", 0.001, 1e6),
     };
     for (Option& option : all) option = forSites(std::move(option), sites);
     return all;

@@ -166,7 +166,7 @@ Command makeHelperCallCommand(Session& session) {
              "start PROGRAM if nothing serves under the name, and end it with the call"),
         real("--wait", "SECONDS", options->wait, "wait so long for the name", 0, LongestWait),
         real("--timeout", "SECONDS", options->timeout,
-             "wait so long for the answer; 0, as without, is without end", 0, LongestWait),
+             "wait so long for the answer; without end if not given, or 0", 0, LongestWait),
         flag("--typed", options->typed, "send numbers, true and false as such"),
         jsonFlag(session, "a JSON object; bytes are in base64"),
     });

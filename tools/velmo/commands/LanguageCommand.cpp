@@ -44,7 +44,8 @@ void print(const LanguageFilter& filter, bool isOfToday, const std::string& file
 void run(Report& report, const Options& options) {
     const std::string lists = options.lists.empty() ? velmoResourcesDirectory() : options.lists;
     const bool isOfToday = options.isOfToday();
-    if (isOfToday && options.ignoreUmlauts) throw UsageError("--ignore-umlauts is not for --web");
+    if (isOfToday && options.ignoreUmlauts)
+        throw UsageError("--ignore-diacritics is not for --web");
     const LanguageFilter filter = isOfToday
                                       ? readLanguageFilterOfToday(report, lists)
                                       : readLanguageFilter(report, lists, options.ignoreUmlauts);
@@ -67,8 +68,8 @@ Command makeLanguageCommand(Session& session) {
     };
     addContentOptions(command, session, options->input);
     command.add({
-        flag("--ignore-umlauts", options->ignoreUmlauts, "compare words without diacritics"),
-        text("--lists", "DIR", options->lists, "a folder of StopWordsXX files"),
+        flag("--ignore-diacritics", options->ignoreUmlauts, "compare words without diacritics"),
+        text("--lists", "FOLDER", options->lists, "a folder of StopWordsXX files"),
         jsonFlag(session, "one JSON object a file"),
     });
     return command;

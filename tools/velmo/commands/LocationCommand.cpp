@@ -90,9 +90,9 @@ Command makeLocationCommand(Session& session) {
                    "files such as .webloc and .url; none, or -, is standard input");
     command.add({
         text("--create", "URL", options->url, "make each FILE one that holds the URL"),
-        flag("--text", options->isText,
+        flag("--shortcut", options->isText,
              "make the text of a shortcut, as for names in .url, and no property list"),
-        flag("--force", options->force, "replace files that are there already"),
+        flag("-f,--force", options->force, "replace files that are there already"),
         jsonFlag(session, "one JSON object a file"),
     });
     return command;

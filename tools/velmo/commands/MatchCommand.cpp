@@ -50,7 +50,7 @@ Command makeMatchCommand(Session& session) {
                      "velmo match -- '-bird' notes.txt"},
         .arguments = {required("QUERY", options->query,
                                "words, patterns, \"phrases\", AND OR XOR NEAR/n NEXT BEFORE AFTER "
-                               "OPT, -not, (); see velmo help query")},
+                               "OPT, -not, (); see velmo help queries")},
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add(queryParseOptions(options->parse));

@@ -93,7 +93,7 @@ Command makeMetaCommand(Session& session) {
         .examples = {"velmo meta --json page.html"},
         .run = [options](Report& report) { run(report, *options); },
     };
-    command.add({text("--url", "URL", options->url,
+    command.add({text("--base", "URL", options->url,
                       "where the pages come from, which may tell an error page")});
     addContentOptions(command, session, options->input, Kind::Page);
     command.add({jsonFlag(session, "one JSON object a page")});

@@ -84,7 +84,7 @@ void addOptions(Command& command, Session& session, Options& options) {
                    "any files; none, or -, goes from standard input to standard output");
     command.add({
         flag("--stdout", options.toStandardOutput, "write to standard output"),
-        flag("--force", options.force, "replace files that are there"),
+        flag("-f,--force", options.force, "replace files that are there"),
         jsonFlag(session, "one JSON object a file"),
     });
 }
@@ -111,8 +111,8 @@ Command makeUnpackCommand(Session& session) {
         .examples = {"velmo unpack archive.txt.gz"},
         .run = [options](Report& report) { unpack(report, *options); },
     };
-    command.add({number("--limit", "BYTES", options->limit,
-                        fmt::format("most bytes that a file may become; {}", UsualLimit))});
+    command.add(
+        {number("--max-size", "BYTES", options->limit, "most bytes that a file may become")});
     addOptions(command, session, *options);
     return command;
 }

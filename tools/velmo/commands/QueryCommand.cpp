@@ -96,7 +96,7 @@ Command makeQueryCommand(Session& session) {
     Command command = {
         .summary = "Tell how a query is understood, and its other forms",
         .examples = {"velmo query --tree '(tea OR coffee) NEAR/5 cup -sugar'"},
-        .arguments = {required("QUERY", options->query, "see velmo help query")},
+        .arguments = {required("QUERY", options->query, "see velmo help queries")},
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add(queryParseOptions(options->parse));

@@ -63,7 +63,7 @@ std::vector<Option> queryParseOptions(QueryParseOptions& options) {
                 {"next", QueryOperator::Next},
                 {"opt", QueryOperator::Opt}}),
         number("--default-distance", "N", options.defaultDistance,
-               "of NEAR and its like without a number, in words; 10"),
+               "of NEAR and its like without a number, in words"),
     };
 }
 

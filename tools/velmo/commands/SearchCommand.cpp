@@ -13,7 +13,7 @@
 #include "PageStores.h"
 #include "QueryOptions.h"
 #include "SearchOptions.h"
-#include "frame/OrderedRun.h"
+#include "frame/FileRun.h"
 
 namespace velmo::tool {
 namespace {
@@ -125,16 +125,16 @@ std::vector<Option> searchingOptions(Options& options) {
                 {"url", SearchOrder::Address},
                 {"hits", SearchOrder::Hits},
                 {"stored", SearchOrder::Stored}}),
-        number("--limit", "N", options.limit, "how many pages are shown; 10, and 0 for all"),
-        number("--first", "N", options.first, "how many are passed over before these"),
+        number("-n,--limit", "N", options.limit, "how many pages are shown, 0 for all"),
+        number("--skip", "N", options.first, "how many are passed over before these"),
         text("--language", "KEY", options.language, "only pages in a language, as en"),
         text("--host", "HOST", options.host, "only pages of a host and of those below it"),
         text("--since", "DATE", options.since,
              "only pages from then on, by their date, else by when they were fetched; as velmo "
              "date reads it"),
         text("--before", "DATE", options.before, "only pages from before then"),
-        number("--length", "N", options.length, "of an excerpt, in UTF-16 units; 300, 0 for none"),
-        number("-j,--jobs", "N", options.jobs, "how many threads work", 1, 1024),
+        number("--length", "N", options.length, "of an excerpt, in UTF-16 units, 0 for none"),
+        jobsOption(options.jobs),
     };
 }
 
@@ -146,8 +146,9 @@ Command makeSearchCommand(Session& session) {
         .summary = "Search stores of pages, the best first, with excerpts",
         .examples = {"velmo search 'cup* NEAR/5 tea' pages.store",
                      "velmo search --sort=date --limit=20 'tea OR coffee' pages.store"},
-        .arguments = {required("QUERY", options->query,
-                               "words, patterns, \"phrases\" and operators; see velmo help query"),
+        .arguments = {required(
+                          "QUERY", options->query,
+                          "words, patterns, \"phrases\" and operators; see velmo help queries"),
                       list("STORE", options->stores, "what velmo gather --store has made")},
         .run = [options](Report& report) { run(report, *options); },
     };

@@ -38,7 +38,7 @@ std::vector<Option> comparisonOptions(WildcardComparison& comparison) {
     exact.excludes = "--comparison";
     return {std::move(named),
             comparisonFlag("-i,--ignore-case", comparison, CaseInsensitive,
-                           "the same as --comparison case: the default"),
+                           "the same as --comparison case"),
             std::move(exact)};
 }
 
@@ -59,13 +59,16 @@ Option colorOption(Session& session) {
     session.hasColors = isColorTerminal();
     return {.names = "--color",
             .value = "WHEN",
-            .help = "auto, always or never",
-            .take = [&session](const std::string& when) {
-                constexpr std::string_view Whens[] = {"auto", "always", "never"};
-                const auto chosen = static_cast<When>(indexOfName(when, Whens));
-                session.hasColors =
-                    chosen == When::Always || (chosen == When::Auto && isColorTerminal());
-            }};
+            .help = "whether hits are in colour: auto, always or never",
+            .take =
+                [&session](const std::string& when) {
+                    constexpr std::string_view Whens[] = {"auto", "always", "never"};
+                    const auto chosen = static_cast<When>(indexOfName(when, Whens));
+                    session.hasColors =
+                        chosen == When::Always || (chosen == When::Auto && isColorTerminal());
+                },
+            .choices = {"auto", "always", "never"},
+            .usual = "auto"};
 }
 
 void addHighlighted(Line& line, std::u16string_view text, std::span<const Range> hits) {

@@ -172,20 +172,20 @@ Command makeServeCommand(Session& session) {
                        .isList = true}},
         .more =
             "Ends on SIGINT and SIGTERM. A request changes nothing, and what is shown loads "
-            "nothing "
-            "from elsewhere.\nSearches take at most --seconds.",
+            "nothing\n"
+            "from elsewhere.",
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add({
-        number("--port", "N", options->port, "where it listens, 8080; 0 is any free one", 0,
-               LastPort),
+        number("--port", "N", options->port, "where it listens, 0 is any free one", 0, LastPort),
         text("--listen", "ADDRESS", options->listen,
              "of this machine, instead of 127.0.0.1, which nobody else reaches"),
         texts("--name", "HOST", options->names,
               "a name under which others reach it; may be given again"),
-        flag("--images", options->site.images,
+        flag("--thumbnails", options->site.images,
              "show thumbnails, from servers that then see who looks at them"),
-        real("--seconds", "N", options->site.seconds, "a search ends after so many; 10", 0.1, 3600),
+        real("--timeout", "SECONDS", options->site.seconds, "a search ends after so long", 0.1,
+             3600),
         jsonFlag(session, "a JSON object when it is ready"),
     });
     return command;

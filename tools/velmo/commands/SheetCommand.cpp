@@ -105,24 +105,19 @@ Command makeSheetCommand(Session& session) {
     addFileOptions(command, session, options->input, "sheets; none, or -, is standard input");
     command.add({
         choice("--format", "NAME", options->format,
-               "what every file is, whatever its name says: csv, tsv, id2xf (unquoted) or bib",
+               "what every file is, whatever its name says: csv, tsv, id2xf (unquoted) or bib; "
+               "standard input needs it",
                {{"csv", SheetFormat::CSV},
                 {"tsv", SheetFormat::TSV},
                 {"id2xf", SheetFormat::ID2XF},
                 {"bib", SheetFormat::BibTeX}}),
-        number("--max-rows", "N", options->maxRows, "no more rows than that; 0 reads one line"),
-        flag("--standard-quotes", options->standardQuotes,
-             "two quotes stand for one also in front of a separator, as RFC 4180 has it"),
-        {.names = "--encoding",
-         .value = "NAME",
-         .help = "the charset of every file; it is detected otherwise",
-         .take =
-             [&content](const std::string& name) {
-                 if (!isKnownCharset(name)) throw UsageError("unknown charset " + name);
-                 content.charset = name;
-             }},
-        number("--limit", "BYTES", content.limit,
-               fmt::format("most bytes that may come out of a compressed file; {}", UsualLimit)),
+        number("-n,--limit", "N", options->maxRows, "how many rows are printed; 0 reads one line"),
+        flag(
+            "--standard-quotes", options->standardQuotes,
+            "two quotes stand for one also in front of a separator, as RFC 4180 has it, where else "
+            "the field ends"),
+        charsetOption(content.charset),
+        maxSizeOption(content.limit, "most bytes that may come out of a compressed file"),
         flag("--write", options->isWriting,
              "write the rows of JSON from standard input, as --json prints them or arrays of "
              "fields, as quoted fields with semicolons"),

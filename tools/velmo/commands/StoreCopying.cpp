@@ -49,7 +49,7 @@ void salvage(Report& report, const StoreOptions& options) {
 }
 
 Option forceFlag(StoreOptions& options) {
-    return flag("--force", options.force, "replace TO if it is there");
+    return flag("-f,--force", options.force, "replace TO if it is there");
 }
 
 }  // namespace

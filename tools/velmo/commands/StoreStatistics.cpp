@@ -92,7 +92,7 @@ Command makeStoreStatsCommand(Session& session) {
     command.arguments = {list("STORE", options->files, "stores of pages")};
     command.arguments.back().isRequired = true;
     options->top = 20;
-    command.add({number("--top", "N", options->top, "how many of each are listed; 0 for all"),
+    command.add({number("-n,--limit", "N", options->top, "how many of each are listed, 0 for all"),
                  jsonFlag(session, "one JSON object a store, with all of each")});
     return command;
 }

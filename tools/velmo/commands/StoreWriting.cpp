@@ -75,7 +75,7 @@ Command makeStoreAppendCommand(Session& session) {
     auto options = std::make_shared<StoreOptions>();
     Command command = storeCommand(options, appendFiles);
     command.summary = "Append files to a store, a block each; the store is made if there is none";
-    command.examples = {"velmo store append notes.store notes.txt --compressed"};
+    command.examples = {"velmo store append notes.store notes.txt --compress"};
     command.arguments = {storeArgument(*options),
                          list("FILE", options->files, "any files; - is standard input")};
     command.arguments.back().isRequired = true;
@@ -85,7 +85,7 @@ Command makeStoreAppendCommand(Session& session) {
         take(value);
         if (options->blockSize % Alignment != 0) throw UsageError(value + " is no multiple of 512");
     };
-    command.add({flag("--compressed", options->compressed, "compress what gets shorter by it"),
+    command.add({flag("--compress", options->compressed, "compress what gets shorter by it"),
                  std::move(blockSize), jsonFlag(session, "one JSON object a file")});
     return command;
 }
@@ -97,7 +97,7 @@ Command makeStoreUpdateCommand(Session& session) {
     command.examples = {"velmo store update notes.store 0 mail.txt"};
     command.arguments = {storeArgument(*options), offsetArgument(*options),
                          required("FILE", options->file, "any file; - is standard input")};
-    command.add({flag("--compressed", options->compressed, "compress it if it gets shorter by it"),
+    command.add({flag("--compress", options->compressed, "compress it if it gets shorter by it"),
                  jsonFlag(session, "a JSON object")});
     command.more =
         "A crash while the block is written may lose it: append the new one instead, then\n"

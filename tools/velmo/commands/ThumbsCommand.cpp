@@ -72,13 +72,13 @@ Command makeThumbsCommand(Session& session) {
     Command command = {
         .summary = "Print thumbnails, titles and texts of the links of pages",
         .examples =
-            {"velmo thumbs --base https://example.org/page.html --resolve --json page.html"},
+            {"velmo thumbs --base https://example.org/page.html --absolute --json page.html"},
         .run = [options](Report& report) { run(report, *options); },
     };
     command.add({
         text("--base", "URL", options->base,
              "what references are relative to (default: the page's own base, else its file)"),
-        flag("--resolve", options->thumbnails.resolve,
+        flag("--absolute", options->thumbnails.resolve,
              "whole URLs, taken out of search engines' redirectors"),
         flag("--google-tags", options->thumbnails.googleTags,
              "honour googleoff: and googleon: comments"),

@@ -70,16 +70,18 @@ Option keepOption(PageKeyOptions& key) {
         {"index-pages", &PageKeyOptions::indexPages},
         {"order", &PageKeyOptions::sortQuery},
     };
+    std::vector<std::string_view> names;
+    for (const auto& row : Rows) names.push_back(row.first);
     return {.names = "--keep",
             .value = "DIFFERENCE",
             .help =
                 "a difference that counts: scheme, www, sessions, tracking, empty-params, "
                 "index-pages or order; may be given again",
-            .take = [&key](const std::string& name) {
-                std::vector<std::string_view> names;
-                for (const auto& row : Rows) names.push_back(row.first);
-                key.*Rows[indexOfName(name, names)].second = false;
-            }};
+            .take =
+                [&key, names](const std::string& name) {
+                    key.*Rows[indexOfName(name, names)].second = false;
+                },
+            .choices = names};
 }
 
 }  // namespace

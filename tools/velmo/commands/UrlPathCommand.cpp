@@ -58,12 +58,12 @@ Command makeUrlPathCommand(Session& session) {
     addUrlArguments(command, options->urls);
     InvertedPathOptions& inverted = options->inverted;
     command.add({
-        text("--directory", "DIR", options->directory, "the folder of the mirror"),
+        text("--directory", "FOLDER", options->directory, "the folder of the mirror"),
         text("--extension", "EXT", options->extension, "appended to the path"),
         number("--max-host", "N", inverted.maxHostComponents,
-               "join host parts beyond so many; 0 for none"),
+               "join host parts beyond so many, 0 for none"),
         number("--max-path", "N", inverted.maxPathComponents,
-               "join components beyond so many; 0 for none"),
+               "join components beyond so many, 0 for none"),
         flag("--keep-sessions", options->keepSessions, "keep parameters of sessions"),
         flag("--case-sensitive", options->caseSensitive, "keep upper-case letters"),
         flag("--direct", options->direct, "the host as it stands, and then the path"),

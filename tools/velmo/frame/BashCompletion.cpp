@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include "Completions.h"
+#include "Manual.h"
 
 namespace velmo::tool {
 namespace {
@@ -11,12 +12,15 @@ constexpr std::string_view Head =
     R"(# Completion of velmo for bash; made by "velmo completions bash".
 _velmo() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
-    local path=velmo words= kind= i
+    local path=velmo words= kind= topics= i
     COMPREPLY=()
     for ((i = 1; i < COMP_CWORD; i++)); do
-        [[ $path == velmo && ${COMP_WORDS[i]} == help ]] && continue
+        [[ $path == velmo && ${COMP_WORDS[i]} == help ]] && { topics="@TOPICS@"; continue; }
         case "$path ${COMP_WORDS[i]}" in
 )";
+
+/// Where the names of topics stand in Head.
+constexpr std::string_view TopicsMark = "@TOPICS@";
 
 constexpr std::string_view Values = R"(                path+=" ${COMP_WORDS[i]}" ;;
         esac
@@ -31,6 +35,7 @@ constexpr std::string_view Anywhere = R"(    esac
 
 constexpr std::string_view Tail = R"(        esac
         [[ $current == -* ]] && kind=
+        [[ $path == velmo ]] && words+=$topics
     fi
     case $kind in
         file) compopt -o filenames; COMPREPLY=($(compgen -f -- "$current")) ;;
@@ -85,7 +90,9 @@ std::string anywhereRow(const CompletedCommand& command) {
 }  // namespace
 
 std::string bashCompletion(std::span<const CompletedCommand> commands) {
-    std::string script(Head);
+    std::string script(Head), topics;
+    for (const Topic& topic : allTopics()) (topics += ' ') += topic.name;
+    script.replace(script.find(TopicsMark), TopicsMark.size(), topics);
     for (std::size_t i = 1; i < commands.size(); ++i)
         script += pathRow(commands[i], i + 1 == commands.size());
     script += Values;

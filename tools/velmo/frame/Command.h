@@ -34,6 +34,7 @@ struct Option {
     /// The value stands behind "=" or is left out, and is empty then.
     bool isValueOptional = false;
     std::vector<std::string_view> choices = {};  ///< the values that it takes, if they are names
+    std::string usual = {};  ///< its value if it is not given, where that is one to tell
 };
 
 Option flag(std::string_view names, bool& target, std::string help);
@@ -43,7 +44,8 @@ Option text(std::string_view names, std::string_view value, std::string& target,
 /// One that may be given again.
 Option texts(std::string_view names, std::string_view value, std::vector<std::string>& target,
              std::string help);
-/// A whole number from the least to the most.
+/// A whole number from the least to the most. What the target holds is told as its usual value,
+/// but for 0, which is none, and for what bounds nothing.
 Option number(std::string_view names, std::string_view value, std::uint64_t& target,
               std::string help, std::uint64_t least = 0,
               std::uint64_t most = std::numeric_limits<std::int64_t>::max());
@@ -59,16 +61,19 @@ Option choice(std::string_view names, std::string_view value, Value& target, std
               std::initializer_list<std::pair<std::string_view, Value>> choices) {
     std::vector<std::string_view> keys;
     std::vector<Value> values;
+    std::string usual;
     for (const auto& [key, meaning] : choices) {
         keys.push_back(key);
         values.push_back(meaning);
+        if (meaning == target && usual.empty()) usual = key;
     }
     return {.names = names,
             .value = value,
             .help = std::move(help),
             .take = [&target, keys,
                      values](const std::string& name) { target = values[indexOfName(name, keys)]; },
-            .choices = keys};
+            .choices = keys,
+            .usual = usual};
 }
 
 /// An argument that stands by itself.
@@ -111,12 +116,15 @@ Option jsonFlag(Session& session, std::string help);
 /// False if they ask for its help.
 bool parseArguments(const Command& command, std::vector<std::string> arguments);
 
+/// What the help says of an option, with its usual value.
+std::string helpOf(const Option& option);
 /// The help of a command.
 std::string helpOf(const Command& command, std::string_view name);
 
-/// The name that is most like a misspelt one; empty if none is.
-std::string_view nearestName(std::string_view name, std::span<const std::string_view> names);
-/// "; did you mean NAME?" or nothing.
+/// The names that are most like a misspelt one; none if none is.
+std::vector<std::string_view> nearestNames(std::string_view name,
+                                           std::span<const std::string_view> names);
+/// "; did you mean NAME?", also of two or three that are as near, or nothing.
 std::string suggestion(std::string_view name, std::span<const std::string_view> names);
 
 }  // namespace velmo::tool

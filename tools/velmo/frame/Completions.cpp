@@ -9,7 +9,7 @@ namespace velmo::tool {
 namespace {
 
 constexpr std::string_view FileNames[] = {"FILE", "PATH", "STORE", "ARCHIVE", "PROGRAM", "TO"};
-constexpr std::string_view FolderNames[] = {"FOLDER", "DIR"};
+constexpr std::string_view FolderNames[] = {"FOLDER"};
 
 Completed kindOfName(std::string_view name) {
     if (std::ranges::find(FileNames, name) != std::end(FileNames)) return Completed::File;
@@ -54,7 +54,7 @@ std::vector<CompletedCommand> completedCommands(std::span<const CommandEntry> co
                                                 Session& session) {
     std::vector<CompletedCommand> all;
     addAll(all, {}, commands, session);
-    all.front().words.emplace_back("help", "Tell the options of a command");
+    all.front().words.emplace_back("help", "Tell the options of a command, or of a topic");
     return all;
 }
 

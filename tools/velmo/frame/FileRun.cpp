@@ -46,6 +46,27 @@ void guard(const std::string& name, Report& report, Work work) {
 
 }  // namespace
 
+Option jobsOption(std::uint64_t& jobs) {
+    Option option =
+        number("-j,--jobs", "N", jobs, "how many threads work; the output stays in order", 1, 1024);
+    option.usual = "as many as the machine has";  // the same text on any machine
+    return option;
+}
+
+Option charsetOption(std::string& charset) {
+    return {.names = "--charset",
+            .value = "NAME",
+            .help = "decode every file so, whatever it says itself",
+            .take = [&charset](const std::string& name) {
+                if (!isKnownCharset(name)) throw UsageError("unknown charset " + name);
+                charset = name;
+            }};
+}
+
+Option maxSizeOption(std::uint64_t& limit, std::string help) {
+    return number("--max-size", "BYTES", limit, std::move(help));
+}
+
 void addFileOptions(Command& command, Session& session, InputOptions& options, std::string help) {
     NameOptions& names = options.names;
     command.arguments.push_back(list("FILE", names.paths, std::move(help)));
@@ -61,8 +82,7 @@ void addFileOptions(Command& command, Session& session, InputOptions& options, s
          .value = {},
          .help = "names end with NUL: those read by --files-from, and those printed",
          .take = [&names, &session](const auto&) { names.hasNuls = session.printsNuls = true; }},
-        number("-j,--jobs", "N", options.jobs, "how many threads work; the output stays in order",
-               1, 1024),
+        jobsOption(options.jobs),
     });
 }
 
@@ -84,22 +104,14 @@ void addContentOptions(Command& command, Session& session, InputOptions& options
          .value = {},
          .help = "take every file for a text",
          .take = force(Kind::Text)},
-        {.names = "--charset",
-         .value = "NAME",
-         .help = "decode every file so, whatever it says itself",
-         .take =
-             [&content](const std::string& name) {
-                 if (!isKnownCharset(name)) throw UsageError("unknown charset " + name);
-                 content.charset = name;
-             }},
+        charsetOption(content.charset),
         text("--http-charset", "NAME", content.httpCharset,
              "the charset that the HTTP header of pages named"),
         {.names = "--web",
          .value = {},
          .help = "read pages, and the markup of feeds, as browsers of today do",
          .take = [&content](const std::string&) { content.web = WebRules::today(); }},
-        number("--limit", "BYTES", content.limit,
-               fmt::format("most bytes that may come out of a compressed file; {}", UsualLimit)),
+        maxSizeOption(content.limit, "most bytes that may come out of a compressed file"),
     });
 }
 

@@ -27,6 +27,11 @@ void addFileOptions(Command& command, Session& session, InputOptions& options, s
 void addContentOptions(Command& command, Session& session, InputOptions& options,
                        Kind unclear = Kind::Text);
 
+/// Options of these that other commands have too, under the same names.
+Option jobsOption(std::uint64_t& jobs);
+Option charsetOption(std::string& charset);
+Option maxSizeOption(std::uint64_t& limit, std::string help);
+
 /// Calls the work for each file, on several threads: it may use nothing but its arguments and what
 /// any thread may read. The output is in the order of the files. A file that cannot be used, for
 /// want of memory or because the work throws an InputError, is reported, and the others go on.

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include "Completions.h"
+#include "Manual.h"
 
 namespace velmo::tool {
 namespace {
@@ -78,6 +79,11 @@ std::string rowsOf(const CompletedCommand& command) {
 std::string fishCompletion(std::span<const CompletedCommand> commands) {
     std::string script(Head);
     for (const CompletedCommand& command : commands) script += rowsOf(command);
+    for (const Topic& topic : allTopics())
+        script += fmt::format(
+            "complete -c velmo -n '__velmo_at \"\"; and contains help (commandline -opc)' -a {} -d "
+            "{}\n",
+            topic.name, quoted(topic.summary));
     return script;
 }
 

@@ -1,5 +1,5 @@
 // The help of a command, and what a misspelt name was perhaps meant to be.
-#include <fmt/core.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <numeric>
@@ -72,6 +72,11 @@ std::size_t distanceOf(std::string_view a, std::string_view b) {
 
 }  // namespace
 
+std::string helpOf(const Option& option) {
+    return option.usual.empty() ? option.help
+                                : fmt::format("{} (default: {})", option.help, option.usual);
+}
+
 std::string helpOf(const Command& command, std::string_view name) {
     std::string help;
     for (const std::string& example : command.examples)
@@ -80,26 +85,32 @@ std::string helpOf(const Command& command, std::string_view name) {
     if (!command.arguments.empty()) help += "\nArguments:\n";
     for (const Argument& argument : command.arguments) help += row(argument.name, argument.help);
     help += "\nOptions:\n";
-    for (const Option& option : command.options) help += row(shownNames(option), option.help);
+    for (const Option& option : command.options) help += row(shownNames(option), helpOf(option));
     help += row("-h, --help", "this help");
-    return command.more.empty() ? help : help + "\n" + command.more;
+    if (!command.more.empty()) help += "\n" + command.more + "\n";
+    return help + fmt::format("\nman velmo-{} tells more.", name.substr(0, name.find(' ')));
 }
 
-std::string_view nearestName(std::string_view name, std::span<const std::string_view> names) {
-    std::string_view nearest;
+std::vector<std::string_view> nearestNames(std::string_view name,
+                                           std::span<const std::string_view> names) {
+    std::vector<std::string_view> nearest;
     // A third of the letters may differ; a name farther off would be a riddle and no help.
-    std::size_t least = std::max<std::size_t>(name.size() / 3, 1) + 1;
-    for (const std::string_view each : names)
-        if (const std::size_t distance = distanceOf(name, each); distance < least) {
-            least = distance;
-            nearest = each;
-        }
+    std::size_t least = std::max<std::size_t>(name.size() / 3, 1);
+    for (const std::string_view each : names) {
+        const std::size_t distance = distanceOf(name, each);
+        if (distance > least) continue;
+        if (distance < least) nearest.clear();
+        least = distance;
+        nearest.push_back(each);
+    }
     return nearest;
 }
 
 std::string suggestion(std::string_view name, std::span<const std::string_view> names) {
-    const std::string_view nearest = nearestName(name, names);
-    return nearest.empty() ? "" : fmt::format("; did you mean {}?", nearest);
+    const auto nearest = nearestNames(name, names);
+    // Names that many are like are too short to tell anything by.
+    if (nearest.empty() || nearest.size() > 3) return "";
+    return fmt::format("; did you mean {}?", fmt::join(nearest, " or "));
 }
 
 }  // namespace velmo::tool

@@ -20,6 +20,12 @@ Number numberOf(const std::string& value, Number least, Number most) {
     throw UsageError(fmt::format("'{}' is not a number from {} to {}", value, least, most));
 }
 
+/// The value that an option has before it is given, as its help tells it.
+template <class Number>
+std::string usualOf(Number value, Number least, Number most) {
+    return value == Number() || value < least || value >= most ? "" : fmt::format("{}", value);
+}
+
 }  // namespace
 
 Option flag(std::string_view names, bool& target, std::string help) {
@@ -46,16 +52,23 @@ Option texts(std::string_view names, std::string_view value, std::vector<std::st
 
 Option number(std::string_view names, std::string_view value, std::uint64_t& target,
               std::string help, std::uint64_t least, std::uint64_t most) {
-    return {names, value, std::move(help), [&target, least, most](const auto& given) {
-                target = numberOf<std::uint64_t>(given, least, most);
-            }};
+    return {
+        .names = names,
+        .value = value,
+        .help = std::move(help),
+        .take = [&target, least,
+                 most](const auto& given) { target = numberOf<std::uint64_t>(given, least, most); },
+        .usual = usualOf(target, least, most)};
 }
 
 Option real(std::string_view names, std::string_view value, double& target, std::string help,
             double least, double most) {
-    return {names, value, std::move(help), [&target, least, most](const auto& given) {
-                target = numberOf<double>(given, least, most);
-            }};
+    return {.names = names,
+            .value = value,
+            .help = std::move(help),
+            .take = [&target, least,
+                     most](const auto& given) { target = numberOf<double>(given, least, most); },
+            .usual = usualOf(target, least, most)};
 }
 
 std::size_t indexOfName(std::string_view name, std::span<const std::string_view> names) {

@@ -14,6 +14,17 @@ namespace {
 /// Whether the next argument is its value.
 bool takesNext(const Option& option) { return !option.value.empty() && !option.isValueOptional; }
 
+/// The parser takes an argument in brackets for a list of its own, and apart. What ends with NUL, which
+/// no argument can hold, is none.
+void hideBrackets(std::vector<std::string>& arguments) {
+    for (std::string& argument : arguments)
+        if (argument.starts_with('[') && argument.ends_with(']')) argument += '\0';
+}
+std::string shownBrackets(std::string argument) {
+    if (argument.ends_with('\0')) argument.pop_back();
+    return argument;
+}
+
 /// The parser gives "true" for a flag without a value.
 std::string valueOf(const Option& option, const std::string& given) {
     const bool isLeftOut = !takesNext(option) && (option.value.empty() || given == "true");
@@ -23,7 +34,7 @@ std::string valueOf(const Option& option, const std::string& given) {
 void addOption(CLI::App& app, const Option& option) {
     const auto run = [&option](const std::vector<std::string>& values) {
         try {
-            option.take(valueOf(option, values.back()));
+            option.take(shownBrackets(valueOf(option, values.back())));
         } catch (const UsageError& error) {
             const auto longName = option.names.substr(option.names.find("--"));
             throw UsageError(fmt::format("{}: {}", longName, error.what()));
@@ -61,10 +72,11 @@ void distribute(const Command& command, const std::vector<std::string>& values) 
         if (used == values.size() && argument.isRequired)
             throw UsageError(fmt::format("{} is missing", argument.name));
         do {
-            if (used < values.size()) argument.take(values[used++]);
+            if (used < values.size()) argument.take(shownBrackets(values[used++]));
         } while (argument.isList && used < values.size());
     }
-    if (used < values.size()) throw UsageError(fmt::format("unexpected argument {}", values[used]));
+    if (used < values.size())
+        throw UsageError(fmt::format("unexpected argument {}", shownBrackets(values[used])));
 }
 
 void checkExclusions(const Command& command, const CLI::App& app) {
@@ -90,6 +102,7 @@ bool parseArguments(const Command& command, std::vector<std::string> arguments) 
                    })
         ->expected(-1)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    hideBrackets(arguments);
     // The parser takes them from the back.
     std::ranges::reverse(arguments);
     try {

@@ -3,6 +3,7 @@
 #include <fmt/core.h>
 
 #include "Completions.h"
+#include "Manual.h"
 
 namespace velmo::tool {
 namespace {
@@ -11,11 +12,16 @@ constexpr std::string_view Head = R"(#compdef velmo
 # Completion of velmo for zsh; made by "velmo completions zsh".
 _velmo() {
     local at=velmo
-    local -a names
-    [[ $words[2] == help && CURRENT -gt 2 ]] && { shift words; (( CURRENT-- )) }
+    local -a names topics
+    [[ $words[2] == help && CURRENT -gt 2 ]] && {
+        shift words; (( CURRENT-- )); topics=(@TOPICS@)
+    }
     while (( CURRENT > 2 )); do
         case "$at $words[2]" in
 )";
+
+/// Where the names of topics stand in Head.
+constexpr std::string_view TopicsMark = "@TOPICS@";
 
 constexpr std::string_view Cases =
     R"(                at+=" $words[2]"; shift words; (( CURRENT-- )) ;;
@@ -86,7 +92,8 @@ std::string namesRow(const CompletedCommand& command, std::string_view path) {
     std::string row = fmt::format("        \"{}\") names=(", path);
     for (const auto& [name, summary] : command.words)
         row += fmt::format("\n                '{}:{}'", name, escaped(summary));
-    return row + ")\n            _describe command names ;;\n";
+    return row + (command.name.empty() ? " $topics" : "") +
+           ")\n            _describe command names ;;\n";
 }
 
 std::string rowOf(const CompletedCommand& command) {
@@ -100,7 +107,10 @@ std::string rowOf(const CompletedCommand& command) {
 }  // namespace
 
 std::string zshCompletion(std::span<const CompletedCommand> commands) {
-    std::string script(Head);
+    std::string script(Head), topics;
+    for (const Topic& topic : allTopics())
+        topics += fmt::format("'{}:{}' ", topic.name, escaped(topic.summary));
+    script.replace(script.find(TopicsMark), TopicsMark.size(), topics);
     for (std::size_t i = 1; i < commands.size(); ++i)
         script += fmt::format("            \"velmo {}\"{}\n", commands[i].name,
                               i + 1 == commands.size() ? ")" : "|\\");
