@@ -35,7 +35,7 @@ TEST_F(FetchTool, TellsWhatCame) {
     EXPECT_EQ(lines[0], (Json{{"url", server_.at("/old")},
                               {"status", 200},
                               {"type", "text/html"},
-                              {"encoding", nullptr},
+                              {"charset", nullptr},
                               {"lastModified", "yesterday"},
                               {"length", 8},
                               {"forward", server_.at("/new.html")},
@@ -72,7 +72,7 @@ TEST_F(FetchTool, KeepsPagesByTheirAddresses) {
 TEST_F(FetchTool, FeedsAllCommands) {
     EXPECT_EQ(run("text " + server_.at("/raw")).out, "\xD0\xB0\xD0\xB1\n");
     EXPECT_EQ(run("text " + server_.at("/odd")).out, "\xC3\xA4\n");
-    EXPECT_EQ(run("charset --http-charset utf-8 --json " + server_.at("/a")).lines().at(0)["encoding"], "utf-8");
+    EXPECT_EQ(run("charset --http-charset utf-8 --json " + server_.at("/a")).lines().at(0)["charset"], "utf-8");
     EXPECT_EQ(run("match cat --files-from -", server_.at("/new.html") + "\n").code, 0);
     EXPECT_EQ(run("digest --crc " + server_.at("/a")).out.substr(0, 8),
               run("digest --crc", "<p>A cat").out.substr(0, 8));

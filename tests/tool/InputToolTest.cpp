@@ -134,7 +134,7 @@ TEST_F(InputTool, GathersPagesWhateverTheirName) {
     ASSERT_EQ(found.size(), 4u);
     EXPECT_EQ(found[0]["follow"], Json({"http://h.org/s/d"}));
     EXPECT_EQ(found[2]["title"], "\xE6\x97\xA5");
-    EXPECT_EQ(found[2]["encoding"], "euc-jp");
+    EXPECT_EQ(found[2]["charset"], "euc-jp");
     EXPECT_EQ(found[2]["excerpt"], "\xE6\x9C\xAC cat l");
     EXPECT_EQ(shell("$V find cat site/page.html.ja.euc-jp").out, "site/page.html.ja.euc-jp:3:3:\xE6\x9C\xAC cat l\n");
     std::filesystem::create_directory(folder_ / "empty");

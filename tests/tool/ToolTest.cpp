@@ -40,9 +40,9 @@ TEST_F(Tool, PrintsThumbnailsOfLinks) {
 }
 
 TEST_F(Tool, NamesCharsets) {
-    EXPECT_EQ(run("charset --json " VELMO_PAGES "/httpd-ja-euc-jp.html").lines().at(0)["encoding"], "euc-jp");
+    EXPECT_EQ(run("charset --json " VELMO_PAGES "/httpd-ja-euc-jp.html").lines().at(0)["charset"], "euc-jp");
     EXPECT_EQ(run("charset --json -", "<p>x").lines().at(0)["declared"], nullptr);
-    EXPECT_EQ(run("charset --json --http-charset KOI8-R -", "<p>x").lines().at(0)["encoding"], "koi8-r");
+    EXPECT_EQ(run("charset --json --http-charset KOI8-R -", "<p>x").lines().at(0)["charset"], "koi8-r");
 }
 
 TEST_F(Tool, TellsHitsByItsExitCode) {

@@ -14,7 +14,7 @@ namespace {
 void print(const std::string& file, const Content& content, Report& report) {
     if (report.json())
         return report.printObject(
-            fileObject(file, {{"encoding", content.encoding}, {"declared", content.declared}}));
+            fileObject(file, {{"charset", content.encoding}, {"declared", content.declared}}));
     report.printLine(fmt::format(
         "{}: {} ({})", file, content.encoding,
         content.declared.isAbsent() ? "none declared" : "declared " + content.declared.utf8()));

@@ -97,7 +97,7 @@ JsonObject objectOf(const Fetched& fetched) {
         {"url", fetched.url},
         {"status", result.statusCode > 0 ? Json(result.statusCode) : Json()},
         {"type", result.MIMEType},
-        {"encoding", result.encodingName},
+        {"charset", result.encodingName},
         {"lastModified", result.lastModified},
         {"length", result.expectedContentLength < 0 ? Json() : Json(result.expectedContentLength)},
         {"forward", result.forward.absoluteString()},

@@ -182,7 +182,7 @@ void printObject(const std::string& file, const GatheredPage& page, const Option
                  Report& report) {
     JsonObject object =
         fileObject(file, {{"title", page.title},
-                          {"encoding", page.encoding},
+                          {"charset", page.encoding},
                           {"language", page.language},
                           {"words", page.words},
                           {"links", page.links.number},
