@@ -169,6 +169,7 @@ private:
         const NormalizedLink normalized(href, {.web = options_.web});
         const Units link = normalized.view();
         if (link.empty()) return std::nullopt;
+        if (!options_.resolve) return resolvedLink(link);
         // Most links of a page come more than once, and are the same each time.
         const std::size_t number = references_.add(link);
         if (number == links_.size()) links_.push_back(resolvedLink(link));
