@@ -25,6 +25,9 @@ inline const char16_t* skipWhiteByUnit(const char16_t* from, const char16_t* to,
 inline const char16_t* skipWhite(const char16_t* from, const char16_t* to,
                                  const CharacterSetRep& white) {
 #if defined(__SSE2__)
+    // Most runs are a blank or none, and a block would only be loaded for nothing.
+    for (int i = 0; i < 2; ++i, ++from)
+        if (from == to || !isWhiteUnit(*from, white)) return from;
     while (to - from >= scan::BlockUnits) {
         const __m128i block = scan::loadBlock(from);
         const __m128i blank =
