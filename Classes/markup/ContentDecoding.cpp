@@ -7,6 +7,8 @@
 #include <utility>
 
 #include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/markup/TagAttributes.h>
+#include <velmocore/markup/WebCharsets.h>
 #include <velmocore/platform/Memory.h>
 #include <velmocore/text/CharacterFinding.h>
 
@@ -107,6 +109,17 @@ StringEncoding encodingOfWidePage(Bytes bytes) {
     return encodingOfZeros(bytes.first(std::min(bytes.size(), ContentHeadSize)));
 }
 
+/// A long page in UTF-8, as its charset is found today, the bytes of which are lost; absent for
+/// others. By the own rules several readings may have to be made of one page.
+DecodedContent decodedLongPage(Data& bytes, const ContentDecodingOptions& options) {
+    if (!options.web.charsets || bytes.size() <= PieceSize) return {};
+    const String charset = headerCharset(options.contentType);
+    WebCharset found = webCharset(bytes, charset.isEmpty() ? options.encodingName : charset.view());
+    if (stringEncodingOf(found.encoding) != UTF8StringEncoding) return {};
+    return {decoded(std::move(bytes), UTF8StringEncoding), UTF8StringEncoding,
+            std::move(found.declared)};
+}
+
 }  // namespace
 
 DecodedContent decodeContent(Data&& data, const ContentDecodingOptions& options) {
@@ -120,6 +133,9 @@ DecodedContent decodeContent(Data&& data, const ContentDecodingOptions& options)
     } else if (encoding == UnknownStringEncoding) {
         encoding = encodingOfWidePage(bytes);
     }
+    if (isPage && encoding == UnknownStringEncoding)
+        if (DecodedContent page = decodedLongPage(bytes, options); !page.text.isAbsent())
+            return page;
     if (encoding != UnknownStringEncoding)
         return {decoded(std::move(bytes), encoding), encoding, {}};
     MarkupDecoding page = decodeMarkup(bytes, {.contentType = options.contentType,

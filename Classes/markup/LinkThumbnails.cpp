@@ -13,6 +13,7 @@
 #include <initializer_list>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include <velmocore/markup/MarkupCharset.h>
 #include <velmocore/markup/PlainText.h>
@@ -29,6 +30,7 @@
 #include "markup/TagWalk.h"
 #include "markup/ThumbnailFilter.h"
 #include "markup/ThumbnailTables.h"
+#include "markup/UniqueLinks.h"
 #include "text/Keyword.h"
 
 namespace velmo {
@@ -165,8 +167,17 @@ private:
             href = extracted;
         }
         const NormalizedLink normalized(href, {.web = options_.web});
-        Units link = normalized.view();
+        const Units link = normalized.view();
         if (link.empty()) return std::nullopt;
+        if (!options_.resolve) return resolvedLink(link);
+        // Most links of a page come more than once, and are the same each time.
+        const std::size_t number = references_.add(link);
+        if (number == links_.size()) links_.push_back(resolvedLink(link));
+        return links_[number];
+    }
+
+    /// The link that a reference leads to; nothing if it is none to take.
+    std::optional<Link> resolvedLink(Units link) {
         URL url;
         if (options_.resolve) {
             url = options_.web.resolution
@@ -232,6 +243,9 @@ private:
     const bool isSearchPage_;
     GoogleMask mask_;
     Cell cell_ = Cell::None;
+    std::vector<String> seen_;  ///< the references of the links
+    UniqueLinks references_{seen_};
+    std::vector<std::optional<Link>> links_;  ///< where each of them leads
     std::optional<OpenLink> open_;
     std::optional<Thumbnail> waiting_;  ///< for the next link of the cell
     std::optional<StringEncoding> encoding_;

@@ -10,6 +10,7 @@
 
 #include "markup/BaseRule.h"
 #include "markup/NormalizedLink.h"
+#include "markup/TagScan.h"
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
 #include "markup/UniqueLinks.h"
@@ -34,12 +35,19 @@ public:
         // The text of a link may hold tags of its own, as images or bold type.
         if (hasLinkText_) linkText_ += tag.text();
         if (tag.nameLength == 1) {
-            if (tag.isNamed("A")) retrieveAnchor(tag);
+            if (keyword::upper(tag.name()[0]) == u'A') retrieveAnchor(tag);
         } else if (tag.nameLength == 4 && isOpening(tag)) {
             if (tag.isNamed("BASE")) applyBaseRule(tag, options_.url, baseURL_);
             if (!wantsText_ && tag.isNamed("AREA")) add(hrefOf(tag));
         }
         return false;
+    }
+
+    /// Whether a tag that begins with the unit is none of those that count: it closes an element, or
+    /// its name begins with another letter than theirs, and than those of scripts and styles.
+    static bool passesOver(char16_t unit) {
+        if (unit == u'/') return true;
+        return ascii::isLetter(unit) && (unit | 0x20) > u'b' && (unit | 0x20) != u's';
     }
 
 private:
@@ -102,7 +110,13 @@ HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
 }
 
 HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
-    return linksOf(scanOf(page, options.web), options);
+    // With their text links are closed too, and all tags stand in it.
+    if (options.handler || !options.containing.empty())
+        return linksOf(scanOf(page, options.web), options);
+    HtmlLinks result;
+    RetrieveLinksHandler handler(result, options);
+    scanTags(page, handler, options.web);
+    return result;
 }
 
 }  // namespace velmo

@@ -1,11 +1,12 @@
 // One state is shared by all copies of a page. It holds the text, and each part in a box that is
 // filled once, by the first who asks. The tags are such a part too: whatever is asked for first,
-// the page is scanned for all that follows.
+// the page is scanned for all that follows, if it is not long.
 #include <velmocore/markup/Page.h>
 
 #include <mutex>
 #include <optional>
 #include <set>
+#include <unordered_set>
 
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/ErrorPages.h>
@@ -77,15 +78,20 @@ struct Page::State {
         return web.resolution && filterLink(link.absoluteString()) ? URL() : link;
     }
     const URL& baseURL() const {
-        const URL& base = references().baseURL;
-        return base.isAbsent() ? url : base;
+        return baseOr([&] { return references().baseURL; });
+    }
+    /// The same where it is known already what the base tags say.
+    template <class Find>
+    const URL& baseOr(Find find) const {
+        const URL& named = namedBase.get(find);
+        return named.isAbsent() ? url : named;
     }
 
     /// The references as URLs, of which two may still be the same.
     template <class References>
     std::vector<URL> resolvedOf(const References& references) const {
         std::vector<URL> urls;
-        std::set<URL> seen;
+        std::unordered_set<URL> seen;
         for (const String& reference : references)
             if (URL link = resolved(reference); !link.isAbsent() && seen.insert(link).second)
                 urls.push_back(std::move(link));
@@ -103,6 +109,7 @@ struct Page::State {
     Lazy<HtmlMetadata> metadata;
     Lazy<HtmlMetaSummary> summary;
     Lazy<bool> isErrorPage;
+    Lazy<URL> namedBase;  ///< of the base tags; absent if they name none
     Lazy<URL> favIcon, canonicalURL;
     Lazy<LinkThumbnails> linkThumbnails;
     Lazy<std::vector<URL>> links, frames, images, stylesheetsAndScripts, embeddedObjects;
@@ -161,10 +168,11 @@ bool Page::isFeed() const { return velmo::isFeed(state_->markup, state_->web); }
 
 const std::vector<URL>& Page::links() const {
     return state_->links.get([this] {
-        std::vector<String> links =
-            detail::linksOf(state_->tags(), {.web = state_->web, .url = state_->url}).links;
+        auto [links, named] =
+            detail::linksOf(state_->tags(), {.web = state_->web, .url = state_->url});
+        const URL& base = state_->baseOr([&named = named] { return named; });
         // On a file base a # would be a part of the path; on others the anchor is cut anyway.
-        if (baseURL().isFileURL())
+        if (base.isFileURL())
             for (String& link : links) link = stringURLWithoutAnchor(link);
         std::vector<URL> urls = state_->resolvedOf(links);
         std::erase_if(urls, [](const URL& url) { return !isWebKitURL(url); });

@@ -18,6 +18,7 @@
 #include "markup/GoogleMask.h"
 #include "markup/PlainTextOutput.h"
 #include "markup/TagName.h"
+#include "markup/TagScan.h"
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
 #include "platform/Ascii.h"
@@ -406,15 +407,14 @@ const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
     return row < 0 ? nullptr : &Rules[row];
 }
 
-using Handler = bool (Converter::*)(const Tag&);
-
 /// Hands the tags of a walk over the page to a handler; a page of which only the body is asked
 /// for and that has none is walked again as a whole.
-HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions options,
-                      Handler handler) {
+template <bool (Converter::*Handle)(const Tag&), class Walk>
+HtmlPlainText convert(const String& page, const Walk& walk, PlainTextOptions options) {
     for (;;) {
         Converter converter(options);
-        walk([&](const Tag& tag) { return (converter.*handler)(tag); });
+        auto handler = [&](const Tag& tag) { return (converter.*Handle)(tag); };
+        walk(handler);
         if (converter.didOutput()) {
             String text = converter.finish();
             if (options.web.softHyphens) text = stringByRemovingCharacters(text, u'\u00AD');
@@ -430,11 +430,13 @@ HtmlPlainText convert(const String& page, detail::TagWalk walk, PlainTextOptions
 
 HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
                                   const PlainTextOptions& options) {
-    return convert(page, walk, options, &Converter::handle);
+    return convert<&Converter::handle>(page, walk, options);
 }
 
 HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {
-    return detail::plainTextOf(page, detail::scanOf(page, options.web), options);
+    // A scan of its own type, which has the handler in it.
+    const auto scan = [&](auto& handler) { detail::scanTags(page, handler, options.web); };
+    return convert<&Converter::handle>(page, scan, options);
 }
 
 String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options) {
@@ -446,9 +448,8 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
 }
 
 String stringByConvertingHtml2SimplifiedPlainText(const String& page, const WebRules& web) {
-    return convert(page, detail::scanOf(page, web), {.onlyBody = true, .web = web},
-                   &Converter::handleSimply)
-        .text;
+    const auto scan = [&](TagHandler handler) { GetTagsOfString(page, handler, web); };
+    return convert<&Converter::handleSimply>(page, scan, {.onlyBody = true, .web = web}).text;
 }
 
 }  // namespace velmo

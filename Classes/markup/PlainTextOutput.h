@@ -93,7 +93,7 @@ public:
     }
 
     Units trimmed(Units text) const {
-        while (!text.empty() && isWhite(text.front())) text.remove_prefix(1);
+        text.remove_prefix(whiteStart(text));
         while (!text.empty() && isWhite(text.back())) text.remove_suffix(1);
         return text;
     }
@@ -170,8 +170,7 @@ private:
     /// The short way for the many spans without entities: white space at the end is cut when
     /// it stands as one space in the output. False, and nothing done, if there is an &.
     bool copyUnlessEncoded(Units span) {
-        std::size_t start = 0;
-        while (start < span.size() && isWhite(span[start])) ++start;
+        const std::size_t start = whiteStart(span);
         if (start == span.size()) {
             spaceOwed_ = true;
             return true;
@@ -189,6 +188,12 @@ private:
         out_.commit(static_cast<std::size_t>(end - out_.end()) - endsWhite);
         endSpan(endsWhite);
         return true;
+    }
+
+    /// How many white units a text starts with.
+    std::size_t whiteStart(Units text) const {
+        const char16_t* const end = text.data() + text.size();
+        return static_cast<std::size_t>(skipWhite(text.data(), end, white_) - text.data());
     }
 
     /// Makes room and writes the space that is due in front of a span.

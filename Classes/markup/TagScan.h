@@ -143,6 +143,16 @@ public:
                 ++at;
                 continue;
             }
+            if constexpr (!ByWeb && requires { Handler::passesOver(at[1]); }) {
+                // Nothing but its end is asked of most tags.
+                if (end_ - at > 1 && Handler::passesOver(at[1])) {
+                    at = endOfOpenTag(at + 1);
+                    if (at == end_) break;
+                    ++at;
+                    tag_.textLocation = static_cast<std::uint64_t>(at - begin_);
+                    continue;
+                }
+            }
             start(at);
             const char16_t* last = endOfTag(at);
             if (last == end_ && !isRawElement_) {

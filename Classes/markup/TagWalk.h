@@ -2,6 +2,7 @@
 // have it, or a scan whose tags were kept for all of them.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -25,40 +26,54 @@ inline auto scanOf(std::u16string_view page, const WebRules& web) {
     return [page, &web](TagHandler handler) { GetTagsOfString(page, handler, web); };
 }
 
-/// The tags of one scan. The text must outlive them.
+/// The tags of a text for all who ask for them: those of one scan, or, if the text is long, those of
+/// a scan for each who asks, as all of them take a fifth of the memory of the text. The text must
+/// outlive them.
 class TagList {
 public:
     TagList(std::u16string_view text, const WebRules& web) : text_(text), web_(web) {
+        if (!isKept()) return;
         const auto keep = [this](const Tag& tag) {
-            tags_.push_back({static_cast<std::size_t>(tag.nameLocation), tag.nameLength,
-                             tag.tagLocation, tag.tagLength, tag.kind});
+            tags_.push_back({static_cast<std::uint32_t>(tag.nameLocation),
+                             static_cast<std::uint32_t>(tag.nameLength),
+                             static_cast<std::uint32_t>(tag.tagLocation),
+                             static_cast<std::uint32_t>(tag.tagLength) << KindBits |
+                                 static_cast<std::uint32_t>(tag.kind)});
             return false;
         };
         GetTagsOfString(text, keep, web);
     }
 
     void operator()(TagHandler handler) const {
+        if (!isKept()) {
+            GetTagsOfString(text_, handler, web_);
+            return;
+        }
         Tag tag;
         tag.characters = text_;
         tag.web = web_;
         for (const Kept& kept : tags_) {
-            tag.nameLocation = kept.nameLocation;
+            tag.nameLocation = kept.nameLength > 0 ? kept.nameLocation : NotFound;
             tag.nameLength = kept.nameLength;
             tag.tagLocation = kept.tagLocation;
-            tag.tagLength = kept.tagLength;
-            tag.kind = kept.kind;
+            tag.tagLength = kept.lengthAndKind >> KindBits;
+            tag.kind = static_cast<TagKind>(kept.lengthAndKind & ((1u << KindBits) - 1));
             if (handler(tag)) return;
             // Text begins where the tag before ended, so it need not be kept.
-            tag.textLocation = kept.tagLocation + kept.tagLength;
+            tag.textLocation = tag.tagLocation + tag.tagLength;
         }
     }
 
 private:
+    static constexpr std::size_t LongText = std::size_t{1} << 20;  ///< in units
+    static constexpr unsigned KindBits = 2;
+
     /// What a tag does not have in common with those beside it.
     struct Kept {
-        std::size_t nameLocation, nameLength, tagLocation, tagLength;
-        TagKind kind;
+        std::uint32_t nameLocation, nameLength, tagLocation, lengthAndKind;
     };
+
+    bool isKept() const { return text_.size() < LongText; }
 
     std::u16string_view text_;
     const WebRules web_;

@@ -8,14 +8,9 @@
 #include <velmocore/text/CharacterSets.h>
 
 #include "text/UnitScan.h"
+#include "text/WhiteSkip.h"
 
 namespace velmo::detail {
-
-/// The white units of whiteCharacterSetRep(), told without a memory access for ASCII.
-inline bool isWhiteUnit(char16_t unit, const CharacterSetRep& white) {
-    if (unit < 128) return unit <= u' ' && ((0x100003E09ull >> unit) & 1);
-    return white.contains(unit);
-}
 
 #if defined(__SSE2__)
 
@@ -94,9 +89,7 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
             continue;
         }
         *out++ = replacement;
-        do ++from;
-        while (from < to && member(*from));
-        verbatim = from;
+        verbatim = from = skipMembers(from + 1, to, member);
     }
     return out;
 }
@@ -128,8 +121,7 @@ const char16_t* firstToCollapse(const char16_t* from, const char16_t* to, const 
 template <char16_t Stop = 0>
 char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
                               const CharacterSetRep& white) {
-    return copyCollapsing<Stop>(
-        from, to, out, [&](char16_t unit) { return isWhiteUnit(unit, white); }, u' ');
+    return copyCollapsing<Stop>(from, to, out, WhiteMember{white}, u' ');
 }
 
 }  // namespace velmo::detail

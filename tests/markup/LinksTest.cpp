@@ -1,5 +1,8 @@
 #include <velmocore/markup/Links.h>
 
+#include <velmocore/markup/LinkNormalising.h>
+#include <velmocore/markup/TagAttributes.h>
+#include <velmocore/markup/TagScanner.h>
 #include <velmocore/platform/Log.h>
 
 #include "TestSupport.h"
@@ -101,6 +104,62 @@ TEST(Links, ManyLinksComeOnceEach) {
     }
     EXPECT_EQ(htmlLinks(page).links, expected);
     EXPECT_EQ(htmlLinks(page, {.containing = u"x"}).links, expected);
+}
+
+/// Links as a handler has them that is asked of every tag.
+std::vector<String> linksOfAllTags(View page) {
+    std::vector<String> links;
+    GetTagsOfString(page, [&](const Tag& tag) {
+        if (!(tag.isNamed("A") || tag.isNamed("AREA")) || tag.tagLength < 3 || tag.isClosing()) return false;
+        const String link = normalizedStringURL(attributeOfTagCharacters(tag.whole(), "HREF"));
+        if (!link.isEmpty() && std::ranges::find(links, link) == links.end()) links.push_back(link);
+        return false;
+    });
+    return links;
+}
+
+// Without their text nothing is asked of most tags but where they end.
+TEST(Links, AreThoseOfAScanThatReportsAllTags) {
+    constexpr View Pieces[] = {u"<a href=x",
+                               u"<A HREF='y>z'",
+                               u"<area href=\"q\"",
+                               u"</a",
+                               u"<b ",
+                               u"<I a=",
+                               u"<p",
+                               u"<script>",
+                               u"</script>",
+                               u"<STYLE>",
+                               u"</style",
+                               u"<\u017Fcript>",
+                               u"<!--",
+                               u"-->",
+                               u"<![",
+                               u"]>",
+                               u"<1a href=w",
+                               u"<?a href=v",
+                               u"</",
+                               u"<",
+                               u"<>",
+                               u">",
+                               u"/>",
+                               u"=",
+                               u"\"",
+                               u"'",
+                               u" ",
+                               u"t",
+                               u"<td c='",
+                               u"<\u00E1 href=u"};
+    std::mt19937 random(11);
+    std::size_t found = 0;
+    for (int round = 0; round < 30000; ++round) {
+        std::u16string page;
+        for (unsigned n = random() % 20; n > 0; --n) page += Pieces[random() % std::size(Pieces)];
+        const std::vector<String> expected = linksOfAllTags(page);
+        ASSERT_EQ(htmlLinks(page).links, expected) << utf8(page);
+        found += expected.size();
+    }
+    EXPECT_GT(found, 10000u);
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 #include <set>
 #include <thread>
 
+#include <velmocore/markup/ContentDecoding.h>
 #include <velmocore/markup/Links.h>
+#include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/PageResources.h>
 #include <velmocore/markup/PlainText.h>
 #include <velmocore/platform/Log.h>
@@ -149,6 +151,33 @@ TEST(Page, IsMadeOnceByManyThreads) {
     for (std::thread& thread : threads) thread.join();
     for (const String* text : texts) EXPECT_EQ(text, &page.plainText());
     EXPECT_TRUE(page.title().view().starts_with(u"Dokumentation zum Apache HTTP Server"));
+}
+
+// Its tags are not kept, but are the same.
+TEST(Page, ALongPageIsReadAsAShortOne) {
+    std::u16string text = u"<base href='http://h.org/'><title>T</title><!-- c --><script>1 < 2</script>";
+    for (int i = 0; text.size() < 2'000'000; ++i)
+        text +=
+            u"<p class='c'>" + std::u16string(200, u'x') + u" <a href=" + std::u16string(1 + i % 9, u'a') + u">l</a>";
+    for (const WebRules& web : {WebRules(), WebRules::today()}) {
+        const Page page = Page::pageWithString(text, {}, web);
+        EXPECT_EQ(page.links().size(), 9u);
+        EXPECT_EQ(page.links()[8], u"http://h.org/aaaaaaaaa");
+        EXPECT_EQ(page.title(), u"T");
+        EXPECT_EQ(page.plainText(), stringByConvertingHtml2PlainText(text, {.web = web}));
+    }
+}
+
+TEST(Page, TheBytesOfALongPageAreGivenBackWhileItIsDecoded) {
+    for (const std::string_view mark : {"", "\xEF\xBB\xBF"}) {
+        std::string page = std::string(mark) + "<meta charset=utf-8><p>";
+        while (page.size() < 3'000'000) page += "caf\xC3\xA9 \xE4\xB8\x80\xF0\x9F\x98\x80 \xFF ";
+        const MarkupDecoding expected = decodeMarkup(Bytes(page), {.web = WebRules::today()});
+        const DecodedContent found = decodeContent(Data(page.begin(), page.end()), {.web = WebRules::today()});
+        EXPECT_EQ(found.text, expected.text);
+        EXPECT_EQ(found.encoding, expected.encoding);
+        EXPECT_EQ(found.declared, u"utf-8");
+    }
 }
 
 }  // namespace
