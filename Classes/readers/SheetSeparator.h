@@ -14,6 +14,6 @@ struct SheetSeparator {
 };
 
 /// The tab, comma or semicolon that a text has most of, outside quotes if there are any.
-VELMO_API SheetSeparator sheetSeparator(std::u16string_view text, bool quoted);
+SheetSeparator sheetSeparator(std::u16string_view text, bool quoted);
 
 }  // namespace velmo::detail
