@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include <velmocore/platform/Export.h>
-
 namespace velmo::detail {
 
 struct SheetSeparator {

@@ -3,8 +3,6 @@
 
 #include <string>
 
-#include <velmocore/platform/Export.h>
-
 #include "system/FileCalls.h"
 
 namespace velmo::detail {

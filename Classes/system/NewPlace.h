@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include <velmocore/platform/Export.h>
-
 #include "system/OpenFile.h"
 
 namespace velmo::detail {

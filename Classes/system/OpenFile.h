@@ -7,7 +7,6 @@
 #include <vector>
 
 #include <velmocore/platform/Bytes.h>
-#include <velmocore/platform/Export.h>
 
 #include "system/FileCalls.h"
 

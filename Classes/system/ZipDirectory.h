@@ -11,7 +11,6 @@
 #include <vector>
 
 #include <velmocore/platform/Date.h>
-#include <velmocore/platform/Export.h>
 
 #include "system/OpenFile.h"
 
