@@ -34,19 +34,40 @@ function(velmo_module name)
     COMMENT "Checking what module ${name} includes" VERBATIM)
 
   add_library(velmo-${name} ${sources} ${stamp})
-  add_library(velmo::${name} ALIAS velmo-${name})
-  set_target_properties(velmo-${name} PROPERTIES EXPORT_NAME ${name}
+  velmo_describe(velmo-${name} ${name} "" ${ARGN})
+  if(BUILD_SHARED_LIBS AND NOT VELMO_SANITIZE)
+    set(map ${PROJECT_SOURCE_DIR}/cmake/velmocore.map)
+    target_link_options(velmo-${name} PRIVATE LINKER:--version-script=${map})
+    set_target_properties(velmo-${name} PROPERTIES LINK_DEPENDS ${map})
+  endif()
+  if(VELMO_STATIC_TOO)  # the same objects, which are position-independent in all builds
+    add_library(velmo-${name}-static STATIC $<TARGET_OBJECTS:velmo-${name}>)
+    velmo_describe(velmo-${name}-static ${name} "-static" ${ARGN})
+  endif()
+
+  set(needs fmt::fmt ${MODULE_PRIVATE})
+  list(FILTER needs EXCLUDE REGEX "BUILD_INTERFACE")
+  set(VELMO_USES_${name} ${MODULE_USES} PARENT_SCOPE)
+  set(VELMO_NEEDS_${name} ${needs} PARENT_SCOPE)
+  set(VELMO_MODULES ${VELMO_MODULES} ${name} PARENT_SCOPE)
+endfunction()
+
+# What a module's library and its static twin have in common.
+function(velmo_describe target name suffix)
+  cmake_parse_arguments(MODULE "" "" "USES;PRIVATE" ${ARGN})
+  add_library(velmo::${name}${suffix} ALIAS ${target})
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${name}
     VERSION ${PROJECT_VERSION} SOVERSION ${VELMO_SOVERSION}
-    OUTPUT_NAME velmocore-${name})
-  target_compile_features(velmo-${name} PUBLIC cxx_std_20)
-  target_include_directories(velmo-${name}
+    OUTPUT_NAME velmocore-${name} DEFINE_SYMBOL "" LINKER_LANGUAGE CXX)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  target_include_directories(${target}
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
     PRIVATE ${PROJECT_SOURCE_DIR}/Classes)
   list(TRANSFORM MODULE_USES PREPEND velmo::)
-  target_link_libraries(velmo-${name} PUBLIC ${MODULE_USES}
+  list(TRANSFORM MODULE_USES APPEND "${suffix}")
+  target_link_libraries(${target} PUBLIC ${MODULE_USES}
     PRIVATE $<BUILD_INTERFACE:velmo_options> fmt::fmt ${MODULE_PRIVATE})
-  set(VELMO_MODULES ${VELMO_MODULES} ${name} PARENT_SCOPE)
 endfunction()
 
 # velmo::velmocore is all modules at once.
@@ -55,4 +76,10 @@ function(velmo_umbrella)
   add_library(velmo::velmocore ALIAS velmocore)
   list(TRANSFORM VELMO_MODULES PREPEND velmo:: OUTPUT_VARIABLE all)
   target_link_libraries(velmocore INTERFACE ${all})
+  if(VELMO_STATIC_TOO)
+    add_library(velmocore-static INTERFACE)
+    set_target_properties(velmocore-static PROPERTIES EXPORT_NAME velmocore)
+    list(TRANSFORM all APPEND -static)
+    target_link_libraries(velmocore-static INTERFACE ${all})
+  endif()
 endfunction()

@@ -64,7 +64,7 @@ inline bool mayBeSpecial(const Tag& tag) {
 }
 
 /// Null for a tag of any other name.
-const RawElement* rawElement(const Tag& tag);
+VELMO_API const RawElement* rawElement(const Tag& tag);
 
 /// Tells whether tags stand in images or formulas, the elements of which are not those of HTML.
 class ForeignElements {
@@ -82,7 +82,7 @@ public:
     }
 
 private:
-    void change(const Tag& tag, bool isClosing);
+    VELMO_API void change(const Tag& tag, bool isClosing);
 
     const bool always_;
     std::size_t depth_ = 0;     ///< of images and formulas
@@ -97,9 +97,10 @@ std::u16string_view openingTagOf(std::u16string_view element);
 
 /// Where the closing tag of an element begins, whose name in capitals is given with its </; the end
 /// if there is none.
-const char16_t* findClosing(const char16_t* at, const char16_t* end, std::string_view closing);
+VELMO_API const char16_t* findClosing(const char16_t* at, const char16_t* end,
+                                      std::string_view closing);
 
 /// The same for a script. In a comment a script within it must be closed first.
-const char16_t* findEndOfScript(const char16_t* at, const char16_t* end);
+VELMO_API const char16_t* findEndOfScript(const char16_t* at, const char16_t* end);
 
 }  // namespace velmo::detail::webTags

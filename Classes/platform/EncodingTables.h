@@ -48,6 +48,6 @@ struct EncodingRow {
 VELMO_API std::span<const EncodingRow> encodingRows() noexcept;
 
 /// The row of an encoding; null if there is none.
-VELMO_API const EncodingRow* encodingRow(std::uint32_t number) noexcept;
+const EncodingRow* encodingRow(std::uint32_t number) noexcept;
 
 }  // namespace velmo::detail

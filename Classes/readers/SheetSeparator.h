@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include <velmocore/platform/Export.h>
-
 namespace velmo::detail {
 
 struct SheetSeparator {
@@ -14,6 +12,6 @@ struct SheetSeparator {
 };
 
 /// The tab, comma or semicolon that a text has most of, outside quotes if there are any.
-VELMO_API SheetSeparator sheetSeparator(std::u16string_view text, bool quoted);
+SheetSeparator sheetSeparator(std::u16string_view text, bool quoted);
 
 }  // namespace velmo::detail

@@ -24,7 +24,7 @@ Data appleDoubleBeside(const Path& path);
 
 /// The type of a file as a string: its four characters between apostrophes. Absent if there is
 /// none.
-VELMO_API String typeOfFinderInfo(Bytes finderInfo);
+String typeOfFinderInfo(Bytes finderInfo);
 
 /// The code in a type string; 0 if it is none.
 std::uint32_t codeOfTypeString(std::u16string_view type);

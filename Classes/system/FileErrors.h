@@ -9,7 +9,7 @@
 namespace velmo::detail {
 
 /// The error of the system with that number, about something with a name.
-Error systemError(int number, std::string_view about);
+VELMO_API Error systemError(int number, std::string_view about);
 
 /// Passes on whether an operation succeeded; if it did not, errno tells why.
 inline bool reported(bool isDone, Error* error, std::string_view about) {

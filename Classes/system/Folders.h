@@ -3,13 +3,11 @@
 
 #include <string>
 
-#include <velmocore/platform/Export.h>
-
 #include "system/FileCalls.h"
 
 namespace velmo::detail {
 
 /// A folder and those above it. If there is something of that name, whether it is a folder.
-VELMO_API bool makeFolders(FileCalls& calls, const std::string& path, mode_t mode = 0777);
+bool makeFolders(FileCalls& calls, const std::string& path, mode_t mode = 0777);
 
 }  // namespace velmo::detail

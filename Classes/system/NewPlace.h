@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include <velmocore/platform/Export.h>
-
 #include "system/OpenFile.h"
 
 namespace velmo::detail {
@@ -18,7 +16,7 @@ struct Place {
     /// False, and errno, if there is no such folder, or the path ends in no name.
     explicit operator bool() const { return static_cast<bool>(folder); }
 };
-VELMO_API Place placeOf(FileCalls& calls, const std::string& path);
+Place placeOf(FileCalls& calls, const std::string& path);
 
 enum class Occupied {
     Fails,       ///< with EEXIST
@@ -29,7 +27,7 @@ enum class Occupied {
 bool moveName(FileCalls& calls, int fromFolder, const std::string& from, int toFolder,
               const std::string& to, Occupied occupied);
 
-class VELMO_API NewPlace {
+class NewPlace {
 public:
     /// In an open folder, which must outlive this. Nothing is made.
     NewPlace(FileCalls& calls, int folder);

@@ -7,14 +7,13 @@
 #include <vector>
 
 #include <velmocore/platform/Bytes.h>
-#include <velmocore/platform/Export.h>
 
 #include "system/FileCalls.h"
 
 namespace velmo::detail {
 
 /// Owns a descriptor; none if it could not be opened, and errno then tells why.
-class VELMO_API OpenFile {
+class OpenFile {
 public:
     OpenFile() = default;
     /// Opens a path from a folder on; that may be AT_FDCWD. Neither a pipe nor a terminal is waited
@@ -48,8 +47,8 @@ private:
 
 /// The names in a folder but for "." and "..", in the order of their bytes; absent if they cannot
 /// all be read.
-VELMO_API std::optional<std::vector<std::string>> namesInFolder(FileCalls& calls, int folder,
-                                                                const std::string& path = ".");
+std::optional<std::vector<std::string>> namesInFolder(FileCalls& calls, int folder,
+                                                      const std::string& path = ".");
 
 /// What stands at a path, which may be a link itself; absent if nothing does.
 std::optional<struct stat> infoOf(FileCalls& calls, int folder, const std::string& path);

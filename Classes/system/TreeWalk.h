@@ -48,6 +48,6 @@ bool walkTree(OpenFile root, TreeVisitor& visitor);
 bool walk(FileCalls& calls, int folder, const std::string& name, TreeVisitor& visitor);
 
 /// Removes what stands under a name, whatever it is. A link is removed and not what it leads to.
-VELMO_API bool removeTree(FileCalls& calls, int folder, const std::string& name);
+bool removeTree(FileCalls& calls, int folder, const std::string& name);
 
 }  // namespace velmo::detail

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include <velmocore/platform/Date.h>
-#include <velmocore/platform/Export.h>
 
 #include "system/OpenFile.h"
 
@@ -37,7 +36,7 @@ struct ZipDirectory {
 };
 
 /// Throws an ArchiveFailure for what is no archive, or has more entries than that.
-VELMO_API ZipDirectory readZipDirectory(const OpenFile& file, std::uint64_t mostEntries);
+ZipDirectory readZipDirectory(const OpenFile& file, std::uint64_t mostEntries);
 
 /// Sorts the entries by where they begin, and makes sure that each stands where the directory says,
 /// under the same name, and that none reaches into another one. Throws an ArchiveFailure.
