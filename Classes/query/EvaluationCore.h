@@ -161,7 +161,10 @@ private:
     std::optional<bool> continueGroup(std::optional<bool> answer) {
         Frame& frame = stack_.back();
         const QueryNode& group = tree_.nodes[frame.call.node];
-        if (answer) join(frame, *answer);
+        if (answer)
+            join(frame, *answer);
+        else if (const auto known = knownOfAlternatives(frame.call))
+            return finish(*known != group.negated);
         while (frame.child < group.count) {
             const QueryOperator op = frame.child ? childOf(frame).op : QueryOperator::None;
             if (!canChange(op, frame.value)) {
@@ -175,6 +178,14 @@ private:
             join(frame, *answer);
         }
         return finish(frame.value != group.negated);
+    }
+
+    /// What a group joined by OR comes to in the text as a whole, if the finder can tell at once.
+    std::optional<bool> knownOfAlternatives(const Call& call) {
+        if constexpr (requires { finder_.findsAnyIn(call.node); })
+            if (call.left == NoNode && call.start == 0 && call.end == textEnd_)
+                return finder_.findsAnyIn(call.node);
+        return {};
     }
 
     std::size_t childIndex(const Frame& frame, std::size_t child) const {
