@@ -12,7 +12,7 @@ namespace velmo::detail {
 namespace {
 
 /// From so many words on one walk for all is cheaper than one for each.
-std::size_t fewestWords() { return sievesManyAtOnce() ? 3 : 8; }
+std::size_t fewestWords() { return sieveWay() == SieveWay::OneByOne ? 8 : 3; }
 /// To make them ready takes about as long as to seek so many units for one word.
 constexpr std::size_t FewestUnits = 2048;
 

@@ -109,11 +109,10 @@ public:
     bool goOn(Found found) {
         const std::u16string_view units = text_.units;
         if (base_ >= units.size()) return false;
-        SievedBlock block = nextSieved(units, base_, words_.sieve());
-        const std::u16string_view rest = units.substr(block.base);
-        if (block.places == 0) block.places = sievedRest(rest, words_.sieve());
+        const SievedBlock block = nextSieved(units, base_, words_.sieve());
         base_ = block.base + BlockSize;
-        if (block.places == 0) return true;
+        if (block.places == 0) return false;
+        const std::u16string_view rest = units.substr(block.base);
         const std::uint64_t members =
             membersOf(rest.data(), std::min(rest.size(), BlockSize), text_.termCharacters);
         const std::uint64_t before =

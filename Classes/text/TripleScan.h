@@ -9,53 +9,49 @@
 
 namespace velmo::detail {
 
-/// What the first three units of words may be, for up to eight groups of words. A unit is looked
-/// at as its low byte, and of that as two halves: whatever table folds units, each unit that may
-/// stand in a word is to be added by itself.
+/// What the first three units of words may be, for up to eight groups of words. Of a unit only the
+/// low bits are looked at. Whatever folds units, each one that may stand in a word is to be added
+/// by itself.
 struct TripleSieve {
-    static constexpr unsigned Groups = 8, Places = 3;
+    static constexpr unsigned Groups = 8, Places = 3, Units = 128;
 
-    /// By place and half of the byte, the groups that have it.
-    alignas(16) std::uint8_t low[Places][16] = {};
-    alignas(16) std::uint8_t high[Places][16] = {};
+    /// By place and unit, the groups that have it; and the same by the two halves of a byte, which
+    /// lets more pass.
+    alignas(64) std::uint8_t units[Places][Units] = {};
+    alignas(16) std::uint8_t low[Places][16] = {}, high[Places][16] = {};
 
     void add(unsigned group, unsigned place, char16_t unit) noexcept {
-        low[place][unit & 15] |= static_cast<std::uint8_t>(1u << group);
-        high[place][unit >> 4 & 15] |= static_cast<std::uint8_t>(1u << group);
+        const auto bit = static_cast<std::uint8_t>(1u << group);
+        units[place][unit % Units] |= bit;
+        low[place][unit & 15] |= bit;
+        high[place][unit >> 4 & 15] |= bit;
     }
     /// Words of the group may end before the place.
     void addAll(unsigned group, unsigned place) noexcept {
-        for (unsigned half = 0; half < 16; ++half) {
-            low[place][half] |= static_cast<std::uint8_t>(1u << group);
-            high[place][half] |= static_cast<std::uint8_t>(1u << group);
-        }
-    }
-    /// The groups whose words may have the unit at the place.
-    unsigned groupsOf(unsigned place, char16_t unit) const noexcept {
-        return low[place][unit & 15] & high[place][unit >> 4 & 15];
+        for (char16_t unit = 0; unit < 256; ++unit) add(group, place, unit);
     }
 };
 
-/// 64 units of a text, and the places among them that passed: bit i stands for base + i.
+/// 64 places of a text and which of them passed: bit i stands for base + i.
 struct SievedBlock {
     std::size_t base;
     std::uint64_t places;
 };
 
-/// The first block from the base on in which a place passes, the blocks being whole and followed
-/// by two units more; otherwise the base of the first block that is not, and no place.
+/// The first block in which a place passes, blocks being counted from the base on; without any, a
+/// block at the end of the text or behind it. Behind the text there are zeros.
 VELMO_API SievedBlock nextSieved(std::u16string_view text, std::size_t base,
                                  const TripleSieve& sieve) noexcept;
 
-/// The same place by place: the reference for the other, and its form for other machines.
-VELMO_API SievedBlock nextSievedOneByOne(std::u16string_view text, std::size_t base,
-                                         const TripleSieve& sieve) noexcept;
+/// The ways to do so: one place after the other, or many in one step by halves of bytes (AVX2) or
+/// by units (AVX-512). Those that look units up as a whole give the same as one by one.
+enum class SieveWay { OneByOne, HalvesOneByOne, Halves, Units };
 
-/// Which places pass of those that are left over, fewer than 66. What would stand behind the text
-/// is taken to pass.
-VELMO_API std::uint64_t sievedRest(std::u16string_view rest, const TripleSieve& sieve) noexcept;
+/// The fastest way of this machine.
+VELMO_API SieveWay sieveWay() noexcept;
 
-/// Whether this machine looks at many places in one step.
-VELMO_API bool sievesManyAtOnce() noexcept;
+/// That way must be one of this machine.
+VELMO_API SievedBlock nextSieved(std::u16string_view text, std::size_t base,
+                                 const TripleSieve& sieve, SieveWay way) noexcept;
 
 }  // namespace velmo::detail
