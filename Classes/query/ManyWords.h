@@ -120,9 +120,8 @@ public:
         for (std::uint64_t starts = block.places & members & ~(members << 1 | before); starts;
              starts &= starts - 1) {
             const auto start = static_cast<unsigned>(std::countr_zero(starts));
-            const std::u16string_view run =
-                rest.substr(start, endOfRun(rest, start, members) - start);
-            words_.table().find(run, [&](std::size_t node) { found(node, block.base + start); });
+            words_.table().find(rest.substr(start), endOfRun(rest, start, members) - start,
+                                [&](std::size_t node) { found(node, block.base + start); });
         }
         return true;
     }

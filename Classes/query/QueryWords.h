@@ -30,9 +30,7 @@ public:
           ownFirsts_(many_ ? std::vector<std::size_t>() : firstOfSameWords(tree, keeps)),
           firsts_(many_ && keeps ? many_->firsts() : std::span<const std::size_t>(ownFirsts_)),
           occurrences_(firsts_.size()) {
-        if (!many_) return;
-        scan_.emplace(*many_, text_);
-        if (!keeps) first_.resize(tree.nodes.size(), NotFound);
+        if (many_) scan_.emplace(*many_, text_);
     }
     PlainWords(const PlainWords&) = delete;
     PlainWords& operator=(const PlainWords&) = delete;
@@ -51,22 +49,20 @@ public:
     /// Whether one of the words joined by OR in a group occurs in the text; nothing if that is not
     /// known, as the group has others too.
     std::optional<bool> findsAnyIn(std::size_t group) {
-        if (first_.empty() || !many_->hasAlternatives(group)) return {};
-        while (first_[group] == NotFound && goOn()) {
-        }
-        if (first_[group] != NotFound) return true;
+        if (!many_ || !occurrences_.empty() || !many_->hasAlternatives(group)) return {};
+        if (firstOf(group) != NotFound) return true;
         return many_->hasAllOf(group) ? std::optional(false) : std::nullopt;
     }
 
     /// Whether one of the words occurs in the text.
     bool findsAny(std::span<const std::size_t> words) {
-        std::vector<bool> isWanted(first_.size());
-        if (many_)
+        if (many_) {
+            std::vector<bool> isWanted(tree_.nodes.size());
             for (std::size_t word : words) isWanted[word] = true;
-        for (bool isFound = false; scan_ && !isFound;) {
-            const bool goes = goOn([&](std::size_t node) { isFound |= isWanted[node]; });
+            bool isFound = false;
+            while (!isFound && goOn([&](std::size_t node) { isFound |= isWanted[node]; })) {
+            }
             if (isFound) return true;
-            if (!goes) break;
         }
         return std::ranges::any_of(
             words, [&](std::size_t word) { return find(word, 0, text_.units.size()).isFound(); });
@@ -103,18 +99,22 @@ private:
     std::uint64_t placeOf(std::size_t index, const SoughtWord& sought, std::uint64_t start,
                           std::uint64_t end) {
         const bool isShared = many_ && many_->has(index);
-        if (isShared && occurrences_.empty()) {
-            while (first_[index] == NotFound && goOn()) {
-            }
-            return first_[index];
-        }
-        if (occurrences_.empty()) return scanForWord(sought, start, end);
+        if (occurrences_.empty())
+            return isShared ? firstOf(index) : scanForWord(sought, start, end);
         WordOccurrences& occurrences = occurrences_[firsts_[index]];
         if (!isShared) return occurrences.find(sought, start, end);
         return occurrences.find(sought, start, end, [&](std::uint64_t from) {
             while (!occurrences.reaches(from) && scan_->scanned() < end && goOn()) {
             }
         });
+    }
+
+    /// The first place of a node in the walk, if places are not kept.
+    std::uint64_t firstOf(std::size_t node) {
+        const auto isFound = [&] { return !first_.empty() && first_[node] != NotFound; };
+        while (!isFound() && goOn()) {
+        }
+        return isFound() ? first_[node] : NotFound;
     }
 
     /// Goes on in the walk for many words, and tells the nodes that are found.
@@ -125,6 +125,7 @@ private:
                 if (firsts_[node] == node) occurrences_[node].add(position);
                 return;
             }
+            if (first_.empty()) first_.resize(tree_.nodes.size(), NotFound);
             first_[node] = std::min(first_[node], position);
             if (const std::size_t group = many_->groupOf(node); group != ManyWords::NoNode)
                 first_[group] = std::min(first_[group], position);
@@ -143,7 +144,7 @@ private:
     std::span<const std::size_t> firsts_;
     std::vector<WordOccurrences> occurrences_;  // by node
     std::optional<ManyWordsScan> scan_;
-    std::vector<std::uint64_t> first_;  // by node: of those in the walk, if no places are kept
+    std::vector<std::uint64_t> first_;  // by node; empty until the first one is found
 };
 
 /// Finds the words of a tree as wildcards.
