@@ -6,6 +6,7 @@
 // texts of scripts without spaces, go the usual way.
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <bit>
 #include <cstdint>
@@ -101,22 +102,20 @@ public:
     ManyWordsScan(const ManyWords& words, const WordText& text) : words_(words), text_(text) {}
 
     /// All words that begin before it have been told.
-    std::uint64_t scanned() const { return base_; }
+    std::uint64_t scanned() const { return scanned_; }
 
     /// Goes on by some units and calls found(node, position) for the nodes of the words there, in
     /// the order of the positions. False at the end of the text.
     template <class Found>
     bool goOn(Found found) {
-        const std::u16string_view units = text_.units;
-        if (base_ >= units.size()) return false;
-        const SievedBlock block = nextSieved(units, base_, words_.sieve());
-        base_ = block.base + BlockSize;
-        if (block.places == 0) return false;
-        const std::u16string_view rest = units.substr(block.base);
+        if (next_ == count_ && !sieveOn()) return false;
+        const SievedBlock block = blocks_[next_++];
+        scanned_ = block.base + BlockSize;
+        const std::u16string_view rest = text_.units.substr(block.base);
         const std::uint64_t members =
             membersOf(rest.data(), std::min(rest.size(), BlockSize), text_.termCharacters);
         const std::uint64_t before =
-            block.base > 0 && text_.termCharacters.contains(units[block.base - 1]);
+            block.base > 0 && text_.termCharacters.contains(text_.units[block.base - 1]);
         for (std::uint64_t starts = block.places & members & ~(members << 1 | before); starts;
              starts &= starts - 1) {
             const auto start = static_cast<unsigned>(std::countr_zero(starts));
@@ -127,7 +126,17 @@ public:
     }
 
 private:
-    static constexpr std::size_t BlockSize = 64;
+    static constexpr std::size_t BlockSize = 64, MostBlocks = 16;
+
+    /// Sieves the next blocks: few at first, as the first words that are found may decide.
+    bool sieveOn() {
+        if (scanned_ >= text_.units.size()) return false;
+        room_ = std::min(2 * room_, MostBlocks);
+        count_ = nextSieved(text_.units, scanned_, words_.sieve(), std::span(blocks_).first(room_));
+        next_ = 0;
+        if (count_ == 0) scanned_ = text_.units.size();
+        return count_ > 0;
+    }
 
     /// Where the run ends; of a run longer than all words, no more than that.
     std::size_t endOfRun(std::u16string_view rest, unsigned start, std::uint64_t members) const {
@@ -141,7 +150,9 @@ private:
 
     const ManyWords& words_;
     const WordText text_;
-    std::uint64_t base_ = 0;
+    std::uint64_t scanned_ = 0;
+    std::size_t room_ = 1, next_ = 0, count_ = 0;
+    std::array<SievedBlock, MostBlocks> blocks_;
 };
 
 }  // namespace velmo::detail

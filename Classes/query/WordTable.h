@@ -24,11 +24,8 @@ public:
     /// units than those may be looked at.
     template <class Found>
     void find(std::u16string_view text, std::size_t length, Found found) const {
-        if (!(lengths_ >> (length < OtherLengths ? length : OtherLengths) & 1)) return;
-        const std::uint64_t hash = hashOf(text, length);
-        if (!(present_[hash >> presentShift_ >> 6] >> (hash >> presentShift_ & 63) & 1)) return;
-        for (std::uint32_t i = firstOf(text.substr(0, length), hash); i != None;
-             i = entries_[i].nextSame)
+        if (length > longest_ || !mayBegin(text, length)) return;
+        for (std::uint32_t i = firstOf(text.substr(0, length)); i != None; i = entries_[i].nextSame)
             found(entries_[i].word.owner);
     }
 
@@ -37,7 +34,7 @@ public:
 
 private:
     static constexpr std::uint32_t None = UINT32_MAX;
-    static constexpr unsigned OtherLengths = 63;  // stands for all greater ones
+    static constexpr std::size_t PackSize = 4;
 
     struct Entry {
         Word word;
@@ -45,21 +42,38 @@ private:
         std::uint32_t nextSame = None;
     };
 
-    std::uint64_t hashOf(std::u16string_view text, std::size_t length) const;
-    std::uint32_t firstOf(std::u16string_view run, std::uint64_t hash) const;
+    // Nearly all runs are no words, and are to cost no more than one look at a small place: there is
+    // a bit for the first four units of each word and its length. Of units only what is the same
+    // in both cases is looked at; a run that begins with others than ASCII has to be looked up.
+
+    bool mayBegin(std::u16string_view text, std::size_t length) const {
+        constexpr std::uint64_t OutsideAscii = 0xFF80'FF80'FF80'FF80;
+        if (text.size() < PackSize) return true;
+        std::uint64_t units = 0;
+        for (unsigned i = 0; i < PackSize; ++i)
+            units |= static_cast<std::uint64_t>(text[i]) << 16 * i;
+        if (length < PackSize) units &= (std::uint64_t{1} << 16 * length) - 1;
+        if (units & OutsideAscii) return true;
+        const std::uint64_t bit = bitOf(units, length);
+        return beginnings_[bit / 64] >> bit % 64 & 1;
+    }
+    std::uint64_t bitOf(std::uint64_t units, std::size_t length) const {
+        constexpr std::uint64_t InBothCases = 0x005F'005F'005F'005F, Odd = 0x9E3779B97F4A7C15;
+        return ((units & InBothCases) * Odd ^ length * (Odd << 1 | 1)) * Odd >> shift_;
+    }
+
+    std::uint32_t firstOf(std::u16string_view run) const;
     bool isSame(std::u16string_view a, std::u16string_view b) const;
+    std::uint64_t hashOf(std::u16string_view run) const;
     void insert(const Word& word);
+    void insertBeginning(std::u16string_view word);
 
     Case letterCase_;
-    std::uint64_t seed_;
-    std::uint64_t lengths_ = 0;
     std::size_t longest_ = 0;
     std::vector<Entry> entries_;
     std::vector<std::uint32_t> slots_;  // entries by their hash; a power of two, half of it empty
-    // A bit for each hash, by its high bits, so that nearly all runs that are no words cost one
-    // look at a small place.
-    std::vector<std::uint64_t> present_;
-    unsigned presentShift_;
+    std::vector<std::uint64_t> beginnings_;
+    unsigned shift_;
 };
 
 }  // namespace velmo::detail

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "text/UnitScan.h"
+#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -17,25 +18,29 @@ constexpr std::size_t BlockSize = 64;
 /// Units behind the last place of a block that are looked at.
 constexpr std::size_t Ahead = TripleSieve::Places - 1;
 
-/// Gives the first block in which a place passes. Sieve::placesOf(units) tells those of 64, and
-/// reads the two units behind them; it is asked for one block after the other, and told the first
-/// two units ahead. Becomes part of its caller, which may be made for other machines than it is.
+/// Puts down the blocks in which a place passes. Sieve::placesOf(units) tells those of 64, and reads
+/// the two units behind them; it is asked for one block after the other, and told the first two
+/// units ahead. Becomes part of its caller, which may be made for other machines than it is.
 template <class Sieve>
-__attribute__((always_inline)) inline SievedBlock nextOf(std::u16string_view text, std::size_t base,
-                                                         Sieve sieve) {
+__attribute__((always_inline)) inline std::size_t sieved(std::u16string_view text, std::size_t base,
+                                                         std::span<SievedBlock> found,
+                                                         Sieve&& sieve) {
     const auto unitAt = [&](std::size_t i) { return i < text.size() ? text[i] : u'\0'; };
     sieve.begin(unitAt(base), unitAt(base + 1));
-    for (; base + BlockSize + Ahead <= text.size(); base += BlockSize)
-        if (const std::uint64_t places = sieve.placesOf(text.data() + base)) return {base, places};
-    for (; base < text.size(); base += BlockSize) {
+    std::size_t count = 0;
+    for (; base + BlockSize + Ahead <= text.size() && count < found.size(); base += BlockSize)
+        if (const std::uint64_t places = sieve.placesOf(text.data() + base))
+            found[count++] = {base, places};
+    for (; base < text.size() && count < found.size(); base += BlockSize) {
         char16_t rest[BlockSize + Ahead] = {};
-        const std::size_t count = std::min(text.size() - base, std::size(rest));
-        std::copy_n(text.data() + base, count, rest);
+        const std::size_t units = std::min(text.size() - base, std::size(rest));
+        std::copy_n(text.data() + base, units, rest);
         const std::uint64_t inText =
-            count < BlockSize ? (std::uint64_t{1} << count) - 1 : ~std::uint64_t{0};
-        if (const std::uint64_t places = sieve.placesOf(rest) & inText) return {base, places};
+            units < BlockSize ? (std::uint64_t{1} << units) - 1 : ~std::uint64_t{0};
+        if (const std::uint64_t places = sieve.placesOf(rest) & inText)
+            found[count++] = {base, places};
     }
-    return {base, 0};
+    return count;
 }
 
 unsigned groupsOfUnit(const TripleSieve& sieve, unsigned place, char16_t unit) {
@@ -139,9 +144,10 @@ private:
     __m256i first_, second_;  // the groups by the units before
 };
 
-__attribute__((target("avx2"))) SievedBlock nextByHalves(std::u16string_view text, std::size_t base,
-                                                         const TripleSieve& sieve) noexcept {
-    return nextOf(text, base, HalvesSieve(sieve));
+__attribute__((target("avx2"))) std::size_t nextByHalves(std::u16string_view text, std::size_t base,
+                                                         const TripleSieve& sieve,
+                                                         std::span<SievedBlock> found) noexcept {
+    return sieved(text, base, found, HalvesSieve(sieve));
 }
 
 /// 64 places in one step, for machines that have AVX-512 with its shuffles of bytes (VBMI).
@@ -198,9 +204,10 @@ private:
     __m512i first_, second_;  // the groups by the units before
 };
 
-__attribute__((target("avx512bw,avx512vbmi"))) SievedBlock nextByUnits(
-    std::u16string_view text, std::size_t base, const TripleSieve& sieve) noexcept {
-    return nextOf(text, base, UnitsSieve(sieve));
+__attribute__((target("avx512bw,avx512vbmi"))) std::size_t nextByUnits(
+    std::u16string_view text, std::size_t base, const TripleSieve& sieve,
+    std::span<SievedBlock> found) noexcept {
+    return sieved(text, base, found, UnitsSieve(sieve));
 }
 
 #endif
@@ -209,35 +216,31 @@ __attribute__((target("avx512bw,avx512vbmi"))) SievedBlock nextByUnits(
 
 SieveWay sieveWay() noexcept {
 #if defined(__SSE2__)
-    static const SieveWay way =
-        __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi") ? SieveWay::Units
-        : scan::hasAvx2() ? SieveWay::Halves
-                          : SieveWay::OneByOne;
-    return way;
-#else
-    return SieveWay::OneByOne;
+    if (scan::hasAvx512()) return SieveWay::Units;
+    if (scan::hasAvx2()) return SieveWay::Halves;
 #endif
+    return SieveWay::OneByOne;
 }
 
-SievedBlock nextSieved(std::u16string_view text, std::size_t base, const TripleSieve& sieve,
-                       SieveWay way) noexcept {
+std::size_t nextSieved(std::u16string_view text, std::size_t base, const TripleSieve& sieve,
+                       std::span<SievedBlock> found, SieveWay way) noexcept {
     switch (way) {
 #if defined(__SSE2__)
         case SieveWay::Units:
-            return nextByUnits(text, base, sieve);
+            return nextByUnits(text, base, sieve, found);
         case SieveWay::Halves:
-            return nextByHalves(text, base, sieve);
+            return nextByHalves(text, base, sieve, found);
 #endif
         case SieveWay::HalvesOneByOne:
-            return nextOf(text, base, OneByOne<groupsOfHalves>{sieve});
+            return sieved(text, base, found, OneByOne<groupsOfHalves>{sieve});
         default:
-            return nextOf(text, base, OneByOne<groupsOfUnit>{sieve});
+            return sieved(text, base, found, OneByOne<groupsOfUnit>{sieve});
     }
 }
 
-SievedBlock nextSieved(std::u16string_view text, std::size_t base,
-                       const TripleSieve& sieve) noexcept {
-    return nextSieved(text, base, sieve, sieveWay());
+std::size_t nextSieved(std::u16string_view text, std::size_t base, const TripleSieve& sieve,
+                       std::span<SievedBlock> found) noexcept {
+    return nextSieved(text, base, sieve, found, sieveWay());
 }
 
 }  // namespace velmo::detail

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include <velmocore/platform/Export.h>
@@ -38,10 +39,11 @@ struct SievedBlock {
     std::uint64_t places;
 };
 
-/// The first block in which a place passes, blocks being counted from the base on; without any, a
-/// block at the end of the text or behind it. Behind the text there are zeros.
-VELMO_API SievedBlock nextSieved(std::u16string_view text, std::size_t base,
-                                 const TripleSieve& sieve) noexcept;
+/// Puts down the first blocks in which a place passes, blocks being counted from the base on, and
+/// gives how many these are; fewer than there is room for only at the end of the text. Behind the
+/// text there are zeros.
+VELMO_API std::size_t nextSieved(std::u16string_view text, std::size_t base,
+                                 const TripleSieve& sieve, std::span<SievedBlock> found) noexcept;
 
 /// The ways to do so: one place after the other, or many in one step by halves of bytes (AVX2) or
 /// by units (AVX-512). Those that look units up as a whole give the same as one by one.
@@ -51,7 +53,8 @@ enum class SieveWay { OneByOne, HalvesOneByOne, Halves, Units };
 VELMO_API SieveWay sieveWay() noexcept;
 
 /// That way must be one of this machine.
-VELMO_API SievedBlock nextSieved(std::u16string_view text, std::size_t base,
-                                 const TripleSieve& sieve, SieveWay way) noexcept;
+VELMO_API std::size_t nextSieved(std::u16string_view text, std::size_t base,
+                                 const TripleSieve& sieve, std::span<SievedBlock> found,
+                                 SieveWay way) noexcept;
 
 }  // namespace velmo::detail
