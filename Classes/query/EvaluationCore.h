@@ -67,13 +67,11 @@ public:
           keepsAll_(keepsAll) {}
 
     /// Whether the query below a node holds for the text.
-    bool matches(std::size_t top) {
-        if (tree_.nodes[top].hasProximity) prepare();
-        return holds({.node = top, .end = textEnd_});
-    }
+    bool matches(std::size_t top) { return holds({.node = top, .end = textEnd_}); }
 
-    /// What is needed for proximity.
+    /// What is needed for proximity, which most texts are not asked for: other words are missing.
     void prepare() {
+        if (!near_.empty()) return;
         near_.resize(tree_.nodes.size());
         findWhatShrinks();
     }
@@ -221,6 +219,7 @@ private:
     // word is negated, the left term must hold in a gap between the windows.
 
     std::optional<bool> continueProximity(std::optional<bool> answer) {
+        prepare();
         Frame& frame = stack_.back();
         const Call& call = frame.call;
         if (answer) {

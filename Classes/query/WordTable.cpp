@@ -24,15 +24,15 @@ auto withWordFold(Case letterCase, Function function) {
 WordTable::WordTable(const std::vector<Word>& words, Case letterCase)
     : letterCase_(letterCase),
       slots_(std::bit_ceil(2 * words.size() + 2), None),
-      beginnings_(std::bit_ceil(BitsPerWord * words.size() + 64) / 64),
-      shift_(64 - static_cast<unsigned>(std::countr_zero(64 * beginnings_.size()))) {
+      ends_(std::bit_ceil(BitsPerWord * words.size() + 64) / 64),
+      shift_(64 - static_cast<unsigned>(std::countr_zero(64 * ends_.size()))) {
     entries_.reserve(words.size());
     for (const Word& word : words) insert(word);
 }
 
 void WordTable::insert(const Word& word) {
     longest_ = std::max(longest_, word.units.size());
-    insertBeginning(word.units);
+    insertEnds(word.units);
     const std::uint64_t hash = hashOf(word.units);
     const auto added = static_cast<std::uint32_t>(entries_.size());
     entries_.push_back({word, hash});
@@ -47,17 +47,16 @@ void WordTable::insert(const Word& word) {
     slots_[slot] = added;
 }
 
-/// Units outside ASCII may stand for others in ASCII, as the long s does. What folds to none of
-/// ASCII is found by no bit.
-void WordTable::insertBeginning(std::u16string_view word) {
-    std::uint64_t units = 0;
-    for (std::size_t i = 0; i < std::min(word.size(), PackSize); ++i) {
-        const char16_t unit = letterCase_ == Case::Sensitive ? word[i] : upperCharsTable()[word[i]];
-        if (unit > 127) return;
-        units |= static_cast<std::uint64_t>(unit) << 16 * i;
-    }
-    const std::uint64_t bit = bitOf(units, word.size());
-    beginnings_[bit / 64] |= std::uint64_t{1} << bit % 64;
+/// What folds to others than ASCII is found by no bit, but units that do not may fold to ASCII, as
+/// the long s does; and so it is the folded word that counts.
+void WordTable::insertEnds(std::u16string_view word) {
+    std::u16string folded(word);
+    if (letterCase_ == Case::Insensitive)
+        for (char16_t& unit : folded) unit = upperCharsTable()[unit];
+    folded.resize(std::max(word.size(), PackSize));
+    const Ends ends = {packOf(folded.data()), packOf(folded.data() + folded.size() - PackSize)};
+    const std::uint64_t bit = bitOf(ends, word.size());
+    ends_[bit / 64] |= std::uint64_t{1} << bit % 64;
 }
 
 std::uint64_t WordTable::hashOf(std::u16string_view run) const {

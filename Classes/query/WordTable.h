@@ -24,7 +24,7 @@ public:
     /// units than those may be looked at.
     template <class Found>
     void find(std::u16string_view text, std::size_t length, Found found) const {
-        if (length > longest_ || !mayBegin(text, length)) return;
+        if (length > longest_ || !mayBe(text, length)) return;
         for (std::uint32_t i = firstOf(text.substr(0, length)); i != None; i = entries_[i].nextSame)
             found(entries_[i].word.owner);
     }
@@ -43,36 +43,48 @@ private:
     };
 
     // Nearly all runs are no words, and are to cost no more than one look at a small place: there is
-    // a bit for the first four units of each word and its length. Of units only what is the same
-    // in both cases is looked at; a run that begins with others than ASCII has to be looked up.
+    // a bit for the first and the last four units of each word and its length. Of units only what
+    // is the same in both cases is looked at; a run with others than ASCII has to be looked up.
 
-    bool mayBegin(std::u16string_view text, std::size_t length) const {
+    struct Ends {
+        std::uint64_t first, last;  // four units each, or those of a shorter word twice
+    };
+
+    bool mayBe(std::u16string_view text, std::size_t length) const {
         constexpr std::uint64_t OutsideAscii = 0xFF80'FF80'FF80'FF80;
         if (text.size() < PackSize) return true;
-        std::uint64_t units = 0;
-        for (unsigned i = 0; i < PackSize; ++i)
-            units |= static_cast<std::uint64_t>(text[i]) << 16 * i;
-        if (length < PackSize) units &= (std::uint64_t{1} << 16 * length) - 1;
-        if (units & OutsideAscii) return true;
-        const std::uint64_t bit = bitOf(units, length);
-        return beginnings_[bit / 64] >> bit % 64 & 1;
+        Ends ends = {packOf(text.data()), 0};
+        if (length < PackSize) ends.first &= (std::uint64_t{1} << 16 * length) - 1;
+        ends.last = length > PackSize ? packOf(text.data() + length - PackSize) : ends.first;
+        if ((ends.first | ends.last) & OutsideAscii) return true;
+        const std::uint64_t bit = bitOf(ends, length);
+        return ends_[bit / 64] >> bit % 64 & 1;
     }
-    std::uint64_t bitOf(std::uint64_t units, std::size_t length) const {
-        constexpr std::uint64_t InBothCases = 0x005F'005F'005F'005F, Odd = 0x9E3779B97F4A7C15;
-        return ((units & InBothCases) * Odd ^ length * (Odd << 1 | 1)) * Odd >> shift_;
+    static std::uint64_t packOf(const char16_t* units) {
+        std::uint64_t pack = 0;
+        for (unsigned i = 0; i < PackSize; ++i)
+            pack |= static_cast<std::uint64_t>(units[i]) << 16 * i;
+        return pack;
+    }
+    std::uint64_t bitOf(Ends ends, std::size_t length) const {
+        constexpr std::uint64_t InBothCases = 0x005F'005F'005F'005F, Odd = 0x9E3779B97F4A7C15,
+                                Other = 0xD6E8FEB86659FD93;
+        return ((ends.first & InBothCases) * Odd ^ ((ends.last & InBothCases) + length) * Other) *
+                   Odd >>
+               shift_;
     }
 
     std::uint32_t firstOf(std::u16string_view run) const;
     bool isSame(std::u16string_view a, std::u16string_view b) const;
     std::uint64_t hashOf(std::u16string_view run) const;
     void insert(const Word& word);
-    void insertBeginning(std::u16string_view word);
+    void insertEnds(std::u16string_view word);
 
     Case letterCase_;
     std::size_t longest_ = 0;
     std::vector<Entry> entries_;
     std::vector<std::uint32_t> slots_;  // entries by their hash; a power of two, half of it empty
-    std::vector<std::uint64_t> beginnings_;
+    std::vector<std::uint64_t> ends_;
     unsigned shift_;
 };
 
