@@ -1,7 +1,10 @@
 // The words of a query in a table, to be looked up by runs of term units of a text.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -53,17 +56,22 @@ private:
     bool mayBe(std::u16string_view text, std::size_t length) const {
         constexpr std::uint64_t OutsideAscii = 0xFF80'FF80'FF80'FF80;
         if (text.size() < PackSize) return true;
-        Ends ends = {packOf(text.data()), 0};
-        if (length < PackSize) ends.first &= (std::uint64_t{1} << 16 * length) - 1;
-        ends.last = length > PackSize ? packOf(text.data() + length - PackSize) : ends.first;
+        // Without branches, as the lengths of words cannot be foretold.
+        const std::size_t inPack = std::min(length, PackSize);
+        const std::uint64_t inRun = ~std::uint64_t{0} >> 16 * (PackSize - inPack);
+        const Ends ends = {packOf(text.data()) & inRun,
+                           packOf(text.data() + length - inPack) & inRun};
         if ((ends.first | ends.last) & OutsideAscii) return true;
         const std::uint64_t bit = bitOf(ends, length);
         return ends_[bit / 64] >> bit % 64 & 1;
     }
     static std::uint64_t packOf(const char16_t* units) {
         std::uint64_t pack = 0;
-        for (unsigned i = 0; i < PackSize; ++i)
-            pack |= static_cast<std::uint64_t>(units[i]) << 16 * i;
+        if constexpr (std::endian::native == std::endian::little)
+            std::memcpy(&pack, units, sizeof pack);  // compilers do not see it in the other form
+        else
+            for (unsigned i = 0; i < PackSize; ++i)
+                pack |= static_cast<std::uint64_t>(units[i]) << 16 * i;
         return pack;
     }
     std::uint64_t bitOf(Ends ends, std::size_t length) const {
