@@ -53,8 +53,7 @@ TripleSieve sieveOf(std::span<const WordTable::Word> words, Case letterCase) {
         beginnings.push_back(beginning);
     }
     std::ranges::sort(beginnings);
-    const auto repeated = std::ranges::unique(beginnings);
-    beginnings.erase(repeated.begin(), repeated.end());
+    beginnings.erase(std::unique(beginnings.begin(), beginnings.end()), beginnings.end());
     TripleSieve sieve;
     for (std::size_t i = 0; i < beginnings.size(); ++i)
         add(sieve, static_cast<unsigned>(i * TripleSieve::Groups / beginnings.size()),
@@ -100,8 +99,7 @@ ManyWords::ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, 
         units_ += word.units;
     }
     std::ranges::sort(units_);
-    const auto repeated = std::ranges::unique(units_);
-    units_.erase(repeated.begin(), repeated.end());
+    units_.erase(std::unique(units_.begin(), units_.end()), units_.end());
     markGroups(tree);
     firsts_ = firstOfSameWords(tree, true);
 }
