@@ -67,13 +67,11 @@ public:
           keepsAll_(keepsAll) {}
 
     /// Whether the query below a node holds for the text.
-    bool matches(std::size_t top) {
-        if (tree_.nodes[top].hasProximity) prepare();
-        return holds({.node = top, .end = textEnd_});
-    }
+    bool matches(std::size_t top) { return holds({.node = top, .end = textEnd_}); }
 
-    /// What is needed for proximity.
+    /// What is needed for proximity, which most texts are not asked for: other words are missing.
     void prepare() {
+        if (!near_.empty()) return;
         near_.resize(tree_.nodes.size());
         findWhatShrinks();
     }
@@ -161,7 +159,10 @@ private:
     std::optional<bool> continueGroup(std::optional<bool> answer) {
         Frame& frame = stack_.back();
         const QueryNode& group = tree_.nodes[frame.call.node];
-        if (answer) join(frame, *answer);
+        if (answer)
+            join(frame, *answer);
+        else if (const auto known = knownOfAlternatives(frame.call))
+            return finish(*known != group.negated);
         while (frame.child < group.count) {
             const QueryOperator op = frame.child ? childOf(frame).op : QueryOperator::None;
             if (!canChange(op, frame.value)) {
@@ -175,6 +176,14 @@ private:
             join(frame, *answer);
         }
         return finish(frame.value != group.negated);
+    }
+
+    /// What a group joined by OR comes to in the text as a whole, if the finder can tell at once.
+    std::optional<bool> knownOfAlternatives(const Call& call) {
+        if constexpr (requires { finder_.findsAnyIn(call.node); })
+            if (call.left == NoNode && call.start == 0 && call.end == textEnd_)
+                return finder_.findsAnyIn(call.node);
+        return {};
     }
 
     std::size_t childIndex(const Frame& frame, std::size_t child) const {
@@ -210,6 +219,7 @@ private:
     // word is negated, the left term must hold in a gap between the windows.
 
     std::optional<bool> continueProximity(std::optional<bool> answer) {
+        prepare();
         Frame& frame = stack_.back();
         const Call& call = frame.call;
         if (answer) {

@@ -4,6 +4,7 @@
 #include <velmocore/query/QueryEvaluation.h>
 
 #include <atomic>
+#include <vector>
 
 #include "query/EvaluationCore.h"
 #include "query/PositiveWords.h"
@@ -15,18 +16,27 @@ namespace {
 using detail::PlainWords;
 using detail::QueryTree;
 using detail::WildcardWords;
+using detail::WordsAsked;
 
 // Null stands for the usual set, so that nothing needs to be made before main().
 std::atomic<const CharacterSetRep*> currentTermCharacters = nullptr;
 
 template <class Words>
-bool matches(const QueryTree& tree, std::size_t top, Words words) {
+bool matches(const QueryTree& tree, std::size_t top, Words&& words) {
     return detail::QueryEvaluation(tree, words.text(), words).matches(top);
 }
 
 /// The negation of the top node does not count.
 template <class Words>
-bool contains(const QueryTree& tree, std::size_t top, std::u16string_view text, Words words) {
+bool contains(const QueryTree& tree, std::size_t top, std::u16string_view text, Words&& words) {
+    if constexpr (requires { words.findsAny({}); }) {
+        std::vector<std::size_t> positive;
+        detail::anyPositiveWord(tree, top, false, [&](std::size_t word) {
+            positive.push_back(word);
+            return false;
+        });
+        return words.findsAny(positive);
+    }
     return detail::anyPositiveWord(tree, top, false, [&](std::size_t word) {
         return words.find(word, 0, text.size()).isFound();
     });
@@ -43,7 +53,10 @@ void setQueryTermCharacters(const CharacterSetRep* set) noexcept { currentTermCh
 
 bool QueryTerms::matchesString(std::u16string_view text, Case letterCase) const {
     if (isAbsent() || text.empty()) return false;
-    return matches(*tree_, index_, PlainWords(*tree_, text, letterCase, node().hasProximity));
+    const bool keeps = node().hasProximity;
+    return matches(*tree_, index_,
+                   PlainWords(*tree_, text, letterCase, keeps,
+                              keeps ? WordsAsked::All : WordsAsked::Alternatives));
 }
 
 bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comparison) const {

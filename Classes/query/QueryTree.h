@@ -9,6 +9,8 @@
 
 #include <velmocore/query/QueryTerms.h>
 
+#include "query/ManyWords.h"
+
 namespace velmo::detail {
 
 struct QueryNode {
@@ -33,6 +35,7 @@ struct QueryTree {
     bool wildcard = false;              // the words are patterns
     bool withinRuns = false;            // see QueryOptions
     std::u16string text;                // of all words, one after the other
+    PreparedWords prepared;             // for searches, once the tree is complete
 
     std::u16string_view wordOf(const QueryNode& node) const {
         return node.isWord ? std::u16string_view(text).substr(node.first, node.count)

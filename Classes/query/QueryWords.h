@@ -4,41 +4,36 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include <velmocore/query/QueryEvaluation.h>
 
+#include "query/ManyWords.h"
 #include "query/QueryTree.h"
 #include "query/WildcardTerm.h"
 #include "query/WordOccurrences.h"
 
 namespace velmo::detail {
 
-/// For each word node the first one with the same word and mark: what is known of the one
-/// holds for the other. Empty if nothing is to be known.
-inline std::vector<std::size_t> firstOfSameWords(const QueryTree& tree, bool keeps) {
-    std::vector<std::size_t> firsts;
-    if (!keeps) return firsts;
-    std::unordered_map<std::u16string_view, std::size_t> seen[2];  // without and with the mark
-    firsts.reserve(tree.nodes.size());
-    for (const QueryNode& node : tree.nodes)
-        firsts.push_back(
-            seen[node.substring].try_emplace(tree.wordOf(node), firsts.size()).first->second);
-    return firsts;
-}
-
-/// Finds the words of a tree as they are written.
+/// Finds the words of a tree as they are written: many of them in one walk over the text.
 class PlainWords {
 public:
     /// If the words are asked for over and over, as proximity does, their places are kept.
-    PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, bool keeps)
+    PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, bool keeps,
+               WordsAsked asked = WordsAsked::All)
         : tree_(tree),
           text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns, std::span(&tree.text, 1))),
           letterCase_(letterCase),
-          firsts_(firstOfSameWords(tree, keeps)),
-          occurrences_(firsts_.size()) {}
+          many_(tree.prepared.of(tree, text_, letterCase, asked)),
+          ownFirsts_(many_ ? std::vector<std::size_t>() : firstOfSameWords(tree, keeps)),
+          firsts_(many_ && keeps ? many_->firsts() : std::span<const std::size_t>(ownFirsts_)),
+          occurrences_(firsts_.size()) {
+        if (many_) scan_.emplace(*many_, text_);
+    }
+    PlainWords(const PlainWords&) = delete;
+    PlainWords& operator=(const PlainWords&) = delete;
 
     Range find(std::size_t index, std::uint64_t start, std::uint64_t end) {
         const QueryNode& node = tree_.nodes[index];
@@ -47,10 +42,30 @@ public:
         if (word.front() == u'*') return {start, word.size()};
         const SoughtWord sought{text_.units,          word,          letterCase_, !node.substring,
                                 text_.termCharacters, text_.unspaced};
-        const std::uint64_t found = occurrences_.empty()
-                                        ? scanForWord(sought, start, end)
-                                        : occurrences_[firsts_[index]].find(sought, start, end);
+        const std::uint64_t found = placeOf(index, sought, start, end);
         return found == NotFound ? Range::none() : Range{found, word.size()};
+    }
+
+    /// Whether one of the words joined by OR in a group occurs in the text; nothing if that is not
+    /// known, as the group has others too.
+    std::optional<bool> findsAnyIn(std::size_t group) {
+        if (!many_ || !occurrences_.empty() || !many_->hasAlternatives(group)) return {};
+        if (firstOf(group) != NotFound) return true;
+        return many_->hasAllOf(group) ? std::optional(false) : std::nullopt;
+    }
+
+    /// Whether one of the words occurs in the text.
+    bool findsAny(std::span<const std::size_t> words) {
+        if (many_) {
+            std::vector<bool> isWanted(tree_.nodes.size());
+            for (std::size_t word : words) isWanted[word] = true;
+            bool isFound = false;
+            while (!isFound && goOn([&](std::size_t node) { isFound |= isWanted[node]; })) {
+            }
+            if (isFound) return true;
+        }
+        return std::ranges::any_of(
+            words, [&](std::size_t word) { return find(word, 0, text_.units.size()).isFound(); });
     }
 
     bool isOneRun(std::size_t index) const {
@@ -81,11 +96,55 @@ private:
         return {tree_.wordOf(tree_.nodes[index]), text_.termCharacters, text_.unspaced};
     }
 
+    std::uint64_t placeOf(std::size_t index, const SoughtWord& sought, std::uint64_t start,
+                          std::uint64_t end) {
+        const bool isShared = many_ && many_->has(index);
+        if (occurrences_.empty())
+            return isShared ? firstOf(index) : scanForWord(sought, start, end);
+        WordOccurrences& occurrences = occurrences_[firsts_[index]];
+        if (!isShared) return occurrences.find(sought, start, end);
+        return occurrences.find(sought, start, end, [&](std::uint64_t from) {
+            while (!occurrences.reaches(from) && scan_->scanned() < end && goOn()) {
+            }
+        });
+    }
+
+    /// The first place of a node in the walk, if places are not kept.
+    std::uint64_t firstOf(std::size_t node) {
+        const auto isFound = [&] { return !first_.empty() && first_[node] != NotFound; };
+        while (!isFound() && goOn()) {
+        }
+        return isFound() ? first_[node] : NotFound;
+    }
+
+    /// Goes on in the walk for many words, and tells the nodes that are found.
+    template <class Found>
+    bool goOn(Found found) {
+        return scan_->goOn([&](std::size_t node, std::uint64_t position) {
+            if (!occurrences_.empty()) {
+                if (firsts_[node] == node) occurrences_[node].add(position);
+                return;
+            }
+            if (first_.empty()) first_.resize(tree_.nodes.size(), NotFound);
+            first_[node] = std::min(first_[node], position);
+            if (const std::size_t group = many_->groupOf(node); group != ManyWords::NoNode)
+                first_[group] = std::min(first_[group], position);
+            found(node);
+        });
+    }
+    bool goOn() {
+        return goOn([](std::size_t) {});
+    }
+
     const QueryTree& tree_;
     WordText text_;
     Case letterCase_;
-    std::vector<std::size_t> firsts_;
+    const ManyWords* many_;  // or null
+    std::vector<std::size_t> ownFirsts_;
+    std::span<const std::size_t> firsts_;
     std::vector<WordOccurrences> occurrences_;  // by node
+    std::optional<ManyWordsScan> scan_;
+    std::vector<std::uint64_t> first_;  // by node; empty until the first one is found
 };
 
 /// Finds the words of a tree as wildcards.

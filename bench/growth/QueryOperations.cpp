@@ -8,7 +8,10 @@
 #include <velmocore/query/QueryRewriting.h>
 #include <velmocore/query/WildcardSearch.h>
 #include <velmocore/query/WordSearch.h>
+#include <velmocore/words/Words.h>
 
+#include <set>
+#include <string>
 #include <vector>
 
 #include "Growth.h"
@@ -66,6 +69,26 @@ const std::vector<QueryTerms>& queriesWithinRuns() {
         return queries;
     }();
     return Queries;
+}
+
+/// Any of 10,000 words that begin alike, and of some that are not plain.
+const QueryTerms& anyOfManyWords() {
+    static const QueryTerms Query = [] {
+        std::u16string query = u"~zebra OR \"the quiz\" OR caf\u00E9";
+        for (int i = 0; i < 10000; ++i)
+            query += u" OR word" + String::fromUTF8(std::to_string(7 * i));
+        return QueryTerms(query);
+    }();
+    return Query;
+}
+
+/// Any of the words of a text.
+QueryTerms anyWordOf(std::u16string_view text) {
+    std::set<std::u16string> words;
+    std::u16string query;
+    for (const String& word : wordsUsingDefaultSeparation(String(text)))
+        if (words.emplace(word).second) query += u"OR \"" + word + u"\" ";
+    return QueryTerms(query);
 }
 
 template <class Work>
@@ -191,6 +214,20 @@ constexpr Operation Rows[] = {
              use(terms.matchesString(in.text));
              use(terms.containsString(in.text));
          }
+     }},
+    {"10,000 words in the text",
+     [](const Input& in) {
+         use(anyOfManyWords().matchesString(in.text));
+         use(anyOfManyWords().containsString(in.text));
+         use(hitsOfQueryTerms(in.text, anyOfManyWords()));
+     }},
+    {"the words of the text in it",
+     [](const Input& in) {
+         const QueryTerms terms = anyWordOf(in.text);
+         const QueryTerms others = anyWordOf(in.almost);
+         use(terms.matchesString(in.text));
+         use(others.containsString(in.text));
+         use(hitsOfQueryTerms(in.text, terms));
      }},
     {"hits of queries",
      [](const Input& in) {

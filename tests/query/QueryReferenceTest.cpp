@@ -267,6 +267,30 @@ RandomCase caseWithinRuns(std::mt19937& random) {
     return c;
 }
 
+/// Eight to forty words, most of them joined by OR, with some of everything else between; and a text
+/// long enough that the words are sought all at once.
+RandomCase caseOfManyWords(std::mt19937& random) {
+    static constexpr View Letters[] = {u"a", u"b", u"c", u"A", u"ab", u"d", u"Bc"};
+    static constexpr View Others[] = {u"-",        u"~",  u"\"a b\"", u"(b OR ca OR ab) ", u"x-y",
+                                      u"*",        u"a*", u"\" a\"",  u"(ba NEAR/2 ",      u"(a OR -bb OR cc) ",
+                                      u"a NEXT b", u")",  u"NOT ",    u"(a b OR c) "};
+    static constexpr View Operators[] = {u" ", u" XOR ", u" NEAR/3 ", u" AFTER ", u" BEFORE/4 ", u" OPT ", u" NEXT/2 "};
+    RandomCase c;
+    const auto word = [&] { return joined(random, Letters, 1 + random() % 4); };
+    c.options.wildcard = random() % 8 == 0;
+    const unsigned oddness = random() % 2 ? 64 : 12;  // one in so many is no plain alternative
+    for (std::size_t count = 8 + random() % 33; count > 0; --count) {
+        c.query += random() % oddness ? word() : std::u16string(anyOf(random, Others));
+        c.query += random() % oddness ? View(u" OR ") : anyOf(random, Operators);
+    }
+    c.query += word();
+    while (c.text.size() < 300) c.text.append(word()).append(random() % 8 ? u" " : u"-, ");
+    if (random() % 2) c.text.pop_back();
+    if (random() % 2) std::erase(c.text, u'b');
+    c.comparison = static_cast<WildcardComparison>(random() % 2);
+    return c;
+}
+
 /// VELMO_QUERY_CASES sets another number of cases, VELMO_QUERY_SEED other ones.
 struct Cases {
     explicit Cases(long usual) {
@@ -297,6 +321,21 @@ TEST(QueryReference, RandomCasesWithinRunsAgree) {
     }
     EXPECT_GT(found, cases.count / 8);
     EXPECT_LT(found, cases.count - cases.count / 8);
+}
+
+TEST(QueryReference, ManyWordsAgree) {
+    Cases cases(4000);
+    long found = 0;
+    for (long i = 0; i < cases.count; ++i) {
+        const RandomCase c = caseOfManyWords(cases.random);
+        test::RefNode reference;
+        test::refParse(reference, c.query, {reference.op, reference.distance, c.options.wildcard});
+        const QueryTerms terms(c.query, c.options);
+        for (const auto part : {evaluationOf, hitsOf}) ASSERT_EQ(part(c, terms, reference), "") << described(c);
+        found += terms.matchesString(c.text);
+    }
+    EXPECT_GT(found, cases.count / 8);
+    EXPECT_LT(found, cases.count);
 }
 
 TEST(QueryReference, RandomCasesAgree) {

@@ -1,0 +1,163 @@
+#include "query/ManyWords.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+
+#include "query/FoldVariants.h"
+#include "query/QueryTree.h"
+#include "text/PatternScan.h"
+
+namespace velmo::detail {
+namespace {
+
+/// From so many words on one walk for all is cheaper than one for each.
+std::size_t fewestWords() { return sieveWay() == SieveWay::OneByOne ? 8 : 3; }
+/// To make them ready takes about as long as to seek so many units for one word.
+constexpr std::size_t FewestUnits = 2048;
+
+/// Calls unit(variant) for each unit that is the same in that case.
+template <class Unit>
+void eachVariant(char16_t unit, Case letterCase, Unit variant) {
+    if (letterCase == Case::Sensitive) return variant(unit);
+    // The table of variants takes its time to be made, and is not needed for ASCII.
+    if (unit > 127) {
+        const ConversionTable& upper = upperCharsTable();
+        for (char16_t same : unitsFoldedTo(upper[unit], upper)) variant(same);
+        return;
+    }
+    for (char16_t same : caseAnchor(0, unit).variants) variant(same);
+}
+
+void add(TripleSieve& sieve, unsigned group, std::u16string_view word, Case letterCase) {
+    for (unsigned place = 0; place < TripleSieve::Places; ++place) {
+        if (place >= word.size())
+            sieve.addAll(group, place);
+        else
+            eachVariant(word[place], letterCase,
+                        [&](char16_t unit) { sieve.add(group, place, unit); });
+    }
+}
+
+/// Words that begin alike share a group, as then the group has few units at each place; and short
+/// ones do, which let everything pass at the places behind them.
+TripleSieve sieveOf(std::span<const WordTable::Word> words, Case letterCase) {
+    using Beginning = std::pair<std::size_t, std::array<char16_t, TripleSieve::Places>>;
+    std::vector<Beginning> beginnings;
+    const ConversionTable& upper = upperCharsTable();
+    for (const WordTable::Word& word : words) {
+        Beginning beginning = {std::min<std::size_t>(word.units.size(), TripleSieve::Places), {}};
+        for (std::size_t i = 0; i < beginning.first; ++i)
+            beginning.second[i] =
+                letterCase == Case::Insensitive ? upper[word.units[i]] : word.units[i];
+        beginnings.push_back(beginning);
+    }
+    std::ranges::sort(beginnings);
+    beginnings.erase(std::unique(beginnings.begin(), beginnings.end()), beginnings.end());
+    TripleSieve sieve;
+    for (std::size_t i = 0; i < beginnings.size(); ++i)
+        add(sieve, static_cast<unsigned>(i * TripleSieve::Groups / beginnings.size()),
+            {beginnings[i].second.data(), beginnings[i].first}, letterCase);
+    return sieve;
+}
+
+/// Whether the word of a node can take part.
+bool isPlain(const QueryTree& tree, const QueryNode& node, const CharacterSetRep& termCharacters) {
+    const std::u16string_view word = tree.wordOf(node);
+    return !word.empty() && !node.substring && word.front() != u'*' &&
+           WordText{word, termCharacters}.isAllTerms();
+}
+
+bool isAlternatives(const QueryNode& node) {
+    return !node.isWord && node.common == QueryOperator::Or;
+}
+
+}  // namespace
+
+std::vector<std::size_t> firstOfSameWords(const QueryTree& tree, bool keeps) {
+    std::vector<std::size_t> firsts;
+    if (!keeps) return firsts;
+    std::unordered_map<std::u16string_view, std::size_t> seen[2];  // without and with the mark
+    firsts.reserve(tree.nodes.size());
+    for (const QueryNode& node : tree.nodes)
+        firsts.push_back(
+            seen[node.substring].try_emplace(tree.wordOf(node), firsts.size()).first->second);
+    return firsts;
+}
+
+ManyWords::ManyWords(const QueryTree& tree, Case letterCase, WordsAsked asked,
+                     const CharacterSetRep& termCharacters)
+    : ManyWords(tree, wordsOf(tree, asked, termCharacters), letterCase) {}
+
+ManyWords::ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, Case letterCase)
+    : table_(words, letterCase), isEnough_(words.size() >= fewestWords()) {
+    if (!isEnough_) return;
+    sieve_ = sieveOf(words, letterCase);
+    nodes_.resize(tree.nodes.size());
+    for (const WordTable::Word& word : words) {
+        nodes_[word.owner].isSought = true;
+        units_ += word.units;
+    }
+    std::ranges::sort(units_);
+    units_.erase(std::unique(units_.begin(), units_.end()), units_.end());
+    markGroups(tree);
+    firsts_ = firstOfSameWords(tree, true);
+}
+
+std::vector<WordTable::Word> ManyWords::wordsOf(const QueryTree& tree, WordsAsked asked,
+                                                const CharacterSetRep& termCharacters) {
+    std::vector<WordTable::Word> words;
+    const auto take = [&](std::size_t node) {
+        if (isPlain(tree, tree.nodes[node], termCharacters))
+            words.push_back({tree.wordOf(tree.nodes[node]), node});
+    };
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+        if (asked == WordsAsked::All)
+            take(i);
+        else if (isAlternatives(tree.nodes[i]))
+            std::ranges::for_each(tree.childrenOf(tree.nodes[i]), take);
+    }
+    return words;
+}
+
+void ManyWords::markGroups(const QueryTree& tree) {
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+        if (!isAlternatives(tree.nodes[i])) continue;
+        const auto children = tree.childrenOf(tree.nodes[i]);
+        for (std::size_t child : children) {
+            if (!nodes_[child].isSought || tree.nodes[child].negated) continue;
+            nodes_[child].group = i;
+            ++nodes_[i].alternatives;
+        }
+        nodes_[i].isWhole = nodes_[i].alternatives == children.size();
+    }
+}
+
+bool ManyWords::serves(const CharacterSetRep& termCharacters) const {
+    // The set may be another one than it was when the words were made ready.
+    return isEnough_ && std::ranges::all_of(
+                            units_, [&](char16_t unit) { return termCharacters.contains(unit); });
+}
+
+PreparedWords::~PreparedWords() {
+    for (auto& ofCase : made_)
+        for (auto& words : ofCase) delete words.load();
+}
+
+const ManyWords* PreparedWords::of(const QueryTree& tree, const WordText& text, Case letterCase,
+                                   WordsAsked asked) const {
+    // Where words are characters, places begin inside of runs too.
+    if (text.unspaced || tree.nodes.size() <= fewestWords()) return nullptr;
+    auto& made = made_[letterCase == Case::Insensitive][asked == WordsAsked::All];
+    const ManyWords* words = made.load(std::memory_order_acquire);
+    if (!words) {
+        if (text.units.size() < FewestUnits / tree.nodes.size()) return nullptr;
+        auto own = std::make_unique<const ManyWords>(tree, letterCase, asked, text.termCharacters);
+        // Another thread may have been faster; then its words stay.
+        if (made.compare_exchange_strong(words, own.get(), std::memory_order_acq_rel))
+            words = own.release();
+    }
+    return words->serves(text.termCharacters) ? words : nullptr;
+}
+
+}  // namespace velmo::detail

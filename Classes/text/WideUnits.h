@@ -1,0 +1,21 @@
+// What the kernels for the widest machines ask first.
+#pragma once
+
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+namespace velmo::detail::scan {
+
+#if defined(__SSE2__)
+
+/// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI) may be called.
+inline bool hasAvx512() noexcept {
+    static const bool has =
+        __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi");
+    return has;
+}
+
+#endif
+
+}  // namespace velmo::detail::scan
