@@ -11,6 +11,7 @@
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "url/IPv6.h"
+#include "url/PartedText.h"
 
 namespace velmo::detail::grammar {
 namespace {
@@ -169,7 +170,7 @@ std::size_t removeDotSegments(char16_t* path, std::size_t length) noexcept {
 /// segments go.
 class Composer {
 public:
-    explicit Composer(std::size_t room) : out_(room + 8) {}
+    explicit Composer(std::size_t room) : out_(room + 8 + TailUnits) {}
 
     void scheme(const Reference& from) { part(u"", from, URLPart::Scheme, u":"); }
     void authority(const Reference& from) {
@@ -202,10 +203,10 @@ public:
         guardPath(start);
         notePath(start);
     }
-    Composed finish() {
+    String finish() {
         if (out_.length() >= Span::Missing) return {};
         parts_[URLPart::ResourceSpecifier] = spanFrom(specifier_);
-        return {out_.finish(), parts_};
+        return finishedWith({parts_}, out_);
     }
 
 private:
@@ -305,7 +306,7 @@ bool cut(std::u16string_view text, Parts& parts) noexcept {
     return i == end;
 }
 
-Composed resolved(const Reference& reference, const Reference& base) {
+String resolved(const Reference& reference, const Reference& base) {
     Composer target(reference.text.size() + base.text.size());
     if (reference.has(URLPart::Scheme)) {
         target.scheme(reference);
@@ -343,7 +344,7 @@ Composed resolved(const Reference& reference, const Reference& base) {
     return target.finish();
 }
 
-Composed withoutDotSegments(const Reference& reference) {
+String withoutDotSegments(const Reference& reference) {
     Composer target(reference.text.size());
     target.scheme(reference);
     target.authority(reference);

@@ -53,24 +53,19 @@ void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t 
 /// A text with its parts.
 struct Reference {
     std::u16string_view text;
-    Parts parts;
+    const Parts& parts;
 
     std::u16string_view operator[](URLPart part) const noexcept { return parts[part].of(text); }
     bool has(URLPart part) const noexcept { return parts[part].isPresent(); }
     std::u16string_view wholePath() const noexcept { return parts.wholePath().of(text); }
 };
 
-/// A URL that was put together, with its parts. Absent if it is too long.
-struct Composed {
-    String text;
-    Parts parts;
-};
+/// The reference resolved against the base, as RFC 3986 tells it in 5.2.2 (strict), with its parts
+/// behind it (see url/PartedText.h). Absent if it is too long.
+String resolved(const Reference& reference, const Reference& base);
 
-/// The reference resolved against the base, as RFC 3986 tells it in 5.2.2 (strict).
-Composed resolved(const Reference& reference, const Reference& base);
-
-/// The text with the dot segments of its path removed.
-Composed withoutDotSegments(const Reference& reference);
+/// The text with the dot segments of its path removed, likewise.
+String withoutDotSegments(const Reference& reference);
 
 /// Whether the unit may stand in a path as it is, slashes included.
 bool isPathUnit(char16_t unit) noexcept;

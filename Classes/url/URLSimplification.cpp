@@ -248,7 +248,7 @@ String stringURLWithoutScheme(const String& string) {
 String stringURLWithoutCredentials(const String& string) {
     if (string.isEmpty() || string[0] == u'/' || string[0] == u'~') return string;
     const URL url = URL::URLWithString(string);
-    return url.isAbsent() ? string : withoutCredentials(url);
+    return url.part(URLPart::User).data() ? withoutCredentials(url) : string;
 }
 
 String displayStringURL(const String& string) {
