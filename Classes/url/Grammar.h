@@ -9,6 +9,8 @@
 
 #include <velmocore/url/URL.h>
 
+#include "url/URLMarks.h"
+
 namespace velmo::detail::grammar {
 
 /// Where one part stands. Its location is Missing if the URL does not have it.
@@ -44,6 +46,15 @@ struct Parts {
 
 /// Finds the parts of a URI or relative reference. False if the text is neither.
 bool cut(std::u16string_view text, Parts& parts) noexcept;
+
+/// The same unit by unit, for any text: the reference for the other.
+bool cutOneByOne(std::u16string_view text, Parts& parts) noexcept;
+
+/// The same of a text whose marks are known and are no "other" ones, nor a % without its escape.
+bool cutByMarks(std::u16string_view text, const URLMarks& marks, Parts& parts) noexcept;
+
+/// Whether two hexadecimal digits follow each %.
+bool hasWholeEscapes(std::u16string_view text, const URLMarks& marks) noexcept;
 
 /// Notes where the path and its parameters stand in a text of which all from start to end is a path.
 /// The scheme must have been noted.
