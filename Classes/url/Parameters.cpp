@@ -10,16 +10,22 @@
 namespace velmo::detail {
 namespace {
 
-/// Compares from the end, where names that are sought together differ the least.
-bool standsAt(const GapText& text, const ParameterName& name, std::size_t position) {
+bool isUnit(char16_t unit, const ParameterName& name, std::size_t i) {
+    return (name.anyCase ? keyword::upper(unit) : unit) == name.text[i];
+}
+
+bool goesOn(const GapText& text, const ParameterName& name, std::size_t position) {
     const std::size_t length = name.text.size();
-    if (text.size() - position < length) return false;
     const char16_t* const units = text.range(position, length);
-    for (std::size_t i = length; i-- > 0;) {
-        const char16_t unit = units ? units[i] : text[position + i];
-        if ((name.anyCase ? keyword::upper(unit) : unit) != name.text[i]) return false;
-    }
+    for (std::size_t i = 1; i < length; ++i)
+        if (!isUnit(units ? units[i] : text[position + i], name, i)) return false;
     return true;
+}
+
+/// Compares from the start: names that are sought together mostly end alike.
+inline bool standsAt(const GapText& text, const ParameterName& name, std::size_t position) {
+    return text.size() - position >= name.text.size() && isUnit(text[position], name, 0) &&
+           goesOn(text, name, position);
 }
 
 /// Calls the work for the number of each bit.
@@ -31,6 +37,14 @@ void eachBit(ParameterMask mask, Work work) {
 }  // namespace
 
 std::size_t findName(const GapText& text, const ParameterName& name, std::size_t from) {
+    const std::size_t length = name.text.size();
+    if (from + length > text.size()) return NotThere;
+    // Its = is the rarest of its units.
+    if (name.text.ends_with(u'=')) {
+        std::size_t i = text.find<u'='>(from + length - 1);
+        while (i < text.size() && !standsAt(text, name, i + 1 - length)) i = text.find<u'='>(i + 1);
+        return i < text.size() ? i + 1 - length : NotThere;
+    }
     for (std::size_t i = from; i + name.text.size() <= text.size(); ++i)
         if (standsAt(text, name, i)) return i;
     return NotThere;
