@@ -119,7 +119,7 @@ void removeAnalytics(GapText& text) {
         {u"UTM_TERM="},   {u"UTM_CONTENT="}, {u"UTM_NOOVERRIDE="},
     };
     static constexpr ParameterList List(Names);
-    for (ParameterFinder finder(text, List); finder.parameters();)
+    for (ParameterFinder finder(text, List, startOfParameters(text)); finder.parameters();)
         finder.remove(static_cast<std::size_t>(std::countr_zero(finder.parameters())));
 }
 
@@ -145,13 +145,14 @@ std::size_t separatorOfName(const GapText& text, std::size_t equals) {
 }
 
 /// "?&" becomes "?".
-void removeSeparatorsBehindQuestionMarks(GapText& text) {
-    for (std::size_t i = 0; (i = text.find<u'?'>(i)) + 1 < text.size(); ++i)
+void removeSeparatorsBehindQuestionMarks(GapText& text, std::size_t start) {
+    for (std::size_t i = start; (i = text.find<u'?'>(i)) + 1 < text.size(); ++i)
         if (text[i + 1] == u'&') text.erase(i + 1, i + 2);
 }
 
 void removeEmptyParams(GapText& text) {
-    std::size_t position = 0;
+    const std::size_t start = startOfParameters(text);
+    std::size_t position = start;
     while (position < text.size()) {
         const std::size_t equals = text.find<u'='>(position);
         if (equals == text.size()) break;
@@ -168,7 +169,7 @@ void removeEmptyParams(GapText& text) {
         else
             text.truncate(separator);
     }
-    removeSeparatorsBehindQuestionMarks(text);
+    removeSeparatorsBehindQuestionMarks(text, start);
 }
 
 /// The text without an index page at its end.
