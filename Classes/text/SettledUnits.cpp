@@ -43,8 +43,7 @@ __attribute__((target("avx2"))) std::ptrdiff_t settleWide(const char16_t* from, 
     const __m256i blanks = _mm256_set1_epi16(blanksStay ? u' ' : stop);
     std::ptrdiff_t settled = 0;
     while (to - from - settled >= WideUnits) {
-        const __m256i block =
-            _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + settled));
+        const __m256i block = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + settled));
         if (out) _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + settled), block);
         const __m256i isStop = _mm256_cmpeq_epi16(block, stops);
         const std::uint32_t plain = bitsOf(_mm256_andnot_si256(isStop, inPlainStretchWide(block)));

@@ -32,7 +32,8 @@ inline bool isWhiteUnit(char16_t unit, const CharacterSetRep& white) {
 /// and each blank in front of a plain unit where blanks stay. next is the block one unit on.
 /// The unit to stop at, if there is one, does not stay.
 template <char16_t Stop = 0>
-[[gnu::always_inline]] inline std::ptrdiff_t settledUnits(__m128i block, __m128i next, bool blanksStay) {
+[[gnu::always_inline]] inline std::ptrdiff_t settledUnits(__m128i block, __m128i next,
+                                                          bool blanksStay) {
     __m128i plain = inPlainStretch(block);
     if constexpr (Stop) plain = _mm_andnot_si128(scan::equalTo(block, Stop), plain);
     if (!blanksStay) return scan::firstOf(~_mm_movemask_epi8(plain));

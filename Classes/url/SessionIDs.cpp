@@ -144,7 +144,8 @@ unsigned traitsOf(Units text, ParameterMask rows) {
 
 class SessionRemover {
 public:
-    explicit SessionRemover(GapText& text) : text_(text), finder_(text, List, startOfParameters(text)) {}
+    explicit SessionRemover(GapText& text)
+        : text_(text), finder_(text, List, startOfParameters(text)) {}
 
     void run() {
         if (!finder_.parameters()) return;

@@ -26,9 +26,7 @@ struct URLMaker {
     }
     /// Whether it was made as the URL standard reads it. Such a URL may hold what the grammar of
     /// RFC 3986 does not.
-    static bool isOfWeb(const URL& url) noexcept {
-        return !url.isAbsent() && tailOf(url).isOfWeb;
-    }
+    static bool isOfWeb(const URL& url) noexcept { return !url.isAbsent() && tailOf(url).isOfWeb; }
 };
 
 }  // namespace velmo::detail

@@ -45,6 +45,12 @@ public:
         return UnitBits(bits_ & ~other.bits_);
     }
 
+    /// Those that are left when the units of a range are cut out of the text.
+    constexpr UnitBits erased(std::uint32_t from, std::uint32_t to) const noexcept {
+        const Wide behind = to < MostUnits ? bits_ >> to << from : 0;
+        return UnitBits((bits_ & below(from).bits_) | behind);
+    }
+
     friend constexpr UnitBits operator&(UnitBits a, UnitBits b) noexcept {
         return UnitBits(a.bits_ & b.bits_);
     }
@@ -69,10 +75,19 @@ struct URLMarks {
     bool operator==(const URLMarks&) const = default;
 };
 
+/// The marks that names and values of parameters end at.
+struct ParameterMarks {
+    UnitBits equals, ampersand, semicolon, question;
+
+    bool operator==(const ParameterMarks&) const = default;
+};
+
 /// The marks of a text of up to UnitBits::MostUnits units.
 URLMarks urlMarksOf(std::u16string_view text) noexcept;
+ParameterMarks parameterMarksOf(std::u16string_view text) noexcept;
 
-/// The same unit by unit: the reference for the other, and its form for other machines.
+/// The same unit by unit: the references for the others, and their form for other machines.
 URLMarks urlMarksOneByOne(std::u16string_view text) noexcept;
+ParameterMarks parameterMarksOneByOne(std::u16string_view text) noexcept;
 
 }  // namespace velmo::detail

@@ -268,6 +268,7 @@ String displayStringURL(const String& string) {
 String stringURLByRemovingSessionIDs(const String& string) {
     if (string.view().find_first_of(u"?=") == Units::npos) return string;
     GapText text(string);
+    text.index();
     removeSessionIDs(text);
     return text.orOriginal(string);
 }
@@ -275,6 +276,7 @@ String stringURLByRemovingSessionIDs(const String& string) {
 String stringURLByRemovingAnalytics(const String& string) {
     if (!keyword::contains(string, "UTM_")) return string;
     GapText text(string);
+    text.index();
     removeAnalytics(text);
     return text.orOriginal(string);
 }
@@ -285,6 +287,7 @@ String stringURLByRemovingIndexPages(const String& string) {
 
 String stringURLByRemovingEmptyParams(const String& string) {
     GapText text(string);
+    text.index();
     removeEmptyParams(text);
     return text.orOriginal(string);
 }
@@ -314,13 +317,13 @@ void removeDifferences(GapText& text, const String& string, const SimplifyOption
     text.truncate(convertPercentEscapesOfURL(text.data(), text.size(), true));
     if (options.anchors) text.truncate(withoutAnchor(text.view()).size());
     text.truncate(standardize(text.data(), text.size()));
+    text.index();
     if (options.sessionIDs) removeSessionIDs(text);
     if (options.analytics) removeAnalytics(text);
     if (options.emptyParams) removeEmptyParams(text);
     // The number of a result, which differs from one search to the next.
     constexpr Units Result = u"VED=";
-    if (findName(text, {Result}) != NotThere && isOfPatents(string))
-        removeQueryParam(text, Result);
+    if (findName(text, {Result}) != NotThere && isOfPatents(string)) removeQueryParam(text, Result);
 }
 
 /// The key of what is left of a URL.

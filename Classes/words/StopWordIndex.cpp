@@ -100,7 +100,8 @@ std::size_t StopWordIndex::find(std::u16string_view word) const {
 std::size_t StopWordIndex::findPacked(std::uint64_t key) const {
     const std::uint64_t hash = hashOfPacked(key);
     if (!mayHave(hash)) return NoWord;
-    for (std::size_t i = hash & (packedSlots_.size() - 1);; i = (i + 1) & (packedSlots_.size() - 1)) {
+    for (std::size_t i = hash & (packedSlots_.size() - 1);;
+         i = (i + 1) & (packedSlots_.size() - 1)) {
         const PackedSlot slot = packedSlots_[i];
         if (slot.key == key) return slot.word - 1;
         if (!slot.word) return NoWord;

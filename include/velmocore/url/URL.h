@@ -104,9 +104,7 @@ public:
     [[nodiscard]] URL standardizedURL() const;
 
     /// Whether both are the same text, or both absent.
-    friend bool operator==(const URL& a, const URL& b) noexcept {
-        return a.string_ == b.string_;
-    }
+    friend bool operator==(const URL& a, const URL& b) noexcept { return a.string_ == b.string_; }
     /// Order of the texts; absent comes before everything else.
     friend std::strong_ordering operator<=>(const URL& a, const URL& b) noexcept {
         return a.absoluteString() <=> b.absoluteString();
