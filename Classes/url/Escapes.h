@@ -155,59 +155,41 @@ inline int escapeAt(std::u16string_view text, std::size_t i) noexcept {
     return text[i] != u'%' || text.size() - i < 3 ? -1 : escapeValue(text.data() + i);
 }
 
-/// Where a unit stands among the first 64 of a text, or all of a shorter one, as bits.
-inline std::uint64_t bitsOfUnit(const char16_t* from, const char16_t* to, char16_t unit) noexcept {
-    const std::ptrdiff_t length = std::min<std::ptrdiff_t>(to - from, 64);
-    std::uint64_t bits = 0;
-    std::ptrdiff_t i = 0;
-#if defined(__SSE2__)
-    for (; length - i >= 2 * scan::BlockUnits; i += 2 * scan::BlockUnits) {
-        const __m128i marks =
-            _mm_packs_epi16(scan::equalTo(scan::loadBlock(from + i), unit),
-                            scan::equalTo(scan::loadBlock(from + i + scan::BlockUnits), unit));
-        bits |= std::uint64_t{static_cast<std::uint32_t>(_mm_movemask_epi8(marks))} << i;
-    }
-#endif
-    for (; i < length; ++i) bits |= std::uint64_t{from[i] == unit} << i;
-    return bits;
-}
-
-/// Copies units sixteen at a time, as long as so many are left of the text; what is written
-/// behind them is written again. Gives the end of the copy.
-inline constexpr std::ptrdiff_t CopySlack = 16;
-inline char16_t* copyLoosely(const char16_t* from, const char16_t* to, const char16_t* end,
-                             char16_t* write) noexcept {
-    char16_t* const written = write + (to - from);
-    for (; from < to && end - from >= CopySlack; from += CopySlack, write += CopySlack)
-        std::memcpy(write, from, CopySlack * sizeof(char16_t));
-    while (from < to) *write++ = *from++;
-    return written;
-}
-
 /// Copies a text to a place with room for it and CopySlack units more. Of each escape,
 /// replace(value, read, write) writes what it becomes and moves both on, or gives false to
 /// stop. Gives the end of what was written.
+inline constexpr std::size_t CopySlack = 16;
 template <class Replace>
 char16_t* copyReplacing(std::u16string_view text, char16_t* write, Replace replace) {
     const char16_t* read = text.data();
     const char16_t* const end = read + text.size();
     while (read < end) {
-        // What is found ahead does not wait for what is done with it.
-        const char16_t* const start = read;
-        const char16_t* const stop = start + std::min<std::ptrdiff_t>(end - start, 64);
-        std::uint64_t percents = bitsOfUnit(start, end, u'%');
-        while (read < stop) {
-            const char16_t* const next = percents ? start + std::countr_zero(percents) : stop;
-            write = copyLoosely(read, next, end, write);
-            read = next;
-            if (!percents) break;
+        if (*read == u'%') {
             const int value = end - read < 3 ? -1 : escapeValue(read);
             if (value < 0)
                 *write++ = *read++;
             else if (!replace(value, read, write))
-                return write;
-            if (read < stop) percents &= ~std::uint64_t{0} << (read - start);
+                break;
+            continue;
         }
+#if defined(__SSE2__)
+        // Sixteen units in one step, which most words fit into; those from the % on are written
+        // again.
+        if (end - read >= 2 * scan::BlockUnits) {
+            const __m128i head = scan::loadBlock(read);
+            const __m128i tail = scan::loadBlock(read + scan::BlockUnits);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(write), head);
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(write + scan::BlockUnits), tail);
+            const __m128i marks =
+                _mm_packs_epi16(scan::equalTo(head, u'%'), scan::equalTo(tail, u'%'));
+            const int clean =
+                std::countr_zero(static_cast<unsigned>(_mm_movemask_epi8(marks)) | 0x10000u);
+            read += clean;
+            write += clean;
+            continue;
+        }
+#endif
+        *write++ = *read++;
     }
     return write;
 }
