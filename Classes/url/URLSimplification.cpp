@@ -187,33 +187,31 @@ Units withoutIndexPage(Units text) {
     return text;
 }
 
-/// The text without http for https, and without "www.".
-void appendWithUnifiedScheme(StringBuilder& out, Units text) {
+/// Appends the text with its ASCII in lower case. Gives all bits of its units.
+char16_t appendLower(StringBuilder& out, Units text) {
+    char16_t* write = out.prepare(text.size());
+    char16_t all = 0;
+    for (const char16_t unit : text) {
+        all |= unit;
+        *write++ = ascii::toLower(unit);
+    }
+    out.commit(text.size());
+    return all;
+}
+
+/// The same without http for https, and without "www.".
+char16_t appendWithUnifiedScheme(StringBuilder& out, Units text) {
     // One page is served with and without both, so that a key has neither.
     const std::size_t http = keyword::beginsWith(text, "HTTP:")    ? 4
                              : keyword::beginsWith(text, "HTTPS:") ? 5
                                                                    : 0;
-    if (http == 0) return out.append(text);
-    out.append(text.substr(0, 4));
-    const bool hasWWW = keyword::beginsWith(text.substr(http), "://WWW.");
-    if (hasWWW) out.append(text.substr(http, 3));
-    out.append(text.substr(hasWWW ? http + 7 : http));
-}
-
-/// In lower case, in place where that keeps the length.
-String lowercased(StringBuilder& text, const String& original) {
-    char16_t all = 0;
-    for (char16_t* unit = text.data(); unit != text.end(); ++unit) {
-        all |= *unit;
-        *unit = ascii::toLower(*unit);
+    if (http == 0) return appendLower(out, text);
+    out.append(u"http");
+    if (keyword::beginsWith(text.substr(http), "://WWW.")) {
+        out.append(u"://");
+        return appendLower(out, text.substr(http + 7));
     }
-    if (all >= 128) {
-        // Outside ASCII the lower case of a text may be longer than the text.
-        std::u16string copy(text.view());
-        lowercase(copy);
-        return copy == original.view() ? original : String(copy);
-    }
-    return text.view() == original.view() ? original : text.finish();
+    return appendLower(out, text.substr(http));
 }
 
 constexpr Units MainPage = u"/?page=main.php";
@@ -335,9 +333,15 @@ String keyOf(Units text, const String& original, const SimplifyOptions& options)
             text = withoutIndexPage(text);
     }
     StringBuilder out(text.size());
-    appendWithUnifiedScheme(out, text);
+    const char16_t all = appendWithUnifiedScheme(out, text);
     out.truncate(withoutSuffixSlashes(out.view()).size());
-    return lowercased(out, original);
+    if (all >= 128) {
+        // Outside ASCII the lower case of a text may be longer than the text.
+        std::u16string copy(out.view());
+        lowercase(copy);
+        return copy == original.view() ? original : String(copy);
+    }
+    return out.view() == original.view() ? original : out.finish();
 }
 
 }  // namespace
