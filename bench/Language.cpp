@@ -38,6 +38,7 @@ void languageCld2(benchmark::State& state) {
     state.counters["decided"] = static_cast<double>(decided / state.iterations());
 }
 BENCHMARK(languageCld2)->Name("language/cld2")->Unit(benchmark::kMillisecond);
+BENCHMARK(languageCld2)->Name("language-web/cld2")->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace velmo::bench

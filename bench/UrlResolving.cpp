@@ -160,6 +160,19 @@ void simplifyUriparser(benchmark::State& state) {
         benchmark::DoNotOptimize(result.data());
     });
 }
+/// The peer keeps escapes of what needs none, parameters and index pages.
+void simplifyBoost(benchmark::State& state) {
+    namespace urls = boost::urls;
+    eachText(state, velmo::bench::urls(), [&](const Text& text) {
+        const auto view = urls::parse_uri(text.utf8);
+        if (!view) return;
+        urls::url url(*view);
+        url.normalize();
+        benchmark::DoNotOptimize(std::string(url.buffer()));
+    });
+}
+BENCHMARK(simplifyBoost)->Name("simplify/boost-url")->Unit(benchmark::kMillisecond);
+BENCHMARK(simplifyBoost)->Name("page-key/boost-url")->Unit(benchmark::kMillisecond);
 BENCHMARK(simplifyUriparser)->Name("simplify/uriparser")->Unit(benchmark::kMillisecond);
 BENCHMARK(simplifyUriparser)->Name("page-key/uriparser")->Unit(benchmark::kMillisecond);
 
@@ -188,6 +201,18 @@ void escapeCurl(benchmark::State& state) {
 }
 BENCHMARK(escapeCurl)->Name("percent-encode/libcurl")->Unit(benchmark::kMillisecond);
 BENCHMARK(escapeCurl)->Name("percent-encode-ascii/libcurl")->Unit(benchmark::kMillisecond);
+
+/// With the units that it takes to have a text as we give it.
+void escapeTextCurl(benchmark::State& state) {
+    eachText(state, terms(), [](const Text& term) {
+        char* escaped =
+            curl_easy_escape(nullptr, term.utf8.data(), static_cast<int>(term.utf8.size()));
+        benchmark::DoNotOptimize(String::fromUTF8(escaped));
+        curl_free(escaped);
+    });
+}
+BENCHMARK(escapeVelmo)->Name("percent-encode-text/velmo")->Unit(benchmark::kMillisecond);
+BENCHMARK(escapeTextCurl)->Name("percent-encode-text/libcurl")->Unit(benchmark::kMillisecond);
 
 void unescapeVelmo(benchmark::State& state) {
     eachText(state, escapedTerms(), [](const Text& term) {

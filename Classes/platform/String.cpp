@@ -103,12 +103,14 @@ std::u16string_view StringBuilder::makeRoomFor(std::u16string_view units) {
     return isOwn ? view().substr(offset, units.size()) : units;
 }
 
-String StringBuilder::finish() {
-    if (length_ == 0) return String::empty();
+String StringBuilder::finish() { return length_ == 0 ? String::empty() : finishWithTail(0); }
+
+String StringBuilder::finishWithTail(std::size_t count) {
     void* block = reinterpret_cast<String::Rep*>(units_) - 1;
+    const std::size_t used = length_ + count;
     // A block that is nearly full stays as it is; otherwise the rest goes back.
-    if (capacity_ - length_ > length_ / 16 + 16) {
-        void* shrunk = std::realloc(block, sizeof(String::Rep) + length_ * sizeof(char16_t));
+    if (capacity_ - used > used / 16 + 16) {
+        void* shrunk = std::realloc(block, sizeof(String::Rep) + used * sizeof(char16_t));
         // A refusal to shrink is no failure: the larger block is as good.
         if (shrunk) block = shrunk;
     }

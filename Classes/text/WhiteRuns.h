@@ -7,6 +7,7 @@
 
 #include <velmocore/text/CharacterSets.h>
 
+#include "text/SettledUnits.h"
 #include "text/UnitScan.h"
 #include "text/WhiteSkip.h"
 
@@ -16,7 +17,7 @@ namespace velmo::detail {
 
 /// Marks the units of the three stretches of the plane that hold no white unit and nearly
 /// all of what is written: ASCII, the alphabets of Europe and the Near East, and East Asia.
-inline __m128i inPlainStretch(__m128i block) {
+[[gnu::always_inline]] inline __m128i inPlainStretch(__m128i block) {
     return _mm_or_si128(
         scan::inRange(block, 0x21, 0x7F),
         _mm_or_si128(scan::inRange(block, 0xA1, 0x167F), scan::inRange(block, 0x3001, 0xFEFE)));
@@ -26,7 +27,8 @@ inline __m128i inPlainStretch(__m128i block) {
 /// and each blank in front of a plain unit where blanks stay. next is the block one unit on.
 /// The unit to stop at, if there is one, does not stay.
 template <char16_t Stop = 0>
-std::ptrdiff_t settledUnits(__m128i block, __m128i next, bool blanksStay) {
+[[gnu::always_inline]] inline std::ptrdiff_t settledUnits(__m128i block, __m128i next,
+                                                          bool blanksStay) {
     __m128i plain = inPlainStretch(block);
     if constexpr (Stop) plain = _mm_andnot_si128(scan::equalTo(block, Stop), plain);
     if (!blanksStay) return scan::firstOf(~_mm_movemask_epi8(plain));
@@ -51,9 +53,16 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
     // What was copied unit for unit since here stands in the output as it does in the text.
     [[maybe_unused]] const char16_t* verbatim = from;
     [[maybe_unused]] const bool blanks = blanksStay(member, replacement);
+    const bool isWide = canSettleWide();
     while (from < to) {
 #if defined(__SSE2__)
-        while (to - from > scan::BlockUnits) {
+        if (isWide && to - from >= WideUnits) {
+            const std::ptrdiff_t settled = settleWide(from, to, out, Stop, blanks);
+            from += settled;
+            out += settled;
+            if (from == to) break;
+        }
+        while (to - from > scan::BlockUnits && !(isWide && to - from >= WideUnits)) {
             const __m128i block = scan::loadBlock(from);
             const std::ptrdiff_t settled =
                 settledUnits<Stop>(block, scan::loadBlock(from + 1), blanks);
@@ -99,8 +108,11 @@ template <class Member>
 const char16_t* firstToCollapse(const char16_t* from, const char16_t* to, const Member& member,
                                 char16_t replacement) {
     [[maybe_unused]] const bool blanks = blanksStay(member, replacement);
+    const bool isWide = canSettleWide();
     for (; from < to; ++from) {
 #if defined(__SSE2__)
+        if (isWide) from += settleWide(from, to, nullptr, 0, blanks);
+        if (from == to) break;
         while (to - from > scan::BlockUnits) {
             const std::ptrdiff_t settled =
                 settledUnits(scan::loadBlock(from), scan::loadBlock(from + 1), blanks);

@@ -10,6 +10,7 @@
 #include <velmocore/platform/String.h>
 
 #include "text/UnitScan.h"
+#include "url/URLMarks.h"
 
 namespace velmo::detail {
 
@@ -36,6 +37,10 @@ public:
     void erase(std::size_t from, std::size_t to) noexcept {
         moveGap(from);
         right_ += to - from;
+        if (!isIndexed_ || from == to) return;
+        for (UnitBits* mark :
+             {&marks_.equals, &marks_.ampersand, &marks_.semicolon, &marks_.question})
+            *mark = mark->erased(static_cast<std::uint32_t>(from), static_cast<std::uint32_t>(to));
     }
     /// Cuts off what is behind a length.
     void truncate(std::size_t length) noexcept { erase(length, size()); }
@@ -47,9 +52,22 @@ public:
     }
     std::u16string_view view() noexcept { return {data(), size()}; }
 
-    /// The first position from a start on that holds one of the units; else size().
+    /// Notes where the marks of parameters stand, if the text is short enough, so that each find()
+    /// is a step and no walk. From then on the text is only cut, and not changed otherwise.
+    void index() noexcept {
+        if (isIndexed_ || size() > UnitBits::MostUnits) return;
+        marks_ = parameterMarksOf(view());
+        isIndexed_ = true;
+    }
+
+    /// The first position from a start on that holds one of the units, which are marks of
+    /// parameters; else size().
     template <char16_t... Units>
     std::size_t find(std::size_t from) const noexcept {
+        static_assert(((Units == u'=' || Units == u'&' || Units == u';' || Units == u'?') && ...));
+        if (isIndexed_)
+            return (marksOf<Units>() | ...)
+                .first(static_cast<std::uint32_t>(from), static_cast<std::uint32_t>(size()));
         const std::size_t gap = right_ - left_;
         if (from < left_) {
             const char16_t* const end = units_ + left_;
@@ -88,12 +106,22 @@ private:
         }
     }
 
+    template <char16_t Unit>
+    const UnitBits& marksOf() const noexcept {
+        return Unit == u'='   ? marks_.equals
+               : Unit == u'&' ? marks_.ampersand
+               : Unit == u';' ? marks_.semicolon
+                              : marks_.question;
+    }
+
     char16_t small_[256];
     std::unique_ptr<char16_t[]> heap_;
     char16_t* units_ = small_;
     std::size_t left_;   ///< where the gap starts
     std::size_t right_;  ///< where it ends
     std::size_t end_;
+    ParameterMarks marks_;  ///< of what is left of the text
+    bool isIndexed_ = false;
 };
 
 }  // namespace velmo::detail

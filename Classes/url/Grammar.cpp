@@ -1,6 +1,7 @@
 // A URL is cut from the left to the right, as the standard's own expression does: scheme,
 // authority, path, query, fragment. Each unit is looked up once in a table of classes, and a unit
-// that may not stand in its part ends the cut, and with it the URL.
+// that may not stand in its part ends the cut, and with it the URL. Where no unit of a text is one
+// that only some parts may hold, the marks between the parts tell all.
 //
 // Resolving writes the parts of reference and base behind each other and notes where each stands,
 // so that what was put together need not be cut again.
@@ -10,7 +11,9 @@
 
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
+#include "text/UnitScan.h"
 #include "url/IPv6.h"
+#include "url/PartedText.h"
 
 namespace velmo::detail::grammar {
 namespace {
@@ -73,7 +76,8 @@ std::uint32_t skip(std::u16string_view text, std::uint32_t start, int mask) noex
 }
 
 std::uint32_t find(std::u16string_view text, char16_t unit, std::uint32_t start) noexcept {
-    return static_cast<std::uint32_t>(std::min(text.find(unit, start), text.size()));
+    const char16_t* const end = text.data() + text.size();
+    return static_cast<std::uint32_t>(scan::find(text.data() + start, end, unit) - text.data());
 }
 
 /// What stands between the brackets: an IPv6 address, or "v", digits, "." and a name.
@@ -169,7 +173,7 @@ std::size_t removeDotSegments(char16_t* path, std::size_t length) noexcept {
 /// segments go.
 class Composer {
 public:
-    explicit Composer(std::size_t room) : out_(room + 8) {}
+    explicit Composer(std::size_t room) : out_(room + 8 + TailUnits) {}
 
     void scheme(const Reference& from) { part(u"", from, URLPart::Scheme, u":"); }
     void authority(const Reference& from) {
@@ -202,10 +206,10 @@ public:
         guardPath(start);
         notePath(start);
     }
-    Composed finish() {
+    String finish() {
         if (out_.length() >= Span::Missing) return {};
         parts_[URLPart::ResourceSpecifier] = spanFrom(specifier_);
-        return {out_.finish(), parts_};
+        return finishedWith({parts_}, out_);
     }
 
 private:
@@ -266,7 +270,58 @@ void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t 
 bool isPathUnit(char16_t unit) noexcept { return isIn(unit, InPath); }
 bool isURLUnit(char16_t unit) noexcept { return isIn(unit, InQuery | Reserved); }
 
+bool hasWholeEscapes(std::u16string_view text, const URLMarks& marks) noexcept {
+    const auto size = static_cast<std::uint32_t>(text.size());
+    for (std::uint32_t i = marks.percent.first(0, size); i < size;
+         i = marks.percent.first(i + 3, size))
+        if (size - i < 3 || hexDigitValue(text[i + 1]) < 0 || hexDigitValue(text[i + 2]) < 0)
+            return false;
+    return true;
+}
+
+bool cutByMarks(std::u16string_view text, const URLMarks& marks, Parts& parts) noexcept {
+    const auto size = static_cast<std::uint32_t>(text.size());
+    parts = Parts();
+    const std::uint32_t hash = marks.hash.first(0, size);
+    if (marks.hash.first(hash + 1, size) < size) return false;
+    const std::uint32_t query = marks.question.first(0, hash);
+    std::uint32_t i = 0;
+    const std::uint32_t colon = marks.colon.first(0, size);
+    if (colon < size && ascii::isLetter(text[0]) &&
+        std::all_of(text.begin(), text.begin() + colon,
+                    [](char16_t unit) { return isIn(unit, InScheme); })) {
+        parts[URLPart::Scheme] = {0, colon};
+        i = colon + 1;
+    }
+    parts[URLPart::ResourceSpecifier] = {i, size - i};
+    if (size - i >= 2 && text[i] == u'/' && text[i + 1] == u'/') {
+        const std::uint32_t start = i + 2;
+        i = marks.slash.first(start, query);
+        parts[URLPart::Authority] = {start, i - start};
+        const std::uint32_t host = marks.colon.first(start, i);
+        if (host > start) parts[URLPart::Host] = {start, host - start};
+        if (host < i) {
+            if (!isPort(text.substr(host + 1, i - host - 1))) return false;
+            parts[URLPart::Port] = {host + 1, i - host - 1};
+        }
+    } else if (i == 0 && colon < marks.slash.first(0, query)) {
+        return false;
+    }
+    notePathParts(text, i, query, parts);
+    if (query < hash) parts[URLPart::Query] = {query + 1, hash - query - 1};
+    if (hash < size) parts[URLPart::Fragment] = {hash + 1, size - hash - 1};
+    return true;
+}
+
 bool cut(std::u16string_view text, Parts& parts) noexcept {
+    if (text.size() > UnitBits::MostUnits) return cutOneByOne(text, parts);
+    const URLMarks marks = urlMarksOf(text);
+    // What only some parts may hold is looked at where it stands.
+    if (marks.other || !hasWholeEscapes(text, marks)) return cutOneByOne(text, parts);
+    return cutByMarks(text, marks, parts);
+}
+
+bool cutOneByOne(std::u16string_view text, Parts& parts) noexcept {
     if (text.size() >= Span::Missing) return false;
     const auto end = static_cast<std::uint32_t>(text.size());
     parts = Parts();
@@ -305,7 +360,7 @@ bool cut(std::u16string_view text, Parts& parts) noexcept {
     return i == end;
 }
 
-Composed resolved(const Reference& reference, const Reference& base) {
+String resolved(const Reference& reference, const Reference& base) {
     Composer target(reference.text.size() + base.text.size());
     if (reference.has(URLPart::Scheme)) {
         target.scheme(reference);
@@ -343,7 +398,7 @@ Composed resolved(const Reference& reference, const Reference& base) {
     return target.finish();
 }
 
-Composed withoutDotSegments(const Reference& reference) {
+String withoutDotSegments(const Reference& reference) {
     Composer target(reference.text.size());
     target.scheme(reference);
     target.authority(reference);

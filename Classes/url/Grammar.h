@@ -9,6 +9,8 @@
 
 #include <velmocore/url/URL.h>
 
+#include "url/URLMarks.h"
+
 namespace velmo::detail::grammar {
 
 /// Where one part stands. Its location is Missing if the URL does not have it.
@@ -45,6 +47,15 @@ struct Parts {
 /// Finds the parts of a URI or relative reference. False if the text is neither.
 bool cut(std::u16string_view text, Parts& parts) noexcept;
 
+/// The same unit by unit, for any text: the reference for the other.
+bool cutOneByOne(std::u16string_view text, Parts& parts) noexcept;
+
+/// The same of a text whose marks are known and are no "other" ones, nor a % without its escape.
+bool cutByMarks(std::u16string_view text, const URLMarks& marks, Parts& parts) noexcept;
+
+/// Whether two hexadecimal digits follow each %.
+bool hasWholeEscapes(std::u16string_view text, const URLMarks& marks) noexcept;
+
 /// Notes where the path and its parameters stand in a text of which all from start to end is a path.
 /// The scheme must have been noted.
 void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t end,
@@ -53,24 +64,19 @@ void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t 
 /// A text with its parts.
 struct Reference {
     std::u16string_view text;
-    Parts parts;
+    const Parts& parts;
 
     std::u16string_view operator[](URLPart part) const noexcept { return parts[part].of(text); }
     bool has(URLPart part) const noexcept { return parts[part].isPresent(); }
     std::u16string_view wholePath() const noexcept { return parts.wholePath().of(text); }
 };
 
-/// A URL that was put together, with its parts. Absent if it is too long.
-struct Composed {
-    String text;
-    Parts parts;
-};
+/// The reference resolved against the base, as RFC 3986 tells it in 5.2.2 (strict), with its parts
+/// behind it (see url/PartedText.h). Absent if it is too long.
+String resolved(const Reference& reference, const Reference& base);
 
-/// The reference resolved against the base, as RFC 3986 tells it in 5.2.2 (strict).
-Composed resolved(const Reference& reference, const Reference& base);
-
-/// The text with the dot segments of its path removed.
-Composed withoutDotSegments(const Reference& reference);
+/// The text with the dot segments of its path removed, likewise.
+String withoutDotSegments(const Reference& reference);
 
 /// Whether the unit may stand in a path as it is, slashes included.
 bool isPathUnit(char16_t unit) noexcept;

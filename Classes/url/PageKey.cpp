@@ -17,8 +17,8 @@
 #include "url/Reductions.h"
 #include "url/SessionNames.h"
 #include "url/SpecialSchemes.h"
+#include "url/URLMaker.h"
 #include "url/WebHosts.h"
-#include "url/WebResolution.h"
 
 namespace velmo {
 namespace {
@@ -321,7 +321,7 @@ URL byGrammar(const URL& url) {
 
 String pageKey(const URL& url, const PageKeyOptions& options) {
     if (url.isAbsent()) return {};
-    if (WebURLs::isMade(url)) return pageKey(byGrammar(url), options);
+    if (URLMaker::isOfWeb(url)) return pageKey(byGrammar(url), options);
     return KeyWriter(url, options).key();
 }
 

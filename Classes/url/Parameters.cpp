@@ -3,6 +3,7 @@
 // walk over the text is as a rule enough for all of them.
 #include "url/Parameters.h"
 
+#include <algorithm>
 #include <bit>
 
 #include "text/Keyword.h"
@@ -10,16 +11,22 @@
 namespace velmo::detail {
 namespace {
 
-/// Compares from the end, where names that are sought together differ the least.
-bool standsAt(const GapText& text, const ParameterName& name, std::size_t position) {
+bool isUnit(char16_t unit, const ParameterName& name, std::size_t i) {
+    return (name.anyCase ? keyword::upper(unit) : unit) == name.text[i];
+}
+
+bool goesOn(const GapText& text, const ParameterName& name, std::size_t position) {
     const std::size_t length = name.text.size();
-    if (text.size() - position < length) return false;
     const char16_t* const units = text.range(position, length);
-    for (std::size_t i = length; i-- > 0;) {
-        const char16_t unit = units ? units[i] : text[position + i];
-        if ((name.anyCase ? keyword::upper(unit) : unit) != name.text[i]) return false;
-    }
+    for (std::size_t i = 1; i < length; ++i)
+        if (!isUnit(units ? units[i] : text[position + i], name, i)) return false;
     return true;
+}
+
+/// Compares from the start: names that are sought together mostly end alike.
+inline bool standsAt(const GapText& text, const ParameterName& name, std::size_t position) {
+    return text.size() - position >= name.text.size() && isUnit(text[position], name, 0) &&
+           goesOn(text, name, position);
 }
 
 /// Calls the work for the number of each bit.
@@ -31,6 +38,14 @@ void eachBit(ParameterMask mask, Work work) {
 }  // namespace
 
 std::size_t findName(const GapText& text, const ParameterName& name, std::size_t from) {
+    const std::size_t length = name.text.size();
+    if (from + length > text.size()) return NotThere;
+    // Its = is the rarest of its units.
+    if (name.text.ends_with(u'=')) {
+        std::size_t i = text.find<u'='>(from + length - 1);
+        while (i < text.size() && !standsAt(text, name, i + 1 - length)) i = text.find<u'='>(i + 1);
+        return i < text.size() ? i + 1 - length : NotThere;
+    }
     for (std::size_t i = from; i + name.text.size() <= text.size(); ++i)
         if (standsAt(text, name, i)) return i;
     return NotThere;
@@ -51,17 +66,24 @@ std::size_t removeParameter(GapText& text, std::size_t separator) {
     return separator;
 }
 
-ParameterFinder::ParameterFinder(GapText& text, const ParameterList& list)
+ParameterFinder::ParameterFinder(GapText& text, const ParameterList& list, std::size_t start)
     : text_(text), list_(list) {
-    if (text_.size() < 2) return;
-    for (std::size_t i = text_.find<u'='>(1); i < text_.size(); i = text_.find<u'='>(i + 1))
-        locate(i);
+    locateFrom(start, ~ParameterMask{0});
 }
 
-/// Looks for the names that end at a = and were not found before it.
-void ParameterFinder::locate(std::size_t equals) {
+/// Looks for the first place of each name wanted; none of them stands in front of the start.
+void ParameterFinder::locateFrom(std::size_t start, ParameterMask wanted) {
+    if (text_.size() < 2) return;
+    for (std::size_t i = text_.find<u'='>(std::max<std::size_t>(start, 1)); i < text_.size();
+         i = text_.find<u'='>(i + 1))
+        locate(i, wanted);
+}
+
+/// Looks for those that end at a = and were not found before it.
+void ParameterFinder::locate(std::size_t equals, ParameterMask wanted) {
     const char16_t third = equals < 3 ? u'\0' : text_[equals - 3];
-    eachBit(list_.candidates(text_[equals - 1], third) & ~present_, [&](std::size_t name) {
+    const ParameterMask candidates = list_.candidates(text_[equals - 1], third);
+    eachBit(candidates & wanted & ~present_, [&](std::size_t name) {
         const std::size_t length = list_.names[name].text.size();
         if (equals + 1 >= length && standsAt(text_, list_.names[name], equals + 1 - length))
             note(name, equals + 1 - length);
@@ -82,7 +104,12 @@ void ParameterFinder::note(std::size_t name, std::size_t position) {
 void ParameterFinder::remove(std::size_t name) {
     const std::size_t before = text_.size();
     const std::size_t joint = removeParameter(text_, separatorOf(name));
-    eachBit(present_, [&](std::size_t n) { relocate(n, joint, before - text_.size()); });
+    ParameterMask lost = 0;
+    eachBit(present_, [&](std::size_t n) {
+        if (!relocate(n, joint, before - text_.size())) lost |= ParameterMask(1) << n;
+    });
+    eachBit(lost, [&](std::size_t n) { note(n, NotThere); });
+    if (lost) locateFrom(joint, lost);
     // The units on both sides of the joint may form a name that was not there before.
     eachBit(list_.crossing, [&](std::size_t n) {
         const bool isBefore = (present_ >> n & 1) && positions_[n] + 1 < joint;
@@ -91,16 +118,15 @@ void ParameterFinder::remove(std::size_t name) {
     });
 }
 
-/// Notes where a name stands after units were removed behind the joint. In front of a name
-/// that has moved up to the joint there is a separator, now as before.
-void ParameterFinder::relocate(std::size_t name, std::size_t joint, std::size_t removed) {
+/// Notes where a name stands after units were removed behind the joint; false if it was among them.
+/// In front of a name that has moved up to the joint there is a separator, now as before.
+bool ParameterFinder::relocate(std::size_t name, std::size_t joint, std::size_t removed) {
     const std::size_t old = positions_[name];
-    if (old + list_.names[name].text.size() <= joint) return;
-    if (old >= joint + removed) {
-        positions_[name] = old - removed;
-        if (positions_[name] == joint) changed_ |= ParameterMask(1) << name;
-    } else
-        note(name, findName(text_, list_.names[name], joint));
+    if (old + list_.names[name].text.size() <= joint) return true;
+    if (old < joint + removed) return false;
+    positions_[name] = old - removed;
+    if (positions_[name] == joint) changed_ |= ParameterMask(1) << name;
+    return true;
 }
 
 }  // namespace velmo::detail

@@ -21,6 +21,12 @@ constexpr bool isParameterSeparator(char16_t unit) noexcept {
     return unit == u'&' || unit == u';' || unit == u'?';
 }
 
+/// What stands in front of all parameters, and of all names of any: the first of their separators
+/// or =. No removal of a parameter changes it. The size if there is none.
+inline std::size_t startOfParameters(const GapText& text) noexcept {
+    return text.find<u'=', u'&', u';', u'?'>(0);
+}
+
 /// Where the name first stands from a position on; NotThere if nowhere.
 inline constexpr std::size_t NotThere = std::u16string_view::npos;
 std::size_t findName(const GapText& text, const ParameterName& name, std::size_t from = 0);
@@ -78,7 +84,8 @@ private:
 /// removal only moves them.
 class ParameterFinder {
 public:
-    ParameterFinder(GapText& text, const ParameterList& list);
+    /// Looks at the text from the given start of parameters on.
+    ParameterFinder(GapText& text, const ParameterList& list, std::size_t start);
 
     /// The names that stand somewhere, and those whose first occurrence is a parameter.
     ParameterMask present() const { return present_; }
@@ -92,8 +99,9 @@ public:
     ParameterMask takeChanged() { return std::exchange(changed_, 0); }
 
 private:
-    void locate(std::size_t equals);
-    void relocate(std::size_t name, std::size_t joint, std::size_t removed);
+    void locateFrom(std::size_t start, ParameterMask wanted);
+    void locate(std::size_t equals, ParameterMask wanted);
+    bool relocate(std::size_t name, std::size_t joint, std::size_t removed);
     void note(std::size_t name, std::size_t position);
 
     GapText& text_;

@@ -3,10 +3,13 @@
 // nowhere are filtered once, in the middle; who has done so before need not, and who comes after
 // neither.
 //
+// Most links need none of this; PlainLinks.h resolves them.
+//
 // A text that is no URL gets a second chance with escapes for what a URL may not hold.
 #include <velmocore/url/RelativeURLs.h>
 
 #include <algorithm>
+#include <optional>
 
 #include <velmocore/text/Comparison.h>
 #include <velmocore/text/HomeFolder.h>
@@ -24,6 +27,7 @@
 #include "text/PathParts.h"
 #include "text/Pieces.h"
 #include "text/Trim.h"
+#include "url/PlainLinks.h"
 #include "url/Reductions.h"
 #include "url/WebResolution.h"
 
@@ -48,8 +52,6 @@ String trimmed(const String& link, bool trimAnchor) {
 
 /// How many units in front of an address of the web are there twice, or by mistake.
 std::size_t extraUnits(Units link) {
-    // Rules out https and most relative links at once.
-    if (!detail::keyword::contains(link, "HTTP:")) return 0;
     if (begins(link, "HHTTP:")) return 1;
     if (begins(link, "HTTP://HTTP://")) return 7;
     return begins(link, "HTTP:// HTTP://") ? 8 : 0;
@@ -197,6 +199,9 @@ URL asOnTheWeb(const URL& base, const String& link, const RelativeURLOptions& op
 URL URLRelativeTo(const URL& base, const String& link, const RelativeURLOptions& options) {
     if (base.isAbsent()) return {};
     if (options.web.resolution) return asOnTheWeb(base, link, options);
+    if (options.standardize)
+        if (std::optional<URL> url = detail::plainURLRelativeTo(base, link, options.trimAnchor))
+            return *std::move(url);
     const String text = trimmed(link, options.trimAnchor && !base.isFileURL());
     if (text.isEmpty()) return {};
     const String string = repaired(text);

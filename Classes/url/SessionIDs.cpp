@@ -3,6 +3,7 @@
 // allow more. So the rules are a table, in the order in which they are tried, and the loop asks
 // for the first row that applies until there is none. What would make that slow is kept: where
 // each name stands (see url/Parameters.h), and which values are known to be numbers.
+#include <array>
 #include <bit>
 #include <iterator>
 
@@ -88,6 +89,18 @@ constexpr ParameterMask rowsOf(unsigned traits) {
         if (Rows[i].needs & traits) rows |= ParameterMask(1) << i;
     return rows;
 }
+/// The same for traits that are known only when a URL is read.
+constexpr auto RowsOfTraits = [] {
+    std::array<ParameterMask, 10> rows{};
+    for (unsigned bit = 0; bit < rows.size(); ++bit) rows[bit] = rowsOf(1u << bit);
+    return rows;
+}();
+ParameterMask rowsOfAll(unsigned traits) {
+    ParameterMask rows = 0;
+    for (; traits; traits &= traits - 1)
+        rows |= RowsOfTraits[static_cast<std::size_t>(std::countr_zero(traits))];
+    return rows;
+}
 constexpr ParameterMask SessionRows = rowsOf(IsSession), NumberRows = rowsOf(IsIfNoNumber),
                         SeenRows = rowsOf(SessionSeen);
 constexpr ParameterMask bitOf(std::size_t row) { return ParameterMask(1) << row; }
@@ -131,13 +144,14 @@ unsigned traitsOf(Units text, ParameterMask rows) {
 
 class SessionRemover {
 public:
-    explicit SessionRemover(GapText& text) : text_(text), finder_(text, List) {}
+    explicit SessionRemover(GapText& text)
+        : text_(text), finder_(text, List, startOfParameters(text)) {}
 
     void run() {
         if (!finder_.parameters()) return;
         const unsigned traits = traitsOf(text_.view(), finder_.present());
         isTopic_ = traits & Topic;
-        rows_ = rowsOf(traits);
+        rows_ = rowsOfAll(traits);
         for (ParameterMask found; (found = next());)
             finder_.remove(static_cast<std::size_t>(std::countr_zero(found)));
     }
@@ -189,11 +203,13 @@ private:
 
 /// What stands in front of the ? of a page that only asks for a login or shows a widget.
 void cutAtForms(GapText& text) {
+    constexpr Units Login = u"/login", Register = u"/register", Page = u".html",
+                    Widget = u"widgetType=";
     const Units units = text.view();
     for (std::size_t i = indexOf(units, u'?'); i < units.size(); i = indexOf(units, u'?', i + 1)) {
         const Units page = units.substr(0, i);
-        if (page.ends_with(u"/login") || page.ends_with(u"/register") ||
-            (page.ends_with(u".html") && units.substr(i + 1).starts_with(u"widgetType=")))
+        if (page.ends_with(Login) || page.ends_with(Register) ||
+            (page.ends_with(Page) && units.substr(i + 1).starts_with(Widget)))
             return text.truncate(i);
     }
 }

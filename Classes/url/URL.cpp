@@ -1,6 +1,6 @@
 // A URL is a text and the places of its parts in it, cut once when it is made. Parts are views
 // into that text, so that asking for one costs nothing; what was resolved or composed comes with
-// its parts from the composer and is not cut again.
+// its parts from the composer and is not cut again. Where the parts stand is told in PartedText.h.
 #include <velmocore/url/URL.h>
 
 #include <algorithm>
@@ -11,32 +11,21 @@
 #include "text/PathParts.h"
 #include "url/Escapes.h"
 #include "url/Grammar.h"
-#include "url/WebResolution.h"
+#include "url/URLMaker.h"
 
 namespace velmo {
 
 namespace escapes = detail::escapes;
 namespace grammar = detail::grammar;
 
-/// Never changes once it is made, so that copies share it on any thread.
-struct URL::Rep {
-    String string;
-    grammar::Parts parts;
-    bool isOfWeb = false;  ///< as the URL standard reads and writes it
-
-    grammar::Reference reference() const { return {string, parts}; }
-
-    /// The URL of a text whose parts are known.
-    static URL urlOf(const String& string, const grammar::Parts& parts) {
-        return string.isAbsent() ? URL()
-                                 : URL(std::make_shared<const Rep>(Rep{string, parts, false}));
-    }
-    static URL urlOf(const grammar::Composed& composed) {
-        return urlOf(composed.text, composed.parts);
-    }
-};
-
 namespace {
+
+using detail::URLMaker;
+
+/// A URL that is not absent, with its parts.
+grammar::Reference referenceOf(const URL& url) {
+    return {url.absoluteString(), URLMaker::tailOf(url).parts};
+}
 
 /// The decoded text; the raw one if its escapes are not UTF-8.
 String decodedOrRaw(std::u16string_view raw) {
@@ -61,21 +50,12 @@ bool hasDotSegments(std::u16string_view path) {
 }  // namespace
 
 URL URL::URLWithString(const String& string) {
-    if (string.isAbsent()) return {};
-    grammar::Parts parts;
-    if (!grammar::cut(string, parts)) return {};
-    return Rep::urlOf(string, parts);
+    return string.isAbsent() ? URL() : URLMaker::cut(string);
 }
 
 URL URL::URLWithString(const String& string, const URL& base) {
     if (base.isAbsent()) return URLWithString(string);
-    if (string.isAbsent()) return {};
-    grammar::Reference reference{string, {}};
-    if (!grammar::cut(string, reference.parts)) return {};
-    // Most links of a page are URLs of their own with nothing to resolve; they keep their string.
-    if (reference.has(URLPart::Scheme) && !hasDotSegments(reference.wholePath()))
-        return Rep::urlOf(string, reference.parts);
-    return Rep::urlOf(grammar::resolved(reference, base.rep_->reference()));
+    return string.isAbsent() ? URL() : URLMaker::resolved(string, base);
 }
 
 URL URL::fileURLWithPath(const String& path) {
@@ -92,13 +72,8 @@ URL URL::fileURLWithPath(const String& path) {
     return escaped.isAbsent() ? URL() : URLWithString(u"file://" + std::u16string(escaped));
 }
 
-const String& URL::absoluteString() const noexcept {
-    static const String absent;
-    return rep_ ? rep_->string : absent;
-}
-
 std::u16string_view URL::part(URLPart part) const& noexcept {
-    return rep_ ? rep_->parts[part].of(rep_->string) : std::u16string_view();
+    return isAbsent() ? std::u16string_view() : URLMaker::tailOf(*this).parts[part].of(string_);
 }
 
 std::optional<std::uint32_t> URL::port() const noexcept {
@@ -127,15 +102,30 @@ bool URL::isFileURL() const noexcept {
 }
 
 URL URL::standardizedURL() const {
-    if (isAbsent() || !hasDotSegments(rep_->reference().wholePath())) return *this;
-    return Rep::urlOf(grammar::withoutDotSegments(rep_->reference()));
+    if (isAbsent() || !hasDotSegments(referenceOf(*this).wholePath())) return *this;
+    return URL(grammar::withoutDotSegments(referenceOf(*this)));
 }
 
-URL detail::WebURLs::made(const grammar::Composed& composed) {
-    if (composed.text.isAbsent()) return {};
-    return URL(std::make_shared<const URL::Rep>(URL::Rep{composed.text, composed.parts, true}));
+URL detail::URLMaker::made(std::u16string_view text, const grammar::Parts& parts) {
+    StringBuilder out(text.size() + grammar::TailUnits);
+    out.append(text);
+    return URL(grammar::finishedWith({parts}, out));
 }
-bool detail::WebURLs::isMade(const URL& url) noexcept { return url.rep_ && url.rep_->isOfWeb; }
+
+URL detail::URLMaker::cut(std::u16string_view text) {
+    grammar::Parts parts;
+    return grammar::cut(text, parts) ? made(text, parts) : URL();
+}
+
+URL detail::URLMaker::resolved(std::u16string_view text, const URL& base) {
+    grammar::Parts parts;
+    if (!grammar::cut(text, parts)) return {};
+    const grammar::Reference reference{text, parts};
+    // Most links of a page are URLs of their own with nothing to resolve.
+    if (reference.has(URLPart::Scheme) && !hasDotSegments(reference.wholePath()))
+        return made(text, parts);
+    return URL(grammar::resolved(reference, referenceOf(base)));
+}
 
 std::ostream& operator<<(std::ostream& stream, const URL& url) {
     return stream << url.absoluteString();

@@ -75,6 +75,7 @@ std::size_t standardize(char16_t* units, std::size_t length) noexcept {
     const Units text(units, length);
     const std::size_t end = endOfPlainPath(text);
     std::size_t write = firstExtraSlash(text, end);
+    if (write == end) return end == length ? lengthWithoutDots(text) : length;
     for (std::size_t read = write; read < end; ++read) {
         const bool extra = units[read] == u'/' && units[write - 1] == u'/' &&
                            (write == 1 || units[write - 2] != u':');
@@ -118,7 +119,7 @@ void removeAnalytics(GapText& text) {
         {u"UTM_TERM="},   {u"UTM_CONTENT="}, {u"UTM_NOOVERRIDE="},
     };
     static constexpr ParameterList List(Names);
-    for (ParameterFinder finder(text, List); finder.parameters();)
+    for (ParameterFinder finder(text, List, startOfParameters(text)); finder.parameters();)
         finder.remove(static_cast<std::size_t>(std::countr_zero(finder.parameters())));
 }
 
@@ -144,13 +145,14 @@ std::size_t separatorOfName(const GapText& text, std::size_t equals) {
 }
 
 /// "?&" becomes "?".
-void removeSeparatorsBehindQuestionMarks(GapText& text) {
-    for (std::size_t i = 0; (i = text.find<u'?'>(i)) + 1 < text.size(); ++i)
+void removeSeparatorsBehindQuestionMarks(GapText& text, std::size_t start) {
+    for (std::size_t i = start; (i = text.find<u'?'>(i)) + 1 < text.size(); ++i)
         if (text[i + 1] == u'&') text.erase(i + 1, i + 2);
 }
 
 void removeEmptyParams(GapText& text) {
-    std::size_t position = 0;
+    const std::size_t start = startOfParameters(text);
+    std::size_t position = start;
     while (position < text.size()) {
         const std::size_t equals = text.find<u'='>(position);
         if (equals == text.size()) break;
@@ -167,46 +169,49 @@ void removeEmptyParams(GapText& text) {
         else
             text.truncate(separator);
     }
-    removeSeparatorsBehindQuestionMarks(text);
+    removeSeparatorsBehindQuestionMarks(text, start);
 }
 
 /// The text without an index page at its end.
 Units withoutIndexPage(Units text) {
-    const std::size_t slash = text.rfind(u'/');
-    if (slash == Units::npos || !keyword::beginsWith(text.substr(slash), "/INDEX.")) return text;
-    const Units extension = text.substr(slash + 7);
+    constexpr std::string_view Start = "/INDEX.";
+    constexpr std::size_t Longest = 12;  // in units, of an index page with its slash
+    const std::size_t skipped = text.size() - std::min(text.size(), Longest);
+    const std::size_t slash = text.substr(skipped).rfind(u'/');
+    const Units page = slash == Units::npos ? Units() : text.substr(skipped + slash);
+    if (!keyword::beginsWith(page, Start)) return text;
     for (const std::string_view known :
          {"SHTML", "PHTML", "JHTML", "HTML", "HTM", "PHP", "CHM", "ASP", "CGI"})
-        if (keyword::equals(extension, known)) return text.substr(0, slash);
+        if (keyword::equals(page.substr(Start.size()), known))
+            return text.substr(0, text.size() - page.size());
     return text;
 }
 
-/// Without http for https, and without "www.".
-void unifyScheme(GapText& text) {
-    const Units units = text.view();
-    // One page is served with and without both, so that a key has neither.
-    const std::size_t http = keyword::beginsWith(units, "HTTP:")    ? 4
-                             : keyword::beginsWith(units, "HTTPS:") ? 5
-                                                                    : 0;
-    if (http == 0) return;
-    if (keyword::beginsWith(units.substr(http), "://WWW.")) text.erase(http + 3, http + 7);
-    if (http == 5) text.erase(4, 5);
+/// Appends the text with its ASCII in lower case. Gives all bits of its units.
+char16_t appendLower(StringBuilder& out, Units text) {
+    char16_t* write = out.prepare(text.size());
+    char16_t all = 0;
+    for (const char16_t unit : text) {
+        all |= unit;
+        *write++ = ascii::toLower(unit);
+    }
+    out.commit(text.size());
+    return all;
 }
 
-/// In lower case, in place where that keeps the length.
-String lowercased(GapText& text, const String& original) {
-    char16_t* const units = text.data();
-    char16_t* const end = units + text.size();
-    if (scan::findNonAscii(units, end) != end) {
-        // Outside ASCII the lower case of a text may be longer than the text.
-        std::u16string copy(units, text.size());
-        lowercase(copy);
-        return copy == original.view() ? original : String(copy);
+/// The same without http for https, and without "www.".
+char16_t appendWithUnifiedScheme(StringBuilder& out, Units text) {
+    // One page is served with and without both, so that a key has neither.
+    const std::size_t http = keyword::beginsWith(text, "HTTP:")    ? 4
+                             : keyword::beginsWith(text, "HTTPS:") ? 5
+                                                                   : 0;
+    if (http == 0) return appendLower(out, text);
+    out.append(u"http");
+    if (keyword::beginsWith(text.substr(http), "://WWW.")) {
+        out.append(u"://");
+        return appendLower(out, text.substr(http + 7));
     }
-    std::transform(units, end, units, ascii::toLower<char16_t>);
-    const bool isSame =
-        text.size() == original.length() && std::equal(units, end, original.begin());
-    return isSame ? original : String(text.view());
+    return appendLower(out, text.substr(http));
 }
 
 constexpr Units MainPage = u"/?page=main.php";
@@ -248,7 +253,7 @@ String stringURLWithoutScheme(const String& string) {
 String stringURLWithoutCredentials(const String& string) {
     if (string.isEmpty() || string[0] == u'/' || string[0] == u'~') return string;
     const URL url = URL::URLWithString(string);
-    return url.isAbsent() ? string : withoutCredentials(url);
+    return url.part(URLPart::User).data() ? withoutCredentials(url) : string;
 }
 
 String displayStringURL(const String& string) {
@@ -261,6 +266,7 @@ String displayStringURL(const String& string) {
 String stringURLByRemovingSessionIDs(const String& string) {
     if (string.view().find_first_of(u"?=") == Units::npos) return string;
     GapText text(string);
+    text.index();
     removeSessionIDs(text);
     return text.orOriginal(string);
 }
@@ -268,6 +274,7 @@ String stringURLByRemovingSessionIDs(const String& string) {
 String stringURLByRemovingAnalytics(const String& string) {
     if (!keyword::contains(string, "UTM_")) return string;
     GapText text(string);
+    text.index();
     removeAnalytics(text);
     return text.orOriginal(string);
 }
@@ -278,6 +285,7 @@ String stringURLByRemovingIndexPages(const String& string) {
 
 String stringURLByRemovingEmptyParams(const String& string) {
     GapText text(string);
+    text.index();
     removeEmptyParams(text);
     return text.orOriginal(string);
 }
@@ -291,26 +299,60 @@ String stringURLByRemovingQueryParam(const String& string, Units name) {
     return text.orOriginal(string);
 }
 
-String simplifiedStringURL(const String& string, const SimplifyOptions& options) {
-    if (string.isEmpty()) return string;
-    GapText text(string);
+namespace {
+
+/// The part of a text in which nothing is to be cut out but at its ends: no escape may hide a mark,
+/// no parameter has a =, and no form a ?. Null if there is none.
+Units plainPart(Units text, const SimplifyOptions& options) {
+    const char16_t* const end = text.data() + text.size();
+    if (scan::findAnyOf<u'%', u'?', u'='>(text.data(), end) != end) return {};
+    const Units part = options.anchors ? withoutAnchor(text) : text;
+    return isStandardized(part) ? part : Units();
+}
+
+/// Takes out all that the options name but an index page.
+void removeDifferences(GapText& text, const String& string, const SimplifyOptions& options) {
     text.truncate(convertPercentEscapesOfURL(text.data(), text.size(), true));
     if (options.anchors) text.truncate(withoutAnchor(text.view()).size());
     text.truncate(standardize(text.data(), text.size()));
+    text.index();
     if (options.sessionIDs) removeSessionIDs(text);
     if (options.analytics) removeAnalytics(text);
     if (options.emptyParams) removeEmptyParams(text);
     // The number of a result, which differs from one search to the next.
-    if (text.find<u'='>(0) < text.size() && isOfPatents(string)) removeQueryParam(text, u"VED=");
+    constexpr Units Result = u"VED=";
+    if (findName(text, {Result}) != NotThere && isOfPatents(string)) removeQueryParam(text, Result);
+}
+
+/// The key of what is left of a URL.
+String keyOf(Units text, const String& original, const SimplifyOptions& options) {
     if (options.indexPages) {
-        if (options.sessionIDs && text.view().ends_with(MainPage))
-            text.truncate(text.size() - MainPage.size() + 1);
+        if (options.sessionIDs && text.ends_with(MainPage))
+            text.remove_suffix(MainPage.size() - 1);
         else
-            text.truncate(withoutIndexPage(text.view()).size());
+            text = withoutIndexPage(text);
     }
-    unifyScheme(text);
-    text.truncate(withoutSuffixSlashes(text.view()).size());
-    return lowercased(text, string);
+    StringBuilder out(text.size());
+    const char16_t all = appendWithUnifiedScheme(out, text);
+    out.truncate(withoutSuffixSlashes(out.view()).size());
+    if (all >= 128) {
+        // Outside ASCII the lower case of a text may be longer than the text.
+        std::u16string copy(out.view());
+        lowercase(copy);
+        return copy == original.view() ? original : String(copy);
+    }
+    return out.view() == original.view() ? original : out.finish();
+}
+
+}  // namespace
+
+String simplifiedStringURL(const String& string, const SimplifyOptions& options) {
+    if (string.isEmpty()) return string;
+    if (const Units plain = plainPart(string, options); plain.data())
+        return keyOf(plain, string, options);
+    GapText text(string);
+    removeDifferences(text, string, options);
+    return keyOf(text.view(), string, options);
 }
 
 // The forms of a URL.

@@ -8,6 +8,7 @@
 
 #include "platform/Ascii.h"
 #include "url/Reductions.h"
+#include "url/URLMaker.h"
 #include "url/WebURLWriter.h"
 
 namespace velmo::detail {
@@ -68,7 +69,7 @@ public:
 private:
     URL finished() {
         if (fragment_.isPresent) out_.fragment(fragment_.text);
-        return WebURLs::made(out_.finish());
+        return URLMaker::made(out_.finish());
     }
 
     bool startsWithSlash() const { return !rest_.empty() && out_.isSlash(rest_[0]); }
@@ -227,7 +228,7 @@ URL webURL(Units link, const URL& base, StringEncoding encoding) {
         link = joined;
     }
     // The steps take a base that was read by them.
-    if (base.isAbsent() || WebURLs::isMade(base)) return Parser(link, base, encoding).url();
+    if (base.isAbsent() || URLMaker::isOfWeb(base)) return Parser(link, base, encoding).url();
     const URL read = webURL(base.absoluteString(), URL(), UTF8StringEncoding);
     return read.isAbsent() ? read : Parser(link, read, encoding).url();
 }

@@ -6,16 +6,7 @@
 #include <velmocore/text/Encodings.h>
 #include <velmocore/url/URL.h>
 
-#include "url/Grammar.h"
-
 namespace velmo::detail {
-
-/// What only the URL itself may do otherwise: makes one of a text with known parts, and knows
-/// which were made so. Such a URL may hold what the grammar of RFC 3986 does not.
-struct WebURLs {
-    static URL made(const grammar::Composed& composed);
-    static bool isMade(const URL& url) noexcept;
-};
 
 /// The URL of a link as the URL standard reads it, against a base or, if that is absent, alone.
 /// Absent if it is none. The encoding is that of queries.

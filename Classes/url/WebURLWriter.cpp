@@ -274,10 +274,10 @@ void WebURLWriter::fragment(Units text) {
     parts_[URLPart::Fragment] = spanFrom(start);
 }
 
-grammar::Composed WebURLWriter::finish() {
+String WebURLWriter::finish() {
     if (out_.length() >= grammar::Span::Missing) return {};
     parts_[URLPart::ResourceSpecifier] = spanFrom(parts_[URLPart::Scheme].length + 1);
-    return {out_.finish(), parts_};
+    return grammar::finishedWith({parts_, true}, out_);
 }
 
 }  // namespace velmo::detail

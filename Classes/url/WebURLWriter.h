@@ -7,7 +7,7 @@
 #include <velmocore/text/Encodings.h>
 #include <velmocore/url/URL.h>
 
-#include "url/Grammar.h"
+#include "url/PartedText.h"
 #include "url/SpecialSchemes.h"
 
 namespace velmo::detail {
@@ -19,7 +19,7 @@ bool beginsWithDriveLetter(std::u16string_view text) noexcept;
 
 class WebURLWriter {
 public:
-    explicit WebURLWriter(std::size_t room) : out_(room) {}
+    explicit WebURLWriter(std::size_t room) : out_(room + grammar::TailUnits) {}
 
     /// First of all; in any case.
     void scheme(std::u16string_view name);
@@ -53,7 +53,8 @@ public:
     void queryOf(const URL& base);
     void fragment(std::u16string_view text);
 
-    grammar::Composed finish();
+    /// With its parts; see url/PartedText.h. Absent if it is too long.
+    String finish();
 
 private:
     void beginAuthority();

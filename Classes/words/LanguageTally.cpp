@@ -6,6 +6,7 @@
 
 #include <velmocore/words/Separators.h>
 
+#include "platform/Ascii.h"
 #include "words/RunScan.h"
 
 namespace velmo::detail {
@@ -34,10 +35,11 @@ LanguageTally tallyOfText(std::u16string_view text, const StopWordIndex& index,
         if (run.isMember || run.length() < minLen) return true;
         const std::u16string_view word = text.substr(run.start, run.length());
         tally.all.add(word);
+        const bool isPlain = ascii::isLetter(word.front()) && ascii::isLetter(word.back());
         // Left out of the words among which a script must have half, but not out of all.
-        if (!letters.contains(word.front()) || !letters.contains(word.back())) {
+        if (!isPlain && (!letters.contains(word.front()) || !letters.contains(word.back()))) {
             tally.edgedByNonLetters.add(word);
-        } else if (plain[word.front()] < 128 && plain[word.back()] < 128) {
+        } else if (isPlain || (plain[word.front()] < 128 && plain[word.back()] < 128)) {
             const std::size_t found = index.find(word);
             if (found != StopWordIndex::NoWord)
                 for (std::uint32_t language : index.languagesOf(found))

@@ -36,8 +36,9 @@ public:
     /// A language is not told by fewer words, however often they occur.
     bool hasEnoughWords() const { return distinct_ == words_.size(); }
 
-    void add(std::size_t word) {
-        ++hits_;
+    /// A word that counts for so many.
+    void add(std::size_t word, std::uint64_t count = 1) {
+        hits_ += count;
         if (hasEnoughWords()) return;
         for (std::size_t i = 0; i < distinct_; ++i)
             if (words_[i] == word) return;

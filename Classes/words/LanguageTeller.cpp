@@ -11,6 +11,7 @@
 #include "words/LanguageTeller.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include <velmocore/text/Folding.h>
 #include <velmocore/words/Separators.h>
@@ -44,16 +45,21 @@ constexpr std::uint16_t TraditionalSign = 1, SimplifiedSign = 2, FirstLetterSign
 
 /// A word that many languages have says little about which of them it is, and nothing about
 /// whether it is one that has no list.
-std::int64_t pointsOfWord(std::size_t languages) {
+std::uint64_t pointsOfWord(std::size_t languages) {
     if (languages == 1) return 4;
     if (languages <= 4) return 3;
     return languages <= 8 ? 2 : 1;
 }
 
 bool isAscii(std::u16string_view word) {
-    char16_t all = 0;
-    for (char16_t unit : word) all |= unit;
-    return all < 0x80;
+    std::uint64_t all = 0, four;
+    std::size_t i = 0;
+    for (; word.size() - i >= 4; i += 4) {
+        std::memcpy(&four, word.data() + i, sizeof four);
+        all |= four;
+    }
+    for (; i < word.size(); ++i) all |= word[i];
+    return !(all & 0xFF80FF80FF80FF80);
 }
 
 /// The first row of the script of a row.
@@ -70,8 +76,7 @@ std::uint8_t firstRowOf(const ScriptRow& row) {
 struct LanguageTeller::Signs {
     std::uint64_t words = 0;
     std::array<std::uint64_t, 64> weights{};  // by row of the table and 1
-    std::vector<LanguageHits> hits;           // by language
-    std::vector<std::int64_t> points;         // by language, of words
+    std::vector<LanguageHits> hits;           // by language, in points of words
     std::vector<std::uint32_t> counts;        // by sign
 };
 
@@ -129,17 +134,13 @@ void LanguageTeller::readUnits(std::u16string_view word, Signs& signs) const {
 
 void LanguageTeller::addWord(std::size_t word, Signs& signs) const {
     const auto languages = index_.languagesOf(word);
-    const std::int64_t points = pointsOfWord(languages.size());
-    for (std::uint32_t language : languages) {
-        signs.hits[language].add(word);
-        signs.points[language] += points;
-    }
+    const std::uint64_t points = pointsOfWord(languages.size());
+    for (std::uint32_t language : languages) signs.hits[language].add(word, points);
 }
 
 LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64_t minLen) const {
     Signs signs;
     signs.hits.resize(keys_.size());
-    signs.points.resize(keys_.size());
     signs.counts.resize(letterPoints_.size());
     const std::size_t latin = scripts_['a' / 16];
     forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
@@ -180,7 +181,9 @@ std::size_t LanguageTeller::mainScript(const Signs& signs) const {
 }
 
 std::vector<std::int64_t> LanguageTeller::points(const Signs& signs) const {
-    std::vector<std::int64_t> points = signs.points;
+    std::vector<std::int64_t> points;
+    for (const LanguageHits& hits : signs.hits)
+        points.push_back(static_cast<std::int64_t>(hits.hits()));
     for (std::size_t sign = FirstLetterSign; sign < signs.counts.size(); ++sign)
         if (const std::int64_t count = signs.counts[sign])
             for (std::size_t i = 0; i < points.size(); ++i)

@@ -40,7 +40,12 @@ private:
         std::uint32_t start, length;  // in units_
         std::uint32_t firstLanguage, languages;
     };
-    /// A place of the hash table. Part of the hash saves most looks at the word itself.
+    /// A place of the table of words that PackedWord.h packs.
+    struct PackedSlot {
+        std::uint64_t key = 0;
+        std::uint32_t word = 0;  // as below
+    };
+    /// A place of the table of all others. Part of the hash saves most looks at the word itself.
     struct Slot {
         std::uint32_t tag = 0;
         std::uint32_t word = 0;  // its index and 1; 0 if the place is free
@@ -49,7 +54,13 @@ private:
     std::u16string_view textOf(const Word& word) const {
         return std::u16string_view(units_).substr(word.start, word.length);
     }
+    bool mayHave(std::uint64_t hash) const {
+        return filter_[hash >> filterShift_] >> (hash >> (filterShift_ - 6) & 63) & 1;
+    }
+    void noteInFilter(std::uint64_t hash);
     void place(std::uint32_t word);
+    std::size_t findPacked(std::uint64_t key) const;
+    std::size_t findOther(std::u16string_view word) const;
 
     const ConversionTable& fold_;
     std::u16string units_;
@@ -57,7 +68,12 @@ private:
     std::vector<std::uint32_t> languages_;
     std::vector<std::size_t> counts_;  // of words, by language
     std::size_t longest_ = 0;
-    std::vector<Slot> slots_;  // a power of two
+    std::vector<PackedSlot> packedSlots_;  // a power of two, as all of these
+    std::vector<Slot> slots_;
+    /// Some bits of the hashes of all words: small enough to stay in the nearest cache, it answers
+    /// for most words that no language has.
+    std::vector<std::uint64_t> filter_;
+    unsigned filterShift_ = 0;  // leaves the places in it of a hash
 };
 
 }  // namespace velmo::detail

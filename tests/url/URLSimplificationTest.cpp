@@ -282,5 +282,21 @@ TEST(URLSimplification, TakesLongTexts) {
     EXPECT_LT(stringURLByRemovingEmptyParams(empties).length(), empties.size());
 }
 
+// Where the marks of parameters stand is noted for short texts; a long folder makes a text long.
+TEST(URLSimplification, DoesTheSameWithLongTexts) {
+    std::mt19937 random(12);
+    const auto pieces = test::wordsOf(
+        u"? & ; = /a.php id= &sid=1a ;sid=2 &PHPSESSID=x utm_source= ?utm_term=b &random=1 #c / . %26 %3D a=b ?&p=1 "
+        u"s=1 /login? &cid=3 .html? /index.html & www. ");
+    for (int round = 0; round < 20000; ++round) {
+        std::u16string rest;
+        for (unsigned n = random() % 7; n > 0; --n) rest += pieces[random() % pieces.size()];
+        const std::u16string name(140, u'x');
+        std::u16string expected(simplifiedStringURL(u"https://h.org/x/" + rest));
+        if (const std::size_t x = expected.find(u"/x"); x != expected.npos) expected.replace(x + 1, 1, name);
+        ASSERT_EQ(simplifiedStringURL(u"https://h.org/" + name + u"/" + rest), expected) << utf8(rest);
+    }
+}
+
 }  // namespace
 }  // namespace velmo

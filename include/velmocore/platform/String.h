@@ -236,6 +236,10 @@ public:
     /// The string; the builder is empty again. Nothing written gives the constant
     /// empty string.
     [[nodiscard]] String finish();
+    /// The same with that many units kept behind those of the string, where prepare() has given
+    /// room for them: what was written there stays as long as the string, and is no part of it. It
+    /// is a string of its own even if nothing else was written.
+    [[nodiscard]] String finishWithTail(std::size_t count);
 
 private:
     void grow(std::size_t count);

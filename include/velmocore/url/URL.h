@@ -4,10 +4,10 @@
 #include <cstdint>
 #include <functional>
 #include <iosfwd>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
@@ -15,7 +15,7 @@
 namespace velmo {
 
 namespace detail {
-struct WebURLs;
+struct URLMaker;
 }
 
 /// The parts of a URL, as they stand in it, none with the mark that sets it off.
@@ -69,10 +69,10 @@ public:
     [[nodiscard]] static URL fileURLWithPath(const String& path);
 
     /// Whether there is none.
-    [[nodiscard]] bool isAbsent() const noexcept { return rep_ == nullptr; }
+    [[nodiscard]] bool isAbsent() const noexcept { return string_.isAbsent(); }
 
     /// The whole URL; absent if this is.
-    [[nodiscard]] const String& absoluteString() const noexcept;
+    [[nodiscard]] const String& absoluteString() const noexcept VELMO_LIFETIME { return string_; }
 
     /// A part as it stands, escapes and all, without a copy: lives as long as this URL.
     /// A part that the URL does not have is a view whose data() is null, which becomes
@@ -110,9 +110,7 @@ public:
     [[nodiscard]] URL standardizedURL() const;
 
     /// Whether both are the same text, or both absent.
-    friend bool operator==(const URL& a, const URL& b) noexcept {
-        return a.rep_ == b.rep_ || a.absoluteString() == b.absoluteString();
-    }
+    friend bool operator==(const URL& a, const URL& b) noexcept { return a.string_ == b.string_; }
     /// Order of the texts; absent comes before everything else.
     friend std::strong_ordering operator<=>(const URL& a, const URL& b) noexcept {
         return a.absoluteString() <=> b.absoluteString();
@@ -129,12 +127,11 @@ public:
     [[nodiscard]] std::size_t hash() const noexcept { return absoluteString().hash(); }
 
 private:
-    friend struct detail::WebURLs;
-    struct Rep;
+    friend struct detail::URLMaker;
 
-    explicit URL(std::shared_ptr<const Rep> rep) noexcept : rep_(std::move(rep)) {}
+    explicit URL(String string) noexcept : string_(std::move(string)) {}
 
-    std::shared_ptr<const Rep> rep_;
+    String string_;  // with the places of the parts behind its units
 };
 
 /// Writes the whole URL as text; an absent one writes nothing.

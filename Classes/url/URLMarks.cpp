@@ -1,0 +1,134 @@
+// Sixteen units a step, packed to bytes: what is outside ASCII becomes one of two bytes that no URL
+// holds.
+#include "url/URLMarks.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/Ascii.h"
+#include "text/UnitScan.h"
+
+namespace velmo::detail {
+namespace {
+
+using Word = std::array<std::uint64_t, 2>;
+
+UnitBits bitsOf(const Word& word) noexcept { return UnitBits(word[0], word[1]); }
+
+/// What is looked for, in the order of the members of URLMarks; "other" comes behind.
+struct OfURLs {
+    static constexpr std::string_view Marks = "/.:?#;=%";
+    static constexpr bool HasOther = true;
+    using Words = std::array<Word, Marks.size() + 1>;
+
+    static URLMarks marksOf(const Words& w) noexcept {
+        return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3]), bitsOf(w[4]),
+                bitsOf(w[5]), bitsOf(w[6]), bitsOf(w[7]), bitsOf(w[8])};
+    }
+};
+/// In the order of the members of ParameterMarks.
+struct OfParameters {
+    static constexpr std::string_view Marks = "=&;?";
+    static constexpr bool HasOther = false;
+    using Words = std::array<Word, Marks.size()>;
+
+    static ParameterMarks marksOf(const Words& w) noexcept {
+        return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3])};
+    }
+};
+
+constexpr bool isPlain(char16_t unit) {
+    constexpr std::string_view Units = "-_~!$&'()*+,";
+    return ascii::isLetterOrDigit(unit) ||
+           (unit < 128 && Units.find(static_cast<char>(unit)) != Units.npos);
+}
+
+#if defined(__SSE2__)
+
+constexpr std::uint32_t StepUnits = 16;
+
+/// Marks the bytes of [low, high].
+__m128i bytesInRange(__m128i bytes, char low, char high) {
+    const __m128i offset = _mm_sub_epi8(bytes, _mm_set1_epi8(low));
+    const __m128i beyond = _mm_subs_epu8(offset, _mm_set1_epi8(static_cast<char>(high - low)));
+    return _mm_cmpeq_epi8(beyond, _mm_setzero_si128());
+}
+
+/// Marks the bytes of "other", by what lies between the first and the last plain unit.
+__m128i otherBytes(__m128i bytes) {
+    const auto is = [bytes](char byte) { return _mm_cmpeq_epi8(bytes, _mm_set1_epi8(byte)); };
+    const __m128i plain = _mm_or_si128(bytesInRange(bytes, '!', 'z'), is('~'));
+    const __m128i angles =
+        _mm_cmpeq_epi8(_mm_or_si128(bytes, _mm_set1_epi8(2)), _mm_set1_epi8('>'));
+    const __m128i quotes = _mm_or_si128(is('"'), is('`'));
+    const __m128i holes = _mm_or_si128(_mm_or_si128(angles, quotes),
+                                       _mm_or_si128(bytesInRange(bytes, '[', '^'), is('@')));
+    return _mm_or_si128(holes, _mm_cmpeq_epi8(plain, _mm_setzero_si128()));
+}
+
+/// Notes the marks of sixteen units but for the first few, which have been looked at already.
+template <class Sought>
+void addStep(typename Sought::Words& words, const char16_t* units, std::uint32_t position,
+             std::uint32_t skipped) {
+    const __m128i bytes =
+        _mm_packus_epi16(scan::loadBlock(units), scan::loadBlock(units + scan::BlockUnits));
+    const auto add = [&](std::size_t mark, __m128i found) {
+        const std::uint64_t bits = static_cast<std::uint32_t>(_mm_movemask_epi8(found)) >> skipped;
+        words[mark][position / 64] |= bits << position % 64;
+    };
+    for (std::size_t mark = 0; mark < Sought::Marks.size(); ++mark)
+        add(mark, _mm_cmpeq_epi8(bytes, _mm_set1_epi8(Sought::Marks[mark])));
+    if constexpr (Sought::HasOther) add(Sought::Marks.size(), otherBytes(bytes));
+}
+
+template <class Sought>
+auto find(std::u16string_view text) noexcept {
+    const auto length = static_cast<std::uint32_t>(text.size());
+    typename Sought::Words words{};
+    std::uint32_t i = 0;
+    for (; length - i >= StepUnits; i += StepUnits) addStep<Sought>(words, text.data() + i, i, 0);
+    if (i < length && length > StepUnits) {
+        addStep<Sought>(words, text.data() + length - StepUnits, i, StepUnits - (length - i));
+    } else if (i < length) {
+        char16_t padded[StepUnits];  // with a unit that is no mark
+        std::fill_n(padded, StepUnits, u'a');
+        text.copy(padded, length);
+        addStep<Sought>(words, padded, 0, 0);
+    }
+    return Sought::marksOf(words);
+}
+
+#endif
+
+template <class Sought>
+auto findOneByOne(std::u16string_view text) noexcept {
+    typename Sought::Words words{};
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        std::size_t mark = Sought::Marks.size();
+        if (text[i] < 128) mark = std::min(mark, Sought::Marks.find(static_cast<char>(text[i])));
+        const bool isMark = mark < Sought::Marks.size() || (Sought::HasOther && !isPlain(text[i]));
+        if (isMark) words[mark][i / 64] |= std::uint64_t{1} << i % 64;
+    }
+    return Sought::marksOf(words);
+}
+
+}  // namespace
+
+URLMarks urlMarksOneByOne(std::u16string_view text) noexcept { return findOneByOne<OfURLs>(text); }
+ParameterMarks parameterMarksOneByOne(std::u16string_view text) noexcept {
+    return findOneByOne<OfParameters>(text);
+}
+
+#if defined(__SSE2__)
+URLMarks urlMarksOf(std::u16string_view text) noexcept { return find<OfURLs>(text); }
+ParameterMarks parameterMarksOf(std::u16string_view text) noexcept {
+    return find<OfParameters>(text);
+}
+#else
+URLMarks urlMarksOf(std::u16string_view text) noexcept { return urlMarksOneByOne(text); }
+ParameterMarks parameterMarksOf(std::u16string_view text) noexcept {
+    return parameterMarksOneByOne(text);
+}
+#endif
+
+}  // namespace velmo::detail
