@@ -43,6 +43,9 @@ function(velmo_module name)
     PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
     PRIVATE ${PROJECT_SOURCE_DIR}/Classes)
+  if(VELMO_FUZZ)  # tells the fuzzer which ways an input takes
+    target_compile_options(velmo-${name} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
   list(TRANSFORM MODULE_USES PREPEND velmo::)
   target_link_libraries(velmo-${name} PUBLIC ${MODULE_USES}
     PRIVATE $<BUILD_INTERFACE:velmo_options> fmt::fmt ${MODULE_PRIVATE})
