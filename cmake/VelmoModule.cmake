@@ -49,6 +49,14 @@ function(velmo_module name)
   list(TRANSFORM MODULE_USES PREPEND velmo::)
   target_link_libraries(velmo-${name} PUBLIC ${MODULE_USES}
     PRIVATE $<BUILD_INTERFACE:velmo_options> fmt::fmt ${MODULE_PRIVATE})
+  # What most sources include is compiled once under the sanitizers. The plain builds go without,
+  # so that a missing include is noticed.
+  if(VELMO_SANITIZE AND VELMO_MODULES)
+    target_precompile_headers(velmo-${name} REUSE_FROM velmo-platform)
+  elseif(VELMO_SANITIZE)
+    target_precompile_headers(velmo-${name} PRIVATE <algorithm> <array> <functional> <memory> <optional>
+      <span> <string> <string_view> <vector> <fmt/core.h> <velmocore/platform/String.h>)
+  endif()
   set(VELMO_MODULES ${VELMO_MODULES} ${name} PARENT_SCOPE)
 endfunction()
 
