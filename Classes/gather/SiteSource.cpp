@@ -58,7 +58,6 @@ Error complaint(const String& text) { return gatherError(text.utf8()); }
 /// What makes it the same crawl: where it starts, and how far it goes.
 std::uint64_t crawlOf(const std::vector<URL>& starts, const SiteOptions& options) {
     std::vector<String> keys;
-    keys.reserve(starts.size());
     for (const URL& start : starts) keys.push_back(pageKey(start, options.keys));
     std::ranges::sort(keys);
     std::string all = std::to_string(options.follow) + " " + std::to_string(options.depth);
