@@ -152,10 +152,10 @@ TEST(QueryEvaluation, NestedWindowsDoNotMultiply) {
         {u"-a", u" NEAR/5"}, {u"-a", u" BEFORE"}, {u"-a", u" AFTER"}, {u"(z XOR z)", u" NEAR/9"}};
     const std::size_t words = 60;
     const std::u16string text = repeated(u"a z ", words);
-    for (const auto& [first, op] : cases) {
-        SCOPED_TRACE(utf8(first + op));
-        const auto query = [&](std::size_t depth) {
-            return repeated(u"(a OPT ", depth) + first + repeated(op + u" a)", depth);
+    for (const auto& each : cases) {
+        SCOPED_TRACE(utf8(each.first + each.second));
+        const auto query = [&each](std::size_t depth) {
+            return repeated(u"(a OPT ", depth) + each.first + repeated(each.second + u" a)", depth);
         };
         EXPECT_LT(questionsOf(query(30), text, false), 30 * words * 60);
         // Without its memory the evaluation would fail here: each level multiplies.
