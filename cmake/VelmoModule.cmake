@@ -35,6 +35,17 @@ function(velmo_module name)
 
   add_library(velmo-${name} ${sources} ${stamp})
   velmo_describe(velmo-${name} ${name} "" ${ARGN})
+  if(VELMO_FUZZ)  # tells the fuzzer which ways an input takes
+    target_compile_options(velmo-${name} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+  # What most sources include is compiled once under the sanitizers. The plain builds go without,
+  # so that a missing include is noticed.
+  if(VELMO_SANITIZE AND VELMO_MODULES)
+    target_precompile_headers(velmo-${name} REUSE_FROM velmo-platform)
+  elseif(VELMO_SANITIZE)
+    target_precompile_headers(velmo-${name} PRIVATE <algorithm> <array> <functional> <memory> <optional>
+      <span> <string> <string_view> <vector> <fmt/core.h> <velmocore/platform/String.h>)
+  endif()
   if(BUILD_SHARED_LIBS AND NOT VELMO_SANITIZE)
     set(map ${PROJECT_SOURCE_DIR}/cmake/velmocore.map)
     target_link_options(velmo-${name} PRIVATE LINKER:--version-script=${map})

@@ -65,11 +65,11 @@ void readJob(Job& job, const GatherOptions& options) {
     if (source.complete && !source.error) std::exchange(source.complete, nullptr)(source);
     if (source.error || source.isLeftOut) return;
     if (source.repeats) return readRepeated(job, options);
-    PageRecord& record = job.page.record = readPage(std::move(source), options.reading);
+    PageRecord& record = job.page.record = readPage(std::move(job.source), options.reading);
     job.page.isKept = isKept(record, options);
     if (options.store == nullptr || !job.page.isKept) return;
     if (record.key.isEmpty()) {
-        source.error = detail::gatherError("it has no address");
+        job.source.error = detail::gatherError("it has no address");
         return;
     }
     job.block = dataFromPageRecord(record, options.writing);

@@ -56,8 +56,8 @@ String firstTitle(detail::TagWalk walk) {
 }  // namespace
 
 struct Page::State {
-    State(String text, StringEncoding used, URL from, WebRules rules)
-        : markup(text.isAbsent() ? String::empty() : std::move(text)),
+    State(const String& text, StringEncoding used, URL from, WebRules rules)
+        : markup(text.isAbsent() ? String::empty() : text),
           encoding(used),
           url(std::move(from)),
           web(rules) {}

@@ -261,7 +261,7 @@ public:
         if (text_.size() <= name_.size()) return {};
         for (std::size_t i = 0; i < text_.size() - name_.size(); ++i) {
             if (!isName(i)) continue;
-            if (const String value = valueBehind(i + name_.size()); !value.isAbsent()) return value;
+            if (String value = valueBehind(i + name_.size()); !value.isAbsent()) return value;
         }
         return {};
     }

@@ -23,7 +23,7 @@ bool isWholeElement(const Tag& tag) { return tag.kind != TagKind::Element || has
 
 std::u16string widened(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 
-String absentIfEmpty(String text) { return text.isEmpty() ? String() : text; }
+String absentIfEmpty(const String& text) { return text.isEmpty() ? String() : text; }
 
 /// Writes the tag without its attributes, but for the one that tells where it leads.
 void writeBareTag(const Tag& tag, Units name, PageRebuilder& out) {

@@ -5,6 +5,7 @@
 #include <velmocore/text/Trimming.h>
 
 #include <charconv>
+#include <utility>
 
 #include "platform/Ascii.h"
 
@@ -38,12 +39,13 @@ std::optional<Date> dateOf(const String& value) {
 
 URLResponse responseOfHead(const URL& url, HTTPResponseHead head) {
     const String type = head.headers.value(u"Content-Type");
+    const auto length = lengthOf(head.headers);
     return {.url = url,
             .statusCode = head.statusCode,
-            .headers = head.headers,
+            .headers = std::move(head.headers),
             .MIMEType = MIMETypeOf(type),
             .textEncodingName = headerCharset(type),
-            .expectedContentLength = lengthOf(head.headers)};
+            .expectedContentLength = length};
 }
 
 String created(const URLResponse& response) { return response.headers.value(u"Date"); }

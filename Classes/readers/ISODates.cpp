@@ -2,6 +2,8 @@
 // first separator and by how many digits there are, so that nothing is read twice. Beside the
 // standard, a blank may stand for the T, and a month may have a third digit in front, which some
 // feeds write.
+#include <cmath>
+
 #include "readers/DateFields.h"
 #include "readers/NaturalReading.h"
 
@@ -138,7 +140,7 @@ private:
         if (fraction < 0) return false;
         const double seconds = fraction * unit_;
         fields_.fraction = unit_ == 1 ? seconds : 0;
-        if (unit_ > 1) addSeconds(static_cast<int>(seconds + 0.5));
+        if (unit_ > 1) addSeconds(static_cast<int>(std::lround(seconds)));
         return true;
     }
     void addSeconds(int seconds) {

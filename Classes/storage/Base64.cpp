@@ -22,8 +22,8 @@ constexpr std::uint8_t NoValue = 64;
 constexpr std::array<std::uint8_t, 128> Values = [] {
     std::array<std::uint8_t, 128> values;
     values.fill(NoValue);
-    for (std::uint8_t i = 0; i < Alphabet.size(); ++i)
-        values[static_cast<std::size_t>(Alphabet[i])] = i;
+    std::uint8_t value = 0;
+    for (const char letter : Alphabet) values[static_cast<std::uint8_t>(letter)] = value++;
     return values;
 }();
 

@@ -35,7 +35,7 @@ std::optional<DSStoreAllocator> DSStoreAllocator::allocatorWithFile(DSStoreFile 
 DSStoreAllocator& DSStoreAllocator::operator=(DSStoreAllocator&& other) noexcept {
     if (this == &other) return *this;
     close();
-    DSStoreStream::operator=(std::move(other));
+    DSStoreStream::operator=(static_cast<DSStoreStream&&>(other));
     _root = std::move(other._root);
     _offsets = std::move(other._offsets);
     _numOffsets = other._numOffsets;

@@ -82,7 +82,7 @@ std::shared_ptr<NamedConnection> connectionRegisteredWithName(const String& name
     const auto found = table().find(name);
     if (found == table().end()) return nullptr;
     // Kept beyond its entry: looking whether it is valid may remove that.
-    const std::shared_ptr<NamedConnection> connection = found->second;
+    std::shared_ptr<NamedConnection> connection = found->second;
     if (connection->isValid()) return connection;
     table().erase(name);
     return nullptr;

@@ -45,9 +45,8 @@ constexpr auto MaskBits = [] {
     struct {
         std::uint8_t of[128] = {};
     } bits;
-    const char units[] = {'.', '@', '/', '?', ';', '_', '*', '$'};
-    for (int i = 0; i < 8; ++i)
-        bits.of[static_cast<int>(units[i])] = static_cast<std::uint8_t>(1 << i);
+    const std::uint8_t units[] = {'.', '@', '/', '?', ';', '_', '*', '$'};
+    for (int i = 0; i < 8; ++i) bits.of[units[i]] = static_cast<std::uint8_t>(1 << i);
     return bits;
 }();
 

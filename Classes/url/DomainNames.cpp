@@ -20,7 +20,7 @@ String lettersOf(Units label) {
 
 template <class Shows>
 String inLetters(Units domain, Shows shows) {
-    const String ascii = domainToASCII(domain);
+    String ascii = domainToASCII(domain);
     if (ascii.view().find(u"xn--") == Units::npos) return ascii;
     StringBuilder out(ascii.length());
     for (Units rest = ascii;;) {

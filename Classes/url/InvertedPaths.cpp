@@ -94,8 +94,8 @@ String invertedPathRelativeToDirectory(const URL& url, const String& directory,
     // For the full stop and the extension, so that the name still fits when they are appended.
     const std::size_t room = extension.isEmpty() ? 0 : extension.length() + 1;
     if (!list.empty()) list.back() = detail::fittingComponent(list.back(), room);
-    const String path = list.empty() ? String(directory.isAbsent() ? u"" : directory.view())
-                                     : detail::pathOfComponents(directory, list);
+    String path = list.empty() ? String(directory.isAbsent() ? u"" : directory.view())
+                               : detail::pathOfComponents(directory, list);
     if (room == 0 || path.isEmpty()) return path;
     return std::u16string(path).append(u".").append(extension);
 }

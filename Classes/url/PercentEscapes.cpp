@@ -241,7 +241,7 @@ String stringByAddingPercentEscapesToURL(const String& string,
 String stringByFormattingQueryTerm(const String& term, StringEncoding encoding,
                                    bool defaultPercentEscapes) {
     // In a term, % and # stand for themselves.
-    const String escaped = stringByAddingPercentEscapesToURL(
+    String escaped = stringByAddingPercentEscapesToURL(
         stringByRemovingMultipleWhiteSpaces(term), {.encoding = encoding, .toBeEscaped = u"%#"});
     if (!defaultPercentEscapes || escaped.isEmpty()) return escaped;
     StringBuilder out(escaped.length());

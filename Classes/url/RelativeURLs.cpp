@@ -105,7 +105,7 @@ bool isAbsolute(Units text, std::size_t position) {
 /// and escaped quote marks in one text are all made escaped ones.
 template <class Make>
 URL madeOf(const String& text, StringEncoding encoding, Make make) {
-    const URL url = make(text);
+    URL url = make(text);
     if (!url.isAbsent()) return url;
     const String escaped = stringByAddingPercentEscapesToURL(text, {.encoding = encoding});
     return escaped.isAbsent() || escaped.isIdenticalTo(text) ? URL() : make(escaped);
@@ -177,9 +177,8 @@ URL fileURL(const URL& base, const String& link) {
 }
 
 URL webURL(const URL& base, const String& link, const RelativeURLOptions& options) {
-    const URL url = madeOf(link, options.encoding, [&base](const String& string) {
-        return URL::URLWithString(string, base);
-    });
+    URL url = madeOf(link, options.encoding,
+                     [&base](const String& string) { return URL::URLWithString(string, base); });
     if (!options.standardize || url.isAbsent()) return url;
     const String standard = standardizedStringURL(url);
     const bool isSame = standard.isIdenticalTo(url.absoluteString());

@@ -14,7 +14,7 @@ namespace velmo {
 namespace {
 
 bool hasScheme(const URL& url) { return !url.part(URLPart::Scheme).empty(); }
-URL ifItHasScheme(URL url) { return hasScheme(url) ? url : URL(); }
+URL ifItHasScheme(const URL& url) { return hasScheme(url) ? url : URL(); }
 
 /// Mail and message links often hold what a URL may not.
 bool isMessageLink(std::u16string_view string) {

@@ -234,7 +234,7 @@ URL webURL(Units link, const URL& base, StringEncoding encoding) {
 }
 
 URL urlLike(const URL& other, const String& text) {
-    const URL url = URL::URLWithString(text);
+    URL url = URL::URLWithString(text);
     if (!url.isAbsent() || !URL::URLWithString(other.absoluteString()).isAbsent()) return url;
     return webURL(text, URL(), UTF8StringEncoding);
 }

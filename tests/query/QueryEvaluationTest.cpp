@@ -152,10 +152,10 @@ TEST(QueryEvaluation, NestedWindowsDoNotMultiply) {
         {u"-a", u" NEAR/5"}, {u"-a", u" BEFORE"}, {u"-a", u" AFTER"}, {u"(z XOR z)", u" NEAR/9"}};
     const std::size_t words = 60;
     const std::u16string text = repeated(u"a z ", words);
-    for (const auto& [first, op] : cases) {
-        SCOPED_TRACE(utf8(first + op));
-        const auto query = [&](std::size_t depth) {
-            return repeated(u"(a OPT ", depth) + first + repeated(op + u" a)", depth);
+    for (const auto& each : cases) {
+        SCOPED_TRACE(utf8(each.first + each.second));
+        const auto query = [&each](std::size_t depth) {
+            return repeated(u"(a OPT ", depth) + each.first + repeated(each.second + u" a)", depth);
         };
         EXPECT_LT(questionsOf(query(30), text, false), 30 * words * 60);
         // Without its memory the evaluation would fail here: each level multiplies.
@@ -167,7 +167,9 @@ TEST(QueryEvaluation, NestedWindowsDoNotMultiply) {
 
 // A pair that is asked for on one stretch after the other, which begin or end together.
 TEST(QueryEvaluation, QuestionsGrowWithTheText) {
-    const std::tuple<std::u16string, std::u16string, std::u16string, std::u16string> cases[] = {
+    const struct {
+        std::u16string query, head, part, tail;
+    } cases[] = {
         {u"(a BEFORE -b) BEFORE c", u"", u"a b c ", u"a"},
         {u"(a NEAR/2 -b) BEFORE c", u"", u"a b c ", u"a"},
         {u"(a NEXT -b) AFTER c", u"a ", u"a b c ", u""},
@@ -175,10 +177,11 @@ TEST(QueryEvaluation, QuestionsGrowWithTheText) {
         {u"((z AFTER b) XOR q) BEFORE c", u"", u"b c ", u"b z"},
         {u"((x BEFORE b) BEFORE c) BEFORE d", u"c c c c c x b ", u"c d ", u"c"},
     };
-    for (const auto& [query, head, part, tail] : cases) {
-        SCOPED_TRACE(utf8(query));
-        const auto questions = [&](std::size_t count) {
-            return questionsOf(query, head + repeated(part, count) + tail, query.find(u'x') != View::npos);
+    for (const auto& each : cases) {
+        SCOPED_TRACE(utf8(each.query));
+        const auto questions = [&each](std::size_t count) {
+            const std::u16string text = each.head + repeated(each.part, count) + each.tail;
+            return questionsOf(each.query, text, each.query.find(u'x') != View::npos);
         };
         EXPECT_LT(questions(800), 3 * questions(400));
     }

@@ -62,7 +62,7 @@ fs::path placeOf(const URL& url, const Options& options) {
     const String path = invertedPathRelativeToDirectory(url, u"", {.letterCase = Case::Sensitive});
     const fs::path inside = fs::path(path.utf8()).relative_path().lexically_normal();
     if (inside.empty() || *inside.begin() == "..") throw InputError("no name for a file");
-    const fs::path place = options.output / inside;
+    fs::path place = options.output / inside;
     std::error_code error;
     fs::create_directories(place.parent_path(), error);
     if (error) throw InputError(error.message());

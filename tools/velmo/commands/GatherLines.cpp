@@ -1,6 +1,7 @@
 // JSON lines in, JSON lines out: one object for each, in their order, and nothing else. Nothing in
 // an object depends on other lines, so that the output of any pieces of the input, joined, is that
 // of the whole: an engine of many machines can split it as it likes.
+#include <fmt/core.h>
 #include <unistd.h>
 
 #include <velmocore/gather/JSONLinesSource.h>

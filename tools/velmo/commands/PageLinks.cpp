@@ -35,7 +35,7 @@ URL pageOfLink(const String& link, const URL& base, WebRules web) {
 
 URL urlOfLink(const String& link, const URL& base, bool keepAnchor, WebRules web) {
     const String text = keepAnchor ? link : stringURLWithoutAnchor(link);
-    const URL url = URLRelativeTo(base, text, {.trimAnchor = !keepAnchor, .web = web});
+    URL url = URLRelativeTo(base, text, {.trimAnchor = !keepAnchor, .web = web});
     if (!url.isAbsent()) return url;
     // What is no URL to a browser leads nowhere in one; what is only an anchor to where it stands.
     if (web.resolution) return text.isEmpty() && !link.isEmpty() ? URLWithoutAnchor(base) : URL();

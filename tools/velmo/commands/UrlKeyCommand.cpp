@@ -37,7 +37,7 @@ std::optional<TrackingParameters> ownParameters(Report& report, const std::strin
 /// leave out.
 URL urlOf(const String& text, WebRules web) {
     if (web.resolution || URL::URLWithString(text).isAbsent()) {
-        const URL url = readURL(text, WebRules::today());
+        URL url = readURL(text, WebRules::today());
         if (!url.isAbsent()) return url;
     }
     return readURL(text, {});
