@@ -109,9 +109,9 @@ public:
         hs_scan(
             database_, text.data(), static_cast<unsigned>(text.size()), 0, scratch_,
             [](unsigned id, unsigned long long, unsigned long long, unsigned, void* context) {
-                auto& answer = *static_cast<Answer*>(context);
-                answer.holds = id != answer.negated;
-                return answer.negated == 0 || !answer.holds ? 1 : 0;
+                auto& told = *static_cast<Answer*>(context);
+                told.holds = id != told.negated;
+                return told.negated == 0 || !told.holds ? 1 : 0;
             },
             &answer);
         return answer.holds;
