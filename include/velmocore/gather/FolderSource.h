@@ -46,8 +46,8 @@ private:
     mutable std::optional<std::uint64_t> total_;
 };
 
-/// Where a file stands that was found in a folder: below the base, or without one in its file, without
-/// . and .. however the folder was named. What has a meaning in a URL is escaped.
+/// Where a file stands that was found in a folder: below the base, or without one in its file, with no
+/// dot segments however the folder was named. What has a meaning in a URL is escaped.
 ///
 ///     const URL base = URL::URLWithString(u"http://h.org/a/");
 ///     urlOfFile("site/b c.html", "site", base);      // http://h.org/a/b%20c.html
