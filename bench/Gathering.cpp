@@ -19,6 +19,7 @@
 #include <velmocore/words/LanguageFilter.h>
 
 #include "Corpus.h"
+#include "HtmlParse.h"
 
 namespace velmo::bench {
 namespace {
@@ -137,16 +138,7 @@ htmlSAXHandler makeHandler() {
 Collected collectedOf(const std::string& bytes) {
     static htmlSAXHandler handler = makeHandler();
     Collected page;
-    htmlParserCtxtPtr context =
-        htmlCreateMemoryParserCtxt(bytes.data(), static_cast<int>(bytes.size()));
-    if (!context) return page;
-    htmlSAXHandlerPtr own = context->sax;
-    context->sax = &handler;
-    context->userData = &page;
-    htmlParseDocument(context);
-    context->sax = own;
-    if (context->myDoc) xmlFreeDoc(context->myDoc);
-    htmlFreeParserCtxt(context);
+    parseHtml(bytes, handler, page);
     return page;
 }
 

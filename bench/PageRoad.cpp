@@ -19,6 +19,7 @@
 #include <velmocore/markup/TagStripping.h>
 
 #include "Corpus.h"
+#include "HtmlParse.h"
 
 namespace velmo::bench {
 namespace {
@@ -127,17 +128,7 @@ bool isRaw(const xmlChar* name) {
 
 void parseWithLibxml2(const std::string& page, htmlSAXHandler& handler) {
     Collected collected;
-    htmlParserCtxtPtr context =
-        htmlCreateMemoryParserCtxt(page.data(), static_cast<int>(page.size()));
-    if (!context) return;
-    collected.parser = context;
-    htmlSAXHandlerPtr own = context->sax;
-    context->sax = &handler;
-    context->userData = &collected;
-    htmlParseDocument(context);
-    context->sax = own;
-    if (context->myDoc) xmlFreeDoc(context->myDoc);
-    htmlFreeParserCtxt(context);
+    parseHtml(page, handler, collected);
     benchmark::DoNotOptimize(collected.links.data());
     benchmark::DoNotOptimize(collected.text.data());
 }

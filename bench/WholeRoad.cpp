@@ -25,6 +25,7 @@
 #include <velmocore/words/Words.h>
 
 #include "Corpus.h"
+#include "HtmlParse.h"
 
 namespace velmo::bench {
 namespace {
@@ -147,16 +148,7 @@ htmlSAXHandler makeHandler() {
 
 Collected collectedOf(const std::string& bytes, htmlSAXHandler& handler) {
     Collected page;
-    htmlParserCtxtPtr context =
-        htmlCreateMemoryParserCtxt(bytes.data(), static_cast<int>(bytes.size()));
-    if (!context) return page;
-    htmlSAXHandlerPtr own = context->sax;
-    context->sax = &handler;
-    context->userData = &page;
-    htmlParseDocument(context);
-    context->sax = own;
-    if (context->myDoc) xmlFreeDoc(context->myDoc);
-    htmlFreeParserCtxt(context);
+    parseHtml(bytes, handler, page);
     return page;
 }
 
