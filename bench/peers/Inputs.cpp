@@ -1,9 +1,11 @@
 #include "peers/Inputs.h"
 
 #include <algorithm>
+#include <random>
 
 #include <velmocore/markup/Links.h>
 #include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/text/Lines.h>
 #include <velmocore/url/RelativeURLs.h>
 
 namespace velmo::bench {
@@ -11,7 +13,8 @@ namespace {
 
 Text textOf(const String& units) { return {units, units.utf8()}; }
 
-/// The text with most units of [first, last], over and over.
+/// The lines of the text with most units of [first, last], many times over in random order: a branch
+/// predictor that has learnt the text by heart says nothing of one that comes from the network.
 std::vector<std::string> textRichestIn(char16_t first, char16_t last) {
     constexpr std::size_t Size = 65536;
     const auto members = [=](const String& text) {
@@ -22,9 +25,10 @@ std::vector<std::string> textRichestIn(char16_t first, char16_t last) {
     const auto richest = std::max_element(
         texts.begin(), texts.end(),
         [&](const String& one, const String& other) { return members(one) < members(other); });
-    const std::string& once = corpus().textsUtf8[static_cast<std::size_t>(richest - texts.begin())];
+    const std::vector<String> lines = velmo::lines(*richest);
+    std::mt19937 random(1);
     std::string text;
-    while (text.size() < Size) text += once;
+    while (text.size() < Size) text += lines[random() % lines.size()].utf8();
     return {text};
 }
 
@@ -71,6 +75,15 @@ const std::vector<Text>& urlsOfLinks() {
         return texts;
     }();
     return made;
+}
+
+std::vector<const Text*> shuffled(const std::vector<Text>& texts) {
+    constexpr int Rounds = 32;
+    std::vector<const Text*> order;
+    for (int round = 0; round < Rounds; ++round)
+        for (const Text& text : texts) order.push_back(&text);
+    std::shuffle(order.begin(), order.end(), std::mt19937(1));
+    return order;
 }
 
 }  // namespace velmo::bench

@@ -17,8 +17,8 @@ namespace {
 /// What the callback works on.
 struct Collected {
     std::string_view page;
-    std::vector<std::string> links;
-    std::string text;
+    std::vector<std::string> links = {};
+    std::string text = {};
     bool inHidden = false;  ///< in a script or a style
 };
 
