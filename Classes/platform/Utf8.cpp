@@ -1,12 +1,14 @@
 // Pages are mostly ASCII with islands of longer sequences. The decoder therefore has
 // two gears: sixteen bytes at a time while all are ASCII, and a scalar loop that stays
-// in charge from the first other byte on until some ASCII stands in a row again.
+// in charge from the first other byte on until some ASCII stands in a row again. Where the machine has
+// the means, whole blocks are decoded at once, and the gears serve what is rare.
 #include "platform/Utf8.h"
 
 #include <cstdint>
 
 #include "platform/AsciiRun.h"
 #include "platform/Surrogates.h"
+#include "platform/Utf8Blocks.h"
 
 namespace velmo::detail {
 namespace {
@@ -106,16 +108,32 @@ inline void decodeMixed(const Byte*& in, const Byte* end, char16_t*& out) {
     }
 }
 
+void decodeInGears(const Byte*& in, const Byte* end, char16_t*& out) {
+    while (in < end) {
+        widenAscii(in, end, out);
+        decodeMixed(in, end, out);
+    }
+}
+
+/// By blocks where the machine can, and in gears through those that are not taken, up to where no sequence
+/// goes on: none has more than three bytes behind its first.
+void decodeBlocks(const Byte*& in, const Byte* end, char16_t*& out) {
+    while (true) {
+        decodeUtf8Blocks(in, end, out);
+        if (in == end) return;
+        const Byte* behind = end - in > Utf8Block ? in + Utf8Block : end;
+        for (int i = 0; i < 3 && behind < end && isContinuation(*behind); ++i) ++behind;
+        decodeInGears(in, behind, out);
+    }
+}
+
 }  // namespace
 
 std::size_t decodeUtf8(std::string_view bytes, char16_t* const out) noexcept {
     const Byte* in = reinterpret_cast<const Byte*>(bytes.data());
     const Byte* const end = in + bytes.size();
     char16_t* write = out;
-    while (in < end) {
-        widenAscii(in, end, write);
-        decodeMixed(in, end, write);
-    }
+    canDecodeUtf8Blocks() ? decodeBlocks(in, end, write) : decodeInGears(in, end, write);
     return static_cast<std::size_t>(write - out);
 }
 
