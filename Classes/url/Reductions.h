@@ -38,6 +38,12 @@ std::size_t standardize(char16_t* units, std::size_t length) noexcept;
 /// The text of a URL without user and password; the same string if it has neither.
 String withoutCredentials(const URL& url);
 
+class PlainQuery;
+
+/// What names a session, and what names a campaign, taken out.
 void removeSessionIDs(GapText& text);
+void removeSessionIDs(PlainQuery& query);
+void removeCampaigns(GapText& text);
+void removeCampaigns(PlainQuery& query);
 
 }  // namespace velmo::detail

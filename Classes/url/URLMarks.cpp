@@ -17,13 +17,13 @@ UnitBits bitsOf(const Word& word) noexcept { return UnitBits(word[0], word[1]); 
 
 /// What is looked for, in the order of the members of URLMarks; "other" comes behind.
 struct OfURLs {
-    static constexpr std::string_view Marks = "/.:?#;=%";
+    static constexpr std::string_view Marks = "/.:?#;=&%";
     static constexpr bool HasOther = true;
     using Words = std::array<Word, Marks.size() + 1>;
 
     static URLMarks marksOf(const Words& w) noexcept {
         return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3]), bitsOf(w[4]),
-                bitsOf(w[5]), bitsOf(w[6]), bitsOf(w[7]), bitsOf(w[8])};
+                bitsOf(w[5]), bitsOf(w[6]), bitsOf(w[7]), bitsOf(w[8]), bitsOf(w[9])};
     }
 };
 /// In the order of the members of ParameterMarks.
@@ -38,7 +38,7 @@ struct OfParameters {
 };
 
 constexpr bool isPlain(char16_t unit) {
-    constexpr std::string_view Units = "-_~!$&'()*+,";
+    constexpr std::string_view Units = "-_~!$'()*+,";
     return ascii::isLetterOrDigit(unit) ||
            (unit < 128 && Units.find(static_cast<char>(unit)) != Units.npos);
 }

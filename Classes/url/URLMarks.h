@@ -67,7 +67,7 @@ private:
 };
 
 struct URLMarks {
-    UnitBits slash, dot, colon, question, hash, semicolon, equals, percent;
+    UnitBits slash, dot, colon, question, hash, semicolon, equals, ampersand, percent;
     /// All that may not stand for itself in a URL everywhere behind the scheme, aside from the
     /// marks above: what no URL holds, and @ and brackets.
     UnitBits other;

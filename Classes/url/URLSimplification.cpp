@@ -4,7 +4,9 @@
 // last, as it is one only when nothing follows it.
 #include <velmocore/url/URLSimplification.h>
 
-#include <bit>
+#include <algorithm>
+#include <cstring>
+#include <optional>
 
 #include <velmocore/text/Comparison.h>
 #include <velmocore/text/Normalisation.h>
@@ -14,10 +16,13 @@
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/Pieces.h"
+#include "text/SmallBuffer.h"
 #include "text/Trim.h"
 #include "text/UnitScan.h"
 #include "url/Parameters.h"
+#include "url/PlainQuery.h"
 #include "url/Reductions.h"
+#include "url/RemovedParameters.h"
 
 namespace velmo {
 namespace detail {
@@ -113,16 +118,6 @@ Units withoutScheme(Units text) {
 
 Units withoutSuffixSlashes(Units text) { return trimmedView(text, Ends::Right, OneUnit{u'/'}); }
 
-void removeAnalytics(GapText& text) {
-    static constexpr ParameterName Names[] = {
-        {u"UTM_SOURCE="}, {u"UTM_MEDIUM="},  {u"UTM_CAMPAIGN="},
-        {u"UTM_TERM="},   {u"UTM_CONTENT="}, {u"UTM_NOOVERRIDE="},
-    };
-    static constexpr ParameterList List(Names);
-    for (ParameterFinder finder(text, List, startOfParameters(text)); finder.parameters();)
-        finder.remove(static_cast<std::size_t>(std::countr_zero(finder.parameters())));
-}
-
 void removeQueryParam(GapText& text, Units capitals) {
     std::size_t start = 0;
     for (;;) {
@@ -187,31 +182,29 @@ Units withoutIndexPage(Units text) {
     return text;
 }
 
-/// Appends the text with its ASCII in lower case. Gives all bits of its units.
-char16_t appendLower(StringBuilder& out, Units text) {
-    char16_t* write = out.prepare(text.size());
+/// Writes the text with its ASCII in lower case. Gives all bits of its units.
+char16_t writeLower(char16_t* write, Units text) {
     char16_t all = 0;
     for (const char16_t unit : text) {
         all |= unit;
         *write++ = ascii::toLower(unit);
     }
-    out.commit(text.size());
     return all;
 }
 
-/// The same without http for https, and without "www.".
-char16_t appendWithUnifiedScheme(StringBuilder& out, Units text) {
-    // One page is served with and without both, so that a key has neither.
+/// How many units in front of a text are written otherwise in a key, and what is written there. One
+/// page is served with and without "www." and as http and https, so that a key has neither.
+struct Head {
+    std::size_t length = 0;
+    Units written;
+};
+Head headOf(Units text) {
     const std::size_t http = keyword::beginsWith(text, "HTTP:")    ? 4
                              : keyword::beginsWith(text, "HTTPS:") ? 5
                                                                    : 0;
-    if (http == 0) return appendLower(out, text);
-    out.append(u"http");
-    if (keyword::beginsWith(text.substr(http), "://WWW.")) {
-        out.append(u"://");
-        return appendLower(out, text.substr(http + 7));
-    }
-    return appendLower(out, text.substr(http));
+    if (http == 0) return {};
+    const bool isWWW = keyword::beginsWith(text.substr(http), "://WWW.");
+    return isWWW ? Head{http + 7, u"http://"} : Head{http, u"http"};
 }
 
 constexpr Units MainPage = u"/?page=main.php";
@@ -275,7 +268,7 @@ String stringURLByRemovingAnalytics(const String& string) {
     if (!keyword::contains(string, "UTM_")) return string;
     GapText text(string);
     text.index();
-    removeAnalytics(text);
+    removeCampaigns(text);
     return text.orOriginal(string);
 }
 
@@ -317,11 +310,22 @@ void removeDifferences(GapText& text, const String& string, const SimplifyOption
     text.truncate(standardize(text.data(), text.size()));
     text.index();
     if (options.sessionIDs) removeSessionIDs(text);
-    if (options.analytics) removeAnalytics(text);
+    if (options.analytics) removeCampaigns(text);
     if (options.emptyParams) removeEmptyParams(text);
     // The number of a result, which differs from one search to the next.
     constexpr Units Result = u"VED=";
     if (findName(text, {Result}) != NotThere && isOfPatents(string)) removeQueryParam(text, Result);
+}
+
+/// Whether a slash stands behind another in a path that is not behind a colon; see
+/// firstExtraSlash().
+bool hasExtraSlash(const URLMarks& marks, std::uint32_t path) {
+    const UnitBits slash = marks.slash & UnitBits::below(path), doubled = slash.before(slash);
+    return static_cast<bool>(doubled.without(doubled.behind(marks.colon)));
+}
+
+bool isSame(Units a, Units b) {
+    return a.size() == b.size() && !std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t));
 }
 
 /// The key of what is left of a URL.
@@ -332,24 +336,59 @@ String keyOf(Units text, const String& original, const SimplifyOptions& options)
         else
             text = withoutIndexPage(text);
     }
-    StringBuilder out(text.size());
-    const char16_t all = appendWithUnifiedScheme(out, text);
-    out.truncate(withoutSuffixSlashes(out.view()).size());
-    if (all >= 128) {
-        // Outside ASCII the lower case of a text may be longer than the text.
-        std::u16string copy(out.view());
-        lowercase(copy);
-        return copy == original.view() ? original : String(copy);
-    }
-    return out.view() == original.view() ? original : out.finish();
+    const Head head = headOf(text);
+    text.remove_prefix(head.length);
+    SmallBuffer<char16_t> key(head.written.size() + text.size());
+    char16_t* const rest = std::ranges::copy(head.written, key.data()).out;
+    const char16_t all = writeLower(rest, text);
+    const Units written = withoutSuffixSlashes({key.data(), key.size()});
+    if (all < 128) return isSame(written, original) ? original : String(written);
+    // Outside ASCII the lower case of a text may be longer than the text.
+    std::u16string copy(written);
+    lowercase(copy);
+    return isSame(copy, original) ? original : String(copy);
+}
+
+/// The key of a text in which parameters are only left out, escapes being decoded already; none of
+/// any other text.
+std::optional<String> plainKeyOf(Units text, const URLMarks& marks, const String& original,
+                                 const SimplifyOptions& options) {
+    const auto isInASCII = [](char16_t unit) { return unit > 0 && unit < 128; };
+    if (marks.other && !std::all_of(text.begin(), text.end(), isInASCII)) return std::nullopt;
+    if (options.anchors && marks.hash) text = withoutAnchor(text);
+    const PlainQueryMarks query(marks, text.size());
+    if (!query.arePlain || (options.emptyParams && query.hasEmptyValue())) return std::nullopt;
+    if (hasExtraSlash(marks, query.query)) return std::nullopt;
+    if (query.query == query.size)
+        return keyOf(text.substr(0, lengthWithoutDots(text)), original, options);
+    PlainQuery parameters(text, query);
+    // Results of patents are rare, and their rule comes after all others.
+    if (parameters.present() & bitOf(ResultNumber)) return std::nullopt;
+    if (options.sessionIDs) removeSessionIDs(parameters);
+    if (options.analytics) removeCampaigns(parameters);
+    char16_t units[UnitBits::MostUnits];
+    return keyOf({units, parameters.write(units)}, original, options);
+}
+
+/// The same of a text of up to 128 units.
+std::optional<String> shortKeyOf(const String& string, const SimplifyOptions& options) {
+    const URLMarks marks = urlMarksOf(string);
+    if (!marks.percent) return plainKeyOf(string, marks, string, options);
+    char16_t units[UnitBits::MostUnits];
+    string.view().copy(units, string.length());
+    const Units decoded(units, convertPercentEscapesOfURL(units, string.length(), true));
+    return plainKeyOf(decoded, urlMarksOf(decoded), string, options);
 }
 
 }  // namespace
 
 String simplifiedStringURL(const String& string, const SimplifyOptions& options) {
     if (string.isEmpty()) return string;
-    if (const Units plain = plainPart(string, options); plain.data())
+    if (string.length() <= UnitBits::MostUnits) {
+        if (std::optional<String> key = shortKeyOf(string, options)) return *std::move(key);
+    } else if (const Units plain = plainPart(string, options); plain.data()) {
         return keyOf(plain, string, options);
+    }
     GapText text(string);
     removeDifferences(text, string, options);
     return keyOf(text.view(), string, options);
