@@ -7,6 +7,7 @@
 
 #include "platform/Ascii.h"
 #include "text/UnitScan.h"
+#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -98,6 +99,46 @@ auto find(std::u16string_view text) noexcept {
     return Sought::marksOf(words);
 }
 
+/// A byte for each ASCII unit that is an "other" one.
+constexpr auto OtherUnits = [] {
+    std::array<std::uint8_t, 128> units{};
+    for (char16_t unit = 0; unit < 128; ++unit)
+        units[unit] = !isPlain(unit) && OfURLs::Marks.find(static_cast<char>(unit)) ==
+                                            std::string_view::npos;
+    return units;
+}();
+
+/// The same for machines with AVX-512: 64 units a step, and none is read twice.
+template <class Sought>
+__attribute__((target("avx512bw,avx512vbmi"))) auto findWide(std::u16string_view text) noexcept {
+    typename Sought::Words words{};
+    for (std::size_t i = 0; i < text.size(); i += 64) {
+        const std::size_t left = std::min<std::size_t>(text.size() - i, 64);
+        const std::uint64_t there = ~std::uint64_t{0} >> (64 - left);
+        const char16_t* const units = text.data() + i;
+        const __m256i low = _mm512_maskz_cvtusepi16_epi8(
+            ~__mmask32{0}, _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there), units));
+        __m512i bytes = _mm512_maskz_inserti64x4(0xFF, _mm512_setzero_si512(), low, 0);
+        if (left > 32) {
+            const __m256i high = _mm512_maskz_cvtusepi16_epi8(
+                ~__mmask32{0},
+                _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there >> 32), units + 32));
+            bytes = _mm512_maskz_inserti64x4(0xFF, bytes, high, 1);
+        }
+        for (std::size_t mark = 0; mark < Sought::Marks.size(); ++mark)
+            words[mark][i / 64] =
+                _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(Sought::Marks[mark]));
+        if constexpr (Sought::HasOther) {
+            const __m512i others = _mm512_permutex2var_epi8(
+                _mm512_loadu_si512(OtherUnits.data()), bytes,
+                _mm512_loadu_si512(OtherUnits.data() + 64));
+            words[Sought::Marks.size()][i / 64] =
+                there & (_mm512_test_epi8_mask(others, others) | _mm512_movepi8_mask(bytes));
+        }
+    }
+    return Sought::marksOf(words);
+}
+
 #endif
 
 template <class Sought>
@@ -120,9 +161,11 @@ ParameterMarks parameterMarksOneByOne(std::u16string_view text) noexcept {
 }
 
 #if defined(__SSE2__)
-URLMarks urlMarksOf(std::u16string_view text) noexcept { return find<OfURLs>(text); }
+URLMarks urlMarksOf(std::u16string_view text) noexcept {
+    return scan::hasAvx512() ? findWide<OfURLs>(text) : find<OfURLs>(text);
+}
 ParameterMarks parameterMarksOf(std::u16string_view text) noexcept {
-    return find<OfParameters>(text);
+    return scan::hasAvx512() ? findWide<OfParameters>(text) : find<OfParameters>(text);
 }
 #else
 URLMarks urlMarksOf(std::u16string_view text) noexcept { return urlMarksOneByOne(text); }
