@@ -35,7 +35,8 @@ PlainQueryMarks::PlainQueryMarks(const URLMarks& marks, std::size_t length) noex
     equals = marks.equals & behind;
     ampersands = marks.ampersand & behind;
     const UnitBits separators = ampersands | (marks.question & all);
-    arePlain = !(marks.question & behind) && !separators.before(ampersands) && !separators[size - 1];
+    arePlain =
+        !(marks.question & behind) && !separators.before(ampersands) && !separators[size - 1];
 }
 
 PlainQuery::PlainQuery(std::u16string_view text, const PlainQueryMarks& marks) noexcept

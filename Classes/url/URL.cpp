@@ -77,11 +77,7 @@ std::u16string_view URL::part(URLPart part) const& noexcept {
 }
 
 std::optional<std::uint32_t> URL::port() const noexcept {
-    const std::u16string_view digits = part(URLPart::Port);
-    if (digits.empty()) return std::nullopt;
-    std::uint32_t port = 0;
-    for (char16_t digit : digits) port = port * 10 + static_cast<std::uint32_t>(digit - u'0');
-    return port;
+    return grammar::portOf(part(URLPart::Port));
 }
 
 String URL::path() const { return decodedOrRaw(part(URLPart::Path)); }

@@ -103,8 +103,8 @@ auto find(std::u16string_view text) noexcept {
 constexpr auto OtherUnits = [] {
     std::array<std::uint8_t, 128> units{};
     for (char16_t unit = 0; unit < 128; ++unit)
-        units[unit] = !isPlain(unit) && OfURLs::Marks.find(static_cast<char>(unit)) ==
-                                            std::string_view::npos;
+        units[unit] =
+            !isPlain(unit) && OfURLs::Marks.find(static_cast<char>(unit)) == std::string_view::npos;
     return units;
 }();
 
@@ -129,9 +129,9 @@ __attribute__((target("avx512bw,avx512vbmi"))) auto findWide(std::u16string_view
             words[mark][i / 64] =
                 _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(Sought::Marks[mark]));
         if constexpr (Sought::HasOther) {
-            const __m512i others = _mm512_permutex2var_epi8(
-                _mm512_loadu_si512(OtherUnits.data()), bytes,
-                _mm512_loadu_si512(OtherUnits.data() + 64));
+            const __m512i others =
+                _mm512_permutex2var_epi8(_mm512_loadu_si512(OtherUnits.data()), bytes,
+                                         _mm512_loadu_si512(OtherUnits.data() + 64));
             words[Sought::Marks.size()][i / 64] =
                 there & (_mm512_test_epi8_mask(others, others) | _mm512_movepi8_mask(bytes));
         }
