@@ -49,7 +49,7 @@ Units withoutLastDots(Units host) {
 
 /// "index" or "default" with one of the extensions that servers take for a folder's page.
 bool isIndexPage(Units component) {
-    constexpr std::string_view Extensions[] = {
+    static constexpr std::string_view Extensions[] = {
         "HTML", "PHP",  "HTM",  "ASPX", "ASP", "JSP",  "CFM",   "SHTML", "XHTML", "PHTML",
         "PHP3", "PHP4", "PHP5", "CGI",  "PL",  "JSPX", "JHTML", "MSPX",  "DO",    "PY",
     };
@@ -157,18 +157,18 @@ void sortByName(std::span<Parameter> parameters) {
 
 /// A URL by the grammar, and what its marks tell of it.
 struct MarkedURL {
-    explicit MarkedURL(Units url) : text(url) {
-        if (url.size() > UnitBits::MostUnits) return;
-        marks = urlMarksOf(url);
-        isPlain = !marks.other && !marks.percent;
-    }
+    explicit MarkedURL(Units url)
+        : text(url),
+          marks(isShort() ? urlMarksOf(url) : URLMarks()),
+          isPlain(isShort() && !marks.other && !marks.percent) {}
+
+    bool isShort() const { return text.size() <= UnitBits::MostUnits; }
     Units operator[](URLPart part) const { return (*parts)[part].of(text); }
 
     Units text;
     const grammar::Parts* parts = nullptr;  ///< to be set before they are asked for
     URLMarks marks;                         ///< none of a long text
-    /// Whether the text is short, has no escapes, and nothing but what stands for itself.
-    bool isPlain = false;
+    bool isPlain;  ///< whether it is short, has no escapes, and only what stands for itself
 };
 
 /// The host as a key has it, but for "www.".

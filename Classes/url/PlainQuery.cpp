@@ -7,21 +7,82 @@
 #include <bit>
 
 #include "platform/Ascii.h"
+#include "text/UnitScan.h"
 #include "url/RemovedParameters.h"
 
 namespace velmo::detail {
 namespace {
 
-/// Whether a name, with its =, ends with the text. Names for any case are in capitals.
-bool isAtEnd(std::u16string_view text, const ParameterName& name) {
-    const std::size_t length = name.text.size();
-    if (text.size() < length) return false;
-    const char16_t* const units = text.data() + text.size() - length;
-    // Its last unit is the =. From the start: names that are sought together end alike.
-    for (std::size_t i = 0; i + 1 < length; ++i)
-        if ((name.anyCase ? ascii::toUpper(units[i]) : units[i]) != name.text[i]) return false;
-    return true;
-}
+#if defined(__SSE2__)
+
+constexpr std::size_t StepUnits = 16;
+
+/// A name without its = as bytes, at the end of as many as are looked at in one step, and which of
+/// these are its own.
+struct NameBytes {
+    alignas(StepUnits) std::array<char, StepUnits> bytes{};
+    int own = 0;
+};
+constexpr auto Names = [] {
+    std::array<NameBytes, NumberOfRemovedParameters> names{};
+    for (std::size_t n = 0; n < names.size(); ++n) {
+        const std::u16string_view text = RemovedNames[n].text;
+        for (std::size_t i = 0, at = StepUnits + 1 - text.size(); at < StepUnits; ++i, ++at) {
+            names[n].bytes[at] = static_cast<char>(text[i]);
+            names[n].own |= 1 << at;
+        }
+    }
+    return names;
+}();
+
+/// What stands in front of a =: compared with all of a name at once.
+class UnitsBefore {
+public:
+    UnitsBefore(std::u16string_view text, std::size_t equals) {
+        char16_t padded[StepUnits] = {};  // with a unit that no name has
+        if (equals < StepUnits) text.copy(padded + StepUnits - equals, equals);
+        const char16_t* const units =
+            equals < StepUnits ? padded : text.data() + equals - StepUnits;
+        const __m128i bytes =
+            _mm_packus_epi16(scan::loadBlock(units), scan::loadBlock(units + scan::BlockUnits));
+        const __m128i isLower = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('a' - 1)),
+                                              _mm_cmplt_epi8(bytes, _mm_set1_epi8('z' + 1)));
+        units_[false] = bytes;
+        units_[true] = _mm_xor_si128(bytes, _mm_and_si128(isLower, _mm_set1_epi8(0x20)));
+    }
+
+    bool endWith(std::size_t name) const {
+        const __m128i known =
+            _mm_load_si128(reinterpret_cast<const __m128i*>(Names[name].bytes.data()));
+        const int same =
+            _mm_movemask_epi8(_mm_cmpeq_epi8(units_[RemovedNames[name].anyCase], known));
+        return (Names[name].own & ~same) == 0;
+    }
+
+private:
+    __m128i units_[2];  ///< as they stand, and in capitals
+};
+
+#else
+
+class UnitsBefore {
+public:
+    UnitsBefore(std::u16string_view text, std::size_t equals) : units_(text.substr(0, equals)) {}
+
+    bool endWith(std::size_t name) const {
+        const ParameterName& known = RemovedNames[name];
+        const std::u16string_view text = known.text.substr(0, known.text.size() - 1);
+        return units_.size() >= text.size() &&
+               std::equal(text.rbegin(), text.rend(), units_.rbegin(), [&](char16_t a, char16_t b) {
+                   return a == (known.anyCase ? ascii::toUpper(b) : b);
+               });
+    }
+
+private:
+    std::u16string_view units_;
+};
+
+#endif
 
 }  // namespace
 
@@ -67,9 +128,11 @@ void PlainQuery::find(const UnitBits& equals, std::size_t part) noexcept {
         // In front of the query there is a unit at least, the ?.
         const char16_t third = i < 3 ? u'\0' : text_[i - 3];
         ParameterMask candidates = RemovedList.candidates(text_[i - 1], third);
+        if (!candidates) continue;
+        const UnitsBefore units(text_, i);
         for (; candidates; candidates &= candidates - 1) {
             const auto name = static_cast<std::size_t>(std::countr_zero(candidates));
-            if (!isAtEnd(text_.substr(0, i + 1), RemovedNames[name])) continue;
+            if (!units.endWith(name)) continue;
             names_[part] |= bitOf(name);
             if (i + 1 - RemovedNames[name].text.size() == start) whole_[part] |= bitOf(name);
         }
