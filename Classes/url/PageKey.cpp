@@ -157,14 +157,16 @@ void sortByName(std::span<Parameter> parameters) {
 
 /// A URL by the grammar, and what its marks tell of it.
 struct MarkedURL {
-    explicit MarkedURL(Units url)
-        : text(url),
+    explicit MarkedURL(const String& url)
+        : string(url),
+          text(url),
           marks(isShort() ? urlMarksOf(url) : URLMarks()),
           isPlain(isShort() && !marks.other && !marks.percent) {}
 
     bool isShort() const { return text.size() <= UnitBits::MostUnits; }
     Units operator[](URLPart part) const { return (*parts)[part].of(text); }
 
+    const String& string;
     Units text;
     const grammar::Parts* parts = nullptr;  ///< to be set before they are asked for
     URLMarks marks;                         ///< none of a long text
@@ -186,18 +188,6 @@ struct KeyHost {
     }
 
 private:
-    /// Whether it is its own ASCII form but for its case: no address, no label that says it is
-    /// encoded, no dots at the end.
-    static bool isPlainDomain(Units host) {
-        if (host.empty() || host.back() == u'.') return false;
-        const std::size_t label = host.rfind(u'.') + 1;
-        if (ascii::isDigit(host[label])) return false;
-        for (std::size_t dash = indexOf(host, u'-'); dash < host.size();
-             dash = indexOf(host, u'-', dash + 1))
-            if (host.substr(dash + 1).starts_with(u'-')) return false;
-        return true;
-    }
-
     /// The ASCII form; absent if there is none, or one that a URL holds in escapes only.
     static String convertedDomain(Units host) {
         StringBuilder out;
@@ -223,23 +213,29 @@ public:
           host_(url, special_),
           out_(url.text.size() + host_.converted.length() + 4 + escapes::CopySlack) {}
 
+    /// The URL itself if it is its key.
     String key() {
+        write();
+        const String& url = url_.string;
+        return isSame(out_.view(), url) ? url : String(out_.view());
+    }
+
+private:
+    void write() {
         const Units scheme = url_[URLPart::Scheme];
         const bool isFile = keyword::equals(scheme, "FILE");
         if (scheme.data()) writeScheme(scheme);
         if (!url_[URLPart::Authority].data() && !isFile) {
             out_.append(withoutAnchor(url_.text).substr(scheme.data() ? scheme.size() + 1 : 0));
-            return out_.view();
+            return;
         }
         out_.append(u"//");
         writeHost();
         writePath(options_.indexPages && !isFile);
         writeQuery();
         writeAddress();
-        return out_.view();
     }
 
-private:
     void writeScheme(Units scheme) {
         // With the port of the other one it is a place of its own.
         const bool isFolded =

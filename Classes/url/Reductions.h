@@ -2,6 +2,7 @@
 // chain of them makes one string.
 #pragma once
 
+#include <cstring>
 #include <string_view>
 
 #include <velmocore/url/URL.h>
@@ -15,6 +16,12 @@ namespace velmo::detail {
 inline std::size_t indexOf(std::u16string_view text, char16_t unit, std::size_t from = 0) noexcept {
     const char16_t* const start = text.data();
     return static_cast<std::size_t>(scan::find(start + from, start + text.size(), unit) - start);
+}
+
+/// Whether two texts are the same. The one of the standard library compares unit by unit.
+inline bool isSame(std::u16string_view a, std::u16string_view b) noexcept {
+    return a.size() == b.size() &&
+           (a.empty() || !std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)));
 }
 
 /// The path of a URL with its parameters, as it stands there.

@@ -5,7 +5,6 @@
 #include <velmocore/url/URLSimplification.h>
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 
 #include <velmocore/text/Comparison.h>
@@ -322,10 +321,6 @@ void removeDifferences(GapText& text, const String& string, const SimplifyOption
 bool hasExtraSlash(const URLMarks& marks, std::uint32_t path) {
     const UnitBits slash = marks.slash & UnitBits::below(path), doubled = slash.before(slash);
     return static_cast<bool>(doubled.without(doubled.behind(marks.colon)));
-}
-
-bool isSame(Units a, Units b) {
-    return a.size() == b.size() && !std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t));
 }
 
 /// The key of what is left of a URL.
