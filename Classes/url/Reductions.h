@@ -42,6 +42,20 @@ bool isStandardized(std::u16string_view text) noexcept;
 /// Collapses slashes and cuts trailing dots off, in place. Gives the new length.
 std::size_t standardize(char16_t* units, std::size_t length) noexcept;
 
+/// The length of a path without "/." and "/.." at its end, or without "." and ".." if that is all.
+std::size_t lengthWithoutDots(std::u16string_view text) noexcept;
+/// The text without an index page at its end.
+std::u16string_view withoutIndexPage(std::u16string_view text) noexcept;
+inline std::u16string_view withoutSuffixSlashes(std::u16string_view text) noexcept {
+    while (text.ends_with(u'/')) text.remove_suffix(1);
+    return text;
+}
+
+/// Takes out the parameters of a name, which is given in capitals with its =, and those without a
+/// value.
+void removeQueryParam(GapText& text, std::u16string_view capitals);
+void removeEmptyParams(GapText& text);
+
 /// The text of a URL without user and password; the same string if it has neither.
 String withoutCredentials(const URL& url);
 
