@@ -83,26 +83,45 @@ std::optional<URL> absoluteURL(PlainLink& link) {
     return URLMaker::made(link.text, {parts});
 }
 
-/// Whether the URL standard escapes nothing of the link, and no escape can be a dot of a segment.
-bool isPlainOnTheWeb(const PlainLink& link) {
-    const Units query = link.text.substr(link.query);
-    return !(link.marks.percent & link.beforeQuery()) && indexOf(query, u'\'') == query.size();
+/// Whether a dot is written as an escape, which the URL standard takes for one in dot segments.
+bool hasEscapedDot(Units text) {
+    for (std::size_t i = indexOf(text, u'%'); i < text.size(); i = indexOf(text, u'%', i + 1))
+        if (text.size() - i > 2 && text[i + 1] == u'2' && (text[i + 2] | 0x20) == u'e') return true;
+    return false;
 }
 
-/// A URL of its own that the standard leaves as it is: its host is a domain in lower case without a
-/// port, and it has a path.
+/// Whether the standard escapes nothing of the link, and has no dot segments that the marks do not
+/// tell.
+bool isPlainOnTheWeb(const PlainLink& link) {
+    if (link.marks.percent && hasEscapedDot(link.text.substr(0, link.query))) return false;
+    const Units query = link.text.substr(link.query);
+    return indexOf(query, u'\'') == query.size();
+}
+
+/// Whether the standard leaves the authority as it is: a domain in lower case, and no port.
+bool isPlainAuthority(Units text, const Parts& parts) {
+    const Units host = parts[URLPart::Host].of(text);
+    return host.size() == parts[URLPart::Authority].length && isPlainDomain(host) &&
+           indexOf(host, u'%') == host.size() &&
+           std::none_of(host.begin(), host.end(), ascii::isUpper<char16_t>);
+}
+
+/// A URL of its own that the standard leaves as it is, but for a slash behind a host that ends it.
 std::optional<URL> absoluteWebURL(PlainLink& link) {
     if (!lengthOfWebScheme(link.text)) return std::nullopt;
     if (unevenSlashes(link.marks, link.beforeQuery())) return std::nullopt;
     link.marks.hash = UnitBits();
     Parts parts;
     if (!grammar::cutByMarks(link.text, link.marks, parts)) return std::nullopt;
-    const Units host = parts[URLPart::Host].of(link.text);
-    if (host.size() != parts[URLPart::Authority].length || !isPlainDomain(host) ||
-        std::any_of(host.begin(), host.end(), ascii::isUpper<char16_t>) ||
-        parts.wholePath().length == 0)
-        return std::nullopt;
-    return URLMaker::made(link.text, {parts, true});
+    if (!isPlainAuthority(link.text, parts)) return std::nullopt;
+    if (parts[URLPart::Path].length > 0) return URLMaker::made(link.text, {parts, true});
+    if (parts[URLPart::Authority].end() < link.size) return std::nullopt;
+    StringBuilder out(link.size + 1 + grammar::TailUnits);
+    out.append(link.text);
+    out.append(u'/');
+    parts[URLPart::Path].length = 1;
+    ++parts[URLPart::ResourceSpecifier].length;
+    return URLMaker::made(grammar::finishedWith({parts, true}, out));
 }
 
 /// The folder of the base without the last of its own: no folder is above the root.
