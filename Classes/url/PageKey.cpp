@@ -152,7 +152,7 @@ public:
 private:
     void write() {
         const Units scheme = url_[URLPart::Scheme];
-        const bool isFile = keyword::equals(scheme, "FILE");
+        const bool isFile = special_ && special_->port == 0;
         if (scheme.data()) writeScheme(scheme);
         if (!url_[URLPart::Authority].data() && !isFile) {
             out_.append(withoutAnchor(url_.text).substr(scheme.data() ? scheme.size() + 1 : 0));
@@ -168,7 +168,7 @@ private:
     void writeScheme(Units scheme) {
         // With the port of the other one it is a place of its own.
         const bool isFolded =
-            options_.foldScheme && keyword::equals(scheme, "HTTPS") && port() != 80;
+            options_.foldScheme && special_ && special_->name == "HTTPS" && port() != 80;
         out_.appendLower(isFolded ? scheme.substr(0, 4) : scheme);
         out_.append(u':');
     }
