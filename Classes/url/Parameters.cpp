@@ -71,11 +71,12 @@ ParameterFinder::ParameterFinder(GapText& text, const ParameterList& list, Param
     locateFrom(startOfParameters(text), sought);
 }
 
-/// Looks for the first place of each name wanted; none of them stands in front of the start.
+/// Looks for the first place of each name wanted; none of them stands in front of the start. Ends at
+/// the last that is found, so that a name that comes again and again is sought in one walk all in all.
 void ParameterFinder::locateFrom(std::size_t start, ParameterMask wanted) {
     if (text_.size() < 2) return;
-    for (std::size_t i = text_.find<u'='>(std::max<std::size_t>(start, 1)); i < text_.size();
-         i = text_.find<u'='>(i + 1))
+    for (std::size_t i = text_.find<u'='>(std::max<std::size_t>(start, 1));
+         i < text_.size() && (wanted & ~present_); i = text_.find<u'='>(i + 1))
         locate(i, wanted);
 }
 
