@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include <velmocore/url/URL.h>
@@ -77,6 +78,14 @@ String resolved(const Reference& reference, const Reference& base);
 
 /// The text with the dot segments of its path removed, likewise.
 String withoutDotSegments(const Reference& reference);
+
+/// The number of the digits of a port, which has been cut; none if there are no digits.
+constexpr std::optional<std::uint32_t> portOf(std::u16string_view digits) noexcept {
+    if (digits.empty()) return std::nullopt;
+    std::uint32_t port = 0;
+    for (const char16_t digit : digits) port = port * 10 + static_cast<std::uint32_t>(digit - u'0');
+    return port;
+}
 
 /// Whether the unit may stand in a path as it is, slashes included.
 bool isPathUnit(char16_t unit) noexcept;

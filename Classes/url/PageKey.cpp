@@ -1,19 +1,25 @@
-// A key is written once, from left to right, into the string that it becomes: scheme, host and
-// port, then the path, which is put right in its place, and the query part by part. Nothing that is
-// written gets longer than it was, but for the slash behind a file's scheme.
+// A key is written once, from left to right, into one buffer: scheme, host and port, then the path,
+// which is put right in its place, and the query part by part. Nothing that is written gets longer
+// than it was, but for the slash behind a file's scheme and a host that is written in another form.
 //
 // A key must be its own key, so that whatever is left out is looked for in what stands there then:
 // escapes are decoded before dots, sessions and index pages are looked for, and those are taken off
 // the end as long as there are any.
+//
+// Most URLs have no escapes, a host in ASCII and nothing to put right in the path: their marks
+// (see URLMarks.h) tell that at once, and then there is nothing to do but to copy.
 #include <velmocore/url/PageKey.h>
 
 #include <algorithm>
 #include <array>
-#include <vector>
+#include <optional>
+#include <span>
 
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
+#include "text/SmallBuffer.h"
 #include "url/Escapes.h"
+#include "url/KeyUnits.h"
 #include "url/Reductions.h"
 #include "url/SessionNames.h"
 #include "url/SpecialSchemes.h"
@@ -26,48 +32,6 @@ namespace {
 using namespace detail;
 using Units = std::u16string_view;
 
-/// What may stand for itself in a path, and in a query besides: escaped or not it says the same.
-constexpr std::array<bool, 128> unitsOf(std::string_view others) {
-    std::array<bool, 128> table{};
-    for (char16_t unit = 0; unit < 128; ++unit)
-        table[unit] = ascii::isLetterOrDigit(unit) ||
-                      others.find(static_cast<char>(unit)) != std::string_view::npos;
-    return table;
-}
-constexpr auto PlainInPath = unitsOf("-._~!$'()*,:@+&");
-constexpr auto PlainInQuery = unitsOf("-._~!$'()*,:@/?");
-
-/// Appends units with their escapes decoded where these need not be, and in capitals elsewhere.
-void appendDecoded(StringBuilder& out, Units units, const std::array<bool, 128>& plain) {
-    char16_t* write = out.prepare(units.size());
-    const char16_t* const start = write;
-    for (std::size_t i = 0; i < units.size(); ++i) {
-        // A URL has no broken escapes.
-        if (units[i] != u'%') {
-            *write++ = units[i];
-            continue;
-        }
-        const unsigned byte = ascii::hexValue(units[i + 1]) << 4 | ascii::hexValue(units[i + 2]);
-        if (byte < 128 && plain[byte]) {
-            *write++ = static_cast<char16_t>(byte);
-        } else if (byte == ' ' && &plain == &PlainInQuery) {
-            *write++ = u'+';
-        } else {
-            *write++ = u'%';
-            *write++ = ascii::toUpper(units[i + 1]);
-            *write++ = ascii::toUpper(units[i + 2]);
-        }
-        i += 2;
-    }
-    out.commit(static_cast<std::size_t>(write - start));
-}
-
-void appendLower(StringBuilder& out, Units units) {
-    char16_t* const write = out.prepare(units.size());
-    std::transform(units.begin(), units.end(), write, ascii::toLower<char16_t>);
-    out.commit(units.size());
-}
-
 Units withoutLastDots(Units host) {
     while (host.ends_with(u'.')) host.remove_suffix(1);
     return host;
@@ -75,7 +39,7 @@ Units withoutLastDots(Units host) {
 
 /// "index" or "default" with one of the extensions that servers take for a folder's page.
 bool isIndexPage(Units component) {
-    constexpr std::string_view Extensions[] = {
+    static constexpr std::string_view Extensions[] = {
         "HTML", "PHP",  "HTM",  "ASPX", "ASP", "JSP",  "CFM",   "SHTML", "XHTML", "PHTML",
         "PHP3", "PHP4", "PHP5", "CGI",  "PL",  "JSPX", "JHTML", "MSPX",  "DO",    "PY",
     };
@@ -88,90 +52,181 @@ bool isIndexPage(Units component) {
     return false;
 }
 
-/// A parameter with its name and its value, in a text that lives elsewhere.
+/// A parameter with its name and its value, in a text that lives elsewhere. Not initialised, so
+/// that arrays of them cost nothing.
 struct Parameter {
-    Units text;
+    const char16_t* units;
+    std::size_t length, nameLength;
 
-    Units name() const { return text.substr(0, text.find(u'=')); }
-    Units value() const {
-        const std::size_t equals = text.find(u'=');
-        return equals == Units::npos ? Units() : text.substr(equals + 1);
+    static Parameter of(Units text) { return {text.data(), text.size(), indexOf(text, u'=')}; }
+
+    Units text() const { return {units, length}; }
+    Units name() const { return {units, nameLength}; }
+    Units value() const { return text().substr(std::min(nameLength + 1, length)); }
+    bool isEmpty() const { return nameLength + 1 == length; }
+};
+
+/// Sorts by name; those of one name keep their order. Few of them, as nearly all queries have, are
+/// sorted without room beside them.
+void sortByName(std::span<Parameter> parameters) {
+    const auto isBefore = [](const Parameter& a, const Parameter& b) {
+        return a.name() < b.name();
+    };
+    constexpr std::size_t Few = 16;
+    if (parameters.size() > Few)
+        return std::stable_sort(parameters.begin(), parameters.end(), isBefore);
+    for (std::size_t i = 1; i < parameters.size(); ++i) {
+        const Parameter parameter = parameters[i];
+        std::size_t place = i;
+        for (; place > 0 && isBefore(parameter, parameters[place - 1]); --place)
+            parameters[place] = parameters[place - 1];
+        parameters[place] = parameter;
+    }
+}
+
+/// A URL by the grammar, and what its marks tell of it.
+struct MarkedURL {
+    explicit MarkedURL(const String& url)
+        : string(url),
+          text(url),
+          marks(isShort() ? urlMarksOf(url) : URLMarks()),
+          isPlain(isShort() && !marks.other && !marks.percent) {}
+
+    bool isShort() const { return text.size() <= UnitBits::MostUnits; }
+    Units operator[](URLPart part) const { return (*parts)[part].of(text); }
+
+    const String& string;
+    Units text;
+    const grammar::Parts* parts = nullptr;  ///< to be set before they are asked for
+    URLMarks marks;                         ///< none of a long text
+    bool isPlain;  ///< whether it is short, has no escapes, and only what stands for itself
+};
+
+/// The host as a key has it, but for "www.".
+struct KeyHost {
+    bool isDomain = false;
+    String converted;  ///< absent if it is the host in lower case
+
+    KeyHost(const MarkedURL& url, bool isSpecial) {
+        const Units host = url[URLPart::Host];
+        if (!isSpecial) return;
+        isDomain = url.isPlain && isPlainDomain(host);
+        if (isDomain) return;
+        converted = convertedDomain(withoutLastDots(host));
+        isDomain = !converted.isAbsent();
+    }
+
+private:
+    /// The ASCII form; absent if there is none, or one that a URL holds in escapes only.
+    static String convertedDomain(Units host) {
+        StringBuilder out;
+        if (!appendDomainHost(out, host)) return {};
+        if (out.back() == u'.') {
+            // Letters of people may become dots at its end; what is left may be an address.
+            const std::u16string rest(withoutLastDots(out.view()));
+            out.truncate(0);
+            if (!appendDomainHost(out, rest)) return {};
+        }
+        const Units written = out.view();
+        const bool isOfURLs = std::all_of(written.begin(), written.end(), grammar::isURLUnit);
+        return isOfURLs ? out.finish() : String();
     }
 };
 
 class KeyWriter {
 public:
-    KeyWriter(const URL& url, const PageKeyOptions& options)
-        : url_(url), options_(options), out_(url.absoluteString().length() + 4) {}
+    KeyWriter(const MarkedURL& url, const PageKeyOptions& options)
+        : url_(url),
+          options_(options),
+          special_(specialSchemeNamed(url[URLPart::Scheme])),
+          host_(url, special_),
+          out_(url.text.size() + host_.converted.length() + 4 + escapes::CopySlack) {}
 
+    /// The URL itself if it is its key.
     String key() {
-        const Units scheme = url_.part(URLPart::Scheme);
-        const bool isFile = url_.isFileURL();
+        write();
+        const String& url = url_.string;
+        return isSame(out_.view(), url) ? url : String(out_.view());
+    }
+
+private:
+    void write() {
+        const Units scheme = url_[URLPart::Scheme];
+        const bool isFile = special_ && special_->port == 0;
         if (scheme.data()) writeScheme(scheme);
-        if (!url_.part(URLPart::Authority).data() && !isFile) {
-            const Units whole = withoutAnchor(url_.absoluteString());
-            out_.append(whole.substr(scheme.data() ? scheme.size() + 1 : 0));
-            return out_.finish();
+        if (!url_[URLPart::Authority].data() && !isFile) {
+            out_.append(withoutAnchor(url_.text).substr(scheme.data() ? scheme.size() + 1 : 0));
+            return;
         }
         out_.append(u"//");
         writeHost();
         writePath(options_.indexPages && !isFile);
         writeQuery();
         writeAddress();
-        return out_.finish();
     }
 
-private:
     void writeScheme(Units scheme) {
         // With the port of the other one it is a place of its own.
         const bool isFolded =
-            options_.foldScheme && url_.port() != 80 && keyword::equals(scheme, "HTTPS");
-        appendLower(out_, isFolded ? scheme.substr(0, 4) : scheme);
+            options_.foldScheme && special_ && special_->name == "HTTPS" && port() != 80;
+        out_.appendLower(isFolded ? scheme.substr(0, 4) : scheme);
         out_.append(u':');
     }
 
+    std::optional<std::uint32_t> port() const { return grammar::portOf(url_[URLPart::Port]); }
+
     void writeHost() {
-        const SpecialScheme* const special = specialSchemeNamed(url_.part(URLPart::Scheme));
         hostStart_ = out_.length();
-        const bool isDomain = special && appendDomain(url_.part(URLPart::Host));
-        if (!isDomain) appendLower(out_, withoutLastDots(url_.part(URLPart::Host)));
-        if (isDomain && options_.foldWWW) removeWWW();
+        if (host_.converted.isAbsent())
+            out_.appendLower(withoutLastDots(url_[URLPart::Host]));
+        else
+            out_.append(host_.converted.view());
+        if (host_.isDomain && options_.foldWWW) removeWWW();
         hostEnd_ = out_.length();
-        const auto port = url_.port();
-        if (port && !(special && *port == special->port)) {
+        const auto port = this->port();
+        if (port && !(special_ && *port == special_->port)) {
             out_.append(u':');
             for (const char digit : std::to_string(*port))
                 out_.append(static_cast<char16_t>(digit));
         }
     }
 
-    /// The host in its ASCII form. False if it has none, or one that a URL holds in escapes only.
-    bool appendDomain(Units host) {
-        if (!appendDomainHost(out_, withoutLastDots(host))) return false;
-        if (out_.back() == u'.') {
-            // Letters of people may become dots at its end; what is left may be an address.
-            const std::u16string rest(withoutLastDots(out_.view().substr(hostStart_)));
-            out_.truncate(hostStart_);
-            if (!appendDomainHost(out_, rest)) return false;
-        }
-        const Units written = out_.view().substr(hostStart_);
-        if (std::all_of(written.begin(), written.end(), grammar::isURLUnit)) return true;
-        out_.truncate(hostStart_);
-        return false;
-    }
-
     /// "www." alone in front of an ending is a name like any other.
     void removeWWW() {
-        Units host = out_.view().substr(hostStart_);
+        Units host = out_.from(hostStart_);
         while (host.starts_with(u"www.") && host.find(u'.', 4) != Units::npos)
             host.remove_prefix(4);
-        std::char_traits<char16_t>::move(out_.data() + hostStart_, host.data(), host.size());
-        out_.truncate(hostStart_ + host.size());
+        out_.truncate(hostStart_);
+        out_.appendOwn(host.data(), host.size());
     }
 
     void writePath(bool withoutIndex) {
         const std::size_t start = out_.length();
-        appendDecoded(out_, wholePathOf(url_), PlainInPath);
+        const grammar::Span path = url_.parts->wholePath();
+        if (isSettled(path)) {
+            out_.append(path.of(url_.text));
+            if (path.length > 0 && out_.view().back() == u'/') out_.truncate(out_.length() - 1);
+        } else {
+            writeComponents(path.of(url_.text), start);
+        }
+        while (withoutIndex && out_.length() > start && isIndexPage(lastComponent(start)))
+            dropLastComponent(start);
+        if (out_.length() == start) out_.append(u'/');
+    }
+
+    /// Whether there is nothing to put right in a path but a slash at its end.
+    bool isSettled(grammar::Span path) const {
+        if (!url_.isPlain) return false;
+        const URLMarks& marks = url_.marks;
+        const UnitBits units = UnitBits::below(path.end()).without(UnitBits::below(path.location));
+        const UnitBits slash = marks.slash & units, uneven = slash | (marks.dot & units);
+        if (slash.before(uneven) || ((marks.equals | marks.semicolon) & units)) return false;
+        const Units text = path.of(url_.text);
+        return (text.empty() || text[0] == u'/') && indexOf(text, u'(') == text.size();
+    }
+
+    void writeComponents(Units path, std::size_t start) {
+        out_.appendDecoded(path, PlainInPath);
         const std::size_t end = out_.length();
         // What is written here never gets before what is read.
         out_.truncate(start);
@@ -182,9 +237,6 @@ private:
             from += length + 1;
             writeComponent(component, length, start);
         }
-        while (withoutIndex && out_.length() > start && isIndexPage(lastComponent(start)))
-            dropLastComponent(start);
-        if (out_.length() == start) out_.append(u'/');
     }
 
     void writeComponent(char16_t* units, std::size_t length, std::size_t start) {
@@ -194,11 +246,9 @@ private:
         if (component == u"..") return dropLastComponent(start);
         if (options_.sessionIDs && isSessionComponent(component)) return;
         // Some write parameters as folders.
-        if (component.find(u'=') != Units::npos && isTracking(Parameter{component}.name())) return;
-        char16_t* const write = out_.prepare(length + 1);
-        std::char_traits<char16_t>::move(write + 1, units, length);
-        *write = u'/';
-        out_.commit(length + 1);
+        if (component.find(u'=') != Units::npos && isTracking(Parameter::of(component).name()))
+            return;
+        out_.appendComponent(units, length);
     }
 
     /// Takes the sessions out of a component's parameters, and gives the length that is left.
@@ -210,7 +260,7 @@ private:
         std::size_t write = start;
         while (start < length) {
             const std::size_t end = std::min(component.find(u';', start + 1), length);
-            const Parameter parameter{component.substr(start + 1, end - start - 1)};
+            const Parameter parameter = Parameter::of(component.substr(start + 1, end - start - 1));
             const bool isClient = hasToken && keyword::equals(parameter.name(), "CFID");
             if (!isClient && !isSessionParameter(parameter.name(), parameter.value())) {
                 std::char_traits<char16_t>::move(units + write, units + start, end - start);
@@ -222,33 +272,40 @@ private:
     }
 
     Units lastComponent(std::size_t start) const {
-        const Units path = out_.view().substr(start);
+        const Units path = out_.from(start);
         return path.substr(path.rfind(u'/') + 1);
     }
     void dropLastComponent(std::size_t start) {
-        const std::size_t slash = out_.view().substr(start).rfind(u'/');
+        const std::size_t slash = out_.from(start).rfind(u'/');
         if (slash != Units::npos) out_.truncate(start + slash);
     }
 
     void writeQuery() {
-        const Units query = url_.part(URLPart::Query);
+        Units query = url_[URLPart::Query];
         if (query.empty()) return;
-        StringBuilder decoded(query.size());
-        appendDecoded(decoded, query, PlainInQuery);
-        std::vector<Parameter> kept;
-        for (Units rest = decoded.view(); !rest.empty();) {
-            const Parameter parameter{rest.substr(0, endOfParameter(rest))};
-            rest.remove_prefix(std::min(parameter.text.size() + 1, rest.size()));
-            if (isKept(parameter)) kept.push_back(parameter);
+        SmallBuffer<char16_t> decoded(url_.isPlain ? 0 : query.size() + escapes::CopySlack);
+        if (!url_.isPlain)
+            query = {decoded.data(), writeDecoded(decoded.data(), query, PlainInQuery)};
+        // Between two that are kept stands a separator.
+        SmallBuffer<Parameter, UnitBits::MostUnits / 2 + 1> kept(query.size() / 2 + 1);
+        std::size_t count = 0;
+        const bool hasSemicolon = indexOf(query, u';') < query.size();
+        for (Units rest = query; !rest.empty();) {
+            const std::size_t end = hasSemicolon ? endOfParameter(rest) : indexOf(rest, u'&');
+            const Parameter parameter = Parameter::of(rest.substr(0, end));
+            rest.remove_prefix(std::min(end + 1, rest.size()));
+            if (isKept(parameter)) kept[count++] = parameter;
         }
-        removeColdFusionIds(kept);
-        if (options_.sortQuery)
-            std::stable_sort(kept.begin(), kept.end(), [](const Parameter& a, const Parameter& b) {
-                return a.name() < b.name();
-            });
-        for (std::size_t i = 0; i < kept.size(); ++i) {
-            out_.append(i == 0 ? u'?' : u'&');
-            out_.append(kept[i].text);
+        writeParameters({kept.data(), removeColdFusionIds({kept.data(), count})});
+    }
+
+    void writeParameters(std::span<Parameter> parameters) {
+        if (options_.sortQuery) sortByName(parameters);
+        char16_t separator = u'?';
+        for (const Parameter& parameter : parameters) {
+            out_.append(separator);
+            out_.append(parameter.text());
+            separator = u'&';
         }
     }
 
@@ -266,12 +323,12 @@ private:
     }
 
     bool isKept(const Parameter& parameter) const {
-        const Units name = parameter.name(), value = parameter.value();
         // What is left of a & that was written as a reference.
-        if (parameter.text.empty() || parameter.text == u"amp") return false;
-        if (options_.emptyParams && name.size() + 1 == parameter.text.size()) return false;
-        if (options_.sessionIDs && isSessionParameter(name, value)) return false;
-        return !isTracking(name);
+        if (parameter.length == 0 || parameter.text() == u"amp") return false;
+        if (options_.emptyParams && parameter.isEmpty()) return false;
+        if (options_.sessionIDs && isSessionParameter(parameter.name(), parameter.value()))
+            return false;
+        return !isTracking(parameter.name());
     }
 
     bool isTracking(Units name) const {
@@ -281,25 +338,31 @@ private:
     }
 
     /// The number of a client is one of a session only beside the token, which is gone already.
-    void removeColdFusionIds(std::vector<Parameter>& kept) const {
-        if (!options_.sessionIDs || !keyword::contains(url_.part(URLPart::Query), "CFTOKEN"))
-            return;
-        std::erase_if(kept, [](const Parameter& p) { return keyword::equals(p.name(), "CFID"); });
+    /// Gives how many parameters are left.
+    std::size_t removeColdFusionIds(std::span<Parameter> kept) const {
+        const auto isClient = [](const Parameter& p) { return keyword::equals(p.name(), "CFID"); };
+        if (!options_.sessionIDs || std::ranges::none_of(kept, isClient) ||
+            !keyword::contains(url_[URLPart::Query], "CFTOKEN"))
+            return kept.size();
+        return static_cast<std::size_t>(std::remove_if(kept.begin(), kept.end(), isClient) -
+                                        kept.begin());
     }
 
     /// What stands behind a # if it is part of the address.
     void writeAddress() {
-        const Units fragment = url_.part(URLPart::Fragment);
+        const Units fragment = url_[URLPart::Fragment];
         if (fragment.size() < 2 || (fragment[0] != u'!' && fragment[0] != u'/')) return;
         out_.append(u'#');
-        appendDecoded(out_, fragment, PlainInPath);
+        out_.appendDecoded(fragment, PlainInPath);
     }
 
     Units host() const { return out_.view().substr(hostStart_, hostEnd_ - hostStart_); }
 
-    const URL& url_;
+    const MarkedURL& url_;
     const PageKeyOptions& options_;
-    StringBuilder out_;
+    const SpecialScheme* const special_;
+    const KeyHost host_;
+    KeyUnits out_;
     std::size_t hostStart_ = 0, hostEnd_ = 0;
 };
 
@@ -321,8 +384,18 @@ URL byGrammar(const URL& url) {
 
 String pageKey(const URL& url, const PageKeyOptions& options) {
     if (url.isAbsent()) return {};
-    if (URLMaker::isOfWeb(url)) return pageKey(byGrammar(url), options);
-    return KeyWriter(url, options).key();
+    MarkedURL marked(url.absoluteString());
+    grammar::Parts parts;
+    if (!URLMaker::isOfWeb(url)) {
+        marked.parts = &URLMaker::tailOf(url).parts;
+    } else if (marked.isPlain && !marked.marks.hash) {
+        // The grammar takes it as it stands, though it may cut it otherwise.
+        if (!grammar::cutByMarks(marked.text, marked.marks, parts)) return {};
+        marked.parts = &parts;
+    } else {
+        return pageKey(byGrammar(url), options);
+    }
+    return KeyWriter(marked, options).key();
 }
 
 }  // namespace velmo

@@ -66,16 +66,17 @@ std::size_t removeParameter(GapText& text, std::size_t separator) {
     return separator;
 }
 
-ParameterFinder::ParameterFinder(GapText& text, const ParameterList& list, std::size_t start)
-    : text_(text), list_(list) {
-    locateFrom(start, ~ParameterMask{0});
+ParameterFinder::ParameterFinder(GapText& text, const ParameterList& list, ParameterMask sought)
+    : text_(text), list_(list), sought_(sought) {
+    locateFrom(startOfParameters(text), sought);
 }
 
-/// Looks for the first place of each name wanted; none of them stands in front of the start.
+/// Looks for the first place of each name wanted; none of them stands in front of the start. Ends at
+/// the last that is found, so that a name that comes again and again is sought in one walk all in all.
 void ParameterFinder::locateFrom(std::size_t start, ParameterMask wanted) {
     if (text_.size() < 2) return;
-    for (std::size_t i = text_.find<u'='>(std::max<std::size_t>(start, 1)); i < text_.size();
-         i = text_.find<u'='>(i + 1))
+    for (std::size_t i = text_.find<u'='>(std::max<std::size_t>(start, 1));
+         i < text_.size() && (wanted & ~present_); i = text_.find<u'='>(i + 1))
         locate(i, wanted);
 }
 
@@ -111,7 +112,7 @@ void ParameterFinder::remove(std::size_t name) {
     eachBit(lost, [&](std::size_t n) { note(n, NotThere); });
     if (lost) locateFrom(joint, lost);
     // The units on both sides of the joint may form a name that was not there before.
-    eachBit(list_.crossing, [&](std::size_t n) {
+    eachBit(list_.crossing & sought_, [&](std::size_t n) {
         const bool isBefore = (present_ >> n & 1) && positions_[n] + 1 < joint;
         if (joint > 0 && !isBefore && standsAt(text_, list_.names[n], joint - 1))
             note(n, joint - 1);

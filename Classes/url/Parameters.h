@@ -38,8 +38,8 @@ std::size_t endOfParameter(const GapText& text, std::size_t separator);
 std::size_t removeParameter(GapText& text, std::size_t separator);
 
 /// Some names of a list, as bits.
-using ParameterMask = std::uint32_t;
-inline constexpr std::size_t MostParameterNames = 32;
+using ParameterMask = std::uint64_t;
+inline constexpr std::size_t MostParameterNames = 64;
 
 /// A list of names, each of which ends with =, and which of them may end where certain letters
 /// stand. No name holds a separator, unless as its first unit.
@@ -84,14 +84,17 @@ private:
 /// removal only moves them.
 class ParameterFinder {
 public:
-    /// Looks at the text from the given start of parameters on.
-    ParameterFinder(GapText& text, const ParameterList& list, std::size_t start);
+    /// Looks for some names of the list.
+    ParameterFinder(GapText& text, const ParameterList& list, ParameterMask sought);
 
     /// The names that stand somewhere, and those whose first occurrence is a parameter.
     ParameterMask present() const { return present_; }
     ParameterMask parameters() const { return parameters_; }
 
+    /// Where the separator of a parameter stands, and where its value ends.
     std::size_t separatorOf(std::size_t name) const { return positions_[name] - 1; }
+    std::size_t endOf(std::size_t name) const { return endOfParameter(text_, separatorOf(name)); }
+    char16_t unitAt(std::size_t i) const { return text_[i]; }
     void remove(std::size_t name);
 
     /// The names that stand elsewhere than when this was last asked, or after another separator.
@@ -106,6 +109,7 @@ private:
 
     GapText& text_;
     const ParameterList& list_;
+    const ParameterMask sought_;
     ParameterMask present_ = 0;
     ParameterMask parameters_ = 0;
     ParameterMask changed_ = 0;

@@ -8,10 +8,14 @@
 
 #include <velmocore/url/LinkFilter.h>
 
+#include <algorithm>
+
+#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "url/Grammar.h"
 #include "url/Reductions.h"
 #include "url/URLMaker.h"
+#include "url/WebHosts.h"
 
 namespace velmo::detail {
 namespace {
@@ -76,7 +80,48 @@ std::optional<URL> absoluteURL(PlainLink& link) {
     link.marks.hash = UnitBits();
     Parts parts;
     if (!grammar::cutByMarks(link.text, link.marks, parts)) return URL();
-    return URLMaker::made(link.text, parts);
+    return URLMaker::made(link.text, {parts});
+}
+
+/// Whether a dot is written as an escape, which the URL standard takes for one in dot segments.
+bool hasEscapedDot(Units text) {
+    for (std::size_t i = indexOf(text, u'%'); i < text.size(); i = indexOf(text, u'%', i + 1))
+        if (text.size() - i > 2 && text[i + 1] == u'2' && (text[i + 2] | 0x20) == u'e') return true;
+    return false;
+}
+
+/// Whether the standard escapes nothing of the link, and has no dot segments that the marks do not
+/// tell.
+bool isPlainOnTheWeb(const PlainLink& link) {
+    if (link.marks.percent && hasEscapedDot(link.text.substr(0, link.query))) return false;
+    const Units query = link.text.substr(link.query);
+    return indexOf(query, u'\'') == query.size();
+}
+
+/// Whether the standard leaves the authority as it is: a domain in lower case, and no port.
+bool isPlainAuthority(Units text, const Parts& parts) {
+    const Units host = parts[URLPart::Host].of(text);
+    return host.size() == parts[URLPart::Authority].length && isPlainDomain(host) &&
+           indexOf(host, u'%') == host.size() &&
+           std::none_of(host.begin(), host.end(), ascii::isUpper<char16_t>);
+}
+
+/// A URL of its own that the standard leaves as it is, but for a slash behind a host that ends it.
+std::optional<URL> absoluteWebURL(PlainLink& link) {
+    if (!lengthOfWebScheme(link.text)) return std::nullopt;
+    if (unevenSlashes(link.marks, link.beforeQuery())) return std::nullopt;
+    link.marks.hash = UnitBits();
+    Parts parts;
+    if (!grammar::cutByMarks(link.text, link.marks, parts)) return std::nullopt;
+    if (!isPlainAuthority(link.text, parts)) return std::nullopt;
+    if (parts[URLPart::Path].length > 0) return URLMaker::made(link.text, {parts, true});
+    if (parts[URLPart::Authority].end() < link.size) return std::nullopt;
+    StringBuilder out(link.size + 1 + grammar::TailUnits);
+    out.append(link.text);
+    out.append(u'/');
+    parts[URLPart::Path].length = 1;
+    ++parts[URLPart::ResourceSpecifier].length;
+    return URLMaker::made(grammar::finishedWith({parts, true}, out));
 }
 
 /// The folder of the base without the last of its own: no folder is above the root.
@@ -101,7 +146,7 @@ Parts partsBehind(const Parts& base, Units text, std::size_t path, std::size_t q
 }
 
 /// The link in a folder of the base.
-URL joined(const URL& base, Units folder, Units link, std::uint32_t query) {
+URL joined(const URL& base, Units folder, Units link, std::uint32_t query, bool isOfWeb) {
     const Parts& known = URLMaker::tailOf(base).parts;
     const std::size_t path = known[URLPart::Authority].end();
     const std::size_t start = path + folder.size();
@@ -109,13 +154,12 @@ URL joined(const URL& base, Units folder, Units link, std::uint32_t query) {
     out.append(base.absoluteString().view().substr(0, path));
     out.append(folder);
     out.append(link);
-    return URLMaker::made(
-        grammar::finishedWith({partsBehind(known, out.view(), path, start + query)}, out));
+    const Parts parts = partsBehind(known, out.view(), path, start + query);
+    return URLMaker::made(grammar::finishedWith({parts, isOfWeb}, out));
 }
 
-std::optional<URL> relativeURL(const URL& base, const PlainLink& link) {
+std::optional<URL> relativeURL(const URL& base, const PlainLink& link, bool isOfWeb) {
     if (link.query == 0) return std::nullopt;
-    if (link.size == 1 && filterLink(link.text)) return URL();
     Units folder, rest = link.text;
     if (rest[0] != u'/') {
         const Units path = wholePathOf(base);
@@ -132,7 +176,7 @@ std::optional<URL> relativeURL(const URL& base, const PlainLink& link) {
     const std::uint32_t taken = link.size - static_cast<std::uint32_t>(rest.size());
     const UnitBits others = link.beforeQuery().without(UnitBits::below(taken));
     if (unevenSlashes(link.marks, others)) return std::nullopt;
-    return joined(base, folder, rest, link.query - taken);
+    return joined(base, folder, rest, link.query - taken, isOfWeb);
 }
 
 bool isPlainBase(const URL& base) {
@@ -150,7 +194,20 @@ std::optional<URL> plainURLRelativeTo(const URL& base, Units text, bool trimAnch
     if (!link) return std::nullopt;
     if (link->size == 0) return URL();
     const bool hasColon = link->marks.colon.first(0, link->size) < link->size;
-    return hasColon ? absoluteURL(*link) : relativeURL(base, *link);
+    if (hasColon) return absoluteURL(*link);
+    if (link->size == 1 && filterLink(link->text)) return URL();
+    return relativeURL(base, *link, false);
+}
+
+std::optional<URL> plainWebURLRelativeTo(const URL& base, Units text, bool trimAnchor) {
+    const bool isPlain = !text.empty() && URLMaker::isOfWeb(base) && isPlainBase(base) &&
+                         lengthOfWebScheme(base.absoluteString());
+    if (!isPlain) return std::nullopt;
+    std::optional<PlainLink> link = plainLinkOf(text, trimAnchor);
+    if (!link || !isPlainOnTheWeb(*link)) return std::nullopt;
+    if (link->size == 0) return URL();
+    const bool hasColon = link->marks.colon.first(0, link->size) < link->size;
+    return hasColon ? absoluteWebURL(*link) : relativeURL(base, *link, true);
 }
 
 }  // namespace velmo::detail

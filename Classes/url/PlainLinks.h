@@ -13,4 +13,8 @@ namespace velmo::detail {
 /// base has no host, or credentials.
 std::optional<URL> plainURLRelativeTo(const URL& base, std::u16string_view link, bool trimAnchor);
 
+/// The same as the URL standard reads the link, for a base that was read so.
+std::optional<URL> plainWebURLRelativeTo(const URL& base, std::u16string_view link,
+                                         bool trimAnchor);
+
 }  // namespace velmo::detail

@@ -188,6 +188,9 @@ URL webURL(const URL& base, const String& link, const RelativeURLOptions& option
 /// The link as the URL standard reads it.
 URL asOnTheWeb(const URL& base, const String& link, const RelativeURLOptions& options) {
     if (link.isAbsent()) return {};
+    if (options.encoding == UTF8StringEncoding)
+        if (std::optional<URL> url = detail::plainWebURLRelativeTo(base, link, options.trimAnchor))
+            return *std::move(url);
     const Units text = options.trimAnchor ? detail::withoutAnchor(link) : link.view();
     if (options.trimAnchor && detail::withoutControlsAround(text).empty()) return {};
     return detail::webURL(text, base, options.encoding);

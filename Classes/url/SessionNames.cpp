@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/Ascii.h"
+#include "url/ParameterNames.h"
 #include "url/TrackingTables.h"
 
 namespace velmo::detail {
@@ -10,17 +11,18 @@ namespace {
 
 using Units = std::u16string_view;
 
-bool isSameLower(Units units, std::string_view lower) {
-    return units.size() == lower.size() &&
-           std::equal(units.begin(), units.end(), lower.begin(), [](char16_t unit, char c) {
-               return ascii::toLower(unit) == static_cast<char16_t>(c);
-           });
-}
-
-bool isNamed(Units name, std::string_view row) {
-    if (!row.ends_with('*')) return isSameLower(name, row);
-    row.remove_suffix(1);
-    return name.size() >= row.size() && isSameLower(name.substr(0, row.size()), row);
+/// The names of sessionRows(), by their numbers there.
+const ParameterNames& sessionNames() {
+    static const ParameterNames& made = *new ParameterNames([] {
+        ParameterNames names;
+        for (const SessionRow& row : sessionRows()) {
+            const bool isBeginning = row.name.ends_with('*');
+            const std::string_view name = row.name.substr(0, row.name.size() - isBeginning);
+            names.add(std::u16string(name.begin(), name.end()), isBeginning);
+        }
+        return names;
+    }());
+    return made;
 }
 
 /// How often letters and digits take turns; 0 if there is anything else.
@@ -63,9 +65,8 @@ bool isPlainSession(Units inner) {
 }  // namespace
 
 bool isSessionParameter(Units name, Units value) {
-    for (const SessionRow& row : sessionRows())
-        if (isNamed(name, row.name)) return isOf(row.value, value);
-    return false;
+    return sessionNames().any(
+        name, [&](std::size_t row) { return isOf(sessionRows()[row].value, value); });
 }
 
 bool isSessionComponent(Units component) {

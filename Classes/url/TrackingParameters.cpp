@@ -1,12 +1,9 @@
-// Names are looked up whole in a table, and then their beginnings of those lengths that rows with a
-// * have, so that the number of rows costs nothing. A row with hosts is asked once for each label
-// of the host.
+// Most names are none of the table's, which one look tells (see ParameterNames.h), so that the number
+// of rows costs nothing. A row with hosts is asked once for each label of the host.
 #include <velmocore/url/TrackingParameters.h>
 
 #include <algorithm>
-#include <bitset>
 #include <string>
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -14,6 +11,7 @@
 
 #include "platform/Ascii.h"
 #include "text/UnitHash.h"
+#include "url/ParameterNames.h"
 #include "url/TrackingTables.h"
 
 namespace velmo {
@@ -22,7 +20,7 @@ namespace {
 using Units = std::u16string_view;
 
 /// The longest name that a row may have, and the longest host that there can be.
-constexpr std::size_t LongestName = 64, LongestHost = 253;
+constexpr std::size_t LongestName = detail::ParameterNames::Longest, LongestHost = 253;
 
 struct Hash {
     using is_transparent = void;
@@ -49,13 +47,6 @@ struct Places {
     }
 };
 
-using Names = std::unordered_map<std::u16string, Places, Hash, std::equal_to<>>;
-
-bool containsName(const Names& names, Units name, Units host) {
-    const auto found = names.find(name);
-    return found != names.end() && found->second.contain(host);
-}
-
 /// What stands in front of white space; the rest of the line is left.
 Units takeWord(Units& line) {
     constexpr Units White = u" \t\r";
@@ -74,9 +65,8 @@ std::u16string lowered(Units units) {
 }  // namespace
 
 struct TrackingParameters::Rows {
-    Names whole, beginnings;
-    std::vector<std::size_t> lengths;  ///< of the beginnings
-    std::bitset<128> first;            ///< the units that a beginning may begin with
+    detail::ParameterNames names;
+    std::vector<Places> places;  ///< of each name
     std::size_t rejected = 0;
 
     /// Adds a line: a name and its hosts. False if it is none.
@@ -85,33 +75,15 @@ struct TrackingParameters::Rows {
         const bool isBeginning = name.ends_with(u'*');
         if (isBeginning) name.pop_back();
         if (name.empty() || name.size() > LongestName || name.find(u'*') != name.npos) return false;
-        if (isBeginning) noteBeginning(name);
-        Places& places = (isBeginning ? beginnings : whole)[std::move(name)];
+        const std::size_t number = names.add(name, isBeginning);
+        if (number == places.size()) places.emplace_back();
         Units host = takeWord(line);
-        if (host.empty()) places.isEverywhere = true;
+        if (host.empty()) places[number].isEverywhere = true;
         for (; !host.empty(); host = takeWord(line)) {
             if (host.ends_with(u".*")) host.remove_suffix(1);
-            places.hosts.insert(lowered(host));
+            places[number].hosts.insert(lowered(host));
         }
         return true;
-    }
-
-    void noteBeginning(Units name) {
-        if (std::find(lengths.begin(), lengths.end(), name.size()) == lengths.end())
-            lengths.push_back(name.size());
-        if (name[0] < first.size())
-            first.set(name[0]);
-        else
-            first.set();  // too rare to be told apart
-    }
-
-    bool contain(Units name, Units host) const {
-        if (containsName(whole, name, host)) return true;
-        if (name[0] < first.size() && !first[name[0]]) return false;
-        for (const std::size_t length : lengths)
-            if (length <= name.size() && containsName(beginnings, name.substr(0, length), host))
-                return true;
-        return false;
     }
 
     static Rows common() {
@@ -140,13 +112,8 @@ TrackingParameters::TrackingParameters(Units text) {
 }
 
 bool TrackingParameters::contains(Units name, Units host) const {
-    if (name.empty()) return false;
-    // Of a longer name only the beginning can be in a row, and of that no more than this is.
-    char16_t lower[LongestName + 1];
-    const std::size_t length = std::min(name.size(), std::size(lower));
-    std::transform(name.begin(), name.begin() + static_cast<std::ptrdiff_t>(length), lower,
-                   detail::ascii::toLower<char16_t>);
-    return rows_->contain({lower, length}, host);
+    return rows_->names.any(
+        name, [&](std::size_t number) { return rows_->places[number].contain(host); });
 }
 
 std::size_t TrackingParameters::numberOfRejectedLines() const noexcept { return rows_->rejected; }

@@ -77,11 +77,7 @@ std::u16string_view URL::part(URLPart part) const& noexcept {
 }
 
 std::optional<std::uint32_t> URL::port() const noexcept {
-    const std::u16string_view digits = part(URLPart::Port);
-    if (digits.empty()) return std::nullopt;
-    std::uint32_t port = 0;
-    for (char16_t digit : digits) port = port * 10 + static_cast<std::uint32_t>(digit - u'0');
-    return port;
+    return grammar::portOf(part(URLPart::Port));
 }
 
 String URL::path() const { return decodedOrRaw(part(URLPart::Path)); }
@@ -106,15 +102,15 @@ URL URL::standardizedURL() const {
     return URL(grammar::withoutDotSegments(referenceOf(*this)));
 }
 
-URL detail::URLMaker::made(std::u16string_view text, const grammar::Parts& parts) {
+URL detail::URLMaker::made(std::u16string_view text, const grammar::Tail& tail) {
     StringBuilder out(text.size() + grammar::TailUnits);
     out.append(text);
-    return URL(grammar::finishedWith({parts}, out));
+    return URL(grammar::finishedWith(tail, out));
 }
 
 URL detail::URLMaker::cut(std::u16string_view text) {
     grammar::Parts parts;
-    return grammar::cut(text, parts) ? made(text, parts) : URL();
+    return grammar::cut(text, parts) ? made(text, {parts}) : URL();
 }
 
 URL detail::URLMaker::resolved(std::u16string_view text, const URL& base) {
@@ -123,7 +119,7 @@ URL detail::URLMaker::resolved(std::u16string_view text, const URL& base) {
     const grammar::Reference reference{text, parts};
     // Most links of a page are URLs of their own with nothing to resolve.
     if (reference.has(URLPart::Scheme) && !hasDotSegments(reference.wholePath()))
-        return made(text, parts);
+        return made(text, {parts});
     return URL(grammar::resolved(reference, referenceOf(base)));
 }
 

@@ -14,7 +14,7 @@ struct URLMaker {
     /// The URL of a text with its parts, which is not looked at; absent if that is.
     static URL made(String partedText) noexcept { return URL(std::move(partedText)); }
     /// The URL of a text with parts that stand elsewhere.
-    static URL made(std::u16string_view text, const grammar::Parts& parts);
+    static URL made(std::u16string_view text, const grammar::Tail& tail);
 
     /// As URLWithString(), for a text that is there.
     static URL cut(std::u16string_view text);

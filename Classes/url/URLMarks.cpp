@@ -1,5 +1,5 @@
-// Sixteen units a step, packed to bytes: what is outside ASCII becomes one of two bytes that no URL
-// holds.
+// Sixteen units a step, or 64 where AVX-512 is there, packed to bytes: what is outside ASCII becomes a
+// byte that no URL holds.
 #include "url/URLMarks.h"
 
 #include <algorithm>
@@ -7,6 +7,7 @@
 
 #include "platform/Ascii.h"
 #include "text/UnitScan.h"
+#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -17,13 +18,13 @@ UnitBits bitsOf(const Word& word) noexcept { return UnitBits(word[0], word[1]); 
 
 /// What is looked for, in the order of the members of URLMarks; "other" comes behind.
 struct OfURLs {
-    static constexpr std::string_view Marks = "/.:?#;=%";
+    static constexpr std::string_view Marks = "/.:?#;=&%";
     static constexpr bool HasOther = true;
     using Words = std::array<Word, Marks.size() + 1>;
 
     static URLMarks marksOf(const Words& w) noexcept {
         return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3]), bitsOf(w[4]),
-                bitsOf(w[5]), bitsOf(w[6]), bitsOf(w[7]), bitsOf(w[8])};
+                bitsOf(w[5]), bitsOf(w[6]), bitsOf(w[7]), bitsOf(w[8]), bitsOf(w[9])};
     }
 };
 /// In the order of the members of ParameterMarks.
@@ -38,7 +39,7 @@ struct OfParameters {
 };
 
 constexpr bool isPlain(char16_t unit) {
-    constexpr std::string_view Units = "-_~!$&'()*+,";
+    constexpr std::string_view Units = "-_~!$'()*+,";
     return ascii::isLetterOrDigit(unit) ||
            (unit < 128 && Units.find(static_cast<char>(unit)) != Units.npos);
 }
@@ -98,6 +99,46 @@ auto find(std::u16string_view text) noexcept {
     return Sought::marksOf(words);
 }
 
+/// A byte for each ASCII unit that is an "other" one.
+constexpr auto OtherUnits = [] {
+    std::array<std::uint8_t, 128> units{};
+    for (char16_t unit = 0; unit < 128; ++unit)
+        units[unit] =
+            !isPlain(unit) && OfURLs::Marks.find(static_cast<char>(unit)) == std::string_view::npos;
+    return units;
+}();
+
+/// The same for machines with AVX-512: 64 units a step, and none is read twice.
+template <class Sought>
+__attribute__((target("avx512bw,avx512vbmi"))) auto findWide(std::u16string_view text) noexcept {
+    typename Sought::Words words{};
+    for (std::size_t i = 0; i < text.size(); i += 64) {
+        const std::size_t left = std::min<std::size_t>(text.size() - i, 64);
+        const std::uint64_t there = ~std::uint64_t{0} >> (64 - left);
+        const char16_t* const units = text.data() + i;
+        const __m256i low = _mm512_maskz_cvtusepi16_epi8(
+            ~__mmask32{0}, _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there), units));
+        __m512i bytes = _mm512_maskz_inserti64x4(0xFF, _mm512_setzero_si512(), low, 0);
+        if (left > 32) {
+            const __m256i high = _mm512_maskz_cvtusepi16_epi8(
+                ~__mmask32{0},
+                _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there >> 32), units + 32));
+            bytes = _mm512_maskz_inserti64x4(0xFF, bytes, high, 1);
+        }
+        for (std::size_t mark = 0; mark < Sought::Marks.size(); ++mark)
+            words[mark][i / 64] =
+                _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(Sought::Marks[mark]));
+        if constexpr (Sought::HasOther) {
+            const __m512i others =
+                _mm512_permutex2var_epi8(_mm512_loadu_si512(OtherUnits.data()), bytes,
+                                         _mm512_loadu_si512(OtherUnits.data() + 64));
+            words[Sought::Marks.size()][i / 64] =
+                there & (_mm512_test_epi8_mask(others, others) | _mm512_movepi8_mask(bytes));
+        }
+    }
+    return Sought::marksOf(words);
+}
+
 #endif
 
 template <class Sought>
@@ -120,11 +161,21 @@ ParameterMarks parameterMarksOneByOne(std::u16string_view text) noexcept {
 }
 
 #if defined(__SSE2__)
-URLMarks urlMarksOf(std::u16string_view text) noexcept { return find<OfURLs>(text); }
-ParameterMarks parameterMarksOf(std::u16string_view text) noexcept {
+URLMarks urlMarksByBlocks(std::u16string_view text) noexcept { return find<OfURLs>(text); }
+ParameterMarks parameterMarksByBlocks(std::u16string_view text) noexcept {
     return find<OfParameters>(text);
 }
+URLMarks urlMarksOf(std::u16string_view text) noexcept {
+    return scan::hasAvx512() ? findWide<OfURLs>(text) : find<OfURLs>(text);
+}
+ParameterMarks parameterMarksOf(std::u16string_view text) noexcept {
+    return scan::hasAvx512() ? findWide<OfParameters>(text) : find<OfParameters>(text);
+}
 #else
+URLMarks urlMarksByBlocks(std::u16string_view text) noexcept { return urlMarksOneByOne(text); }
+ParameterMarks parameterMarksByBlocks(std::u16string_view text) noexcept {
+    return parameterMarksOneByOne(text);
+}
 URLMarks urlMarksOf(std::u16string_view text) noexcept { return urlMarksOneByOne(text); }
 ParameterMarks parameterMarksOf(std::u16string_view text) noexcept {
     return parameterMarksOneByOne(text);

@@ -67,7 +67,7 @@ private:
 };
 
 struct URLMarks {
-    UnitBits slash, dot, colon, question, hash, semicolon, equals, percent;
+    UnitBits slash, dot, colon, question, hash, semicolon, equals, ampersand, percent;
     /// All that may not stand for itself in a URL everywhere behind the scheme, aside from the
     /// marks above: what no URL holds, and @ and brackets.
     UnitBits other;
@@ -85,6 +85,10 @@ struct ParameterMarks {
 /// The marks of a text of up to UnitBits::MostUnits units.
 URLMarks urlMarksOf(std::u16string_view text) noexcept;
 ParameterMarks parameterMarksOf(std::u16string_view text) noexcept;
+
+/// The same sixteen units a step: their form for machines without AVX-512.
+URLMarks urlMarksByBlocks(std::u16string_view text) noexcept;
+ParameterMarks parameterMarksByBlocks(std::u16string_view text) noexcept;
 
 /// The same unit by unit: the references for the others, and their form for other machines.
 URLMarks urlMarksOneByOne(std::u16string_view text) noexcept;

@@ -1,17 +1,12 @@
-// Each reduction works in the place of a text with a gap (see url/GapText.h), so that the whole
-// chain of simplifiedStringURL() copies the URL once and makes one string. The order of the chain
-// matters: escapes come first, as they may hide what is to be removed, and the index page comes
-// last, as it is one only when nothing follows it.
+// Each reduction works in the place of a text with a gap (see url/GapText.h), so that a chain of them
+// copies the URL once and makes one string. The chain itself is in SimplifiedKeys.cpp.
 #include <velmocore/url/URLSimplification.h>
 
-#include <bit>
+#include <algorithm>
 
 #include <velmocore/text/Comparison.h>
-#include <velmocore/text/Normalisation.h>
 #include <velmocore/text/Paths.h>
-#include <velmocore/url/PercentEscapes.h>
 
-#include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/Pieces.h"
 #include "text/Trim.h"
@@ -37,7 +32,24 @@ std::size_t firstExtraSlash(Units text, std::size_t end) noexcept {
     }
 }
 
-/// The length without "/." and "/.." at the end, or without "." and ".." if that is all.
+/// Where the separator in front of a name stands whose = is at a position; 0 if nowhere. The
+/// unit in front of the = is not looked at, so an empty name has none.
+std::size_t separatorOfName(const GapText& text, std::size_t equals) {
+    for (std::size_t i = equals < 2 ? 0 : equals - 2; i > 0; --i) {
+        if (text[i] == u'=') return 0;
+        if (isParameterSeparator(text[i])) return i;
+    }
+    return 0;
+}
+
+/// "?&" becomes "?".
+void removeSeparatorsBehindQuestionMarks(GapText& text, std::size_t start) {
+    for (std::size_t i = start; (i = text.find<u'?'>(i)) + 1 < text.size(); ++i)
+        if (text[i + 1] == u'&') text.erase(i + 1, i + 2);
+}
+
+}  // namespace
+
 std::size_t lengthWithoutDots(Units text) noexcept {
     for (;;) {
         std::size_t dots = 0;
@@ -49,8 +61,6 @@ std::size_t lengthWithoutDots(Units text) noexcept {
         text.remove_suffix(dots + 1);
     }
 }
-
-}  // namespace
 
 Units withoutAnchor(Units text) noexcept {
     const std::size_t anchor = indexOf(text, u'#');
@@ -86,43 +96,6 @@ std::size_t standardize(char16_t* units, std::size_t length) noexcept {
     return write + length - end;
 }
 
-String withoutCredentials(const URL& url) {
-    const String& string = url.absoluteString();
-    const Units user = url.part(URLPart::User), password = url.part(URLPart::Password);
-    if (!user.data()) return string;  // without one there is no password either
-    const Units last = password.data() ? password : user;
-    const auto start = static_cast<std::size_t>(user.data() - string.characters());
-    const auto end = static_cast<std::size_t>(last.data() - string.characters()) + last.size();
-    StringBuilder out(string.length());
-    out.append(string.view().substr(0, start));
-    out.append(string.view().substr(end + 1));
-    return out.finish();
-}
-
-}  // namespace detail
-
-namespace {
-
-using namespace detail;
-
-Units withoutScheme(Units text) {
-    const std::size_t end = text.find_first_of(u":/;?");
-    if (end == Units::npos || text[end] != u':') return text;
-    return text.substr(std::min(text.find_first_not_of(u'/', end + 1), text.size()));
-}
-
-Units withoutSuffixSlashes(Units text) { return trimmedView(text, Ends::Right, OneUnit{u'/'}); }
-
-void removeAnalytics(GapText& text) {
-    static constexpr ParameterName Names[] = {
-        {u"UTM_SOURCE="}, {u"UTM_MEDIUM="},  {u"UTM_CAMPAIGN="},
-        {u"UTM_TERM="},   {u"UTM_CONTENT="}, {u"UTM_NOOVERRIDE="},
-    };
-    static constexpr ParameterList List(Names);
-    for (ParameterFinder finder(text, List, startOfParameters(text)); finder.parameters();)
-        finder.remove(static_cast<std::size_t>(std::countr_zero(finder.parameters())));
-}
-
 void removeQueryParam(GapText& text, Units capitals) {
     std::size_t start = 0;
     for (;;) {
@@ -132,22 +105,6 @@ void removeQueryParam(GapText& text, Units capitals) {
         // What stands side by side now may be the name again.
         start -= std::min(start, capitals.size());
     }
-}
-
-/// Where the separator in front of a name stands whose = is at a position; 0 if nowhere. The
-/// unit in front of the = is not looked at, so an empty name has none.
-std::size_t separatorOfName(const GapText& text, std::size_t equals) {
-    for (std::size_t i = equals < 2 ? 0 : equals - 2; i > 0; --i) {
-        if (text[i] == u'=') return 0;
-        if (isParameterSeparator(text[i])) return i;
-    }
-    return 0;
-}
-
-/// "?&" becomes "?".
-void removeSeparatorsBehindQuestionMarks(GapText& text, std::size_t start) {
-    for (std::size_t i = start; (i = text.find<u'?'>(i)) + 1 < text.size(); ++i)
-        if (text[i + 1] == u'&') text.erase(i + 1, i + 2);
 }
 
 void removeEmptyParams(GapText& text) {
@@ -172,8 +129,7 @@ void removeEmptyParams(GapText& text) {
     removeSeparatorsBehindQuestionMarks(text, start);
 }
 
-/// The text without an index page at its end.
-Units withoutIndexPage(Units text) {
+Units withoutIndexPage(Units text) noexcept {
     constexpr std::string_view Start = "/INDEX.";
     constexpr std::size_t Longest = 12;  // in units, of an index page with its slash
     const std::size_t skipped = text.size() - std::min(text.size(), Longest);
@@ -187,42 +143,29 @@ Units withoutIndexPage(Units text) {
     return text;
 }
 
-/// Appends the text with its ASCII in lower case. Gives all bits of its units.
-char16_t appendLower(StringBuilder& out, Units text) {
-    char16_t* write = out.prepare(text.size());
-    char16_t all = 0;
-    for (const char16_t unit : text) {
-        all |= unit;
-        *write++ = ascii::toLower(unit);
-    }
-    out.commit(text.size());
-    return all;
+String withoutCredentials(const URL& url) {
+    const String& string = url.absoluteString();
+    const Units user = url.part(URLPart::User), password = url.part(URLPart::Password);
+    if (!user.data()) return string;  // without one there is no password either
+    const Units last = password.data() ? password : user;
+    const auto start = static_cast<std::size_t>(user.data() - string.characters());
+    const auto end = static_cast<std::size_t>(last.data() - string.characters()) + last.size();
+    StringBuilder out(string.length());
+    out.append(string.view().substr(0, start));
+    out.append(string.view().substr(end + 1));
+    return out.finish();
 }
 
-/// The same without http for https, and without "www.".
-char16_t appendWithUnifiedScheme(StringBuilder& out, Units text) {
-    // One page is served with and without both, so that a key has neither.
-    const std::size_t http = keyword::beginsWith(text, "HTTP:")    ? 4
-                             : keyword::beginsWith(text, "HTTPS:") ? 5
-                                                                   : 0;
-    if (http == 0) return appendLower(out, text);
-    out.append(u"http");
-    if (keyword::beginsWith(text.substr(http), "://WWW.")) {
-        out.append(u"://");
-        return appendLower(out, text.substr(http + 7));
-    }
-    return appendLower(out, text.substr(http));
-}
+}  // namespace detail
 
-constexpr Units MainPage = u"/?page=main.php";
-/// A page of the search for patents, which has a parameter of its own.
-bool isOfPatents(Units text) {
-    constexpr std::string_view Host = "GOOGLE.COM", Path = "/PATENTS/";
-    for (std::size_t i = indexOf(text, u'/'); i < text.size(); i = indexOf(text, u'/', i + 1))
-        if (i >= Host.size() && keyword::beginsWith(text.substr(i), Path) &&
-            keyword::beginsWith(text.substr(i - Host.size()), Host))
-            return true;
-    return false;
+namespace {
+
+using namespace detail;
+
+Units withoutScheme(Units text) {
+    const std::size_t end = text.find_first_of(u":/;?");
+    if (end == Units::npos || text[end] != u':') return text;
+    return text.substr(std::min(text.find_first_not_of(u'/', end + 1), text.size()));
 }
 
 /// What is compared of a text as a URL.
@@ -275,7 +218,7 @@ String stringURLByRemovingAnalytics(const String& string) {
     if (!keyword::contains(string, "UTM_")) return string;
     GapText text(string);
     text.index();
-    removeAnalytics(text);
+    removeCampaigns(text);
     return text.orOriginal(string);
 }
 
@@ -297,62 +240,6 @@ String stringURLByRemovingQueryParam(const String& string, Units name) {
     GapText text(string);
     removeQueryParam(text, capitals);
     return text.orOriginal(string);
-}
-
-namespace {
-
-/// The part of a text in which nothing is to be cut out but at its ends: no escape may hide a mark,
-/// no parameter has a =, and no form a ?. Null if there is none.
-Units plainPart(Units text, const SimplifyOptions& options) {
-    const char16_t* const end = text.data() + text.size();
-    if (scan::findAnyOf<u'%', u'?', u'='>(text.data(), end) != end) return {};
-    const Units part = options.anchors ? withoutAnchor(text) : text;
-    return isStandardized(part) ? part : Units();
-}
-
-/// Takes out all that the options name but an index page.
-void removeDifferences(GapText& text, const String& string, const SimplifyOptions& options) {
-    text.truncate(convertPercentEscapesOfURL(text.data(), text.size(), true));
-    if (options.anchors) text.truncate(withoutAnchor(text.view()).size());
-    text.truncate(standardize(text.data(), text.size()));
-    text.index();
-    if (options.sessionIDs) removeSessionIDs(text);
-    if (options.analytics) removeAnalytics(text);
-    if (options.emptyParams) removeEmptyParams(text);
-    // The number of a result, which differs from one search to the next.
-    constexpr Units Result = u"VED=";
-    if (findName(text, {Result}) != NotThere && isOfPatents(string)) removeQueryParam(text, Result);
-}
-
-/// The key of what is left of a URL.
-String keyOf(Units text, const String& original, const SimplifyOptions& options) {
-    if (options.indexPages) {
-        if (options.sessionIDs && text.ends_with(MainPage))
-            text.remove_suffix(MainPage.size() - 1);
-        else
-            text = withoutIndexPage(text);
-    }
-    StringBuilder out(text.size());
-    const char16_t all = appendWithUnifiedScheme(out, text);
-    out.truncate(withoutSuffixSlashes(out.view()).size());
-    if (all >= 128) {
-        // Outside ASCII the lower case of a text may be longer than the text.
-        std::u16string copy(out.view());
-        lowercase(copy);
-        return copy == original.view() ? original : String(copy);
-    }
-    return out.view() == original.view() ? original : out.finish();
-}
-
-}  // namespace
-
-String simplifiedStringURL(const String& string, const SimplifyOptions& options) {
-    if (string.isEmpty()) return string;
-    if (const Units plain = plainPart(string, options); plain.data())
-        return keyOf(plain, string, options);
-    GapText text(string);
-    removeDifferences(text, string, options);
-    return keyOf(text.view(), string, options);
 }
 
 // The forms of a URL.

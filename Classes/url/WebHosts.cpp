@@ -12,6 +12,7 @@
 #include "url/Escapes.h"
 #include "url/IPv4.h"
 #include "url/IPv6.h"
+#include "url/Reductions.h"
 #include "url/WebEscapes.h"
 
 namespace velmo::detail {
@@ -124,6 +125,15 @@ bool appendDomainHost(StringBuilder& out, Units host) {
     if (!hasEscapes && !isForeign(host)) return appendASCII(out, host);
     const String domain = withoutEscapes(host);
     return appendASCII(out, isForeign(domain) ? domains::toASCII(domain) : domain);
+}
+
+bool isPlainDomain(Units host) noexcept {
+    if (host.empty() || host.back() == u'.') return false;
+    if (ascii::isDigit(host[host.rfind(u'.') + 1])) return false;
+    for (std::size_t dash = indexOf(host, u'-'); dash < host.size();
+         dash = indexOf(host, u'-', dash + 1))
+        if (host.substr(dash + 1).starts_with(u'-')) return false;
+    return true;
 }
 
 bool appendOpaqueHost(StringBuilder& out, Units host) {

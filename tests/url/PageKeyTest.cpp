@@ -202,5 +202,54 @@ TEST(PageKey, IsItsOwnKey) {
     EXPECT_GT(taken, 10000);
 }
 
+// A short URL is written by its marks; a long folder makes it long, an escape in the fragment unplain.
+TEST(PageKey, IsTheSameWithAndWithoutMarks) {
+    std::mt19937 random(6);
+    const auto hosts =
+        test::wordsOf(u"h.org WWW.H.org h.org. 1.2.3.4 h.0x7 a--b.c a-b.c xn--tda.d a_b:80 www.h.org:8080 ");
+    const auto pieces = test::wordsOf(
+        u"/ /a . .. /. // /b/ (S(a)) /(S(a)) ;jsessionid=1 ;v=1 = ?a=1 &b=2 &a=3 &PHPSESSID=4 &fbclid=5 ?utm_x=6 &amp "
+        u"&e= &CFID=7 &CFTOKEN=8 ;c=9 && /index.php /default.aspx /indexes ? &z &sid=0123456789abcdef0");
+    int taken = 0;
+    for (int round = 0; round < 60000; ++round) {
+        std::u16string rest;
+        for (unsigned n = random() % 9; n > 0; --n) rest += pieces[random() % pieces.size()];
+        const unsigned bits = random() % 4 ? 127 : random();
+        const PageKeyOptions options{(bits & 1) != 0,  (bits & 2) != 0,  (bits & 4) != 0, (bits & 8) != 0,
+                                     (bits & 16) != 0, (bits & 32) != 0, (bits & 64) != 0};
+        const std::u16string host = u"https://" + hosts[random() % hosts.size()];
+        const URL url = URL::URLWithString(host + rest);
+        if (url.isAbsent()) continue;
+        ++taken;
+        const String key = pageKey(url, options);
+        ASSERT_EQ(pageKey(URL::URLWithString(host + rest + u"#%41"), options), key) << url;
+        const std::u16string name(140, u'x');
+        const URL brief = URL::URLWithString(host + u"/x/x/" + rest),
+                  tall = URL::URLWithString(host + u"/x/" + name + u"/" + rest);
+        std::u16string expected(pageKey(brief, options));
+        if (const std::size_t x = expected.find(u"/x/x"); x != expected.npos) expected.replace(x + 3, 1, name);
+        ASSERT_EQ(pageKey(tall, options), expected) << tall;
+    }
+    EXPECT_GT(taken, 20000);
+}
+
+// Many parameters are sorted otherwise than few; those of one name keep their order.
+TEST(PageKey, SortsFewAndManyParameters) {
+    std::mt19937 random(7);
+    for (std::size_t count = 1; count < 60; ++count) {
+        std::vector<std::pair<std::u16string, std::u16string>> parameters(count);
+        std::u16string query, expected;
+        for (auto& [name, value] : parameters) {
+            name = test::randomText(random, u"abB", 1 + random() % 2);
+            value = test::randomText(random, u"xyz", 3);
+            query += u"&" + name + u"=" + value;
+        }
+        std::ranges::stable_sort(parameters, {}, [](const auto& parameter) { return parameter.first; });
+        for (const auto& [name, value] : parameters) expected += u"&" + name + u"=" + value;
+        expected[0] = u'?';
+        EXPECT_EQ(pageKey(URL::URLWithString(u"http://h.org/?" + query)), u"http://h.org/" + expected);
+    }
+}
+
 }  // namespace
 }  // namespace velmo

@@ -3,6 +3,7 @@
 #include <velmocore/url/RelativeURLs.h>
 
 #include "TestSupport.h"
+#include "url/URLMaker.h"
 
 namespace velmo {
 namespace {
@@ -64,6 +65,38 @@ TEST(PlainLinks, AreWhatTheLongWayGives) {
         const auto url = detail::plainURLRelativeTo(base, link, trimAnchor);
         plain += url.has_value();
         if (url) expectSameURLs(*url, URLRelativeTo(base, u" " + link, {.trimAnchor = trimAnchor}), link);
+    }
+    EXPECT_GT(plain, 3000);
+}
+
+TEST(PlainLinks, AreWhatTheURLStandardGives) {
+    std::mt19937 random(9);
+    const auto pieces = test::wordsOf(
+        u"http:// https:// http://i.org/ HTTP:// H.org h.org i.org:8 a--b 1.2 / // ./ ../ . .. ? # #! ; = %41 %2e % a "
+        u"b- ' c.html : @ & - x ~u \\ /.. /./ ");
+    const RelativeURLOptions rules = {.web = {.resolution = true}};
+    const Strings texts = {u"http://h.org/a/b/c?q",
+                           u"https://h.org",
+                           u"http://u:p@h.org/a/",
+                           u"http://h.org/a//b/../c",
+                           u"http://h.org/a;b/c;d?e",
+                           u"file://h/a",
+                           u"HTTP://H.org:8/x/",
+                           u"x://h/a",
+                           u"ws://h/a/b"};
+    int plain = 0;
+    for (int round = 0; round < 40000; ++round) {
+        const URL base = URLWithStringRelativeTo(texts[random() % texts.size()], URL(), rules);
+        std::u16string link;
+        for (unsigned n = random() % 7; n > 0; --n) link += pieces[random() % pieces.size()];
+        if (random() % 50 == 0) link += std::u16string(random() % 140, u'l');
+        const bool trimAnchor = random() % 4;
+        const auto url = detail::plainWebURLRelativeTo(base, link, trimAnchor);
+        plain += url.has_value();
+        if (!url) continue;
+        const URL expected = URLRelativeTo(base, u" " + link, {.trimAnchor = trimAnchor, .web = {.resolution = true}});
+        expectSameURLs(*url, expected, link);
+        ASSERT_EQ(detail::URLMaker::isOfWeb(*url), detail::URLMaker::isOfWeb(expected));
     }
     EXPECT_GT(plain, 3000);
 }

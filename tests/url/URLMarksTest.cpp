@@ -19,18 +19,23 @@ std::u16string randomUnits(std::mt19937& random, std::size_t length) {
     return text;
 }
 
+void expectSameMarks(const std::u16string& text) {
+    const URLMarks marks = urlMarksOneByOne(text);
+    const ParameterMarks parameters = parameterMarksOneByOne(text);
+    ASSERT_EQ(urlMarksOf(text), marks) << utf8(text);
+    ASSERT_EQ(urlMarksByBlocks(text), marks) << utf8(text);
+    ASSERT_EQ(parameterMarksOf(text), parameters) << utf8(text);
+    ASSERT_EQ(parameterMarksByBlocks(text), parameters) << utf8(text);
+}
+
 TEST(URLMarks, AreThoseFoundOneByOne) {
     std::mt19937 random(3);
     for (int round = 0; round < 30; ++round)
         for (std::size_t length = 0; length <= UnitBits::MostUnits; ++length) {
             const std::u16string text = randomUnits(random, length);
-            ASSERT_EQ(urlMarksOf(text), urlMarksOneByOne(text)) << utf8(text);
-            ASSERT_EQ(parameterMarksOf(text), parameterMarksOneByOne(text)) << utf8(text);
+            expectSameMarks(text);
         }
-    for (unsigned unit = 0; unit < 65536; ++unit) {
-        const std::u16string text(3, static_cast<char16_t>(unit));
-        ASSERT_EQ(urlMarksOf(text), urlMarksOneByOne(text)) << unit;
-    }
+    for (unsigned unit = 0; unit < 65536; ++unit) expectSameMarks(std::u16string(3, static_cast<char16_t>(unit)));
 }
 
 TEST(URLMarks, BitsAreFoundAndCutOut) {

@@ -282,19 +282,37 @@ TEST(URLSimplification, TakesLongTexts) {
     EXPECT_LT(stringURLByRemovingEmptyParams(empties).length(), empties.size());
 }
 
-// Where the marks of parameters stand is noted for short texts; a long folder makes a text long.
+// A short text is cut by its marks, mostly into plain parameters; a long folder makes a text long.
 TEST(URLSimplification, DoesTheSameWithLongTexts) {
     std::mt19937 random(12);
     const auto pieces = test::wordsOf(
         u"? & ; = /a.php id= &sid=1a ;sid=2 &PHPSESSID=x utm_source= ?utm_term=b &random=1 #c / . %26 %3D a=b ?&p=1 "
         u"s=1 /login? &cid=3 .html? /index.html & www. ");
-    for (int round = 0; round < 20000; ++round) {
-        std::u16string rest;
-        for (unsigned n = random() % 7; n > 0; --n) rest += pieces[random() % pieces.size()];
-        const std::u16string name(140, u'x');
-        std::u16string expected(simplifiedStringURL(u"https://h.org/x/" + rest));
+    const auto parameters = test::wordsOf(
+        u"id=1 xid=2 PHPSESSID=a phpsessid=b WGSessID=c xsessid=d CFID=1 affid=2 cid=3 cid=a p_sid=4 sid=5 sid=a "
+        u"nats=1 "
+        u"pi=1 Cache=2 CMP=3 lsrc=4 highlight=5 hilit=6 ei=7 random=8 utm_source=1 UTM_Term=2 xutm_term=3 utm_id=4 "
+        u"ved=5 "
+        u"p=6 s=7 a=b=c =d e page=main.php widgetType=1 x=/index.php \u00C4=1 %41=%26 f=");
+    const auto pages =
+        test::wordsOf(u"a a.html viewtopic.php b.aspx /groups.google.com/ google.com/patents/ login register a//b ");
+    for (int round = 0; round < 60000; ++round) {
+        Text rest;
+        if (random() % 2) {
+            for (unsigned n = random() % 7; n > 0; --n) rest += pieces[random() % pieces.size()];
+        } else {
+            rest = pages[random() % pages.size()];
+            for (unsigned n = 0; n < random() % 7; ++n)
+                rest += (n ? u"&" : u"?") + parameters[random() % parameters.size()];
+        }
+        const unsigned bits = random() % 4 ? 31 : random();
+        const SimplifyOptions options{(bits & 1) != 0, (bits & 2) != 0, (bits & 4) != 0, (bits & 8) != 0,
+                                      (bits & 16) != 0};
+        const Text start = random() % 2 ? u"https://h.org/" : u"h/";
+        const Text name(140, u'x');
+        Text expected(simplifiedStringURL(start + u"x/" + rest, options));
         if (const std::size_t x = expected.find(u"/x"); x != expected.npos) expected.replace(x + 1, 1, name);
-        ASSERT_EQ(simplifiedStringURL(u"https://h.org/" + name + u"/" + rest), expected) << utf8(rest);
+        ASSERT_EQ(simplifiedStringURL(start + name + u"/" + rest, options), expected) << utf8(start + rest);
     }
 }
 

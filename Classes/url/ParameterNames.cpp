@@ -1,0 +1,78 @@
+#include "url/ParameterNames.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace velmo::detail {
+namespace {
+
+/// Four units with the bit set in which letters of both cases differ. Other units that become alike
+/// only share a slot.
+std::uint64_t fourUnits(const char16_t* units) noexcept {
+    std::uint64_t word;
+    std::memcpy(&word, units, sizeof word);
+    return word | 0x0020'0020'0020'0020;
+}
+
+/// The same of up to three, of which none is left out.
+std::uint64_t fewUnits(std::u16string_view units) noexcept {
+    const char16_t all[] = {units.front(), units[units.size() / 2], units.back(), u'\0'};
+    return fourUnits(all);
+}
+
+}  // namespace
+
+std::uint64_t ParameterNames::hashOf(Units name) const noexcept {
+    constexpr std::uint64_t Odd = 0x9E3779B97F4A7C15;
+    const std::uint64_t size = seed_ ^ Odd * name.size();
+    if (name.size() < 4) return mixedHash(fewUnits(name) ^ size, Odd);
+    const char16_t* units = name.data();
+    const char16_t* const end = units + name.size();
+    std::uint64_t hash = seed_;
+    for (; end - units > 8; units += 8)
+        hash = mixedHash(hash ^ fourUnits(units), fourUnits(units + 4) ^ size);
+    // What is left is one to eight units; of a longer name some of those before are taken again.
+    const char16_t* const first = name.size() < 8 ? units : end - 8;
+    return mixedHash(hash ^ fourUnits(first), fourUnits(end - 4) ^ size);
+}
+
+std::size_t ParameterNames::find(Units name, bool isBeginning) const noexcept {
+    const std::uint64_t hash = hashOf(name);
+    for (std::size_t i = hash;; ++i) {
+        const Slot& slot = slots_[i & (slots_.size() - 1)];
+        if (slot.name == 0) return NotThere;
+        if (slot.hash != static_cast<std::uint32_t>(hash >> 32)) continue;
+        const Name& known = names_[slot.name - 1];
+        const auto isSame = [](char16_t unit, char16_t lower) {
+            return ascii::toLower(unit) == lower;
+        };
+        if (known.isBeginning == isBeginning && std::ranges::equal(name, known.text, isSame))
+            return slot.name - 1;
+    }
+}
+
+std::size_t ParameterNames::add(Units name, bool isBeginning) {
+    const std::size_t known = find(name, isBeginning);
+    if (known != NotThere) return known;
+    names_.push_back({std::u16string(name), isBeginning, hashOf(name)});
+    if (4 * names_.size() > slots_.size())
+        growTo(2 * slots_.size());
+    else
+        place(names_.size() - 1);
+    if (isBeginning) lengths_[slotOfFirst(name)] |= std::uint64_t{1} << (name.size() - 1);
+    return names_.size() - 1;
+}
+
+void ParameterNames::place(std::size_t number) {
+    std::size_t i = names_[number].hash;
+    while (slots_[i & (slots_.size() - 1)].name) ++i;
+    slots_[i & (slots_.size() - 1)] = {static_cast<std::uint32_t>(names_[number].hash >> 32),
+                                       static_cast<std::uint32_t>(number + 1)};
+}
+
+void ParameterNames::growTo(std::size_t slots) {
+    slots_.assign(slots, Slot());
+    for (std::size_t number = 0; number < names_.size(); ++number) place(number);
+}
+
+}  // namespace velmo::detail
