@@ -22,7 +22,7 @@ std::string folderOfPages() {
 std::vector<std::string> readPages() {
     std::vector<std::filesystem::path> paths;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folderOfPages()))
-        if (entry.is_regular_file() && entry.path().extension() == ".html")
+        if (entry.path().extension().string().find("htm") != std::string::npos)
             paths.push_back(entry.path());
     std::sort(paths.begin(), paths.end());
     std::vector<std::string> pages;

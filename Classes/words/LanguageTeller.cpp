@@ -11,15 +11,13 @@
 #include "words/LanguageTeller.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include <velmocore/text/Folding.h>
-#include <velmocore/words/Separators.h>
 
 #include "words/AlphabetTables.h"
 #include "words/ChineseFormTables.h"
-#include "words/RunScan.h"
 #include "words/ScriptTables.h"
+#include "words/StopWordScan.h"
 
 namespace velmo::detail {
 namespace {
@@ -52,14 +50,7 @@ std::uint64_t pointsOfWord(std::size_t languages) {
 }
 
 bool isAscii(std::u16string_view word) {
-    std::uint64_t all = 0, four;
-    std::size_t i = 0;
-    for (; word.size() - i >= 4; i += 4) {
-        std::memcpy(&four, word.data() + i, sizeof four);
-        all |= four;
-    }
-    for (; i < word.size(); ++i) all |= word[i];
-    return !(all & 0xFF80FF80FF80FF80);
+    return std::ranges::all_of(word, [](char16_t unit) { return unit < 128; });
 }
 
 /// The first row of the script of a row.
@@ -132,10 +123,9 @@ void LanguageTeller::readUnits(std::u16string_view word, Signs& signs) const {
     }
 }
 
-void LanguageTeller::addWord(std::size_t word, Signs& signs) const {
-    const auto languages = index_.languagesOf(word);
-    const std::uint64_t points = pointsOfWord(languages.size());
-    for (std::uint32_t language : languages) signs.hits[language].add(word, points);
+void LanguageTeller::addWord(StopWordIndex::Languages word, Signs& signs) {
+    const std::uint64_t points = pointsOfWord(word.size());
+    for (std::uint32_t language : word) signs.hits[language].add(word, points);
 }
 
 LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64_t minLen) const {
@@ -143,20 +133,19 @@ LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64
     signs.hits.resize(keys_.size());
     signs.counts.resize(letterPoints_.size());
     const std::size_t latin = scripts_['a' / 16];
-    forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
-        if (run.isMember) return true;
-        const std::u16string_view word = text.substr(run.start, run.length());
-        if (!scripts_[word.front() / 16] || !scripts_[word.back() / 16]) return true;
-        ++signs.words;
-        if (isAscii(word))
-            signs.weights[latin] += word.size();
-        else
-            readUnits(word, signs);
-        if (word.size() < minLen) return true;
-        if (const std::size_t found = index_.find(word); found != StopWordIndex::NoWord)
-            addWord(found, signs);
-        return true;
-    });
+    StopWordScan scan(text, index_, 1, minLen);
+    scan.run([&](StopWordIndex::Languages word) { addWord(word, signs); },
+             [&](std::u16string_view word) {
+                 if (!scripts_[word.front() / 16] || !scripts_[word.back() / 16]) return;
+                 ++signs.words;
+                 if (isAscii(word))
+                     signs.weights[latin] += word.size();
+                 else
+                     readUnits(word, signs);
+                 if (word.size() >= minLen) addWord(index_.find(word), signs);
+             });
+    signs.words += scan.edgedByLetters().words;
+    signs.weights[latin] += scan.edgedByLetters().units;
     return signs;
 }
 

@@ -2,6 +2,7 @@
 // half full, so that a probe is short and always ends at a free place. All words stand in one array
 // of units, and the languages of all words in another: a look-up touches the filter and, if that
 // lets it pass, a slot and, unless the slot holds the whole word, the word if the tag agrees.
+// The place where the languages of a word stand tells it from all others.
 #include "words/StopWordIndex.h"
 
 #include <algorithm>
@@ -11,8 +12,7 @@
 #include <velmocore/text/Folding.h>
 
 #include "platform/Ascii.h"
-#include "text/UnitHash.h"
-#include "words/PackedWord.h"
+#include "text/SmallBuffer.h"
 
 namespace velmo::detail {
 namespace {
@@ -24,8 +24,6 @@ bool isUsable(std::u16string_view word, std::size_t shortest) {
 
 /// The upper half, as the lower bits choose the place.
 std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
-
-std::uint64_t hashOfPacked(std::uint64_t key) { return mixedHash(key, 0x9E3779B97F4A7C15); }
 
 /// In bits of the filter, and bits: about one in ten of the words that no language has passes.
 constexpr std::size_t FilterBitsForWord = 8, LeastFilterBits = 128;
@@ -53,10 +51,11 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
     filter_.resize(bits / 64);
     filterShift_ = 64 - static_cast<unsigned>(std::countr_zero(filter_.size()));
     for (const auto& [word, languages] : languagesOfWords) {
-        words_.push_back({static_cast<std::uint32_t>(units_.size()),
-                          static_cast<std::uint32_t>(word.length()),
-                          static_cast<std::uint32_t>(languages_.size()),
-                          static_cast<std::uint32_t>(languages.size())});
+        const auto stretch = [](std::size_t start, std::size_t length) {
+            return Stretch{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(length)};
+        };
+        words_.push_back({stretch(units_.size(), word.length()),
+                          stretch(languages_.size(), languages.size())});
         units_.append(word.view());
         for (std::uint32_t language : languages) ++counts_[language];
         languages_.insert(languages_.end(), languages.begin(), languages.end());
@@ -73,62 +72,62 @@ void StopWordIndex::place(std::uint32_t word) {
     const std::u16string_view text = textOf(words_[word - 1]);
     // A list may hold capitals, which no folded word has: such a word is never found.
     const auto isLower = [](char16_t unit) { return unit == ascii::toLower(unit); };
-    if (const std::uint64_t key = packedWord(text); key && std::ranges::all_of(text, isLower)) {
-        const std::uint64_t hash = hashOfPacked(key);
+    if (const PackedWord packed = packedWord(text); packed && std::ranges::all_of(text, isLower)) {
+        const std::uint64_t hash = hashOf(packed);
         std::size_t i = hash & (packedSlots_.size() - 1);
         while (packedSlots_[i].word) i = (i + 1) & (packedSlots_.size() - 1);
-        packedSlots_[i] = {key, word};
+        packedSlots_[i] = {packed, words_[word - 1].languages};
         return noteInFilter(hash);
     }
-    const std::uint64_t hash = detail::hashOfUnits(text);
+    const std::uint64_t hash = hashOfUnits(text);
     noteInFilter(hash);
     std::size_t i = hash & (slots_.size() - 1);
     while (slots_[i].word) i = (i + 1) & (slots_.size() - 1);
     slots_[i] = {tagOf(hash), word};
 }
 
-std::size_t StopWordIndex::find(std::u16string_view word) const {
-    if (const std::uint64_t key = packedWord(word)) return findPacked(key);
-    if (word.size() > MostPackedUnits) return findOther(word);
+StopWordIndex::Languages StopWordIndex::find(std::u16string_view word) const {
+    // Spares the hash of units that run on without a separator, as in data.
+    if (word.size() > longest_) return {};
+    SmallBuffer<char16_t, 64> folded(word.size());
+    char16_t all = 0;
+    for (std::size_t i = 0; i < word.size(); ++i) all |= folded[i] = fold_[word[i]];
+    const std::u16string_view units(folded.data(), word.size());
     // What is outside ASCII may be folded into it.
-    char16_t folded[MostPackedUnits];
-    std::ranges::transform(word, folded, [&](char16_t unit) { return fold_[unit]; });
-    const std::uint64_t key = packedWord({folded, word.size()});
-    return key ? findPacked(key) : findOther(word);
+    if (all < 128)
+        if (const PackedWord packed = packedWord(units))
+            return findPacked(packed, hashOf(packed));
+    return findFolded(units);
 }
 
-std::size_t StopWordIndex::findPacked(std::uint64_t key) const {
-    const std::uint64_t hash = hashOfPacked(key);
-    if (!mayHave(hash)) return NoWord;
+StopWordIndex::Languages StopWordIndex::findPacked(const PackedWord& word,
+                                                   std::uint64_t hash) const {
+    if (!mayHave(hash)) return {};
     for (std::size_t i = hash & (packedSlots_.size() - 1);;
          i = (i + 1) & (packedSlots_.size() - 1)) {
-        const PackedSlot slot = packedSlots_[i];
-        if (slot.key == key) return slot.word - 1;
-        if (!slot.word) return NoWord;
+        const PackedSlot& slot = packedSlots_[i];
+        // A free place has no languages.
+        if (slot.word == word || !slot.word) return languagesOf(slot.languages);
     }
 }
 
-std::size_t StopWordIndex::findOther(std::u16string_view word) const {
-    // Spares the hash of units that run on without a separator, as in data.
-    if (word.size() > longest_) return NoWord;
+StopWordIndex::Languages StopWordIndex::findFolded(std::u16string_view word) const {
     // Without a seed: only the words of the lists stand in the table, and no text can add to it.
-    const std::uint64_t hash =
-        detail::hashOfUnits(word, 0, [&](char16_t unit) { return fold_[unit]; });
-    if (!mayHave(hash)) return NoWord;
+    const std::uint64_t hash = hashOfUnits(word);
+    if (!mayHave(hash)) return {};
     for (std::size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
         const Slot slot = slots_[i];
-        if (!slot.word) return NoWord;
-        if (slot.tag == tagOf(hash) &&
-            std::ranges::equal(word, textOf(words_[slot.word - 1]), {},
-                               [&](char16_t unit) { return fold_[unit]; }))
-            return slot.word - 1;
+        if (!slot.word) return {};
+        const Word& other = words_[slot.word - 1];
+        if (slot.tag == tagOf(hash) && word == textOf(other)) return languagesOf(other.languages);
     }
 }
 
 std::vector<std::u16string_view> StopWordIndex::wordsOf(std::size_t language) const {
     std::vector<std::u16string_view> result;
     for (std::size_t i = 0; i < words_.size(); ++i)
-        if (std::ranges::count(languagesOf(i), language)) result.push_back(textOf(words_[i]));
+        if (std::ranges::count(languagesOf(words_[i].languages), language))
+            result.push_back(textOf(words_[i]));
     return result;  // the words of all languages are in order already
 }
 

@@ -11,6 +11,9 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/ConversionTables.h>
 
+#include "text/UnitHash.h"
+#include "words/PackedWord.h"
+
 namespace velmo::detail {
 
 class StopWordIndex {
@@ -22,28 +25,36 @@ public:
     StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts,
                   std::size_t shortest);
 
-    static constexpr std::size_t NoWord = static_cast<std::size_t>(-1);
+    /// The languages that have a word, none if no language has it. Words that are folded alike
+    /// give the very same span, and no other word gives it.
+    using Languages = std::span<const std::uint32_t>;
+    Languages find(std::u16string_view word) const;
 
-    /// The index of a word, NoWord if no language has it.
-    std::size_t find(std::u16string_view word) const;
-    /// The languages that have the word.
-    std::span<const std::uint32_t> languagesOf(std::size_t word) const {
-        return std::span(languages_).subspan(words_[word].firstLanguage, words_[word].languages);
+    /// The same for a word that has a number, and whether it can be there at all. What is no such
+    /// word may be asked for too.
+    static std::uint64_t hashOf(const PackedWord& word) {
+        return mixedHash(word.low ^ 0x9E3779B97F4A7C15, word.high ^ 0xD6E8FEB86659FD93);
     }
+    bool mayHave(std::uint64_t hash) const {
+        return filter_[hash >> filterShift_] >> (hash >> (filterShift_ - 6) & 63) & 1;
+    }
+    Languages findPacked(const PackedWord& word, std::uint64_t hash) const;
 
     std::size_t numberOfWords(std::size_t language) const { return counts_[language]; }
     /// The words of a language, sorted.
     std::vector<std::u16string_view> wordsOf(std::size_t language) const;
 
 private:
-    struct Word {
-        std::uint32_t start, length;  // in units_
-        std::uint32_t firstLanguage, languages;
+    struct Stretch {
+        std::uint32_t start = 0, length = 0;
     };
-    /// A place of the table of words that PackedWord.h packs.
+    struct Word {
+        Stretch units, languages;  // in units_ and languages_
+    };
+    /// A place of the table of words that PackedWord.h packs, which says all of them.
     struct PackedSlot {
-        std::uint64_t key = 0;
-        std::uint32_t word = 0;  // as below
+        PackedWord word;  // none if the place is free
+        Stretch languages;
     };
     /// A place of the table of all others. Part of the hash saves most looks at the word itself.
     struct Slot {
@@ -52,15 +63,14 @@ private:
     };
 
     std::u16string_view textOf(const Word& word) const {
-        return std::u16string_view(units_).substr(word.start, word.length);
+        return std::u16string_view(units_).substr(word.units.start, word.units.length);
     }
-    bool mayHave(std::uint64_t hash) const {
-        return filter_[hash >> filterShift_] >> (hash >> (filterShift_ - 6) & 63) & 1;
+    Languages languagesOf(const Stretch& stretch) const {
+        return Languages(languages_).subspan(stretch.start, stretch.length);
     }
     void noteInFilter(std::uint64_t hash);
     void place(std::uint32_t word);
-    std::size_t findPacked(std::uint64_t key) const;
-    std::size_t findOther(std::u16string_view word) const;
+    Languages findFolded(std::u16string_view word) const;
 
     const ConversionTable& fold_;
     std::u16string units_;
