@@ -44,7 +44,6 @@ LanguageTally tallyOfText(std::u16string_view text, const StopWordIndex& index,
             tally.scripts[static_cast<std::size_t>(scriptOf(first))].add(word);
     });
     tally.all.add(scan.packed());
-    tally.edgedByNonLetters.add(scan.packed().without(scan.edgedByLetters()));
     return tally;
 }
 

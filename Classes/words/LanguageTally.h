@@ -46,9 +46,7 @@ struct LanguageTally {
     std::array<WordCount, NumberOfScripts> scripts;
     std::vector<LanguageHits> languages;
 
-    WordCount edgedByLetters() const {
-        return all.without(edgedByNonLetters);
-    }
+    WordCount edgedByLetters() const { return all.without(edgedByNonLetters); }
 };
 
 /// Counts the words of a text that have at least minLen units.

@@ -144,8 +144,8 @@ LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64
                      readUnits(word, signs);
                  if (word.size() >= minLen) addWord(index_.find(word), signs);
              });
-    signs.words += scan.edgedByLetters().words;
-    signs.weights[latin] += scan.edgedByLetters().units;
+    signs.words += scan.packed().words;
+    signs.weights[latin] += scan.packed().units;
     return signs;
 }
 

@@ -22,8 +22,8 @@ bool isUsable(std::u16string_view word, std::size_t shortest) {
     return word.size() >= shortest && word.find_first_of(u"'.") == word.npos;
 }
 
-/// The upper half, as the lower bits choose the place.
-std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32); }
+/// The upper half chooses the place, as the filter takes the lower bits.
+std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash); }
 
 /// In bits of the filter, and bits: about one in ten of the words that no language has passes.
 constexpr std::size_t FilterBitsForWord = 8, LeastFilterBits = 128;
@@ -49,13 +49,13 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
     const std::size_t bits =
         std::bit_ceil(std::max(LeastFilterBits, FilterBitsForWord * languagesOfWords.size()));
     filter_.resize(bits / 64);
-    filterShift_ = 64 - static_cast<unsigned>(std::countr_zero(filter_.size()));
+    filterMask_ = filter_.size() - 1;
     for (const auto& [word, languages] : languagesOfWords) {
         const auto stretch = [](std::size_t start, std::size_t length) {
             return Stretch{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(length)};
         };
-        words_.push_back({stretch(units_.size(), word.length()),
-                          stretch(languages_.size(), languages.size())});
+        words_.push_back(
+            {stretch(units_.size(), word.length()), stretch(languages_.size(), languages.size())});
         units_.append(word.view());
         for (std::uint32_t language : languages) ++counts_[language];
         languages_.insert(languages_.end(), languages.begin(), languages.end());
@@ -65,23 +65,24 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
 }
 
 void StopWordIndex::noteInFilter(std::uint64_t hash) {
-    filter_[hash >> filterShift_] |= std::uint64_t{1} << (hash >> (filterShift_ - 6) & 63);
+    filter_[hash / 64 & filterMask_] |= std::uint64_t{1} << (hash & 63);
 }
 
 void StopWordIndex::place(std::uint32_t word) {
     const std::u16string_view text = textOf(words_[word - 1]);
     // A list may hold capitals, which no folded word has: such a word is never found.
     const auto isLower = [](char16_t unit) { return unit == ascii::toLower(unit); };
-    if (const PackedWord packed = packedWord(text); packed && std::ranges::all_of(text, isLower)) {
+    const auto [packed, hasNumber] = packedWord(text);
+    if (hasNumber && std::ranges::all_of(text, isLower)) {
         const std::uint64_t hash = hashOf(packed);
-        std::size_t i = hash & (packedSlots_.size() - 1);
-        while (packedSlots_[i].word) i = (i + 1) & (packedSlots_.size() - 1);
+        std::size_t i = hash >> 32 & (packedSlots_.size() - 1);
+        while (packedSlots_[i].languages.length) i = (i + 1) & (packedSlots_.size() - 1);
         packedSlots_[i] = {packed, words_[word - 1].languages};
         return noteInFilter(hash);
     }
     const std::uint64_t hash = hashOfUnits(text);
     noteInFilter(hash);
-    std::size_t i = hash & (slots_.size() - 1);
+    std::size_t i = hash >> 32 & (slots_.size() - 1);
     while (slots_[i].word) i = (i + 1) & (slots_.size() - 1);
     slots_[i] = {tagOf(hash), word};
 }
@@ -95,7 +96,7 @@ StopWordIndex::Languages StopWordIndex::find(std::u16string_view word) const {
     const std::u16string_view units(folded.data(), word.size());
     // What is outside ASCII may be folded into it.
     if (all < 128)
-        if (const PackedWord packed = packedWord(units))
+        if (const auto [packed, hasNumber] = packedWord(units); hasNumber)
             return findPacked(packed, hashOf(packed));
     return findFolded(units);
 }
@@ -103,11 +104,11 @@ StopWordIndex::Languages StopWordIndex::find(std::u16string_view word) const {
 StopWordIndex::Languages StopWordIndex::findPacked(const PackedWord& word,
                                                    std::uint64_t hash) const {
     if (!mayHave(hash)) return {};
-    for (std::size_t i = hash & (packedSlots_.size() - 1);;
+    for (std::size_t i = hash >> 32 & (packedSlots_.size() - 1);;
          i = (i + 1) & (packedSlots_.size() - 1)) {
         const PackedSlot& slot = packedSlots_[i];
         // A free place has no languages.
-        if (slot.word == word || !slot.word) return languagesOf(slot.languages);
+        if (slot.word == word || !slot.languages.length) return languagesOf(slot.languages);
     }
 }
 
@@ -115,7 +116,7 @@ StopWordIndex::Languages StopWordIndex::findFolded(std::u16string_view word) con
     // Without a seed: only the words of the lists stand in the table, and no text can add to it.
     const std::uint64_t hash = hashOfUnits(word);
     if (!mayHave(hash)) return {};
-    for (std::size_t i = hash & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
+    for (std::size_t i = hash >> 32 & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
         const Slot slot = slots_[i];
         if (!slot.word) return {};
         const Word& other = words_[slot.word - 1];

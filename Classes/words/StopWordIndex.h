@@ -30,13 +30,12 @@ public:
     using Languages = std::span<const std::uint32_t>;
     Languages find(std::u16string_view word) const;
 
-    /// The same for a word that has a number, and whether it can be there at all. What is no such
-    /// word may be asked for too.
+    /// The same for a word that has a number, and whether it can be there at all.
     static std::uint64_t hashOf(const PackedWord& word) {
         return mixedHash(word.low ^ 0x9E3779B97F4A7C15, word.high ^ 0xD6E8FEB86659FD93);
     }
     bool mayHave(std::uint64_t hash) const {
-        return filter_[hash >> filterShift_] >> (hash >> (filterShift_ - 6) & 63) & 1;
+        return filter_[hash / 64 & filterMask_] >> (hash & 63) & 1;
     }
     Languages findPacked(const PackedWord& word, std::uint64_t hash) const;
 
@@ -53,8 +52,8 @@ private:
     };
     /// A place of the table of words that PackedWord.h packs, which says all of them.
     struct PackedSlot {
-        PackedWord word;  // none if the place is free
-        Stretch languages;
+        PackedWord word;
+        Stretch languages;  // none if the place is free
     };
     /// A place of the table of all others. Part of the hash saves most looks at the word itself.
     struct Slot {
@@ -83,7 +82,7 @@ private:
     /// Some bits of the hashes of all words: small enough to stay in the nearest cache, it answers
     /// for most words that no language has.
     std::vector<std::uint64_t> filter_;
-    unsigned filterShift_ = 0;  // leaves the places in it of a hash
+    std::uint64_t filterMask_ = 0;
 };
 
 }  // namespace velmo::detail

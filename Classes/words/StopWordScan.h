@@ -4,7 +4,7 @@
 // their numbers are (PackedWord.h) and whether the filter of the index lets them pass; and only for
 // those that it does, which are mostly stop words indeed, a look into the table.
 //
-// Words that have no number, which are long or not in ASCII, are left to the caller.
+// Words that have no number, which are few in most texts, are left to the caller.
 #pragma once
 
 #include <array>
@@ -29,8 +29,8 @@ public:
                  std::size_t leastSought)
         : text_(text), index_(index), leastCounted_(leastCounted), leastSought_(leastSought) {}
 
-    /// Calls found(languages) for each stop word that has a number, and other(word) for each word
-    /// that has none.
+    /// Calls found(languages) for each stop word that has a number, and now and then for none; and
+    /// other(word) for each word that has no number.
     template <class Found, class Other>
     void run(Found found, Other other) {
         forEachBlock(text_, defaultWordSeparators(),
@@ -43,12 +43,11 @@ public:
         lookAtWords(found, other);
     }
 
-    /// Of the words with a number: all, and those that begin and end with a letter.
+    /// The words that have a number.
     const WordCount& packed() const { return packed_; }
-    const WordCount& edgedByLetters() const { return edgedByLetters_; }
 
 private:
-    static constexpr std::size_t MostEdges = 512, Unrolled = 4;
+    static constexpr std::size_t MostEdges = 512;
 
     struct Candidate {
         PackedWord word;
@@ -59,43 +58,38 @@ private:
     void addEdges(std::size_t base, std::uint64_t members, std::size_t count) {
         std::uint64_t edges = members ^ (members << 1 | (edges_ % 2));
         if (count < 64) edges &= (std::uint64_t{1} << count) - 1;
-        // Some are written too many, which the next ones overwrite.
-        std::size_t* place = places_.data() + edges_;
-        edges_ += static_cast<std::size_t>(std::popcount(edges));
-        while (edges)
-            for (std::size_t i = 0; i < Unrolled; ++i, edges &= edges - 1)
-                *place++ = base + static_cast<std::size_t>(std::countr_zero(edges));
+        for (; edges; edges &= edges - 1)
+            places_[edges_++] = base + static_cast<std::size_t>(std::countr_zero(edges));
     }
 
     template <class Found, class Other>
     void lookAtWords(Found& found, Other& other) {
         const std::size_t words = edges_ / 2;
-        std::size_t candidates = 0, others = 0;
+        Candidate* candidate = candidates_.data();
+        std::size_t* another = others_.data();
+        WordCount counted;
         for (std::size_t i = 0; i < words; ++i) {
             const std::size_t start = places_[2 * i], size = places_[2 * i + 1] - start;
-            const PackedWord word = packedAt(start, size);
-            const bool isCounted = size >= leastCounted_, isPacked = static_cast<bool>(word);
-            const bool isLettered = isCounted & isPacked & word.isEdgedByLetters(size);
-            packed_.addIf(isCounted & isPacked, size);
-            edgedByLetters_.addIf(isLettered, size);
-            others_[others] = i;
-            others += isCounted & !isPacked;
+            const auto [word, hasNumber] = packedAt(start, size);
+            const bool isCounted = size >= leastCounted_;
+            counted.addIf(isCounted & hasNumber, size);
+            *another = i;
+            another += isCounted & !hasNumber;
             const std::uint64_t hash = StopWordIndex::hashOf(word);
-            candidates_[candidates] = {word, hash};
-            candidates += isLettered & (size >= leastSought_) & index_.mayHave(hash);
+            *candidate = {word, hash};
+            candidate += hasNumber & (size >= leastSought_) & index_.mayHave(hash);
         }
-        for (const Candidate& candidate : std::span(candidates_).first(candidates))
-            if (const auto languages = index_.findPacked(candidate.word, candidate.hash);
-                !languages.empty())
-                found(languages);
-        for (std::size_t i : std::span(others_).first(others))
-            other(text_.substr(places_[2 * i], places_[2 * i + 1] - places_[2 * i]));
+        packed_.add(counted);
+        for (const Candidate* each = candidates_.data(); each < candidate; ++each)
+            found(index_.findPacked(each->word, each->hash));
+        for (const std::size_t* each = others_.data(); each < another; ++each)
+            other(text_.substr(places_[2 * *each], places_[2 * *each + 1] - places_[2 * *each]));
         // A word that goes on stays.
         places_[0] = places_[2 * words];
         edges_ %= 2;
     }
 
-    PackedWord packedAt(std::size_t start, std::size_t size) const {
+    PackedReading packedAt(std::size_t start, std::size_t size) const {
         return text_.size() - start >= MostPackedUnits ? packedWord(text_.data() + start, size)
                                                        : packedWord(text_.substr(start, size));
     }
@@ -103,11 +97,12 @@ private:
     const std::u16string_view text_;
     const StopWordIndex& index_;
     const std::size_t leastCounted_, leastSought_;
-    WordCount packed_, edgedByLetters_;
+    WordCount packed_;
     std::size_t edges_ = 0;
-    std::array<std::size_t, MostEdges + Unrolled> places_;
-    std::array<Candidate, MostEdges / 2> candidates_;
-    std::array<std::size_t, MostEdges / 2> others_;
+    std::array<std::size_t, MostEdges> places_;
+    // One more than there are words, as each is written before it is settled whether it counts.
+    std::array<Candidate, MostEdges / 2 + 1> candidates_;
+    std::array<std::size_t, MostEdges / 2 + 1> others_;
 };
 
 }  // namespace velmo::detail

@@ -13,7 +13,7 @@ struct WordCount {
     /// Without a jump.
     void addIf(bool is, std::uint64_t size) {
         words += is;
-        units += is ? size : 0;
+        units += size & (0 - std::uint64_t{is});
     }
     void add(const WordCount& others) {
         words += others.words;
