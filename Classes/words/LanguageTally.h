@@ -18,14 +18,12 @@ inline constexpr std::size_t NumberOfScripts = 5;
 class LanguageHits {
 public:
     std::uint64_t hits() const { return hits_; }
-    /// How many different words there were, four at most.
-    std::size_t distinct() const { return distinct_; }
-    /// A language is not told by fewer words, however often they occur.
+    /// A language is not told by fewer than four different words, however often they occur.
     bool hasEnoughWords() const { return distinct_ == words_.size(); }
 
-    /// A word, known by where its languages stand, that counts for so many.
-    void add(StopWordIndex::Languages word, std::uint64_t count = 1) {
-        hits_ += count;
+    /// A word, known by where its languages stand.
+    void add(StopWordIndex::Languages word) {
+        ++hits_;
         if (hasEnoughWords()) return;
         for (std::size_t i = 0; i < distinct_; ++i)
             if (words_[i] == word.data()) return;
@@ -34,7 +32,7 @@ public:
 
 private:
     std::uint64_t hits_ = 0;
-    std::size_t distinct_ = 0;
+    std::size_t distinct_ = 0;  // of its words, four at most
     // Enough to tell that there are four; which others occur does not matter. So a text of any
     // length needs no set of words for each language.
     std::array<const std::uint32_t*, 4> words_;

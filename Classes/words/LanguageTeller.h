@@ -31,6 +31,7 @@ public:
     ToldLanguage tell(std::u16string_view text, std::uint64_t minLen) const;
 
 private:
+    struct Hits;
     struct Signs;
 
     void addAlphabets();

@@ -48,8 +48,8 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
     packedSlots_.resize(slots_.size());
     const std::size_t bits =
         std::bit_ceil(std::max(LeastFilterBits, FilterBitsForWord * languagesOfWords.size()));
-    filter_.resize(bits / 64);
-    filterMask_ = filter_.size() - 1;
+    filterBits_.resize(bits / 64);
+    filter_ = Filter(filterBits_.data(), filterBits_.size());
     for (const auto& [word, languages] : languagesOfWords) {
         const auto stretch = [](std::size_t start, std::size_t length) {
             return Stretch{static_cast<std::uint32_t>(start), static_cast<std::uint32_t>(length)};
@@ -64,10 +64,6 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
     }
 }
 
-void StopWordIndex::noteInFilter(std::uint64_t hash) {
-    filter_[hash / 64 & filterMask_] |= std::uint64_t{1} << (hash & 63);
-}
-
 void StopWordIndex::place(std::uint32_t word) {
     const std::u16string_view text = textOf(words_[word - 1]);
     // A list may hold capitals, which no folded word has: such a word is never found.
@@ -78,10 +74,10 @@ void StopWordIndex::place(std::uint32_t word) {
         std::size_t i = hash >> 32 & (packedSlots_.size() - 1);
         while (packedSlots_[i].languages.length) i = (i + 1) & (packedSlots_.size() - 1);
         packedSlots_[i] = {packed, words_[word - 1].languages};
-        return noteInFilter(hash);
+        return filter_.add(hash);
     }
     const std::uint64_t hash = hashOfUnits(text);
-    noteInFilter(hash);
+    filter_.add(hash);
     std::size_t i = hash >> 32 & (slots_.size() - 1);
     while (slots_[i].word) i = (i + 1) & (slots_.size() - 1);
     slots_[i] = {tagOf(hash), word};
@@ -103,7 +99,7 @@ StopWordIndex::Languages StopWordIndex::find(std::u16string_view word) const {
 
 StopWordIndex::Languages StopWordIndex::findPacked(const PackedWord& word,
                                                    std::uint64_t hash) const {
-    if (!mayHave(hash)) return {};
+    if (!filter_.mayHave(hash)) return {};
     for (std::size_t i = hash >> 32 & (packedSlots_.size() - 1);;
          i = (i + 1) & (packedSlots_.size() - 1)) {
         const PackedSlot& slot = packedSlots_[i];
@@ -115,7 +111,7 @@ StopWordIndex::Languages StopWordIndex::findPacked(const PackedWord& word,
 StopWordIndex::Languages StopWordIndex::findFolded(std::u16string_view word) const {
     // Without a seed: only the words of the lists stand in the table, and no text can add to it.
     const std::uint64_t hash = hashOfUnits(word);
-    if (!mayHave(hash)) return {};
+    if (!filter_.mayHave(hash)) return {};
     for (std::size_t i = hash >> 32 & (slots_.size() - 1);; i = (i + 1) & (slots_.size() - 1)) {
         const Slot slot = slots_[i];
         if (!slot.word) return {};

@@ -30,12 +30,29 @@ public:
     using Languages = std::span<const std::uint32_t>;
     Languages find(std::u16string_view word) const;
 
-    /// The same for a word that has a number, and whether it can be there at all.
+    /// Some bits of the hashes of all words: small enough to stay in the nearest caches, it answers
+    /// for most words that no language has.
+    class Filter {
+    public:
+        Filter() = default;
+        Filter(std::uint64_t* bits, std::size_t size) : bits_(bits), mask_(size - 1) {}
+
+        bool mayHave(std::uint64_t hash) const {
+            return bits_[hash / 64 & mask_] >> (hash & 63) & 1;
+        }
+        void add(std::uint64_t hash) {
+            bits_[hash / 64 & mask_] |= std::uint64_t{1} << (hash & 63);
+        }
+
+    private:
+        std::uint64_t* bits_ = nullptr;
+        std::uint64_t mask_ = 0;
+    };
+    const Filter& filter() const { return filter_; }
+
+    /// The same for a word that has a number, and its hash.
     static std::uint64_t hashOf(const PackedWord& word) {
         return mixedHash(word.low ^ 0x9E3779B97F4A7C15, word.high ^ 0xD6E8FEB86659FD93);
-    }
-    bool mayHave(std::uint64_t hash) const {
-        return filter_[hash / 64 & filterMask_] >> (hash & 63) & 1;
     }
     Languages findPacked(const PackedWord& word, std::uint64_t hash) const;
 
@@ -67,7 +84,6 @@ private:
     Languages languagesOf(const Stretch& stretch) const {
         return Languages(languages_).subspan(stretch.start, stretch.length);
     }
-    void noteInFilter(std::uint64_t hash);
     void place(std::uint32_t word);
     Languages findFolded(std::u16string_view word) const;
 
@@ -79,10 +95,8 @@ private:
     std::size_t longest_ = 0;
     std::vector<PackedSlot> packedSlots_;  // a power of two, as all of these
     std::vector<Slot> slots_;
-    /// Some bits of the hashes of all words: small enough to stay in the nearest cache, it answers
-    /// for most words that no language has.
-    std::vector<std::uint64_t> filter_;
-    std::uint64_t filterMask_ = 0;
+    std::vector<std::uint64_t> filterBits_;
+    Filter filter_;
 };
 
 }  // namespace velmo::detail

@@ -68,16 +68,20 @@ private:
         Candidate* candidate = candidates_.data();
         std::size_t* another = others_.data();
         WordCount counted;
+        // Nothing that is written below can change these, as a compiler cannot know.
+        const StopWordIndex::Filter filter = index_.filter();
+        const std::u16string_view text = text_;
+        const std::size_t leastCounted = leastCounted_, leastSought = leastSought_;
         for (std::size_t i = 0; i < words; ++i) {
             const std::size_t start = places_[2 * i], size = places_[2 * i + 1] - start;
-            const auto [word, hasNumber] = packedAt(start, size);
-            const bool isCounted = size >= leastCounted_;
+            const auto [word, hasNumber] = packedAt(text, start, size);
+            const bool isCounted = size >= leastCounted;
             counted.addIf(isCounted & hasNumber, size);
             *another = i;
             another += isCounted & !hasNumber;
             const std::uint64_t hash = StopWordIndex::hashOf(word);
             *candidate = {word, hash};
-            candidate += hasNumber & (size >= leastSought_) & index_.mayHave(hash);
+            candidate += hasNumber & (size >= leastSought) & filter.mayHave(hash);
         }
         packed_.add(counted);
         for (const Candidate* each = candidates_.data(); each < candidate; ++each)
@@ -89,9 +93,9 @@ private:
         edges_ %= 2;
     }
 
-    PackedReading packedAt(std::size_t start, std::size_t size) const {
-        return text_.size() - start >= MostPackedUnits ? packedWord(text_.data() + start, size)
-                                                       : packedWord(text_.substr(start, size));
+    static PackedReading packedAt(std::u16string_view text, std::size_t start, std::size_t size) {
+        return text.size() - start >= MostPackedUnits ? packedWord(text.data() + start, size)
+                                                      : packedWord(text.substr(start, size));
     }
 
     const std::u16string_view text_;
