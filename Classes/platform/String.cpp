@@ -10,6 +10,7 @@
 #include <ostream>
 
 #include "platform/LargePages.h"
+#include "platform/UnitHash.h"
 #include "platform/Utf8.h"
 
 namespace velmo {
@@ -62,6 +63,10 @@ String String::joined(std::u16string_view first, std::u16string_view second) {
     builder.append(first);
     builder.append(second);
     return builder.finish();
+}
+
+std::size_t detail::hashOfText(std::u16string_view units) noexcept {
+    return hashOfUnits(units, hashSeed());
 }
 
 void String::destroy(Rep* rep) noexcept { std::free(rep); }

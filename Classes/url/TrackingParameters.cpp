@@ -13,7 +13,7 @@
 #include <velmocore/platform/String.h>
 
 #include "platform/Ascii.h"
-#include "text/UnitHash.h"
+#include "platform/UnitHash.h"
 #include "url/TrackingTables.h"
 
 namespace velmo {

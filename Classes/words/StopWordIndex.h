@@ -11,7 +11,7 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/ConversionTables.h>
 
-#include "text/UnitHash.h"
+#include "platform/UnitHash.h"
 #include "words/PackedWord.h"
 
 namespace velmo::detail {
