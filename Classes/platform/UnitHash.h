@@ -27,7 +27,9 @@ constexpr std::uint64_t mixedHash(std::uint64_t a, std::uint64_t b) noexcept {
 
 /// Takes up to sixteen units a step. All bits of the result are good.
 inline std::uint64_t hashOfUnits(std::u16string_view units, std::uint64_t seed = 0) noexcept {
-    constexpr std::uint64_t Odd = 0x9E3779B97F4A7C15, Other = 0xD6E8FEB86659FD93;
+    // Both sides of a product start from numbers of their own, so that no seed makes them alike.
+    constexpr std::uint64_t Odd = 0x9E3779B97F4A7C15, Other = 0xD6E8FEB86659FD93,
+                            Start = 0xA0761D6478BD642F, OtherStart = 0xE7037ED1A0B428DB;
     const auto four = [](const char16_t* from) {
         std::uint64_t word;
         std::memcpy(&word, from, sizeof word);
@@ -38,7 +40,7 @@ inline std::uint64_t hashOfUnits(std::u16string_view units, std::uint64_t seed =
     };
     const std::size_t size = units.size();
     const char16_t *from = units.data(), *const end = from + size;
-    std::uint64_t hash = seed ^ size, beside = Other;
+    std::uint64_t hash = seed ^ (size + 1) * Start, beside = seed ^ OtherStart;
     // Two products at a time, as none waits for the other.
     for (; end - from > 16; from += 16) {
         hash = withEight(hash, from, Odd);
@@ -63,7 +65,7 @@ std::uint64_t hashOfUnits(std::u16string_view units, std::uint64_t seed,
     const auto part = [&](std::size_t i, unsigned place) {
         return static_cast<std::uint64_t>(unitOf(units[i])) << place;
     };
-    std::uint64_t hash = seed ^ units.size();
+    std::uint64_t hash = seed ^ units.size() * Odd;
     std::size_t i = 0;
     for (; units.size() - i >= 4; i += 4)
         hash = mixedHash(hash ^ (part(i, 0) | part(i + 1, 16) | part(i + 2, 32) | part(i + 3, 48)),

@@ -25,6 +25,15 @@ bool isUsable(std::u16string_view word, std::size_t shortest) {
 /// The upper half chooses the place, as the filter takes the lower bits.
 std::uint32_t tagOf(std::uint64_t hash) { return static_cast<std::uint32_t>(hash); }
 
+/// The number of a word of the lists. These may hold capitals, which no folded word has: such a word
+/// is never found.
+PackedReading numberOf(std::u16string_view word) {
+    const auto isLower = [](char16_t unit) { return unit == ascii::toLower(unit); };
+    return std::ranges::all_of(word, isLower) ? packedWord(word) : PackedReading();
+}
+
+std::size_t sizeOfTable(std::size_t words) { return std::bit_ceil(2 * words + 1); }
+
 /// In bits of the filter, and bits: about one in ten of the words that no language has passes.
 constexpr std::size_t FilterBitsForWord = 8, LeastFilterBits = 128;
 
@@ -44,8 +53,10 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
             if (languages.empty() || languages.back() != language) languages.push_back(language);
         }
     counts_.resize(lists.size());
-    slots_.resize(std::bit_ceil(2 * languagesOfWords.size() + 1));
-    packedSlots_.resize(slots_.size());
+    const auto packed = static_cast<std::size_t>(std::ranges::count_if(
+        languagesOfWords, [](const auto& word) { return numberOf(word.first).hasNumber; }));
+    packedSlots_.resize(sizeOfTable(packed));
+    slots_.resize(sizeOfTable(languagesOfWords.size() - packed));
     const std::size_t bits =
         std::bit_ceil(std::max(LeastFilterBits, FilterBitsForWord * languagesOfWords.size()));
     filterBits_.resize(bits / 64);
@@ -66,12 +77,9 @@ StopWordIndex::StopWordIndex(std::span<const std::vector<String>* const> lists, 
 
 void StopWordIndex::place(std::uint32_t word) {
     const std::u16string_view text = textOf(words_[word - 1]);
-    // A list may hold capitals, which no folded word has: such a word is never found.
-    const auto isLower = [](char16_t unit) { return unit == ascii::toLower(unit); };
-    const auto [packed, hasNumber] = packedWord(text);
-    if (hasNumber && std::ranges::all_of(text, isLower)) {
+    if (const auto [packed, hasNumber] = numberOf(text); hasNumber) {
         const std::uint64_t hash = hashOf(packed);
-        std::size_t i = hash >> 32 & (packedSlots_.size() - 1);
+        std::size_t i = placeOf(hash);
         while (packedSlots_[i].languages.length) i = (i + 1) & (packedSlots_.size() - 1);
         packedSlots_[i] = {packed, words_[word - 1].languages};
         return filter_.add(hash);
@@ -100,8 +108,7 @@ StopWordIndex::Languages StopWordIndex::find(std::u16string_view word) const {
 StopWordIndex::Languages StopWordIndex::findPacked(const PackedWord& word,
                                                    std::uint64_t hash) const {
     if (!filter_.mayHave(hash)) return {};
-    for (std::size_t i = hash >> 32 & (packedSlots_.size() - 1);;
-         i = (i + 1) & (packedSlots_.size() - 1)) {
+    for (std::size_t i = placeOf(hash);; i = (i + 1) & (packedSlots_.size() - 1)) {
         const PackedSlot& slot = packedSlots_[i];
         // A free place has no languages.
         if (slot.word == word || !slot.languages.length) return languagesOf(slot.languages);

@@ -84,6 +84,7 @@ private:
     Languages languagesOf(const Stretch& stretch) const {
         return Languages(languages_).subspan(stretch.start, stretch.length);
     }
+    std::size_t placeOf(std::uint64_t hash) const { return hash >> 32 & (packedSlots_.size() - 1); }
     void place(std::uint32_t word);
     Languages findFolded(std::u16string_view word) const;
 

@@ -20,7 +20,7 @@ TEST(PackedWord, IsThatPackedOneByOne) {
         // Whatever stands behind it.
         for (const PackedReading& reading : {packedWord(word), packedWord(text.data(), word.size())}) {
             ASSERT_EQ(reading.hasNumber, expected.hasNumber) << utf8(text);
-            if (expected.hasNumber) ASSERT_EQ(reading.word, expected.word) << utf8(text);
+            ASSERT_TRUE(reading.word == expected.word || !expected.hasNumber) << utf8(text);
         }
     }
 }

@@ -60,7 +60,7 @@ TEST(StopWordScan, FindsAndCountsEachWord) {
             for (char16_t& unit : lower) unit = lowerCharsTable()[unit];
             std::vector<std::uint32_t> languages;
             for (std::uint32_t i = 0; i < 2; ++i)
-                if (std::ranges::count(lists[i], View(lower)) && isEdged && word.size() >= leastSought)
+                if (std::ranges::count(lists[i], String(View(lower))) && isEdged && word.size() >= leastSought)
                     languages.push_back(i);
             if (!languages.empty()) ++expected[languages], ++found;
         }
@@ -70,7 +70,7 @@ TEST(StopWordScan, FindsAndCountsEachWord) {
         ASSERT_EQ(others.words, words.words - packed.words) << utf8(text);
         ASSERT_EQ(others.units, words.units - packed.units) << utf8(text);
     }
-    EXPECT_GT(found, 50000u);
+    EXPECT_GT(found, 20000u);
 }
 
 }  // namespace
