@@ -33,7 +33,8 @@ TEST(StopWordScan, FindsAndCountsEachWord) {
         std::u16string text;
         const std::size_t length = round % 20 ? random() % 200 : 4000;
         while (text.size() < length)
-            text += pieces[random() % pieces.size()] + std::u16string(random() % 8 ? 1 : random() % 70, u" ,\n"[random() % 3]);
+            text += pieces[random() % pieces.size()] +
+                    std::u16string(random() % 8 ? 1 : random() % 70, u" ,\n"[random() % 3]);
         if (random() % 2) text.resize(random() % (text.size() + 1));
         const std::size_t leastCounted = 1 + random() % 3, leastSought = leastCounted + random() % 3;
 
