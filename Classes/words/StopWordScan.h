@@ -89,7 +89,7 @@ private:
         for (const std::size_t* each = others_.data(); each < another; ++each)
             other(text_.substr(places_[2 * *each], places_[2 * *each + 1] - places_[2 * *each]));
         // A word that goes on stays.
-        places_[0] = places_[2 * words];
+        if (edges_ % 2) places_[0] = places_[edges_ - 1];
         edges_ %= 2;
     }
 
