@@ -100,19 +100,11 @@ StopWordIndex::Languages StopWordIndex::find(std::u16string_view word) const {
     const std::u16string_view units(folded.data(), word.size());
     // What is outside ASCII may be folded into it.
     if (all < 128)
-        if (const auto [packed, hasNumber] = packedWord(units); hasNumber)
-            return findPacked(packed, hashOf(packed));
+        if (const auto [packed, hasNumber] = packedWord(units); hasNumber) {
+            const std::uint64_t hash = hashOf(packed);
+            return filter_.mayHave(hash) ? findPacked(packed, hash) : Languages();
+        }
     return findFolded(units);
-}
-
-StopWordIndex::Languages StopWordIndex::findPacked(const PackedWord& word,
-                                                   std::uint64_t hash) const {
-    if (!filter_.mayHave(hash)) return {};
-    for (std::size_t i = placeOf(hash);; i = (i + 1) & (packedSlots_.size() - 1)) {
-        const PackedSlot& slot = packedSlots_[i];
-        // A free place has no languages.
-        if (slot.word == word || !slot.languages.length) return languagesOf(slot.languages);
-    }
 }
 
 StopWordIndex::Languages StopWordIndex::findFolded(std::u16string_view word) const {

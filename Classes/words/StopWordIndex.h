@@ -24,6 +24,8 @@ public:
     /// the shortest are left out.
     StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts,
                   std::size_t shortest);
+    StopWordIndex(const StopWordIndex&) = delete;
+    StopWordIndex& operator=(const StopWordIndex&) = delete;
 
     /// The languages that have a word, none if no language has it. Words that are folded alike
     /// give the very same span, and no other word gives it.
@@ -50,11 +52,17 @@ public:
     };
     const Filter& filter() const { return filter_; }
 
-    /// The same for a word that has a number, and its hash.
+    /// The languages of a word that has a number, and whose hash the filter has let pass.
     static std::uint64_t hashOf(const PackedWord& word) {
         return mixedHash(word.low ^ 0x9E3779B97F4A7C15, word.high ^ 0xD6E8FEB86659FD93);
     }
-    Languages findPacked(const PackedWord& word, std::uint64_t hash) const;
+    Languages findPacked(const PackedWord& word, std::uint64_t hash) const {
+        for (std::size_t i = placeOf(hash);; i = (i + 1) & (packedSlots_.size() - 1)) {
+            const PackedSlot& slot = packedSlots_[i];
+            // A free place has no languages.
+            if (slot.word == word || !slot.languages.length) return languagesOf(slot.languages);
+        }
+    }
 
     std::size_t numberOfWords(std::size_t language) const { return counts_[language]; }
     /// The words of a language, sorted.
