@@ -139,20 +139,6 @@ void roadOfToday(benchmark::State& state) { ownRoad(state, WebRules::today()); }
 BENCHMARK(describedRoad)->Name("whole-road/velmo")->Unit(benchmark::kMillisecond);
 BENCHMARK(roadOfToday)->Name("whole-road-today/velmo")->Unit(benchmark::kMillisecond);
 
-/// The same with the time of each part.
-void roadParts(benchmark::State& state, const WebRules& web) {
-    const OwnRoad road(web);
-    Found found;
-    PartClock clock(corpus().pages.size());
-    eachPage(state, corpus().pages,
-             [&](const std::string& page) { road.follow(page, found, clock); });
-    clock.tell(state);
-}
-void partsOfRoad(benchmark::State& state) { roadParts(state, {}); }
-void partsOfRoadToday(benchmark::State& state) { roadParts(state, WebRules::today()); }
-BENCHMARK(partsOfRoad)->Name("whole-road-parts/velmo")->Unit(benchmark::kMillisecond);
-BENCHMARK(partsOfRoadToday)->Name("whole-road-parts-today/velmo")->Unit(benchmark::kMillisecond);
-
 /// Words by their patterns, any of which is a hit.
 class Patterns {
 public:
@@ -263,6 +249,20 @@ void chain(benchmark::State& state) {
     found.tell(state);
 }
 BENCHMARK(chain)->Name("whole-road/libxml2+cld2+hyperscan")->Unit(benchmark::kMillisecond);
+
+/// The own road with the time of each part.
+void roadParts(benchmark::State& state, const WebRules& web) {
+    const OwnRoad road(web);
+    Found found;
+    PartClock clock(corpus().pages.size());
+    eachPage(state, corpus().pages,
+             [&](const std::string& page) { road.follow(page, found, clock); });
+    clock.tell(state);
+}
+void partsOfRoad(benchmark::State& state) { roadParts(state, {}); }
+void partsOfRoadToday(benchmark::State& state) { roadParts(state, WebRules::today()); }
+BENCHMARK(partsOfRoad)->Name("whole-road-parts/velmo")->Unit(benchmark::kMillisecond);
+BENCHMARK(partsOfRoadToday)->Name("whole-road-parts-today/velmo")->Unit(benchmark::kMillisecond);
 
 /// What the kernel says of this process, in bytes: VmRSS, or VmHWM, the most since it was reset.
 double memoryOf(const char* name) {

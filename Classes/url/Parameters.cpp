@@ -74,9 +74,8 @@ ParameterFinder::ParameterFinder(GapText& text, const ParameterList& list, std::
 /// Looks for the first place of each name wanted; none of them stands in front of the start.
 void ParameterFinder::locateFrom(std::size_t start, ParameterMask wanted) {
     if (text_.size() < 2) return;
-    // No further than all are found: each removal comes here anew.
-    for (std::size_t i = text_.find<u'='>(std::max<std::size_t>(start, 1));
-         i < text_.size() && (wanted & ~present_); i = text_.find<u'='>(i + 1))
+    for (std::size_t i = text_.find<u'='>(std::max<std::size_t>(start, 1)); i < text_.size();
+         i = text_.find<u'='>(i + 1))
         locate(i, wanted);
 }
 
