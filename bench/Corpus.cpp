@@ -1,6 +1,7 @@
 #include "Corpus.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -13,15 +14,24 @@ namespace {
 
 constexpr std::size_t Size = 25'000'000;
 
+std::string folderOfPages() {
+    const char* folder = std::getenv("VELMO_BENCH_SITE");
+    return folder ? folder : VELMO_PAGES;
+}
+
 std::vector<std::string> readPages() {
     std::vector<std::filesystem::path> paths;
-    for (const auto& entry : std::filesystem::directory_iterator(VELMO_PAGES))
-        paths.push_back(entry.path());
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folderOfPages()))
+        if (entry.path().extension().string().find("htm") != std::string::npos)
+            paths.push_back(entry.path());
     std::sort(paths.begin(), paths.end());
     std::vector<std::string> pages;
+    std::size_t bytes = 0;
     for (const auto& path : paths) {
+        if (bytes > Size) break;
         std::ifstream file(path, std::ios::binary);
         pages.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+        bytes += pages.back().size();
     }
     return pages;
 }

@@ -1,4 +1,5 @@
-// What the benchmarks read: the pages of examples/site, over and over, up to 25 MB. A page is
+// What the benchmarks read: the pages of examples/site, over and over, up to 25 MB; or those
+// below the folder that the environment's VELMO_BENCH_SITE names. A page is
 // read from the same place each time: it is as warm as one that has just come from the
 // network.
 #pragma once

@@ -3,10 +3,9 @@
 // the page is scanned for all that follows, if it is not long.
 #include <velmocore/markup/Page.h>
 
+#include <atomic>
 #include <mutex>
 #include <optional>
-#include <set>
-#include <unordered_set>
 
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/ErrorPages.h>
@@ -21,6 +20,7 @@
 
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
+#include "platform/PlaceTable.h"
 
 namespace velmo {
 namespace {
@@ -31,12 +31,20 @@ class Lazy {
 public:
     template <class Make>
     const Value& get(Make make) const {
-        std::call_once(once_, [&] { value_.emplace(make()); });
+        // std::call_once() would wake up others at the end, of which there are hardly ever any.
+        if (!isMade_.load(std::memory_order_acquire)) {
+            const std::lock_guard lock(mutex_);
+            if (!isMade_.load(std::memory_order_relaxed)) {
+                value_.emplace(make());
+                isMade_.store(true, std::memory_order_release);
+            }
+        }
         return *value_;
     }
 
 private:
-    mutable std::once_flag once_;
+    mutable std::mutex mutex_;
+    mutable std::atomic<bool> isMade_ = false;
     mutable std::optional<Value> value_;
 };
 
@@ -91,10 +99,15 @@ struct Page::State {
     template <class References>
     std::vector<URL> resolvedOf(const References& references) const {
         std::vector<URL> urls;
-        std::unordered_set<URL> seen;
-        for (const String& reference : references)
-            if (URL link = resolved(reference); !link.isAbsent() && seen.insert(link).second)
+        detail::PlaceTable places;
+        for (const String& reference : references) {
+            URL link = resolved(reference);
+            if (link.isAbsent()) continue;
+            const auto isSame = [&](std::size_t place) { return urls[place] == link; };
+            const std::size_t next = urls.size();
+            if (places.findOrAdd(link.hash(), next, isSame) == next)
                 urls.push_back(std::move(link));
+        }
         return urls;
     }
 

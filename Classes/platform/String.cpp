@@ -10,12 +10,22 @@
 #include <ostream>
 
 #include "platform/LargePages.h"
+#include "platform/UnitHash.h"
 #include "platform/Utf8.h"
 
 namespace velmo {
 namespace {
 
 constexpr std::size_t MaxUnits = (SIZE_MAX / 2 - 64) / sizeof(char16_t);
+
+/// What a block is replaced by that got too small, so that appending unit by unit stays linear. The
+/// first one is as large as was asked for, which often is enough; who needs a second one goes on
+/// appending. Long ones grow by half only, as old and new stand side by side for a while.
+constexpr std::size_t nextCapacity(std::size_t capacity) {
+    constexpr std::size_t Least = 256, Long = 1 << 20;
+    if (capacity == 0) return 0;
+    return std::max(Least, capacity + (capacity < Long ? capacity : capacity / 2));
+}
 
 }  // namespace
 
@@ -64,6 +74,10 @@ String String::joined(std::u16string_view first, std::u16string_view second) {
     return builder.finish();
 }
 
+std::size_t detail::hashOfText(std::u16string_view units) noexcept {
+    return hashOfUnits(units, hashSeed());
+}
+
 void String::destroy(Rep* rep) noexcept { std::free(rep); }
 
 std::ostream& operator<<(std::ostream& stream, const String& string) {
@@ -82,9 +96,8 @@ StringBuilder::~StringBuilder() {
 
 void StringBuilder::grow(std::size_t count) {
     if (count > MaxUnits - length_) throw std::bad_alloc();
-    // By half as much again at least, so that appending unit by unit stays linear.
     const std::size_t capacity =
-        std::max(length_ + count, std::min(capacity_ + capacity_ / 2, MaxUnits));
+        std::max(length_ + count, std::min(nextCapacity(capacity_), MaxUnits));
     void* old = units_ ? reinterpret_cast<String::Rep*>(units_) - 1 : nullptr;
     const std::size_t bytes = sizeof(String::Rep) + capacity * sizeof(char16_t);
     void* block = std::realloc(old, bytes);

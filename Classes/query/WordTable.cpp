@@ -4,8 +4,8 @@
 #include <bit>
 #include <utility>
 
+#include "platform/UnitHash.h"
 #include "text/UnitFold.h"
-#include "text/UnitHash.h"
 
 namespace velmo::detail {
 namespace {

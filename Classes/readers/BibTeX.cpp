@@ -10,10 +10,10 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/Comparison.h>
 
+#include "platform/UnitHash.h"
 #include "readers/BibTeXMacros.h"
 #include "readers/BibTeXValue.h"
 #include "text/Trim.h"
-#include "text/UnitHash.h"
 #include "text/UnitScan.h"
 #include "text/WhiteRuns.h"
 

@@ -12,7 +12,7 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/CharacterSets.h>
 
-#include "text/UnitHash.h"
+#include "platform/UnitHash.h"
 
 namespace velmo::detail {
 

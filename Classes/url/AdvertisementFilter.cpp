@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "platform/Ascii.h"
-#include "text/UnitHash.h"
+#include "platform/UnitHash.h"
 
 namespace velmo {
 namespace {

@@ -10,7 +10,7 @@
 #include <velmocore/platform/String.h>
 
 #include "platform/Ascii.h"
-#include "text/UnitHash.h"
+#include "platform/UnitHash.h"
 #include "url/ParameterNames.h"
 #include "url/TrackingTables.h"
 

@@ -4,10 +4,7 @@
 // without a look-up.
 #include "words/LanguageTally.h"
 
-#include <velmocore/words/Separators.h>
-
-#include "platform/Ascii.h"
-#include "words/RunScan.h"
+#include "words/StopWordScan.h"
 
 namespace velmo::detail {
 namespace {
@@ -31,24 +28,22 @@ LanguageTally tallyOfText(std::u16string_view text, const StopWordIndex& index,
     tally.languages.resize(numberOfLanguages);
     const CharacterSetRep& letters = alphaCharacterSetRep();
     const ConversionTable& plain = lowerUmlautsCharsTable();
-    forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
-        if (run.isMember || run.length() < minLen) return true;
-        const std::u16string_view word = text.substr(run.start, run.length());
+    const auto addStopWord = [&](StopWordIndex::Languages word) {
+        for (std::uint32_t language : word) tally.languages[language].add(word);
+    };
+    StopWordScan scan(text, index, minLen, minLen);
+    scan.run(addStopWord, [&](std::u16string_view word) {
         tally.all.add(word);
-        const bool isPlain = ascii::isLetter(word.front()) && ascii::isLetter(word.back());
+        const char16_t first = word.front(), last = word.back();
         // Left out of the words among which a script must have half, but not out of all.
-        if (!isPlain && (!letters.contains(word.front()) || !letters.contains(word.back()))) {
+        if (!letters.contains(first) || !letters.contains(last))
             tally.edgedByNonLetters.add(word);
-        } else if (isPlain || (plain[word.front()] < 128 && plain[word.back()] < 128)) {
-            const std::size_t found = index.find(word);
-            if (found != StopWordIndex::NoWord)
-                for (std::uint32_t language : index.languagesOf(found))
-                    tally.languages[language].add(found);
-        } else {
-            tally.scripts[static_cast<std::size_t>(scriptOf(word.front()))].add(word);
-        }
-        return true;
+        else if (plain[first] < 128 && plain[last] < 128)
+            addStopWord(index.find(word));
+        else
+            tally.scripts[static_cast<std::size_t>(scriptOf(first))].add(word);
     });
+    tally.all.add(scan.packed());
     return tally;
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "words/StopWordIndex.h"
+#include "words/WordCount.h"
 
 namespace velmo::detail {
 
@@ -14,43 +15,27 @@ namespace velmo::detail {
 enum class Script { Other, Cyrillic, Hebrew, Greek, Arabic };
 inline constexpr std::size_t NumberOfScripts = 5;
 
-struct WordCount {
-    std::uint64_t words = 0;
-    std::uint64_t units = 0;
-
-    void add(std::u16string_view word) {
-        ++words;
-        units += word.size();
-    }
-    /// Whether it holds at least half of the words or of the units, both rounded down.
-    bool isHalfOf(const WordCount& all) const {
-        return units >= all.units / 2 || words >= all.words / 2;
-    }
-};
-
 class LanguageHits {
 public:
     std::uint64_t hits() const { return hits_; }
-    /// How many different words there were, four at most.
-    std::size_t distinct() const { return distinct_; }
-    /// A language is not told by fewer words, however often they occur.
+    /// A language is not told by fewer than four different words, however often they occur.
     bool hasEnoughWords() const { return distinct_ == words_.size(); }
 
-    /// A word that counts for so many.
-    void add(std::size_t word, std::uint64_t count = 1) {
-        hits_ += count;
+    /// A word, known by where its languages stand.
+    void add(StopWordIndex::Languages word) {
+        ++hits_;
         if (hasEnoughWords()) return;
         for (std::size_t i = 0; i < distinct_; ++i)
-            if (words_[i] == word) return;
-        words_[distinct_++] = word;
+            if (words_[i] == word.data()) return;
+        words_[distinct_++] = word.data();
     }
 
 private:
     std::uint64_t hits_ = 0;
-    std::size_t distinct_ = 0;
+    std::size_t distinct_ = 0;  // of its words, four at most
     // Enough to tell that there are four; which others occur does not matter. So a text of any
     // length needs no set of words for each language.
-    std::array<std::size_t, 4> words_;
+    std::array<const std::uint32_t*, 4> words_;
 };
 
 struct LanguageTally {
@@ -59,9 +44,7 @@ struct LanguageTally {
     std::array<WordCount, NumberOfScripts> scripts;
     std::vector<LanguageHits> languages;
 
-    WordCount edgedByLetters() const {
-        return {all.words - edgedByNonLetters.words, all.units - edgedByNonLetters.units};
-    }
+    WordCount edgedByLetters() const { return all.without(edgedByNonLetters); }
 };
 
 /// Counts the words of a text that have at least minLen units.

@@ -11,21 +11,18 @@
 #include "words/LanguageTeller.h"
 
 #include <algorithm>
-#include <cstring>
 
 #include <velmocore/text/Folding.h>
-#include <velmocore/words/Separators.h>
 
 #include "words/AlphabetTables.h"
 #include "words/ChineseFormTables.h"
-#include "words/RunScan.h"
 #include "words/ScriptTables.h"
+#include "words/StopWordScan.h"
 
 namespace velmo::detail {
 namespace {
 
 // What the samples of docs/language.md gave; of words, points and letters.
-constexpr std::size_t LeastDistinct = 2;
 constexpr std::int64_t LeastLead = 3;
 constexpr std::int64_t LeadOneIn = 10;
 constexpr std::int64_t PointsForFiveWords = 4;
@@ -52,14 +49,7 @@ std::uint64_t pointsOfWord(std::size_t languages) {
 }
 
 bool isAscii(std::u16string_view word) {
-    std::uint64_t all = 0, four;
-    std::size_t i = 0;
-    for (; word.size() - i >= 4; i += 4) {
-        std::memcpy(&four, word.data() + i, sizeof four);
-        all |= four;
-    }
-    for (; i < word.size(); ++i) all |= word[i];
-    return !(all & 0xFF80FF80FF80FF80);
+    return std::ranges::all_of(word, [](char16_t unit) { return unit < 128; });
 }
 
 /// The first row of the script of a row.
@@ -73,10 +63,25 @@ std::uint8_t firstRowOf(const ScriptRow& row) {
 
 }  // namespace
 
+/// What the words of one language have. Each word of a text may count for dozens of languages, so
+/// that this has no jump: whether there were different words is told by those that followed another.
+struct LanguageTeller::Hits {
+    std::uint64_t points = 0;
+    std::uint64_t changes = 0;
+    const std::uint32_t* last = nullptr;
+
+    void add(StopWordIndex::Languages word, std::uint64_t count) {
+        points += count;
+        changes += last != word.data();
+        last = word.data();
+    }
+    bool hasDifferentWords() const { return changes > 1; }
+};
+
 struct LanguageTeller::Signs {
     std::uint64_t words = 0;
     std::array<std::uint64_t, 64> weights{};  // by row of the table and 1
-    std::vector<LanguageHits> hits;           // by language, in points of words
+    std::vector<Hits> hits;                   // by language
     std::vector<std::uint32_t> counts;        // by sign
 };
 
@@ -132,10 +137,10 @@ void LanguageTeller::readUnits(std::u16string_view word, Signs& signs) const {
     }
 }
 
-void LanguageTeller::addWord(std::size_t word, Signs& signs) const {
-    const auto languages = index_.languagesOf(word);
-    const std::uint64_t points = pointsOfWord(languages.size());
-    for (std::uint32_t language : languages) signs.hits[language].add(word, points);
+void LanguageTeller::addWord(StopWordIndex::Languages word, Signs& signs) {
+    const std::uint64_t points = pointsOfWord(word.size());
+    Hits* hits = signs.hits.data();
+    for (std::uint32_t language : word) hits[language].add(word, points);
 }
 
 LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64_t minLen) const {
@@ -143,20 +148,19 @@ LanguageTeller::Signs LanguageTeller::read(std::u16string_view text, std::uint64
     signs.hits.resize(keys_.size());
     signs.counts.resize(letterPoints_.size());
     const std::size_t latin = scripts_['a' / 16];
-    forEachRun(text, defaultWordSeparators(), [&](const Run& run) {
-        if (run.isMember) return true;
-        const std::u16string_view word = text.substr(run.start, run.length());
-        if (!scripts_[word.front() / 16] || !scripts_[word.back() / 16]) return true;
-        ++signs.words;
-        if (isAscii(word))
-            signs.weights[latin] += word.size();
-        else
-            readUnits(word, signs);
-        if (word.size() < minLen) return true;
-        if (const std::size_t found = index_.find(word); found != StopWordIndex::NoWord)
-            addWord(found, signs);
-        return true;
-    });
+    StopWordScan scan(text, index_, 1, minLen);
+    scan.run([&](StopWordIndex::Languages word) { addWord(word, signs); },
+             [&](std::u16string_view word) {
+                 if (!scripts_[word.front() / 16] || !scripts_[word.back() / 16]) return;
+                 ++signs.words;
+                 if (isAscii(word))
+                     signs.weights[latin] += word.size();
+                 else
+                     readUnits(word, signs);
+                 if (word.size() >= minLen) addWord(index_.find(word), signs);
+             });
+    signs.words += scan.packed().words;
+    signs.weights[latin] += scan.packed().units;
     return signs;
 }
 
@@ -166,8 +170,8 @@ std::size_t LanguageTeller::mainScript(const Signs& signs) const {
     const auto rows = scriptRows();
     for (std::size_t row = 1; row < rows.size(); ++row) {
         if (!rows[row].oneIn) continue;
-        std::uint64_t &part = weights[firstRowOf(rows[row])],
-                      &other = weights[firstRowOf(rows[row - 1])];
+        std::uint64_t &part = weights[scripts_[rows[row].first / 16]],
+                      &other = weights[scripts_[rows[row - 1].first / 16]];
         const std::uint64_t both = part + other;
         const bool names = part && part * rows[row].oneIn >= both;
         part = names ? both : 0;
@@ -182,8 +186,7 @@ std::size_t LanguageTeller::mainScript(const Signs& signs) const {
 
 std::vector<std::int64_t> LanguageTeller::points(const Signs& signs) const {
     std::vector<std::int64_t> points;
-    for (const LanguageHits& hits : signs.hits)
-        points.push_back(static_cast<std::int64_t>(hits.hits()));
+    for (const Hits& hits : signs.hits) points.push_back(static_cast<std::int64_t>(hits.points));
     for (std::size_t sign = FirstLetterSign; sign < signs.counts.size(); ++sign)
         if (const std::int64_t count = signs.counts[sign])
             for (std::size_t i = 0; i < points.size(); ++i)
@@ -207,7 +210,7 @@ String LanguageTeller::leader(const Signs& signs) const {
     const auto words = static_cast<std::int64_t>(signs.words);
     const bool leads = *first - second >= std::max(LeastLead, *first / LeadOneIn);
     const bool isUsual =
-        signs.hits[index].distinct() >= LeastDistinct && *first * 5 >= words * PointsForFiveWords;
+        signs.hits[index].hasDifferentWords() && *first * 5 >= words * PointsForFiveWords;
     return leads && isUsual && keys_[index] != Filler ? keys_[index] : String();
 }
 

@@ -31,12 +31,13 @@ public:
     ToldLanguage tell(std::u16string_view text, std::uint64_t minLen) const;
 
 private:
+    struct Hits;
     struct Signs;
 
     void addAlphabets();
     void addSign(char16_t letter);
     Signs read(std::u16string_view text, std::uint64_t minLen) const;
-    void addWord(std::size_t word, Signs& signs) const;
+    static void addWord(StopWordIndex::Languages word, Signs& signs);
     void readUnits(std::u16string_view word, Signs& signs) const;
     std::size_t mainScript(const Signs& signs) const;
     std::vector<std::int64_t> points(const Signs& signs) const;

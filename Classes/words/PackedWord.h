@@ -1,49 +1,82 @@
-// Short words of ASCII as numbers: up to eight units, one byte each, in lower case. Two such words
-// are the same if their numbers are, so that a look-up compares no units. Most words of most
+// Words of ASCII as numbers: up to sixteen units, one byte each, in lower case. Two such words are
+// the same if their numbers are, so that a look-up compares no units. Nearly all words of most
 // European languages are short enough.
+//
+// What parts no words in ASCII are letters and digits, and nothing else is told apart here: all
+// that a letter needs is its bit 6, and all that a capital lacks its bit 5.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace velmo::detail {
 
-inline constexpr std::size_t MostPackedUnits = 8;
+inline constexpr std::size_t MostPackedUnits = 16;
 
-/// Packs unit by unit: for short words, and the reference for the other. 0 for what is no such word.
-constexpr std::uint64_t packedOneByOne(std::u16string_view word) noexcept {
-    if (word.empty() || word.size() > MostPackedUnits) return 0;
-    std::uint64_t key = 0;
-    for (std::size_t i = word.size(); i-- > 0;) {
-        const char16_t unit = word[i];
-        // A NUL at the end would be none.
-        if (unit == 0 || unit >= 128) return 0;
-        const bool isUpper = unit >= u'A' && unit <= u'Z';
-        key = key << 8 | static_cast<std::uint64_t>(isUpper ? unit | 0x20 : unit);
+struct PackedWord {
+    std::uint64_t low = 0, high = 0;  ///< of the first eight units and the next ones
+
+    friend bool operator==(const PackedWord&, const PackedWord&) = default;
+};
+
+/// A word without a number has units outside ASCII, NULs, none at all or more than these, or does
+/// not begin and end with a letter.
+struct PackedReading {
+    PackedWord word;  // anything if it has none
+    bool hasNumber = false;
+};
+
+/// Packs unit by unit: the reference for the other.
+constexpr PackedReading packedOneByOne(std::u16string_view word) noexcept {
+    constexpr char16_t LetterBit = 0x40, LowerBit = 0x20;
+    if (word.empty() || word.size() > MostPackedUnits) return {};
+    if (!(word.front() & word.back() & LetterBit)) return {};
+    std::uint64_t halves[2] = {};
+    for (std::size_t i = 0; i < word.size(); ++i) {
+        if (word[i] == 0 || word[i] >= 128) return {};
+        halves[i / 8] |= std::uint64_t{word[i]} << i % 8 * 8 | std::uint64_t{LowerBit} << i % 8 * 8;
     }
-    return key;
+    return {{halves[0], halves[1]}, true};
 }
 
-/// Four units at a time.
-inline std::uint64_t packedWord(std::u16string_view word) noexcept {
-    const std::size_t size = word.size();
-    if (size < 4 || size > MostPackedUnits) return packedOneByOne(word);
-    constexpr std::uint64_t Each = 0x0101010101010101;
-    std::uint64_t head, tail;  // which may have units in common
-    std::memcpy(&head, word.data(), sizeof head);
-    std::memcpy(&tail, word.data() + size - 4, sizeof tail);
-    if ((head | tail) & 0xFF80FF80FF80FF80) return 0;
-    const auto packed = [](std::uint64_t units) {
-        units = (units | units >> 8) & 0x0000FFFF0000FFFF;
-        return (units | units >> 16) & 0xFFFFFFFF;
+/// The same without a jump. Sixteen units must be there to be read, however long the word is.
+inline PackedReading packedWord(const char16_t* units, std::size_t size) noexcept {
+#if defined(__SSE2__)
+    static constexpr std::int8_t Within[2 * MostPackedUnits] = {-1, -1, -1, -1, -1, -1, -1, -1,
+                                                                -1, -1, -1, -1, -1, -1, -1, -1};
+    const auto load = [](const void* from) {
+        return _mm_loadu_si128(static_cast<const __m128i*>(from));
     };
-    const std::uint64_t key = packed(head) | packed(tail) << 8 * (size - 4);
-    // The high bit of each byte: whether it is beyond @, and not beyond Z; and whether it is not 0.
-    const std::uint64_t upper = (key + Each * (0x7F - '@')) & ~(key + Each * (0x7F - 'Z'));
-    const std::uint64_t units = (key + Each * 0x7F) & (Each * 0x80);
-    if (units != (Each * 0x80) >> 8 * (MostPackedUnits - size)) return 0;
-    return key | (upper & Each * 0x80) >> 2;
+    const std::size_t read = std::min(size, MostPackedUnits);
+    const __m128i within = load(Within + MostPackedUnits - read);
+    // What does not fit becomes 255, or 0 if it seems to be negative: both are no positive byte.
+    const __m128i bytes = _mm_packus_epi16(load(units), load(units + 8));
+    const __m128i positive = _mm_cmpgt_epi8(bytes, _mm_setzero_si128());
+    const bool isAscii = _mm_movemask_epi8(_mm_andnot_si128(positive, within)) == 0;
+    // Bit 6 as that of the sign. Without units nothing stands at the end.
+    const auto letters = static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_slli_epi16(bytes, 1)));
+    const bool isEdged = letters & letters << 1 >> read & 1;
+    const bool hasNumber = isAscii & isEdged & (size <= MostPackedUnits);
+    const __m128i packed = _mm_and_si128(_mm_or_si128(bytes, _mm_set1_epi8(0x20)), within);
+    return {{static_cast<std::uint64_t>(_mm_cvtsi128_si64(packed)),
+             static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(packed, packed)))},
+            hasNumber};
+#else
+    return packedOneByOne({units, size});
+#endif
+}
+
+/// The same for a word with anything behind it.
+inline PackedReading packedWord(std::u16string_view word) noexcept {
+    char16_t units[MostPackedUnits] = {};
+    std::copy_n(word.data(), std::min(word.size(), MostPackedUnits), units);
+    return packedWord(units, word.size());
 }
 
 }  // namespace velmo::detail

@@ -11,6 +11,9 @@
 #include <velmocore/platform/String.h>
 #include <velmocore/text/ConversionTables.h>
 
+#include "platform/UnitHash.h"
+#include "words/PackedWord.h"
+
 namespace velmo::detail {
 
 class StopWordIndex {
@@ -21,14 +24,44 @@ public:
     /// the shortest are left out.
     StopWordIndex(std::span<const std::vector<String>* const> lists, bool ignoreUmlauts,
                   std::size_t shortest);
+    StopWordIndex(const StopWordIndex&) = delete;
+    StopWordIndex& operator=(const StopWordIndex&) = delete;
 
-    static constexpr std::size_t NoWord = static_cast<std::size_t>(-1);
+    /// The languages that have a word, none if no language has it. Words that are folded alike
+    /// give the very same span, and no other word gives it.
+    using Languages = std::span<const std::uint32_t>;
+    Languages find(std::u16string_view word) const;
 
-    /// The index of a word, NoWord if no language has it.
-    std::size_t find(std::u16string_view word) const;
-    /// The languages that have the word.
-    std::span<const std::uint32_t> languagesOf(std::size_t word) const {
-        return std::span(languages_).subspan(words_[word].firstLanguage, words_[word].languages);
+    /// Some bits of the hashes of all words: small enough to stay in the nearest caches, it answers
+    /// for most words that no language has.
+    class Filter {
+    public:
+        Filter() = default;
+        Filter(std::uint64_t* bits, std::size_t size) : bits_(bits), mask_(size - 1) {}
+
+        bool mayHave(std::uint64_t hash) const {
+            return bits_[hash / 64 & mask_] >> (hash & 63) & 1;
+        }
+        void add(std::uint64_t hash) {
+            bits_[hash / 64 & mask_] |= std::uint64_t{1} << (hash & 63);
+        }
+
+    private:
+        std::uint64_t* bits_ = nullptr;
+        std::uint64_t mask_ = 0;
+    };
+    const Filter& filter() const { return filter_; }
+
+    /// The languages of a word that has a number, and whose hash the filter has let pass.
+    static std::uint64_t hashOf(const PackedWord& word) {
+        return mixedHash(word.low ^ 0x9E3779B97F4A7C15, word.high ^ 0xD6E8FEB86659FD93);
+    }
+    Languages findPacked(const PackedWord& word, std::uint64_t hash) const {
+        for (std::size_t i = placeOf(hash);; i = (i + 1) & (packedSlots_.size() - 1)) {
+            const PackedSlot& slot = packedSlots_[i];
+            // A free place has no languages.
+            if (slot.word == word || !slot.languages.length) return languagesOf(slot.languages);
+        }
     }
 
     std::size_t numberOfWords(std::size_t language) const { return counts_[language]; }
@@ -36,14 +69,16 @@ public:
     std::vector<std::u16string_view> wordsOf(std::size_t language) const;
 
 private:
-    struct Word {
-        std::uint32_t start, length;  // in units_
-        std::uint32_t firstLanguage, languages;
+    struct Stretch {
+        std::uint32_t start = 0, length = 0;
     };
-    /// A place of the table of words that PackedWord.h packs.
+    struct Word {
+        Stretch units, languages;  // in units_ and languages_
+    };
+    /// A place of the table of words that PackedWord.h packs, which says all of them.
     struct PackedSlot {
-        std::uint64_t key = 0;
-        std::uint32_t word = 0;  // as below
+        PackedWord word;
+        Stretch languages;  // none if the place is free
     };
     /// A place of the table of all others. Part of the hash saves most looks at the word itself.
     struct Slot {
@@ -52,15 +87,14 @@ private:
     };
 
     std::u16string_view textOf(const Word& word) const {
-        return std::u16string_view(units_).substr(word.start, word.length);
+        return std::u16string_view(units_).substr(word.units.start, word.units.length);
     }
-    bool mayHave(std::uint64_t hash) const {
-        return filter_[hash >> filterShift_] >> (hash >> (filterShift_ - 6) & 63) & 1;
+    Languages languagesOf(const Stretch& stretch) const {
+        return Languages(languages_).subspan(stretch.start, stretch.length);
     }
-    void noteInFilter(std::uint64_t hash);
+    std::size_t placeOf(std::uint64_t hash) const { return hash >> 32 & (packedSlots_.size() - 1); }
     void place(std::uint32_t word);
-    std::size_t findPacked(std::uint64_t key) const;
-    std::size_t findOther(std::u16string_view word) const;
+    Languages findFolded(std::u16string_view word) const;
 
     const ConversionTable& fold_;
     std::u16string units_;
@@ -70,10 +104,8 @@ private:
     std::size_t longest_ = 0;
     std::vector<PackedSlot> packedSlots_;  // a power of two, as all of these
     std::vector<Slot> slots_;
-    /// Some bits of the hashes of all words: small enough to stay in the nearest cache, it answers
-    /// for most words that no language has.
-    std::vector<std::uint64_t> filter_;
-    unsigned filterShift_ = 0;  // leaves the places in it of a hash
+    std::vector<std::uint64_t> filterBits_;
+    Filter filter_;
 };
 
 }  // namespace velmo::detail

@@ -23,6 +23,9 @@ template <class Text>
 concept Utf16Text =
     std::convertible_to<const Text&, std::u16string_view> && !std::derived_from<Text, String>;
 
+/// What String::hash() gives for a string of these units.
+VELMO_API std::size_t hashOfText(std::u16string_view units) noexcept;
+
 }  // namespace detail
 
 /// An immutable text of UTF-16 units in one contiguous array.
@@ -110,11 +113,10 @@ public:
         return rep_ == other.rep_;
     }
 
-    /// A hash of the units; absent and empty have the same. It is no stable number: it may differ
-    /// from one program to the next.
-    [[nodiscard]] std::size_t hash() const noexcept {
-        return std::hash<std::u16string_view>()(view());
-    }
+    /// A hash of the units; absent and empty have the same. It is no stable number: it differs from
+    /// one run of a program to the next, so that no input can be made whose texts all share a place
+    /// of a table.
+    [[nodiscard]] std::size_t hash() const noexcept { return detail::hashOfText(view()); }
 
     friend bool operator==(const String& a, const String& b) noexcept {
         return a.rep_ == b.rep_ || (a.rep_ && b.rep_ && a.view() == b.view());
@@ -268,7 +270,7 @@ namespace velmo {
 struct StringHash {
     using is_transparent = void;
     std::size_t operator()(std::u16string_view units) const noexcept {
-        return std::hash<std::u16string_view>()(units);
+        return detail::hashOfText(units);
     }
 };
 
