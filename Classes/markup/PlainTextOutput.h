@@ -1,17 +1,29 @@
 // The text that a page becomes: spans of text, and the breaks and spaces between them. Most units
-// of a page go through here, so that a span without entities is copied in one pass; only with an
-// entity in it, or in preformatted text, it takes more.
+// of a page go through here, so there are three ways for a span, each for what the one before
+// leaves, and all with the same result:
+//
+// - appendShort: up to 32 units, as most are, that need no change but at their ends.
+// - appendPlain: ASCII of any length without an &, its white space collapsed on the way.
+// - appendAny: all the rest; decoded first, of UTF-8 and of entities, where that is to be done.
+//
+// Spans are units or, of a page that is UTF-8, bytes. Whatever they are, lengths of which a rule
+// speaks are UTF-16 units.
 //
 // A space is owed rather than written: what follows may be a break, which needs none. And a break
 // is written only after text, so that a row of empty elements makes one.
 #pragma once
 
-#include <string>
+#include <algorithm>
+#include <bit>
+#include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/PlainText.h>
 
+#include "platform/Utf8.h"
+#include "text/TextMarks.h"
 #include "text/UnitScan.h"
 #include "text/WhiteRuns.h"
 
@@ -38,37 +50,23 @@ public:
         out_.append(text);
     }
 
-    /// Writes one span of text.
-    void appendSpan(Units span, bool inLink, bool inAttribute = false) {
-        if (options_.removeJunk && ((span.size() >= JunkSpan && collapseWhite_) ||
-                                    (span.size() >= JunkLinkText && inLink))) {
-            didRemoveJunk_ = true;
-            spaceOwed_ = collapseWhite_;
-            return;
+    /// Writes one span of text. So many units of the page as told may be read from its start on.
+    template <class Unit>
+    void appendSpan(std::basic_string_view<Unit> span, std::size_t readable, bool inLink,
+                    bool inAttribute = false) {
+        if (span.size() >= shortestJunk_ && isJunk(unitsOf(span).size(), inLink)) return;
+        if (copiesPlain_ && readable >= span.size() + TextMarks::Units) {
+            if (span.size() <= TextMarks::Units && appendShort(span)) return;
+            if (collapseWhite_ && appendPlain(span)) return;
         }
-        // One pass for most spans; it gives up, without a trace, at the first &.
-        if (collapseWhite_ && !mapsUnits_ && copyUnlessEncoded(span)) return;
-        Units text = decoded(span, options_, inAttribute);
-        if (text.empty()) {
-            spaceOwed_ = collapseWhite_;
-            return;
-        }
-        const bool startsWhite = isWhite(text.front());
-        const bool endsWhite = isWhite(text.back());
-        if (collapseWhite_) {
-            text = trimmed(text);
-            if (text.empty()) {
-                spaceOwed_ = true;
-                return;
-            }
-        }
-        beginSpan(text.size(), startsWhite);
-        if (collapseWhite_ || !options_.reformat) {
-            out_.commit(static_cast<std::size_t>(copied<0>(text) - out_.end()));
-            endSpan(endsWhite);
-        } else {
-            copyReformatted(text);
-        }
+        appendAny(unitsOf(span), inAttribute);
+    }
+
+    /// The span in UTF-16; one of bytes is good until the next span.
+    static Units unitsOf(Units span) { return span; }
+    Units unitsOf(std::string_view span) {
+        char16_t* const units = scratch(span.size() + Utf8Slack);
+        return {units, decodeUtf8(span, units)};
     }
 
     /// The span with its entities decoded; a view of the span itself if it has none.
@@ -79,17 +77,16 @@ public:
         if (!maps &&
             scan::find(span.data(), span.data() + span.size(), u'&') == span.data() + span.size())
             return span;
-        // One buffer for all spans, which grows to the longest of them and stays.
-        scratch_.assign(span);
+        char16_t* const units = scratch(span.size());
+        if (units != span.data()) std::char_traits<char16_t>::copy(units, span.data(), span.size());
         const std::size_t length =
-            options.entities
-                ? convertEntities2Characters(scratch_.data(), scratch_.data(), 0, scratch_.size(),
-                                             {.convertStandard = options.stdEntities,
-                                              .nonUmlauted = options.nonUmlauted,
-                                              .inAttribute = inAttribute,
-                                              .web = options.web})
-                : convertStdEntities2Characters(scratch_.data(), scratch_.size());
-        return Units(scratch_).substr(0, length);
+            options.entities ? convertEntities2Characters(units, units, 0, span.size(),
+                                                          {.convertStandard = options.stdEntities,
+                                                           .nonUmlauted = options.nonUmlauted,
+                                                           .inAttribute = inAttribute,
+                                                           .web = options.web})
+                             : convertStdEntities2Characters(units, span.size());
+        return {units, length};
     }
 
     Units trimmed(Units text) const {
@@ -103,7 +100,10 @@ public:
     void oweSpace() { spaceOwed_ = true; }
     /// Whether references in what follows are decoded, if the options say so.
     void setDecoding(bool isDecoding) { isDecoding_ = isDecoding; }
-    void setPreformatted(bool isPreformatted) { collapseWhite_ = !isPreformatted; }
+    void setPreformatted(bool isPreformatted) {
+        collapseWhite_ = !isPreformatted;
+        copiesPlain_ = canCopyPlain();
+    }
     /// Starts preformatted text on a line of its own.
     void beginPreformatted() {
         setPreformatted(true);
@@ -167,27 +167,117 @@ private:
     static constexpr std::size_t JunkRun = 20001;      ///< nor is a run without any break
     static constexpr std::size_t ShortestEncoded = 4;  ///< shorter spans hold no entity
 
-    /// The short way for the many spans without entities: white space at the end is cut when
-    /// it stands as one space in the output. False, and nothing done, if there is an &.
-    bool copyUnlessEncoded(Units span) {
-        const std::size_t start = whiteStart(span);
-        if (start == span.size()) {
+    /// Whether a span that long counts as junk, and is left out.
+    bool isJunk(std::size_t length, bool inLink) {
+        if (!(length >= JunkSpan && collapseWhite_) && !(length >= JunkLinkText && inLink))
+            return false;
+        didRemoveJunk_ = true;
+        spaceOwed_ = collapseWhite_;
+        return true;
+    }
+
+    /// False, and nothing done, if there is more to do than to cut the ends.
+    template <class Unit>
+    bool appendShort(std::basic_string_view<Unit> span) {
+        const TextMarks marks = textMarks(span.data());
+        const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - span.size());
+        const std::uint32_t plain = marks.plain & inside;
+        if (!plain) {
+            if (!collapseWhite_ || (inside & ~marks.white)) return false;
             spaceOwed_ = true;
             return true;
         }
+        const int first = std::countr_zero(plain), last = 31 - std::countl_zero(plain);
+        const std::uint32_t text = inside >> first << first & ~std::uint32_t{0} >> (31 - last);
+        const std::uint32_t behindWhite = marks.white << 1;
+        const std::uint32_t changes = text & marks.white & (~marks.blank | behindWhite);
+        const std::uint32_t others = inside & ~(marks.plain | marks.white);
+        const bool startsWhite = first > 0;
+        const bool endsWhite = static_cast<std::size_t>(last) + 1 < span.size();
+        if ((others | changes) || (!collapseWhite_ && (startsWhite || endsWhite))) return false;
+        beginSpan(TextMarks::Units, startsWhite);
+        copyWidened(span.data() + first, out_.end());
+        out_.commit(static_cast<std::size_t>(last - first) + 1);
+        endSpan(endsWhite);
+        return true;
+    }
+
+    /// The same if the span is not of ASCII or has an & in it.
+    template <class Unit>
+    bool appendPlain(std::basic_string_view<Unit> span) {
+        const Unit* from = span.data();
+        const Unit* const to = from + span.size();
         const std::size_t length = out_.length();
         const bool wasOwed = spaceOwed_;
-        beginSpan(span.size(), start > 0);
-        const char16_t* const end = copied<u'&'>(span.substr(start));
-        if (!end) {
+        beginSpan(span.size() + TextMarks::Units, isWhite(*from));
+        const char16_t* const end = copyPlain(from, to, out_.end());
+        if (!end || end == out_.end()) {
             out_.truncate(length);
-            spaceOwed_ = wasOwed;
-            return false;
+            spaceOwed_ = end || wasOwed;
+            return end;
         }
         const bool endsWhite = end[-1] == u' ';
         out_.commit(static_cast<std::size_t>(end - out_.end()) - endsWhite);
         endSpan(endsWhite);
         return true;
+    }
+
+    /// Copies with each run of white units made one blank, and those in front left out; null if
+    /// there is anything else than ASCII, or an &.
+    template <class Unit>
+    static char16_t* copyPlain(const Unit* from, const Unit* to, char16_t* out) {
+        bool isBehindWhite = true;
+        while (from < to) {
+            const TextMarks marks = textMarks(from);
+            const std::ptrdiff_t count = std::min(to - from, TextMarks::Units);
+            const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - count);
+            const std::uint32_t behindWhite = marks.white << 1 | isBehindWhite;
+            const std::uint32_t changes =
+                inside & ~(marks.plain | (marks.blank & ~behindWhite));
+            copyWidened(from, out);
+            if (!changes) {
+                from += count;
+                out += count;
+                isBehindWhite = marks.white >> 31;
+                continue;
+            }
+            const int place = std::countr_zero(changes);
+            if (!(marks.white >> place & 1)) return nullptr;
+            out += place;
+            if (!(behindWhite >> place & 1)) *out++ = u' ';
+            const int run = std::countr_one(marks.white >> place);
+            // The last unit of a block ends no run, and the next one goes on with it.
+            isBehindWhite = place + run == TextMarks::Units;
+            from += place + run;
+        }
+        return out;
+    }
+
+    /// Any span: its entities are decoded first.
+    void appendAny(Units span, bool inAttribute) {
+        Units text = decoded(span, options_, inAttribute);
+        if (text.empty()) {
+            spaceOwed_ = collapseWhite_;
+            return;
+        }
+        const bool startsWhite = isWhite(text.front());
+        const bool endsWhite = isWhite(text.back());
+        if (collapseWhite_) {
+            text = trimmed(text);
+            if (text.empty()) {
+                spaceOwed_ = true;
+                return;
+            }
+        }
+        beginSpan(text.size(), startsWhite);
+        if (collapseWhite_ || !options_.reformat) {
+            const char16_t* const end =
+                copyCollapsingWhite(text.data(), text.data() + text.size(), out_.end(), white_);
+            out_.commit(static_cast<std::size_t>(end - out_.end()));
+            endSpan(endsWhite);
+        } else {
+            copyReformatted(text);
+        }
     }
 
     /// How many white units a text starts with.
@@ -207,13 +297,6 @@ private:
         if (dropJunkRun()) return;
         spaceOwed_ = endsWhite;
         pendingText_ = true;
-    }
-
-    /// Copies text behind the output, and gives the end of what was copied.
-    template <char16_t Stop>
-    const char16_t* copied(Units text) {
-        return copyCollapsingWhite<Stop>(text.data(), text.data() + text.size(), out_.end(),
-                                         white_);
     }
 
     /// Copies preformatted text and takes its soft line wraps apart.
@@ -253,10 +336,22 @@ private:
 
     /// Takes back what was written since the last break if it is too long to be text.
     bool dropJunkRun() {
-        if (!options_.removeJunk || out_.length() - lastBreak_ < JunkRun) return false;
+        if (out_.length() - lastBreak_ < shortestJunkRun_) return false;
         didRemoveJunk_ = true;
         out_.truncate(lastBreak_);
         return true;
+    }
+
+    /// Whether text without & is the same in the output but for its white space.
+    bool canCopyPlain() const {
+        return !(options_.entities && options_.nonUmlauted) &&
+               (collapseWhite_ || !options_.reformat);
+    }
+
+    /// Room for a span that is decoded: one buffer for all, which grows to the longest of them.
+    char16_t* scratch(std::size_t units) {
+        if (scratch_.size() < units) scratch_.resize(units);
+        return scratch_.data();
     }
 
     bool isWhite(char16_t unit) const { return isWhiteUnit(unit, white_); }
@@ -264,13 +359,16 @@ private:
     bool lastIsWhite() const { return out_.isEmpty() || isWhite(out_.back()); }
 
     const PlainTextOptions options_;
-    const bool mapsUnits_ = options_.entities && options_.nonUmlauted;  ///< text without &, too
+    // No span is that long where junk stays.
+    const std::size_t shortestJunk_ = options_.removeJunk ? JunkLinkText : SIZE_MAX;
+    const std::size_t shortestJunkRun_ = options_.removeJunk ? JunkRun : SIZE_MAX;
     StringBuilder out_;
-    std::u16string scratch_;      ///< a span while its entities are decoded
+    std::vector<char16_t> scratch_;  ///< see scratch()
     std::size_t cellsOfRow_ = 0;  ///< counted for tabs only
     std::size_t lastBreak_ = 0;   ///< length of the output after its last break
     bool pendingText_ = false;    ///< text was written since the last break
     bool collapseWhite_ = true;   ///< outside preformatted text
+    bool copiesPlain_ = canCopyPlain();
     bool spaceOwed_ = false;      ///< the next text starts with a space
     bool didRemoveJunk_ = false;
     bool isDecoding_ = true;
