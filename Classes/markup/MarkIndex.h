@@ -1,5 +1,5 @@
-// Where the five units that matter to a tag scan stand. The text is looked at 64 units at a
-// time, and each of the five has a bit set over these. A search in the current 64 is then
+// Where the five units that matter to a tag scan stand. The text, of 16-bit units or of bytes of
+// UTF-8, which never hides one of the five in a longer sequence, is looked at 64 units at a time, and each of the five has a bit set over these. A search in the current 64 is then
 // a shift and a count of zeros: tags are short, so a loop over units would mostly spend its
 // time on mispredicting its own end.
 #pragma once
@@ -9,32 +9,34 @@
 #include <cstring>
 #include <string_view>
 
-#include "text/UnitScan.h"
+#include "text/ByteScan.h"
 
 namespace velmo::detail {
 
+template <class Unit>
 class MarkIndex {
 public:
-    explicit MarkIndex(std::u16string_view text) : end_(text.data() + text.size()), block_(end_) {}
+    explicit MarkIndex(std::basic_string_view<Unit> text)
+        : end_(text.data() + text.size()), block_(end_) {}
 
     // The first of the units at or behind a position; the end of the text if there is none.
 
-    const char16_t* less(const char16_t* from) {
+    const Unit* less(const Unit* from) {
         return find(from, [](const Marks& m) { return m.less; });
     }
-    const char16_t* greater(const char16_t* from) {
+    const Unit* greater(const Unit* from) {
         return find(from, [](const Marks& m) { return m.greater; });
     }
-    const char16_t* equalOrGreater(const char16_t* from) {
+    const Unit* equalOrGreater(const Unit* from) {
         return find(from, [](const Marks& m) { return m.equal | m.greater; });
     }
-    const char16_t* quoteOrGreater(const char16_t* from) {
+    const Unit* quoteOrGreater(const Unit* from) {
         return find(from, [](const Marks& m) { return m.doubleQuote | m.singleQuote | m.greater; });
     }
-    const char16_t* doubleQuote(const char16_t* from) {
+    const Unit* doubleQuote(const Unit* from) {
         return find(from, [](const Marks& m) { return m.doubleQuote; });
     }
-    const char16_t* singleQuote(const char16_t* from) {
+    const Unit* singleQuote(const Unit* from) {
         return find(from, [](const Marks& m) { return m.singleQuote; });
     }
 
@@ -47,7 +49,7 @@ private:
     };
 
     template <class Select>
-    const char16_t* find(const char16_t* from, Select select) {
+    const Unit* find(const Unit* from, Select select) {
         // A position in front of the block wraps around to a large offset.
         std::uint64_t hits = 0;
         if (const auto offset = static_cast<std::size_t>(from - block_); offset < BlockUnits) {
@@ -68,7 +70,7 @@ private:
 
     /// Makes the block that starts at the position the current one. Behind the end of the
     /// text stand zeros.
-    [[gnu::noinline]] void load(const char16_t* from) {
+    [[gnu::noinline]] void load(const Unit* from) {
         // The block begins where the search does, and not at a multiple of 64: nothing in front of
         // the position is looked at again.
         block_ = from;
@@ -76,14 +78,14 @@ private:
             mark(from);
         } else {
             // A copy, as the kernels read 64 units whatever there are.
-            char16_t tail[BlockUnits] = {};
-            std::memcpy(tail, from, static_cast<std::size_t>(end_ - from) * sizeof(char16_t));
+            Unit tail[BlockUnits] = {};
+            std::memcpy(tail, from, static_cast<std::size_t>(end_ - from) * sizeof(Unit));
             mark(tail);
         }
     }
 
 #if defined(__SSE2__)
-    void mark(const char16_t* units) {
+    void mark(const Unit* units) {
         if (scan::hasAvx2())
             markAvx2(units);
         else
@@ -92,11 +94,25 @@ private:
 
     // Units are packed to bytes first: those above 255 become 255 or 0, which no mark is.
 
-    void markSse2(const char16_t* units) {
+    static __m128i bytes16(const char16_t* units) {
+        return _mm_packus_epi16(scan::loadBlock(units), scan::loadBlock(units + 8));
+    }
+    static __m128i bytes16(const char* bytes) { return scan::loadBlock(bytes); }
+
+    __attribute__((target("avx2"))) static __m256i bytes32(const char16_t* units) {
+        const auto* block = reinterpret_cast<const __m256i*>(units);
+        // The pack works on each half of the register; the permutation mends the order.
+        return _mm256_permute4x64_epi64(
+            _mm256_packus_epi16(_mm256_loadu_si256(block), _mm256_loadu_si256(block + 1)), 0xD8);
+    }
+    __attribute__((target("avx2"))) static __m256i bytes32(const char* bytes) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+    }
+
+    void markSse2(const Unit* units) {
         marks_ = {};
         for (int shift = 0; shift < BlockUnits; shift += 16) {
-            const __m128i bytes = _mm_packus_epi16(scan::loadBlock(units + shift),
-                                                   scan::loadBlock(units + shift + 8));
+            const __m128i bytes = bytes16(units + shift);
             const auto add = [&](std::uint64_t& bits, char mark) {
                 const int hits = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(mark)));
                 bits |= static_cast<std::uint64_t>(hits) << shift;
@@ -109,15 +125,8 @@ private:
         }
     }
 
-    __attribute__((target("avx2"))) void markAvx2(const char16_t* units) {
-        __m256i bytes[2];
-        for (int half = 0; half < 2; ++half) {
-            const auto* block = reinterpret_cast<const __m256i*>(units + 32 * half);
-            // The pack works on each half of the register; the permutation mends the order.
-            bytes[half] = _mm256_permute4x64_epi64(
-                _mm256_packus_epi16(_mm256_loadu_si256(block), _mm256_loadu_si256(block + 1)),
-                0xD8);
-        }
+    __attribute__((target("avx2"))) void markAvx2(const Unit* units) {
+        const __m256i bytes[2] = {bytes32(units), bytes32(units + 32)};
         constexpr char Units[] = {'<', '>', '=', '"', '\''};
         std::uint64_t bits[5];
         for (int i = 0; i < 5; ++i) {
@@ -130,7 +139,7 @@ private:
         marks_ = {bits[0], bits[1], bits[2], bits[3], bits[4]};
     }
 #else
-    void mark(const char16_t* units) {
+    void mark(const Unit* units) {
         marks_ = {};
         for (int i = 0; i < BlockUnits; ++i) {
             const std::uint64_t bit = std::uint64_t{1} << i;
@@ -157,8 +166,8 @@ private:
     }
 #endif
 
-    const char16_t* const end_;
-    const char16_t* block_;
+    const Unit* const end_;
+    const Unit* block_;
     Marks marks_;
 };
 

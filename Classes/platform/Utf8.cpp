@@ -119,6 +119,16 @@ std::size_t decodeUtf8(std::string_view bytes, char16_t* const out) noexcept {
     return static_cast<std::size_t>(write - out);
 }
 
+FirstOfUtf8 firstOfUtf8(std::string_view bytes) noexcept {
+    const Byte* const begin = reinterpret_cast<const Byte*>(bytes.data());
+    if (*begin < 0x80) return {*begin, 1};
+    const Byte* in = begin;
+    char16_t units[2];
+    char16_t* out = units;
+    decodeSequence(in, begin + bytes.size(), out);
+    return {units[0], static_cast<std::size_t>(in - begin)};
+}
+
 std::size_t encodeUtf8(std::u16string_view units, char* const out) noexcept {
     char* write = out;
     const auto put = [&write](std::uint32_t byte) { *write++ = static_cast<char>(byte); };

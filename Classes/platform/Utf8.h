@@ -16,6 +16,15 @@ VELMO_API std::size_t decodeUtf8(std::string_view bytes, char16_t* out) noexcept
 /// The vector stores of decodeUtf8 may touch this many units behind its result.
 inline constexpr std::size_t Utf8Slack = 16;
 
+/// What one sequence at the start of bytes stands for.
+struct FirstOfUtf8 {
+    char16_t unit = 0;       ///< the first of two, if it is a pair
+    std::size_t length = 0;  ///< in bytes
+};
+
+/// Decodes the first sequence, or the first maximal part of a broken one, of bytes that are there.
+VELMO_API FirstOfUtf8 firstOfUtf8(std::string_view bytes) noexcept;
+
 /// Encodes into out, which must have room for three bytes for each unit, and gives the
 /// number of bytes written. A lone surrogate becomes U+FFFD.
 VELMO_API std::size_t encodeUtf8(std::u16string_view units, char* out) noexcept;

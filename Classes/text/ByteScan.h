@@ -1,0 +1,92 @@
+// The scanning kernels of text/UnitScan.h on bytes: sixteen of them a step. None reads outside
+// [from, to).
+#pragma once
+
+#include <bit>
+#include <cstddef>
+
+#include "text/UnitScan.h"
+
+namespace velmo::detail::scan {
+
+#if defined(__SSE2__)
+
+inline constexpr std::ptrdiff_t BlockBytes = 16;
+
+inline __m128i loadBlock(const char* bytes) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+/// Index of the first byte that a comparison marked; 16 or more if none.
+inline int firstByteOf(int mask) { return std::countr_zero(static_cast<unsigned>(mask)); }
+
+/// The first position that Mark, on sixteen bytes, or Test, on one, finds; else to.
+template <class Mark, class Test>
+inline const char* findWhere(const char* from, const char* to, Mark mark, Test test) {
+    while (to - from >= BlockBytes) {
+        if (const int hits = _mm_movemask_epi8(mark(loadBlock(from))))
+            return from + firstByteOf(hits);
+        from += BlockBytes;
+    }
+    while (from < to && !test(*from)) ++from;
+    return from;
+}
+
+#endif
+
+/// The first position that holds the byte; to if there is none.
+inline const char* find(const char* from, const char* to, char byte) {
+#if defined(__SSE2__)
+    return findWhere(
+        from, to, [byte](__m128i block) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(byte)); },
+        [byte](char b) { return b == byte; });
+#else
+    while (from < to && *from != byte) ++from;
+    return from;
+#endif
+}
+
+/// The first position that holds one of two bytes; to if there is none.
+inline const char* findEither(const char* from, const char* to, char a, char b) {
+#if defined(__SSE2__)
+    return findWhere(
+        from, to,
+        [=](__m128i block) {
+            return _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8(a)),
+                                _mm_cmpeq_epi8(block, _mm_set1_epi8(b)));
+        },
+        [=](char byte) { return byte == a || byte == b; });
+#else
+    while (from < to && *from != a && *from != b) ++from;
+    return from;
+#endif
+}
+
+/// The first position that holds one byte and is followed by the other; to if there is none.
+inline const char* findPair(const char* from, const char* to, char first, char second) {
+#if defined(__SSE2__)
+    while (to - from > BlockBytes) {
+        const __m128i both =
+            _mm_and_si128(_mm_cmpeq_epi8(loadBlock(from), _mm_set1_epi8(first)),
+                          _mm_cmpeq_epi8(loadBlock(from + 1), _mm_set1_epi8(second)));
+        if (const int hits = _mm_movemask_epi8(both)) return from + firstByteOf(hits);
+        from += BlockBytes;
+    }
+#endif
+    while (to - from > 1 && (from[0] != first || from[1] != second)) ++from;
+    return to - from > 1 ? from : to;
+}
+
+/// The first position of a byte outside ASCII; to if there is none.
+inline const char* findNonAscii(const char* from, const char* to) {
+    const auto isOther = [](char byte) { return static_cast<unsigned char>(byte) > 127; };
+#if defined(__SSE2__)
+    return findWhere(
+        from, to, [](__m128i block) { return block; }, isOther);
+#else
+    while (from < to && !isOther(*from)) ++from;
+    return from;
+#endif
+}
+
+}  // namespace velmo::detail::scan
