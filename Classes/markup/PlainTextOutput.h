@@ -3,7 +3,7 @@
 // leaves, and all with the same result:
 //
 // - appendShort: up to 32 units, as most are, that need no change but at their ends.
-// - appendPlain: ASCII of any length without an &, its white space collapsed on the way.
+// - appendCopied: of any length, its white space collapsed on the way, up to the first &.
 // - appendAny: all the rest; decoded first, of UTF-8 and of entities, where that is to be done.
 //
 // Spans are units or, of a page that is UTF-8, bytes. Whatever they are, lengths of which a rule
@@ -22,20 +22,23 @@
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/PlainText.h>
 
+#include "markup/PlainTextTags.h"
 #include "platform/Utf8.h"
+#include "text/TextCopy.h"
 #include "text/TextMarks.h"
 #include "text/UnitScan.h"
 #include "text/WhiteRuns.h"
 
 namespace velmo::detail {
 
-enum class Break { None, Line, Paragraph };
-
 class PlainTextOutput {
     using Units = std::u16string_view;
+    using Break = plainText::Break;
 
 public:
-    explicit PlainTextOutput(const PlainTextOptions& options) : options_(options) {}
+    /// For a page of that length in its units.
+    PlainTextOutput(const PlainTextOptions& options, std::size_t pageLength)
+        : options_(options), out_(std::min(pageLength / 4, LargestFirstRoom)) {}
 
     bool hasPendingText() const { return pendingText_; }
     bool didRemoveJunk() const { return didRemoveJunk_; }
@@ -57,7 +60,8 @@ public:
         if (span.size() >= shortestJunk_ && isJunk(unitsOf(span).size(), inLink)) return;
         if (copiesPlain_ && readable >= span.size() + TextMarks::Units) {
             if (span.size() <= TextMarks::Units && appendShort(span)) return;
-            if (collapseWhite_ && appendPlain(span)) return;
+            if (collapseWhite_ && span.size() >= ShortestCopied)
+                return appendCopied(span, inAttribute);
         }
         appendAny(unitsOf(span), inAttribute);
     }
@@ -71,7 +75,12 @@ public:
 
     /// The span with its entities decoded; a view of the span itself if it has none.
     Units decoded(Units span, const PlainTextOptions& options, bool inAttribute = false) {
-        if (span.size() < ShortestEncoded || !isDecoding_) return span;
+        return span.size() < ShortestEncoded ? span : decodedLong(span, options, inAttribute);
+    }
+
+    /// The same of a part of a span that is long enough.
+    Units decodedLong(Units span, const PlainTextOptions& options, bool inAttribute) {
+        if (!isDecoding_) return span;
         const bool maps = options.entities && options.nonUmlauted;
         if (!options.entities && !options.stdEntities) return span;
         if (!maps &&
@@ -166,6 +175,9 @@ private:
     static constexpr std::size_t JunkLinkText = 3501;  ///< nor is one in a link or a heading
     static constexpr std::size_t JunkRun = 20001;      ///< nor is a run without any break
     static constexpr std::size_t ShortestEncoded = 4;  ///< shorter spans hold no entity
+    /// In units, or bytes of which there are three for a unit at most.
+    static constexpr std::size_t ShortestCopied = 3 * ShortestEncoded;
+    static constexpr std::size_t LargestFirstRoom = std::size_t{1} << 20;
 
     /// Whether a span that long counts as junk, and is left out.
     bool isJunk(std::size_t length, bool inLink) {
@@ -202,55 +214,50 @@ private:
         return true;
     }
 
-    /// The same if the span is not of ASCII or has an & in it.
+    /// A span of any length. What stands behind an & goes through the decoder.
     template <class Unit>
-    bool appendPlain(std::basic_string_view<Unit> span) {
-        const Unit* from = span.data();
-        const Unit* const to = from + span.size();
+    void appendCopied(std::basic_string_view<Unit> span, bool inAttribute) {
         const std::size_t length = out_.length();
         const bool wasOwed = spaceOwed_;
-        beginSpan(span.size() + TextMarks::Units, isWhite(*from));
-        const char16_t* const end = copyPlain(from, to, out_.end());
-        if (!end || end == out_.end()) {
+        beginSpan(span.size() + TextMarks::Units, startsWhite(span));
+        TextCopy<Unit> copy(span.data(), span.data() + span.size(), out_.end(), white_);
+        const bool isWhole = copy.run();
+        if (copy.out() == out_.end()) {
             out_.truncate(length);
-            spaceOwed_ = end || wasOwed;
-            return end;
+            spaceOwed_ = wasOwed || isWhole;
+            if (!isWhole) appendAny(unitsOf(span), inAttribute);
+            return;
         }
-        const bool endsWhite = end[-1] == u' ';
-        out_.commit(static_cast<std::size_t>(end - out_.end()) - endsWhite);
-        endSpan(endsWhite);
-        return true;
+        out_.commit(static_cast<std::size_t>(copy.out() - out_.end()) - copy.isBehindWhite());
+        if (isWhole) return endSpan(copy.isBehindWhite());
+        const auto rest = span.substr(static_cast<std::size_t>(copy.from() - span.data()));
+        appendRest(decodedLong(unitsOf(rest), options_, inAttribute), copy.isBehindWhite());
     }
 
-    /// Copies with each run of white units made one blank, and those in front left out; null if
-    /// there is anything else than ASCII, or an &.
+    /// What of a span that was begun stands behind its first &.
+    void appendRest(Units rest, bool isBehindWhite) {
+        const Units text = trimmed(rest);
+        const bool startsWhite = rest.empty() || text.data() != rest.data();
+        const bool endsWhite = !rest.empty() && isWhite(rest.back());
+        if (text.empty()) return endSpan(isBehindWhite || endsWhite);
+        out_.prepare(text.size() + 2);
+        if (isBehindWhite || startsWhite) out_.append(u' ');
+        appendCollapsed(text);
+        endSpan(endsWhite);
+    }
+
     template <class Unit>
-    static char16_t* copyPlain(const Unit* from, const Unit* to, char16_t* out) {
-        bool isBehindWhite = true;
-        while (from < to) {
-            const TextMarks marks = textMarks(from);
-            const std::ptrdiff_t count = std::min(to - from, TextMarks::Units);
-            const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - count);
-            const std::uint32_t behindWhite = marks.white << 1 | isBehindWhite;
-            const std::uint32_t changes =
-                inside & ~(marks.plain | (marks.blank & ~behindWhite));
-            copyWidened(from, out);
-            if (!changes) {
-                from += count;
-                out += count;
-                isBehindWhite = marks.white >> 31;
-                continue;
-            }
-            const int place = std::countr_zero(changes);
-            if (!(marks.white >> place & 1)) return nullptr;
-            out += place;
-            if (!(behindWhite >> place & 1)) *out++ = u' ';
-            const int run = std::countr_one(marks.white >> place);
-            // The last unit of a block ends no run, and the next one goes on with it.
-            isBehindWhite = place + run == TextMarks::Units;
-            from += place + run;
-        }
-        return out;
+    bool startsWhite(std::basic_string_view<Unit> span) const {
+        if constexpr (sizeof(Unit) == 1)
+            return isWhite(firstOfUtf8(span).unit);
+        else
+            return isWhite(span.front());
+    }
+
+    void appendCollapsed(Units text) {
+        const char16_t* const end =
+            copyCollapsingWhite(text.data(), text.data() + text.size(), out_.end(), white_);
+        out_.commit(static_cast<std::size_t>(end - out_.end()));
     }
 
     /// Any span: its entities are decoded first.
@@ -271,9 +278,7 @@ private:
         }
         beginSpan(text.size(), startsWhite);
         if (collapseWhite_ || !options_.reformat) {
-            const char16_t* const end =
-                copyCollapsingWhite(text.data(), text.data() + text.size(), out_.end(), white_);
-            out_.commit(static_cast<std::size_t>(end - out_.end()));
+            appendCollapsed(text);
             endSpan(endsWhite);
         } else {
             copyReformatted(text);

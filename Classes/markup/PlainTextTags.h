@@ -121,13 +121,11 @@ inline constexpr NameTable RuleTable([] {
 /// The rule of a tag; null if it has none.
 template <class Tag>
 const TagRule* ruleOf(const Tag& tag) {
-    if (tag.nameLength > MaxPackedUnits) {
+    if (const int row = RuleTable.find(packedName(tag)); row >= 0) return &Rules[row];
+    if (tag.nameLength > MaxPackedUnits)
         for (const TagRule& rule : LongRules)
             if (tag.isNamed(rule.name)) return &rule;
-        return nullptr;
-    }
-    const int row = RuleTable.find(packedName(tag));
-    return row < 0 ? nullptr : &Rules[row];
+    return nullptr;
 }
 
 }  // namespace velmo::detail::plainText

@@ -93,5 +93,7 @@ HtmlMetaSummary summaryOf(TagWalk walk);
 LinkThumbnails thumbnailsOf(std::u16string_view page, TagWalk walk,
                             const LinkThumbnailOptions& options);
 HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
+/// Of UTF-8, without a byte-order mark: what of it is no text is never decoded.
+HtmlPlainText plainTextOfUtf8(std::string_view page, const PlainTextOptions& options);
 
 }  // namespace velmo::detail

@@ -1,0 +1,146 @@
+// Copying text as it is to be read: each run of white space becomes one blank, and none is left at
+// the start. In one pass, from units or from bytes of UTF-8, which become units on the way.
+//
+// 32 units a step while they are ASCII; what stands outside it is looked at by itself, in runs, as
+// no alphabet but ours is spelled in single letters of another.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <velmocore/text/CharacterSets.h>
+
+#include "platform/Surrogates.h"
+#include "platform/Utf8.h"
+#include "text/SettledUnits.h"
+#include "text/TextMarks.h"
+#include "text/WhiteSkip.h"
+
+namespace velmo::detail {
+
+template <class Unit>
+class TextCopy {
+public:
+    /// From [from, to), behind which 32 units may be read, to out, where there must be room for as
+    /// many units and 32 more. The white units are those of whiteCharacterSetRep().
+    TextCopy(const Unit* from, const Unit* to, char16_t* out, const CharacterSetRep& white)
+        : from_(from), to_(to), out_(out), white_(white) {}
+
+    /// What is left to copy; what was copied, the last of which may be a blank, ends at out().
+    const Unit* from() const { return from_; }
+    char16_t* out() const { return out_; }
+    /// Whether the last unit was white, or none was copied.
+    bool isBehindWhite() const { return isBehindWhite_; }
+
+    /// Copies all, or what stands in front of the first &: then false.
+    bool run() {
+        while (from_ < to_) {
+            const TextMarks marks = textMarks(from_);
+            const std::ptrdiff_t count = std::min(to_ - from_, TextMarks::Units);
+            const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - count);
+            const std::uint32_t behindWhite = marks.white << 1 | isBehindWhite_;
+            const std::uint32_t changes = inside & ~(marks.plain | (marks.blank & ~behindWhite));
+            copyWidened(from_, out_);
+            if (!changes) {
+                from_ += count;
+                out_ += count;
+                isBehindWhite_ = marks.white >> (count - 1) & 1;
+                continue;
+            }
+            const int place = std::countr_zero(changes);
+            from_ += place;
+            out_ += place;
+            isBehindWhite_ = behindWhite >> place & 1;
+            if (marks.white >> place & 1) {
+                putBlank();
+                from_ += std::countr_one(marks.white >> place);
+            } else if (*from_ == '&') {
+                return false;
+            } else {
+                copyOthers();
+            }
+        }
+        return true;
+    }
+
+private:
+    static char16_t valueOf(char16_t unit) { return unit; }
+    static char16_t valueOf(char byte) { return static_cast<unsigned char>(byte); }
+
+    void putBlank() {
+        if (!isBehindWhite_) *out_++ = u' ';
+        isBehindWhite_ = true;
+    }
+
+    void put(char16_t unit) {
+        if (isWhiteUnit(unit, white_)) return putBlank();
+        *out_++ = unit;
+        isBehindWhite_ = false;
+    }
+
+    /// Copies a control, or a run of what is not ASCII.
+    void copyOthers() {
+        if (valueOf(*from_) < 128) return put(valueOf(*from_++));
+        while (from_ < to_ && valueOf(*from_) > 127) copyOther(from_);
+    }
+
+    void copyOther(const char16_t*& from) {
+        if (canSettleWide()) {
+            // Blanks between words stay too, so that this is not only for the run.
+            if (const std::ptrdiff_t settled = settleWide(from, to_, out_, u'&', true)) {
+                from += settled;
+                out_ += settled;
+                isBehindWhite_ = false;
+                return;
+            }
+        }
+        put(*from++);
+    }
+
+    void copyOther(const char*& from) {
+        if (to_ - from >= 4) {
+            const std::uint32_t four = nextFour(from);
+            if (isUtf8Triple(four)) {
+                const char16_t unit = unitOfUtf8Triple(four);
+                if (unit >= 0x800 && !isSurrogate(unit)) {
+                    from += 3;
+                    return putLetter(unit);
+                }
+            } else if (isUtf8Pair(four)) {
+                from += 2;
+                return putLetter(unitOfUtf8Pair(four));
+            }
+        }
+        copyRare(from);
+    }
+
+    /// A unit outside ASCII that is a letter most likely.
+    void putLetter(char16_t unit) {
+        if (!isInPlainStretch(unit)) return put(unit);
+        *out_++ = unit;
+        isBehindWhite_ = false;
+    }
+
+    /// Four bytes for two units, or what is no UTF-8.
+    void copyRare(const char*& from) {
+        const FirstOfUtf8 first = firstOfUtf8({from, static_cast<std::size_t>(to_ - from)});
+        if (isHighSurrogate(first.unit)) {
+            out_ += decodeUtf8({from, first.length}, out_);
+            isBehindWhite_ = false;
+        } else {
+            put(first.unit);
+        }
+        from += first.length;
+    }
+
+    const Unit* from_;
+    const Unit* const to_;
+    char16_t* out_;
+    const CharacterSetRep& white_;
+    bool isBehindWhite_ = true;
+};
+
+}  // namespace velmo::detail
