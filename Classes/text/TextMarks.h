@@ -57,7 +57,7 @@ inline void copyWidened(const char* from, char16_t* out) {
 }
 
 template <class Unit>
-TextMarks textMarks(const Unit* units) {
+[[gnu::always_inline]] inline TextMarks textMarks(const Unit* units) {
     TextMarks marks;
     for (int half = 0; half < 2; ++half) {
         const __m128i block = loadAsBytes(units + 16 * half);
