@@ -322,9 +322,9 @@ private:
     void font(const Tag& tag) {
         const Units whole = unitsOf(tag);
         const Units color = detail::attributeOf(whole, "COLOR", tag.web);
-        set(HiddenFont,
-            (!backgroundColor_.isAbsent() && detail::keyword::equalNoCase(color, backgroundColor_)) ||
-                detail::isTinyFont(detail::attributeOf(whole, "STYLE", tag.web)));
+        set(HiddenFont, (!backgroundColor_.isAbsent() &&
+                         detail::keyword::equalNoCase(color, backgroundColor_)) ||
+                            detail::isTinyFont(detail::attributeOf(whole, "STYLE", tag.web)));
         set(FeedDate, detail::attributeOf(whole, "CLASS", tag.web) == u"feed_date");
     }
 
@@ -402,7 +402,8 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
 
 String stringByConvertingHtml2SimplifiedPlainText(const String& page, const WebRules& web) {
     const auto scan = [&](auto& converter) {
-        GetTagsOfString(page, [&](const Tag& tag) { return converter.handleSimply(tag); }, web);
+        GetTagsOfString(
+            page, [&](const Tag& tag) { return converter.handleSimply(tag); }, web);
     };
     return convert<Tag>(page, scan, {.onlyBody = true, .web = web}).text;
 }

@@ -3,8 +3,10 @@
 // leaves, and all with the same result:
 //
 // - appendShort: up to 32 units, as most are, that need no change but at their ends.
-// - appendCopied: of any length, its white space collapsed on the way, up to the first &.
-// - appendAny: all the rest; decoded first, of UTF-8 and of entities, where that is to be done.
+// - appendCopied: of any length; its white space is collapsed and its entities are decoded on the
+//   way.
+// - appendAny: all the rest, as references that are told by what stands far behind them; decoded
+//   first, of UTF-8 and of entities, where that is to be done.
 //
 // Spans are units or, of a page that is UTF-8, bytes. Whatever they are, lengths of which a rule
 // speaks are UTF-16 units.
@@ -22,7 +24,9 @@
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/PlainText.h>
 
+#include "markup/EntityReference.h"
 #include "markup/PlainTextTags.h"
+#include "platform/Ascii.h"
 #include "platform/Utf8.h"
 #include "text/TextCopy.h"
 #include "text/TextMarks.h"
@@ -60,8 +64,7 @@ public:
         if (span.size() >= shortestJunk_ && isJunk(unitsOf(span).size(), inLink)) return;
         if (copiesPlain_ && readable >= span.size() + TextMarks::Units) {
             if (span.size() <= TextMarks::Units && appendShort(span)) return;
-            if (collapseWhite_ && span.size() >= ShortestCopied)
-                return appendCopied(span, inAttribute);
+            return appendCopied(span, inAttribute);
         }
         appendAny(unitsOf(span), inAttribute);
     }
@@ -75,12 +78,7 @@ public:
 
     /// The span with its entities decoded; a view of the span itself if it has none.
     Units decoded(Units span, const PlainTextOptions& options, bool inAttribute = false) {
-        return span.size() < ShortestEncoded ? span : decodedLong(span, options, inAttribute);
-    }
-
-    /// The same of a part of a span that is long enough.
-    Units decodedLong(Units span, const PlainTextOptions& options, bool inAttribute) {
-        if (!isDecoding_) return span;
+        if (span.size() < ShortestEncoded || !isDecoding_) return span;
         const bool maps = options.entities && options.nonUmlauted;
         if (!options.entities && !options.stdEntities) return span;
         if (!maps &&
@@ -176,7 +174,7 @@ private:
     static constexpr std::size_t JunkRun = 20001;      ///< nor is a run without any break
     static constexpr std::size_t ShortestEncoded = 4;  ///< shorter spans hold no entity
     /// In units, or bytes of which there are three for a unit at most.
-    static constexpr std::size_t ShortestCopied = 3 * ShortestEncoded;
+    static constexpr std::size_t ShortestDecoded = 3 * ShortestEncoded;
     static constexpr std::size_t LargestFirstRoom = std::size_t{1} << 20;
 
     /// Whether a span that long counts as junk, and is left out.
@@ -214,36 +212,51 @@ private:
         return true;
     }
 
-    /// A span of any length. What stands behind an & goes through the decoder.
+    /// A span of any length.
     template <class Unit>
     void appendCopied(std::basic_string_view<Unit> span, bool inAttribute) {
+        // The space in front depends on what the reference is.
+        if (span.front() == '&') return appendAny(unitsOf(span), inAttribute);
         const std::size_t length = out_.length();
         const bool wasOwed = spaceOwed_;
         beginSpan(span.size() + TextMarks::Units, startsWhite(span));
-        TextCopy<Unit> copy(span.data(), span.data() + span.size(), out_.end(), white_);
-        const bool isWhole = copy.run();
-        if (copy.out() == out_.end()) {
+        TextCopy<Unit> copy(span.data(), span.data() + span.size(), out_.end(), collapseWhite_,
+                            white_);
+        bool isWhole = copy.run();
+        if (!isWhole && span.size() >= ShortestDecoded)
+            while (!isWhole && copyReference(copy, inAttribute)) isWhole = copy.run();
+        const auto count = static_cast<std::size_t>(copy.out() - out_.end());
+        if (!isWhole || count == 0) {
             out_.truncate(length);
             spaceOwed_ = wasOwed || isWhole;
             if (!isWhole) appendAny(unitsOf(span), inAttribute);
             return;
         }
-        out_.commit(static_cast<std::size_t>(copy.out() - out_.end()) - copy.isBehindWhite());
-        if (isWhole) return endSpan(copy.isBehindWhite());
-        const auto rest = span.substr(static_cast<std::size_t>(copy.from() - span.data()));
-        appendRest(decodedLong(unitsOf(rest), options_, inAttribute), copy.isBehindWhite());
+        out_.commit(count - (collapseWhite_ && copy.isBehindWhite()));
+        endSpan(copy.isBehindWhite());
     }
 
-    /// What of a span that was begun stands behind its first &.
-    void appendRest(Units rest, bool isBehindWhite) {
-        const Units text = trimmed(rest);
-        const bool startsWhite = rest.empty() || text.data() != rest.data();
-        const bool endsWhite = !rest.empty() && isWhite(rest.back());
-        if (text.empty()) return endSpan(isBehindWhite || endsWhite);
-        out_.prepare(text.size() + 2);
-        if (isBehindWhite || startsWhite) out_.append(u' ');
-        appendCollapsed(text);
-        endSpan(endsWhite);
+    /// Copies the reference there, or an & that begins none; false if it takes more to tell.
+    template <class Unit>
+    bool copyReference(TextCopy<Unit>& copy, bool inAttribute) const {
+        if (!decodesEntities_ || !isDecoding_) return false;
+        char16_t units[TextMarks::Units];
+        const Units text = copy.next(units);
+        if (text.size() < copy.left() && !isTold(text)) return false;
+        const Reference reference = readReference(text, {.convertStandard = options_.stdEntities,
+                                                         .inAttribute = inAttribute,
+                                                         .web = options_.web});
+        for (std::size_t i = 0; i < reference.count; ++i)
+            copy.put(reference.taken ? reference.units[i] : u'&');
+        copy.skip(std::max<std::size_t>(reference.taken, 1));
+        return true;
+    }
+
+    /// Whether the reference that a text begins with ends in it, whatever may follow.
+    static bool isTold(Units text) {
+        for (std::size_t i = 1; i + 1 < text.size(); ++i)
+            if (!ascii::isLetterOrDigit(text[i]) && !(i == 1 && text[i] == u'#')) return true;
+        return false;
     }
 
     template <class Unit>
@@ -369,14 +382,15 @@ private:
     const std::size_t shortestJunkRun_ = options_.removeJunk ? JunkRun : SIZE_MAX;
     StringBuilder out_;
     std::vector<char16_t> scratch_;  ///< see scratch()
-    std::size_t cellsOfRow_ = 0;  ///< counted for tabs only
-    std::size_t lastBreak_ = 0;   ///< length of the output after its last break
-    bool pendingText_ = false;    ///< text was written since the last break
-    bool collapseWhite_ = true;   ///< outside preformatted text
+    std::size_t cellsOfRow_ = 0;     ///< counted for tabs only
+    std::size_t lastBreak_ = 0;      ///< length of the output after its last break
+    bool pendingText_ = false;       ///< text was written since the last break
+    bool collapseWhite_ = true;      ///< outside preformatted text
     bool copiesPlain_ = canCopyPlain();
-    bool spaceOwed_ = false;      ///< the next text starts with a space
+    bool spaceOwed_ = false;  ///< the next text starts with a space
     bool didRemoveJunk_ = false;
     bool isDecoding_ = true;
+    const bool decodesEntities_ = options_.entities && !options_.nonUmlauted;
     const CharacterSetRep& white_ = whiteCharacterSetRep();
     const CharacterSetRep& space_ = spaceCharacterSetRep();
 };

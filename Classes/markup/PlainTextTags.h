@@ -118,14 +118,21 @@ inline constexpr NameTable RuleTable([] {
     return names;
 }());
 
+/// Tags whose names are too long for a number.
+template <class Tag>
+[[gnu::noinline]] const TagRule* longRuleOf(const Tag& tag) {
+    for (const TagRule& rule : LongRules)
+        if (tag.isNamed(rule.name)) return &rule;
+    return nullptr;
+}
+
 /// The rule of a tag; null if it has none.
 template <class Tag>
 const TagRule* ruleOf(const Tag& tag) {
-    if (const int row = RuleTable.find(packedName(tag)); row >= 0) return &Rules[row];
     if (tag.nameLength > MaxPackedUnits)
-        for (const TagRule& rule : LongRules)
-            if (tag.isNamed(rule.name)) return &rule;
-    return nullptr;
+        if (const TagRule* rule = longRuleOf(tag)) return rule;
+    const int row = RuleTable.find(packedName(tag));
+    return row < 0 ? nullptr : &Rules[row];
 }
 
 }  // namespace velmo::detail::plainText

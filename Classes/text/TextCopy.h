@@ -1,5 +1,5 @@
-// Copying text as it is to be read: each run of white space becomes one blank, and none is left at
-// the start. In one pass, from units or from bytes of UTF-8, which become units on the way.
+// Copying text as it is to be read: each run of white space becomes one blank. In one pass, from
+// units or from bytes of UTF-8, which become units on the way.
 //
 // 32 units a step while they are ASCII; what stands outside it is looked at by itself, in runs, as
 // no alphabet but ours is spelled in single letters of another.
@@ -25,17 +25,41 @@ template <class Unit>
 class TextCopy {
 public:
     /// From [from, to), behind which 32 units may be read, to out, where there must be room for as
-    /// many units and 32 more. The white units are those of whiteCharacterSetRep().
-    TextCopy(const Unit* from, const Unit* to, char16_t* out, const CharacterSetRep& white)
-        : from_(from), to_(to), out_(out), white_(white) {}
+    /// many units and 32 more. Behind white space, that at the start is left out. The white units
+    /// are those of whiteCharacterSetRep().
+    TextCopy(const Unit* from, const Unit* to, char16_t* out, bool isBehindWhite,
+             const CharacterSetRep& white)
+        : from_(from), to_(to), out_(out), isBehindWhite_(isBehindWhite), white_(white) {}
 
-    /// What is left to copy; what was copied, the last of which may be a blank, ends at out().
-    const Unit* from() const { return from_; }
+    /// The end of what was copied.
     char16_t* out() const { return out_; }
-    /// Whether the last unit was white, or none was copied.
+    /// How many units are left to copy.
+    std::size_t left() const { return static_cast<std::size_t>(to_ - from_); }
+    /// Whether the last unit was white.
     bool isBehindWhite() const { return isBehindWhite_; }
 
-    /// Copies all, or what stands in front of the first &: then false.
+    /// What is left to copy, up to 32 units of it, and of bytes none outside ASCII.
+    std::u16string_view next(char16_t* units) const {
+        const auto count = static_cast<std::size_t>(std::min(to_ - from_, TextMarks::Units));
+        if constexpr (sizeof(Unit) == sizeof(char16_t)) {
+            return {from_, count};
+        } else {
+            copyWidened(from_, units);
+            return {units, std::min<std::size_t>(std::countr_zero(nonAscii(from_)), count)};
+        }
+    }
+
+    /// Passes over what is left, so many units of it.
+    void skip(std::size_t count) { from_ += count; }
+
+    /// Writes a unit in its place.
+    void put(char16_t unit) {
+        if (isWhiteUnit(unit, white_)) return putBlank();
+        *out_++ = unit;
+        isBehindWhite_ = false;
+    }
+
+    /// Copies all, or what stands in front of the next &: then false.
     bool run() {
         while (from_ < to_) {
             const TextMarks marks = textMarks(from_);
@@ -73,12 +97,6 @@ private:
     void putBlank() {
         if (!isBehindWhite_) *out_++ = u' ';
         isBehindWhite_ = true;
-    }
-
-    void put(char16_t unit) {
-        if (isWhiteUnit(unit, white_)) return putBlank();
-        *out_++ = unit;
-        isBehindWhite_ = false;
     }
 
     /// Copies a control, or a run of what is not ASCII.
@@ -139,8 +157,8 @@ private:
     const Unit* from_;
     const Unit* const to_;
     char16_t* out_;
+    bool isBehindWhite_;
     const CharacterSetRep& white_;
-    bool isBehindWhite_ = true;
 };
 
 }  // namespace velmo::detail

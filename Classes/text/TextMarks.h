@@ -56,6 +56,12 @@ inline void copyWidened(const char* from, char16_t* out) {
     }
 }
 
+/// Which of 32 bytes are not ASCII.
+inline std::uint32_t nonAscii(const char* bytes) {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(loadAsBytes(bytes))) |
+           static_cast<std::uint32_t>(_mm_movemask_epi8(loadAsBytes(bytes + 16))) << 16;
+}
+
 template <class Unit>
 [[gnu::always_inline]] inline TextMarks textMarks(const Unit* units) {
     TextMarks marks;
@@ -78,6 +84,13 @@ template <class Unit>
 }
 
 #else
+
+inline std::uint32_t nonAscii(const char* bytes) {
+    std::uint32_t bits = 0;
+    for (std::ptrdiff_t i = 0; i < TextMarks::Units; ++i)
+        bits |= std::uint32_t{static_cast<unsigned char>(bytes[i])} >> 7 << i;
+    return bits;
+}
 
 template <class Unit>
 TextMarks textMarks(const Unit* units) {
