@@ -16,6 +16,7 @@
 #include <velmocore/text/Removal.h>
 
 #include "markup/GoogleMask.h"
+#include "markup/MarkupReading.h"
 #include "markup/PlainTextOutput.h"
 #include "markup/TagName.h"
 #include "markup/TagScan.h"
@@ -431,6 +432,19 @@ HtmlPlainText convert(const String& page, const Walk& walk, PlainTextOptions opt
 HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
                                   const PlainTextOptions& options) {
     return convert<&Converter::handle>(page, walk, options);
+}
+
+HtmlPlainText detail::plainTextOf(ByteTagWalk walk, const PlainTextOptions& options) {
+    // No handler gives the page itself back, as all write something of one that is not empty.
+    return plainTextOf(String(u" "), widened(walk, {}), options);
+}
+
+HtmlPlainText plainTextOfHtml(Bytes page, const PlainTextOptions& options,
+                              MarkupDecodingOptions decoding) {
+    decoding.web = options.web;
+    const detail::MarkupReading reading = detail::readMarkup(page, decoding);
+    if (!reading.isUTF8()) return plainTextOfHtml(reading.page.text, options);
+    return detail::plainTextOf(detail::scanOf(reading.utf8, options.web), options);
 }
 
 HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {

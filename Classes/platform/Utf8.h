@@ -25,6 +25,9 @@ struct FirstOfUtf8 {
 /// Decodes the first sequence, or the first maximal part of a broken one, of bytes that are there.
 VELMO_API FirstOfUtf8 firstOfUtf8(std::string_view bytes) noexcept;
 
+/// Whether no sequence is broken.
+VELMO_API bool isValidUtf8(std::string_view bytes) noexcept;
+
 /// Encodes into out, which must have room for three bytes for each unit, and gives the
 /// number of bytes written. A lone surrogate becomes U+FFFD.
 VELMO_API std::size_t encodeUtf8(std::u16string_view units, char* out) noexcept;
