@@ -60,6 +60,11 @@ private:
     }
 };
 
+using ByteTagHandler = FunctionRef<bool(const ByteTag&)>;
+
+/// GetTagsOfString() of UTF-8 without a byte-order mark.
+void getTagsOfBytes(std::string_view utf8, ByteTagHandler handler, const WebRules& web);
+
 /// The tag of a text of these units.
 template <class Unit>
 struct TagOfUnits {

@@ -8,6 +8,8 @@
 #include <velmocore/markup/TagScanner.h>
 
 #include "markup/HeadCharset.h"
+#include "markup/MarkupReading.h"
+#include "markup/TagWalk.h"
 #include "text/Keyword.h"
 
 namespace velmo {
@@ -27,8 +29,8 @@ String charsetOfMetaTag(const Tag& tag) {
 
 /// The charset that the page names, and where. Tells through reachesFarther, if given, when
 /// the answer may depend on what stands behind the text, which is then only a page's head.
-NamedCharset findCharset(std::u16string_view page, const WebRules& web,
-                         bool* reachesFarther = nullptr) {
+template <class Walk>
+NamedCharset findCharset(const Walk& walk, bool* reachesFarther = nullptr) {
     NamedCharset found;
     const auto find = [&](const Tag& tag) {
         const std::u16string_view name = tag.name();
@@ -44,31 +46,36 @@ NamedCharset findCharset(std::u16string_view page, const WebRules& web,
             if (!detail::keyword::equals(name, "META") || tag.isClosing()) return false;
             charset = charsetOfMetaTag(tag);
         } else if (detail::keyword::equals(name, "XML") && tag.whole()[1] == u'?') {
-            charset = attributeOfTagCharacters(tag.whole(), "ENCODING", web);
+            charset = attributeOfTagCharacters(tag.whole(), "ENCODING", tag.web);
         }
         // A tag that names none does not end the search: pages have many meta tags.
         if (charset.isAbsent()) return false;
         found = {charset, {tag.tagLocation, tag.tagLength}};
         return true;
     };
-    GetTagsOfString(page, find, web);
+    walk(find);
     return found;
 }
 
 }  // namespace
 
 String markupCharset(std::u16string_view page, const WebRules& web) {
-    return findCharset(page, web).name;
+    return findCharset(detail::scanOf(page, web)).name;
 }
 
-String detail::markupCharsetOfHead(std::u16string_view head) {
+String detail::markupCharsetOfBytes(std::string_view utf8) {
+    return findCharset(widened(scanOf(utf8, {}), {.text = TagParts::Text::None})).name;
+}
+
+String detail::markupCharsetOfHead(std::string_view head) {
     bool reachesFarther = false;
-    const NamedCharset found = findCharset(head, {}, &reachesFarther);
+    const NamedCharset found =
+        findCharset(widened(scanOf(head, {}), {.text = TagParts::Text::None}), &reachesFarther);
     return reachesFarther ? String() : found.name;
 }
 
 Range markupCharsetRange(std::u16string_view page, const WebRules& web) {
-    return findCharset(page, web).tag;
+    return findCharset(detail::scanOf(page, web)).tag;
 }
 
 StringEncoding markupEncoding(std::u16string_view page, const WebRules& web) {

@@ -18,6 +18,7 @@
 
 #include "markup/GoogleMask.h"
 #include "markup/HiddenElements.h"
+#include "markup/MarkupReading.h"
 #include "markup/PlainTextOutput.h"
 #include "markup/PlainTextTags.h"
 #include "markup/TagScan.h"
@@ -381,8 +382,14 @@ HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
     return convert<Tag>(page, walk, options);
 }
 
+HtmlPlainText detail::plainTextOf(std::string_view utf8, ByteTagWalk walk,
+                                  const PlainTextOptions& options) {
+    return convert<ByteTag>(utf8, walk, options);
+}
+
+// Scans of their own types, which have the handler in them.
+
 HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {
-    // A scan of its own type, which has the handler in it.
     const auto scan = [&](auto& handler) { detail::scanTags(page.view(), handler, options.web); };
     return convert<Tag>(page, scan, options);
 }
@@ -390,6 +397,14 @@ HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {
 HtmlPlainText detail::plainTextOfUtf8(std::string_view page, const PlainTextOptions& options) {
     const auto scan = [&](auto& handler) { scanTags(page, handler, options.web); };
     return convert<ByteTag>(page, scan, options);
+}
+
+HtmlPlainText plainTextOfHtml(Bytes page, const PlainTextOptions& options,
+                              MarkupDecodingOptions decoding) {
+    decoding.web = options.web;
+    const detail::MarkupReading reading = detail::readMarkup(page, decoding);
+    return reading.isUTF8() ? detail::plainTextOfUtf8(reading.utf8, options)
+                            : plainTextOfHtml(reading.page.text, options);
 }
 
 String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options) {

@@ -96,6 +96,25 @@ const Unit* findEndOfScriptIn(const Unit* at, const Unit* end) {
     return end;
 }
 
+// What the scan does by its index of marks.
+template <class Unit>
+std::basic_string_view<Unit> openingTagIn(std::basic_string_view<Unit> element) {
+    const Unit* const begin = element.data();
+    const Unit* const end = begin + element.size();
+    const Unit* attributes = element.empty() ? end : endOfName(begin, end);
+    for (const Unit* at = attributes;
+         (at = scan::findEither(at, end, Unit('='), Unit('>'))) != end;) {
+        if (*at == '>') return element.substr(0, static_cast<std::size_t>(at - begin) + 1);
+        if (!isAssignment(attributes, at++)) continue;
+        at = skipWhite(at, end);
+        if (at == end) break;
+        at = isQuote(*at) ? scan::find(at + 1, end, *at) : endOfPlainValue(at, end);
+        if (at == end) break;
+        attributes = at += isQuote(*at);
+    }
+    return element;
+}
+
 }  // namespace
 
 const RawElement* rawElement(const Tag& tag) { return rawElementOf(tag); }
@@ -132,22 +151,8 @@ bool isVoidElement(const Tag& tag) {
     return std::ranges::any_of(Names, [&](std::string_view name) { return tag.isNamed(name); });
 }
 
-// What the scan does by its index of marks.
-std::u16string_view openingTagOf(std::u16string_view element) {
-    const char16_t* const begin = element.data();
-    const char16_t* const end = begin + element.size();
-    const char16_t* attributes = element.empty() ? end : endOfName(begin, end);
-    for (const char16_t* at = attributes; (at = scan::findEither(at, end, u'=', u'>')) != end;) {
-        if (*at == u'>') return element.substr(0, static_cast<std::size_t>(at - begin) + 1);
-        if (!isAssignment(attributes, at++)) continue;
-        at = skipWhite(at, end);
-        if (at == end) break;
-        at = isQuote(*at) ? scan::find(at + 1, end, *at) : endOfPlainValue(at, end);
-        if (at == end) break;
-        attributes = at += isQuote(*at);
-    }
-    return element;
-}
+std::u16string_view openingTagOf(std::u16string_view element) { return openingTagIn(element); }
+std::string_view openingTagOf(std::string_view element) { return openingTagIn(element); }
 
 const char16_t* findClosing(const char16_t* at, const char16_t* end, std::string_view closing) {
     return findClosingIn(at, end, closing);

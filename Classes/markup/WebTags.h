@@ -105,6 +105,7 @@ bool isVoidElement(const Tag& tag);
 
 /// The opening tag that a text begins with; all of it if it does not end.
 std::u16string_view openingTagOf(std::u16string_view element);
+std::string_view openingTagOf(std::string_view element);
 
 /// Where the closing tag of an element begins, whose name in capitals is given with its </; the end
 /// if there is none.

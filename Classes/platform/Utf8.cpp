@@ -119,6 +119,21 @@ FirstOfUtf8 firstOfUtf8(std::string_view bytes) noexcept {
     return {units[0], static_cast<std::size_t>(in - begin)};
 }
 
+bool isValidUtf8(std::string_view bytes) noexcept {
+    const Byte* in = reinterpret_cast<const Byte*>(bytes.data());
+    const Byte* const end = in + bytes.size();
+    while (in < end) {
+        while (asciiAhead(in, end)) in += 8;
+        if (in == end) break;
+        const std::string_view left(reinterpret_cast<const char*>(in),
+                                    static_cast<std::size_t>(end - in));
+        const FirstOfUtf8 first = firstOfUtf8(left);
+        if (first.unit == Replacement && !left.starts_with("\xEF\xBF\xBD")) return false;
+        in += first.length;
+    }
+    return true;
+}
+
 std::size_t encodeUtf8(std::u16string_view units, char* const out) noexcept {
     char* write = out;
     const auto put = [&write](std::uint32_t byte) { *write++ = static_cast<char>(byte); };

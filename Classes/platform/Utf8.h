@@ -48,6 +48,9 @@ inline char16_t unitOfUtf8Triple(std::uint32_t four) noexcept {
     return static_cast<char16_t>((four & 0x0F) << 12 | (four >> 2 & 0xFC0) | (four >> 16 & 0x3F));
 }
 
+/// Whether no sequence is broken.
+VELMO_API bool isValidUtf8(std::string_view bytes) noexcept;
+
 /// Encodes into out, which must have room for three bytes for each unit, and gives the
 /// number of bytes written. A lone surrogate becomes U+FFFD.
 VELMO_API std::size_t encodeUtf8(std::u16string_view units, char* out) noexcept;

@@ -26,10 +26,11 @@ inline std::size_t lengthAtStart(std::u16string_view units, std::string_view cap
     return beginsWith(units, capitals) ? capitals.size() : 0;
 }
 
-/// Whether a text of units or bytes is the keyword, which has a unit at least.
+/// Whether a text of units or bytes is the keyword.
 template <class Text>
 bool isKeyword(Text text, std::string_view capitals) {
-    return !text.empty() && lengthAtStart(text, capitals) == text.size();
+    if (text.empty() || capitals.empty()) return text.empty() == capitals.empty();
+    return lengthAtStart(text, capitals) == text.size();
 }
 
 }  // namespace velmo::detail::keyword

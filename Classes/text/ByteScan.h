@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cstddef>
+#include <string_view>
 
 #include "text/UnitScan.h"
 
@@ -87,6 +88,43 @@ inline const char* findNonAscii(const char* from, const char* to) {
     while (from < to && !isOther(*from)) ++from;
     return from;
 #endif
+}
+
+inline bool isAscii(std::string_view bytes) {
+    const char* const end = bytes.data() + bytes.size();
+    return findNonAscii(bytes.data(), end) == end;
+}
+
+/// Widens ASCII; there must be room for as many units as there are bytes.
+inline void widen(std::string_view ascii, char16_t* out) {
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    for (; ascii.size() - i >= 16; i += 16) {
+        const __m128i block = loadBlock(ascii.data() + i);
+        auto* const to = reinterpret_cast<__m128i*>(out + i);
+        _mm_storeu_si128(to, _mm_unpacklo_epi8(block, zero));
+        _mm_storeu_si128(to + 1, _mm_unpackhi_epi8(block, zero));
+    }
+#endif
+    for (; i < ascii.size(); ++i) out[i] = static_cast<unsigned char>(ascii[i]);
+}
+
+/// Whether the units, of which there are as many, are those of ASCII.
+inline bool equalsWidened(const char16_t* units, std::string_view ascii) {
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    for (; ascii.size() - i >= 16; i += 16) {
+        const __m128i block = loadBlock(ascii.data() + i), zero = _mm_setzero_si128();
+        const __m128i low = _mm_cmpeq_epi16(_mm_unpacklo_epi8(block, zero), loadBlock(units + i));
+        const __m128i high =
+            _mm_cmpeq_epi16(_mm_unpackhi_epi8(block, zero), loadBlock(units + i + 8));
+        if (_mm_movemask_epi8(_mm_and_si128(low, high)) != 0xFFFF) return false;
+    }
+#endif
+    for (; i < ascii.size(); ++i)
+        if (units[i] != static_cast<unsigned char>(ascii[i])) return false;
+    return true;
 }
 
 }  // namespace velmo::detail::scan

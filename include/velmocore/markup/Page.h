@@ -26,9 +26,8 @@ struct PageOptions {
 };
 
 /// A page of the web, and what most programs want to know of it; the operations of the other
-/// headers tell more, one thing at a time. It is decoded when it is made and scanned once, but for
-/// what its head says, which needs no more than that. Each part is made when it is first asked for,
-/// and kept.
+/// headers tell more, one thing at a time. It is scanned once, but for what its head says, which
+/// needs no more than that. Each part is made when it is first asked for, and kept.
 ///
 ///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>",
 ///                     {.url = URL::URLWithString(u"http://h.org/a/")});
@@ -40,15 +39,19 @@ struct PageOptions {
 /// time; of several that ask for a part that is not there yet, one makes it.
 class VELMO_API Page {
 public:
-    /// Decodes the bytes, which are not needed afterwards; see markup/MarkupDecoding.h. A page
-    /// without bytes, or that no encoding can read, is empty.
+    /// The bytes are decoded as markup/MarkupDecoding.h tells, and not needed afterwards: of UTF-8,
+    /// which most pages are in, the page keeps a copy, and makes units of no more than what is asked
+    /// for. A page without bytes, or that no encoding can read, is empty.
     explicit Page(Bytes bytes, const PageOptions& options = {});
+    /// The same without a copy, of bytes that are not needed any more.
+    explicit Page(Data&& bytes, const PageOptions& options = {});
     /// A page that is text already; its encoding is UnknownStringEncoding.
     [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {},
                                              const WebRules& web = {});
 
-    /// The text of the page, with its tags.
-    [[nodiscard]] const String& markup() const noexcept VELMO_LIFETIME;
+    /// The text of the page, with its tags. Nothing else that a page tells needs it: of one in UTF-8
+    /// it is made when it is first asked for, and takes twice the memory of the bytes.
+    [[nodiscard]] const String& markup() const VELMO_LIFETIME;
     /// The encoding that it was in.
     [[nodiscard]] StringEncoding encoding() const noexcept;
     /// Where it comes from; absent if that was not told.
@@ -99,6 +102,8 @@ private:
     struct State;
 
     explicit Page(std::shared_ptr<const State> state) noexcept : state_(std::move(state)) {}
+    /// @param owned  those of the bytes, to be taken over; may be null
+    Page(Bytes bytes, Data* owned, const PageOptions& options);
 
     std::shared_ptr<const State> state_;
 };
