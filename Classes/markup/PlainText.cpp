@@ -38,16 +38,18 @@ using detail::plainText::TagRule;
 /// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
-/// What a tag is by its slashes.
+// What a tag with a name is by its slashes. Told without branches, as one kind is as common as the
+// other.
+
 template <class Tag>
 bool opens(const Tag& tag) {
     const auto whole = tag.whole();
-    if (whole.size() < 3 || whole[1] == '/') return false;
-    return tag.web.selfClosing || whole.size() < 4 || whole[whole.size() - 2] != '/';
+    const bool endsInSlash = (whole.size() >= 4) & (whole[whole.size() - 2] == '/');
+    return (whole[1] != '/') & (tag.web.selfClosing | !endsInSlash);
 }
 template <class Tag>
 bool closes(const Tag& tag) {
-    return tag.isClosing() && tag.tagLength >= 4;
+    return tag.whole()[1] == '/';
 }
 
 /// Where in a page the text is, and what of it is to be seen: one bit each.
@@ -210,13 +212,11 @@ private:
             if (tag.kind == TagKind::Comment) noteGoogleComment(tag);
             return;
         }
-        const TagRule* rule = detail::plainText::ruleOf(tag);
-        if (!rule) return;
+        const TagRule& rule = detail::plainText::ruleOf(tag);
         // Before the tag's own work: the break belongs to the text in front of the tag.
-        if (rule->breakIfPending != Break::None && out_.hasPendingText())
-            out_.writeBreak(rule->breakIfPending);
-        if (rule->leavesForm) set(Form, false);
-        perform(rule->action, tag);
+        out_.breakText(rule.breakIfPending);
+        states_ &= ~(rule.leavesForm ? Form : 0);
+        perform(rule.action, tag);
     }
 
     void perform(Action action, const Tag& tag) {
@@ -290,10 +290,8 @@ private:
     }
 
     void changeLinkDepth(const Tag& tag) {
-        if (opens(tag))
-            ++linkDepth_;
-        else if (closes(tag) && linkDepth_ > 0)
-            --linkDepth_;
+        linkDepth_ += opens(tag);
+        linkDepth_ -= closes(tag) & (linkDepth_ > 0);
     }
 
     void cell(const Tag& tag) {

@@ -57,16 +57,14 @@ public:
         out_.append(text);
     }
 
-    /// Writes one span of text. So many units of the page as told may be read from its start on.
+    /// Writes one span of text. So many units may be read from its start on.
     template <class Unit>
     void appendSpan(std::basic_string_view<Unit> span, std::size_t readable, bool inLink,
                     bool inAttribute = false) {
-        if (span.size() >= shortestJunk_ && isJunk(unitsOf(span).size(), inLink)) return;
-        if (copiesPlain_ && readable >= span.size() + TextMarks::Units) {
-            if (span.size() <= TextMarks::Units && appendShort(span)) return;
-            return appendCopied(span, inAttribute);
-        }
-        appendAny(unitsOf(span), inAttribute);
+        if (span.size() <= TextMarks::Units && readable >= 2 * TextMarks::Units && copiesPlain_ &&
+            appendShort(span))
+            return;
+        appendLong(span, readable, inLink, inAttribute);
     }
 
     /// The span in UTF-16; one of bytes is good until the next span.
@@ -117,11 +115,10 @@ public:
         if (pendingText_ || spaceOwed_) writeBreak(Break::Paragraph);
     }
 
-    void writeBreak(Break kind) {
-        out_.append(kind == Break::Paragraph ? Units(u"\n\n") : Units(u"\n"));
-        lastBreak_ = out_.length();
-        pendingText_ = spaceOwed_ = false;
-    }
+    void writeBreak(Break kind) { writeFeeds(static_cast<std::size_t>(kind)); }
+    /// The same behind text only. Tags come so often with text in front of them as without, so that
+    /// this has no branch.
+    void breakText(Break kind) { writeFeeds(pendingText_ ? static_cast<std::size_t>(kind) : 0); }
 
     /// Writes a space behind text, or owes it where one stands already.
     void separate() {
@@ -173,9 +170,19 @@ private:
     static constexpr std::size_t JunkLinkText = 3501;  ///< nor is one in a link or a heading
     static constexpr std::size_t JunkRun = 20001;      ///< nor is a run without any break
     static constexpr std::size_t ShortestEncoded = 4;  ///< shorter spans hold no entity
-    /// In units, or bytes of which there are three for a unit at most.
+    /// So many bytes are as many units at least.
     static constexpr std::size_t ShortestDecoded = 3 * ShortestEncoded;
     static constexpr std::size_t LargestFirstRoom = std::size_t{1} << 20;
+
+    void writeFeeds(std::size_t count) {
+        char16_t* const out = out_.prepare(2);
+        out[0] = out[1] = u'\n';
+        out_.commit(count);
+        const bool isBroken = count > 0;
+        lastBreak_ = isBroken ? out_.length() : lastBreak_;
+        pendingText_ &= !isBroken;
+        spaceOwed_ &= !isBroken;
+    }
 
     /// Whether a span that long counts as junk, and is left out.
     bool isJunk(std::size_t length, bool inLink) {
@@ -186,45 +193,59 @@ private:
         return true;
     }
 
-    /// False, and nothing done, if there is more to do than to cut the ends.
+    /// False, and nothing done, if there is more to do than to cut the ends. Whether there is any
+    /// text between them is not branched on, as nobody can foretell that.
     template <class Unit>
     bool appendShort(std::basic_string_view<Unit> span) {
         const TextMarks marks = textMarks(span.data());
         const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - span.size());
         const std::uint32_t plain = marks.plain & inside;
-        if (!plain) {
-            if (!collapseWhite_ || (inside & ~marks.white)) return false;
-            spaceOwed_ = true;
-            return true;
-        }
-        const int first = std::countr_zero(plain), last = 31 - std::countl_zero(plain);
-        const std::uint32_t text = inside >> first << first & ~std::uint32_t{0} >> (31 - last);
-        const std::uint32_t behindWhite = marks.white << 1;
-        const std::uint32_t changes = text & marks.white & (~marks.blank | behindWhite);
-        const std::uint32_t others = inside & ~(marks.plain | marks.white);
+        const std::uint32_t white = marks.white & inside;
+        // Bits up to the first, and from the last unit of text on.
+        const std::uint32_t head = plain ^ (plain - 1);
+        const int behind = 32 - std::countl_zero(plain);
+        const std::uint32_t tail = static_cast<std::uint32_t>(~std::uint64_t{0} << behind);
+        const std::uint32_t ends = white & (head | tail);
+        const std::uint32_t changes = white & ~ends & (~marks.blank | marks.white << 1);
+        if ((inside & ~(plain | white)) | changes | (collapseWhite_ ? 0 : ends)) return false;
+        const bool hasText = plain != 0;
+        out_.prepare(TextMarks::Units + 1);
+        char16_t* const out = out_.end();
+        const int first = hasText ? std::countr_zero(plain) : 0;
         const bool startsWhite = first > 0;
-        const bool endsWhite = static_cast<std::size_t>(last) + 1 < span.size();
-        if ((others | changes) || (!collapseWhite_ && (startsWhite || endsWhite))) return false;
-        beginSpan(TextMarks::Units, startsWhite);
-        copyWidened(span.data() + first, out_.end());
-        out_.commit(static_cast<std::size_t>(last - first) + 1);
-        endSpan(endsWhite);
+        const bool isBehindText = pendingText_ || (!collapseWhite_ && !lastIsWhite());
+        const bool isBlankDue = (spaceOwed_ | startsWhite) & hasText & isBehindText;
+        *out = u' ';
+        copyWidened(span.data() + first, out + isBlankDue);
+        out_.commit(static_cast<std::size_t>(behind - first) + isBlankDue);
+        if (hasText && out_.length() - lastBreak_ >= shortestJunkRun_) {
+            spaceOwed_ |= startsWhite;
+            return dropJunkRun();
+        }
+        spaceOwed_ = !hasText | static_cast<bool>(ends & tail);
+        pendingText_ |= hasText;
         return true;
+    }
+
+    template <class Unit>
+    [[gnu::noinline]] void appendLong(std::basic_string_view<Unit> span, std::size_t readable,
+                                      bool inLink, bool inAttribute) {
+        if (span.size() >= shortestJunk_ && isJunk(unitsOf(span).size(), inLink)) return;
+        if (copiesPlain_) return appendCopied(span, readable, inAttribute);
+        appendAny(unitsOf(span), inAttribute);
     }
 
     /// A span of any length.
     template <class Unit>
-    void appendCopied(std::basic_string_view<Unit> span, bool inAttribute) {
-        // The space in front depends on what the reference is.
-        if (span.front() == '&') return appendAny(unitsOf(span), inAttribute);
+    void appendCopied(std::basic_string_view<Unit> span, std::size_t readable, bool inAttribute) {
         const std::size_t length = out_.length();
         const bool wasOwed = spaceOwed_;
         beginSpan(span.size() + TextMarks::Units, startsWhite(span));
-        TextCopy<Unit> copy(span.data(), span.data() + span.size(), out_.end(), collapseWhite_,
+        const Unit* const from = span.data();
+        TextCopy<Unit> copy(from, from + span.size(), from + readable, out_.end(), collapseWhite_,
                             white_);
         bool isWhole = copy.run();
-        if (!isWhole && span.size() >= ShortestDecoded)
-            while (!isWhole && copyReference(copy, inAttribute)) isWhole = copy.run();
+        if (!isWhole && mayHoldReference(span)) isWhole = copyReferences(copy, inAttribute);
         const auto count = static_cast<std::size_t>(copy.out() - out_.end());
         if (!isWhole || count == 0) {
             out_.truncate(length);
@@ -236,10 +257,28 @@ private:
         endSpan(copy.isBehindWhite());
     }
 
+    template <class Unit>
+    bool mayHoldReference(std::basic_string_view<Unit> span) {
+        return span.size() >= ShortestDecoded || unitsOf(span).size() >= ShortestEncoded;
+    }
+
+    /// Copies from the next & on; false if that takes more than to read one reference after the other.
+    template <class Unit>
+    bool copyReferences(TextCopy<Unit>& copy, bool inAttribute) {
+        if (!decodesEntities_ || !isDecoding_) return false;
+        bool isFirst = copy.out() == out_.end();
+        do {
+            if (!copyReference(copy, inAttribute)) return false;
+            // At the start of a span white space would count as its own.
+            if (isFirst && copy.isBehindWhite()) return false;
+            isFirst = false;
+        } while (!copy.run());
+        return true;
+    }
+
     /// Copies the reference there, or an & that begins none; false if it takes more to tell.
     template <class Unit>
     bool copyReference(TextCopy<Unit>& copy, bool inAttribute) const {
-        if (!decodesEntities_ || !isDecoding_) return false;
         char16_t units[TextMarks::Units];
         const Units text = copy.next(units);
         if (text.size() < copy.left() && !isTold(text)) return false;

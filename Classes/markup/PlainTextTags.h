@@ -11,7 +11,7 @@
 
 namespace velmo::detail::plainText {
 
-enum class Break : std::uint8_t { None, Line, Paragraph };
+enum class Break : std::uint8_t { None, Line, Paragraph };  ///< in line feeds
 
 /// What is done at a tag behind its break; markup/PlainText.cpp tells what each of them means.
 enum class Action : std::uint8_t {
@@ -104,6 +104,7 @@ inline constexpr TagRule Rules[] = {
     {"h7", Break::Paragraph, Action::Heading, true},
     {"h8", Break::Paragraph, Action::Heading, true},
     {"h9", Break::Paragraph, Action::Heading, true},
+    {},  // all other tags
 };
 // Names that are too long for a number.
 inline constexpr TagRule LongRules[] = {
@@ -112,27 +113,26 @@ inline constexpr TagRule LongRules[] = {
 };
 // clang-format on
 
+inline constexpr int NoRuleRow = std::size(Rules) - 1;
+
 inline constexpr NameTable RuleTable([] {
-    std::array<PackedName, std::size(Rules)> names{};
+    std::array<PackedName, NoRuleRow> names{};
     for (std::size_t i = 0; i < names.size(); ++i) names[i] = packed(Rules[i].name);
     return names;
 }());
 
 /// Tags whose names are too long for a number.
 template <class Tag>
-[[gnu::noinline]] const TagRule* longRuleOf(const Tag& tag) {
+[[gnu::noinline]] const TagRule& longRuleOf(const Tag& tag) {
     for (const TagRule& rule : LongRules)
-        if (tag.isNamed(rule.name)) return &rule;
-    return nullptr;
+        if (tag.isNamed(rule.name)) return rule;
+    return Rules[RuleTable.find(packedName(tag), NoRuleRow)];
 }
 
-/// The rule of a tag; null if it has none.
 template <class Tag>
-const TagRule* ruleOf(const Tag& tag) {
-    if (tag.nameLength > MaxPackedUnits)
-        if (const TagRule* rule = longRuleOf(tag)) return rule;
-    const int row = RuleTable.find(packedName(tag));
-    return row < 0 ? nullptr : &Rules[row];
+[[gnu::always_inline]] inline const TagRule& ruleOf(const Tag& tag) {
+    if (tag.nameLength > MaxPackedUnits) return longRuleOf(tag);
+    return Rules[RuleTable.find(packedName(tag), NoRuleRow)];
 }
 
 }  // namespace velmo::detail::plainText

@@ -53,10 +53,10 @@ public:
             slots_[slotOf(names[i])] = {names[i], static_cast<int>(i)};
     }
 
-    /// The place of the name among those the table was made of; -1 if it is not there.
-    int find(PackedName name) const {
+    /// The place of the name among those the table was made of; the other one if it is not there.
+    int find(PackedName name, int otherwise = -1) const {
         const Slot& slot = slots_[slotOf(name)];
-        return slot.name == name && name != 0 ? slot.index : -1;
+        return slot.name == name && name != 0 ? slot.index : otherwise;
     }
 
 private:

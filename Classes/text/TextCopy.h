@@ -9,6 +9,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 #include <velmocore/text/CharacterSets.h>
@@ -24,12 +25,17 @@ namespace velmo::detail {
 template <class Unit>
 class TextCopy {
 public:
-    /// From [from, to), behind which 32 units may be read, to out, where there must be room for as
-    /// many units and 32 more. Behind white space, that at the start is left out. The white units
-    /// are those of whiteCharacterSetRep().
-    TextCopy(const Unit* from, const Unit* to, char16_t* out, bool isBehindWhite,
+    /// From [from, to), at and behind which may be read up to end, to out, where there must be room
+    /// for as many units and 32 more. Behind white space, that at the start is left out. The white
+    /// units are those of whiteCharacterSetRep().
+    TextCopy(const Unit* from, const Unit* to, const Unit* end, char16_t* out, bool isBehindWhite,
              const CharacterSetRep& white)
-        : from_(from), to_(to), out_(out), isBehindWhite_(isBehindWhite), white_(white) {}
+        : from_(from),
+          to_(to),
+          end_(end),
+          out_(out),
+          isBehindWhite_(isBehindWhite),
+          white_(white) {}
 
     /// The end of what was copied.
     char16_t* out() const { return out_; }
@@ -44,8 +50,10 @@ public:
         if constexpr (sizeof(Unit) == sizeof(char16_t)) {
             return {from_, count};
         } else {
-            copyWidened(from_, units);
-            return {units, std::min<std::size_t>(std::countr_zero(nonAscii(from_)), count)};
+            Unit tail[TextMarks::Units];
+            const Unit* const at = block(tail);
+            copyWidened(at, units);
+            return {units, std::min<std::size_t>(std::countr_zero(nonAscii(at)), count)};
         }
     }
 
@@ -61,13 +69,15 @@ public:
 
     /// Copies all, or what stands in front of the next &: then false.
     bool run() {
+        Unit tail[TextMarks::Units];
         while (from_ < to_) {
-            const TextMarks marks = textMarks(from_);
+            const Unit* const units = block(tail);
+            const TextMarks marks = textMarks(units);
             const std::ptrdiff_t count = std::min(to_ - from_, TextMarks::Units);
             const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - count);
             const std::uint32_t behindWhite = marks.white << 1 | isBehindWhite_;
             const std::uint32_t changes = inside & ~(marks.plain | (marks.blank & ~behindWhite));
-            copyWidened(from_, out_);
+            copyWidened(units, out_);
             if (!changes) {
                 from_ += count;
                 out_ += count;
@@ -93,6 +103,13 @@ public:
 private:
     static char16_t valueOf(char16_t unit) { return unit; }
     static char16_t valueOf(char byte) { return static_cast<unsigned char>(byte); }
+
+    /// The next 32 units, of which some may be behind the end: then a copy of those that are there.
+    const Unit* block(Unit (&tail)[TextMarks::Units]) const {
+        if (end_ - from_ >= TextMarks::Units) return from_;
+        std::fill(std::copy(from_, end_, tail), std::end(tail), Unit());
+        return tail;
+    }
 
     void putBlank() {
         if (!isBehindWhite_) *out_++ = u' ';
@@ -156,6 +173,7 @@ private:
 
     const Unit* from_;
     const Unit* const to_;
+    const Unit* const end_;
     char16_t* out_;
     bool isBehindWhite_;
     const CharacterSetRep& white_;
