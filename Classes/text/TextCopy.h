@@ -116,51 +116,57 @@ private:
         isBehindWhite_ = true;
     }
 
-    /// Copies a control, or a run of what is not ASCII.
+    /// Copies a control, or what begins there outside ASCII: a run of it, or one unit at least.
     void copyOthers() {
-        if (valueOf(*from_) < 128) return put(valueOf(*from_++));
-        while (from_ < to_ && valueOf(*from_) > 127) copyOther(from_);
+        if (valueOf(*from_) < 128 || !copyRun(from_)) copyOne(from_);
     }
 
-    void copyOther(const char16_t*& from) {
-        if (canSettleWide()) {
-            // Blanks between words stay too, so that this is not only for the run.
-            if (const std::ptrdiff_t settled = settleWide(from, to_, out_, u'&', true)) {
-                from += settled;
-                out_ += settled;
-                isBehindWhite_ = false;
-                return;
-            }
-        }
-        put(*from++);
-    }
-
-    void copyOther(const char*& from) {
-        if (to_ - from >= 4) {
-            const std::uint32_t four = nextFour(from);
-            if (isUtf8Triple(four)) {
-                const char16_t unit = unitOfUtf8Triple(four);
-                if (unit >= 0x800 && !isSurrogate(unit)) {
-                    from += 3;
-                    return putLetter(unit);
-                }
-            } else if (isUtf8Pair(four)) {
-                from += 2;
-                return putLetter(unitOfUtf8Pair(four));
-            }
-        }
-        copyRare(from);
-    }
-
-    /// A unit outside ASCII that is a letter most likely.
-    void putLetter(char16_t unit) {
-        if (!isInPlainStretch(unit)) return put(unit);
-        *out_++ = unit;
+    /// Copies a run of letters, with the blanks between them.
+    bool copyRun(const char16_t*& from) {
+        if (!canSettleWide()) return false;
+        const std::ptrdiff_t settled = settleWide(from, to_, out_, u'&', true);
+        if (settled == 0) return false;
+        from += settled;
+        out_ += settled;
         isBehindWhite_ = false;
+        return true;
     }
 
-    /// Four bytes for two units, or what is no UTF-8.
-    void copyRare(const char*& from) {
+    bool copyRun(const char*& from) {
+        const char* at = from;
+        char16_t* out = out_;
+        while (to_ - at >= 4) {
+            const std::uint32_t four = nextFour(at);
+            char16_t unit = 0;
+            if (isUtf8Triple(four)) {
+                unit = unitOfUtf8Triple(four);
+                if (unit < 0x800 || isSurrogate(unit)) break;
+            } else if (isUtf8Pair(four)) {
+                unit = unitOfUtf8Pair(four);
+            } else if (isBlankBehindLetter(four, out)) {
+                *out++ = u' ';
+                ++at;
+                continue;
+            }
+            if (!isInPlainStretch(unit)) break;
+            *out++ = unit;
+            at += isUtf8Pair(four) ? 2 : 3;
+        }
+        if (at == from) return false;
+        from = at;
+        out_ = out;
+        isBehindWhite_ = out[-1] == u' ';
+        return true;
+    }
+
+    /// Whether a blank stands there in front of what is not ASCII, behind a unit of the same run.
+    bool isBlankBehindLetter(std::uint32_t four, const char16_t* out) const {
+        return (four & 0x80FF) == 0x8020 && out != out_ && out[-1] != u' ';
+    }
+
+    void copyOne(const char16_t*& from) { put(*from++); }
+
+    void copyOne(const char*& from) {
         const FirstOfUtf8 first = firstOfUtf8({from, static_cast<std::size_t>(to_ - from)});
         if (isHighSurrogate(first.unit)) {
             out_ += decodeUtf8({from, first.length}, out_);
