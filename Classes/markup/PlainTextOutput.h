@@ -44,7 +44,6 @@ public:
     PlainTextOutput(const PlainTextOptions& options, std::size_t pageLength)
         : options_(options), out_(std::min(pageLength / 4, LargestFirstRoom)) {}
 
-    bool hasPendingText() const { return pendingText_; }
     bool didRemoveJunk() const { return didRemoveJunk_; }
     void noteJunk() { didRemoveJunk_ = true; }
     String finish() { return out_.finish(); }
@@ -61,6 +60,11 @@ public:
     template <class Unit>
     void appendSpan(std::basic_string_view<Unit> span, std::size_t readable, bool inLink,
                     bool inAttribute = false) {
+        // The line end between two tags, which is a third of all spans.
+        if (span.size() == 1 && span[0] == '\n' && collapseWhite_) {
+            spaceOwed_ = true;
+            return;
+        }
         if (span.size() <= TextMarks::Units && readable >= 2 * TextMarks::Units && copiesPlain_ &&
             appendShort(span))
             return;

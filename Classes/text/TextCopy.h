@@ -90,7 +90,7 @@ public:
             isBehindWhite_ = behindWhite >> place & 1;
             if (marks.white >> place & 1) {
                 putBlank();
-                from_ += std::countr_one(marks.white >> place);
+                from_ += std::countr_one((marks.white & inside) >> place);
             } else if (*from_ == '&') {
                 return false;
             } else {
@@ -148,7 +148,7 @@ private:
                 ++at;
                 continue;
             }
-            if (!isInPlainStretch(unit)) break;
+            if (!isInPlainStretch(unit) && (unit == 0 || white_.contains(unit))) break;
             *out++ = unit;
             at += isUtf8Pair(four) ? 2 : 3;
         }
