@@ -215,7 +215,7 @@ private:
         const TagRule& rule = detail::plainText::ruleOf(tag);
         // Before the tag's own work: the break belongs to the text in front of the tag.
         out_.breakText(rule.breakIfPending);
-        states_ &= ~(rule.leavesForm ? Form : 0);
+        states_ &= ~(Form * rule.leavesForm);
         perform(rule.action, tag);
     }
 

@@ -66,7 +66,7 @@ public:
             return;
         }
         if (span.size() <= TextMarks::Units && readable >= 2 * TextMarks::Units && copiesPlain_ &&
-            appendShort(span))
+            valueOfUnit(span[0]) < 128 && appendShort(span))
             return;
         appendLong(span, readable, inLink, inAttribute);
     }
@@ -122,7 +122,9 @@ public:
     void writeBreak(Break kind) { writeFeeds(static_cast<std::size_t>(kind)); }
     /// The same behind text only. Tags come so often with text in front of them as without, so that
     /// this has no branch.
-    void breakText(Break kind) { writeFeeds(pendingText_ ? static_cast<std::size_t>(kind) : 0); }
+    void breakText(Break kind) {
+        writeFeeds(static_cast<std::size_t>(kind) & maskOf(pendingText_));
+    }
 
     /// Writes a space behind text, or owes it where one stands already.
     void separate() {
@@ -178,12 +180,15 @@ private:
     static constexpr std::size_t ShortestDecoded = 3 * ShortestEncoded;
     static constexpr std::size_t LargestFirstRoom = std::size_t{1} << 20;
 
+    /// All bits or none.
+    static constexpr std::size_t maskOf(bool isOn) { return ~(std::size_t{isOn} - 1); }
+
     void writeFeeds(std::size_t count) {
         char16_t* const out = out_.prepare(2);
         out[0] = out[1] = u'\n';
         out_.commit(count);
         const bool isBroken = count > 0;
-        lastBreak_ = isBroken ? out_.length() : lastBreak_;
+        lastBreak_ += (out_.length() - lastBreak_) & maskOf(isBroken);
         pendingText_ &= !isBroken;
         spaceOwed_ &= !isBroken;
     }
