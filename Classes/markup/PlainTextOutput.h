@@ -119,11 +119,17 @@ public:
         if (pendingText_ || spaceOwed_) writeBreak(Break::Paragraph);
     }
 
-    void writeBreak(Break kind) { writeFeeds(static_cast<std::size_t>(kind)); }
-    /// The same behind text only. Tags come so often with text in front of them as without, so that
-    /// this has no branch.
+    void writeBreak(Break kind) {
+        // Two are written, whatever count.
+        char16_t* const feeds = out_.prepare(2);
+        feeds[0] = feeds[1] = u'\n';
+        out_.commit(static_cast<std::size_t>(kind));
+        lastBreak_ = out_.length();
+        pendingText_ = spaceOwed_ = false;
+    }
+    /// The same behind text only.
     void breakText(Break kind) {
-        writeFeeds(static_cast<std::size_t>(kind) & maskOf(pendingText_));
+        if (kind != Break::None && pendingText_) writeBreak(kind);
     }
 
     /// Writes a space behind text, or owes it where one stands already.
@@ -180,19 +186,6 @@ private:
     static constexpr std::size_t ShortestDecoded = 3 * ShortestEncoded;
     static constexpr std::size_t LargestFirstRoom = std::size_t{1} << 20;
 
-    /// All bits or none.
-    static constexpr std::size_t maskOf(bool isOn) { return ~(std::size_t{isOn} - 1); }
-
-    void writeFeeds(std::size_t count) {
-        char16_t* const out = out_.prepare(2);
-        out[0] = out[1] = u'\n';
-        out_.commit(count);
-        const bool isBroken = count > 0;
-        lastBreak_ += (out_.length() - lastBreak_) & maskOf(isBroken);
-        pendingText_ &= !isBroken;
-        spaceOwed_ &= !isBroken;
-    }
-
     /// Whether a span that long counts as junk, and is left out.
     bool isJunk(std::size_t length, bool inLink) {
         if (!(length >= JunkSpan && collapseWhite_) && !(length >= JunkLinkText && inLink))
@@ -210,6 +203,11 @@ private:
         const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - span.size());
         const std::uint32_t plain = marks.plain & inside;
         const std::uint32_t white = marks.white & inside;
+        if (!plain) {
+            if (!collapseWhite_ || white != inside) return false;
+            spaceOwed_ = true;
+            return true;
+        }
         // Bits up to the first, and from the last unit of text on.
         const std::uint32_t head = plain ^ (plain - 1);
         const int behind = 32 - std::countl_zero(plain);
