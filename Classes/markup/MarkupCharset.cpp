@@ -9,6 +9,8 @@
 
 #include "markup/HeadCharset.h"
 #include "markup/MarkupReading.h"
+#include "markup/TagName.h"
+#include "markup/TagScan.h"
 #include "markup/TagWalk.h"
 #include "text/Keyword.h"
 
@@ -57,6 +59,27 @@ NamedCharset findCharset(const Walk& walk, bool* reachesFarther = nullptr) {
     return found;
 }
 
+/// The walk over those tags of UTF-8 that findCharset() looks at; most tags of a head are others.
+auto tellingTagsOf(std::string_view utf8) {
+    return [utf8](TagHandler handler) {
+        detail::WideTags wide({.text = detail::TagParts::Text::None});
+        const auto handOn = [&](const detail::ByteTag& tag) {
+            using detail::packed;
+            switch (detail::packedName(tag)) {
+                case packed("script"):
+                case packed("style"):
+                case packed("body"):
+                case packed("meta"):
+                case packed("xml"):
+                    return handler(wide.of(tag));
+                default:
+                    return tag.kind == TagKind::End && handler(wide.of(tag));
+            }
+        };
+        detail::scanTags(utf8, handOn, WebRules());
+    };
+}
+
 }  // namespace
 
 String markupCharset(std::u16string_view page, const WebRules& web) {
@@ -64,13 +87,12 @@ String markupCharset(std::u16string_view page, const WebRules& web) {
 }
 
 String detail::markupCharsetOfBytes(std::string_view utf8) {
-    return findCharset(widened(scanOf(utf8, {}), {.text = TagParts::Text::None})).name;
+    return findCharset(tellingTagsOf(utf8)).name;
 }
 
 String detail::markupCharsetOfHead(std::string_view head) {
     bool reachesFarther = false;
-    const NamedCharset found =
-        findCharset(widened(scanOf(head, {}), {.text = TagParts::Text::None}), &reachesFarther);
+    const NamedCharset found = findCharset(tellingTagsOf(head), &reachesFarther);
     return reachesFarther ? String() : found.name;
 }
 
