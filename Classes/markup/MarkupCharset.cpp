@@ -60,8 +60,8 @@ NamedCharset findCharset(const Walk& walk, bool* reachesFarther = nullptr) {
 }
 
 /// The walk over those tags of UTF-8 that findCharset() looks at; most tags of a head are others.
-auto tellingTagsOf(std::string_view utf8) {
-    return [utf8](TagHandler handler) {
+auto tellingTagsOf(std::string_view utf8, const WebRules& web) {
+    return [utf8, &web](TagHandler handler) {
         detail::WideTags wide({.text = detail::TagParts::Text::None});
         const auto handOn = [&](const detail::ByteTag& tag) {
             using detail::packed;
@@ -76,8 +76,13 @@ auto tellingTagsOf(std::string_view utf8) {
                     return tag.kind == TagKind::End && handler(wide.of(tag));
             }
         };
-        detail::scanTags(utf8, handOn, WebRules());
+        detail::scanTags(utf8, handOn, web);
     };
+}
+
+StringEncoding urlEncodingOf(const String& charset) {
+    return charset2NSStringEncoding(charset) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
+                                                                        : UTF8StringEncoding;
 }
 
 }  // namespace
@@ -86,13 +91,13 @@ String markupCharset(std::u16string_view page, const WebRules& web) {
     return findCharset(detail::scanOf(page, web)).name;
 }
 
-String detail::markupCharsetOfBytes(std::string_view utf8) {
-    return findCharset(tellingTagsOf(utf8)).name;
+String detail::markupCharsetOfBytes(std::string_view utf8, const WebRules& web) {
+    return findCharset(tellingTagsOf(utf8, web)).name;
 }
 
 String detail::markupCharsetOfHead(std::string_view head) {
     bool reachesFarther = false;
-    const NamedCharset found = findCharset(tellingTagsOf(head), &reachesFarther);
+    const NamedCharset found = findCharset(tellingTagsOf(head, {}), &reachesFarther);
     return reachesFarther ? String() : found.name;
 }
 
@@ -109,8 +114,11 @@ StringEncoding headerEncoding(std::u16string_view contentType) {
 }
 
 StringEncoding defaultURLEncoding(std::u16string_view page, const WebRules& web) {
-    return markupEncoding(page, web) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
-                                                                : UTF8StringEncoding;
+    return urlEncodingOf(markupCharset(page, web));
+}
+
+StringEncoding detail::defaultURLEncodingOfBytes(std::string_view utf8, const WebRules& web) {
+    return urlEncodingOf(markupCharsetOfBytes(utf8, web));
 }
 
 MarkupData markupData(const String& page) {

@@ -123,6 +123,8 @@ HtmlMetaSummary summaryOf(TagWalk walk);
 HtmlMetadata metadataOf(TagWalk walk, const HtmlMetadataOptions& options);
 LinkThumbnails thumbnailsOf(std::u16string_view page, TagWalk walk,
                             const LinkThumbnailOptions& options);
+LinkThumbnails thumbnailsOf(std::string_view utf8, ByteTagWalk walk,
+                            const LinkThumbnailOptions& options);
 HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
 /// Of a page that is not empty.
 HtmlPlainText plainTextOf(ByteTagWalk walk, const PlainTextOptions& options);

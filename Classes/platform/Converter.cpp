@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 
+#include "platform/AsciiRun.h"
 #include "platform/EncodingTables.h"
 #include "platform/IcuConverter.h"
 #include "platform/PairDecoder.h"
@@ -46,7 +47,14 @@ const ByteTable& byteTable(const EncodingRow& row) {
 Decoding decodeSingleBytes(const EncodingRow& row, Bytes bytes, Units out) {
     const ByteTable& table = byteTable(row);
     const std::size_t count = std::min(bytes.size(), out.size());
-    for (std::size_t i = 0; i < count; ++i) out[i] = table[bytes[i]];
+    const std::uint8_t* in = bytes.data();
+    const std::uint8_t* const end = in + count;
+    for (char16_t* to = out.data(); in < end;) {
+        if (asciiAhead(in, end))
+            widenAscii(in, end, to);
+        else
+            *to++ = table[*in++];
+    }
     return {count, count == bytes.size()};
 }
 

@@ -79,6 +79,11 @@ std::string randomPage(std::mt19937& random) {
         "<object data=o>",
         "<video src=v poster=w>",
         "<!-- c \xC3\xA9 -->",
+        "<!-- googleoff: anchor -->",
+        "<li>",
+        "</li>",
+        "<a href=big.jpg>",
+        "<img src=small.jpg title='\xC3\xA9'>",
         "<rss>",
         "<html>",
         "<meta charset=utf-8>",
@@ -151,6 +156,11 @@ void expectSamePages(const Page& a, const Page& b) {
     EXPECT_EQ(a.linkThumbnails().thumbnails, b.linkThumbnails().thumbnails);
     EXPECT_EQ(a.linkThumbnails().titles, b.linkThumbnails().titles);
     EXPECT_EQ(a.linkThumbnails().texts, b.linkThumbnails().texts);
+    const URL base = URL::URLWithString(u"http://t.org/");
+    const LinkThumbnailOptions alone{.baseURL = base, .googleTags = true, .texts = false};
+    EXPECT_EQ(a.linkThumbnails(alone).thumbnails, b.linkThumbnails(alone).thumbnails);
+    EXPECT_EQ(a.linkThumbnails(alone).titles, b.linkThumbnails(alone).titles);
+    expectSameLinks(a.unresolvedLinks(), b.unresolvedLinks());
     EXPECT_EQ(a.markup(), b.markup());
 }
 
