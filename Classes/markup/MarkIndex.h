@@ -41,6 +41,32 @@ public:
         return find(from, [](const Marks& m) { return m.singleQuote; });
     }
 
+    /// The > of the tag in which a position is if one look at 64 units tells: where each value has
+    /// double quotes, right behind its =, or none. Else null.
+    const Unit* endOfPlainTag(const Unit* from) {
+        if (end_ - from < BlockUnits) return nullptr;
+        auto offset = static_cast<std::size_t>(from - block_);
+        if (offset >= BlockUnits || !(marks_.greater >> offset)) {
+            load(from);
+            offset = 0;
+        }
+        const std::uint64_t greater = marks_.greater >> offset;
+        if (!greater) return nullptr;
+        const Unit* const last = from + std::countr_zero(greater);
+        // What stands in front of the >.
+        const std::uint64_t inTag = (greater & -greater) - 1;
+        const std::uint64_t equal = marks_.equal >> offset & inTag;
+        if (!equal) return last;
+        const std::uint64_t quotes = marks_.doubleQuote >> offset & inTag;
+        // From each opening quote up to its twin.
+        std::uint64_t inValue = quotes;
+        for (int shift = 1; shift < BlockUnits; shift *= 2) inValue ^= inValue << shift;
+        const bool isClosed = !(std::popcount(quotes) & 1);
+        const bool isPlain = (quotes & inValue) == (equal & ~inValue) << 1 &&
+                             !(marks_.singleQuote >> offset & inTag & ~inValue);
+        return isClosed && isPlain ? last : nullptr;
+    }
+
 private:
     static constexpr std::ptrdiff_t BlockUnits = 64;
 

@@ -53,10 +53,10 @@ public:
             slots_[slotOf(names[i])] = {names[i], static_cast<int>(i)};
     }
 
-    /// The place of the name among those the table was made of; -1 if it is not there.
-    int find(PackedName name) const {
+    /// The place of the name among those the table was made of; the other one if it is not there.
+    int find(PackedName name, int otherwise = -1) const {
         const Slot& slot = slots_[slotOf(name)];
-        return slot.name == name && name != 0 ? slot.index : -1;
+        return slot.name == name && name != 0 ? slot.index : otherwise;
     }
 
 private:
@@ -92,6 +92,17 @@ inline PackedName lowerCase(__m128i bytes) {
 }
 #endif
 
+// Names at the end of a page, or with letters outside ASCII. Out of line, as hardly any is.
+
+[[gnu::noinline]] inline PackedName packedByUnit(const Tag& tag) { return packedUnits(tag.name()); }
+
+[[gnu::noinline]] inline PackedName packedByUnit(const ByteTag& tag) {
+    // A name of eight units has three times as many bytes at most.
+    char16_t units[3 * MaxPackedUnits + Utf8Slack];
+    if (tag.nameLength > 3 * MaxPackedUnits) return 0;
+    return packedUnits({units, decodeUtf8(tag.name(), units)});
+}
+
 /// The number of a tag's name; 0 if it has none.
 inline PackedName packedName(const Tag& tag) {
 #if defined(__SSE2__)
@@ -106,7 +117,7 @@ inline PackedName packedName(const Tag& tag) {
         }
     }
 #endif
-    return packedUnits(tag.name());
+    return packedByUnit(tag);
 }
 
 inline PackedName packedName(const ByteTag& tag) {
@@ -118,10 +129,7 @@ inline PackedName packedName(const ByteTag& tag) {
         return lowerCase(_mm_loadl_epi64(name)) & (~PackedName{0} >> (64 - 8 * tag.nameLength));
     }
 #endif
-    // A name of eight units has three times as many bytes at most.
-    char16_t units[3 * MaxPackedUnits + Utf8Slack];
-    if (tag.nameLength > 3 * MaxPackedUnits) return 0;
-    return packedUnits({units, decodeUtf8(tag.name(), units)});
+    return packedByUnit(tag);
 }
 
 }  // namespace velmo::detail

@@ -17,6 +17,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include <velmocore/markup/TagScanner.h>
@@ -309,6 +310,7 @@ private:
     }
 
     const Unit* endOfOpenTag(const Unit* at) {
+        if (const Unit* last = marks_.endOfPlainTag(at)) return last;
         for (;;) {
             at = marks_.equalOrGreater(at);
             if (at == end_ || *at == '>') return at;
@@ -388,7 +390,16 @@ private:
     void setName(const Unit* name, const Unit* end) {
         tag_.nameLocation = static_cast<std::uint64_t>(name - begin_);
         tag_.nameLength = static_cast<std::uint64_t>(end - name);
-        if constexpr (IsBytes) tag_.isNamePlain = scan::findNonAscii(name, end) == end;
+        if constexpr (IsBytes) tag_.isNamePlain = isAscii(name, end);
+    }
+
+    bool isAscii(const char* name, const char* end) const {
+        // Most names are told by one look.
+        if (std::uint64_t units; end - name <= 8 && end_ - name >= 8) {
+            std::memcpy(&units, name, 8);
+            return !(units & 0x8080808080808080 & ~std::uint64_t{0} >> (64 - 8 * (end - name)));
+        }
+        return scan::findNonAscii(name, end) == end;
     }
 
     /// Whether a set has the unit there, of which the length is given too.
