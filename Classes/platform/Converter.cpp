@@ -11,6 +11,7 @@
 
 #include "platform/AsciiRun.h"
 #include "platform/EncodingTables.h"
+#include "platform/EscapedPairs.h"
 #include "platform/IcuConverter.h"
 #include "platform/PairDecoder.h"
 #include "platform/RowCache.h"
@@ -35,8 +36,12 @@ struct ByteTable : std::array<char16_t, 256> {
             const Decoding one = decodeWithIcu(row, {&byte, 1}, {&unit, 1});
             if (one.written == 0) unit = ReplacementUnit;
         }
-        for (const ByteUnit& own : row.own) (*this)[own.byte] = own.unit;
+        for (const ByteUnit& own : row.own) {
+            (*this)[own.byte] = own.unit;
+            keepsAscii &= own.byte >= 0x80;
+        }
     }
+    bool keepsAscii = true;  ///< whether all bytes of ASCII are that
 };
 
 const ByteTable& byteTable(const EncodingRow& row) {
@@ -50,7 +55,7 @@ Decoding decodeSingleBytes(const EncodingRow& row, Bytes bytes, Units out) {
     const std::uint8_t* in = bytes.data();
     const std::uint8_t* const end = in + count;
     for (char16_t* to = out.data(); in < end;) {
-        if (asciiAhead(in, end))
+        if (table.keepsAscii && asciiAhead(in, end))
             widenAscii(in, end, to);
         else
             *to++ = table[*in++];
@@ -216,6 +221,8 @@ Decoding decodeRow(const EncodingRow& row, Bytes bytes, Units out, bool strict) 
         case EncodingKind::DoubleByte:
             return decodePairs(row, bytes, out);
         case EncodingKind::Streamed:
+            if (hasEscapedPairs(row))
+                if (const auto result = decodeEscapedPairs(row, bytes, out)) return *result;
             return decodeWithIcu(row, bytes, out);
         case EncodingKind::UTF16:
             return decodeMarkedUtf16(bytes, out);
