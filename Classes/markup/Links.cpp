@@ -134,7 +134,7 @@ private:
     void addLinkOf(const ByteTag& tag) {
         const std::string_view whole = tag.whole();
         if (options_.useRelNoFollow || !scan::isAscii(whole)) return addLinkOf(wide_.of(tag));
-        const Range range = rangeOfAttributeOfAsciiTag(whole, "HREF", options_.web);
+        const Range range = rangeOfAttributeOfAscii(tag, "HREF");
         if (!range.isFound()) return;
         const std::string_view href = whole.substr(range.location, range.length);
         if (!options_.filter && isNormalLink(href, {.web = options_.web})) {

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "text/ByteScan.h"
+#include "text/WideUnits.h"
 
 namespace velmo::detail {
 
@@ -112,7 +113,9 @@ private:
 
 #if defined(__SSE2__)
     void mark(const Unit* units) {
-        if (scan::hasAvx2())
+        if (scan::hasAvx512())
+            markAvx512(units);
+        else if (scan::hasAvx2())
             markAvx2(units);
         else
             markSse2(units);
@@ -152,17 +155,41 @@ private:
     }
 
     __attribute__((target("avx2"))) void markAvx2(const Unit* units) {
-        const __m256i bytes[2] = {bytes32(units), bytes32(units + 32)};
-        constexpr char Units[] = {'<', '>', '=', '"', '\''};
-        std::uint64_t bits[5];
-        for (int i = 0; i < 5; ++i) {
-            const __m256i mark = _mm256_set1_epi8(Units[i]);
-            const int low = _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes[0], mark));
-            const int high = _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes[1], mark));
-            bits[i] = static_cast<std::uint32_t>(low) |
-                      static_cast<std::uint64_t>(static_cast<std::uint32_t>(high)) << 32;
-        }
-        marks_ = {bits[0], bits[1], bits[2], bits[3], bits[4]};
+        const __m256i low = bytes32(units), high = bytes32(units + 32);
+        // Each set goes to its place at once: copied as a whole, they would wait for each other.
+        marks_.less = bitsOf(low, high, '<');
+        marks_.greater = bitsOf(low, high, '>');
+        marks_.equal = bitsOf(low, high, '=');
+        marks_.doubleQuote = bitsOf(low, high, '"');
+        marks_.singleQuote = bitsOf(low, high, '\'');
+    }
+    __attribute__((target("avx512bw"))) void markAvx512(const Unit* units) {
+        marks_.less = bitsOf64(units, '<');
+        marks_.greater = bitsOf64(units, '>');
+        marks_.equal = bitsOf64(units, '=');
+        marks_.doubleQuote = bitsOf64(units, '"');
+        marks_.singleQuote = bitsOf64(units, '\'');
+    }
+    __attribute__((target("avx512bw"))) static std::uint64_t bitsOf64(const char16_t* units,
+                                                                      char mark) {
+        const __m512i marks = _mm512_set1_epi16(mark);
+        const std::uint64_t low = _mm512_cmpeq_epi16_mask(_mm512_loadu_si512(units), marks);
+        const std::uint64_t high = _mm512_cmpeq_epi16_mask(_mm512_loadu_si512(units + 32), marks);
+        return low | high << 32;
+    }
+    __attribute__((target("avx512bw"))) static std::uint64_t bitsOf64(const char* bytes,
+                                                                      char mark) {
+        return _mm512_cmpeq_epi8_mask(_mm512_loadu_si512(bytes), _mm512_set1_epi8(mark));
+    }
+
+    __attribute__((target("avx2"))) static std::uint64_t bitsOf(__m256i low, __m256i high,
+                                                                char mark) {
+        const __m256i marks = _mm256_set1_epi8(mark);
+        const auto lowBits =
+            static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(low, marks)));
+        const auto highBits =
+            static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(high, marks)));
+        return lowBits | static_cast<std::uint64_t>(highBits) << 32;
     }
 #else
     void mark(const Unit* units) {

@@ -9,6 +9,8 @@
 
 #include "markup/HeadCharset.h"
 #include "markup/MarkupReading.h"
+#include "markup/TagName.h"
+#include "markup/TagScan.h"
 #include "markup/TagWalk.h"
 #include "text/Keyword.h"
 
@@ -57,20 +59,45 @@ NamedCharset findCharset(const Walk& walk, bool* reachesFarther = nullptr) {
     return found;
 }
 
+/// The walk over those tags of UTF-8 that findCharset() looks at; most tags of a head are others.
+auto tellingTagsOf(std::string_view utf8, const WebRules& web) {
+    return [utf8, &web](TagHandler handler) {
+        detail::WideTags wide({.text = detail::TagParts::Text::None});
+        const auto handOn = [&](const detail::ByteTag& tag) {
+            using detail::packed;
+            switch (detail::packedName(tag)) {
+                case packed("script"):
+                case packed("style"):
+                case packed("body"):
+                case packed("meta"):
+                case packed("xml"):
+                    return handler(wide.of(tag));
+                default:
+                    return tag.kind == TagKind::End && handler(wide.of(tag));
+            }
+        };
+        detail::scanTags(utf8, handOn, web);
+    };
+}
+
+StringEncoding urlEncodingOf(const String& charset) {
+    return charset2NSStringEncoding(charset) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
+                                                                        : UTF8StringEncoding;
+}
+
 }  // namespace
 
 String markupCharset(std::u16string_view page, const WebRules& web) {
     return findCharset(detail::scanOf(page, web)).name;
 }
 
-String detail::markupCharsetOfBytes(std::string_view utf8) {
-    return findCharset(widened(scanOf(utf8, {}), {.text = TagParts::Text::None})).name;
+String detail::markupCharsetOfBytes(std::string_view utf8, const WebRules& web) {
+    return findCharset(tellingTagsOf(utf8, web)).name;
 }
 
 String detail::markupCharsetOfHead(std::string_view head) {
     bool reachesFarther = false;
-    const NamedCharset found =
-        findCharset(widened(scanOf(head, {}), {.text = TagParts::Text::None}), &reachesFarther);
+    const NamedCharset found = findCharset(tellingTagsOf(head, {}), &reachesFarther);
     return reachesFarther ? String() : found.name;
 }
 
@@ -87,8 +114,11 @@ StringEncoding headerEncoding(std::u16string_view contentType) {
 }
 
 StringEncoding defaultURLEncoding(std::u16string_view page, const WebRules& web) {
-    return markupEncoding(page, web) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
-                                                                : UTF8StringEncoding;
+    return urlEncodingOf(markupCharset(page, web));
+}
+
+StringEncoding detail::defaultURLEncodingOfBytes(std::string_view utf8, const WebRules& web) {
+    return urlEncodingOf(markupCharsetOfBytes(utf8, web));
 }
 
 MarkupData markupData(const String& page) {

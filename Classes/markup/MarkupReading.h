@@ -20,7 +20,10 @@ struct MarkupReading {
 
 MarkupReading readMarkup(Bytes data, const MarkupDecodingOptions& options);
 
-/// The charset that the page of UTF-8 names, as markupCharset() has it.
-String markupCharsetOfBytes(std::string_view utf8);
+/// The charset that a page in UTF-8 names, as markupCharset() has it.
+String markupCharsetOfBytes(std::string_view utf8, const WebRules& web = {});
+
+/// The same of defaultURLEncoding().
+StringEncoding defaultURLEncodingOfBytes(std::string_view utf8, const WebRules& web);
 
 }  // namespace velmo::detail

@@ -177,6 +177,14 @@ Page::Page(Bytes bytes, Data* owned, const PageOptions& options) {
                                            options.url, options.web);
 }
 
+Page Page::pageWithUTF8(Data&& bytes, const URL& url, const WebRules& web) {
+    const std::size_t start = charsOf(bytes).starts_with("\xEF\xBB\xBF") ? 3 : 0;
+    if (bytes.size() == start)
+        return Page(std::make_shared<const State>(String(), UTF8StringEncoding, url, web));
+    return Page(
+        std::make_shared<const State>(std::move(bytes), start, UTF8StringEncoding, url, web));
+}
+
 Page Page::pageWithString(const String& markup, const URL& url, const WebRules& web) {
     return Page(std::make_shared<const State>(markup, UnknownStringEncoding, url, web));
 }
@@ -224,9 +232,7 @@ bool Page::isFeed() const {
 
 const std::vector<URL>& Page::links() const {
     return state_->links.get([this] {
-        const LinkOptions options{.web = state_->web, .url = state_->url};
-        auto [links, named] = state_->isUTF8() ? linksOf(state_->byteTags(), options)
-                                               : linksOf(state_->tags(), options);
+        auto [links, named] = unresolvedLinks();
         const URL& base = state_->baseOr([&named = named] { return named; });
         // On a file base a # would be a part of the path; on others the anchor is cut anyway.
         if (base.isFileURL())
@@ -267,12 +273,20 @@ const URL& Page::canonicalURL() const {
 }
 
 const LinkThumbnails& Page::linkThumbnails() const {
-    return state_->linkThumbnails.get([this] {
-        const LinkThumbnailOptions options{
-            .baseURL = baseURL(), .resolve = true, .web = state_->web};
-        if (state_->isUTF8()) return getLinkThumbnails(state_->markup(), options);
-        return thumbnailsOf(state_->text, state_->tags(), options);
-    });
+    return state_->linkThumbnails.get(
+        [this] { return linkThumbnails({.baseURL = baseURL(), .resolve = true}); });
+}
+
+HtmlLinks Page::unresolvedLinks() const {
+    const LinkOptions options{.web = state_->web, .url = state_->url};
+    return state_->isUTF8() ? linksOf(state_->byteTags(), options)
+                            : linksOf(state_->tags(), options);
+}
+
+LinkThumbnails Page::linkThumbnails(LinkThumbnailOptions options) const {
+    options.web = state_->web;
+    return state_->isUTF8() ? thumbnailsOf(state_->utf8, state_->byteTags(), options)
+                            : thumbnailsOf(state_->text, state_->tags(), options);
 }
 
 String Page::language(const LanguageFilter& filter) const {

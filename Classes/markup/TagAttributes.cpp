@@ -60,8 +60,11 @@ class AttributeReader {
     using Text = std::basic_string_view<TagUnit>;
 
 public:
-    AttributeReader(Text tag, Name<NameUnit> name, const AttributeRules& rules)
+    /// @param readable  the end of what may be read, of which the tag is a part
+    AttributeReader(Text tag, const TagUnit* readable, Name<NameUnit> name,
+                    const AttributeRules& rules)
         : tag_(tag),
+          readable_(readable),
           name_(name),
           rules_(rules),
           first_(name.empty() ? u'\0' : detail::keyword::upper(static_cast<char16_t>(name[0]))) {}
@@ -74,7 +77,7 @@ public:
         const TagUnit* at = tag_.data();
         while ((at = findCandidate(at, stop)) < stop) {
             if (isQuote(*at)) {
-                at = detail::scan::find(at + 1, end(), *at);
+                at = detail::scan::findWithin(at + 1, end(), readable_, *at);
             } else if (const auto i = static_cast<std::size_t>(at - tag_.data()); isName(i)) {
                 const std::size_t assignment = skipWhite(tag_, i + name_.size());
                 if (assignment < tag_.size() && tag_[assignment] == rules_.assignment)
@@ -96,7 +99,8 @@ private:
         };
 #if defined(__SSE2__)
         return detail::scan::findWhere(
-            from, to, [this](__m128i block) { return marked(block, TagUnit()); }, isCandidate);
+            from, to, readable_, [this](__m128i block) { return marked(block, TagUnit()); },
+            isCandidate);
 #else
         return std::find_if(from, to, isCandidate);
 #endif
@@ -154,7 +158,9 @@ private:
     std::size_t endOfQuoted(std::size_t open) const {
         const TagUnit* const value = tag_.data() + open + 1;
         return static_cast<std::size_t>(
-            detail::scan::findEither(value, end(), tag_[open], rules_.terminator) - tag_.data());
+            detail::scan::findEitherWithin(value, end(), readable_, tag_[open],
+                                           static_cast<TagUnit>(rules_.terminator)) -
+            tag_.data());
     }
 
     /// A > inside the value closes a < of the value; a <meta inside means that the closing
@@ -190,6 +196,7 @@ private:
     }
 
     Text tag_;
+    const TagUnit* const readable_;
     Name<NameUnit> name_;
     const AttributeRules& rules_;
     const char16_t first_;  ///< of the name, in upper case
@@ -198,7 +205,7 @@ private:
 template <class TagUnit, class NameUnit>
 Range attributeRange(std::basic_string_view<TagUnit> tag, Name<NameUnit> name,
                      const AttributeRules& rules) {
-    return AttributeReader<TagUnit, NameUnit>(tag, name, rules).read();
+    return AttributeReader<TagUnit, NameUnit>(tag, tag.data() + tag.size(), name, rules).read();
 }
 
 /// Takes a tag apart by the HTML standard, one attribute after the other.
@@ -331,10 +338,25 @@ Range rangeOfAttributeOfTagCharacters(Units tag, std::string_view name, const We
     return attributeRange(tag, name, TagRules);
 }
 
-Range detail::rangeOfAttributeOfAsciiTag(std::string_view tag, std::string_view name,
-                                         const WebRules& web) {
-    if (web.attributes) return WebAttributeReader<char>(tag).read(name);
-    return attributeRange(tag, name, TagRules);
+namespace {
+
+/// Of a tag that stands in its page, the rest of which may be read too.
+template <class AnyTag>
+Range attributeRangeIn(const AnyTag& tag, std::string_view name) {
+    using Unit = typename decltype(tag.characters)::value_type;
+    const auto whole = tag.whole();
+    if (tag.web.attributes) return WebAttributeReader<Unit>(whole).read(name);
+    const Unit* const readable = tag.characters.data() + tag.characters.size();
+    return AttributeReader<Unit, char>(whole, readable, name, TagRules).read();
+}
+
+}  // namespace
+
+Range detail::rangeOfAttribute(const Tag& tag, std::string_view name) {
+    return attributeRangeIn(tag, name);
+}
+Range detail::rangeOfAttributeOfAscii(const ByteTag& tag, std::string_view name) {
+    return attributeRangeIn(tag, name);
 }
 
 Range rangeOfContentAttributeOfTagCharacters(Units tag, const WebRules& web) {

@@ -7,7 +7,6 @@
 #include <random>
 
 #include "text/ByteScan.h"
-#include "text/SmallBuffer.h"
 
 namespace velmo::detail {
 namespace {
@@ -77,9 +76,10 @@ bool isSame(const String& known, std::string_view link) {
 
 String stringOf(std::u16string_view link) { return link; }
 String stringOf(std::string_view link) {
-    SmallBuffer<char16_t> units(link.size());
+    StringBuilder units(link.size());
     scan::widen(link, units.data());
-    return std::u16string_view(units.data(), units.size());
+    units.commit(link.size());
+    return units.finish();
 }
 
 }  // namespace

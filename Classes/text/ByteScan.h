@@ -2,6 +2,7 @@
 // [from, to).
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <string_view>
@@ -31,6 +32,22 @@ inline const char* findWhere(const char* from, const char* to, Mark mark, Test t
     }
     while (from < to && !test(*from)) ++from;
     return from;
+}
+
+/// The same of units or bytes behind which there are more that may be read: what is left of a text
+/// needs no loop over single ones. Most tags and values are hardly longer than a block.
+template <class Unit, class Mark, class Test>
+inline const Unit* findWhere(const Unit* from, const Unit* to, const Unit* readable, Mark mark,
+                             Test test) {
+    constexpr std::ptrdiff_t Block = sizeof(__m128i) / sizeof(Unit);
+    for (; from < to && readable - from >= Block; from += Block)
+        if (const int hits = _mm_movemask_epi8(mark(loadBlock(from))))
+            return std::min(from + firstByteOf(hits) / static_cast<int>(sizeof(Unit)), to);
+    return findWhere(std::min(from, to), to, mark, test);
+}
+
+inline __m128i equalTo(__m128i block, char byte) {
+    return _mm_cmpeq_epi8(block, _mm_set1_epi8(byte));
 }
 
 #endif
@@ -76,6 +93,34 @@ inline const char* findPair(const char* from, const char* to, char first, char s
 #endif
     while (to - from > 1 && (from[0] != first || from[1] != second)) ++from;
     return to - from > 1 ? from : to;
+}
+
+// The first position that holds a unit, or one of two, where more may be read behind the text.
+
+template <class Unit>
+inline const Unit* findWithin(const Unit* from, const Unit* to, const Unit* readable, Unit unit) {
+#if defined(__SSE2__)
+    return findWhere(
+        from, to, readable, [unit](__m128i block) { return equalTo(block, unit); },
+        [unit](Unit u) { return u == unit; });
+#else
+    static_cast<void>(readable);
+    return find(from, to, unit);
+#endif
+}
+
+template <class Unit>
+inline const Unit* findEitherWithin(const Unit* from, const Unit* to, const Unit* readable, Unit a,
+                                    Unit b) {
+#if defined(__SSE2__)
+    return findWhere(
+        from, to, readable,
+        [=](__m128i block) { return _mm_or_si128(equalTo(block, a), equalTo(block, b)); },
+        [=](Unit u) { return u == a || u == b; });
+#else
+    static_cast<void>(readable);
+    return findEither(from, to, a, b);
+#endif
 }
 
 /// The first position of a byte outside ASCII; to if there is none.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <velmocore/markup/LinkThumbnails.h>
+#include <velmocore/markup/Links.h>
 #include <velmocore/markup/PageMetadata.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
@@ -45,6 +46,9 @@ public:
     explicit Page(Bytes bytes, const PageOptions& options = {});
     /// The same without a copy, of bytes that are not needed any more.
     explicit Page(Data&& bytes, const PageOptions& options = {});
+    /// A page that is known to be UTF-8, whatever it says itself: its bytes are taken over.
+    [[nodiscard]] static Page pageWithUTF8(Data&& bytes, const URL& url = {},
+                                           const WebRules& web = {});
     /// A page that is text already; its encoding is UnknownStringEncoding.
     [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {},
                                              const WebRules& web = {});
@@ -93,6 +97,13 @@ public:
     /// Thumbnails, titles and texts of its links, resolved as getLinkThumbnails() does it. Nothing
     /// if it is not known what links are relative to.
     [[nodiscard]] const LinkThumbnails& linkThumbnails() const VELMO_LIFETIME;
+
+    // The same as one will have it, by the rules of the page; nothing of it is kept.
+
+    /// As htmlLinks() finds them, not resolved, with the base that the page names.
+    [[nodiscard]] HtmlLinks unresolvedLinks() const;
+    /// As getLinkThumbnails() finds them by these options, whose rules do not count.
+    [[nodiscard]] LinkThumbnails linkThumbnails(LinkThumbnailOptions options) const;
 
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.
