@@ -38,14 +38,12 @@ using detail::plainText::TagRule;
 /// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
-// What a tag with a name is by its slashes. Told without branches, as one kind is as common as the
-// other.
+// What a tag with a name is by its slashes. The shortest one is <x>.
 
 template <class Tag>
-[[gnu::always_inline]] inline bool opens(const Tag& tag) {
+bool opens(const Tag& tag) {
     const auto whole = tag.whole();
-    const bool endsInSlash = (whole.size() >= 4) & (whole[whole.size() - 2] == '/');
-    return (whole[1] != '/') & (tag.web.selfClosing | !endsInSlash);
+    return whole[1] != '/' && (tag.web.selfClosing || whole[whole.size() - 2] != '/');
 }
 template <class Tag>
 bool closes(const Tag& tag) {
@@ -290,8 +288,8 @@ private:
     }
 
     void changeLinkDepth(const Tag& tag) {
-        linkDepth_ += opens(tag);
-        linkDepth_ -= closes(tag) & (linkDepth_ > 0);
+        if (opens(tag)) ++linkDepth_;
+        if (closes(tag) && linkDepth_ > 0) --linkDepth_;
     }
 
     void cell(const Tag& tag) {

@@ -195,42 +195,29 @@ private:
         return true;
     }
 
-    /// False, and nothing done, if there is more to do than to cut the ends. Whether there is any
-    /// text between them is not branched on, as nobody can foretell that.
+    /// False, and nothing done, if there is more to do than to cut the ends.
     template <class Unit>
     bool appendShort(std::basic_string_view<Unit> span) {
         const TextMarks marks = textMarks(span.data());
         const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - span.size());
-        const std::uint32_t plain = marks.plain & inside;
-        const std::uint32_t white = marks.white & inside;
+        const std::uint32_t plain = marks.plain & inside, white = marks.white & inside;
         if (!plain) {
             if (!collapseWhite_ || white != inside) return false;
             spaceOwed_ = true;
             return true;
         }
-        // Bits up to the first, and from the last unit of text on.
-        const std::uint32_t head = plain ^ (plain - 1);
-        const int behind = 32 - std::countl_zero(plain);
-        const std::uint32_t tail = static_cast<std::uint32_t>(~std::uint64_t{0} << behind);
-        const std::uint32_t ends = white & (head | tail);
-        const std::uint32_t changes = white & ~ends & (~marks.blank | marks.white << 1);
-        if ((inside & ~(plain | white)) | changes | (collapseWhite_ ? 0 : ends)) return false;
-        const bool hasText = plain != 0;
-        out_.prepare(TextMarks::Units + 1);
-        char16_t* const out = out_.end();
-        const int first = hasText ? std::countr_zero(plain) : 0;
+        const int first = std::countr_zero(plain), last = 31 - std::countl_zero(plain);
         const bool startsWhite = first > 0;
-        const bool isBehindText = pendingText_ || (!collapseWhite_ && !lastIsWhite());
-        const bool isBlankDue = (spaceOwed_ | startsWhite) & hasText & isBehindText;
-        *out = u' ';
-        copyWidened(span.data() + first, out + isBlankDue);
-        out_.commit(static_cast<std::size_t>(behind - first) + isBlankDue);
-        if (hasText && out_.length() - lastBreak_ >= shortestJunkRun_) {
-            spaceOwed_ |= startsWhite;
-            return dropJunkRun();
-        }
-        spaceOwed_ = !hasText | static_cast<bool>(ends & tail);
-        pendingText_ |= hasText;
+        const bool endsWhite = static_cast<std::size_t>(last) + 1 < span.size();
+        // Between the first and the last unit of text.
+        const std::uint32_t inner = white >> first << first & ~std::uint32_t{0} >> (31 - last);
+        const std::uint32_t changes = inner & (~marks.blank | marks.white << 1);
+        if ((inside & ~(plain | white)) | changes) return false;
+        if (!collapseWhite_ && (startsWhite || endsWhite)) return false;
+        beginSpan(TextMarks::Units, startsWhite);
+        copyWidened(span.data() + first, out_.end());
+        out_.commit(static_cast<std::size_t>(last - first) + 1);
+        endSpan(endsWhite);
         return true;
     }
 
@@ -352,9 +339,11 @@ private:
 
     /// Makes room and writes the space that is due in front of a span.
     void beginSpan(std::size_t units, bool startsWhite) {
-        out_.prepare(units + 2);
-        if (startsWhite) spaceOwed_ = true;
-        if (spaceOwed_ && (pendingText_ || (!collapseWhite_ && !lastIsWhite()))) out_.append(u' ');
+        char16_t* const out = out_.prepare(units + 2);
+        spaceOwed_ |= startsWhite;
+        const bool isBehindText = pendingText_ || (!collapseWhite_ && !lastIsWhite());
+        *out = u' ';
+        out_.commit(spaceOwed_ && isBehindText);
     }
 
     void endSpan(bool endsWhite) {
