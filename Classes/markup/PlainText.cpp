@@ -42,7 +42,7 @@ constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 // other.
 
 template <class Tag>
-bool opens(const Tag& tag) {
+[[gnu::always_inline]] inline bool opens(const Tag& tag) {
     const auto whole = tag.whole();
     const bool endsInSlash = (whole.size() >= 4) & (whole[whole.size() - 2] == '/');
     return (whole[1] != '/') & (tag.web.selfClosing | !endsInSlash);
@@ -215,7 +215,7 @@ private:
         const TagRule& rule = detail::plainText::ruleOf(tag);
         // Before the tag's own work: the break belongs to the text in front of the tag.
         out_.breakText(rule.breakIfPending);
-        states_ &= ~(rule.leavesForm ? Form : 0);
+        states_ &= ~(Form * rule.leavesForm);
         perform(rule.action, tag);
     }
 

@@ -44,7 +44,6 @@ public:
     PlainTextOutput(const PlainTextOptions& options, std::size_t pageLength)
         : options_(options), out_(std::min(pageLength / 4, LargestFirstRoom)) {}
 
-    bool hasPendingText() const { return pendingText_; }
     bool didRemoveJunk() const { return didRemoveJunk_; }
     void noteJunk() { didRemoveJunk_ = true; }
     String finish() { return out_.finish(); }
@@ -61,8 +60,13 @@ public:
     template <class Unit>
     void appendSpan(std::basic_string_view<Unit> span, std::size_t readable, bool inLink,
                     bool inAttribute = false) {
+        // The line end between two tags, which is a third of all spans.
+        if (span.size() == 1 && span[0] == '\n' && collapseWhite_) {
+            spaceOwed_ = true;
+            return;
+        }
         if (span.size() <= TextMarks::Units && readable >= 2 * TextMarks::Units && copiesPlain_ &&
-            appendShort(span))
+            valueOfUnit(span[0]) < 128 && appendShort(span))
             return;
         appendLong(span, readable, inLink, inAttribute);
     }
@@ -115,10 +119,18 @@ public:
         if (pendingText_ || spaceOwed_) writeBreak(Break::Paragraph);
     }
 
-    void writeBreak(Break kind) { writeFeeds(static_cast<std::size_t>(kind)); }
-    /// The same behind text only. Tags come so often with text in front of them as without, so that
-    /// this has no branch.
-    void breakText(Break kind) { writeFeeds(pendingText_ ? static_cast<std::size_t>(kind) : 0); }
+    void writeBreak(Break kind) {
+        // Two are written, whatever count.
+        char16_t* const feeds = out_.prepare(2);
+        feeds[0] = feeds[1] = u'\n';
+        out_.commit(static_cast<std::size_t>(kind));
+        lastBreak_ = out_.length();
+        pendingText_ = spaceOwed_ = false;
+    }
+    /// The same behind text only.
+    void breakText(Break kind) {
+        if (kind != Break::None && pendingText_) writeBreak(kind);
+    }
 
     /// Writes a space behind text, or owes it where one stands already.
     void separate() {
@@ -174,16 +186,6 @@ private:
     static constexpr std::size_t ShortestDecoded = 3 * ShortestEncoded;
     static constexpr std::size_t LargestFirstRoom = std::size_t{1} << 20;
 
-    void writeFeeds(std::size_t count) {
-        char16_t* const out = out_.prepare(2);
-        out[0] = out[1] = u'\n';
-        out_.commit(count);
-        const bool isBroken = count > 0;
-        lastBreak_ = isBroken ? out_.length() : lastBreak_;
-        pendingText_ &= !isBroken;
-        spaceOwed_ &= !isBroken;
-    }
-
     /// Whether a span that long counts as junk, and is left out.
     bool isJunk(std::size_t length, bool inLink) {
         if (!(length >= JunkSpan && collapseWhite_) && !(length >= JunkLinkText && inLink))
@@ -201,6 +203,11 @@ private:
         const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - span.size());
         const std::uint32_t plain = marks.plain & inside;
         const std::uint32_t white = marks.white & inside;
+        if (!plain) {
+            if (!collapseWhite_ || white != inside) return false;
+            spaceOwed_ = true;
+            return true;
+        }
         // Bits up to the first, and from the last unit of text on.
         const std::uint32_t head = plain ^ (plain - 1);
         const int behind = 32 - std::countl_zero(plain);

@@ -71,6 +71,10 @@ public:
     bool run() {
         Unit tail[TextMarks::Units];
         while (from_ < to_) {
+            if (valueOfUnit(*from_) > 127) {
+                copyOthers();
+                continue;
+            }
             const Unit* const units = block(tail);
             const TextMarks marks = textMarks(units);
             const std::ptrdiff_t count = std::min(to_ - from_, TextMarks::Units);
@@ -90,7 +94,7 @@ public:
             isBehindWhite_ = behindWhite >> place & 1;
             if (marks.white >> place & 1) {
                 putBlank();
-                from_ += std::countr_one(marks.white >> place);
+                from_ += std::countr_one((marks.white & inside) >> place);
             } else if (*from_ == '&') {
                 return false;
             } else {
@@ -101,9 +105,6 @@ public:
     }
 
 private:
-    static char16_t valueOf(char16_t unit) { return unit; }
-    static char16_t valueOf(char byte) { return static_cast<unsigned char>(byte); }
-
     /// The next 32 units, of which some may be behind the end: then a copy of those that are there.
     const Unit* block(Unit (&tail)[TextMarks::Units]) const {
         if (end_ - from_ >= TextMarks::Units) return from_;
@@ -118,7 +119,7 @@ private:
 
     /// Copies a control, or what begins there outside ASCII: a run of it, or one unit at least.
     void copyOthers() {
-        if (valueOf(*from_) < 128 || !copyRun(from_)) copyOne(from_);
+        if (valueOfUnit(*from_) < 128 || !copyRun(from_)) copyOne(from_);
     }
 
     /// Copies a run of letters, with the blanks between them.
@@ -148,7 +149,7 @@ private:
                 ++at;
                 continue;
             }
-            if (!isInPlainStretch(unit)) break;
+            if (!isInPlainStretch(unit) && (unit == 0 || white_.contains(unit))) break;
             *out++ = unit;
             at += isUtf8Pair(four) ? 2 : 3;
         }

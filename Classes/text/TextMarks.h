@@ -6,11 +6,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <type_traits>
 
 #include "text/UnitScan.h"
 
 namespace velmo::detail {
+
+/// A byte or a unit as a number.
+constexpr char16_t valueOfUnit(char16_t unit) { return unit; }
+constexpr char16_t valueOfUnit(char byte) { return static_cast<unsigned char>(byte); }
 
 /// Bit i stands for unit i. What is neither plain nor white has no bit: an &, a control, and all
 /// outside ASCII.
@@ -27,7 +30,7 @@ template <class Unit>
 TextMarks textMarksByUnit(const Unit* units) {
     TextMarks marks;
     for (std::ptrdiff_t i = 0; i < TextMarks::Units; ++i) {
-        const auto unit = static_cast<char16_t>(std::make_unsigned_t<Unit>(units[i]));
+        const char16_t unit = valueOfUnit(units[i]);
         const std::uint32_t bit = std::uint32_t{1} << i;
         if (unit > u' ' && unit < 128 && unit != u'&') marks.plain |= bit;
         if (unit == u' ') marks.blank |= bit;
