@@ -207,6 +207,14 @@ TEST(ByteRoad, TellsWhatTheDecodedPageDoesOfLongPages) {
     expectSamePages(Page(Bytes(page), {.url = url}), Page::pageWithString(String::fromUTF8(page), url));
 }
 
+/// A link is the same one in a tag that is read in its bytes and in one that is not.
+TEST(ByteRoad, ListsEachLinkOnce) {
+    const std::string page =
+        "<a href=q><a title='\xC3\xA9' href=q><area href=q><a href='q\n'><a href=long-enough-for-two-blocks.html>"
+        "<a title='\xC3\xA9' href=long-enough-for-two-blocks.html>";
+    EXPECT_EQ(htmlLinks(Bytes(page)).links, (Strings{u"q", u"long-enough-for-two-blocks.html"}));
+}
+
 TEST(ByteRoad, TakesBytesOver) {
     Data bytes(1'000, '<');
     const Page page(std::move(bytes));

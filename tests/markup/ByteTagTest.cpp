@@ -6,6 +6,7 @@
 
 #include "TestSupport.h"
 #include "markup/MarkIndex.h"
+#include "markup/MarkKernels.h"
 #include "markup/TagName.h"
 #include "markup/TagScan.h"
 
@@ -178,21 +179,64 @@ TEST(ByteTag, AreThoseOfTheDecodedPageOnDamagedPages) {
     EXPECT_GT(pages, 30u);
 }
 
-/// The marks of bytes are those of units, at any place of a block and up to the last one.
-TEST(ByteTag, ComeFromMarksThatAreTheSame) {
+template <class Unit>
+detail::Marks scalarMarks(const Unit* units) {
+    detail::Marks marks;
+    detail::markKernels::markScalar(units, marks);
+    return marks;
+}
+
+template <class Unit>
+void expectSameMarks(const Unit* units) {
+    const detail::Marks expected = scalarMarks(units);
+    detail::Marks marks;
+    detail::markBlock(units, marks);
+    EXPECT_EQ(marks, expected);
+#if defined(__SSE2__)
+    detail::markKernels::markSse2(units, marks);
+    EXPECT_EQ(marks, expected);
+    if (detail::scan::hasAvx2()) {
+        detail::markKernels::markAvx2(units, marks);
+        EXPECT_EQ(marks, expected);
+    }
+#endif
+}
+
+TEST(ByteTag, ComeFromMarksThatAllKernelsFind) {
     std::mt19937 random(19);
     for (int i = 0; i < 2'000; ++i) {
+        char bytes[64];
+        char16_t units[64], wide[64];
+        for (int k = 0; k < 64; ++k) {
+            bytes[k] = random() % 4 ? "<>=\"'ab /\xFF"[random() % 10] : static_cast<char>(random());
+            units[k] = static_cast<unsigned char>(bytes[k]);
+            // Units that end in a mark are none.
+            wide[k] = random() % 2 ? units[k] : static_cast<char16_t>(units[k] | 0x3D00);
+        }
+        expectSameMarks(bytes);
+        expectSameMarks(units);
+        expectSameMarks(wide);
+        EXPECT_EQ(scalarMarks(bytes), scalarMarks(units));
+    }
+}
+
+/// From any place, and up to the last unit.
+TEST(ByteTag, ComeFromAnIndexOfMarks) {
+    std::mt19937 random(21);
+    for (int i = 0; i < 2'000; ++i) {
         std::string bytes;
-        for (auto length = random() % 200; length > 0; --length) bytes += "<>=\"'ab /\xFF"[random() % 10];
-        std::u16string units(bytes.begin(), bytes.end());
-        detail::MarkIndex<char> ofBytes(bytes);
-        detail::MarkIndex<char16_t> ofUnits(units);
-        for (std::size_t at = 0; at <= bytes.size(); at += 1 + random() % 9) {
-            EXPECT_EQ(ofBytes.less(bytes.data() + at) - bytes.data(), ofUnits.less(units.data() + at) - units.data());
-            EXPECT_EQ(ofBytes.equalOrGreater(bytes.data() + at) - bytes.data(),
-                      ofUnits.equalOrGreater(units.data() + at) - units.data());
-            EXPECT_EQ(ofBytes.quoteOrGreater(bytes.data() + at) - bytes.data(),
-                      ofUnits.quoteOrGreater(units.data() + at) - units.data());
+        for (auto length = random() % 200; length > 0; --length)
+            bytes += "<>=\"'ab /\xFF"[random() % (5 + random() % 6)];
+        detail::MarkIndex<char> index(bytes);
+        const auto expectFound = [&](const char* found, std::string_view marks, std::size_t from) {
+            EXPECT_EQ(static_cast<std::size_t>(found - bytes.data()),
+                      std::min(bytes.find_first_of(marks, from), bytes.size()));
+        };
+        for (std::size_t at = 0; at <= bytes.size(); at += random() % 9) {
+            expectFound(index.less(bytes.data() + at), "<", at);
+            expectFound(index.equalOrGreater(bytes.data() + at), "=>", at);
+            expectFound(index.quoteOrGreater(bytes.data() + at), "\"'>", at);
+            expectFound(index.singleQuote(bytes.data() + at), "'", at);
         }
     }
 }

@@ -72,7 +72,9 @@ TEST(EscapedPairs, AreReadWithAllOfASCII) {
         for (char second = 0x21; second < 0x7F; ++second) {
             const auto [ours, theirs] = decodedBoth(std::string("\x1B$B") + first + second + "\x1B(B", wasOwn);
             pairs += wasOwn;
-            if (wasOwn) ASSERT_EQ(ours, theirs);
+            if (wasOwn) {
+                ASSERT_EQ(ours, theirs);
+            }
         }
     EXPECT_GT(pairs, 6'000u);
 }
