@@ -229,20 +229,10 @@ private:
                 return out_.separateCitation();
             case Action::Code:
                 return code(tag);
-            case Action::DataList:
-                // Its last option is seldom closed.
-                if (options_.web.hiddenElements) set(InOption, false);
-                return;
-            case Action::Division:
-                return set(HiddenDiv, isHidden(tag));
             case Action::Example:
                 // References mean nothing in it.
                 if (options_.web.rawText) out_.setDecoding(!opens(tag));
                 return;
-            case Action::Font:
-                return font(tag);
-            case Action::FrameAlternative:
-                return set(InFrameAlternative, opens(tag));
             case Action::Heading:
                 return changeLinkDepth(tag);
             case Action::Image:
@@ -252,38 +242,53 @@ private:
             case Action::Link:
                 changeLinkDepth(tag);
                 return out_.oweSpace();
-            case Action::Marquee:
-                return set(InMarquee, opens(tag) && !options_.web.hiddenElements);
-            case Action::NoEmbed:
-                // As raw text it is markup that no one is to see.
-                if (options_.web.rawText) set(InFrameAlternative, opens(tag));
-                return;
-            case Action::NoScript:
-                return set(InNoScript, opens(tag) && !options_.noScripts);
-            case Action::Option:
-                return set(InOption, opens(tag));
             case Action::Plaintext:
-                out_.setPreformatted(opens(tag));
-                if (opens(tag)) out_.writeBreak(Break::Paragraph);
-                return;
+                return plaintext(tag);
             case Action::Preformatted:
                 return opens(tag) ? out_.beginPreformatted() : out_.setPreformatted(false);
             case Action::Row:
                 return out_.endRow();
-            case Action::RubyBase:
-                return set(InRubyText, false);
-            case Action::RubyText:
-                return set(InRubyText, opens(tag) && !options_.rubyText);
-            case Action::Select:
-                return set(InOption, false);
-            case Action::Span:
-                return set(HiddenSpan, isHidden(tag));
             case Action::Table:
                 return out_.endTable();
-            case Action::Template:
-                return set(InTemplate, opens(tag) && options_.web.templates);
+            default:
+                return changeStates(action, tag);
+        }
+    }
+
+    /// What a tag shows or hides.
+    void changeStates(Action action, const Tag& tag) {
+        const WebRules& web = options_.web;
+        switch (action) {
+            case Action::Division:
+                return set(HiddenDiv, isHidden(tag));
+            case Action::Span:
+                return set(HiddenSpan, isHidden(tag));
+            case Action::Font:
+                return font(tag);
+            case Action::Option:
+                return set(InOption, opens(tag));
+            case Action::Select:
+                return set(InOption, false);
+            case Action::DataList:
+                // Its last option is seldom closed.
+                return set(web.hiddenElements ? InOption : 0, false);
+            case Action::FrameAlternative:
+                return set(InFrameAlternative, opens(tag));
+            case Action::NoEmbed:
+                // As raw text it is markup that no one is to see.
+                return set(web.rawText ? InFrameAlternative : 0, opens(tag));
+            case Action::NoScript:
+                return set(InNoScript, opens(tag) && !options_.noScripts);
+            case Action::Marquee:
+                return set(InMarquee, opens(tag) && !web.hiddenElements);
             case Action::Textarea:
                 return set(InTextarea, opens(tag) && !options_.textareas);
+            case Action::Template:
+                return set(InTemplate, opens(tag) && web.templates);
+            case Action::RubyText:
+                return set(InRubyText, opens(tag) && !options_.rubyText);
+            default:
+                return set(InRubyText, false);  // a ruby base
         }
     }
 
@@ -302,6 +307,11 @@ private:
     void code(const Tag& tag) {
         out_.separateCitation();
         out_.setPreformatted(opens(tag));
+    }
+
+    void plaintext(const Tag& tag) {
+        out_.setPreformatted(opens(tag));
+        if (opens(tag)) out_.writeBreak(Break::Paragraph);
     }
 
     void image(const Tag& tag) {

@@ -24,11 +24,9 @@
 #include <velmocore/markup/Entities.h>
 #include <velmocore/markup/PlainText.h>
 
-#include "markup/EntityReference.h"
 #include "markup/PlainTextTags.h"
-#include "platform/Ascii.h"
+#include "markup/ReferenceCopy.h"
 #include "platform/Utf8.h"
-#include "text/TextCopy.h"
 #include "text/TextMarks.h"
 #include "text/UnitScan.h"
 #include "text/WhiteRuns.h"
@@ -239,7 +237,7 @@ private:
         TextCopy<Unit> copy(from, from + span.size(), from + readable, out_.end(), collapseWhite_,
                             white_);
         bool isWhole = copy.run();
-        if (!isWhole && mayHoldReference(span)) isWhole = copyReferences(copy, inAttribute);
+        if (!isWhole && mayHoldReference(span)) isWhole = copyDecoded(copy, inAttribute);
         const auto count = static_cast<std::size_t>(copy.out() - out_.end());
         if (!isWhole || count == 0) {
             out_.truncate(length);
@@ -258,38 +256,18 @@ private:
 
     /// Copies from the next & on; false if that takes more than to read one reference after the other.
     template <class Unit>
-    bool copyReferences(TextCopy<Unit>& copy, bool inAttribute) {
+    bool copyDecoded(TextCopy<Unit>& copy, bool inAttribute) {
         if (!decodesEntities_ || !isDecoding_) return false;
-        bool isFirst = copy.out() == out_.end();
-        do {
-            if (!copyReference(copy, inAttribute)) return false;
-            // At the start of a span white space would count as its own.
-            if (isFirst && copy.isBehindWhite()) return false;
-            isFirst = false;
-        } while (!copy.run());
+        const EntityOptions options{.convertStandard = options_.stdEntities,
+                                    .inAttribute = inAttribute,
+                                    .web = options_.web};
+        const bool isAtStart = copy.out() == out_.end();
+        if (!copyReference(copy, options)) return false;
+        // At the start of a span white space would count as its own.
+        if (isAtStart && copy.isBehindWhite()) return false;
+        while (!copy.run())
+            if (!copyReference(copy, options)) return false;
         return true;
-    }
-
-    /// Copies the reference there, or an & that begins none; false if it takes more to tell.
-    template <class Unit>
-    bool copyReference(TextCopy<Unit>& copy, bool inAttribute) const {
-        char16_t units[TextMarks::Units];
-        const Units text = copy.next(units);
-        if (text.size() < copy.left() && !isTold(text)) return false;
-        const Reference reference = readReference(text, {.convertStandard = options_.stdEntities,
-                                                         .inAttribute = inAttribute,
-                                                         .web = options_.web});
-        for (std::size_t i = 0; i < reference.count; ++i)
-            copy.put(reference.taken ? reference.units[i] : u'&');
-        copy.skip(std::max<std::size_t>(reference.taken, 1));
-        return true;
-    }
-
-    /// Whether the reference that a text begins with ends in it, whatever may follow.
-    static bool isTold(Units text) {
-        for (std::size_t i = 1; i + 1 < text.size(); ++i)
-            if (!ascii::isLetterOrDigit(text[i]) && !(i == 1 && text[i] == u'#')) return true;
-        return false;
     }
 
     template <class Unit>
