@@ -271,12 +271,12 @@ private:
                 return set(InOption, false);
             case Action::DataList:
                 // Its last option is seldom closed.
-                return set(web.hiddenElements ? InOption : 0, false);
+                return set(InOption * web.hiddenElements, false);
             case Action::FrameAlternative:
                 return set(InFrameAlternative, opens(tag));
             case Action::NoEmbed:
                 // As raw text it is markup that no one is to see.
-                return set(web.rawText ? InFrameAlternative : 0, opens(tag));
+                return set(InFrameAlternative * web.rawText, opens(tag));
             case Action::NoScript:
                 return set(InNoScript, opens(tag) && !options_.noScripts);
             case Action::Marquee:
