@@ -38,9 +38,10 @@ class PlainTextOutput {
     using Break = plainText::Break;
 
 public:
-    /// For a page of that length in its units.
+    /// For a page of that length in its units. Room that is not written to is no memory, but blocks
+    /// that are outgrown may stay with the program.
     PlainTextOutput(const PlainTextOptions& options, std::size_t pageLength)
-        : options_(options), out_(std::min(pageLength / 4, LargestFirstRoom)) {}
+        : options_(options), out_(pageLength / 4) {}
 
     bool didRemoveJunk() const { return didRemoveJunk_; }
     void noteJunk() { didRemoveJunk_ = true; }
@@ -177,7 +178,6 @@ private:
     static constexpr std::size_t ShortestEncoded = 4;  ///< shorter spans hold no entity
     /// So many bytes are as many units at least.
     static constexpr std::size_t ShortestDecoded = 3 * ShortestEncoded;
-    static constexpr std::size_t LargestFirstRoom = std::size_t{1} << 20;
 
     /// Whether a span that long counts as junk, and is left out.
     bool isJunk(std::size_t length, bool inLink) {

@@ -55,10 +55,13 @@ Decoding decodeSingleBytes(const EncodingRow& row, Bytes bytes, Units out) {
     const std::uint8_t* in = bytes.data();
     const std::uint8_t* const end = in + count;
     for (char16_t* to = out.data(); in < end;) {
-        if (table.keepsAscii && asciiAhead(in, end))
+        if (table.keepsAscii && asciiAhead(in, end)) {
             widenAscii(in, end, to);
-        else
-            *to++ = table[*in++];
+            continue;
+        }
+        // Other letters come in words, between which ASCII is not worth a look.
+        const std::uint8_t* const stop = in + std::min<std::ptrdiff_t>(end - in, 16);
+        while (in < stop) *to++ = table[*in++];
     }
     return {count, count == bytes.size()};
 }
