@@ -59,11 +59,6 @@ public:
     template <class Unit>
     void appendSpan(std::basic_string_view<Unit> span, std::size_t readable, bool inLink,
                     bool inAttribute = false) {
-        // The line end between two tags, which is a third of all spans.
-        if (span.size() == 1 && span[0] == '\n' && collapseWhite_) {
-            spaceOwed_ = true;
-            return;
-        }
         if (span.size() <= TextMarks::Units && readable >= 2 * TextMarks::Units && copiesPlain_ &&
             valueOfUnit(span[0]) < 128 && appendShort(span))
             return;
