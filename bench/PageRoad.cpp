@@ -43,17 +43,14 @@ void utf8Icu(benchmark::State& state) {
 BENCHMARK(utf8Icu)->Name("utf8-to-string/icu")->Unit(benchmark::kMillisecond);
 
 void linksVelmo(benchmark::State& state) {
-    eachPage(state, corpus().pages, [](const std::string& page) {
-        const String units = stringWithMarkupData(Bytes(page));
-        benchmark::DoNotOptimize(htmlLinks(units));
-    });
+    eachPage(state, corpus().pages,
+             [](const std::string& page) { benchmark::DoNotOptimize(htmlLinks(Bytes(page))); });
 }
 BENCHMARK(linksVelmo)->Name("links/velmo")->Unit(benchmark::kMillisecond);
 
 void textVelmo(benchmark::State& state) {
     eachPage(state, corpus().pages, [](const std::string& page) {
-        const String units = stringWithMarkupData(Bytes(page));
-        benchmark::DoNotOptimize(stringByConvertingHtml2PlainText(units));
+        benchmark::DoNotOptimize(plainTextOfHtml(Bytes(page)));
     });
 }
 BENCHMARK(textVelmo)->Name("plain-text/velmo")->Unit(benchmark::kMillisecond);

@@ -173,7 +173,9 @@ void unpack(SourcePage& source) {
 
 void readMarkup(PageRecord& record, const SourcePage& source, DecodedContent&& content,
                 const PageReadingOptions& options) {
-    const Page page = Page::pageWithString(content.text, source.url, options.web);
+    const Page page = content.utf8.empty()
+                          ? Page::pageWithString(content.text, source.url, options.web)
+                          : Page::pageWithUTF8(std::move(content.utf8), source.url, options.web);
     if (page.isFeed())
         readFeedInto(record, page, options);
     else
@@ -189,8 +191,10 @@ PageRecord readPage(SourcePage&& source, const PageReadingOptions& options) {
     const ContentKind kind = kindOf(source);
     if (kind != ContentKind::Binary) {
         DecodedContent content =
-            decodeContent(std::move(source.bytes),
-                          {.kind = kind, .contentType = source.contentType, .web = options.web});
+            decodeContent(std::move(source.bytes), {.kind = kind,
+                                                    .contentType = source.contentType,
+                                                    .web = options.web,
+                                                    .keepsUTF8 = true});
         record.charset = String::fromUTF8(ianaName(content.encoding));
         if (kind == ContentKind::Page)
             readMarkup(record, source, std::move(content), options);

@@ -109,13 +109,16 @@ StringEncoding encodingOfWidePage(Bytes bytes) {
     return encodingOfZeros(bytes.first(std::min(bytes.size(), ContentHeadSize)));
 }
 
-/// A long page in UTF-8, as its charset is found today, the bytes of which are lost; absent for
-/// others. By the own rules several readings may have to be made of one page.
-DecodedContent decodedLongPage(Data& bytes, const ContentDecodingOptions& options) {
-    if (!options.web.charsets || bytes.size() <= PieceSize) return {};
+/// A page in UTF-8, as its charset is found today, that is kept so, or that is long, so that its
+/// bytes are lost; nothing of others. By the own rules several readings may have to be made of one
+/// page.
+DecodedContent readUTF8(Data& bytes, const ContentDecodingOptions& options) {
+    if (!options.web.charsets || (bytes.size() <= PieceSize && !options.keepsUTF8)) return {};
     const String charset = headerCharset(options.contentType);
     WebCharset found = webCharset(bytes, charset.isEmpty() ? options.encodingName : charset.view());
     if (stringEncodingOf(found.encoding) != UTF8StringEncoding) return {};
+    if (options.keepsUTF8)
+        return {{}, UTF8StringEncoding, std::move(found.declared), std::move(bytes)};
     return {decoded(std::move(bytes), UTF8StringEncoding), UTF8StringEncoding,
             std::move(found.declared)};
 }
@@ -134,7 +137,8 @@ DecodedContent decodeContent(Data&& data, const ContentDecodingOptions& options)
         encoding = encodingOfWidePage(bytes);
     }
     if (isPage && encoding == UnknownStringEncoding)
-        if (DecodedContent page = decodedLongPage(bytes, options); !page.text.isAbsent())
+        if (DecodedContent page = readUTF8(bytes, options);
+            !page.text.isAbsent() || !page.utf8.empty())
             return page;
     if (encoding != UnknownStringEncoding)
         return {decoded(std::move(bytes), encoding), encoding, {}};

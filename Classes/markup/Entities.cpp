@@ -14,6 +14,7 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
 
+#include "markup/EntityReference.h"
 #include "markup/EntityTables.h"
 #include "markup/RewriteRuns.h"
 #include "markup/WebReferences.h"
@@ -32,14 +33,6 @@ constexpr std::size_t MinReference = 4;
 
 /// A name or number with its terminator has at most this many units.
 constexpr std::size_t MaxRun = 31;
-
-/// A decoded reference.
-struct Reference {
-    std::size_t taken = 0;  ///< units of the text; 0 if this is no reference
-    char16_t units[2] = {};
-    std::size_t count = 1;
-    bool isPlain = false;  ///< treated like any other unit of the text
-};
 
 Reference plainUnit(std::size_t taken, char16_t unit) { return {taken, {unit}, 1, true}; }
 
@@ -151,16 +144,6 @@ Reference readTodaysReference(Units text, EntityOptions options) {
     return {web.taken, {unit, web.units[1]}, web.count, web.count == 1 && !isStandard(unit)};
 }
 
-/// Reads the reference that the text, from its & on, begins with.
-Reference readReference(Units text, EntityOptions options) {
-    if (text.size() < 2) return {};
-    if (options.web.references) return readTodaysReference(text, options);
-    if (const Reference loose = readLooseForm(text, options.convertStandard); loose.taken)
-        return loose;
-    if (text[1] == u'#') return readNumber(text, options.convertStandard);
-    return options.onlyNumericEntities ? Reference() : readName(text);
-}
-
 /// Copies what stands in front of the next & and moves to it; gives the end of the copy. Both may
 /// be parts of one array if the copy does not stand behind the original: a block is read before it
 /// is written, and is never written over what is still to be read.
@@ -243,6 +226,17 @@ Units standardName(char16_t unit) {
 
 }  // namespace
 
+Reference detail::readReference(Units text, EntityOptions options) {
+    if (options.convertStandard && text.size() >= 6)
+        if (const Reference common = readCommonForm(text.data()); common.taken) return common;
+    if (text.size() < 2) return {};
+    if (options.web.references) return readTodaysReference(text, options);
+    if (const Reference loose = readLooseForm(text, options.convertStandard); loose.taken)
+        return loose;
+    if (text[1] == u'#') return readNumber(text, options.convertStandard);
+    return options.onlyNumericEntities ? Reference() : readName(text);
+}
+
 std::size_t convertEntities2Characters(const char16_t* source, char16_t* destination,
                                        std::size_t location, std::size_t length,
                                        EntityOptions options) {
@@ -253,13 +247,6 @@ std::size_t convertEntities2Characters(const char16_t* source, char16_t* destina
     while (in < end) {
         out = copyPlain(in, end, out, table);
         if (in == end) break;
-        if (options.convertStandard && end - in >= 6) {
-            if (const Reference common = readCommonForm(in); common.taken) {
-                *out++ = common.units[0];
-                in += common.taken;
-                continue;
-            }
-        }
         const Reference reference = readReference({in, end}, options);
         if (!reference.taken) {
             *out++ = *in++;

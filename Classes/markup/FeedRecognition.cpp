@@ -32,6 +32,11 @@ FeedCompleteness detail::feedCompletenessOf(TagWalk walk) {
     return recognition.found();
 }
 
+bool detail::isFeedOfBytes(std::string_view utf8, const WebRules& web) {
+    const auto scan = [&](ByteTagHandler handler) { scanTags(utf8, handler, web, Markup::Feed); };
+    return isFeedOf(widened(scan, {.text = TagParts::Text::None}));
+}
+
 bool isFeed(std::u16string_view page, const WebRules& web) {
     return isFeedOf(feedScanOf(page, web));
 }

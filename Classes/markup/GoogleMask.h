@@ -16,9 +16,9 @@ public:
     bool allows(Use use) const { return (bits_ & use) != 0; }
 
     /// Takes notice of a comment; most have nothing to say.
-    void note(const Tag& tag) {
-        if (tag.tagLength < ShortestComment) return;
-        const std::u16string_view comment = tag.whole();
+    void note(const Tag& tag) { note(tag.whole()); }
+    void note(std::u16string_view comment) {
+        if (comment.size() < ShortestComment) return;
         const bool on = keyword::contains(comment, "GOOGLEON:");
         if (!on && !keyword::contains(comment, "GOOGLEOFF:")) return;
         unsigned bits = 0;

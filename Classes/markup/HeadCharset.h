@@ -7,8 +7,8 @@
 
 namespace velmo::detail {
 
-/// What markupCharset() gives for every page that begins with this head; absent if the head
-/// does not tell.
-String markupCharsetOfHead(std::u16string_view head);
+/// What markupCharset() gives for every page that begins with this head, in UTF-8; absent if the
+/// head does not tell.
+String markupCharsetOfHead(std::string_view head);
 
 }  // namespace velmo::detail

@@ -16,8 +16,8 @@
 #include <velmocore/url/PercentEscapes.h>
 
 #include "markup/NormalizedLink.h"
+#include "text/ByteScan.h"
 #include "text/Keyword.h"
-#include "text/UnitScan.h"
 #include "url/Escapes.h"
 
 namespace velmo {
@@ -46,10 +46,34 @@ const char16_t* findSuspect(const char16_t* from, const char16_t* to) {
 #endif
 }
 
+const char* findSuspect(const char* from, const char* to) {
+    const auto isSuspect = [](char byte) {
+        return byte <= ' ' || byte > '~' || byte == '"' || byte == '&' || byte == '\\';
+    };
+#if defined(__SSE2__)
+    const auto mark = [](__m128i block) {
+        const auto equalTo = [block](char byte) {
+            return _mm_cmpeq_epi8(block, _mm_set1_epi8(byte));
+        };
+        // Bytes are signed, so that those outside ASCII are low too.
+        const __m128i low = _mm_cmplt_epi8(block, _mm_set1_epi8('!'));
+        const __m128i special = _mm_or_si128(_mm_or_si128(equalTo('"'), equalTo('&')),
+                                             _mm_or_si128(equalTo('\\'), equalTo('\x7F')));
+        return _mm_or_si128(special, low);
+    };
+    return scan::findWhere(from, to, mark, isSuspect);
+#else
+    return std::find_if(from, to, isSuspect);
+#endif
+}
+
 /// Whether an escape ends the link that no link means to end with.
-bool endsWithStrayEscape(Units link) {
-    if (link.size() < 3 || link[link.size() - 3] != u'%') return false;
-    switch (escapes::escapeAt(link, link.size() - 3)) {
+template <class Unit>
+bool endsWithStrayEscape(std::basic_string_view<Unit> link) {
+    if (link.size() < 3 || link[link.size() - 3] != '%') return false;
+    const char16_t last[] = {u'%', static_cast<char16_t>(link[link.size() - 2]),
+                             static_cast<char16_t>(link[link.size() - 1])};
+    switch (escapes::escapeAt(Units(last, 3), 0)) {
         case u'\t':
         case u'\n':
         case u'\r':
@@ -65,11 +89,12 @@ bool endsWithStrayEscape(Units link) {
     }
 }
 
-bool isNormal(Units value, LinkReading reading) {
-    if (findSuspect(value.data(), value.data() + value.size()) != value.data() + value.size())
-        return false;
+template <class Unit>
+bool isNormal(std::basic_string_view<Unit> value, LinkReading reading) {
+    const Unit* const end = value.data() + value.size();
+    if (findSuspect(value.data(), end) != end) return false;
     // With decoding each escape may change the link; without it only one at the end may.
-    if (reading.decodePercentEscapes) return value.find(u'%') == value.npos;
+    if (reading.decodePercentEscapes) return value.find(Unit('%')) == value.npos;
     return reading.web.linkEscapes || !endsWithStrayEscape(value);
 }
 
@@ -106,6 +131,10 @@ NormalizedLink::NormalizedLink(Units value, LinkReading reading) {
     if (value.empty()) return;
     link_ = isNormal(value, reading) ? value : normalized(value, reading);
     if (link_.empty()) link_ = {};
+}
+
+bool detail::isNormalLink(std::string_view ascii, LinkReading reading) {
+    return !ascii.empty() && isNormal(ascii, reading);
 }
 
 Units NormalizedLink::normalized(Units value, LinkReading reading) {

@@ -24,6 +24,7 @@
 
 #include "markup/GoogleMask.h"
 #include "markup/IconsContext.h"
+#include "markup/MarkupReading.h"
 #include "markup/NormalizedLink.h"
 #include "markup/TagName.h"
 #include "markup/TagSupport.h"
@@ -53,15 +54,29 @@ bool isEnginesOwn(Units link) {
     return classes.translation || classes.cached || link.find(u"&q=related:") != link.npos;
 }
 
+/// The page that is walked. What stands between two tags of one in units is a part of it; of one in
+/// bytes, the tags of which come one at a time, it is gathered on the way.
+struct WalkedPage {
+    Units units = {};  ///< null for a page in bytes
+    std::string_view utf8 = {};
+
+    bool isUTF8() const { return utf8.data() != nullptr; }
+    StringEncoding urlEncoding(const WebRules& web) const {
+        return isUTF8() ? defaultURLEncodingOfBytes(utf8, web) : defaultURLEncoding(units, web);
+    }
+};
+
 class IconsHandler {
 public:
-    IconsHandler(Units page, const LinkThumbnailOptions& options)
+    IconsHandler(const WalkedPage& page, const LinkThumbnailOptions& options)
         : page_(page),
           options_(options),
           context_(options),
           isSearchPage_(options.resolve && isSearchPage(options.baseURL)) {}
 
     bool operator()(const Tag& tag) {
+        if (gathersText())
+            gathered_.append(tag.text()).append(tag.isNamed("A") ? Units() : tag.whole());
         if (tag.kind == TagKind::Comment && options_.googleTags) mask_.note(tag);
         if (tag.kind == TagKind::End) closeLink();
         if (const auto rule = ruleOf(tag)) (this->*rule)(tag);
@@ -73,11 +88,17 @@ public:
 private:
     enum class Cell { None, Any, Figure };
 
+    /// An image and its tag, which may be gone when its link comes.
+    struct WaitingImage {
+        String url, tag;
+        Thumbnail thumbnail() const { return {url, tag}; }
+    };
+
     struct OpenLink {
         Link link;
         std::size_t textLocation;
-        bool hasText;                     ///< whether its text counts
-        std::optional<Thumbnail> before;  ///< the image that waited for it
+        bool hasText;                        ///< whether its text counts
+        std::optional<WaitingImage> before;  ///< the image that waited for it
     };
 
     using Rule = void (IconsHandler::*)(const Tag& tag);
@@ -121,6 +142,7 @@ private:
             const bool hasText = mask_.allows(GoogleMask::Anchor);
             if (hasText) context_.addTitles(tag.whole(), *link, true);
             open_ = OpenLink{*link, tag.tagLocation + tag.tagLength, hasText, takeWaiting()};
+            gathered_.clear();
         }
     }
 
@@ -136,13 +158,18 @@ private:
     /// may have half the page behind it.
     void addText(const Tag& closing) {
         if (!options_.texts || !open_->hasText) return;
-        const Units text =
-            page_.substr(open_->textLocation, closing.tagLocation - open_->textLocation);
+        const Units text = page_.isUTF8()
+                               ? Units(gathered_)
+                               : page_.units.substr(open_->textLocation,
+                                                    closing.tagLocation - open_->textLocation);
         // Without a receiver to give back: an empty text is none anyway.
         context_.addText(
             plainTextOf(String(), scanOf(text, options_.web), {.web = options_.web}).text,
             open_->link);
     }
+
+    /// Any anchor ends the text of the link that is open.
+    bool gathersText() const { return page_.isUTF8() && open_ && open_->hasText && options_.texts; }
 
     void closeLink() {
         if (open_) leaveLink(open_->link, open_->before);
@@ -150,12 +177,13 @@ private:
     }
 
     /// An image in front of a link comes after those within it.
-    void leaveLink(Link link, const std::optional<Thumbnail>& before) {
-        if (before && !context_.hasThumbnail(link)) context_.addThumbnail(*before, link);
+    void leaveLink(Link link, const std::optional<WaitingImage>& before) {
+        if (before && !context_.hasThumbnail(link))
+            context_.addThumbnail(before->thumbnail(), link);
         if (cell_ != Cell::None) context_.held = link;
     }
 
-    std::optional<Thumbnail> takeWaiting() { return std::exchange(waiting_, std::nullopt); }
+    std::optional<WaitingImage> takeWaiting() { return std::exchange(waiting_, std::nullopt); }
 
     /// The link of a tag; nothing if there is none, or none to take.
     std::optional<Link> linkOf(Units tag) {
@@ -228,16 +256,16 @@ private:
         else if (context_.wantsThumbnail(std::nullopt))
             context_.addThumbnail(image, std::nullopt);
         else
-            waiting_ = image;
+            waiting_ = WaitingImage{image.url, options_.titles ? String(tag) : String()};
     }
 
     /// The page's own, which is looked for once, when the first image is resolved.
     StringEncoding encoding() {
-        if (!encoding_) encoding_ = defaultURLEncoding(page_, options_.web);
+        if (!encoding_) encoding_ = page_.urlEncoding(options_.web);
         return *encoding_;
     }
 
-    const Units page_;
+    const WalkedPage page_;
     const LinkThumbnailOptions& options_;
     IconsContext context_;
     const bool isSearchPage_;
@@ -247,7 +275,8 @@ private:
     UniqueLinks references_{seen_};
     std::vector<std::optional<Link>> links_;  ///< where each of them leads
     std::optional<OpenLink> open_;
-    std::optional<Thumbnail> waiting_;  ///< for the next link of the cell
+    std::u16string gathered_;              ///< of a page in bytes, behind the tag of the open link
+    std::optional<WaitingImage> waiting_;  ///< for the next link of the cell
     std::optional<StringEncoding> encoding_;
 };
 
@@ -277,13 +306,32 @@ IconsHandler::Rule IconsHandler::ruleOf(const Tag& tag) {
 
 LinkThumbnails detail::thumbnailsOf(Units page, TagWalk walk, const LinkThumbnailOptions& options) {
     if (!options.thumbnails && !options.titles && !options.texts) return {};
-    IconsHandler handler(page, options);
+    IconsHandler handler({.units = page}, options);
     walk(handler);
+    return handler.finish();
+}
+
+LinkThumbnails detail::thumbnailsOf(std::string_view utf8, ByteTagWalk walk,
+                                    const LinkThumbnailOptions& options) {
+    if (!options.thumbnails && !options.titles && !options.texts) return {};
+    IconsHandler handler({.utf8 = utf8}, options);
+    // Of the text of a link a plain text is made, as of a page.
+    const bool wantsAll = options.texts;
+    widened(walk, {.text = wantsAll ? TagParts::Text::All : TagParts::Text::None,
+                   .bodies = wantsAll})(handler);
     return handler.finish();
 }
 
 LinkThumbnails getLinkThumbnails(Units page, const LinkThumbnailOptions& options) {
     return thumbnailsOf(page, scanOf(page, options.web), options);
+}
+
+LinkThumbnails getLinkThumbnails(Bytes page, const LinkThumbnailOptions& options,
+                                 MarkupDecodingOptions decoding) {
+    decoding.web = options.web;
+    const MarkupReading reading = readMarkup(page, decoding);
+    if (!reading.isUTF8()) return getLinkThumbnails(reading.page.text, options);
+    return thumbnailsOf(reading.utf8, scanOf(reading.utf8, options.web), options);
 }
 
 String stringByExtractingJavaScriptURL(Units link) {

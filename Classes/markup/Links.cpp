@@ -9,11 +9,14 @@
 #include <velmocore/url/LinkFilter.h>
 
 #include "markup/BaseRule.h"
+#include "markup/MarkupReading.h"
 #include "markup/NormalizedLink.h"
 #include "markup/TagScan.h"
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
 #include "markup/UniqueLinks.h"
+#include "text/ByteScan.h"
+#include "text/SmallBuffer.h"
 
 namespace velmo {
 namespace {
@@ -21,6 +24,18 @@ namespace {
 using namespace detail;
 
 using Units = std::u16string_view;
+
+/// The raw reference of a tag; null if there is none, or none to follow.
+Units hrefOf(const Tag& tag, const LinkOptions& options) {
+    if (options.useRelNoFollow && keyword::contains(attributeOf(tag, "REL"), "NOFOLLOW")) return {};
+    return attributeOf(tag, "HREF");
+}
+
+void addLink(Units href, const LinkOptions& options, UniqueLinks& links) {
+    if (href.empty() || (options.filter && filterLink(href))) return;
+    const NormalizedLink link(href, {.web = options.web});
+    if (!link.view().empty()) links.add(link.view());
+}
 
 /// Gathers links as they come, or, if their text is asked for, when they are closed.
 class RetrieveLinksHandler {
@@ -59,16 +74,11 @@ private:
         } else {
             // Only now all of the text is known; a link that is never closed has none.
             if (hasLinkText_ && isKept()) add(href_);
-            openLink({});
+            openLink(Units());
         }
     }
 
-    /// The raw reference; null if there is none, or none to follow.
-    Units hrefOf(const Tag& tag) const {
-        if (options_.useRelNoFollow && keyword::contains(attributeOf(tag, "REL"), "NOFOLLOW"))
-            return {};
-        return attributeOf(tag, "HREF");
-    }
+    Units hrefOf(const Tag& tag) const { return velmo::hrefOf(tag, options_); }
 
     /// Starts to gather the text of a link; of null, nothing.
     void openLink(Units href) {
@@ -85,22 +95,85 @@ private:
         return !options_.handler || options_.handler(href_, linkText_);
     }
 
-    void add(Units href) {
-        if (href.empty() || (options_.filter && filterLink(href))) return;
-        const NormalizedLink link(href, {.web = options_.web});
-        if (!link.view().empty()) links_.add(link.view());
-    }
+    void add(Units href) { addLink(href, options_, links_); }
 
     const LinkOptions& options_;
     const bool wantsText_;
     URL& baseURL_;
     UniqueLinks links_;
-    Units href_;
+    std::u16string href_;  ///< a copy, as tags of bytes come one at a time
     bool hasLinkText_ = false;
     std::u16string linkText_;
 };
 
+/// Whether links count when they are closed only.
+bool wantsText(const LinkOptions& options) {
+    return options.handler || !options.containing.empty();
+}
+
+/// The same, but for texts, from tags of bytes. Nearly all that name a link are ASCII, and so is the
+/// link, and is normal: it is looked up as it stands, and becomes units only if it is new.
+class ByteLinksHandler {
+public:
+    ByteLinksHandler(HtmlLinks& result, const LinkOptions& options)
+        : options_(options), baseURL_(result.baseURL), links_(result.links) {}
+
+    bool operator()(const ByteTag& tag) {
+        if (tag.nameLength == 1) {
+            if (tag.isNamed("A") && isOpening(tag)) addLinkOf(tag);
+        } else if (lengthOfName(tag) == 4 && isOpening(tag)) {
+            if (tag.isNamed("BASE")) applyBaseRule(wide_.of(tag), options_.url, baseURL_);
+            if (tag.isNamed("AREA")) addLinkOf(tag);
+        }
+        return false;
+    }
+
+    static bool passesOver(char16_t unit) { return RetrieveLinksHandler::passesOver(unit); }
+
+private:
+    void addLinkOf(const ByteTag& tag) {
+        const std::string_view whole = tag.whole();
+        if (options_.useRelNoFollow || !scan::isAscii(whole)) return addLinkOf(wide_.of(tag));
+        const Range range = rangeOfAttributeOfAscii(tag, "HREF");
+        if (!range.isFound()) return;
+        const std::string_view href = whole.substr(range.location, range.length);
+        if (!options_.filter && isNormalLink(href, {.web = options_.web})) {
+            links_.add(href);
+            return;
+        }
+        SmallBuffer<char16_t> units(href.size());
+        scan::widen(href, units.data());
+        add({units.data(), units.size()});
+    }
+    void addLinkOf(const Tag& tag) { add(hrefOf(tag, options_)); }
+    void add(Units href) { addLink(href, options_, links_); }
+
+    const LinkOptions& options_;
+    URL& baseURL_;
+    UniqueLinks links_;
+    WideTags wide_{{.text = TagParts::Text::None}};
+};
+
 }  // namespace
+
+HtmlLinks detail::linksOf(ByteTagWalk walk, const LinkOptions& options) {
+    if (wantsText(options)) return linksOf(widened(walk, {}), options);
+    HtmlLinks result;
+    ByteLinksHandler handler(result, options);
+    walk(handler);
+    return result;
+}
+
+HtmlLinks htmlLinks(Bytes page, const LinkOptions& options, MarkupDecodingOptions decoding) {
+    decoding.web = options.web;
+    const MarkupReading reading = readMarkup(page, decoding);
+    if (!reading.isUTF8()) return htmlLinks(reading.page.text, options);
+    if (wantsText(options)) return linksOf(scanOf(reading.utf8, options.web), options);
+    HtmlLinks result;
+    ByteLinksHandler handler(result, options);
+    scanTags(reading.utf8, handler, options.web);
+    return result;
+}
 
 HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
     HtmlLinks result;
@@ -111,8 +184,7 @@ HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
 
 HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
     // With their text links are closed too, and all tags stand in it.
-    if (options.handler || !options.containing.empty())
-        return linksOf(scanOf(page, options.web), options);
+    if (wantsText(options)) return linksOf(scanOf(page, options.web), options);
     HtmlLinks result;
     RetrieveLinksHandler handler(result, options);
     scanTags(page, handler, options.web);

@@ -1,5 +1,5 @@
-// Where the five units that matter to a tag scan stand. The text is looked at 64 units at a
-// time, and each of the five has a bit set over these. A search in the current 64 is then
+// Where the five units that matter to a tag scan stand. The text, of 16-bit units or of bytes of
+// UTF-8, which never hides one of the five in a longer sequence, is looked at 64 units at a time, and each of the five has a bit set over these. A search in the current 64 is then
 // a shift and a count of zeros: tags are short, so a loop over units would mostly spend its
 // time on mispredicting its own end.
 #pragma once
@@ -9,45 +9,68 @@
 #include <cstring>
 #include <string_view>
 
-#include "text/UnitScan.h"
+#include "markup/MarkKernels.h"
 
 namespace velmo::detail {
 
+template <class Unit>
 class MarkIndex {
 public:
-    explicit MarkIndex(std::u16string_view text) : end_(text.data() + text.size()), block_(end_) {}
+    explicit MarkIndex(std::basic_string_view<Unit> text)
+        : end_(text.data() + text.size()), block_(end_) {}
 
     // The first of the units at or behind a position; the end of the text if there is none.
 
-    const char16_t* less(const char16_t* from) {
+    const Unit* less(const Unit* from) {
         return find(from, [](const Marks& m) { return m.less; });
     }
-    const char16_t* greater(const char16_t* from) {
+    const Unit* greater(const Unit* from) {
         return find(from, [](const Marks& m) { return m.greater; });
     }
-    const char16_t* equalOrGreater(const char16_t* from) {
+    const Unit* equalOrGreater(const Unit* from) {
         return find(from, [](const Marks& m) { return m.equal | m.greater; });
     }
-    const char16_t* quoteOrGreater(const char16_t* from) {
+    const Unit* quoteOrGreater(const Unit* from) {
         return find(from, [](const Marks& m) { return m.doubleQuote | m.singleQuote | m.greater; });
     }
-    const char16_t* doubleQuote(const char16_t* from) {
+    const Unit* doubleQuote(const Unit* from) {
         return find(from, [](const Marks& m) { return m.doubleQuote; });
     }
-    const char16_t* singleQuote(const char16_t* from) {
+    const Unit* singleQuote(const Unit* from) {
         return find(from, [](const Marks& m) { return m.singleQuote; });
     }
 
-private:
-    static constexpr std::ptrdiff_t BlockUnits = 64;
+    /// The > of the tag in which a position is if one look at 64 units tells: where each value has
+    /// double quotes, right behind its =, or none. Else null.
+    const Unit* endOfPlainTag(const Unit* from) {
+        if (end_ - from < BlockUnits) return nullptr;
+        auto offset = static_cast<std::size_t>(from - block_);
+        if (offset >= BlockUnits || !(marks_.greater >> offset)) {
+            load(from);
+            offset = 0;
+        }
+        const std::uint64_t greater = marks_.greater >> offset;
+        if (!greater) return nullptr;
+        const Unit* const last = from + std::countr_zero(greater);
+        // What stands in front of the >.
+        const std::uint64_t inTag = (greater & -greater) - 1;
+        const std::uint64_t equal = marks_.equal >> offset & inTag;
+        if (!equal) return last;
+        const std::uint64_t quotes = marks_.doubleQuote >> offset & inTag;
+        // From each opening quote up to its twin.
+        std::uint64_t inValue = quotes;
+        for (int shift = 1; shift < BlockUnits; shift *= 2) inValue ^= inValue << shift;
+        const bool isClosed = !(std::popcount(quotes) & 1);
+        const bool isPlain = (quotes & inValue) == (equal & ~inValue) << 1 &&
+                             !(marks_.singleQuote >> offset & inTag & ~inValue);
+        return isClosed && isPlain ? last : nullptr;
+    }
 
-    /// Bit i stands for unit i of the block.
-    struct Marks {
-        std::uint64_t less = 0, greater = 0, equal = 0, doubleQuote = 0, singleQuote = 0;
-    };
+private:
+    static constexpr std::ptrdiff_t BlockUnits = markKernels::BlockUnits;
 
     template <class Select>
-    const char16_t* find(const char16_t* from, Select select) {
+    const Unit* find(const Unit* from, Select select) {
         // A position in front of the block wraps around to a large offset.
         std::uint64_t hits = 0;
         if (const auto offset = static_cast<std::size_t>(from - block_); offset < BlockUnits) {
@@ -68,97 +91,22 @@ private:
 
     /// Makes the block that starts at the position the current one. Behind the end of the
     /// text stand zeros.
-    [[gnu::noinline]] void load(const char16_t* from) {
+    [[gnu::noinline]] void load(const Unit* from) {
         // The block begins where the search does, and not at a multiple of 64: nothing in front of
         // the position is looked at again.
         block_ = from;
         if (end_ - from >= BlockUnits) {
-            mark(from);
+            markBlock(from, marks_);
         } else {
             // A copy, as the kernels read 64 units whatever there are.
-            char16_t tail[BlockUnits] = {};
-            std::memcpy(tail, from, static_cast<std::size_t>(end_ - from) * sizeof(char16_t));
-            mark(tail);
+            Unit tail[BlockUnits] = {};
+            std::memcpy(tail, from, static_cast<std::size_t>(end_ - from) * sizeof(Unit));
+            markBlock(tail, marks_);
         }
     }
 
-#if defined(__SSE2__)
-    void mark(const char16_t* units) {
-        if (scan::hasAvx2())
-            markAvx2(units);
-        else
-            markSse2(units);
-    }
-
-    // Units are packed to bytes first: those above 255 become 255 or 0, which no mark is.
-
-    void markSse2(const char16_t* units) {
-        marks_ = {};
-        for (int shift = 0; shift < BlockUnits; shift += 16) {
-            const __m128i bytes = _mm_packus_epi16(scan::loadBlock(units + shift),
-                                                   scan::loadBlock(units + shift + 8));
-            const auto add = [&](std::uint64_t& bits, char mark) {
-                const int hits = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(mark)));
-                bits |= static_cast<std::uint64_t>(hits) << shift;
-            };
-            add(marks_.less, '<');
-            add(marks_.greater, '>');
-            add(marks_.equal, '=');
-            add(marks_.doubleQuote, '"');
-            add(marks_.singleQuote, '\'');
-        }
-    }
-
-    __attribute__((target("avx2"))) void markAvx2(const char16_t* units) {
-        __m256i bytes[2];
-        for (int half = 0; half < 2; ++half) {
-            const auto* block = reinterpret_cast<const __m256i*>(units + 32 * half);
-            // The pack works on each half of the register; the permutation mends the order.
-            bytes[half] = _mm256_permute4x64_epi64(
-                _mm256_packus_epi16(_mm256_loadu_si256(block), _mm256_loadu_si256(block + 1)),
-                0xD8);
-        }
-        constexpr char Units[] = {'<', '>', '=', '"', '\''};
-        std::uint64_t bits[5];
-        for (int i = 0; i < 5; ++i) {
-            const __m256i mark = _mm256_set1_epi8(Units[i]);
-            const int low = _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes[0], mark));
-            const int high = _mm256_movemask_epi8(_mm256_cmpeq_epi8(bytes[1], mark));
-            bits[i] = static_cast<std::uint32_t>(low) |
-                      static_cast<std::uint64_t>(static_cast<std::uint32_t>(high)) << 32;
-        }
-        marks_ = {bits[0], bits[1], bits[2], bits[3], bits[4]};
-    }
-#else
-    void mark(const char16_t* units) {
-        marks_ = {};
-        for (int i = 0; i < BlockUnits; ++i) {
-            const std::uint64_t bit = std::uint64_t{1} << i;
-            switch (units[i]) {
-                case u'<':
-                    marks_.less |= bit;
-                    break;
-                case u'>':
-                    marks_.greater |= bit;
-                    break;
-                case u'=':
-                    marks_.equal |= bit;
-                    break;
-                case u'"':
-                    marks_.doubleQuote |= bit;
-                    break;
-                case u'\'':
-                    marks_.singleQuote |= bit;
-                    break;
-                default:
-                    break;
-            }
-        }
-    }
-#endif
-
-    const char16_t* const end_;
-    const char16_t* block_;
+    const Unit* const end_;
+    const Unit* block_;
     Marks marks_;
 };
 

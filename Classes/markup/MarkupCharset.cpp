@@ -8,6 +8,10 @@
 #include <velmocore/markup/TagScanner.h>
 
 #include "markup/HeadCharset.h"
+#include "markup/MarkupReading.h"
+#include "markup/TagName.h"
+#include "markup/TagScan.h"
+#include "markup/TagWalk.h"
 #include "text/Keyword.h"
 
 namespace velmo {
@@ -27,8 +31,8 @@ String charsetOfMetaTag(const Tag& tag) {
 
 /// The charset that the page names, and where. Tells through reachesFarther, if given, when
 /// the answer may depend on what stands behind the text, which is then only a page's head.
-NamedCharset findCharset(std::u16string_view page, const WebRules& web,
-                         bool* reachesFarther = nullptr) {
+template <class Walk>
+NamedCharset findCharset(const Walk& walk, bool* reachesFarther = nullptr) {
     NamedCharset found;
     const auto find = [&](const Tag& tag) {
         const std::u16string_view name = tag.name();
@@ -44,31 +48,61 @@ NamedCharset findCharset(std::u16string_view page, const WebRules& web,
             if (!detail::keyword::equals(name, "META") || tag.isClosing()) return false;
             charset = charsetOfMetaTag(tag);
         } else if (detail::keyword::equals(name, "XML") && tag.whole()[1] == u'?') {
-            charset = attributeOfTagCharacters(tag.whole(), "ENCODING", web);
+            charset = attributeOfTagCharacters(tag.whole(), "ENCODING", tag.web);
         }
         // A tag that names none does not end the search: pages have many meta tags.
         if (charset.isAbsent()) return false;
         found = {charset, {tag.tagLocation, tag.tagLength}};
         return true;
     };
-    GetTagsOfString(page, find, web);
+    walk(find);
     return found;
+}
+
+/// The walk over those tags of UTF-8 that findCharset() looks at; most tags of a head are others.
+auto tellingTagsOf(std::string_view utf8, const WebRules& web) {
+    return [utf8, &web](TagHandler handler) {
+        detail::WideTags wide({.text = detail::TagParts::Text::None});
+        const auto handOn = [&](const detail::ByteTag& tag) {
+            using detail::packed;
+            switch (detail::packedName(tag)) {
+                case packed("script"):
+                case packed("style"):
+                case packed("body"):
+                case packed("meta"):
+                case packed("xml"):
+                    return handler(wide.of(tag));
+                default:
+                    return tag.kind == TagKind::End && handler(wide.of(tag));
+            }
+        };
+        detail::scanTags(utf8, handOn, web);
+    };
+}
+
+StringEncoding urlEncodingOf(const String& charset) {
+    return charset2NSStringEncoding(charset) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
+                                                                        : UTF8StringEncoding;
 }
 
 }  // namespace
 
 String markupCharset(std::u16string_view page, const WebRules& web) {
-    return findCharset(page, web).name;
+    return findCharset(detail::scanOf(page, web)).name;
 }
 
-String detail::markupCharsetOfHead(std::u16string_view head) {
+String detail::markupCharsetOfBytes(std::string_view utf8, const WebRules& web) {
+    return findCharset(tellingTagsOf(utf8, web)).name;
+}
+
+String detail::markupCharsetOfHead(std::string_view head) {
     bool reachesFarther = false;
-    const NamedCharset found = findCharset(head, {}, &reachesFarther);
+    const NamedCharset found = findCharset(tellingTagsOf(head, {}), &reachesFarther);
     return reachesFarther ? String() : found.name;
 }
 
 Range markupCharsetRange(std::u16string_view page, const WebRules& web) {
-    return findCharset(page, web).tag;
+    return findCharset(detail::scanOf(page, web)).tag;
 }
 
 StringEncoding markupEncoding(std::u16string_view page, const WebRules& web) {
@@ -80,8 +114,11 @@ StringEncoding headerEncoding(std::u16string_view contentType) {
 }
 
 StringEncoding defaultURLEncoding(std::u16string_view page, const WebRules& web) {
-    return markupEncoding(page, web) == ISOLatin1StringEncoding ? ISOLatin1StringEncoding
-                                                                : UTF8StringEncoding;
+    return urlEncodingOf(markupCharset(page, web));
+}
+
+StringEncoding detail::defaultURLEncodingOfBytes(std::string_view utf8, const WebRules& web) {
+    return urlEncodingOf(markupCharsetOfBytes(utf8, web));
 }
 
 MarkupData markupData(const String& page) {

@@ -15,6 +15,7 @@
 #include <velmocore/platform/PropertyList.h>
 
 #include "markup/HeadCharset.h"
+#include "markup/MarkupReading.h"
 #include "platform/Converter.h"
 #include "platform/EncodingNumbers.h"
 #include "platform/Files.h"
@@ -24,6 +25,7 @@ namespace velmo {
 namespace {
 
 using detail::Decode;
+using detail::MarkupReading;
 namespace encoding = detail::encoding;
 
 constexpr StringEncoding otherEncoding(TextEncoding encoding) { return 0x80000000 | encoding; }
@@ -76,6 +78,13 @@ StringEncoding markedEncoding(Bytes data, StringEncoding otherwise) {
     return otherwise;
 }
 
+/// UTF-8 without its mark, which is no part of the text.
+std::string_view withoutMark(Bytes data) {
+    constexpr std::string_view Mark = "\xEF\xBB\xBF";
+    const std::string_view bytes = charsOf(data);
+    return bytes.substr(bytes.starts_with(Mark) ? Mark.size() : 0);
+}
+
 /// Whether UTF-8 was right although the page names a single-byte encoding: read as such, UTF-8
 /// makes a longer text.
 bool isUTF8AfterAll(const Trial& first, const Trial& second) {
@@ -99,13 +108,17 @@ public:
         isNamed_ = true;
     }
 
-    MarkupDecoding run() {
+    MarkupReading run() {
+        const std::string_view utf8 = withoutMark(data_);
+        const bool isUTF8 = encoding_ == UTF8StringEncoding && !utf8.empty();
         String charset = charsetOfHead();
         if (charset.isAbsent())
-            charset = first().failed() ? String::empty() : markupCharset(first().text);
+            charset = isUTF8 ? detail::markupCharsetOfBytes(utf8) : charsetOfFirst();
+        if (isUTF8 && isSettledBy(charset2NSStringEncoding(charset)))
+            return {utf8, {{}, UTF8StringEncoding, std::move(charset)}};
         const bool isRead = !charset.isEmpty() || !first().failed();
         Trial best = choose(isRead ? charset2NSStringEncoding(charset) : 0);
-        return {std::move(best.text), best.encoding, std::move(charset)};
+        return {{}, {std::move(best.text), best.encoding, std::move(charset)}};
     }
 
 private:
@@ -116,8 +129,7 @@ private:
         // count.
         constexpr std::size_t HeadBytes = 2048;
         if (isNamed_ || encoding_ != UTF8StringEncoding || data_.size() < HeadBytes) return {};
-        const String head = String::fromUTF8(charsOf(data_.first(HeadBytes)));
-        return detail::markupCharsetOfHead(head);
+        return detail::markupCharsetOfHead(charsOf(data_.first(HeadBytes)));
     }
 
     /// The reading without regard to what the page says, made when it is asked for.
@@ -126,10 +138,18 @@ private:
         return *first_;
     }
 
+    String charsetOfFirst() {
+        return first().failed() ? String::empty() : markupCharset(first().text);
+    }
+
+    /// Whether what the page says leads to no other reading than the first.
+    bool isSettledBy(StringEncoding declared) const {
+        return declared == encoding_ || declared == UnknownStringEncoding ||
+               declared == ASCIIStringEncoding;
+    }
+
     Trial choose(StringEncoding declared) {
-        if (declared == encoding_ || declared == UnknownStringEncoding ||
-            declared == ASCIIStringEncoding)
-            return first();
+        if (isSettledBy(declared)) return first();
         const bool isTrustedUTF8 = isNamed_ && encoding_ == UTF8StringEncoding;
         if (declared == WindowsCP1251StringEncoding && !isTrustedUTF8) {
             // Without a header's backing, such a page is often Windows-1250 in fact.
@@ -195,16 +215,25 @@ String propertyListText(const String& path, Bytes data) {
 
 }  // namespace
 
-MarkupDecoding decodeMarkup(Bytes data, const MarkupDecodingOptions& options) {
-    if (data.empty()) return {String::empty(), options.defaultEncoding};
+MarkupReading detail::readMarkup(Bytes data, const MarkupDecodingOptions& options) {
+    if (data.empty()) return {{}, {String::empty(), options.defaultEncoding}};
     const String charset = headerCharset(options.contentType);
     const std::u16string_view name = charset.isEmpty() ? options.encodingName : charset.view();
-    if (options.web.charsets) {
-        WebCharset found = webCharset(data, name);
-        return {detail::decodedString(found.encoding, data, Decode::Lenient),
-                stringEncodingOf(found.encoding), std::move(found.declared)};
-    }
-    return PageTrials(data, name, options.defaultEncoding).run();
+    if (!options.web.charsets) return PageTrials(data, name, options.defaultEncoding).run();
+    WebCharset found = webCharset(data, name);
+    const StringEncoding encoding = stringEncodingOf(found.encoding);
+    if (const std::string_view utf8 = withoutMark(data);
+        found.encoding == UTF8TextEncoding && !utf8.empty())
+        return {utf8, {{}, encoding, std::move(found.declared)}};
+    return {{},
+            {detail::decodedString(found.encoding, data, Decode::Lenient), encoding,
+             std::move(found.declared)}};
+}
+
+MarkupDecoding decodeMarkup(Bytes data, const MarkupDecodingOptions& options) {
+    MarkupReading reading = detail::readMarkup(data, options);
+    if (reading.isUTF8()) reading.page.text = String::fromUTF8(reading.utf8);
+    return std::move(reading.page);
 }
 
 String stringWithMarkupData(Bytes data, const MarkupDecodingOptions& options) {

@@ -34,4 +34,7 @@ private:
     std::u16string_view link_;
 };
 
+/// Whether a reference of ASCII is what would be made of it, and not empty.
+bool isNormalLink(std::string_view ascii, LinkReading reading = {});
+
 }  // namespace velmo::detail

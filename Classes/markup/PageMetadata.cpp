@@ -257,10 +257,14 @@ HtmlMetaSummary detail::summaryOf(TagWalk walk) {
     return reader.finish();
 }
 
-HtmlMetadata htmlMetadata(Units page, const HtmlMetadataOptions& options) {
+HtmlMetadata detail::metadataOf(TagWalk walk, const HtmlMetadataOptions& options) {
     MetadataReader reader(options);
-    GetTagsOfString(page, reader, options.web);
+    walk(reader);
     return reader.finish();
+}
+
+HtmlMetadata htmlMetadata(Units page, const HtmlMetadataOptions& options) {
+    return detail::metadataOf(scanOf(page, options.web), options);
 }
 
 }  // namespace velmo

@@ -2,105 +2,95 @@
 // whether a break or a space is due. Flags of hidden elements do not nest: the last tag seen
 // decides, as pages forget their closing tags.
 //
-// What each tag does stands in two places: the table of the tags says which break a tag writes and
-// which state it leaves; what is more than that stands in the member that its row names. How text,
-// breaks and spaces are written is the matter of markup/PlainTextOutput.h.
+// What each tag does stands in two places: markup/PlainTextTags.h says which break a tag writes,
+// which state it leaves and what else it does; how that is done stands here. How text, breaks and
+// spaces are written is the matter of markup/PlainTextOutput.h.
+//
+// Pages are units or, where they are UTF-8, bytes. Of the bytes only what is written is ever made
+// units, and the few tags of which attributes count.
 #include <velmocore/markup/PlainText.h>
 
-#include <array>
 #include <string>
 
 #include <velmocore/markup/TagAttributes.h>
-#include <velmocore/markup/TagPredicates.h>
 #include <velmocore/markup/TagScanner.h>
 #include <velmocore/text/Removal.h>
 
 #include "markup/GoogleMask.h"
+#include "markup/HiddenElements.h"
+#include "markup/MarkupReading.h"
 #include "markup/PlainTextOutput.h"
-#include "markup/TagName.h"
+#include "markup/PlainTextTags.h"
 #include "markup/TagScan.h"
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
-#include "platform/Ascii.h"
 #include "text/Keyword.h"
-#include "text/LeadingInteger.h"
 
 namespace velmo {
 namespace {
 
 using Units = std::u16string_view;
-using detail::Break;
+using detail::plainText::Action;
+using detail::plainText::Break;
+using detail::plainText::TagRule;
 
 /// What a body must not count down to when everything counts as body.
 /// Closing tags count the depth down, and no page has as many.
 constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
+// What a tag with a name is by its slashes. The shortest one is <x>.
+
+template <class Tag>
 bool opens(const Tag& tag) {
-    const Units whole = tag.whole();
-    return isTagOpen(whole) && (tag.web.selfClosing || !isTagClosed(whole));
+    const auto whole = tag.whole();
+    return whole[1] != '/' && (tag.web.selfClosing || whole[whole.size() - 2] != '/');
 }
-bool closes(const Tag& tag) { return isTagClosed(tag.whole()) && !isTagOpen(tag.whole()); }
-
-bool containsBehind(Units text, Units first, Units second) {
-    const std::size_t at = text.find(first);
-    return at != Units::npos && text.find(second, at) != Units::npos;
+template <class Tag>
+bool closes(const Tag& tag) {
+    return tag.whole()[1] == '/';
 }
 
-std::int64_t styleNumber(Units style, Units name) {
-    return detail::leadingInteger(attributeOfStyleWithName(style, name));
+/// Where in a page the text is, and what of it is to be seen: one bit each.
+enum State : unsigned {
+    InMarquee = 1 << 0,
+    InTextarea = 1 << 1,
+    InFrameAlternative = 1 << 2,
+    InNoScript = 1 << 3,
+    InTemplate = 1 << 4,
+    InRubyText = 1 << 5,
+    HiddenFont = 1 << 6,
+    FeedDate = 1 << 7,
+    NotIndexed = 1 << 8,  ///< switched off by a comment
+    HiddenDiv = 1 << 9,
+    HiddenSpan = 1 << 10,
+    InOption = 1 << 11,
+};
+constexpr unsigned Form = InMarquee | InTextarea;
+constexpr unsigned Dropped = HiddenDiv | HiddenSpan | InOption;
+/// What ends with the body in which it began.
+constexpr unsigned OfBody = Form | HiddenFont | FeedDate | Dropped;
+
+/// The states that hold text back. Of some the options decide.
+unsigned heldBackBy(const PlainTextOptions& options) {
+    unsigned states = Form | InFrameAlternative | InNoScript | InTemplate | InRubyText;
+    if (options.removeJunk) states |= HiddenFont;
+    if (options.googleTags) states |= FeedDate | NotIndexed;
+    return states;
 }
 
-bool isOneToThree(std::int64_t size) { return size >= 1 && size <= 3; }
-
-/// Whether a tag's style takes its element out of sight.
-bool isHiddenStyle(const Tag& tag) {
-    const Units style = detail::attributeOf(tag, "STYLE");
-    if (style.empty()) return false;
-    if (containsBehind(style, u"visibility", u"hidden")) return true;
-    if (containsBehind(style, u"display:", u"none")) return true;
-    if (detail::keyword::contains(style, "POSITION:ABSOLUTE") &&
-        (styleNumber(style, u"TOP") < -1000 || styleNumber(style, u"LEFT") < -1000))
-        return true;
-    const TagSize size = getTagWidth(tag.whole(), tag.web);
-    return size && (isOneToThree(size.width) || size.height < 0 || isOneToThree(size.height));
-}
-
-/// The same as browsers have it.
-bool isHiddenByWebStyle(const Tag& tag) {
-    const Units style = detail::attributeOf(tag, "STYLE");
-    const String display = attributeOfStyleWithName(style, u"DISPLAY"),
-                 visibility = attributeOfStyleWithName(style, u"VISIBILITY");
-    return detail::keyword::beginsWith(display, "NONE") ||
-           detail::keyword::beginsWith(visibility, "HIDDEN") ||
-           detail::keyword::beginsWith(visibility, "COLLAPSE");
-}
-
-bool isHiddenElement(const Tag& tag) {
-    if (tag.web.hiddenElements) return isHiddenByWebStyle(tag);
-    return detail::keyword::equals(detail::attributeOf(tag, "CLASS"), "HIDDEN") ||
-           isHiddenStyle(tag);
-}
-
-/// Whether a style asks for letters of one to four points.
-bool isTinyFont(Units style) {
-    if (!detail::keyword::contains(style, "FONT-SIZE")) return false;
-    const std::size_t points = detail::keyword::find(style, "PT");
-    if (points == Units::npos || points < 2) return false;
-    const char16_t tens = style[points - 2], ones = style[points - 1];
-    // With a digit in front it would be ten points and more.
-    return !detail::ascii::isDigit(tens) && ones >= u'1' && ones <= u'4';
-}
-
+template <class Tag>
 class Converter {
 public:
-    explicit Converter(const PlainTextOptions& options)
-        : options_(options), out_(options), bodyDepth_(options.onlyBody ? 0 : WholePage) {}
+    explicit Converter(const PlainTextOptions& options, std::size_t pageLength)
+        : options_(options),
+          out_(options, pageLength),
+          bodyDepth_(options.onlyBody ? 0 : WholePage) {}
 
-    bool handle(const Tag& tag) {
+    bool operator()(const Tag& tag) {
         if (bodyDepth_ < 1) {
             handleOutsideBody(tag);
         } else {
-            handleText(tag);
+            if (tag.hasText()) handleText(tag);
             handleTag(tag);
             didOutput_ = true;
         }
@@ -110,16 +100,15 @@ public:
     /// A text span goes out behind a blank, a tag only opens and closes the body.
     bool handleSimply(const Tag& tag) {
         if (tag.hasText() && bodyDepth_ >= 1) {
-            const Units text = out_.decoded(tag.text(), {.web = options_.web});
+            const Units text = out_.decoded(out_.unitsOf(tag.text()), {.web = options_.web});
             if (!text.empty()) {
                 out_.appendBare(text);
                 didOutput_ = true;
             }
         }
-        if (detail::keyword::equals(tag.name(), "BODY") ||
-            detail::keyword::equals(tag.name(), "NOFRAMES"))
+        if (tag.isNamed("BODY") || tag.isNamed("NOFRAMES"))
             changeDepth(tag, +1);
-        else if (detail::keyword::equals(tag.name(), "HEAD"))
+        else if (tag.isNamed("HEAD"))
             changeDepth(tag, -1);
         return false;
     }
@@ -129,34 +118,26 @@ public:
     String finish() { return out_.finish(); }
 
 private:
-    struct TagRule {
-        std::string_view name;
-        Break breakIfPending;
-        bool leavesForm;                          ///< ends marquee and textarea
-        void (Converter::*then)(const Tag& tag);  ///< the rest of what the tag does; may be null
-    };
-    static const TagRule* ruleOf(const Tag& tag);
+    void set(unsigned states, bool isOn) { states_ = isOn ? states_ | states : states_ & ~states; }
 
     // --- the body ---------------------------------------------------------------------
 
     void handleOutsideBody(const Tag& tag) {
         if (tag.kind == TagKind::Comment) return noteGoogleComment(tag);
-        const Units name = tag.name();
-        const bool isNoFrames = detail::keyword::equals(name, "NOFRAMES");
-        if (isNoFrames || detail::keyword::equals(name, "NOSCRIPT")) {
+        const bool isNoFrames = tag.isNamed("NOFRAMES");
+        if (isNoFrames || tag.isNamed("NOSCRIPT")) {
             changeDepth(tag, +1);
             clearElements();
-            const bool isOpen = !detail::endsElement(tag);
             if (isNoFrames)
-                inFrameAlternative_ = isOpen;
+                set(InFrameAlternative, opens(tag));
             else
-                inNoScript_ = isOpen && !options_.noScripts;
-        } else if (detail::keyword::equals(name, "BODY")) {
+                set(InNoScript, opens(tag) && !options_.noScripts);
+        } else if (tag.isNamed("BODY")) {
             enterBody(tag);
-        } else if (detail::keyword::equals(name, "HEAD")) {
+        } else if (tag.isNamed("HEAD")) {
             changeDepth(tag, -1);
             clearElements();
-            inFrameAlternative_ = false;
+            set(InFrameAlternative, false);
         }
     }
 
@@ -167,8 +148,7 @@ private:
     }
 
     void clearElements() {
-        inTextarea_ = inMarquee_ = false;
-        hiddenFont_ = feedDate_ = hiddenDiv_ = hiddenSpan_ = inOption_ = false;
+        set(OfBody, false);
         backgroundColor_ = String();
     }
 
@@ -176,39 +156,38 @@ private:
     void enterBody(const Tag& tag) {
         changeDepth(tag, +1);
         clearElements();
-        inFrameAlternative_ = false;
-        backgroundColor_ = attributeOfTagCharacters(tag.whole(), "BGCOLOR", tag.web);
+        set(InFrameAlternative, false);
+        backgroundColor_ = attributeOfTagCharacters(unitsOf(tag), "BGCOLOR", tag.web);
     }
 
     /// Text counts as long as it may be indexed.
     void noteGoogleComment(const Tag& tag) {
-        if (options_.googleTags) googleMask_.note(tag);
+        if (!options_.googleTags) return;
+        googleMask_.note(unitsOf(tag));
+        set(NotIndexed, !googleMask_.allows(detail::GoogleMask::Index));
     }
 
     // --- text -------------------------------------------------------------------------
 
     void handleText(const Tag& tag) {
-        if (!tag.hasText()) return;
-        if (options_.removeJunk && detail::keyword::equals(tag.name(), "TITLE")) return;
-        if (hiddenDiv_ || hiddenSpan_ || inOption_) return;
-        if (isHeldBack())
-            noteKeywordStuffing(tag.text());
-        else
-            out_.appendSpan(tag.text(), linkDepth_ > 0);
-    }
-
-    bool isHeldBack() const {
-        return inFrameAlternative_ || inNoScript_ || inMarquee_ || inTextarea_ || inTemplate_ ||
-               inRubyText_ || (options_.removeJunk && hiddenFont_) ||
-               (options_.googleTags &&
-                (!googleMask_.allows(detail::GoogleMask::Index) || feedDate_));
+        if (options_.removeJunk && tag.isNamed("TITLE")) return;
+        const auto text = tag.text();
+        if (states_ & unseen_) {
+            if (!(states_ & Dropped)) noteKeywordStuffing(text);
+            return;
+        }
+        const std::size_t readable = tag.characters.size() - tag.textLocation;
+        out_.appendSpan(text, readable, linkDepth_ > 0);
     }
 
     /// Invisible text of a hundred units and more that is mostly long words is there for
     /// search engines only.
-    void noteKeywordStuffing(Units text) {
+    template <class Text>
+    void noteKeywordStuffing(Text span) {
         constexpr std::size_t Shortest = 100, Separators = 5, WordLength = 6;
-        if (!hiddenFont_ || out_.didRemoveJunk() || text.size() < Shortest) return;
+        if (!(states_ & HiddenFont) || out_.didRemoveJunk() || span.size() < Shortest) return;
+        Units text = out_.unitsOf(span);
+        if (text.size() < Shortest) return;
         text = out_.trimmed(out_.decoded(text, {.web = options_.web}));
         if (text.size() < Shortest) return;
         const CharacterSetRep& alphaNum = alphaNumCharacterSetRep();
@@ -231,13 +210,86 @@ private:
             if (tag.kind == TagKind::Comment) noteGoogleComment(tag);
             return;
         }
-        const TagRule* rule = ruleOf(tag);
-        if (!rule) return;
+        const TagRule& rule = detail::plainText::ruleOf(tag);
         // Before the tag's own work: the break belongs to the text in front of the tag.
-        if (out_.hasPendingText() && rule->breakIfPending != Break::None)
-            out_.writeBreak(rule->breakIfPending);
-        if (rule->leavesForm) inMarquee_ = inTextarea_ = false;
-        if (rule->then) (this->*rule->then)(tag);
+        out_.breakText(rule.breakIfPending);
+        states_ &= ~(Form * rule.leavesForm);
+        perform(rule.action, tag);
+    }
+
+    void perform(Action action, const Tag& tag) {
+        switch (action) {
+            case Action::None:
+                return;
+            case Action::Body:
+                return enterBody(tag);
+            case Action::Cell:
+                return cell(tag);
+            case Action::Citation:
+                return out_.separateCitation();
+            case Action::Code:
+                return code(tag);
+            case Action::Example:
+                // References mean nothing in it.
+                if (options_.web.rawText) out_.setDecoding(!opens(tag));
+                return;
+            case Action::Heading:
+                return changeLinkDepth(tag);
+            case Action::Image:
+                return image(tag);
+            case Action::Input:
+                return out_.separate();
+            case Action::Link:
+                changeLinkDepth(tag);
+                return out_.oweSpace();
+            case Action::Plaintext:
+                return plaintext(tag);
+            case Action::Preformatted:
+                return opens(tag) ? out_.beginPreformatted() : out_.setPreformatted(false);
+            case Action::Row:
+                return out_.endRow();
+            case Action::Table:
+                return out_.endTable();
+            default:
+                return changeStates(action, tag);
+        }
+    }
+
+    /// What a tag shows or hides.
+    void changeStates(Action action, const Tag& tag) {
+        const WebRules& web = options_.web;
+        switch (action) {
+            case Action::Division:
+                return set(HiddenDiv, isHidden(tag));
+            case Action::Span:
+                return set(HiddenSpan, isHidden(tag));
+            case Action::Font:
+                return font(tag);
+            case Action::Option:
+                return set(InOption, opens(tag));
+            case Action::Select:
+                return set(InOption, false);
+            case Action::DataList:
+                // Its last option is seldom closed.
+                return set(InOption * web.hiddenElements, false);
+            case Action::FrameAlternative:
+                return set(InFrameAlternative, opens(tag));
+            case Action::NoEmbed:
+                // As raw text it is markup that no one is to see.
+                return set(InFrameAlternative * web.rawText, opens(tag));
+            case Action::NoScript:
+                return set(InNoScript, opens(tag) && !options_.noScripts);
+            case Action::Marquee:
+                return set(InMarquee, opens(tag) && !web.hiddenElements);
+            case Action::Textarea:
+                return set(InTextarea, opens(tag) && !options_.textareas);
+            case Action::Template:
+                return set(InTemplate, opens(tag) && web.templates);
+            case Action::RubyText:
+                return set(InRubyText, opens(tag) && !options_.rubyText);
+            default:
+                return set(InRubyText, false);  // a ruby base
+        }
     }
 
     void changeLinkDepth(const Tag& tag) {
@@ -245,31 +297,16 @@ private:
         if (closes(tag) && linkDepth_ > 0) --linkDepth_;
     }
 
-    void link(const Tag& tag) {
-        changeLinkDepth(tag);
-        out_.oweSpace();
-    }
-
-    void tableRow(const Tag&) { out_.endRow(); }
-    void tableCell(const Tag& tag) {
+    void cell(const Tag& tag) {
         if (!options_.tabs)
             out_.separateCell();
         else if (opens(tag))
             out_.beginCell();
     }
-    void table(const Tag&) { out_.endTable(); }
-    void citation(const Tag&) { out_.separateCitation(); }
 
     void code(const Tag& tag) {
         out_.separateCitation();
         out_.setPreformatted(opens(tag));
-    }
-
-    void preformatted(const Tag& tag) {
-        if (opens(tag))
-            out_.beginPreformatted();
-        else
-            out_.setPreformatted(false);
     }
 
     void plaintext(const Tag& tag) {
@@ -280,147 +317,65 @@ private:
     void image(const Tag& tag) {
         if (!options_.imageAlts) return;
         out_.oweSpace();
-        Units text = detail::attributeOf(tag, "ALT");
-        if (text.empty()) text = detail::attributeOf(tag, "TITLE");
+        const Units whole = unitsOf(tag);
+        Units text = detail::attributeOf(whole, "ALT", tag.web);
+        if (text.empty()) text = detail::attributeOf(whole, "TITLE", tag.web);
         if (text.empty()) return;
-        out_.appendSpan(text, linkDepth_ > 0, true);
+        out_.appendSpan(text, text.size(), linkDepth_ > 0, true);
         out_.oweSpace();
     }
 
     /// Letters in the colour of the page, or too small to read, are there for search engines.
     void font(const Tag& tag) {
-        const Units color = detail::attributeOf(tag, "COLOR");
-        hiddenFont_ =
-            !backgroundColor_.isAbsent() && detail::keyword::equalNoCase(color, backgroundColor_);
-        if (!hiddenFont_) hiddenFont_ = isTinyFont(detail::attributeOf(tag, "STYLE"));
-        feedDate_ = detail::attributeOf(tag, "CLASS") == u"feed_date";
+        const Units whole = unitsOf(tag);
+        const Units color = detail::attributeOf(whole, "COLOR", tag.web);
+        set(HiddenFont, (!backgroundColor_.isAbsent() &&
+                         detail::keyword::equalNoCase(color, backgroundColor_)) ||
+                            detail::isTinyFont(detail::attributeOf(whole, "STYLE", tag.web)));
+        set(FeedDate, detail::attributeOf(whole, "CLASS", tag.web) == u"feed_date");
     }
 
-    void input(const Tag&) { out_.separate(); }
-    void division(const Tag& tag) { hiddenDiv_ = isHiddenElement(tag); }
-    void span(const Tag& tag) { hiddenSpan_ = isHiddenElement(tag); }
-    void option(const Tag& tag) { inOption_ = opens(tag); }
-    void select(const Tag&) { inOption_ = false; }
-    /// Its last option is seldom closed.
-    void dataList(const Tag&) {
-        if (options_.web.hiddenElements) inOption_ = false;
+    bool isHidden(const Tag& tag) {
+        return detail::mayHide(tag.whole()) && detail::isHiddenElement(unitsOf(tag), tag.web);
     }
-    void marquee(const Tag& tag) { inMarquee_ = opens(tag) && !options_.web.hiddenElements; }
-    void textarea(const Tag& tag) { inTextarea_ = opens(tag) && !options_.textareas; }
-    void templateElement(const Tag& tag) { inTemplate_ = opens(tag) && options_.web.templates; }
-    void rubyText(const Tag& tag) { inRubyText_ = opens(tag) && !options_.rubyText; }
-    void rubyBase(const Tag&) { inRubyText_ = false; }
-    void frameAlternative(const Tag& tag) { inFrameAlternative_ = opens(tag); }
-    /// References mean nothing in it.
-    void example(const Tag& tag) {
-        if (options_.web.rawText) out_.setDecoding(!opens(tag));
+
+    /// The tag in UTF-16: one of bytes is decoded, and good until the next one.
+    static Units unitsOf(const velmo::Tag& tag) { return tag.whole(); }
+    Units unitsOf(const detail::ByteTag& tag) {
+        decodedTag_ = String::fromUTF8(tag.whole());
+        return decodedTag_;
     }
-    /// As raw text it is markup that no one is to see.
-    void noEmbed(const Tag& tag) {
-        if (options_.web.rawText) frameAlternative(tag);
-    }
-    void noScript(const Tag& tag) { inNoScript_ = opens(tag) && !options_.noScripts; }
 
     const PlainTextOptions options_;
     detail::PlainTextOutput out_;
-    String backgroundColor_;      ///< "BGCOLOR" of the body
+    unsigned states_ = 0;
+    const unsigned unseen_ = heldBackBy(options_) | Dropped;
+    bool didOutput_ = false;      ///< the body was reached
     std::int64_t bodyDepth_;      ///< text counts while this is above 0
     std::int64_t linkDepth_ = 0;  ///< open links and headings
     detail::GoogleMask googleMask_;
-    bool inMarquee_ = false, inTextarea_ = false;
-    bool inFrameAlternative_ = false, inNoScript_ = false;
-    bool inTemplate_ = false, inRubyText_ = false;
-    bool hiddenFont_ = false, feedDate_ = false;
-    bool hiddenDiv_ = false, hiddenSpan_ = false, inOption_ = false;
-    bool didOutput_ = false;  ///< the body was reached
+    String backgroundColor_;  ///< "BGCOLOR" of the body
+    String decodedTag_;
 };
 
-const Converter::TagRule* Converter::ruleOf(const Tag& tag) {
-    using enum detail::Break;
-    using C = Converter;
-    static constexpr TagRule Rules[] = {
-        {"a", None, false, &C::link},
-        {"p", Paragraph, false, nullptr},
-        {"br", Line, false, nullptr},
-        {"dd", Line, false, nullptr},
-        {"dl", Line, false, nullptr},
-        {"dt", Line, false, nullptr},
-        {"hr", Paragraph, false, nullptr},
-        {"li", Line, false, nullptr},
-        {"ol", Line, false, nullptr},
-        {"rb", None, false, &C::rubyBase},
-        {"rp", None, false, &C::rubyText},
-        {"rt", None, false, &C::rubyText},
-        {"td", None, false, &C::tableCell},
-        {"th", None, false, &C::tableCell},
-        {"tr", Line, false, &C::tableRow},
-        {"ul", Line, false, nullptr},
-        {"dir", Paragraph, false, nullptr},
-        {"div", Paragraph, true, &C::division},
-        {"img", None, false, &C::image},
-        {"pre", None, true, &C::preformatted},
-        {"xmp", None, false, &C::example},
-        {"body", None, false, &C::enterBody},
-        {"cite", None, false, &C::citation},
-        {"code", None, true, &C::code},
-        {"font", None, false, &C::font},
-        {"menu", Paragraph, false, nullptr},
-        {"ruby", None, false, &C::rubyBase},
-        {"span", None, false, &C::span},
-        {"input", None, true, &C::input},
-        {"table", Paragraph, true, &C::table},
-        {"iframe", None, false, &C::frameAlternative},
-        {"option", None, true, &C::option},
-        {"select", None, true, &C::select},
-        {"marquee", None, false, &C::marquee},
-        {"datalist", None, false, &C::dataList},
-        {"noframes", None, false, &C::frameAlternative},
-        {"noscript", None, false, &C::noScript},
-        {"template", None, false, &C::templateElement},
-        {"noembed", None, false, &C::noEmbed},
-        {"textarea", None, false, &C::textarea},
-        {"h0", Paragraph, true, &C::changeLinkDepth},
-        {"h1", Paragraph, true, &C::changeLinkDepth},
-        {"h2", Paragraph, true, &C::changeLinkDepth},
-        {"h3", Paragraph, true, &C::changeLinkDepth},
-        {"h4", Paragraph, true, &C::changeLinkDepth},
-        {"h5", Paragraph, true, &C::changeLinkDepth},
-        {"h6", Paragraph, true, &C::changeLinkDepth},
-        {"h7", Paragraph, true, &C::changeLinkDepth},
-        {"h8", Paragraph, true, &C::changeLinkDepth},
-        {"h9", Paragraph, true, &C::changeLinkDepth},
-    };
-    // Names that are too long for a number.
-    static constexpr TagRule Blockquote{"BLOCKQUOTE", Paragraph, false, nullptr};
-    static constexpr TagRule Plaintext{"PLAINTEXT", None, true, &C::plaintext};
+std::size_t lengthOf(const String& page) { return page.length(); }
+std::size_t lengthOf(std::string_view page) { return page.size(); }
+String stringOf(const String& page) { return page; }
+String stringOf(std::string_view page) { return String::fromUTF8(page); }
 
-    static constexpr detail::NameTable Table([] {
-        std::array<detail::PackedName, std::size(Rules)> names{};
-        for (std::size_t i = 0; i < names.size(); ++i) names[i] = detail::packed(Rules[i].name);
-        return names;
-    }());
-    if (tag.nameLength > detail::MaxPackedUnits) {
-        if (detail::keyword::equals(tag.name(), Blockquote.name)) return &Blockquote;
-        return detail::keyword::equals(tag.name(), Plaintext.name) ? &Plaintext : nullptr;
-    }
-    const int row = Table.find(detail::packedName(tag));
-    return row < 0 ? nullptr : &Rules[row];
-}
-
-/// Hands the tags of a walk over the page to a handler; a page of which only the body is asked
+/// Hands the tags of a walk over the page to a converter; a page of which only the body is asked
 /// for and that has none is walked again as a whole.
-template <bool (Converter::*Handle)(const Tag&), class Walk>
-HtmlPlainText convert(const String& page, const Walk& walk, PlainTextOptions options) {
+template <class Tag, class Page, class Walk>
+HtmlPlainText convert(const Page& page, const Walk& walk, PlainTextOptions options) {
     for (;;) {
-        Converter converter(options);
-        auto handler = [&](const Tag& tag) { return (converter.*Handle)(tag); };
-        walk(handler);
+        Converter<Tag> converter(options, lengthOf(page));
+        walk(converter);
         if (converter.didOutput()) {
             String text = converter.finish();
             if (options.web.softHyphens) text = stringByRemovingCharacters(text, u'\u00AD');
             return {std::move(text), converter.didRemoveJunk()};
         }
-        if (!options.onlyBody || page.isEmpty()) return {page};
+        if (!options.onlyBody || lengthOf(page) == 0) return {stringOf(page)};
         // Twice at most: a walk over the whole page is the last one.
         options.onlyBody = false;
     }
@@ -430,13 +385,32 @@ HtmlPlainText convert(const String& page, const Walk& walk, PlainTextOptions opt
 
 HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
                                   const PlainTextOptions& options) {
-    return convert<&Converter::handle>(page, walk, options);
+    return convert<Tag>(page, walk, options);
 }
 
+HtmlPlainText detail::plainTextOf(std::string_view utf8, ByteTagWalk walk,
+                                  const PlainTextOptions& options) {
+    return convert<ByteTag>(utf8, walk, options);
+}
+
+// Scans of their own types, which have the handler in them.
+
 HtmlPlainText plainTextOfHtml(const String& page, PlainTextOptions options) {
-    // A scan of its own type, which has the handler in it.
-    const auto scan = [&](auto& handler) { detail::scanTags(page, handler, options.web); };
-    return convert<&Converter::handle>(page, scan, options);
+    const auto scan = [&](auto& handler) { detail::scanTags(page.view(), handler, options.web); };
+    return convert<Tag>(page, scan, options);
+}
+
+HtmlPlainText detail::plainTextOfUtf8(std::string_view page, const PlainTextOptions& options) {
+    const auto scan = [&](auto& handler) { scanTags(page, handler, options.web); };
+    return convert<ByteTag>(page, scan, options);
+}
+
+HtmlPlainText plainTextOfHtml(Bytes page, const PlainTextOptions& options,
+                              MarkupDecodingOptions decoding) {
+    decoding.web = options.web;
+    const detail::MarkupReading reading = detail::readMarkup(page, decoding);
+    return reading.isUTF8() ? detail::plainTextOfUtf8(reading.utf8, options)
+                            : plainTextOfHtml(reading.page.text, options);
 }
 
 String stringByConvertingHtml2PlainText(const String& page, PlainTextOptions options) {
@@ -448,8 +422,11 @@ String stringByConvertingHtml2ReformattedPlainText(const String& page) {
 }
 
 String stringByConvertingHtml2SimplifiedPlainText(const String& page, const WebRules& web) {
-    const auto scan = [&](TagHandler handler) { GetTagsOfString(page, handler, web); };
-    return convert<&Converter::handleSimply>(page, scan, {.onlyBody = true, .web = web}).text;
+    const auto scan = [&](auto& converter) {
+        GetTagsOfString(
+            page, [&](const Tag& tag) { return converter.handleSimply(tag); }, web);
+    };
+    return convert<Tag>(page, scan, {.onlyBody = true, .web = web}).text;
 }
 
 }  // namespace velmo

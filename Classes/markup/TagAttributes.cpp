@@ -2,6 +2,8 @@
 // over quoted values, and has its differences as settings. The header reader looks for
 // NAME=value in a line of text and has no idea of tags.
 //
+// Tags are read in units, or, if they are ASCII, in the bytes they came in.
+//
 // A tag is read anew for each attribute that is asked for. Handlers ask for one or two, and of few
 // tags; to take every tag apart into a list would cost each page more.
 #include <velmocore/markup/TagAttributes.h>
@@ -11,10 +13,11 @@
 #include <velmocore/text/CharacterSets.h>
 #include <velmocore/text/ConversionTables.h>
 
+#include "markup/TagSupport.h"
 #include "markup/WebTags.h"
-#include "text/Keyword.h"
+#include "text/ByteKeyword.h"
+#include "text/ByteScan.h"
 #include "text/LeadingInteger.h"
-#include "text/UnitScan.h"
 
 namespace velmo {
 namespace {
@@ -46,16 +49,22 @@ bool isWhite(char16_t unit) {
                       : whiteCharacterSetRep().contains(unit);
 }
 
-std::size_t skipWhite(Units text, std::size_t i) {
+template <class Text>
+std::size_t skipWhite(Text text, std::size_t i) {
     while (i < text.size() && isWhite(text[i])) ++i;
     return i;
 }
 
-template <class Unit>
+template <class TagUnit, class NameUnit>
 class AttributeReader {
+    using Text = std::basic_string_view<TagUnit>;
+
 public:
-    AttributeReader(Units tag, Name<Unit> name, const AttributeRules& rules)
+    /// @param readable  the end of what may be read, of which the tag is a part
+    AttributeReader(Text tag, const TagUnit* readable, Name<NameUnit> name,
+                    const AttributeRules& rules)
         : tag_(tag),
+          readable_(readable),
           name_(name),
           rules_(rules),
           first_(name.empty() ? u'\0' : detail::keyword::upper(static_cast<char16_t>(name[0]))) {}
@@ -64,11 +73,11 @@ public:
     Range read() const {
         // In a shorter text there is no room for the name, its assignment and a value.
         if (name_.empty() || name_.size() + rules_.slack >= tag_.size()) return Range::none();
-        const char16_t* const stop = tag_.data() + tag_.size() - name_.size();
-        const char16_t* at = tag_.data();
+        const TagUnit* const stop = tag_.data() + tag_.size() - name_.size();
+        const TagUnit* at = tag_.data();
         while ((at = findCandidate(at, stop)) < stop) {
             if (isQuote(*at)) {
-                at = detail::scan::find(at + 1, end(), *at);
+                at = detail::scan::findWithin(at + 1, end(), readable_, *at);
             } else if (const auto i = static_cast<std::size_t>(at - tag_.data()); isName(i)) {
                 const std::size_t assignment = skipWhite(tag_, i + name_.size());
                 if (assignment < tag_.size() && tag_[assignment] == rules_.assignment)
@@ -80,30 +89,39 @@ public:
     }
 
 private:
-    const char16_t* end() const { return tag_.data() + tag_.size(); }
+    const TagUnit* end() const { return tag_.data() + tag_.size(); }
 
     /// The next quote mark or unit that may begin the name.
-    const char16_t* findCandidate(const char16_t* from, const char16_t* to) const {
+    const TagUnit* findCandidate(const TagUnit* from, const TagUnit* to) const {
         const auto isCandidate = [this](char16_t unit) {
             // A unit outside ASCII may have an upper-case form in it, as the long s has.
             return isQuote(unit) || unit == first_ || unit == (first_ | 0x20) || unit > 127;
         };
 #if defined(__SSE2__)
         return detail::scan::findWhere(
-            from, to,
-            [this](__m128i block) {
-                const __m128i quotes = _mm_or_si128(detail::scan::equalTo(block, u'"'),
-                                                    detail::scan::equalTo(block, u'\''));
-                const __m128i letters = _mm_or_si128(
-                    detail::scan::equalTo(block, first_),
-                    detail::scan::equalTo(block, static_cast<char16_t>(first_ | 0x20)));
-                return _mm_or_si128(_mm_or_si128(quotes, letters), detail::scan::aboveAscii(block));
-            },
+            from, to, readable_, [this](__m128i block) { return marked(block, TagUnit()); },
             isCandidate);
 #else
         return std::find_if(from, to, isCandidate);
 #endif
     }
+
+#if defined(__SSE2__)
+    __m128i marked(__m128i block, char16_t) const {
+        using detail::scan::equalTo;
+        const __m128i quotes = _mm_or_si128(equalTo(block, u'"'), equalTo(block, u'\''));
+        const __m128i letters = _mm_or_si128(equalTo(block, first_),
+                                             equalTo(block, static_cast<char16_t>(first_ | 0x20)));
+        return _mm_or_si128(_mm_or_si128(quotes, letters), detail::scan::aboveAscii(block));
+    }
+    __m128i marked(__m128i block, char) const {
+        const auto equalTo = [block](int byte) {
+            return _mm_cmpeq_epi8(block, _mm_set1_epi8(static_cast<char>(byte)));
+        };
+        const __m128i quotes = _mm_or_si128(equalTo('"'), equalTo('\''));
+        return _mm_or_si128(quotes, _mm_or_si128(equalTo(first_), equalTo(first_ | 0x20)));
+    }
+#endif
 
     /// Whether the name stands there by itself: "data-href" and "xhref" are other names.
     bool isName(std::size_t i) const {
@@ -138,9 +156,11 @@ private:
     }
 
     std::size_t endOfQuoted(std::size_t open) const {
-        const char16_t* const value = tag_.data() + open + 1;
+        const TagUnit* const value = tag_.data() + open + 1;
         return static_cast<std::size_t>(
-            detail::scan::findEither(value, end(), tag_[open], rules_.terminator) - tag_.data());
+            detail::scan::findEitherWithin(value, end(), readable_, tag_[open],
+                                           static_cast<TagUnit>(rules_.terminator)) -
+            tag_.data());
     }
 
     /// A > inside the value closes a < of the value; a <meta inside means that the closing
@@ -150,11 +170,11 @@ private:
         std::size_t openTags = 0;
         for (std::size_t i = start; i < tag_.size(); ++i) {
             if (tag_[i] == tag_[open]) return openTags == 1 ? withoutTagStart(start, i) : i;
-            if (tag_[i] == u'>' && i > start) {
+            if (tag_[i] == '>' && i > start) {
                 if (openTags == 0) return i;
                 --openTags;
-            } else if (tag_[i] == u'<') {
-                if (detail::keyword::beginsWith(tag_.substr(i + 1), "META")) return i;
+            } else if (tag_[i] == '<') {
+                if (detail::keyword::lengthAtStart(tag_.substr(i + 1), "META")) return i;
                 ++openTags;
             }
         }
@@ -163,9 +183,11 @@ private:
 
     /// Cuts a < or </ right before the closing quote.
     std::size_t withoutTagStart(std::size_t start, std::size_t stop) const {
-        const Units value = tag_.substr(start, stop - start);
-        if (value.ends_with(u"</")) return stop - 2;
-        return value.ends_with(u'<') ? stop - 1 : stop;
+        const Text value = tag_.substr(start, stop - start);
+        if (value.ends_with(TagUnit('<'))) return stop - 1;
+        return value.size() > 1 && value.ends_with(TagUnit('/')) && value[value.size() - 2] == '<'
+                   ? stop - 2
+                   : stop;
     }
 
     Range trimmed(std::size_t start, std::size_t stop) const {
@@ -173,21 +195,26 @@ private:
         return stop > start ? Range{start, stop - start} : Range::none();
     }
 
-    Units tag_;
-    Name<Unit> name_;
+    Text tag_;
+    const TagUnit* const readable_;
+    Name<NameUnit> name_;
     const AttributeRules& rules_;
     const char16_t first_;  ///< of the name, in upper case
 };
 
-template <class Unit>
-Range attributeRange(Units tag, Name<Unit> name, const AttributeRules& rules) {
-    return AttributeReader<Unit>(tag, name, rules).read();
+template <class TagUnit, class NameUnit>
+Range attributeRange(std::basic_string_view<TagUnit> tag, Name<NameUnit> name,
+                     const AttributeRules& rules) {
+    return AttributeReader<TagUnit, NameUnit>(tag, tag.data() + tag.size(), name, rules).read();
 }
 
 /// Takes a tag apart by the HTML standard, one attribute after the other.
+template <class Unit>
 class WebAttributeReader {
+    using Text = std::basic_string_view<Unit>;
+
 public:
-    explicit WebAttributeReader(Units tag)
+    explicit WebAttributeReader(Text tag)
         : begin_(tag.data()),
           end_(begin_ + tag.size()),
           at_(tag.empty() ? end_ : detail::webTags::endOfName(begin_, end_)) {}
@@ -206,16 +233,16 @@ private:
     bool isNamed(std::string_view capitals) const {
         constexpr std::string_view Prefix = "XLINK:";
         const bool isPrefixed = name_.size() == Prefix.size() + capitals.size() &&
-                                detail::keyword::beginsWith(name_, Prefix);
-        return detail::keyword::equals(name_.substr(isPrefixed ? Prefix.size() : 0), capitals);
+                                detail::keyword::lengthAtStart(name_, Prefix) > 0;
+        return detail::keyword::isKeyword(name_.substr(isPrefixed ? Prefix.size() : 0), capitals);
     }
 
     bool takeName() {
-        while (at_ < end_ && (*at_ == u'/' || detail::webTags::isWhite(*at_))) ++at_;
-        if (at_ >= end_ || *at_ == u'>') return false;
+        while (at_ < end_ && (*at_ == '/' || detail::webTags::isWhite(*at_))) ++at_;
+        if (at_ >= end_ || *at_ == '>') return false;
         // An = in first place belongs to the name.
-        const char16_t* const start = at_++;
-        while (at_ < end_ && *at_ != u'=' && !detail::webTags::endsName(*at_)) ++at_;
+        const Unit* const start = at_++;
+        while (at_ < end_ && *at_ != '=' && !detail::webTags::endsName(*at_)) ++at_;
         name_ = {start, static_cast<std::size_t>(at_ - start)};
         return true;
     }
@@ -223,10 +250,10 @@ private:
     void takeValue() {
         value_ = {};
         at_ = detail::webTags::skipWhite(at_, end_);
-        if (at_ == end_ || *at_ != u'=') return;
+        if (at_ == end_ || *at_ != '=') return;
         at_ = detail::webTags::skipWhite(at_ + 1, end_);
         const bool isQuoted = at_ < end_ && isQuote(*at_);
-        const char16_t* const start = at_ + isQuoted;
+        const Unit* const start = at_ + isQuoted;
         at_ = isQuoted ? detail::scan::find(start, end_, *at_)
                        : detail::webTags::endOfPlainValue(at_, end_);
         value_ = {start, static_cast<std::size_t>(at_ - start)};
@@ -239,10 +266,10 @@ private:
         return {static_cast<std::size_t>(value_.data() - begin_), value_.size()};
     }
 
-    const char16_t* const begin_;
-    const char16_t* const end_;
-    const char16_t* at_;
-    Units name_, value_;
+    const Unit* const begin_;
+    const Unit* const end_;
+    const Unit* at_;
+    Text name_, value_;
 };
 
 String stringOf(Units text, Range range) {
@@ -307,12 +334,33 @@ std::int64_t numberOf(Units text, Range range) {
 }  // namespace
 
 Range rangeOfAttributeOfTagCharacters(Units tag, std::string_view name, const WebRules& web) {
-    if (web.attributes) return WebAttributeReader(tag).read(name);
+    if (web.attributes) return WebAttributeReader<char16_t>(tag).read(name);
     return attributeRange(tag, name, TagRules);
 }
 
+namespace {
+
+/// Of a tag that stands in its page, the rest of which may be read too.
+template <class AnyTag>
+Range attributeRangeIn(const AnyTag& tag, std::string_view name) {
+    using Unit = typename decltype(tag.characters)::value_type;
+    const auto whole = tag.whole();
+    if (tag.web.attributes) return WebAttributeReader<Unit>(whole).read(name);
+    const Unit* const readable = tag.characters.data() + tag.characters.size();
+    return AttributeReader<Unit, char>(whole, readable, name, TagRules).read();
+}
+
+}  // namespace
+
+Range detail::rangeOfAttribute(const Tag& tag, std::string_view name) {
+    return attributeRangeIn(tag, name);
+}
+Range detail::rangeOfAttributeOfAscii(const ByteTag& tag, std::string_view name) {
+    return attributeRangeIn(tag, name);
+}
+
 Range rangeOfContentAttributeOfTagCharacters(Units tag, const WebRules& web) {
-    if (web.attributes) return WebAttributeReader(tag).read("CONTENT");
+    if (web.attributes) return WebAttributeReader<char16_t>(tag).read("CONTENT");
     return attributeRange(tag, std::string_view("CONTENT"), ContentRules);
 }
 

@@ -8,6 +8,7 @@
 
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/ByteTag.h"
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/UnitScan.h"
@@ -52,10 +53,10 @@ public:
             slots_[slotOf(names[i])] = {names[i], static_cast<int>(i)};
     }
 
-    /// The place of the name among those the table was made of; -1 if it is not there.
-    int find(PackedName name) const {
+    /// The place of the name among those the table was made of; the other one if it is not there.
+    int find(PackedName name, int otherwise = -1) const {
         const Slot& slot = slots_[slotOf(name)];
-        return slot.name == name && name != 0 ? slot.index : -1;
+        return slot.name == name && name != 0 ? slot.index : otherwise;
     }
 
 private:
@@ -81,6 +82,27 @@ private:
     std::array<Slot, 256> slots_{};
 };
 
+#if defined(__SSE2__)
+/// The low eight bytes in lower case.
+inline PackedName lowerCase(__m128i bytes) {
+    const __m128i capital = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('A' - 1)),
+                                          _mm_cmplt_epi8(bytes, _mm_set1_epi8('Z' + 1)));
+    const __m128i lower = _mm_or_si128(bytes, _mm_and_si128(capital, _mm_set1_epi8(0x20)));
+    return static_cast<PackedName>(_mm_cvtsi128_si64(lower));
+}
+#endif
+
+// Names at the end of a page, or with letters outside ASCII. Out of line, as hardly any is.
+
+[[gnu::noinline]] inline PackedName packedByUnit(const Tag& tag) { return packedUnits(tag.name()); }
+
+[[gnu::noinline]] inline PackedName packedByUnit(const ByteTag& tag) {
+    // A name of eight units has three times as many bytes at most.
+    char16_t units[3 * MaxPackedUnits + Utf8Slack];
+    if (tag.nameLength > 3 * MaxPackedUnits) return 0;
+    return packedUnits({units, decodeUtf8(tag.name(), units)});
+}
+
 /// The number of a tag's name; 0 if it has none.
 inline PackedName packedName(const Tag& tag) {
 #if defined(__SSE2__)
@@ -89,17 +111,25 @@ inline PackedName packedName(const Tag& tag) {
         const __m128i units = scan::loadBlock(tag.characters.data() + tag.nameLocation);
         const int nonAscii = _mm_movemask_epi8(scan::aboveAscii(units));
         if ((nonAscii & ((1 << (2 * tag.nameLength)) - 1)) == 0) {
-            const __m128i bytes = _mm_packus_epi16(units, units);
-            const __m128i capital = _mm_and_si128(_mm_cmpgt_epi8(bytes, _mm_set1_epi8('A' - 1)),
-                                                  _mm_cmplt_epi8(bytes, _mm_set1_epi8('Z' + 1)));
-            const __m128i lower = _mm_or_si128(bytes, _mm_and_si128(capital, _mm_set1_epi8(0x20)));
-            const auto value = static_cast<PackedName>(_mm_cvtsi128_si64(lower));
+            const auto value = lowerCase(_mm_packus_epi16(units, units));
             // Eight units were loaded whatever the length; those behind the name are cut off.
             return value & (~PackedName{0} >> (64 - 8 * tag.nameLength));
         }
     }
 #endif
-    return packedUnits(tag.name());
+    return packedByUnit(tag);
+}
+
+inline PackedName packedName(const ByteTag& tag) {
+#if defined(__SSE2__)
+    if (tag.isNamePlain && tag.nameLength - 1 < MaxPackedUnits &&
+        tag.characters.size() - tag.nameLocation >= MaxPackedUnits) {
+        const auto* name =
+            reinterpret_cast<const __m128i*>(tag.characters.data() + tag.nameLocation);
+        return lowerCase(_mm_loadl_epi64(name)) & (~PackedName{0} >> (64 - 8 * tag.nameLength));
+    }
+#endif
+    return packedByUnit(tag);
 }
 
 }  // namespace velmo::detail

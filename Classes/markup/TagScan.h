@@ -8,34 +8,40 @@
 //   searched ahead. A page may hold any number of opening tags without one, so each
 //   search remembers what it found: the whole scan stays linear in the page.
 //
+// The text is units, or bytes of UTF-8 that need not be decoded for this: all that ends or opens
+// anything is ASCII, and no sequence hides it. Only what asks for letters or white space outside
+// ASCII decodes the sequence at hand.
+//
 // Scans by the rules of WebRules are instances of their own, so that the others pay nothing for
 // them: what they do otherwise stands beside what they replace, and asks for its rule there.
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include <velmocore/markup/TagScanner.h>
 #include <velmocore/text/CharacterSets.h>
 
+#include "markup/ByteTag.h"
 #include "markup/MarkIndex.h"
 #include "markup/WebTags.h"
 #include "platform/Ascii.h"
-#include "text/Keyword.h"
+#include "text/ByteKeyword.h"
+#include "text/ByteScan.h"
 #include "text/PatternScan.h"
-#include "text/UnitScan.h"
 
 namespace velmo::detail {
 
 /// Searches one needle from positions that never go back, and remembers the last hit: as
 /// long as the next search begins in front of it, it is the answer again.
-template <class Find>
+template <class Unit, class Find>
 class ForwardSearch {
 public:
     explicit ForwardSearch(Find find) : find_(find) {}
 
     /// The first hit at or behind the position; null if there is none.
-    const char16_t* from(const char16_t* position) {
+    const Unit* from(const Unit* position) {
         // Without any hit there is none behind a later position either.
         if (!searched_ || (hit_ && hit_ < position)) {
             hit_ = find_(position);
@@ -46,7 +52,7 @@ public:
 
 private:
     Find find_;
-    const char16_t* hit_ = nullptr;
+    const Unit* hit_ = nullptr;
     bool searched_ = false;
 };
 
@@ -65,16 +71,35 @@ inline const char16_t* findText(const char16_t* from, const char16_t* to, std::s
     }
 }
 
+inline const char* findText(const char* from, const char* to, std::string_view needle) {
+    for (;; ++from) {
+        from = scan::findPair(from, to, needle[0], needle[1]);
+        if (from == to) return nullptr;
+        if (keyword::lengthAtStart({from, static_cast<std::size_t>(to - from)}, needle))
+            return from;
+    }
+}
+
+template <class Unit>
 struct TextFinder {
-    const char16_t* end;
+    const Unit* end;
     std::string_view needle;
-    const char16_t* operator()(const char16_t* from) const { return findText(from, end, needle); }
+    const Unit* operator()(const Unit* from) const { return findText(from, end, needle); }
 };
 
+/// Whether a text begins with the ASCII one, as it is.
+template <class Unit>
+bool beginsWithAscii(std::basic_string_view<Unit> text, std::string_view ascii) {
+    return text.size() >= ascii.size() &&
+           std::equal(ascii.begin(), ascii.end(), text.begin(),
+                      [](char a, Unit b) { return static_cast<Unit>(a) == b; });
+}
+
 /// Finds where the body of a script or a style element ends.
+template <class Unit>
 class RawElement {
 public:
-    RawElement(const char16_t* end, std::string_view name, std::string_view closing)
+    RawElement(const Unit* end, std::string_view name, std::string_view closing)
         : name_(name),
           closingLength_(closing.size()),
           end_(end),
@@ -82,28 +107,29 @@ public:
           commentEnd_({end, "-->"}),
           closingBehindComment_({end, closing}) {}
 
-    bool isNamed(std::u16string_view name) const { return keyword::equals(name, name_); }
+    bool isNamed(std::basic_string_view<Unit> name) const {
+        return keyword::isKeyword(name, name_);
+    }
 
     /// The place of the > that ends the element opened at a tag, end if there is a closing
     /// text and no > behind it, and null if there is no closing text.
-    const char16_t* endOf(const char16_t* tag) {
-        const char16_t* closing = closing_.from(tag + 1);
+    const Unit* endOf(const Unit* tag) {
+        const Unit* closing = closing_.from(tag + 1);
         if (!closing) return nullptr;
         // A body wrapped in a comment may hold the closing text in a string.
         // Only up to the closing text: a comment behind it is none of this element's.
-        if (const char16_t* comment = findText(tag, closing, "<!-"))
-            if (const char16_t* commentEnd = commentEnd_.from(comment))
-                if (const char16_t* behind = closingBehindComment_.from(commentEnd))
-                    closing = behind;
-        return scan::find(closing + closingLength_, end_, u'>');
+        if (const Unit* comment = findText(tag, closing, "<!-"))
+            if (const Unit* commentEnd = commentEnd_.from(comment))
+                if (const Unit* behind = closingBehindComment_.from(commentEnd)) closing = behind;
+        return scan::find(closing + closingLength_, end_, Unit('>'));
     }
 
 private:
-    using Search = ForwardSearch<TextFinder>;
+    using Search = ForwardSearch<Unit, TextFinder<Unit>>;
 
     std::string_view name_;
     std::size_t closingLength_;
-    const char16_t* end_;
+    const Unit* end_;
     Search closing_, commentEnd_, closingBehindComment_;
 };
 
@@ -118,11 +144,12 @@ enum class Markup : std::uint8_t { Page, Feed };
 
 /// Calls the handler, which is one of any type, for all tags of a text. ByWeb says whether the
 /// rules of pages of today count at all.
-template <class Handler, bool ByWeb = false>
+template <class Unit, class Handler, bool ByWeb = false>
 class TagScan {
+    using Text = std::basic_string_view<Unit>;
+
 public:
-    TagScan(std::u16string_view text, Handler& handler, const WebRules& web = {},
-            Markup markup = Markup::Page)
+    TagScan(Text text, Handler& handler, const WebRules& web = {}, Markup markup = Markup::Page)
         : handler_(handler),
           begin_(text.data()),
           end_(begin_ + text.size()),
@@ -137,13 +164,13 @@ public:
     }
 
     void run() {
-        const char16_t* at = begin_;
+        const Unit* at = begin_;
         while ((at = marks_.less(at)) != end_) {
             if (!beginsTag(at)) {
                 ++at;
                 continue;
             }
-            if constexpr (!ByWeb && requires { Handler::passesOver(at[1]); }) {
+            if constexpr (!ByWeb && requires { Handler::passesOver(u'/'); }) {
                 // Nothing but its end is asked of most tags.
                 if (end_ - at > 1 && Handler::passesOver(at[1])) {
                     at = endOfOpenTag(at + 1);
@@ -154,7 +181,7 @@ public:
                 }
             }
             start(at);
-            const char16_t* last = endOfTag(at);
+            const Unit* last = endOfTag(at);
             if (last == end_ && !isRawElement_) {
                 reportUnterminated();
                 break;
@@ -166,24 +193,26 @@ public:
     }
 
 private:
+    static constexpr bool IsBytes = sizeof(Unit) == 1;
+
     /// Whether the < there is more than a sign in the text.
-    bool beginsTag(const char16_t* at) const {
+    bool beginsTag(const Unit* at) const {
         if (!ByWeb || !web_.tagBounds) return true;
         if (end_ - at < 2) return false;
-        if (at[1] == u'/') return end_ - at > 2;
-        return ascii::isLetter(at[1]) || at[1] == u'!' || at[1] == u'?';
+        if (at[1] == '/') return end_ - at > 2;
+        return ascii::isLetter(at[1]) || at[1] == '!' || at[1] == '?';
     }
 
     /// Tells comments and declarations from tags.
-    void start(const char16_t* at) {
+    void start(const Unit* at) {
         tag_.tagLocation = static_cast<std::uint64_t>(at - begin_);
         tag_.kind = TagKind::Element;
         tag_.nameLocation = NotFound;
         tag_.nameLength = 0;
         isRawElement_ = false;
-        if (end_ - at > 2 && at[1] == u'!') {
-            if (at[2] == u'[') tag_.kind = TagKind::Declaration;
-            if (at[2] == u'-') tag_.kind = TagKind::Comment;
+        if (end_ - at > 2 && at[1] == '!') {
+            if (at[2] == '[') tag_.kind = TagKind::Declaration;
+            if (at[2] == '-') tag_.kind = TagKind::Comment;
         }
     }
 
@@ -191,7 +220,7 @@ private:
     bool isForeign() const { return foreign_.isInside(); }
 
     /// The place of the > that ends the tag; end if nothing does.
-    const char16_t* endOfTag(const char16_t* at) {
+    const Unit* endOfTag(const Unit* at) {
         if (ByWeb && web_.comments && isMarked(at)) return endOfMarked(at);
         switch (tag_.kind) {
             case TagKind::Comment:
@@ -204,64 +233,64 @@ private:
     }
 
     /// Whether it is a comment, a declaration, or what the standard takes for a comment.
-    bool isMarked(const char16_t* at) const {
-        return end_ - at > 1 && (at[1] == u'!' || at[1] == u'?' ||
-                                 (at[1] == u'/' && !(end_ - at > 2 && ascii::isLetter(at[2]))));
+    bool isMarked(const Unit* at) const {
+        return end_ - at > 1 && (at[1] == '!' || at[1] == '?' ||
+                                 (at[1] == '/' && !(end_ - at > 2 && ascii::isLetter(at[2]))));
     }
 
-    const char16_t* endOfMarked(const char16_t* at) {
-        const std::u16string_view text(at, static_cast<std::size_t>(end_ - at));
-        if (text.starts_with(u"<!--")) return endOfWebComment(at);
-        if (text.starts_with(u"<![CDATA[") && isForeign()) return endOfSection(at);
-        if (text.starts_with(u"<![")) return marks_.greater(at + 3);
-        const char16_t* last = marks_.greater(at + 2);
-        if (keyword::beginsWith(text, "<!DOCTYPE") || keyword::beginsWith(text, "<?XML"))
+    const Unit* endOfMarked(const Unit* at) {
+        const Text text(at, static_cast<std::size_t>(end_ - at));
+        if (beginsWithAscii(text, "<!--")) return endOfWebComment(at);
+        if (beginsWithAscii(text, "<![CDATA[") && isForeign()) return endOfSection(at);
+        if (beginsWithAscii(text, "<![")) return marks_.greater(at + 3);
+        const Unit* last = marks_.greater(at + 2);
+        if (keyword::lengthAtStart(text, "<!DOCTYPE") || keyword::lengthAtStart(text, "<?XML"))
             findName(at + 1, last);
         else
             tag_.kind = TagKind::Comment;
         return last;
     }
 
-    const char16_t* endOfWebComment(const char16_t* at) {
-        const char16_t* const text = at + 4;
+    const Unit* endOfWebComment(const Unit* at) {
+        const Unit* const text = at + 4;
         // The hyphens of --> may be those that open the comment, but not those of --!>.
         for (at = text; (at = marks_.greater(at)) != end_; ++at) {
-            if (at[-1] == u'-' && at[-2] == u'-') return at;
-            if (at - text > 2 && at[-1] == u'!' && at[-2] == u'-' && at[-3] == u'-') return at;
+            if (at[-1] == '-' && at[-2] == '-') return at;
+            if (at - text > 2 && at[-1] == '!' && at[-2] == '-' && at[-3] == '-') return at;
         }
         return end_;
     }
 
-    const char16_t* endOfSection(const char16_t* at) const {
-        constexpr std::u16string_view Opening = u"<![CDATA[";
-        for (at += Opening.size(); (at = scan::find(at, end_, u']')) != end_; ++at)
-            if (end_ - at > 2 && at[1] == u']' && at[2] == u'>') return at + 2;
+    const Unit* endOfSection(const Unit* at) const {
+        constexpr std::string_view Opening = "<![CDATA[";
+        for (at += Opening.size(); (at = scan::find(at, end_, Unit(']'))) != end_; ++at)
+            if (end_ - at > 2 && at[1] == ']' && at[2] == '>') return at + 2;
         return end_;
     }
 
-    const char16_t* endOfComment(const char16_t* at) {
+    const Unit* endOfComment(const Unit* at) {
         // What was opened with one hyphen closes with one.
-        const bool isShort = !(end_ - at > 3 && at[3] == u'-');
+        const bool isShort = !(end_ - at > 3 && at[3] == '-');
         for (at += 3; (at = marks_.greater(at)) != end_; ++at) {
-            if (isShort ? at[-1] == u'-'
-                        : (at[-1] == u'-' && at[-2] == u'-') ||
-                              (at[-1] == u'!' && at[-2] == u'-' && at[-3] == u'-'))
+            if (isShort ? at[-1] == '-'
+                        : (at[-1] == '-' && at[-2] == '-') ||
+                              (at[-1] == '!' && at[-2] == '-' && at[-3] == '-'))
                 return at;
         }
         return end_;
     }
 
     /// Looked for by its bracket: a CDATA section may hold a page, which is full of >.
-    const char16_t* endOfDeclaration(const char16_t* at) {
-        for (at += 3; (at = scan::find(at, end_, u']')) < end_; ++at) {
-            if (end_ - at > 1 && at[1] == u'>') return at + 1;
-            if (end_ - at > 3 && at[1] == u'-' && at[2] == u'-' && at[3] == u'>') return at + 3;
+    const Unit* endOfDeclaration(const Unit* at) {
+        for (at += 3; (at = scan::find(at, end_, Unit(']'))) < end_; ++at) {
+            if (end_ - at > 1 && at[1] == '>') return at + 1;
+            if (end_ - at > 3 && at[1] == '-' && at[2] == '-' && at[3] == '>') return at + 3;
         }
         return end_;
     }
 
-    const char16_t* endOfElement(const char16_t* at) {
-        const char16_t* last =
+    const Unit* endOfElement(const Unit* at) {
+        const Unit* last =
             ByWeb && web_.attributes ? endOfWebTag(nameWebTag(at)) : endOfOpenTag(at + 1);
         if (last == end_) return end_;
         if (tag_.nameLength == 0) findName(at + 1, last);
@@ -270,9 +299,9 @@ private:
         return endOfOwnBody(at, last);
     }
 
-    const char16_t* endOfOwnBody(const char16_t* at, const char16_t* last) {
-        if (RawElement* raw = rawElement(at, last)) {
-            if (const char16_t* rawEnd = raw->endOf(at)) {
+    const Unit* endOfOwnBody(const Unit* at, const Unit* last) {
+        if (RawElement<Unit>* raw = rawElement(at, last)) {
+            if (const Unit* rawEnd = raw->endOf(at)) {
                 isRawElement_ = true;
                 return rawEnd;
             }
@@ -280,36 +309,36 @@ private:
         return last;
     }
 
-    const char16_t* endOfOpenTag(const char16_t* at) {
+    const Unit* endOfOpenTag(const Unit* at) {
+        if (const Unit* last = marks_.endOfPlainTag(at)) return last;
         for (;;) {
             at = marks_.equalOrGreater(at);
-            if (at == end_ || *at == u'>') return at;
+            if (at == end_ || *at == '>') return at;
             // White space may stand between the = and its value, so the next quote mark opens one
             // too.
-            if (!(++at < end_ && (*at == u'"' || *at == u'\''))) at = marks_.quoteOrGreater(at);
-            if (at == end_ || *at == u'>') return at;
-            at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
+            if (!(++at < end_ && (*at == '"' || *at == '\''))) at = marks_.quoteOrGreater(at);
+            if (at == end_ || *at == '>') return at;
+            at = *at == '"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
             if (at == end_) return at;
             ++at;
         }
     }
 
     /// Names a tag before its end is known; gives the place behind the name.
-    const char16_t* nameWebTag(const char16_t* at) {
+    const Unit* nameWebTag(const Unit* at) {
         ++at;
-        if (at != end_ && *at == u'/') ++at;
+        if (at != end_ && *at == '/') ++at;
         if (at == end_ || !ascii::isLetter(*at)) return at;
-        const char16_t* const nameEnd = endOfName(at + 1, end_);
-        tag_.nameLocation = static_cast<std::uint64_t>(at - begin_);
-        tag_.nameLength = static_cast<std::uint64_t>(nameEnd - at);
+        const Unit* const nameEnd = endOfName(at + 1, end_);
+        setName(at, nameEnd);
         return nameEnd;
     }
 
     /// The end of a tag whose name ends there. A quote mark opens a value right behind its = only.
-    const char16_t* endOfWebTag(const char16_t* attributes) {
-        for (const char16_t* at = attributes;;) {
+    const Unit* endOfWebTag(const Unit* attributes) {
+        for (const Unit* at = attributes;;) {
             at = marks_.equalOrGreater(at);
-            if (at == end_ || *at == u'>') return at;
+            if (at == end_ || *at == '>') return at;
             if (!webTags::isAssignment(attributes, at++)) continue;
             at = webTags::skipWhite(at, end_);
             if (at == end_) return at;
@@ -317,7 +346,7 @@ private:
                 attributes = at = webTags::endOfPlainValue(at, end_);
                 continue;
             }
-            at = *at == u'"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
+            at = *at == '"' ? marks_.doubleQuote(at + 1) : marks_.singleQuote(at + 1);
             if (at == end_) return at;
             attributes = ++at;
         }
@@ -325,19 +354,19 @@ private:
 
     /// The end of the element if that is one tag with its text. Where the text of another ends is
     /// noted: there the scan goes on.
-    const char16_t* endOfWebElement(const char16_t* at, const char16_t* last) {
+    const Unit* endOfWebElement(const Unit* at, const Unit* last) {
         // Most tags are told by one look.
-        if (!foreign_.isOpen() && (at[1] == u'/' || !webTags::mayBeSpecial(tag_))) return last;
-        const bool isSingle = last[-1] == u'/' && (isForeign() || !web_.selfClosing);
-        if (last[-1] != u'/') foreign_.note(tag_, at[1] == u'/');
-        const webTags::RawElement* raw = at[1] == u'/' ? nullptr : webTags::rawElement(tag_);
+        if (!foreign_.isOpen() && (at[1] == '/' || !webTags::mayBeSpecial(tag_))) return last;
+        const bool isSingle = last[-1] == '/' && (isForeign() || !web_.selfClosing);
+        if (last[-1] != '/') foreign_.note(tag_, at[1] == '/');
+        const webTags::RawElement* raw = at[1] == '/' ? nullptr : webTags::rawElement(tag_);
         if (!raw || isSingle) return last;
         if (raw->isReportedWhole) {
             if (!web_.rawText) return endOfOwnBody(at, last);
             isRawElement_ = true;
-            const char16_t* const closing =
-                raw->name == "SCRIPT" ? webTags::findEndOfScript(last + 1, end_)
-                                      : webTags::findClosing(last + 1, end_, raw->closing);
+            const Unit* const closing = raw->name == "SCRIPT"
+                                            ? webTags::findEndOfScript(last + 1, end_)
+                                            : webTags::findClosing(last + 1, end_, raw->closing);
             if (closing == end_) return end_;
             return web_.attributes ? endOfWebTag(webTags::endOfName(closing, end_))
                                    : marks_.greater(closing);
@@ -347,48 +376,89 @@ private:
         return last;
     }
 
-    void findName(const char16_t* at, const char16_t* last) {
-        at += *at == u'/';
+    void findName(const Unit* at, const Unit* last) {
+        at += *at == '/';
+        std::size_t firstLength = 1;
         if (!ascii::isLetter(*at)) {
             // As of <?xml and <!DOCTYPE: the name begins with the first letter.
-            while (at < last && !alpha_.contains(*at)) ++at;
+            while (at < last && !isIn(alpha_, at, last, firstLength)) at += firstLength;
             if (at >= last) return;
         }
-        const char16_t* nameEnd = endOfName(at + 1, last);
-        tag_.nameLocation = static_cast<std::uint64_t>(at - begin_);
-        tag_.nameLength = static_cast<std::uint64_t>(nameEnd - at);
+        setName(at, endOfName(at + firstLength, last));
     }
 
-    const char16_t* endOfName(const char16_t* at, const char16_t* last) const {
+    void setName(const Unit* name, const Unit* end) {
+        tag_.nameLocation = static_cast<std::uint64_t>(name - begin_);
+        tag_.nameLength = static_cast<std::uint64_t>(end - name);
+        if constexpr (IsBytes) tag_.isNamePlain = isAscii(name, end);
+    }
+
+    bool isAscii(const char* name, const char* end) const {
+        // Most names are told by one look.
+        if (std::uint64_t units; end - name <= 8 && end_ - name >= 8) {
+            std::memcpy(&units, name, 8);
+            return !(units & 0x8080808080808080 & ~std::uint64_t{0} >> (64 - 8 * (end - name)));
+        }
+        return scan::findNonAscii(name, end) == end;
+    }
+
+    /// Whether a set has the unit there, of which the length is given too.
+    static bool isIn(const CharacterSetRep& set, const char16_t* at, const char16_t*,
+                     std::size_t& length) {
+        length = 1;
+        return set.contains(*at);
+    }
+    static bool isIn(const CharacterSetRep& set, const char* at, const char* end,
+                     std::size_t& length) {
+        const FirstOfUtf8 first = firstOfUtf8({at, static_cast<std::size_t>(end - at)});
+        length = first.length;
+        return set.contains(first.unit);
+    }
+
+    const Unit* endOfName(const Unit* at, const Unit* last) const {
 #if defined(__SSE2__)
         // Most names end within eight units. What is not plain ASCII, or a slash or a > in a
         // quoted value, ends this search, and the loop below tells what it is.
-        if (end_ - at >= scan::BlockUnits) {
-            const __m128i block = scan::loadBlock(at);
-            const __m128i ends =
-                _mm_or_si128(scan::equalTo(block, u'/'), scan::equalTo(block, u'>'));
-            const int plain =
-                _mm_movemask_epi8(_mm_andnot_si128(ends, scan::inRange(block, 0x21, 0x7F)));
-            at = std::min(at + scan::firstOf(~plain), last);
-            if (at == last || *at == u' ') return at;
+        if (end_ - at >= NameBlock) {
+            at = std::min(at + plainUnits(scan::loadBlock(at), Unit()), last);
+            if (at == last || *at == ' ') return at;
         }
 #endif
-        while (at < last && *at != u'/' && *at != u'>' && !white_.contains(*at)) ++at;
+        for (std::size_t length; at < last && *at != '/' && *at != '>'; at += length)
+            if (isIn(white_, at, last, length)) break;
         return at;
     }
 
+#if defined(__SSE2__)
+    static constexpr std::ptrdiff_t NameBlock = sizeof(__m128i) / sizeof(Unit);
+
+    /// How many units of ASCII at the start of a block neither are white nor end a name.
+    static int plainUnits(__m128i block, char16_t) {
+        const __m128i ends = _mm_or_si128(scan::equalTo(block, u'/'), scan::equalTo(block, u'>'));
+        const int plain =
+            _mm_movemask_epi8(_mm_andnot_si128(ends, scan::inRange(block, 0x21, 0x7F)));
+        return scan::firstOf(~plain);
+    }
+    static int plainUnits(__m128i block, char) {
+        const __m128i ends = _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8('/')),
+                                          _mm_cmpeq_epi8(block, _mm_set1_epi8('>')));
+        // Bytes outside ASCII are below 0.
+        const __m128i plain = _mm_andnot_si128(ends, _mm_cmpgt_epi8(block, _mm_set1_epi8(' ')));
+        return scan::firstByteOf(~_mm_movemask_epi8(plain));
+    }
+#endif
+
     /// The element whose body is to be swallowed, if this tag opens one.
-    RawElement* rawElement(const char16_t* at, const char16_t* last) {
-        RawElement* raw = tag_.nameLength == 6   ? &script_
-                          : tag_.nameLength == 5 ? &style_
-                                                 : nullptr;
-        if (!raw || at[1] == u'/' || !raw->isNamed(tag_.name())) return nullptr;
-        if (last[-1] == u'/' && (!ByWeb || !web_.selfClosing || isForeign())) return nullptr;
+    RawElement<Unit>* rawElement(const Unit* at, const Unit* last) {
+        const std::size_t nameLength = lengthOfName(tag_);
+        RawElement<Unit>* raw = nameLength == 6 ? &script_ : nameLength == 5 ? &style_ : nullptr;
+        if (!raw || at[1] == '/' || !raw->isNamed(tag_.name())) return nullptr;
+        if (last[-1] == '/' && (!ByWeb || !web_.selfClosing || isForeign())) return nullptr;
         return raw;
     }
 
     /// Calls the handler for a tag that ends before the position.
-    bool report(const char16_t* behind) {
+    bool report(const Unit* behind) {
         if constexpr (ByWeb) behind = std::min(behind, end_);
         tag_.tagLength = static_cast<std::uint64_t>(behind - begin_) - tag_.tagLocation;
         if (handler_(tag_)) return true;
@@ -419,30 +489,40 @@ private:
     }
 
     Handler& handler_;
-    const char16_t* begin_;
-    const char16_t* end_;
-    MarkIndex marks_;
-    RawElement script_, style_;
+    const Unit* begin_;
+    const Unit* end_;
+    MarkIndex<Unit> marks_;
+    RawElement<Unit> script_, style_;
     bool isRawElement_ = false;
     const WebRules web_;
     webTags::ForeignElements foreign_;
-    const char16_t* behindText_;  ///< of the last element that holds text only
-    Tag tag_;
+    const Unit* behindText_;  ///< of the last element that holds text only
+    TagOf<Unit> tag_;
     const CharacterSetRep& alpha_ = alphaCharacterSetRep();
     const CharacterSetRep& white_ = whiteCharacterSetRep();
 };
 
-/// Scans a text by the rules that are on.
-template <class Handler>
-void scanTags(std::u16string_view text, Handler& handler, WebRules web,
-              Markup markup = Markup::Page) {
+/// Scans a text of units or bytes by the rules that are on.
+template <class Unit, class Handler>
+void scanTagsOf(std::basic_string_view<Unit> text, Handler& handler, WebRules web, Markup markup) {
     if (text.empty()) return;
     // A slash closes any element of a feed.
     if (markup == Markup::Feed) web.selfClosing = false;
     if (changesScans(web))
-        TagScan<Handler, true>(text, handler, web, markup).run();
+        TagScan<Unit, Handler, true>(text, handler, web, markup).run();
     else
-        TagScan<Handler>(text, handler, web).run();
+        TagScan<Unit, Handler>(text, handler, web).run();
+}
+template <class Handler>
+void scanTags(std::u16string_view text, Handler& handler, const WebRules& web,
+              Markup markup = Markup::Page) {
+    scanTagsOf(text, handler, web, markup);
+}
+/// Of UTF-8, without a byte-order mark: the handler takes tags of bytes.
+template <class Handler>
+void scanTags(std::string_view text, Handler& handler, const WebRules& web,
+              Markup markup = Markup::Page) {
+    scanTagsOf(text, handler, web, markup);
 }
 
 }  // namespace velmo::detail

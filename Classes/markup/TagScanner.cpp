@@ -40,6 +40,10 @@ bool GetTagsOfString(std::u16string_view string, TagHandler handler, const WebRu
     return !string.empty();
 }
 
+void detail::getTagsOfBytes(std::string_view utf8, ByteTagHandler handler, const WebRules& web) {
+    scanTags(utf8, handler, web);
+}
+
 bool parseXmlWithHandler(std::u16string_view string, TagHandler handler, const WebRules& web) {
     try {
         return GetTagsOfString(string, handler, web);

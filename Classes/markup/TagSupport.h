@@ -14,7 +14,10 @@
 namespace velmo::detail {
 
 /// Whether the tag opens an element: at least three units, and no / behind the <.
-inline bool isOpening(const Tag& tag) { return tag.tagLength >= 3 && !tag.isClosing(); }
+template <class AnyTag>
+bool isOpening(const AnyTag& tag) {
+    return tag.tagLength >= 3 && !tag.isClosing();
+}
 
 /// Whether the tag ends in "/>", where that closes an element.
 inline bool isSelfClosing(const Tag& tag) {
@@ -29,14 +32,17 @@ inline bool endsElement(const Tag& tag) {
 }
 
 /// The opening tag of an element that is reported with its body; any other tag is all of it.
-inline std::u16string_view openingTagOf(const Tag& tag) {
-    const std::u16string_view element = tag.whole();
+template <class AnyTag>
+auto openingTagOf(const AnyTag& tag) {
+    const auto element = tag.whole();
     if (tag.web.attributes) return webTags::openingTagOf(element);
+    const auto isQuoteOrEnd = [](auto unit) { return unit == '>' || webTags::isQuote(unit); };
     for (std::size_t i = 1; i < element.size(); ++i) {
-        if (element[i] == u'>') return element.substr(0, i + 1);
-        if (element[i] != u'=') continue;
-        i = std::min(element.find_first_of(u"\"'>", i), element.size() - 1);
-        if (element[i] == u'>') return element.substr(0, i + 1);
+        if (element[i] == '>') return element.substr(0, i + 1);
+        if (element[i] != '=') continue;
+        while (i < element.size() && !isQuoteOrEnd(element[i])) ++i;
+        i = std::min(i, element.size() - 1);
+        if (element[i] == '>') return element.substr(0, i + 1);
         i = std::min(element.find(element[i], i + 1), element.size());
     }
     return element;
@@ -54,8 +60,16 @@ inline std::u16string_view attributeOf(std::u16string_view tag, std::string_view
     const Range range = rangeOfAttributeOfTagCharacters(tag, name, web);
     return range.isFound() ? tag.substr(range.location, range.length) : std::u16string_view();
 }
+
+/// The same of a tag that stands in its page, which is faster.
+Range rangeOfAttribute(const Tag& tag, std::string_view name);
 inline std::u16string_view attributeOf(const Tag& tag, std::string_view name) {
-    return attributeOf(tag.whole(), name, tag.web);
+    const Range range = rangeOfAttribute(tag, name);
+    return range.isFound() ? tag.whole().substr(range.location, range.length)
+                           : std::u16string_view();
 }
+
+/// Where the value stands in a tag of bytes that is ASCII.
+Range rangeOfAttributeOfAscii(const ByteTag& tag, std::string_view name);
 
 }  // namespace velmo::detail

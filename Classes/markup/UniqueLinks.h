@@ -16,6 +16,8 @@ public:
 
     /// Appends the link unless it is in the list, and gives its place there.
     std::size_t add(std::u16string_view link);
+    /// The same of a link that is ASCII.
+    std::size_t add(std::string_view link);
 
 private:
     struct Slot {
@@ -24,7 +26,10 @@ private:
     };
 
     /// The slot that holds the link, or the free one where it belongs.
-    Slot& slotFor(std::uint64_t hash, std::u16string_view link);
+    template <class Link>
+    Slot& slotFor(std::uint64_t hash, Link link);
+    template <class Link>
+    std::size_t addLink(Link link);
     void grow();
 
     std::vector<String>& links_;

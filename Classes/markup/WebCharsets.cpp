@@ -6,8 +6,9 @@
 #include "markup/CharsetLabelTables.h"
 #include "markup/HeadPrescan.h"
 #include "platform/Ascii.h"
-#include "platform/Converter.h"
 #include "platform/EncodingNumbers.h"
+#include "platform/Utf8.h"
+#include "text/ByteScan.h"
 
 namespace velmo {
 namespace {
@@ -25,9 +26,8 @@ constexpr Mark WideXML[] = {{{"\0<\0?\0x", 6}, UTF16BE}, {{"<\0?\0x\0", 6}, UTF1
 
 /// Whether the bytes are UTF-8 and say so by some that are not ASCII.
 bool isPlainlyUTF8(Bytes page) {
-    const auto isAscii = [](std::uint8_t byte) { return byte < 0x80; };
-    if (std::all_of(page.begin(), page.end(), isAscii)) return false;
-    return !detail::decodedString(UTF8TextEncoding, page, detail::Decode::Strict).isAbsent();
+    const std::string_view bytes = charsOf(page);
+    return !detail::scan::isAscii(bytes) && detail::isValidUtf8(bytes);
 }
 
 /// A page whose head could be read byte by byte is not in UTF-16, whatever it says.

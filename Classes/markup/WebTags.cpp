@@ -5,8 +5,8 @@
 #include <iterator>
 
 #include "markup/TagName.h"
+#include "text/ByteScan.h"
 #include "text/Keyword.h"
-#include "text/UnitScan.h"
 
 namespace velmo::detail::webTags {
 namespace {
@@ -44,21 +44,84 @@ bool beginsTag(const char16_t* at, const char16_t* end, std::string_view tag) {
     return end - at > length && endsName(at[length]) &&
            keyword::beginsWith({at, static_cast<std::size_t>(length)}, tag);
 }
+bool beginsTag(const char* at, const char* end, std::string_view tag) {
+    const std::size_t length =
+        keyword::lengthAtStart({at, static_cast<std::size_t>(end - at)}, tag);
+    return length > 0 && at + length < end && endsName(at[length]);
+}
 
-bool closesComment(const char16_t* greater) { return greater[-1] == u'-' && greater[-2] == u'-'; }
+template <class Unit>
+bool closesComment(const Unit* greater) {
+    return greater[-1] == '-' && greater[-2] == '-';
+}
 
-}  // namespace
-
-const RawElement* rawElement(const Tag& tag) {
+template <class AnyTag>
+const RawElement* rawElementOf(const AnyTag& tag) {
     // Most tags have other lengths.
-    if (tag.nameLength != 3 && (tag.nameLength < 5 || tag.nameLength > 9)) return nullptr;
-    const std::u16string_view name = tag.name();
+    const std::size_t length = lengthOfName(tag);
+    if (length != 3 && (length < 5 || length > 9)) return nullptr;
     for (const RawElement& row : RawElements)
-        if (row.name.size() == name.size() && keyword::equals(name, row.name)) return &row;
+        if (row.name.size() == length && keyword::isKeyword(tag.name(), row.name)) return &row;
     return nullptr;
 }
 
-void ForeignElements::change(const Tag& tag, bool isClosing) {
+template <class Unit>
+const Unit* findClosingIn(const Unit* at, const Unit* end, std::string_view closing) {
+    if (closing.empty()) return end;
+    for (; (at = scan::find(at, end, Unit('<'))) != end; ++at)
+        if (beginsTag(at, end, closing)) return at;
+    return end;
+}
+
+template <class Unit>
+const Unit* findEndOfScriptIn(const Unit* at, const Unit* end) {
+    enum { Plain, InComment, InScriptOfComment } state = Plain;
+    constexpr std::ptrdiff_t Opening = 4;  // units of <!--
+    const Unit* comment = at;
+    for (; (at = scan::findEither(at, end, Unit('<'), Unit('>'))) != end; ++at) {
+        if (*at == '>') {
+            // The hyphens may be those that open the comment.
+            if (state != Plain && at - comment >= Opening && closesComment(at)) state = Plain;
+        } else if (beginsTag(at, end, "</SCRIPT")) {
+            if (state != InScriptOfComment) return at;
+            state = InComment;
+        } else if (state == Plain && end - at >= Opening && at[1] == '!' && at[2] == '-' &&
+                   at[3] == '-') {
+            state = InComment;
+            comment = at;
+        } else if (state == InComment && beginsTag(at, end, "<SCRIPT")) {
+            state = InScriptOfComment;
+        }
+    }
+    return end;
+}
+
+// What the scan does by its index of marks.
+template <class Unit>
+std::basic_string_view<Unit> openingTagIn(std::basic_string_view<Unit> element) {
+    const Unit* const begin = element.data();
+    const Unit* const end = begin + element.size();
+    const Unit* attributes = element.empty() ? end : endOfName(begin, end);
+    for (const Unit* at = attributes;
+         (at = scan::findEither(at, end, Unit('='), Unit('>'))) != end;) {
+        if (*at == '>') return element.substr(0, static_cast<std::size_t>(at - begin) + 1);
+        if (!isAssignment(attributes, at++)) continue;
+        at = skipWhite(at, end);
+        if (at == end) break;
+        at = isQuote(*at) ? scan::find(at + 1, end, *at) : endOfPlainValue(at, end);
+        if (at == end) break;
+        attributes = at += isQuote(*at);
+    }
+    return element;
+}
+
+}  // namespace
+
+const RawElement* rawElement(const Tag& tag) { return rawElementOf(tag); }
+const RawElement* rawElement(const ByteTag& tag) { return rawElementOf(tag); }
+
+template <class AnyTag>
+void ForeignElements::changeBy(const AnyTag& tag, bool isClosing) {
     const bool isRoot = tag.isNamed("SVG") || tag.isNamed("MATH");
     const bool holdsHTML = tag.isNamed("FOREIGNOBJECT") || tag.isNamed("DESC");
     if (isRoot && !isClosing) {
@@ -78,6 +141,9 @@ void ForeignElements::change(const Tag& tag, bool isClosing) {
     }
 }
 
+void ForeignElements::change(const Tag& tag, bool isClosing) { changeBy(tag, isClosing); }
+void ForeignElements::change(const ByteTag& tag, bool isClosing) { changeBy(tag, isClosing); }
+
 bool isVoidElement(const Tag& tag) {
     static constexpr std::string_view Names[] = {"AREA",  "BASE",   "BR",    "COL",  "EMBED",
                                                  "HR",    "IMG",    "INPUT", "LINK", "META",
@@ -85,50 +151,19 @@ bool isVoidElement(const Tag& tag) {
     return std::ranges::any_of(Names, [&](std::string_view name) { return tag.isNamed(name); });
 }
 
-// What the scan does by its index of marks.
-std::u16string_view openingTagOf(std::u16string_view element) {
-    const char16_t* const begin = element.data();
-    const char16_t* const end = begin + element.size();
-    const char16_t* attributes = element.empty() ? end : endOfName(begin, end);
-    for (const char16_t* at = attributes; (at = scan::findEither(at, end, u'=', u'>')) != end;) {
-        if (*at == u'>') return element.substr(0, static_cast<std::size_t>(at - begin) + 1);
-        if (!isAssignment(attributes, at++)) continue;
-        at = skipWhite(at, end);
-        if (at == end) break;
-        at = isQuote(*at) ? scan::find(at + 1, end, *at) : endOfPlainValue(at, end);
-        if (at == end) break;
-        attributes = at += isQuote(*at);
-    }
-    return element;
-}
+std::u16string_view openingTagOf(std::u16string_view element) { return openingTagIn(element); }
+std::string_view openingTagOf(std::string_view element) { return openingTagIn(element); }
 
 const char16_t* findClosing(const char16_t* at, const char16_t* end, std::string_view closing) {
-    if (closing.empty()) return end;
-    for (; (at = scan::find(at, end, u'<')) != end; ++at)
-        if (beginsTag(at, end, closing)) return at;
-    return end;
+    return findClosingIn(at, end, closing);
+}
+const char* findClosing(const char* at, const char* end, std::string_view closing) {
+    return findClosingIn(at, end, closing);
 }
 
 const char16_t* findEndOfScript(const char16_t* at, const char16_t* end) {
-    enum { Plain, InComment, InScriptOfComment } state = Plain;
-    constexpr std::ptrdiff_t Opening = 4;  // units of <!--
-    const char16_t* comment = at;
-    for (; (at = scan::findEither(at, end, u'<', u'>')) != end; ++at) {
-        if (*at == u'>') {
-            // The hyphens may be those that open the comment.
-            if (state != Plain && at - comment >= Opening && closesComment(at)) state = Plain;
-        } else if (beginsTag(at, end, "</SCRIPT")) {
-            if (state != InScriptOfComment) return at;
-            state = InComment;
-        } else if (state == Plain && end - at >= Opening && at[1] == u'!' && at[2] == u'-' &&
-                   at[3] == u'-') {
-            state = InComment;
-            comment = at;
-        } else if (state == InComment && beginsTag(at, end, "<SCRIPT")) {
-            state = InScriptOfComment;
-        }
-    }
-    return end;
+    return findEndOfScriptIn(at, end);
 }
+const char* findEndOfScript(const char* at, const char* end) { return findEndOfScriptIn(at, end); }
 
 }  // namespace velmo::detail::webTags

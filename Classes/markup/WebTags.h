@@ -9,6 +9,7 @@
 
 #include <velmocore/markup/TagScanner.h>
 
+#include "markup/ByteTag.h"
 #include "platform/Ascii.h"
 
 namespace velmo::detail::webTags {
@@ -20,31 +21,35 @@ constexpr bool isWhite(char16_t unit) {
 constexpr bool endsName(char16_t unit) { return unit == u'>' || unit == u'/' || isWhite(unit); }
 constexpr bool isQuote(char16_t unit) { return unit == u'"' || unit == u'\''; }
 
-inline const char16_t* skipWhite(const char16_t* at, const char16_t* end) {
+template <class Unit>
+const Unit* skipWhite(const Unit* at, const Unit* end) {
     while (at < end && isWhite(*at)) ++at;
     return at;
 }
 
 /// The end of the name that begins behind the < or </ of a tag; where none does, that place.
-inline const char16_t* endOfName(const char16_t* tag, const char16_t* end) {
-    const char16_t* at = tag + 1;
-    if (at < end && *at == u'/') ++at;
+template <class Unit>
+const Unit* endOfName(const Unit* tag, const Unit* end) {
+    const Unit* at = tag + 1;
+    if (at < end && *at == '/') ++at;
     if (at == end || !ascii::isLetter(*at)) return at;
     while (at < end && !endsName(*at)) ++at;
     return at;
 }
 
 /// The end of a value without quotes, in which quotes, = and / are units like all others.
-inline const char16_t* endOfPlainValue(const char16_t* at, const char16_t* end) {
-    while (at < end && *at != u'>' && !isWhite(*at)) ++at;
+template <class Unit>
+const Unit* endOfPlainValue(const Unit* at, const Unit* end) {
+    while (at < end && *at != '>' && !isWhite(*at)) ++at;
     return at;
 }
 
 /// Whether an = belongs to an attribute, of those that begin at a place: else it is the first unit
 /// of a name itself.
-inline bool isAssignment(const char16_t* attributes, const char16_t* equal) {
+template <class Unit>
+bool isAssignment(const Unit* attributes, const Unit* equal) {
     while (equal > attributes && isWhite(equal[-1])) --equal;
-    return equal > attributes && equal[-1] != u'/';
+    return equal > attributes && equal[-1] != '/';
 }
 
 /// An element that holds text and no tags.
@@ -54,7 +59,8 @@ struct RawElement {
 };
 
 /// Whether a tag begins as those do that hold text only, or other elements than those of HTML.
-inline bool mayBeSpecial(const Tag& tag) {
+template <class AnyTag>
+bool mayBeSpecial(const AnyTag& tag) {
     constexpr std::uint32_t Letters = 1u << ('i' - 'a') | 1u << ('m' - 'a') | 1u << ('n' - 'a') |
                                       1u << ('p' - 'a') | 1u << ('s' - 'a') | 1u << ('t' - 'a') |
                                       1u << ('x' - 'a');
@@ -65,6 +71,7 @@ inline bool mayBeSpecial(const Tag& tag) {
 
 /// Null for a tag of any other name.
 VELMO_API const RawElement* rawElement(const Tag& tag);
+VELMO_API const RawElement* rawElement(const ByteTag& tag);
 
 /// Tells whether tags stand in images or formulas, the elements of which are not those of HTML.
 class ForeignElements {
@@ -77,12 +84,16 @@ public:
     bool isOpen() const { return depth_ > 0; }
 
     /// Takes notice of a tag that does not close itself.
-    void note(const Tag& tag, bool isClosing) {
+    template <class AnyTag>
+    void note(const AnyTag& tag, bool isClosing) {
         if (depth_ > 0 || tag.isNamed("SVG") || tag.isNamed("MATH")) change(tag, isClosing);
     }
 
 private:
     VELMO_API void change(const Tag& tag, bool isClosing);
+    VELMO_API void change(const ByteTag& tag, bool isClosing);
+    template <class AnyTag>
+    void changeBy(const AnyTag& tag, bool isClosing);
 
     const bool always_;
     std::size_t depth_ = 0;     ///< of images and formulas
@@ -94,13 +105,16 @@ bool isVoidElement(const Tag& tag);
 
 /// The opening tag that a text begins with; all of it if it does not end.
 std::u16string_view openingTagOf(std::u16string_view element);
+std::string_view openingTagOf(std::string_view element);
 
 /// Where the closing tag of an element begins, whose name in capitals is given with its </; the end
 /// if there is none.
 VELMO_API const char16_t* findClosing(const char16_t* at, const char16_t* end,
                                       std::string_view closing);
+VELMO_API const char* findClosing(const char* at, const char* end, std::string_view closing);
 
 /// The same for a script. In a comment a script within it must be closed first.
 VELMO_API const char16_t* findEndOfScript(const char16_t* at, const char16_t* end);
+VELMO_API const char* findEndOfScript(const char* at, const char* end);
 
 }  // namespace velmo::detail::webTags

@@ -9,7 +9,9 @@
 #include <cstring>
 #include <string>
 
+#include "platform/AsciiRun.h"
 #include "platform/EncodingTables.h"
+#include "platform/EscapedPairs.h"
 #include "platform/IcuConverter.h"
 #include "platform/PairDecoder.h"
 #include "platform/RowCache.h"
@@ -34,8 +36,12 @@ struct ByteTable : std::array<char16_t, 256> {
             const Decoding one = decodeWithIcu(row, {&byte, 1}, {&unit, 1});
             if (one.written == 0) unit = ReplacementUnit;
         }
-        for (const ByteUnit& own : row.own) (*this)[own.byte] = own.unit;
+        for (const ByteUnit& own : row.own) {
+            (*this)[own.byte] = own.unit;
+            keepsAscii &= own.byte >= 0x80;
+        }
     }
+    bool keepsAscii = true;  ///< whether all bytes of ASCII are that
 };
 
 const ByteTable& byteTable(const EncodingRow& row) {
@@ -46,7 +52,17 @@ const ByteTable& byteTable(const EncodingRow& row) {
 Decoding decodeSingleBytes(const EncodingRow& row, Bytes bytes, Units out) {
     const ByteTable& table = byteTable(row);
     const std::size_t count = std::min(bytes.size(), out.size());
-    for (std::size_t i = 0; i < count; ++i) out[i] = table[bytes[i]];
+    const std::uint8_t* in = bytes.data();
+    const std::uint8_t* const end = in + count;
+    for (char16_t* to = out.data(); in < end;) {
+        if (table.keepsAscii && asciiAhead(in, end)) {
+            widenAscii(in, end, to);
+            continue;
+        }
+        // Other letters come in words, between which ASCII is not worth a look.
+        const std::uint8_t* const stop = in + std::min<std::ptrdiff_t>(end - in, 16);
+        while (in < stop) *to++ = table[*in++];
+    }
     return {count, count == bytes.size()};
 }
 
@@ -208,6 +224,8 @@ Decoding decodeRow(const EncodingRow& row, Bytes bytes, Units out, bool strict) 
         case EncodingKind::DoubleByte:
             return decodePairs(row, bytes, out);
         case EncodingKind::Streamed:
+            if (hasEscapedPairs(row))
+                if (const auto result = decodeEscapedPairs(row, bytes, out)) return *result;
             return decodeWithIcu(row, bytes, out);
         case EncodingKind::UTF16:
             return decodeMarkedUtf16(bytes, out);

@@ -60,15 +60,6 @@ inline void decodeSequence(const Byte*& in, const Byte* end, char16_t*& out) {
     *out++ = Replacement;
 }
 
-/// The next four bytes, the first in the low byte. Four must be left.
-inline std::uint32_t nextFour(const Byte* in) {
-    return in[0] | std::uint32_t(in[1]) << 8 | std::uint32_t(in[2]) << 16 |
-           std::uint32_t(in[3]) << 24;
-}
-
-/// The second condition keeps out the overlong forms C0 and C1.
-bool isPair(std::uint32_t four) { return (four & 0xC0E0) == 0x80C0 && (four & 0x1E) != 0; }
-bool isTriple(std::uint32_t four) { return (four & 0xC0C0F0) == 0x8080E0; }
 bool isOverlongOrSurrogate(std::uint32_t unit) { return unit < 0x800 || isSurrogate(unit); }
 
 /// The slow gear: decodes sequences and stray ASCII, with one look at four bytes for the
@@ -80,22 +71,21 @@ inline void decodeMixed(const Byte*& in, const Byte* end, char16_t*& out) {
             if ((four & 0x80808080) == 0) return;
             *out++ = static_cast<char16_t>(four & 0x7F);
             ++in;
-        } else if (isTriple(four)) {
+        } else if (isUtf8Triple(four)) {
             do {
-                const std::uint32_t unit =
-                    (four & 0x0F) << 12 | (four >> 2 & 0xFC0) | (four >> 16 & 0x3F);
+                const char16_t unit = unitOfUtf8Triple(four);
                 if (isOverlongOrSurrogate(unit)) {
                     decodeSequence(in, end, out);
                     break;
                 }
-                *out++ = static_cast<char16_t>(unit);
+                *out++ = unit;
                 in += 3;
-            } while (end - in >= 4 && isTriple(four = nextFour(in)));
-        } else if (isPair(four)) {
+            } while (end - in >= 4 && isUtf8Triple(four = nextFour(in)));
+        } else if (isUtf8Pair(four)) {
             do {
-                *out++ = static_cast<char16_t>((four & 0x1F) << 6 | (four >> 8 & 0x3F));
+                *out++ = unitOfUtf8Pair(four);
                 in += 2;
-            } while (end - in >= 4 && isPair(four = nextFour(in)));
+            } while (end - in >= 4 && isUtf8Pair(four = nextFour(in)));
         } else {
             decodeSequence(in, end, out);
         }
@@ -135,6 +125,31 @@ std::size_t decodeUtf8(std::string_view bytes, char16_t* const out) noexcept {
     char16_t* write = out;
     canDecodeUtf8Blocks() ? decodeBlocks(in, end, write) : decodeInGears(in, end, write);
     return static_cast<std::size_t>(write - out);
+}
+
+FirstOfUtf8 firstOfUtf8(std::string_view bytes) noexcept {
+    const Byte* const begin = reinterpret_cast<const Byte*>(bytes.data());
+    if (*begin < 0x80) return {*begin, 1};
+    const Byte* in = begin;
+    char16_t units[2];
+    char16_t* out = units;
+    decodeSequence(in, begin + bytes.size(), out);
+    return {units[0], static_cast<std::size_t>(in - begin)};
+}
+
+bool isValidUtf8(std::string_view bytes) noexcept {
+    const Byte* in = reinterpret_cast<const Byte*>(bytes.data());
+    const Byte* const end = in + bytes.size();
+    while (in < end) {
+        while (asciiAhead(in, end)) in += 8;
+        if (in == end) break;
+        const std::string_view left(reinterpret_cast<const char*>(in),
+                                    static_cast<std::size_t>(end - in));
+        const FirstOfUtf8 first = firstOfUtf8(left);
+        if (first.unit == Replacement && !left.starts_with("\xEF\xBF\xBD")) return false;
+        in += first.length;
+    }
+    return true;
 }
 
 std::size_t encodeUtf8(std::u16string_view units, char* const out) noexcept {

@@ -1,6 +1,5 @@
-// Runs of white units made one replacement unit: the one collapsing routine, which is the
-// innermost loop of the plain-text conversion too. The members of a run are a predicate; it
-// may hold any units but those of the plain stretches told below.
+// Runs of white units made one replacement unit: the one collapsing routine. The members of a run
+// are a predicate; it may hold any units but those of the plain stretches told below.
 #pragma once
 
 #include <algorithm>
@@ -25,12 +24,9 @@ namespace velmo::detail {
 
 /// How many units at the start of a block stay as they are for sure: those that are plain,
 /// and each blank in front of a plain unit where blanks stay. next is the block one unit on.
-/// The unit to stop at, if there is one, does not stay.
-template <char16_t Stop = 0>
 [[gnu::always_inline]] inline std::ptrdiff_t settledUnits(__m128i block, __m128i next,
                                                           bool blanksStay) {
-    __m128i plain = inPlainStretch(block);
-    if constexpr (Stop) plain = _mm_andnot_si128(scan::equalTo(block, Stop), plain);
+    const __m128i plain = inPlainStretch(block);
     if (!blanksStay) return scan::firstOf(~_mm_movemask_epi8(plain));
     const __m128i single = _mm_and_si128(scan::equalTo(block, u' '), inPlainStretch(next));
     return scan::firstOf(~_mm_movemask_epi8(_mm_or_si128(single, plain)));
@@ -45,9 +41,8 @@ bool blanksStay(const Member& member, char16_t replacement) {
 }
 
 /// Copies [from, to) to out with every run of members made one replacement, and gives the
-/// end of what was written; null as soon as a unit outside the runs equals the one to stop
-/// at, if there is one. out needs as much room and must not overlap the text.
-template <char16_t Stop = 0, class Member>
+/// end of what was written. out needs as much room and must not overlap the text.
+template <class Member>
 char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out,
                          const Member& member, char16_t replacement) {
     // What was copied unit for unit since here stands in the output as it does in the text.
@@ -57,15 +52,14 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
     while (from < to) {
 #if defined(__SSE2__)
         if (isWide && to - from >= WideUnits) {
-            const std::ptrdiff_t settled = settleWide(from, to, out, Stop, blanks);
+            const std::ptrdiff_t settled = settleWide(from, to, out, 0, blanks);
             from += settled;
             out += settled;
             if (from == to) break;
         }
         while (to - from > scan::BlockUnits && !(isWide && to - from >= WideUnits)) {
             const __m128i block = scan::loadBlock(from);
-            const std::ptrdiff_t settled =
-                settledUnits<Stop>(block, scan::loadBlock(from + 1), blanks);
+            const std::ptrdiff_t settled = settledUnits(block, scan::loadBlock(from + 1), blanks);
             _mm_storeu_si128(reinterpret_cast<__m128i*>(out), block);
             // The constant step lets the next block be loaded before this one is judged.
             if (settled == scan::BlockUnits) {
@@ -83,7 +77,7 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
             const std::ptrdiff_t back = scan::BlockUnits - (to - from);
             const __m128i block = scan::loadBlock(from - back);
             const std::ptrdiff_t settled =
-                settledUnits<Stop>(block, _mm_srli_si128(block, 2), blanks) - back;
+                settledUnits(block, _mm_srli_si128(block, 2), blanks) - back;
             if (settled > 0) {
                 _mm_storeu_si128(reinterpret_cast<__m128i*>(out - back), block);
                 from += settled;
@@ -93,7 +87,6 @@ char16_t* copyCollapsing(const char16_t* from, const char16_t* to, char16_t* out
         }
 #endif
         if (!member(*from)) {
-            if (Stop && *from == Stop) return nullptr;
             *out++ = *from++;
             continue;
         }
@@ -130,10 +123,9 @@ const char16_t* firstToCollapse(const char16_t* from, const char16_t* to, const 
 }
 
 /// White units to blanks.
-template <char16_t Stop = 0>
-char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
-                              const CharacterSetRep& white) {
-    return copyCollapsing<Stop>(from, to, out, WhiteMember{white}, u' ');
+inline char16_t* copyCollapsingWhite(const char16_t* from, const char16_t* to, char16_t* out,
+                                     const CharacterSetRep& white) {
+    return copyCollapsing(from, to, out, WhiteMember{white}, u' ');
 }
 
 }  // namespace velmo::detail

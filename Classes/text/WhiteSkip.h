@@ -14,6 +14,12 @@ inline bool isWhiteUnit(char16_t unit, const CharacterSetRep& white) {
     return white.contains(unit);
 }
 
+/// Whether a unit outside ASCII is in the two stretches of the plane that hold no white unit and
+/// nearly all of what is written: the alphabets of Europe and the Near East, and East Asia.
+constexpr bool isInPlainStretch(char16_t unit) {
+    return (unit >= 0xA1 && unit <= 0x167F) || (unit >= 0x3001 && unit <= 0xFEFE);
+}
+
 /// The first unit that is not white, one unit after the other.
 inline const char16_t* skipWhiteByUnit(const char16_t* from, const char16_t* to,
                                        const CharacterSetRep& white) {

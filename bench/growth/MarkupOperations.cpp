@@ -136,6 +136,17 @@ constexpr Operation Rows[] = {
          use(stringByConvertingHtml2ReformattedPlainText(in.text));
          use(stringByConvertingHtml2SimplifiedPlainText(in.text));
      }},
+    {"a page in its bytes",
+     [](const Input& in) {
+         const URL url = URL::URLWithString(u"http://h.org/a/");
+         use(htmlLinks(Bytes(in.utf8)));
+         use(plainTextOfHtml(Bytes(in.utf8)).text);
+         use(getLinkThumbnails(Bytes(in.utf8), {.baseURL = url}));
+         const Page page(Bytes(in.utf8), {.url = url, .web = WebRules::today()});
+         use(page.plainText());
+         use(page.links());
+         use(page.stylesheetsAndScripts());
+     }},
     {"links",
      [](const Input& in) {
          use(htmlLinks(in.text));

@@ -4,6 +4,7 @@
 #include <velmocore/text/Trimming.h>
 
 #include "TestSupport.h"
+#include "markup/TagWalk.h"
 
 namespace velmo {
 namespace {
@@ -185,6 +186,157 @@ TEST(PlainText, TakesOrLeavesWhatIsAskedFor) {
     constexpr View Table =
         u"<table><tr><th>a<th> b </th><tr><td></td><td>c d</td><td></td></tr></table><table><tr><td>e</table>f";
     EXPECT_EQ(text(Table, {.tabs = true}), u"a\tb\n\tc d\t\n\ne\n\nf");
+}
+
+/// Options and rules, each on or off.
+PlainTextOptions optionsOf(std::mt19937& random) {
+    const auto rarely = [&] { return random() % 4 == 0; };
+    const auto often = [&] { return random() % 4 != 0; };
+    const bool isToday = random() % 2;
+    return {.entities = often(),
+            .stdEntities = often(),
+            .nonUmlauted = rarely(),
+            .reformat = rarely(),
+            .onlyBody = rarely(),
+            .removeJunk = rarely(),
+            .googleTags = rarely(),
+            .imageAlts = often(),
+            .noScripts = rarely(),
+            .textareas = rarely(),
+            .rubyText = often(),
+            .tabs = rarely(),
+            .web = isToday ? WebRules::today() : WebRules()};
+}
+
+// A page in UTF-8 gives the text of the decoded page, whatever its bytes are.
+TEST(PlainText, IsTheSameOfBytes) {
+    constexpr std::string_view Pieces[] = {"<p>",
+                                           "</p>",
+                                           "<br>",
+                                           "<a href=x>",
+                                           "</a>",
+                                           "<td>",
+                                           "<tr>",
+                                           "<table>",
+                                           "</table>",
+                                           "<pre>",
+                                           "</pre>",
+                                           "<code>",
+                                           "</code>",
+                                           "<plaintext>",
+                                           "<blockquote>",
+                                           "<img alt='a &amp; \xC3\xA9' src=x>",
+                                           "<img title=b>",
+                                           "<input>",
+                                           "<option>",
+                                           "<select>",
+                                           "<textarea>",
+                                           "<noscript>",
+                                           "<iframe>",
+                                           "</iframe>",
+                                           "<noframes>",
+                                           "</noframes>",
+                                           "<body bgcolor='#FFF'>",
+                                           "</body>",
+                                           "<head>",
+                                           "</head>",
+                                           "<title>",
+                                           "</title>",
+                                           "<font color='#fff'>",
+                                           "<font style='font-size:1pt'>",
+                                           "<font class=feed_date>",
+                                           "</font>",
+                                           "<marquee>",
+                                           "<h1>",
+                                           "</h1>",
+                                           "<rt>",
+                                           "<ruby>",
+                                           "<template>",
+                                           "<xmp>",
+                                           "</xmp>",
+                                           "<noembed>",
+                                           "<!-- googleoff: index -->",
+                                           "<!-- googleon: all -->",
+                                           "<![CDATA[",
+                                           "]]>",
+                                           "<script>a<b",
+                                           "</script>",
+                                           "<style>",
+                                           "</style>",
+                                           "<cite>",
+                                           "<div class=hidden>",
+                                           "<div style=\"display:none\">",
+                                           "<DIV CLA\xC5\xBF\xC5\xBF=hidden>",
+                                           "<\xC5\xBFpan class=hidden>",
+                                           "</div>",
+                                           "<span style='visibility: hidden'>",
+                                           "</span>",
+                                           "<span data-x=1 id='x>y'>",
+                                           "<li>",
+                                           "<svg>",
+                                           "</svg>",
+                                           "<",
+                                           ">",
+                                           "=",
+                                           "\"",
+                                           "'",
+                                           "&",
+                                           ";",
+                                           "&amp;",
+                                           "&lt",
+                                           "&nbsp;",
+                                           "&nbsp",
+                                           "&#32;",
+                                           "&#x1F600;",
+                                           "&eacute;",
+                                           "&notin;",
+                                           "&not",
+                                           "&copy",
+                                           "AT&T",
+                                           "a & b",
+                                           "&\xC3\xA9;",
+                                           "&shy;",
+                                           " ",
+                                           "\n",
+                                           "\t  \n",
+                                           "\xC2\xA0",
+                                           "\xE3\x80\x80",
+                                           "\xEF\xBB\xBF",
+                                           "\xC2\xAD",
+                                           "\xC3\xA4\xC3\xB6",
+                                           "\xE6\x97\xA5\xE6\x9C\xAC",
+                                           "\xF0\x9F\x98\x80",
+                                           "\xE6\x97",
+                                           "\xC0\x80",
+                                           "\xED\xA0\x80",
+                                           "\x80",
+                                           std::string_view("\0", 1),
+                                           "\x03",
+                                           "\x01",
+                                           "word",
+                                           "more words ",
+                                           "a long run of plain words, and then some more of them "};
+    std::mt19937 random(17);
+    const std::string letters(120, 'x'), longWord(10500, 'y');
+    for (int round = 0; round < 20000; ++round) {
+        std::string page;
+        for (unsigned n = random() % 60; n > 0; --n) {
+            page += Pieces[random() % std::size(Pieces)];
+            if (random() % 3 == 0) page += std::string_view(letters).substr(0, random() % 50);
+            if (random() % 2000 == 0) page += longWord;
+        }
+        const String units = String::fromUTF8(page);
+        const PlainTextOptions options = optionsOf(random);
+        const HtmlPlainText expected = plainTextOfHtml(units, options);
+        // Exactly as long as the page, so that nothing behind it may be read.
+        const std::vector<char> bytes(page.begin(), page.end());
+        const HtmlPlainText text = detail::plainTextOfUtf8({bytes.data(), bytes.size()}, options);
+        ASSERT_EQ(text.text, expected.text) << page;
+        ASSERT_EQ(text.didRemoveJunk, expected.didRemoveJunk) << page;
+        // From the tags that a page keeps.
+        const HtmlPlainText walked = detail::plainTextOf(units, detail::scanOf(units.view(), options.web), options);
+        ASSERT_EQ(walked.text, expected.text) << page;
+    }
 }
 
 }  // namespace

@@ -20,6 +20,9 @@ struct ContentDecodingOptions {
     std::u16string_view contentType = {};
     std::u16string_view encodingName = {};
     WebRules web = {};  ///< how a page is read
+    /// Leaves a page that WebRules::charsets finds to be UTF-8 in its bytes: for
+    /// Page::pageWithUTF8(), which needs no more. They take half the memory of its text.
+    bool keepsUTF8 = false;
 };
 
 /// A page or a text that was decoded.
@@ -27,6 +30,7 @@ struct DecodedContent {
     String text;  ///< of a page, with its markup; absent if no encoding could read it
     StringEncoding encoding = UnknownStringEncoding;  ///< what it was in
     String declared;  ///< the charset that a page names; empty or absent if none
+    Data utf8 = {};   ///< instead of the text, if that was asked for; with its byte-order mark
 };
 
 /// Decodes a page or a text, and forgets its bytes: those of a large one are given back to the

@@ -4,6 +4,8 @@
 #include <map>
 #include <string_view>
 
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/WebRules.h>
@@ -81,6 +83,12 @@ struct LinkThumbnails {
 /// An empty page has no links. Time is linear in the page and in what is found. Any thread.
 [[nodiscard]] VELMO_API LinkThumbnails getLinkThumbnails(std::u16string_view page,
                                                          const LinkThumbnailOptions& options = {});
+
+/// The same of the bytes of a page, decoded as decodeMarkup() has it, by the rules of the options.
+/// One in UTF-8 is never decoded as a whole.
+[[nodiscard]] VELMO_API LinkThumbnails getLinkThumbnails(Bytes page,
+                                                         const LinkThumbnailOptions& options,
+                                                         MarkupDecodingOptions decoding = {});
 
 /// The URL inside a link that runs a script to show an image; absent if it is none, and if no
 /// single quote ends it.

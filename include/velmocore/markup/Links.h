@@ -3,6 +3,8 @@
 #include <string_view>
 #include <vector>
 
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/FunctionRef.h>
 #include <velmocore/platform/String.h>
@@ -43,6 +45,14 @@ struct LinkOptions {
 /// An empty or absent page has no links. Time is linear in the page. Any thread.
 [[nodiscard]] VELMO_API HtmlLinks htmlLinks(std::u16string_view page,
                                             const LinkOptions& options = {});
+
+/// The same of the bytes of a page, decoded as decodeMarkup() has it, by the rules of the options. Of
+/// a page in UTF-8, which most are, only the links are decoded: that is much faster.
+///
+///     const std::string page = "<a href=caf\xC3\xA9.html>";
+///     htmlLinks(Bytes(page)).links[0];    // caf\u00E9.html
+[[nodiscard]] VELMO_API HtmlLinks htmlLinks(Bytes page, const LinkOptions& options = {},
+                                            MarkupDecodingOptions decoding = {});
 
 /// The same without options, or with two of them.
 [[nodiscard]] inline HtmlLinks htmlLinksBaseURL(std::u16string_view page) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include <velmocore/markup/LinkThumbnails.h>
+#include <velmocore/markup/Links.h>
 #include <velmocore/markup/PageMetadata.h>
 #include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
@@ -26,9 +27,8 @@ struct PageOptions {
 };
 
 /// A page of the web, and what most programs want to know of it; the operations of the other
-/// headers tell more, one thing at a time. It is decoded when it is made and scanned once, but for
-/// what its head says, which needs no more than that. Each part is made when it is first asked for,
-/// and kept.
+/// headers tell more, one thing at a time. It is scanned once, but for what its head says, which
+/// needs no more than that. Each part is made when it is first asked for, and kept.
 ///
 ///     const Page page("<title>Ferrets</title><p>They <a href='dig.html'>dig</a>",
 ///                     {.url = URL::URLWithString(u"http://h.org/a/")});
@@ -40,15 +40,22 @@ struct PageOptions {
 /// time; of several that ask for a part that is not there yet, one makes it.
 class VELMO_API Page {
 public:
-    /// Decodes the bytes, which are not needed afterwards; see markup/MarkupDecoding.h. A page
-    /// without bytes, or that no encoding can read, is empty.
+    /// The bytes are decoded as markup/MarkupDecoding.h tells, and not needed afterwards: of UTF-8,
+    /// which most pages are in, the page keeps a copy, and makes units of no more than what is asked
+    /// for. A page without bytes, or that no encoding can read, is empty.
     explicit Page(Bytes bytes, const PageOptions& options = {});
+    /// The same without a copy, of bytes that are not needed any more.
+    explicit Page(Data&& bytes, const PageOptions& options = {});
+    /// A page that is known to be UTF-8, whatever it says itself: its bytes are taken over.
+    [[nodiscard]] static Page pageWithUTF8(Data&& bytes, const URL& url = {},
+                                           const WebRules& web = {});
     /// A page that is text already; its encoding is UnknownStringEncoding.
     [[nodiscard]] static Page pageWithString(const String& markup, const URL& url = {},
                                              const WebRules& web = {});
 
-    /// The text of the page, with its tags.
-    [[nodiscard]] const String& markup() const noexcept VELMO_LIFETIME;
+    /// The text of the page, with its tags. Nothing else that a page tells needs it: of one in UTF-8
+    /// it is made when it is first asked for, and takes twice the memory of the bytes.
+    [[nodiscard]] const String& markup() const VELMO_LIFETIME;
     /// The encoding that it was in.
     [[nodiscard]] StringEncoding encoding() const noexcept;
     /// Where it comes from; absent if that was not told.
@@ -91,6 +98,13 @@ public:
     /// if it is not known what links are relative to.
     [[nodiscard]] const LinkThumbnails& linkThumbnails() const VELMO_LIFETIME;
 
+    // The same as one will have it, by the rules of the page; nothing of it is kept.
+
+    /// As htmlLinks() finds them, not resolved, with the base that the page names.
+    [[nodiscard]] HtmlLinks unresolvedLinks() const;
+    /// As getLinkThumbnails() finds them by these options, whose rules do not count.
+    [[nodiscard]] LinkThumbnails linkThumbnails(LinkThumbnailOptions options) const;
+
     /// The key of the language of its plain text; absent if it is not clear. The answer is not
     /// kept, as another filter may give another one.
     [[nodiscard]] String language(const LanguageFilter& filter) const;
@@ -99,6 +113,8 @@ private:
     struct State;
 
     explicit Page(std::shared_ptr<const State> state) noexcept : state_(std::move(state)) {}
+    /// @param owned  those of the bytes, to be taken over; may be null
+    Page(Bytes bytes, Data* owned, const PageOptions& options);
 
     std::shared_ptr<const State> state_;
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <velmocore/markup/MarkupDecoding.h>
+#include <velmocore/platform/Bytes.h>
 #include <velmocore/platform/Export.h>
 #include <velmocore/platform/String.h>
 #include <velmocore/text/WebRules.h>
@@ -44,6 +46,16 @@ struct HtmlPlainText {
 /// Both from one scan.
 [[nodiscard]] VELMO_API HtmlPlainText plainTextOfHtml(const String& page,
                                                       PlainTextOptions options = {});
+
+/// The same of the bytes of a page, decoded as decodeMarkup() has it, by the rules of the options. A
+/// page in UTF-8, which most are, is never decoded as a whole: that takes less time, and less than
+/// half the memory.
+///
+///     const std::string page = "<p>caf\xC3\xA9 &amp; more";
+///     plainTextOfHtml(Bytes(page)).text;    // caf\u00E9 & more
+[[nodiscard]] VELMO_API HtmlPlainText plainTextOfHtml(Bytes page,
+                                                      const PlainTextOptions& options = {},
+                                                      MarkupDecodingOptions decoding = {});
 
 // The same under the names that tell the first of the options.
 

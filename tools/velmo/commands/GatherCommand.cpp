@@ -102,14 +102,12 @@ public:
           query_(query),
           languages_(languages) {}
 
-    GatheredPage gather(const FileName& file, const Content& content) const {
+    GatheredPage gather(const FileName& file, Content&& content) const {
         GatheredPage page;
         page.encoding = content.encoding;
-        String text = content.units;
-        if (content.kind == Kind::Page && isFeed(content.units, web_))
-            text = readFeedInto(page, content.units, urlOf(file, base_));
-        else if (content.kind == Kind::Page)
-            text = readPageInto(page, content.units, urlOf(file, base_));
+        const String text = content.kind == Kind::Page
+                                ? readInto(page, pageOf(std::move(content), urlOf(file, base_)))
+                                : content.units;
         page.words = numberOfWordsUsingDefaultSeparation(text);
         page.language = languages_.languageOfText(text);
         page.matches = query_.holdsFor(text);
@@ -118,19 +116,27 @@ public:
     }
 
 private:
-    // Each gives the text of what it has read.
+    Page pageOf(Content&& content, const URL& url) const {
+        return content.utf8.empty() ? Page::pageWithString(content.units, url, web_)
+                                    : Page::pageWithUTF8(std::move(content.utf8), url, web_);
+    }
 
-    String readPageInto(GatheredPage& page, const String& units, const URL& url) const {
-        const Page whole = Page::pageWithString(units, url, web_);
+    // Each gives the text of what it has read, and forgets the page.
+
+    String readInto(GatheredPage& page, const Page& whole) const {
+        return whole.isFeed() ? readFeedInto(page, whole) : readPageInto(page, whole);
+    }
+
+    String readPageInto(GatheredPage& page, const Page& whole) const {
         const HtmlMetadata& metadata = whole.metadata();
         page.title = titleOf(whole);
         page.author = singleLine(normalizedHtmlString(metadata.author, web_));
         page.date = singleLine(normalizedHtmlString(metadata.date, web_));
         page.canonical = whole.canonicalURL().absoluteString();
         page.isErrorPage = whole.isErrorPage();
-        const HtmlLinks found = htmlLinks(units, {.web = web_, .url = url});
-        page.links = linksOfPage(found.links, found.baseURL, url, options_.links);
-        page.thumbnails = thumbnailsOf(units, found.baseURL.isAbsent() ? url : found.baseURL);
+        const HtmlLinks found = whole.unresolvedLinks();
+        page.links = linksOfPage(found.links, found.baseURL, whole.url(), options_.links);
+        page.thumbnails = thumbnailsOf(whole, found.baseURL);
         return whole.plainText();
     }
 
@@ -140,21 +146,25 @@ private:
                             : singleLine(normalizedHtmlString(htmlFramesSet(page.markup()).title));
     }
 
-    std::size_t thumbnailsOf(const String& units, const URL& base) const {
-        return getLinkThumbnails(
-                   units,
-                   {.baseURL = base, .resolve = true, .titles = false, .texts = false, .web = web_})
+    /// How many links have one.
+    std::size_t thumbnailsOf(const Page& page, const URL& named) const {
+        return page
+            .linkThumbnails({.baseURL = named.isAbsent() ? page.url() : named,
+                             .resolve = true,
+                             .titles = false,
+                             .texts = false})
             .thumbnails.size();
     }
 
-    String readFeedInto(GatheredPage& page, const String& units, const URL& url) const {
-        const Feed feed = readFeed(units, {.baseURL = url, .boundCData = true, .web = web_});
+    String readFeedInto(GatheredPage& page, const Page& whole) const {
+        const Feed feed =
+            readFeed(whole.markup(), {.baseURL = whole.url(), .boundCData = true, .web = web_});
         page.isFeed = true;
         page.title = singleLine(feed.title);
         std::vector<String> links;
         for (const FeedItem& item : feed.items)
             if (!item.link.isEmpty()) links.push_back(item.link);
-        page.links = linksOfPage(links, {}, url, options_.links);
+        page.links = linksOfPage(links, {}, whole.url(), options_.links);
         return stringByConvertingHtml2PlainText(
             stringByConvertingItemsToSearchableHTML(feed.items, web_), {.web = web_});
     }
@@ -286,12 +296,13 @@ void run(Report& report, Options& options) {
                      : readLanguageFilter(report, velmoResourcesDirectory());
     report.flush();
     options.links.web = options.input.content.web;
+    options.input.content.keepsUTF8 = true;
     const Gatherer gatherer(options, base, query, languages);
     Summary summary;
     forEachContent(
         report, options.input, [&](const FileName& file, Content&& content, Report& own) {
             if (content.kind == Kind::Text && options.input.content.forced == Kind::Unclear) return;
-            const GatheredPage page = gatherer.gather(file, content);
+            const GatheredPage page = gatherer.gather(file, std::move(content));
             summary.add(page);
             if (own.json())
                 printObject(file.path, page, options, own);

@@ -29,11 +29,17 @@ Content decodedBytes(Data&& bytes, Kind kind, const ContentOptions& options) {
     const StringEncoding encoding =
         options.charset.empty() ? UnknownStringEncoding
                                 : charset2NSStringEncoding(String::fromUTF8(options.charset));
-    DecodedContent content = decodeContent(
-        std::move(bytes),
-        {.kind = kind, .encoding = encoding, .encodingName = charset, .web = options.web});
-    return {kind, std::move(content.text), std::string(ianaName(content.encoding)),
-            nameOf(content.declared, options.web)};
+    DecodedContent content = decodeContent(std::move(bytes), {.kind = kind,
+                                                              .encoding = encoding,
+                                                              .encodingName = charset,
+                                                              .web = options.web,
+                                                              .keepsUTF8 = options.keepsUTF8});
+    return {kind,
+            std::move(content.text),
+            std::string(ianaName(content.encoding)),
+            nameOf(content.declared, options.web),
+            {},
+            std::move(content.utf8)};
 }
 
 }  // namespace

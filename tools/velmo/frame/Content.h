@@ -24,6 +24,7 @@ struct ContentOptions {
     std::string httpCharset;           ///< the charset that the HTTP header named; empty if none
     WebRules web = {};                 ///< by --web: how pages are read
     std::uint64_t limit = UsualLimit;  ///< of what may come out of compressed bytes
+    bool keepsUTF8 = false;            ///< whether pages in UTF-8 stay in it, where they may
 };
 
 /// An input that was decoded.
@@ -33,6 +34,7 @@ struct Content {
     std::string encoding;  ///< IANA name in lower case
     String declared;       ///< IANA name of the charset that a page names, or absent
     WebRules web = {};     ///< how a page is read further
+    Data utf8 = {};        ///< instead of the units, if that was asked for
 };
 
 /// Decodes what was read from a file, gzip or not, as decodeContent() does, and forgets the bytes.
