@@ -96,7 +96,8 @@ struct Page::State {
         return isUTF8() ? make(TagWalk(widened(byteTags(), parts))) : make(TagWalk(tags()));
     }
     HtmlPlainText plainTextBy(const PlainTextOptions& options) const {
-        return isUTF8() ? plainTextOf(utf8, byteTags(), options) : plainTextOf(text, tags(), options);
+        return isUTF8() ? plainTextOf(utf8, byteTags(), options)
+                        : plainTextOf(text, tags(), options);
     }
     /// All that the head tells, and the frames.
     const HtmlReferences& references() const {
