@@ -43,9 +43,8 @@ void utf8Icu(benchmark::State& state) {
 BENCHMARK(utf8Icu)->Name("utf8-to-string/icu")->Unit(benchmark::kMillisecond);
 
 void linksVelmo(benchmark::State& state) {
-    eachPage(state, corpus().pages, [](const std::string& page) {
-        benchmark::DoNotOptimize(htmlLinks(Bytes(page)));
-    });
+    eachPage(state, corpus().pages,
+             [](const std::string& page) { benchmark::DoNotOptimize(htmlLinks(Bytes(page))); });
 }
 BENCHMARK(linksVelmo)->Name("links/velmo")->Unit(benchmark::kMillisecond);
 

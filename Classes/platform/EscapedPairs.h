@@ -5,6 +5,7 @@
 #include <span>
 
 #include <velmocore/platform/Bytes.h>
+#include <velmocore/platform/Export.h>
 
 #include "platform/Converter.h"
 #include "platform/EncodingTables.h"
@@ -17,7 +18,7 @@ bool hasEscapedPairs(const EncodingRow& row) noexcept;
 /// Decodes text of ASCII and JIS X 0208 alone, which nearly all is, without ICU, which is asked for
 /// each pair once. Nothing if there is anything else in it, or not room for a unit a byte: then all
 /// of it is ICU's.
-std::optional<Decoding> decodeEscapedPairs(const EncodingRow& row, Bytes bytes,
-                                           std::span<char16_t> out);
+VELMO_API std::optional<Decoding> decodeEscapedPairs(const EncodingRow& row, Bytes bytes,
+                                                     std::span<char16_t> out);
 
 }  // namespace velmo::detail

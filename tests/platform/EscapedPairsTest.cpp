@@ -10,7 +10,8 @@ constexpr std::uint32_t Iso2022Jp = 2080;
 
 /// The units of a decoding by this library and by ICU, and whether either was asked.
 std::pair<std::u16string, std::u16string> decodedBoth(const std::string& bytes, bool& wasOwn) {
-    const detail::EncodingRow& row = *detail::encodingRow(Iso2022Jp);
+    const detail::EncodingRow& row =
+        *std::ranges::find(detail::encodingRows(), Iso2022Jp, &detail::EncodingRow::number);
     std::u16string own(bytes.size() + 32, u'\0'), icu = own;
     const auto result = detail::decodeEscapedPairs(row, Bytes(bytes), own);
     wasOwn = result.has_value();
@@ -72,9 +73,7 @@ TEST(EscapedPairs, AreReadWithAllOfASCII) {
         for (char second = 0x21; second < 0x7F; ++second) {
             const auto [ours, theirs] = decodedBoth(std::string("\x1B$B") + first + second + "\x1B(B", wasOwn);
             pairs += wasOwn;
-            if (wasOwn) {
-                ASSERT_EQ(ours, theirs);
-            }
+            if (wasOwn) { ASSERT_EQ(ours, theirs); }
         }
     EXPECT_GT(pairs, 6'000u);
 }
