@@ -13,7 +13,7 @@
 namespace velmo::detail {
 
 /// Whether the attributes of a tag take its element out of sight.
-bool isHiddenElement(std::u16string_view tag, const WebRules& web);
+VELMO_API bool isHiddenElement(std::u16string_view tag, const WebRules& web);
 
 /// Whether a style asks for letters of one to four points.
 bool isTinyFont(std::u16string_view style);

@@ -125,7 +125,8 @@ LinkThumbnails thumbnailsOf(std::u16string_view page, TagWalk walk,
                             const LinkThumbnailOptions& options);
 LinkThumbnails thumbnailsOf(std::string_view utf8, ByteTagWalk walk,
                             const LinkThumbnailOptions& options);
-HtmlPlainText plainTextOf(const String& page, TagWalk walk, const PlainTextOptions& options);
+VELMO_API HtmlPlainText plainTextOf(const String& page, TagWalk walk,
+                                    const PlainTextOptions& options);
 // Of UTF-8, without a byte-order mark: what of it is no text is never decoded.
 HtmlPlainText plainTextOf(std::string_view utf8, ByteTagWalk walk, const PlainTextOptions& options);
 VELMO_API HtmlPlainText plainTextOfUtf8(std::string_view page, const PlainTextOptions& options);
