@@ -15,6 +15,8 @@ namespace {
 std::size_t fewestWords() { return sieveWay() == SieveWay::OneByOne ? 8 : 3; }
 /// To make them ready takes about as long as to seek so many units for one word.
 constexpr std::size_t FewestUnits = 2048;
+/// Of more words than these the sieve lets so much pass that it is cheaper to look at all runs.
+constexpr std::size_t MostSieved = 48;
 
 /// Calls unit(variant) for each unit that is the same in that case.
 template <class Unit>
@@ -90,9 +92,11 @@ ManyWords::ManyWords(const QueryTree& tree, Case letterCase, WordsAsked asked,
     : ManyWords(tree, wordsOf(tree, asked, termCharacters), letterCase) {}
 
 ManyWords::ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, Case letterCase)
-    : table_(words, letterCase), isEnough_(words.size() >= fewestWords()) {
+    : table_(words, letterCase),
+      isEnough_(words.size() >= fewestWords()),
+      isSieved_(words.size() <= MostSieved) {
     if (!isEnough_) return;
-    sieve_ = sieveOf(words, letterCase);
+    if (isSieved_) sieve_ = sieveOf(words, letterCase);
     nodes_.resize(tree.nodes.size());
     for (const WordTable::Word& word : words) {
         nodes_[word.owner].isSought = true;
@@ -158,6 +162,32 @@ const ManyWords* PreparedWords::of(const QueryTree& tree, const WordText& text, 
             words = own.release();
     }
     return words->serves(text.termCharacters) ? words : nullptr;
+}
+
+/// In few blocks at first, as the first words that are found may decide.
+bool ManyWordsScan::listRuns() {
+    do {
+        scanned_ = listed_;
+        if (listed_ >= text_.units.size()) return false;
+        words_.isSieved() ? sieveOn() : listOn();
+        next_ = runs_.next(0);
+    } while (next_ == runs_.count());
+    return true;
+}
+
+void ManyWordsScan::sieveOn() {
+    std::array<SievedBlock, LikelyRuns::MostBlocks> blocks;
+    room_ = std::min(room_ == 0 ? 4 : 2 * room_, blocks.size());
+    const std::size_t count =
+        nextSieved(text_.units, listed_, words_.sieve(), std::span(blocks).first(room_));
+    listed_ = count == 0 ? text_.units.size() : blocks[count - 1].base + UnitsInBlock;
+    runs_.list(text_, std::span(blocks).first(count), words_.table());
+}
+
+void ManyWordsScan::listOn() {
+    room_ = std::clamp<std::size_t>(2 * room_, 1, LikelyRuns::MostBlocks);
+    runs_.list(text_, {listed_, room_ * UnitsInBlock}, words_.table());
+    listed_ += room_ * UnitsInBlock;
 }
 
 }  // namespace velmo::detail

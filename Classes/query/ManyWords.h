@@ -16,8 +16,8 @@
 
 #include <velmocore/platform/Matching.h>
 
+#include "query/LikelyRuns.h"
 #include "query/WordTable.h"
-#include "text/MemberScan.h"
 #include "text/TripleScan.h"
 #include "words/WordText.h"
 
@@ -57,6 +57,8 @@ public:
     /// See firstOfSameWords().
     std::span<const std::size_t> firsts() const { return firsts_; }
     const WordTable& table() const { return table_; }
+    /// Whether there are few enough for the sieve, which then is theirs.
+    bool isSieved() const { return isSieved_; }
     const TripleSieve& sieve() const { return sieve_; }
 
 private:
@@ -77,7 +79,7 @@ private:
     std::u16string units_;  // each unit of the words once
     std::vector<Node> nodes_;
     std::vector<std::size_t> firsts_;
-    bool isEnough_ = false;
+    bool isEnough_, isSieved_;
 };
 
 /// The many words of a query, made when a text is first worth it. Any number of threads may ask.
@@ -104,55 +106,41 @@ public:
     /// All words that begin before it have been told.
     std::uint64_t scanned() const { return scanned_; }
 
-    /// Goes on by some units and calls found(node, position) for the nodes of the words there, in
-    /// the order of the positions. False at the end of the text.
+    /// Goes on by one run that is likely a word, and calls found(node, position) for the nodes of
+    /// the word that it is, in the order of the positions. False at the end of the text.
     template <class Found>
     bool goOn(Found found) {
-        if (next_ == count_ && !sieveOn()) return false;
-        const SievedBlock block = blocks_[next_++];
-        scanned_ = block.base + BlockSize;
-        const std::u16string_view rest = text_.units.substr(block.base);
-        const std::uint64_t members =
-            membersOf(rest.data(), std::min(rest.size(), BlockSize), text_.termCharacters);
-        const std::uint64_t before =
-            block.base > 0 && text_.termCharacters.contains(text_.units[block.base - 1]);
-        for (std::uint64_t starts = block.places & members & ~(members << 1 | before); starts;
-             starts &= starts - 1) {
-            const auto start = static_cast<unsigned>(std::countr_zero(starts));
-            words_.table().find(rest.substr(start), endOfRun(rest, start, members) - start,
-                                [&](std::size_t node) { found(node, block.base + start); });
-        }
+        if (next_ == runs_.count() && !listRuns()) return false;
+        const Range range = rangeOfRun(next_);
+        const RunKey key = runs_.keyOf(next_);
+        next_ = runs_.next(next_ + 1);
+        scanned_ = next_ == runs_.count() ? listed_ : range.location + 1;
+        words_.table().find(text_.units.substr(range.location, range.length), key,
+                            [&](std::size_t node) { found(node, range.location); });
         return true;
     }
 
 private:
-    static constexpr std::size_t BlockSize = 64, MostBlocks = 16;
+    bool listRuns();
+    void sieveOn();
+    void listOn();
 
-    /// Sieves the next blocks: few at first, as the first words that are found may decide.
-    bool sieveOn() {
-        if (scanned_ >= text_.units.size()) return false;
-        room_ = std::min(2 * room_, MostBlocks);
-        count_ = nextSieved(text_.units, scanned_, words_.sieve(), std::span(blocks_).first(room_));
-        next_ = 0;
-        if (count_ == 0) scanned_ = text_.units.size();
-        return count_ > 0;
-    }
-
-    /// Where the run ends; of a run longer than all words, no more than that.
-    std::size_t endOfRun(std::u16string_view rest, unsigned start, std::uint64_t members) const {
-        if (const std::uint64_t others = ~members >> start)
-            return start + static_cast<unsigned>(std::countr_zero(others));
-        const std::size_t limit = std::min(rest.size(), start + words_.table().longest() + 1);
-        std::size_t end = BlockSize;
-        while (end < limit && text_.termCharacters.contains(rest[end])) ++end;
-        return end;
+    Range rangeOfRun(std::size_t run) const {
+        Range range = runs_.rangeOf(run);
+        // No word is as long as what is then left.
+        const std::size_t longest = words_.table().longest() + 1;
+        if (range.length == RunKey::Longest)
+            while (range.length < longest && range.end() < text_.units.size() &&
+                   text_.termCharacters.contains(text_.units[range.end()]))
+                ++range.length;
+        return range;
     }
 
     const ManyWords& words_;
     const WordText text_;
-    std::uint64_t scanned_ = 0;
-    std::size_t room_ = 1, next_ = 0, count_ = 0;
-    std::array<SievedBlock, MostBlocks> blocks_;
+    std::uint64_t scanned_ = 0, listed_ = 0;  // up to there runs have been listed
+    std::size_t room_ = 0, next_ = 0;
+    LikelyRuns runs_;
 };
 
 }  // namespace velmo::detail

@@ -9,10 +9,11 @@ namespace velmo::detail::scan {
 
 #if defined(__SSE2__)
 
-/// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI) may be called.
+/// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI, VBMI2) may be called.
 inline bool hasAvx512() noexcept {
-    static const bool has =
-        __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi");
+    static const bool has = __builtin_cpu_supports("avx512bw") &&
+                            __builtin_cpu_supports("avx512vbmi") &&
+                            __builtin_cpu_supports("avx512vbmi2");
     return has;
 }
 
