@@ -54,17 +54,20 @@ public:
     bool hasAlternatives(std::size_t group) const { return nodes_[group].alternatives > 0; }
     bool hasAllOf(std::size_t group) const { return nodes_[group].isWhole; }
 
+    /// Whether the word of a node, or one that is the same, may be asked for in stretches of a text,
+    /// as it stands below a proximity operator.
+    bool isNear(std::size_t node) const { return nodes_[node].isNear; }
+
     /// See firstOfSameWords().
     std::span<const std::size_t> firsts() const { return firsts_; }
     const WordTable& table() const { return table_; }
-    /// Whether there are few enough for the sieve, which then is theirs.
-    bool isSieved() const { return isSieved_; }
     const TripleSieve& sieve() const { return sieve_; }
 
 private:
     struct Node {
         bool isSought = false;
         bool isWhole = false;
+        bool isNear = false;
         std::size_t group = NoNode;
         std::size_t alternatives = 0;
     };
@@ -73,13 +76,16 @@ private:
     static std::vector<WordTable::Word> wordsOf(const QueryTree& tree, WordsAsked asked,
                                                 const CharacterSetRep& termCharacters);
     void markGroups(const QueryTree& tree);
+    void markNear(const QueryTree& tree);
+    void markUnits(std::u16string_view word);
 
     WordTable table_;
     TripleSieve sieve_;
-    std::u16string units_;  // each unit of the words once
+    std::array<std::uint8_t, 16> asciiUnits_ = {};  // of the words, by bits
+    std::u16string otherUnits_;                     // each once
     std::vector<Node> nodes_;
     std::vector<std::size_t> firsts_;
-    bool isEnough_, isSieved_;
+    bool isEnough_;
 };
 
 /// The many words of a query, made when a text is first worth it. Any number of threads may ask.
@@ -122,14 +128,12 @@ public:
 
 private:
     bool listRuns();
-    void sieveOn();
-    void listOn();
 
     Range rangeOfRun(std::size_t run) const {
         Range range = runs_.rangeOf(run);
         // No word is as long as what is then left.
         const std::size_t longest = words_.table().longest() + 1;
-        if (range.length == RunKey::Longest)
+        if (range.length == LikelyRuns::Longest)
             while (range.length < longest && range.end() < text_.units.size() &&
                    text_.termCharacters.contains(text_.units[range.end()]))
                 ++range.length;
@@ -139,7 +143,7 @@ private:
     const ManyWords& words_;
     const WordText text_;
     std::uint64_t scanned_ = 0, listed_ = 0;  // up to there runs have been listed
-    std::size_t room_ = 0, next_ = 0;
+    std::size_t room_ = 1, next_ = 0;
     LikelyRuns runs_;
 };
 

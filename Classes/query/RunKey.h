@@ -15,21 +15,22 @@ namespace velmo::detail {
 /// before zeros. So two runs of up to sixteen ASCII units are the same if their keys and lengths are.
 struct RunKey {
     static constexpr std::size_t Units = 8;
-    /// Of a longer run only so many units count.
-    static constexpr std::size_t Longest = 63;
 
     std::uint64_t first = 0, last = 0;
 
-    /// Eight bytes must be readable behind the start of the run and before its end.
+    /// Of bytes, eight of which must be readable behind the start of the run and before its end.
     static RunKey of(const std::uint8_t* run, std::size_t length) noexcept {
-        // Without branches, as the lengths of words cannot be foretold.
-        const auto unused = static_cast<unsigned>(8 * (Units - std::min(length, Units)));
-        return {packOf(run) << unused >> unused, packOf(run + length - Units) >> unused};
+        const std::size_t inPart = std::min(length, Units);
+        return {firstOf(run, inPart), packOf(run + length - Units) >> 8 * (Units - inPart)};
+    }
+    /// The first bytes, of which there are no more than eight.
+    static std::uint64_t firstOf(const std::uint8_t* run, std::size_t count) noexcept {
+        const auto unused = static_cast<unsigned>(8 * (Units - count));
+        return packOf(run) << unused >> unused;
     }
     /// The same of units, each as the function has it.
     template <class UnitOf>
     static RunKey of(std::u16string_view run, const UnitOf& unitOf) noexcept {
-        run = run.substr(0, Longest);
         const std::size_t inPart = std::min(run.size(), Units);
         RunKey key;
         for (std::size_t i = 0; i < inPart; ++i) {

@@ -49,9 +49,9 @@ RunKey WordTable::keyOf(std::u16string_view run) const {
 }
 
 std::uint64_t WordTable::hashOf(std::u16string_view run, const RunKey& key) const {
-    if (key.isWhole(run.size())) return filter_.hashOf(key);
+    if (key.isWhole(run.size())) return hashOf(key);
     return withWordFold(letterCase_,
-                        [&](const auto& fold) { return hashOfUnits(run, filter_.seed(), fold); });
+                        [&](const auto& fold) { return hashOfUnits(run, hashSeed(), fold); });
 }
 
 bool WordTable::isSame(std::u16string_view a, std::u16string_view b) const {
@@ -70,7 +70,7 @@ std::uint32_t WordTable::firstOf(std::uint64_t hash, IsSame isSame) const {
 }
 
 std::uint32_t WordTable::firstOf(const RunKey& key, std::size_t length) const {
-    return firstOf(filter_.hashOf(key), [&](const Entry& entry) {
+    return firstOf(hashOf(key), [&](const Entry& entry) {
         return entry.key == key && entry.word.units.size() == length;
     });
 }

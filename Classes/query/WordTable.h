@@ -13,16 +13,20 @@
 
 namespace velmo::detail {
 
-/// Tells of nearly all runs that they are no words, at no more than one look at a small place: the
-/// key of each word has two bits of a number there.
-class KeyFilter {
+/// Tells of nearly all runs that they are no words, at no more than one look at a small place: for
+/// the first eight units of each word there are two bits in a number.
+class BeginningFilter {
 public:
-    explicit KeyFilter(std::size_t words)
-        : seed_(hashSeed()),
-          numbers_(std::bit_ceil(words + 2)),
-          shift_(64 - static_cast<unsigned>(std::countr_zero(numbers_.size()))) {}
+    explicit BeginningFilter(std::size_t words)
+        : numbers_(std::bit_ceil(words + 2)),
+          view_{hashSeed(), nullptr,
+                64 - static_cast<unsigned>(std::countr_zero(numbers_.size()))} {}
 
-    void add(const RunKey& key) { numbers_[hashOf(key) >> shift_] |= bitsOf(hashOf(key)); }
+    void add(const RunKey& key) {
+        const View filter = view();
+        const std::uint64_t hash = filter.hashOf(key.first);
+        numbers_[hash >> filter.shift] |= filter.bitsOf(hash);
+    }
 
     /// How it is asked, for loops that ask it often.
     struct View {
@@ -30,30 +34,24 @@ public:
         const std::uint64_t* numbers;
         unsigned shift;
 
-        bool mayHave(const RunKey& key) const noexcept {
-            const std::uint64_t hash = hashOf(key, seed), bits = bitsOf(hash);
+        /// For RunKey::first of a run.
+        bool mayHave(std::uint64_t first) const noexcept {
+            const std::uint64_t hash = hashOf(first), bits = bitsOf(hash);
             return (numbers[hash >> shift] & bits) == bits;
         }
+        std::uint64_t hashOf(std::uint64_t first) const noexcept {
+            return mixedHash(first ^ seed, 0x9E3779B97F4A7C15);
+        }
+        /// By the last bits of the hash, as the first ones tell the number.
+        static std::uint64_t bitsOf(std::uint64_t hash) noexcept {
+            return std::uint64_t{1} << (hash & 63) | std::uint64_t{1} << (hash >> 6 & 63);
+        }
     };
-    View view() const { return {seed_, numbers_.data(), shift_}; }
-
-    std::uint64_t seed() const { return seed_; }
-    std::uint64_t hashOf(const RunKey& key) const noexcept { return hashOf(key, seed_); }
+    View view() const { return {view_.seed, numbers_.data(), view_.shift}; }
 
 private:
-    static std::uint64_t hashOf(const RunKey& key, std::uint64_t seed) noexcept {
-        constexpr std::uint64_t Odd = 0x9E3779B97F4A7C15;
-        return mixedHash(key.first ^ seed, key.last ^ Odd);
-    }
-    /// By the last bits of the hash, as the first ones tell the number.
-    static std::uint64_t bitsOf(std::uint64_t hash) noexcept {
-        return std::uint64_t{1} << (hash & 63) | std::uint64_t{1} << (hash >> 6 & 63);
-    }
-
-    std::uint64_t seed_;
-    std::vector<std::uint64_t>
-        numbers_;  // as many as words: of a thousand other runs one or two pass
-    unsigned shift_;
+    std::vector<std::uint64_t> numbers_;  // as many as words: few of a thousand other runs pass
+    View view_;
 };
 
 /// Words by their units. It does not own these. Never changes once it is made.
@@ -67,7 +65,7 @@ public:
     /// Several owners may have the same word, which has at least one unit.
     WordTable(const std::vector<Word>& words, Case letterCase);
 
-    const KeyFilter& filter() const { return filter_; }
+    const BeginningFilter& filter() const { return filter_; }
 
     /// Calls found(owner) for each owner of the word that a run is, whose key that is.
     template <class Found>
@@ -91,6 +89,9 @@ private:
     };
 
     RunKey keyOf(std::u16string_view run) const;
+    static std::uint64_t hashOf(const RunKey& key) {
+        return mixedHash(key.first ^ hashSeed(), key.last ^ 0x9E3779B97F4A7C15);
+    }
     std::uint64_t hashOf(std::u16string_view run, const RunKey& key) const;
     bool isSame(std::u16string_view a, std::u16string_view b) const;
     template <class IsSame>
@@ -103,7 +104,7 @@ private:
     std::size_t longest_ = 0;
     std::vector<Entry> entries_;
     std::vector<std::uint32_t> slots_;  // entries by their hash; a power of two, half of it empty
-    KeyFilter filter_;
+    BeginningFilter filter_;
 };
 
 }  // namespace velmo::detail

@@ -1,6 +1,7 @@
 #include "text/UnitBlocks.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "text/MemberScan.h"
 #include "text/UnitScan.h"
@@ -71,18 +72,32 @@ public:
         const std::uint64_t lower = _mm512_cmplt_epu8_mask(
             _mm512_sub_epi8(own, _mm512_set1_epi8('a')), _mm512_set1_epi8(26));
         const __m512i folded = _mm512_mask_sub_epi8(own, lower, own, change_);
-        if (others) [[unlikely]] {
-            __m512i all = _mm512_mask_set1_epi8(folded, others, -1);
-            if (folds_) all = withLetter(a, b, LongS, 'S', withLetter(a, b, DotlessI, 'I', all));
-            _mm512_storeu_si512(bytes, all);
-            return membersOf(units, UnitsInBlock, set_);
-        }
-        _mm512_storeu_si512(bytes, folded);
         const __m512i members = _mm512_permutex2var_epi8(low_, own, high_);
-        return _mm512_test_epi8_mask(members, members);
+        const std::uint64_t ascii = _mm512_test_epi8_mask(members, members) & ~others;
+        if (others) return ascii | putOthers(units, a, b, others, folded, bytes);
+        _mm512_storeu_si512(bytes, folded);
+        return ascii;
     }
 
 private:
+    /// So few units outside ASCII are looked up one by one.
+    static constexpr int FewOthers = 4;
+
+    __attribute__((target("avx512bw,avx512vbmi,popcnt"))) std::uint64_t putOthers(
+        const char16_t* units, __m512i a, __m512i b, std::uint64_t others, __m512i folded,
+        std::uint8_t* bytes) const noexcept {
+        __m512i all = _mm512_mask_set1_epi8(folded, others, static_cast<char>(OtherByte));
+        if (folds_) all = withLetter(a, b, LongS, 'S', withLetter(a, b, DotlessI, 'I', all));
+        _mm512_storeu_si512(bytes, all);
+        if (std::popcount(others) > FewOthers) return membersOf(units, UnitsInBlock, set_);
+        std::uint64_t members = 0;
+        for (; others; others &= others - 1) {
+            const auto i = static_cast<unsigned>(std::countr_zero(others));
+            members |= static_cast<std::uint64_t>(set_.contains(units[i])) << i;
+        }
+        return members;
+    }
+
     /// With a letter where a unit outside ASCII stands.
     __attribute__((target("avx512bw,avx512vbmi"))) static __m512i withLetter(
         __m512i a, __m512i b, char16_t unit, char letter, __m512i bytes) noexcept {

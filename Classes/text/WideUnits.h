@@ -9,9 +9,13 @@ namespace velmo::detail::scan {
 
 #if defined(__SSE2__)
 
-/// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI, VBMI2) may be called.
+/// Taken away, before any kernel runs, where one measures what smaller machines would do.
+inline bool mayUseAvx512 = true;
+
+/// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI, VBMI2) may be
+/// called.
 inline bool hasAvx512() noexcept {
-    static const bool has = __builtin_cpu_supports("avx512bw") &&
+    static const bool has = mayUseAvx512 && __builtin_cpu_supports("avx512bw") &&
                             __builtin_cpu_supports("avx512vbmi") &&
                             __builtin_cpu_supports("avx512vbmi2");
     return has;
