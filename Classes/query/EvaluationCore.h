@@ -144,7 +144,8 @@ private:
         if (isRemembered(call))
             if (const auto known = memory_.find(keyOf(call)); known != memory_.end())
                 return known->second;
-        stack_.push_back({.call = call});
+        if (stack_.empty()) stack_.reserve(UsualDepth);
+        stack_.emplace_back().call = call;
         return std::nullopt;
     }
 
@@ -156,6 +157,8 @@ private:
         stack_.pop_back();
         return value;
     }
+
+    static constexpr std::size_t UsualDepth = 4;
 
     // Groups: from left to right, without precedence.
 

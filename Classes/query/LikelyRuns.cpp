@@ -129,6 +129,9 @@ void LikelyRuns::list(const WordText& text, std::span<const SievedBlock> blocks,
                       const WordTable& table) {
     slots_ = count_ = 0;
     if (blocks.empty()) return;
+    // From other places on, what reaches the end of the block is longer than all words.
+    const std::uint64_t late = ~std::uint64_t{0}
+                               << (63 - std::min<std::size_t>(table.longest(), 63));
     const auto add = [&](std::size_t base, std::uint64_t passed) {
         bases_[slots_] = base;
         passed_[slots_++] = passed;
@@ -137,7 +140,7 @@ void LikelyRuns::list(const WordText& text, std::span<const SievedBlock> blocks,
         const std::size_t behind = blocks[i].base + UnitsInBlock;
         add(blocks[i].base, blocks[i].places);
         const bool isNext = i + 1 < blocks.size() && blocks[i + 1].base == behind;
-        if (!isNext && behind < text.units.size()) add(behind, 0);
+        if (blocks[i].places & late && !isNext && behind < text.units.size()) add(behind, 0);
     }
     judge(text, table);
 }

@@ -40,11 +40,13 @@ public:
             return (numbers[hash >> shift] & bits) == bits;
         }
         std::uint64_t hashOf(std::uint64_t first) const noexcept {
-            return mixedHash(first ^ seed, 0x9E3779B97F4A7C15);
+            constexpr std::uint64_t Odd = 0x9E3779B97F4A7C15;
+            const std::uint64_t hash = (first ^ seed) * Odd;
+            return (hash ^ hash >> 32) * Odd;
         }
-        /// By the last bits of the hash, as the first ones tell the number.
+        /// By bits of the middle of the hash, as the first ones tell the number.
         static std::uint64_t bitsOf(std::uint64_t hash) noexcept {
-            return std::uint64_t{1} << (hash & 63) | std::uint64_t{1} << (hash >> 6 & 63);
+            return std::uint64_t{1} << (hash >> 32 & 63) | std::uint64_t{1} << (hash >> 38 & 63);
         }
     };
     View view() const { return {view_.seed, numbers_.data(), view_.shift}; }
