@@ -99,6 +99,11 @@ namespace {
 
 #if defined(__SSE2__)
 
+bool hasBitOperations() noexcept {
+    static const bool has = __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
+    return has;
+}
+
 template <class Steps>
 __attribute__((target("avx2,bmi,bmi2,popcnt"))) void takeWide(const Steps& steps) {
     steps(PutPlaces{});
@@ -120,7 +125,7 @@ void LikelyRuns::judge(const WordText& text, const WordTable& table) {
     const Steps steps{*this, text, table};
 #if defined(__SSE2__)
     if (scan::hasAvx512()) return takeWidest(steps);
-    if (scan::hasAvx2()) return takeWide(steps);
+    if (scan::hasAvx2() && hasBitOperations()) return takeWide(steps);
 #endif
     steps(PutPlaces{});
 }

@@ -6,7 +6,6 @@
 
 #include "query/FoldVariants.h"
 #include "query/QueryTree.h"
-#include "text/PatternScan.h"
 
 namespace velmo::detail {
 namespace {
@@ -16,7 +15,7 @@ std::size_t fewestWords() { return sieveWay() == SieveWay::OneByOne ? 8 : 3; }
 /// To make them ready takes about as long as to seek so many units for one word.
 constexpr std::size_t FewestUnits = 2048;
 
-/// What the bits of a unit may be that is the same in that case.
+/// The bits of all units that are the same as one in that case.
 std::vector<unsigned> bitsOfVariants(char16_t unit, Case letterCase) {
     std::vector<unsigned> bits = {TripleSieve::bitsOf(unit)};
     if (letterCase == Case::Sensitive) return bits;
@@ -44,7 +43,7 @@ void add(TripleSieve& sieve, unsigned group, std::u16string_view word, Case lett
     }
 }
 
-/// Words that begin alike share a group, as then the group has few units at each place; and short
+/// Words that begin alike share a group, as then the group has few pairs at each place; and short
 /// ones do, which let everything pass at the places behind them.
 TripleSieve sieveOf(std::span<const WordTable::Word> words, Case letterCase) {
     using Beginning = std::pair<std::size_t, std::array<char16_t, TripleSieve::Ahead + 1>>;

@@ -3,6 +3,7 @@
 #include <velmocore/text/ConversionTables.h>
 
 #include "TestSupport.h"
+#include "text/SmallerMachine.h"
 
 namespace velmo {
 namespace {
@@ -38,7 +39,10 @@ TEST(UnitBlocks, AreTheSameManyAtOnce) {
             put(text, bases, set, letterCase, detail::UnitBlocks{blocks.members.data(), blocks.bytes.data()});
             return blocks;
         };
-        ASSERT_EQ(blocksBy(detail::putUnitBlocks), blocksBy(detail::putUnitBlocksOneByOne)) << utf8(text);
+        const Blocks expected = blocksBy(detail::putUnitBlocksOneByOne);
+        ASSERT_EQ(blocksBy(detail::putUnitBlocks), expected) << utf8(text);
+        const test::WithoutAvx512 smaller;
+        ASSERT_EQ(blocksBy(detail::putUnitBlocks), expected) << utf8(text);
     }
 }
 
