@@ -192,13 +192,13 @@ const ManyWords* PreparedWords::of(const QueryTree& tree, const WordText& text, 
     return words->serves(text.termCharacters) ? words : nullptr;
 }
 
-/// In few blocks at first, as the first words that are found may decide.
+/// In one block at first, as the first words that are found may decide.
 bool ManyWordsScan::listRuns() {
     std::array<SievedBlock, LikelyRuns::MostBlocks> blocks;
     do {
         scanned_ = listed_;
         if (listed_ >= text_.units.size()) return false;
-        room_ = std::min(2 * room_, blocks.size());
+        room_ = std::clamp<std::size_t>(4 * room_, 1, blocks.size());
         const std::size_t count =
             nextSieved(text_.units, listed_, words_.sieve(), std::span(blocks).first(room_));
         listed_ = count == 0 ? text_.units.size() : blocks[count - 1].base + UnitsInBlock;

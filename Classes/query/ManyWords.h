@@ -107,6 +107,7 @@ private:
 /// Goes once through a text for many words. Not to be shared between threads.
 class ManyWordsScan {
 public:
+    /// Both must outlive this.
     ManyWordsScan(const ManyWords& words, const WordText& text) : words_(words), text_(text) {}
 
     /// All words that begin before it have been told.
@@ -141,9 +142,9 @@ private:
     }
 
     const ManyWords& words_;
-    const WordText text_;
+    const WordText& text_;
     std::uint64_t scanned_ = 0, listed_ = 0;  // up to there runs have been listed
-    std::size_t room_ = 1, next_ = 0;
+    std::size_t room_ = 0, next_ = 0;
     LikelyRuns runs_;
 };
 
