@@ -1,5 +1,5 @@
 // A group of words is a bit. For each pair of units of a word a table tells the groups that may have
-// it there, and what the tables have in common for five pairs in a row is left of the groups. Pairs
+// it there, and what the tables have in common for four pairs in a row is left of the groups. Pairs
 // are much sharper than units: a group of a hundred words has nearly all letters at some place.
 //
 // AVX2 looks up in tables of 16 bytes, so there the halves of a pair's number are looked up, and what
@@ -23,15 +23,14 @@ constexpr std::size_t Ahead = TripleSieve::Ahead;
 using FirstUnits = std::array<char16_t, Ahead>;
 
 /// Puts down the blocks in which a place passes. Sieve::placesOf(units) tells those of 64, and reads
-/// the five units behind them; it is asked for one block after the other, and told the first five
+/// the four units behind them; it is asked for one block after the other, and told the first four
 /// units ahead. Becomes part of its caller, which may be made for other machines than it is.
 template <class Sieve>
 __attribute__((always_inline)) inline std::size_t sieved(std::u16string_view text, std::size_t base,
                                                          std::span<SievedBlock> found,
                                                          Sieve&& sieve) {
     const auto unitAt = [&](std::size_t i) { return i < text.size() ? text[i] : u'\0'; };
-    sieve.begin(
-        {unitAt(base), unitAt(base + 1), unitAt(base + 2), unitAt(base + 3), unitAt(base + 4)});
+    sieve.begin({unitAt(base), unitAt(base + 1), unitAt(base + 2), unitAt(base + 3)});
     std::size_t count = 0;
     for (; base + BlockSize + Ahead <= text.size() && count < found.size(); base += BlockSize)
         if (const std::uint64_t places = sieve.placesOf(text.data() + base))
@@ -68,8 +67,7 @@ struct OneByOne {
         for (std::size_t i = 0; i < BlockSize; ++i) {
             const unsigned groups =
                 GroupsOf(sieve, 0, pairAt(i)) & GroupsOf(sieve, 1, pairAt(i + 1)) &
-                GroupsOf(sieve, 2, pairAt(i + 2)) & GroupsOf(sieve, 3, pairAt(i + 3)) &
-                GroupsOf(sieve, 4, pairAt(i + 4));
+                GroupsOf(sieve, 2, pairAt(i + 2)) & GroupsOf(sieve, 3, pairAt(i + 3));
             places |= static_cast<std::uint64_t>(groups != 0) << i;
         }
         return places;
@@ -78,7 +76,7 @@ struct OneByOne {
 
 #if defined(__SSE2__)
 
-// Both look at the fifth pairs of a block's places; what the pairs before may be has then been
+// Both look at the fourth pairs of a block's places; what the pairs before may be has then been
 // looked up with the block before, but for the first block.
 
 /// 64 places in two steps, for machines that have AVX2.
@@ -98,17 +96,13 @@ public:
                 groupsOfHalves(sieve_, place, TripleSieve::pairOf(units[i], units[i + 1])));
         };
         const __m256i none = _mm256_setzero_si256();
-        bits_ = _mm256_insert_epi8(none, static_cast<char>(TripleSieve::bitsOf(units[4])), 31);
-        fourth_ = _mm256_insert_epi8(none, groups(3, 3), 31);
-        third_ = _mm256_insert_epi8(none, groups(2, 2), 30);
-        third_ = _mm256_insert_epi8(third_, groups(2, 3), 31);
-        second_ = _mm256_insert_epi8(none, groups(1, 1), 29);
-        second_ = _mm256_insert_epi8(second_, groups(1, 2), 30);
-        second_ = _mm256_insert_epi8(second_, groups(1, 3), 31);
-        first_ = _mm256_insert_epi8(none, groups(0, 0), 28);
-        first_ = _mm256_insert_epi8(first_, groups(0, 1), 29);
-        first_ = _mm256_insert_epi8(first_, groups(0, 2), 30);
-        first_ = _mm256_insert_epi8(first_, groups(0, 3), 31);
+        bits_ = _mm256_insert_epi8(none, static_cast<char>(TripleSieve::bitsOf(units[3])), 31);
+        third_ = _mm256_insert_epi8(none, groups(2, 2), 31);
+        second_ = _mm256_insert_epi8(none, groups(1, 1), 30);
+        second_ = _mm256_insert_epi8(second_, groups(1, 2), 31);
+        first_ = _mm256_insert_epi8(none, groups(0, 0), 29);
+        first_ = _mm256_insert_epi8(first_, groups(0, 1), 30);
+        first_ = _mm256_insert_epi8(first_, groups(0, 2), 31);
     }
 
     __attribute__((target("avx2"))) std::uint64_t placesOf(const char16_t* units) noexcept {
@@ -138,7 +132,7 @@ private:
         return _mm256_alignr_epi8(bytes, _mm256_permute2x128_si256(before, bytes, 0x21), 16 - By);
     }
 
-    /// The groups that are left of 32 places, by their fifth pairs.
+    /// The groups that are left of 32 places, by their fourth pairs.
     __attribute__((target("avx2"))) __m256i groupsOf(const char16_t* units) noexcept {
         const auto* block = reinterpret_cast<const __m256i*>(units);
         const __m256i inUnit = _mm256_set1_epi16(0x5F), inHalf = _mm256_set1_epi8(0x0F);
@@ -154,23 +148,21 @@ private:
         const __m256i low = _mm256_and_si256(pairs, inHalf);
         const __m256i high = _mm256_and_si256(_mm256_srli_epi16(pairs, 4), inHalf);
         const __m256i first = lookUp(0, low, high), second = lookUp(1, low, high),
-                      third = lookUp(2, low, high), fourth = lookUp(3, low, high);
+                      third = lookUp(2, low, high);
         const __m256i some =
-            _mm256_and_si256(movedOn<4>(first_, first), movedOn<3>(second_, second));
-        const __m256i others =
-            _mm256_and_si256(movedOn<2>(third_, third), movedOn<1>(fourth_, fourth));
+            _mm256_and_si256(movedOn<3>(first_, first), movedOn<2>(second_, second));
+        const __m256i others = _mm256_and_si256(movedOn<1>(third_, third), lookUp(3, low, high));
         bits_ = bits;
         first_ = first;
         second_ = second;
         third_ = third;
-        fourth_ = fourth;
-        return _mm256_and_si256(_mm256_and_si256(some, others), lookUp(4, low, high));
+        return _mm256_and_si256(some, others);
     }
 
     const TripleSieve& sieve_;
     __m256i low_[TripleSieve::Places], high_[TripleSieve::Places];
-    // Of the units before: their bits, and the groups by pairs.
-    __m256i bits_, first_, second_, third_, fourth_;
+    __m256i bits_, first_, second_,
+        third_;  // of the units before: their bits, and the groups by pairs
 };
 
 __attribute__((target("avx2"))) std::size_t nextByHalves(std::u16string_view text, std::size_t base,
@@ -196,7 +188,6 @@ public:
         byOne_ = _mm512_add_epi8(places, _mm512_set1_epi8(63));
         byTwo_ = _mm512_add_epi8(places, _mm512_set1_epi8(62));
         byThree_ = _mm512_add_epi8(places, _mm512_set1_epi8(61));
-        byFour_ = _mm512_add_epi8(places, _mm512_set1_epi8(60));
         for (unsigned i = 0; i < TripleSieve::Pairs; ++i)
             turned[i] = static_cast<std::uint8_t>(
                 TripleSieve::turned(TripleSieve::bitsOf(static_cast<char16_t>(i))));
@@ -209,14 +200,12 @@ public:
             return static_cast<char>(
                 groupsOfPair(sieve_, place, TripleSieve::pairOf(units[i], units[i + 1])));
         };
-        // Of what was looked up before, only the last bytes count.
-        bits_ = _mm512_set1_epi8(static_cast<char>(TripleSieve::bitsOf(units[4])));
-        fourth_ = _mm512_set1_epi8(groups(3, 3));
-        third_ = withLast(_mm512_set1_epi8(groups(2, 2)), 1, groups(2, 3));
-        second_ = withLast(_mm512_set1_epi8(groups(1, 1)), 2, groups(1, 2));
-        second_ = withLast(second_, 1, groups(1, 3));
-        first_ = withLast(_mm512_set1_epi8(groups(0, 0)), 3, groups(0, 1));
-        first_ = withLast(withLast(first_, 2, groups(0, 2)), 1, groups(0, 3));
+        constexpr std::uint64_t Last = std::uint64_t{1} << 63, BeforeLast = Last >> 1;
+        bits_ = _mm512_set1_epi8(static_cast<char>(TripleSieve::bitsOf(units[3])));
+        third_ = _mm512_set1_epi8(groups(2, 2));
+        second_ = _mm512_mask_set1_epi8(_mm512_set1_epi8(groups(1, 1)), Last, groups(1, 2));
+        first_ = _mm512_mask_set1_epi8(_mm512_set1_epi8(groups(0, 0)), BeforeLast, groups(0, 1));
+        first_ = _mm512_mask_set1_epi8(first_, Last, groups(0, 2));
     }
 
     __attribute__((target("avx512bw,avx512vbmi"))) std::uint64_t placesOf(
@@ -229,27 +218,19 @@ public:
         const __m512i pairs =
             _mm512_xor_si512(_mm512_permutex2var_epi8(bits_, byOne_, bits),
                              _mm512_permutex2var_epi8(turned_[0], bytes, turned_[1]));
-        const __m512i first = lookUp(0, pairs), second = lookUp(1, pairs), third = lookUp(2, pairs),
-                      fourth = lookUp(3, pairs);
-        const __m512i some = _mm512_and_si512(_mm512_permutex2var_epi8(first_, byFour_, first),
-                                              _mm512_permutex2var_epi8(second_, byThree_, second));
-        const __m512i others = _mm512_and_si512(_mm512_permutex2var_epi8(third_, byTwo_, third),
-                                                _mm512_permutex2var_epi8(fourth_, byOne_, fourth));
+        const __m512i first = lookUp(0, pairs), second = lookUp(1, pairs), third = lookUp(2, pairs);
+        const __m512i some = _mm512_and_si512(_mm512_permutex2var_epi8(first_, byThree_, first),
+                                              _mm512_permutex2var_epi8(second_, byTwo_, second));
+        const __m512i others =
+            _mm512_and_si512(_mm512_permutex2var_epi8(third_, byOne_, third), lookUp(3, pairs));
         bits_ = bits;
         first_ = first;
         second_ = second;
         third_ = third;
-        fourth_ = fourth;
-        return _mm512_test_epi8_mask(_mm512_and_si512(some, others), lookUp(4, pairs));
+        return _mm512_test_epi8_mask(some, others);
     }
 
 private:
-    /// With another byte at a place counted from the end.
-    __attribute__((target("avx512bw,avx512vbmi"))) static __m512i withLast(__m512i bytes,
-                                                                           unsigned fromEnd,
-                                                                           char value) noexcept {
-        return _mm512_mask_set1_epi8(bytes, std::uint64_t{1} << (64 - fromEnd), value);
-    }
     __attribute__((target("avx512bw,avx512vbmi"))) __m512i lookUp(unsigned place,
                                                                   __m512i pairs) const noexcept {
         return _mm512_permutex2var_epi8(tables_[place][0], pairs, tables_[place][1]);
@@ -257,9 +238,9 @@ private:
 
     const TripleSieve& sieve_;
     __m512i tables_[TripleSieve::Places][2], turned_[2];
-    __m512i evenBytes_, byOne_, byTwo_, byThree_, byFour_;
-    // Of the units before: their bits, and the groups by pairs.
-    __m512i bits_, first_, second_, third_, fourth_;
+    __m512i evenBytes_, byOne_, byTwo_, byThree_;
+    __m512i bits_, first_, second_,
+        third_;  // of the units before: their bits, and the groups by pairs
 };
 
 __attribute__((target("avx512bw,avx512vbmi"))) std::size_t nextByPairs(

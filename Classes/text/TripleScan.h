@@ -10,11 +10,11 @@
 
 namespace velmo::detail {
 
-/// What the first five pairs of units of words may be, for up to eight groups of words. Of a pair
+/// What the first four pairs of units of words may be, for up to eight groups of words. Of a pair
 /// only a number of seven bits is looked at, which is the same for ASCII letters of either case.
 /// Whatever folds units, each one that may stand in a word is to be added by itself.
 struct TripleSieve {
-    static constexpr unsigned Groups = 8, Places = 5, Pairs = 128, Ahead = Places;
+    static constexpr unsigned Groups = 8, Places = 4, Pairs = 128, Ahead = Places;
 
     /// By place and pair, the groups that have it; and the same by the two halves of its number,
     /// which lets more pass.

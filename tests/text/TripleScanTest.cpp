@@ -43,8 +43,8 @@ TEST(TripleScan, WaysAgreeAndLetWordsPass) {
         std::vector<std::u16string> words(random() % 12);
         for (std::size_t i = 0; i < words.size(); ++i) {
             // Some stand in the text, and one at its very end.
-            for (std::size_t length = 1 + random() % 7; length > 0; --length) words[i] += randomUnit();
-            if (text.size() > 6 && i % 2) words[i] = text.substr(random() % (text.size() - 6), 6);
+            for (std::size_t length = 1 + random() % 6; length > 0; --length) words[i] += randomUnit();
+            if (text.size() > 5 && i % 2) words[i] = text.substr(random() % (text.size() - 5), 5);
             if (text.size() > 3 && i == 4) words[i] = text.substr(text.size() - 1 - random() % 3);
             const auto group = static_cast<unsigned>(i % detail::TripleSieve::Groups);
             for (unsigned place = 0; place < detail::TripleSieve::Places; ++place) {
