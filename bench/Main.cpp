@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "Machine.h"
+
 namespace {
 
 class RatioReporter : public benchmark::ConsoleReporter {
@@ -48,6 +50,7 @@ private:
 }  // namespace
 
 int main(int argc, char** argv) {
+    velmo::bench::chooseMachine();
     std::vector<char*> arguments(argv, argv + argc);
     char repetitions[] = "--benchmark_repetitions=7";
     char interleaving[] = "--benchmark_enable_random_interleaving=true";

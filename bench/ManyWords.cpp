@@ -5,14 +5,12 @@
 // A word ends for the peers at \b, for which _ is part of a word and a letter outside ASCII is
 // none; the words are chosen so that this makes no difference to the counts.
 #include <benchmark/benchmark.h>
-#include <hs.h>
 #include <re2/re2.h>
 
 #include <algorithm>
 #include <map>
 #include <random>
 #include <set>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -21,6 +19,7 @@
 #include <velmocore/query/QueryTerms.h>
 
 #include "Corpus.h"
+#include "HyperscanDatabase.h"
 
 namespace velmo::bench {
 namespace {
@@ -110,56 +109,6 @@ std::string joined(const Words& words, std::string_view separator) {
     return result;
 }
 
-/// A database of words, each to be found as a whole.
-class HyperscanWords {
-public:
-    explicit HyperscanWords(const Words& words) {
-        std::vector<std::string> expressions;
-        for (const std::string& word : words) expressions.push_back("\\b" + word + "\\b");
-        std::vector<const char*> patterns;
-        for (const std::string& expression : expressions) patterns.push_back(expression.c_str());
-        const std::vector<unsigned> flags(words.size(), HS_FLAG_CASELESS);
-        hs_compile_error_t* error = nullptr;
-        if (hs_compile_multi(patterns.data(), flags.data(), nullptr,
-                             static_cast<unsigned>(words.size()), HS_MODE_BLOCK, nullptr,
-                             &database_, &error) != HS_SUCCESS)
-            throw std::runtime_error(error->message);
-        hs_alloc_scratch(database_, &scratch_);
-    }
-    ~HyperscanWords() {
-        hs_free_scratch(scratch_);
-        hs_free_database(database_);
-    }
-    HyperscanWords(const HyperscanWords&) = delete;
-    HyperscanWords& operator=(const HyperscanWords&) = delete;
-
-    bool anyIn(const std::string& text) const {
-        const auto stop = [](unsigned, unsigned long long, unsigned long long, unsigned, void*) {
-            return 1;
-        };
-        return scan(text, stop, nullptr) == HS_SCAN_TERMINATED;
-    }
-    std::size_t countIn(const std::string& text) const {
-        std::size_t count = 0;
-        const auto add = [](unsigned, unsigned long long, unsigned long long, unsigned,
-                            void* context) {
-            ++*static_cast<std::size_t*>(context);
-            return 0;
-        };
-        scan(text, add, &count);
-        return count;
-    }
-
-private:
-    hs_error_t scan(const std::string& text, match_event_handler handler, void* context) const {
-        return hs_scan(database_, text.data(), static_cast<unsigned>(text.size()), 0, scratch_,
-                       handler, context);
-    }
-
-    hs_database_t* database_ = nullptr;
-    hs_scratch_t* scratch_ = nullptr;
-};
-
 /// Adds up what ask(text) gives.
 template <class Texts, class Ask>
 void count(benchmark::State& state, const Texts& texts, Ask ask) {
@@ -180,7 +129,7 @@ void anyVelmo(benchmark::State& state, Words (*words)()) {
 }
 
 void anyHyperscan(benchmark::State& state, Words (*words)()) {
-    const HyperscanWords database(words());
+    const auto database = HyperscanDatabase::ofWords(words());
     count(state, corpus().textsUtf8, [&](const std::string& text) { return database.anyIn(text); });
 }
 
@@ -201,9 +150,12 @@ void allVelmo(benchmark::State& state, Words (*words)()) {
 }
 
 void allHyperscan(benchmark::State& state, Words (*words)()) {
-    const HyperscanWords database(words());
-    count(state, corpus().textsUtf8,
-          [&](const std::string& text) { return database.countIn(text); });
+    const auto database = HyperscanDatabase::ofWords(words());
+    count(state, corpus().textsUtf8, [&](const std::string& text) {
+        std::size_t places = 0;
+        database.scan(text, [&](unsigned) { return ++places, false; });
+        return places;
+    });
 }
 
 using Run = void (*)(benchmark::State&, Words (*)());

@@ -1,6 +1,5 @@
 // Queries and excerpts, beside Xapian, Hyperscan and SQLite's full-text search.
 #include <benchmark/benchmark.h>
-#include <hs.h>
 #include <sqlite3.h>
 #include <xapian.h>
 
@@ -13,6 +12,7 @@
 #include <velmocore/query/QueryTerms.h>
 
 #include "Corpus.h"
+#include "HyperscanDatabase.h"
 
 namespace velmo::bench {
 namespace {
@@ -76,56 +76,37 @@ void matchVelmo(benchmark::State& state, const MatchCase& c) {
 
 class HyperscanQuery {
 public:
-    explicit HyperscanQuery(const MatchCase& c) : negated_(c.negated) {
-        // A combination takes no \b behind a word, so that words at the very end of a text are
-        // missed; no text here ends with one.
-        std::vector<std::string> expressions;
-        for (const char* word : c.words) expressions.push_back(std::string("\\b") + word + "\\W");
-        expressions.push_back(c.combination);
-        std::vector<const char*> patterns;
-        for (const std::string& expression : expressions) patterns.push_back(expression.c_str());
-        const unsigned word = HS_FLAG_CASELESS | HS_FLAG_QUIET;
-        unsigned flags[] = {word, word, word, word, word, word, HS_FLAG_COMBINATION};
-        if (negated_) flags[negated_ - 1] = HS_FLAG_CASELESS;
-        const unsigned ids[] = {1, 2, 3, 4, 5, 6, 7};
-        hs_compile_error_t* error = nullptr;
-        if (hs_compile_multi(patterns.data(), flags, ids, 7, HS_MODE_BLOCK, nullptr, &database_,
-                             &error) != HS_SUCCESS)
-            throw std::runtime_error(error->message);
-        hs_alloc_scratch(database_, &scratch_);
-    }
-    ~HyperscanQuery() {
-        hs_free_scratch(scratch_);
-        hs_free_database(database_);
-    }
-    HyperscanQuery(const HyperscanQuery&) = delete;
-    HyperscanQuery& operator=(const HyperscanQuery&) = delete;
+    explicit HyperscanQuery(const MatchCase& c)
+        : negated_(c.negated), database_(expressionsOf(c)) {}
 
     /// The scan ends where the combination holds first, or the negated word stands; if there is
     /// one, the combination holds only when all has been read. (With ! in a combination, it is
     /// told to hold before.)
     bool matches(const std::string& text) const {
-        Answer answer{negated_};
-        hs_scan(
-            database_, text.data(), static_cast<unsigned>(text.size()), 0, scratch_,
-            [](unsigned id, unsigned long long, unsigned long long, unsigned, void* context) {
-                auto& told = *static_cast<Answer*>(context);
-                told.holds = id != told.negated;
-                return told.negated == 0 || !told.holds ? 1 : 0;
-            },
-            &answer);
-        return answer.holds;
+        bool holds = false;
+        database_.scan(text, [&](unsigned id) {
+            holds = id != negated_;
+            return negated_ == 0 || !holds;
+        });
+        return holds;
     }
 
 private:
-    struct Answer {
-        unsigned negated;
-        bool holds = false;
-    };
+    /// A combination takes no \b behind a word, so that words at the very end of a text are missed;
+    /// no text here ends with one.
+    static std::vector<HyperscanDatabase::Expression> expressionsOf(const MatchCase& c) {
+        std::vector<HyperscanDatabase::Expression> expressions;
+        for (unsigned id = 1; const char* word : c.words) {
+            const unsigned quiet = id == c.negated ? 0 : HS_FLAG_QUIET;
+            expressions.push_back(
+                {std::string("\\b") + word + "\\W", HS_FLAG_CASELESS | quiet, id++});
+        }
+        expressions.push_back({c.combination, HS_FLAG_COMBINATION, 7});
+        return expressions;
+    }
 
     unsigned negated_;
-    hs_database_t* database_ = nullptr;
-    hs_scratch_t* scratch_ = nullptr;
+    HyperscanDatabase database_;
 };
 
 void matchHyperscan(benchmark::State& state, const MatchCase& c) {

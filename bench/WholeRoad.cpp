@@ -4,7 +4,6 @@
 // second are those of one core.
 #include <benchmark/benchmark.h>
 #include <cld2/public/compact_lang_det.h>
-#include <hs.h>
 #include <libxml/HTMLparser.h>
 #include <libxml/uri.h>
 
@@ -13,7 +12,6 @@
 #include <chrono>
 #include <cstring>
 #include <fstream>
-#include <stdexcept>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -29,6 +27,7 @@
 
 #include "Corpus.h"
 #include "HtmlParse.h"
+#include "HyperscanDatabase.h"
 
 namespace velmo::bench {
 namespace {
@@ -139,40 +138,6 @@ void roadOfToday(benchmark::State& state) { ownRoad(state, WebRules::today()); }
 BENCHMARK(describedRoad)->Name("whole-road/velmo")->Unit(benchmark::kMillisecond);
 BENCHMARK(roadOfToday)->Name("whole-road-today/velmo")->Unit(benchmark::kMillisecond);
 
-/// Words by their patterns, any of which is a hit.
-class Patterns {
-public:
-    Patterns() {
-        const char* words[] = {"\\bapache\\b", "\\bcommons\\b", "\\blicense\\b", "\\bmodule\\b"};
-        const unsigned flags[] = {HS_FLAG_CASELESS, HS_FLAG_CASELESS, HS_FLAG_CASELESS,
-                                  HS_FLAG_CASELESS};
-        const unsigned ids[] = {1, 2, 3, 4};
-        hs_compile_error_t* error = nullptr;
-        if (hs_compile_multi(words, flags, ids, 4, HS_MODE_BLOCK, nullptr, &database_, &error) !=
-            HS_SUCCESS)
-            throw std::runtime_error(error->message);
-        hs_alloc_scratch(database_, &scratch_);
-    }
-    ~Patterns() {
-        hs_free_scratch(scratch_);
-        hs_free_database(database_);
-    }
-    Patterns(const Patterns&) = delete;
-    Patterns& operator=(const Patterns&) = delete;
-
-    bool occurIn(const std::string& text) const {
-        const auto stop = [](unsigned, unsigned long long, unsigned long long, unsigned, void*) {
-            return 1;
-        };
-        return hs_scan(database_, text.data(), static_cast<unsigned>(text.size()), 0, scratch_,
-                       stop, nullptr) == HS_SCAN_TERMINATED;
-    }
-
-private:
-    hs_database_t* database_ = nullptr;
-    hs_scratch_t* scratch_ = nullptr;
-};
-
 /// What the peer's handlers collect in one pass.
 struct Collected {
     std::vector<std::string> links;
@@ -227,7 +192,7 @@ std::size_t wordsOf(const std::string& text) {
 /// Links are resolved, but no key is made of them.
 void chain(benchmark::State& state) {
     htmlSAXHandler handler = makeHandler();
-    const Patterns patterns;
+    const auto patterns = HyperscanDatabase::ofWords({"apache", "commons", "license", "module"});
     Found found;
     eachPage(state, corpus().pages, [&](const std::string& bytes) {
         const Collected page = collectedOf(bytes, handler);
@@ -244,7 +209,7 @@ void chain(benchmark::State& state) {
         found.links += keys.size();
         found.words += wordsOf(page.text);
         found.languages += isReliable;
-        found.hits += patterns.occurIn(page.text);
+        found.hits += patterns.anyIn(page.text);
     });
     found.tell(state);
 }

@@ -71,7 +71,7 @@ public:
 
     /// What is needed for proximity, which most texts are not asked for: other words are missing.
     void prepare() {
-        if (!near_.empty()) return;
+        if (!near_.empty() || !tree_.nodes.back().hasProximity) return;
         near_.resize(tree_.nodes.size());
         findWhatShrinks();
     }
@@ -140,29 +140,32 @@ private:
         if (node.isWord && call.left == NoNode)
             return finder_.find(call.node, call.start, call.end).isFound() != node.negated;
         if (!node.isWord && node.count == 0) return node.negated;
+        if (const auto known = knownOfAlternatives(call)) return *known != node.negated;
         if (isRemembered(call))
             if (const auto known = memory_.find(keyOf(call)); known != memory_.end())
                 return known->second;
-        stack_.push_back({.call = call});
+        if (stack_.empty()) stack_.reserve(UsualDepth);
+        stack_.emplace_back().call = call;
         return std::nullopt;
     }
 
     std::optional<bool> finish(bool value) {
         const Call& call = stack_.back().call;
-        if (isRemembered(call)) memory_.emplace(keyOf(call), value);
+        // What has been asked first is not asked again.
+        const bool isLast = stack_.size() == 1 && !keepsAll_;
+        if (!isLast && isRemembered(call)) memory_.emplace(keyOf(call), value);
         stack_.pop_back();
         return value;
     }
+
+    static constexpr std::size_t UsualDepth = 4;
 
     // Groups: from left to right, without precedence.
 
     std::optional<bool> continueGroup(std::optional<bool> answer) {
         Frame& frame = stack_.back();
         const QueryNode& group = tree_.nodes[frame.call.node];
-        if (answer)
-            join(frame, *answer);
-        else if (const auto known = knownOfAlternatives(frame.call))
-            return finish(*known != group.negated);
+        if (answer) join(frame, *answer);
         while (frame.child < group.count) {
             const QueryOperator op = frame.child ? childOf(frame).op : QueryOperator::None;
             if (!canChange(op, frame.value)) {
@@ -181,7 +184,8 @@ private:
     /// What a group joined by OR comes to in the text as a whole, if the finder can tell at once.
     std::optional<bool> knownOfAlternatives(const Call& call) {
         if constexpr (requires { finder_.findsAnyIn(call.node); })
-            if (call.left == NoNode && call.start == 0 && call.end == textEnd_)
+            if (!tree_.nodes[call.node].isWord && call.left == NoNode && call.start == 0 &&
+                call.end == textEnd_)
                 return finder_.findsAnyIn(call.node);
         return {};
     }

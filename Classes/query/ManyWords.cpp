@@ -6,7 +6,6 @@
 
 #include "query/FoldVariants.h"
 #include "query/QueryTree.h"
-#include "text/PatternScan.h"
 
 namespace velmo::detail {
 namespace {
@@ -16,37 +15,43 @@ std::size_t fewestWords() { return sieveWay() == SieveWay::OneByOne ? 8 : 3; }
 /// To make them ready takes about as long as to seek so many units for one word.
 constexpr std::size_t FewestUnits = 2048;
 
-/// Calls unit(variant) for each unit that is the same in that case.
-template <class Unit>
-void eachVariant(char16_t unit, Case letterCase, Unit variant) {
-    if (letterCase == Case::Sensitive) return variant(unit);
+/// The bits of all units that are the same as one in that case.
+std::vector<unsigned> bitsOfVariants(char16_t unit, Case letterCase) {
+    std::vector<unsigned> bits = {TripleSieve::bitsOf(unit)};
+    if (letterCase == Case::Sensitive) return bits;
+    const auto add = [&](char16_t variant) { bits.push_back(TripleSieve::bitsOf(variant)); };
+    const ConversionTable& upper = upperCharsTable();
     // The table of variants takes its time to be made, and is not needed for ASCII.
-    if (unit > 127) {
-        const ConversionTable& upper = upperCharsTable();
-        for (char16_t same : unitsFoldedTo(upper[unit], upper)) variant(same);
-        return;
-    }
-    for (char16_t same : caseAnchor(0, unit).variants) variant(same);
+    if (upper[unit] > 127) std::ranges::for_each(unitsFoldedTo(upper[unit], upper), add);
+    if (upper[unit] <= 127) add(upper[unit]);
+    if (upper[unit] == u'I') add(DotlessI);
+    if (upper[unit] == u'S') add(LongS);
+    std::ranges::sort(bits);
+    bits.erase(std::unique(bits.begin(), bits.end()), bits.end());
+    return bits;
 }
 
 void add(TripleSieve& sieve, unsigned group, std::u16string_view word, Case letterCase) {
     for (unsigned place = 0; place < TripleSieve::Places; ++place) {
-        if (place >= word.size())
+        if (place + 1 >= word.size()) {
             sieve.addAll(group, place);
-        else
-            eachVariant(word[place], letterCase,
-                        [&](char16_t unit) { sieve.add(group, place, unit); });
+            continue;
+        }
+        for (unsigned first : bitsOfVariants(word[place], letterCase))
+            for (unsigned second : bitsOfVariants(word[place + 1], letterCase))
+                sieve.add(group, place, first ^ TripleSieve::turned(second));
     }
 }
 
-/// Words that begin alike share a group, as then the group has few units at each place; and short
+/// Words that begin alike share a group, as then the group has few pairs at each place; and short
 /// ones do, which let everything pass at the places behind them.
 TripleSieve sieveOf(std::span<const WordTable::Word> words, Case letterCase) {
-    using Beginning = std::pair<std::size_t, std::array<char16_t, TripleSieve::Places>>;
+    using Beginning = std::pair<std::size_t, std::array<char16_t, TripleSieve::Ahead + 1>>;
     std::vector<Beginning> beginnings;
     const ConversionTable& upper = upperCharsTable();
     for (const WordTable::Word& word : words) {
-        Beginning beginning = {std::min<std::size_t>(word.units.size(), TripleSieve::Places), {}};
+        Beginning beginning = {std::min<std::size_t>(word.units.size(), TripleSieve::Ahead + 1),
+                               {}};
         for (std::size_t i = 0; i < beginning.first; ++i)
             beginning.second[i] =
                 letterCase == Case::Insensitive ? upper[word.units[i]] : word.units[i];
@@ -96,12 +101,13 @@ ManyWords::ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, 
     nodes_.resize(tree.nodes.size());
     for (const WordTable::Word& word : words) {
         nodes_[word.owner].isSought = true;
-        units_ += word.units;
+        markUnits(word.units);
     }
-    std::ranges::sort(units_);
-    units_.erase(std::unique(units_.begin(), units_.end()), units_.end());
+    std::ranges::sort(otherUnits_);
+    otherUnits_.erase(std::unique(otherUnits_.begin(), otherUnits_.end()), otherUnits_.end());
     markGroups(tree);
     firsts_ = firstOfSameWords(tree, true);
+    markNear(tree);
 }
 
 std::vector<WordTable::Word> ManyWords::wordsOf(const QueryTree& tree, WordsAsked asked,
@@ -133,10 +139,36 @@ void ManyWords::markGroups(const QueryTree& tree) {
     }
 }
 
+void ManyWords::markUnits(std::u16string_view word) {
+    for (char16_t unit : word) {
+        if (unit > 127)
+            otherUnits_ += unit;
+        else
+            asciiUnits_[unit / 8] |= static_cast<std::uint8_t>(1u << unit % 8);
+    }
+}
+
+/// From the top on, as children stand before their parents.
+void ManyWords::markNear(const QueryTree& tree) {
+    for (std::size_t i = tree.nodes.size(); i-- > 0;) {
+        const auto children = tree.childrenOf(tree.nodes[i]);
+        for (std::size_t place = 0; place < children.size(); ++place) {
+            const QueryNode& child = tree.nodes[children[place]];
+            nodes_[children[place]].isNear |= nodes_[i].isNear;
+            if (place == 0 || !isProximityOperator(child.op) || child.distance == 0) continue;
+            nodes_[children[place]].isNear = nodes_[children[place - 1]].isNear = true;
+        }
+    }
+    for (std::size_t i = 0; i < nodes_.size(); ++i) nodes_[firsts_[i]].isNear |= nodes_[i].isNear;
+}
+
+/// The set may be another one than it was when the words were made ready.
 bool ManyWords::serves(const CharacterSetRep& termCharacters) const {
-    // The set may be another one than it was when the words were made ready.
-    return isEnough_ && std::ranges::all_of(
-                            units_, [&](char16_t unit) { return termCharacters.contains(unit); });
+    bool hasAll = isEnough_;
+    for (std::size_t i = 0; i < asciiUnits_.size(); ++i)
+        hasAll &= (asciiUnits_[i] & ~termCharacters.bits[i]) == 0;
+    return hasAll && std::ranges::all_of(
+                         otherUnits_, [&](char16_t unit) { return termCharacters.contains(unit); });
 }
 
 PreparedWords::~PreparedWords() {
@@ -158,6 +190,22 @@ const ManyWords* PreparedWords::of(const QueryTree& tree, const WordText& text, 
             words = own.release();
     }
     return words->serves(text.termCharacters) ? words : nullptr;
+}
+
+/// In one block at first, as the first words that are found may decide.
+bool ManyWordsScan::listRuns() {
+    std::array<SievedBlock, LikelyRuns::MostBlocks> blocks;
+    do {
+        scanned_ = listed_;
+        if (listed_ >= text_.units.size()) return false;
+        room_ = std::clamp<std::size_t>(4 * room_, 1, blocks.size());
+        const std::size_t count =
+            nextSieved(text_.units, listed_, words_.sieve(), std::span(blocks).first(room_));
+        listed_ = count == 0 ? text_.units.size() : blocks[count - 1].base + UnitsInBlock;
+        runs_.list(text_, std::span(blocks).first(count), words_.table());
+        next_ = runs_.next(0);
+    } while (next_ == runs_.count());
+    return true;
 }
 
 }  // namespace velmo::detail

@@ -16,8 +16,8 @@
 
 #include <velmocore/platform/Matching.h>
 
+#include "query/LikelyRuns.h"
 #include "query/WordTable.h"
-#include "text/MemberScan.h"
 #include "text/TripleScan.h"
 #include "words/WordText.h"
 
@@ -54,6 +54,10 @@ public:
     bool hasAlternatives(std::size_t group) const { return nodes_[group].alternatives > 0; }
     bool hasAllOf(std::size_t group) const { return nodes_[group].isWhole; }
 
+    /// Whether the word of a node, or one that is the same, may be asked for in stretches of a text,
+    /// as it stands below a proximity operator.
+    bool isNear(std::size_t node) const { return nodes_[node].isNear; }
+
     /// See firstOfSameWords().
     std::span<const std::size_t> firsts() const { return firsts_; }
     const WordTable& table() const { return table_; }
@@ -63,6 +67,7 @@ private:
     struct Node {
         bool isSought = false;
         bool isWhole = false;
+        bool isNear = false;
         std::size_t group = NoNode;
         std::size_t alternatives = 0;
     };
@@ -71,13 +76,16 @@ private:
     static std::vector<WordTable::Word> wordsOf(const QueryTree& tree, WordsAsked asked,
                                                 const CharacterSetRep& termCharacters);
     void markGroups(const QueryTree& tree);
+    void markNear(const QueryTree& tree);
+    void markUnits(std::u16string_view word);
 
     WordTable table_;
     TripleSieve sieve_;
-    std::u16string units_;  // each unit of the words once
+    std::array<std::uint8_t, 16> asciiUnits_ = {};  // of the words, by bits
+    std::u16string otherUnits_;                     // each once
     std::vector<Node> nodes_;
     std::vector<std::size_t> firsts_;
-    bool isEnough_ = false;
+    bool isEnough_;
 };
 
 /// The many words of a query, made when a text is first worth it. Any number of threads may ask.
@@ -99,60 +107,45 @@ private:
 /// Goes once through a text for many words. Not to be shared between threads.
 class ManyWordsScan {
 public:
+    /// Both must outlive this.
     ManyWordsScan(const ManyWords& words, const WordText& text) : words_(words), text_(text) {}
 
     /// All words that begin before it have been told.
     std::uint64_t scanned() const { return scanned_; }
 
-    /// Goes on by some units and calls found(node, position) for the nodes of the words there, in
-    /// the order of the positions. False at the end of the text.
+    /// Goes on by one run that is likely a word, and calls found(node, position) for the nodes of
+    /// the word that it is, in the order of the positions. False at the end of the text.
     template <class Found>
     bool goOn(Found found) {
-        if (next_ == count_ && !sieveOn()) return false;
-        const SievedBlock block = blocks_[next_++];
-        scanned_ = block.base + BlockSize;
-        const std::u16string_view rest = text_.units.substr(block.base);
-        const std::uint64_t members =
-            membersOf(rest.data(), std::min(rest.size(), BlockSize), text_.termCharacters);
-        const std::uint64_t before =
-            block.base > 0 && text_.termCharacters.contains(text_.units[block.base - 1]);
-        for (std::uint64_t starts = block.places & members & ~(members << 1 | before); starts;
-             starts &= starts - 1) {
-            const auto start = static_cast<unsigned>(std::countr_zero(starts));
-            words_.table().find(rest.substr(start), endOfRun(rest, start, members) - start,
-                                [&](std::size_t node) { found(node, block.base + start); });
-        }
+        if (next_ == runs_.count() && !listRuns()) return false;
+        const Range range = rangeOfRun(next_);
+        const RunKey key = runs_.keyOf(next_);
+        next_ = runs_.next(next_ + 1);
+        scanned_ = next_ == runs_.count() ? listed_ : range.location + 1;
+        words_.table().find(text_.units.substr(range.location, range.length), key,
+                            [&](std::size_t node) { found(node, range.location); });
         return true;
     }
 
 private:
-    static constexpr std::size_t BlockSize = 64, MostBlocks = 16;
+    bool listRuns();
 
-    /// Sieves the next blocks: few at first, as the first words that are found may decide.
-    bool sieveOn() {
-        if (scanned_ >= text_.units.size()) return false;
-        room_ = std::min(2 * room_, MostBlocks);
-        count_ = nextSieved(text_.units, scanned_, words_.sieve(), std::span(blocks_).first(room_));
-        next_ = 0;
-        if (count_ == 0) scanned_ = text_.units.size();
-        return count_ > 0;
-    }
-
-    /// Where the run ends; of a run longer than all words, no more than that.
-    std::size_t endOfRun(std::u16string_view rest, unsigned start, std::uint64_t members) const {
-        if (const std::uint64_t others = ~members >> start)
-            return start + static_cast<unsigned>(std::countr_zero(others));
-        const std::size_t limit = std::min(rest.size(), start + words_.table().longest() + 1);
-        std::size_t end = BlockSize;
-        while (end < limit && text_.termCharacters.contains(rest[end])) ++end;
-        return end;
+    Range rangeOfRun(std::size_t run) const {
+        Range range = runs_.rangeOf(run);
+        // No word is as long as what is then left.
+        const std::size_t longest = words_.table().longest() + 1;
+        if (range.length == LikelyRuns::Longest)
+            while (range.length < longest && range.end() < text_.units.size() &&
+                   text_.termCharacters.contains(text_.units[range.end()]))
+                ++range.length;
+        return range;
     }
 
     const ManyWords& words_;
-    const WordText text_;
-    std::uint64_t scanned_ = 0;
-    std::size_t room_ = 1, next_ = 0, count_ = 0;
-    std::array<SievedBlock, MostBlocks> blocks_;
+    const WordText& text_;
+    std::uint64_t scanned_ = 0, listed_ = 0;  // up to there runs have been listed
+    std::size_t room_ = 0, next_ = 0;
+    LikelyRuns runs_;
 };
 
 }  // namespace velmo::detail

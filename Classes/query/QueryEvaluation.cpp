@@ -13,6 +13,7 @@
 namespace velmo {
 namespace {
 
+using detail::PlacesKept;
 using detail::PlainWords;
 using detail::QueryTree;
 using detail::WildcardWords;
@@ -54,9 +55,10 @@ void setQueryTermCharacters(const CharacterSetRep* set) noexcept { currentTermCh
 bool QueryTerms::matchesString(std::u16string_view text, Case letterCase) const {
     if (isAbsent() || text.empty()) return false;
     const bool keeps = node().hasProximity;
-    return matches(*tree_, index_,
-                   PlainWords(*tree_, text, letterCase, keeps,
-                              keeps ? WordsAsked::All : WordsAsked::Alternatives));
+    return matches(
+        *tree_, index_,
+        PlainWords(*tree_, text, letterCase, keeps ? PlacesKept::NearOthers : PlacesKept::None,
+                   keeps ? WordsAsked::All : WordsAsked::Alternatives));
 }
 
 bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comparison) const {
@@ -66,7 +68,7 @@ bool QueryTerms::matchesString(std::u16string_view text, WildcardComparison comp
 
 bool QueryTerms::containsString(std::u16string_view text, Case letterCase) const {
     if (isAbsent() || text.empty()) return false;
-    return contains(*tree_, index_, text, PlainWords(*tree_, text, letterCase, false));
+    return contains(*tree_, index_, text, PlainWords(*tree_, text, letterCase, PlacesKept::None));
 }
 
 bool QueryTerms::containsString(std::u16string_view text, WildcardComparison comparison) const {

@@ -8,12 +8,12 @@
 namespace velmo {
 namespace {
 
-template <class Words, class Comparison>
-std::vector<Range> hitsOf(std::u16string_view text, const QueryTerms& terms,
-                          Comparison comparison) {
+template <class Words, class Comparison, class Keeps>
+std::vector<Range> hitsOf(std::u16string_view text, const QueryTerms& terms, Comparison comparison,
+                          Keeps keeps) {
     if (terms.isAbsent() || text.empty()) return {};
     const detail::QueryTree& tree = detail::QueryTree::of(terms);
-    Words words(tree, text, comparison, true);
+    Words words(tree, text, comparison, keeps);
     return detail::HitCollection(tree, words).of(detail::QueryTree::indexOf(terms));
 }
 
@@ -21,12 +21,12 @@ std::vector<Range> hitsOf(std::u16string_view text, const QueryTerms& terms,
 
 std::vector<Range> hitsOfQueryTerms(std::u16string_view text, const QueryTerms& terms,
                                     Case letterCase) {
-    return hitsOf<detail::PlainWords>(text, terms, letterCase);
+    return hitsOf<detail::PlainWords>(text, terms, letterCase, detail::PlacesKept::All);
 }
 
 std::vector<Range> hitsOfQueryTerms(std::u16string_view text, const QueryTerms& terms,
                                     WildcardComparison comparison) {
-    return hitsOf<detail::WildcardWords>(text, terms, comparison);
+    return hitsOf<detail::WildcardWords>(text, terms, comparison, true);
 }
 
 std::vector<Range> hitsOfQueryTerms(std::u16string_view text, const QueryTerms& terms) {

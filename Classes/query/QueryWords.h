@@ -14,22 +14,29 @@
 #include "query/QueryTree.h"
 #include "query/WildcardTerm.h"
 #include "query/WordOccurrences.h"
+#include "text/SmallBuffer.h"
 
 namespace velmo::detail {
+
+/// Of which words the places are kept, as these are asked for over and over.
+enum class PlacesKept { None, NearOthers, All };
 
 /// Finds the words of a tree as they are written: many of them in one walk over the text.
 class PlainWords {
 public:
-    /// If the words are asked for over and over, as proximity does, their places are kept.
-    PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, bool keeps,
+    PlainWords(const QueryTree& tree, std::u16string_view text, Case letterCase, PlacesKept keeps,
                WordsAsked asked = WordsAsked::All)
         : tree_(tree),
           text_(wordTextOf(text, queryTermCharacters(), tree.withinRuns, std::span(&tree.text, 1))),
           letterCase_(letterCase),
+          keeps_(keeps),
           many_(tree.prepared.of(tree, text_, letterCase, asked)),
-          ownFirsts_(many_ ? std::vector<std::size_t>() : firstOfSameWords(tree, keeps)),
-          firsts_(many_ && keeps ? many_->firsts() : std::span<const std::size_t>(ownFirsts_)),
-          occurrences_(firsts_.size()) {
+          ownFirsts_(many_ ? std::vector<std::size_t>()
+                           : firstOfSameWords(tree, keeps != PlacesKept::None)),
+          firsts_(many_ && keeps != PlacesKept::None ? many_->firsts()
+                                                     : std::span<const std::size_t>(ownFirsts_)),
+          occurrences_(firsts_.size()),
+          isFound_(many_ ? tree.nodes.size() / 64 + 1 : 0, 0) {
         if (many_) scan_.emplace(*many_, text_);
     }
     PlainWords(const PlainWords&) = delete;
@@ -49,8 +56,8 @@ public:
     /// Whether one of the words joined by OR in a group occurs in the text; nothing if that is not
     /// known, as the group has others too.
     std::optional<bool> findsAnyIn(std::size_t group) {
-        if (!many_ || !occurrences_.empty() || !many_->hasAlternatives(group)) return {};
-        if (firstOf(group) != NotFound) return true;
+        if (!many_ || !many_->hasAlternatives(group) || keepsPlacesOf(group)) return {};
+        if (occurs(group)) return true;
         return many_->hasAllOf(group) ? std::optional(false) : std::nullopt;
     }
 
@@ -69,6 +76,7 @@ public:
     }
 
     bool isOneRun(std::size_t index) const {
+        if (isShared(index)) return true;
         const WordText word = wordTextAt(index);
         return !cutsRuns(index) && word.isOneWord();
     }
@@ -79,6 +87,7 @@ public:
     bool isInOrder(std::size_t) const { return true; }
 
     bool cutsRuns(std::size_t index) const {
+        if (isShared(index)) return false;
         const QueryNode& node = tree_.nodes[index];
         const std::u16string_view word = tree_.wordOf(node);
         return node.substring || word.empty() || word.front() == u'*';
@@ -98,37 +107,41 @@ private:
 
     std::uint64_t placeOf(std::size_t index, const SoughtWord& sought, std::uint64_t start,
                           std::uint64_t end) {
-        const bool isShared = many_ && many_->has(index);
-        if (occurrences_.empty())
-            return isShared ? firstOf(index) : scanForWord(sought, start, end);
+        if (isShared(index) && !keepsPlacesOf(index)) return occurs(index) ? start : NotFound;
+        if (occurrences_.empty()) return scanForWord(sought, start, end);
         WordOccurrences& occurrences = occurrences_[firsts_[index]];
-        if (!isShared) return occurrences.find(sought, start, end);
+        if (!isShared(index)) return occurrences.find(sought, start, end);
         return occurrences.find(sought, start, end, [&](std::uint64_t from) {
             while (!occurrences.reaches(from) && scan_->scanned() < end && goOn()) {
             }
         });
     }
 
-    /// The first place of a node in the walk, if places are not kept.
-    std::uint64_t firstOf(std::size_t node) {
-        const auto isFound = [&] { return !first_.empty() && first_[node] != NotFound; };
-        while (!isFound() && goOn()) {
-        }
-        return isFound() ? first_[node] : NotFound;
+    /// Whether the walk for many words has that one.
+    bool isShared(std::size_t node) const { return many_ && many_->has(node); }
+    /// Of others it is only asked whether they stand in the text as a whole.
+    bool keepsPlacesOf(std::size_t node) const {
+        return keeps_ == PlacesKept::All ||
+               (keeps_ == PlacesKept::NearOthers && many_->isNear(node));
     }
+
+    /// Whether the walk comes by a word, or one of a group.
+    bool occurs(std::size_t node) {
+        while (!isFound(node) && goOn()) {
+        }
+        return isFound(node);
+    }
+    bool isFound(std::size_t node) const { return isFound_[node / 64] >> node % 64 & 1; }
+    void setFound(std::size_t node) { isFound_[node / 64] |= std::uint64_t{1} << node % 64; }
 
     /// Goes on in the walk for many words, and tells the nodes that are found.
     template <class Found>
     bool goOn(Found found) {
         return scan_->goOn([&](std::size_t node, std::uint64_t position) {
-            if (!occurrences_.empty()) {
-                if (firsts_[node] == node) occurrences_[node].add(position);
-                return;
-            }
-            if (first_.empty()) first_.resize(tree_.nodes.size(), NotFound);
-            first_[node] = std::min(first_[node], position);
+            if (keepsPlacesOf(node) && firsts_[node] == node) occurrences_[node].add(position);
+            setFound(node);
             if (const std::size_t group = many_->groupOf(node); group != ManyWords::NoNode)
-                first_[group] = std::min(first_[group], position);
+                setFound(group);
             found(node);
         });
     }
@@ -139,12 +152,13 @@ private:
     const QueryTree& tree_;
     WordText text_;
     Case letterCase_;
+    PlacesKept keeps_;
     const ManyWords* many_;  // or null
     std::vector<std::size_t> ownFirsts_;
     std::span<const std::size_t> firsts_;
     std::vector<WordOccurrences> occurrences_;  // by node
     std::optional<ManyWordsScan> scan_;
-    std::vector<std::uint64_t> first_;  // by node; empty until the first one is found
+    SmallBuffer<std::uint64_t, 4> isFound_;  // by node, of the walk
 };
 
 /// Finds the words of a tree as wildcards.

@@ -26,6 +26,10 @@ public:
                        List list) {
         const std::uint64_t length = sought.word.size();
         if (start > end || end - start < length) return NotFound;
+        if (start == 0 && end == sought.text.size()) {
+            if (!reaches(0)) list(0);
+            return positions_.empty() ? NotFound : positions_.front();
+        }
         // The edges of the stretch first and last; between them it is as in the whole text.
         if (wordStandsAt(sought, start, start, end)) return start;
         const std::uint64_t last = end - length;

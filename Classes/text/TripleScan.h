@@ -10,26 +10,35 @@
 
 namespace velmo::detail {
 
-/// What the first three units of words may be, for up to eight groups of words. Of a unit only the
-/// low bits are looked at. Whatever folds units, each one that may stand in a word is to be added
-/// by itself.
+/// What the first four pairs of units of words may be, for up to eight groups of words. Of a pair
+/// only a number of seven bits is looked at, which is the same for ASCII letters of either case.
+/// Whatever folds units, each one that may stand in a word is to be added by itself.
 struct TripleSieve {
-    static constexpr unsigned Groups = 8, Places = 3, Units = 128;
+    static constexpr unsigned Groups = 8, Places = 4, Pairs = 128, Ahead = Places;
 
-    /// By place and unit, the groups that have it; and the same by the two halves of a byte, which
-    /// lets more pass.
-    alignas(64) std::uint8_t units[Places][Units] = {};
+    /// By place and pair, the groups that have it; and the same by the two halves of its number,
+    /// which lets more pass.
+    alignas(64) std::uint8_t pairs[Places][Pairs] = {};
     alignas(16) std::uint8_t low[Places][16] = {}, high[Places][16] = {};
 
-    void add(unsigned group, unsigned place, char16_t unit) noexcept {
-        const auto bit = static_cast<std::uint8_t>(1u << group);
-        units[place][unit % Units] |= bit;
-        low[place][unit & 15] |= bit;
-        high[place][unit >> 4 & 15] |= bit;
+    /// Of a unit what tells it from others, and the same turned by three bits.
+    static constexpr unsigned bitsOf(char16_t unit) noexcept { return unit & 0x5F; }
+    static constexpr unsigned turned(unsigned bits) noexcept {
+        return (bits << 3 & 0x78) | bits >> 4;
     }
-    /// Words of the group may end before the place.
+    static constexpr unsigned pairOf(char16_t first, char16_t second) noexcept {
+        return bitsOf(first) ^ turned(bitsOf(second));
+    }
+
+    void add(unsigned group, unsigned place, unsigned pair) noexcept {
+        const auto bit = static_cast<std::uint8_t>(1u << group);
+        pairs[place][pair] |= bit;
+        low[place][pair & 15] |= bit;
+        high[place][pair >> 4] |= bit;
+    }
+    /// Words of the group may end before the second unit of the pair.
     void addAll(unsigned group, unsigned place) noexcept {
-        for (char16_t unit = 0; unit < 256; ++unit) add(group, place, unit);
+        for (unsigned pair = 0; pair < Pairs; ++pair) add(group, place, pair);
     }
 };
 
@@ -45,9 +54,9 @@ struct SievedBlock {
 VELMO_API std::size_t nextSieved(std::u16string_view text, std::size_t base,
                                  const TripleSieve& sieve, std::span<SievedBlock> found) noexcept;
 
-/// The ways to do so: one place after the other, or many in one step by halves of bytes (AVX2) or
-/// by units (AVX-512). Those that look units up as a whole give the same as one by one.
-enum class SieveWay { OneByOne, HalvesOneByOne, Halves, Units };
+/// The ways to do so: one place after the other, or many in one step by halves of pairs (AVX2) or
+/// by pairs (AVX-512). Those that look pairs up as a whole give the same as one by one.
+enum class SieveWay { OneByOne, HalvesOneByOne, Halves, Pairs };
 
 /// The fastest way of this machine.
 VELMO_API SieveWay sieveWay() noexcept;

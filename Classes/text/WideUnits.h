@@ -9,11 +9,17 @@ namespace velmo::detail::scan {
 
 #if defined(__SSE2__)
 
-/// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI) may be called.
+/// Taken away, while no other thread is at work, where tests and benchmarks want to know what smaller
+/// machines do.
+inline bool mayUseAvx512 = true;
+
+/// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI, VBMI2) may be
+/// called.
 inline bool hasAvx512() noexcept {
-    static const bool has =
-        __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi");
-    return has;
+    static const bool has = __builtin_cpu_supports("avx512bw") &&
+                            __builtin_cpu_supports("avx512vbmi") &&
+                            __builtin_cpu_supports("avx512vbmi2");
+    return has && mayUseAvx512;
 }
 
 #endif
