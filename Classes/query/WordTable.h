@@ -9,7 +9,7 @@
 #include <velmocore/platform/Matching.h>
 
 #include "query/RunKey.h"
-#include "text/UnitHash.h"
+#include "platform/UnitHash.h"
 
 namespace velmo::detail {
 
