@@ -8,51 +8,48 @@
 
 #include <velmocore/platform/Matching.h>
 
-#include "query/RunKey.h"
 #include "platform/UnitHash.h"
+#include "query/RunKey.h"
 
 namespace velmo::detail {
 
 /// Tells of nearly all runs that they are no words, at no more than one look at a small place: for
-/// the first eight units of each word there are two bits in a number.
+/// the first eight units of each word there is a bit.
 class BeginningFilter {
 public:
     explicit BeginningFilter(std::size_t words)
-        : numbers_(std::bit_ceil(words + 2)),
+        : bytes_(std::bit_ceil(BytesOfWord * (words + 1))),
           view_{hashSeed(), nullptr,
-                64 - static_cast<unsigned>(std::countr_zero(numbers_.size()))} {}
+                64 - 3 - static_cast<unsigned>(std::countr_zero(bytes_.size()))} {}
 
     void add(const RunKey& key) {
-        const View filter = view();
-        const std::uint64_t hash = filter.hashOf(key.first);
-        numbers_[hash >> filter.shift] |= filter.bitsOf(hash);
+        const std::uint64_t bit = view_.bitOf(key.first);
+        bytes_[bit / 8] |= static_cast<std::uint8_t>(1u << bit % 8);
     }
 
     /// How it is asked, for loops that ask it often.
     struct View {
         std::uint64_t seed;
-        const std::uint64_t* numbers;
+        const std::uint8_t* bytes;
         unsigned shift;
 
         /// For RunKey::first of a run.
         bool mayHave(std::uint64_t first) const noexcept {
-            const std::uint64_t hash = hashOf(first), bits = bitsOf(hash);
-            return (numbers[hash >> shift] & bits) == bits;
+            const std::uint64_t bit = bitOf(first);
+            return bytes[bit / 8] >> bit % 8 & 1;
         }
-        std::uint64_t hashOf(std::uint64_t first) const noexcept {
-            constexpr std::uint64_t Odd = 0x9E3779B97F4A7C15;
-            const std::uint64_t hash = (first ^ seed) * Odd;
-            return (hash ^ hash >> 32) * Odd;
-        }
-        /// By bits of the middle of the hash, as the first ones tell the number.
-        static std::uint64_t bitsOf(std::uint64_t hash) noexcept {
-            return std::uint64_t{1} << (hash >> 32 & 63) | std::uint64_t{1} << (hash >> 38 & 63);
+        /// By the highest bits of a product, as all units have their part in these.
+        std::uint64_t bitOf(std::uint64_t first) const noexcept {
+            return (first ^ seed) * 0x9E3779B97F4A7C15 >> shift;
         }
     };
-    View view() const { return {view_.seed, numbers_.data(), view_.shift}; }
+    View view() const { return {view_.seed, bytes_.data(), view_.shift}; }
 
 private:
-    std::vector<std::uint64_t> numbers_;  // as many as words: few of a thousand other runs pass
+    /// So that few of a hundred other runs pass.
+    static constexpr std::size_t BytesOfWord = 16;
+
+    std::vector<std::uint8_t> bytes_;
     View view_;
 };
 

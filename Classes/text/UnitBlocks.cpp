@@ -32,17 +32,113 @@ __attribute__((always_inline)) inline void putEach(std::u16string_view text,
 
 #if defined(__SSE2__)
 
-__attribute__((target("avx2"))) void putWide(std::u16string_view text,
-                                             std::span<const std::size_t> bases,
-                                             const CharacterSetRep& set, Case letterCase,
-                                             UnitBlocks blocks) noexcept {
+/// So few units outside ASCII are looked up one by one.
+constexpr int FewOthers = 4;
+
+/// The members among the others, which are by bits those outside ASCII.
+__attribute__((always_inline)) inline std::uint64_t membersOfOthers(
+    const char16_t* units, std::uint64_t others, const CharacterSetRep& set) noexcept {
+    if (std::popcount(others) > FewOthers) return membersOf(units, UnitsInBlock, set) & others;
+    std::uint64_t members = 0;
+    for (; others; others &= others - 1) {
+        const auto i = static_cast<unsigned>(std::countr_zero(others));
+        members |= static_cast<std::uint64_t>(set.contains(units[i])) << i;
+    }
+    return members;
+}
+
+/// What is looked up for 64 units in two steps, for machines that have AVX2.
+class HalvedBlock {
+public:
+    __attribute__((target("avx2")))
+    HalvedBlock(const CharacterSetRep& set, Case letterCase) noexcept
+        : set_(set), folds_(letterCase == Case::Insensitive) {
+        ascii_ = _mm256_broadcastsi128_si256(
+            _mm_loadu_si128(reinterpret_cast<const __m128i*>(set.bits)));
+        bits_ = _mm256_broadcastsi128_si256(
+            _mm_setr_epi8(1, 2, 4, 8, 16, 32, 64, -128, 1, 2, 4, 8, 16, 32, 64, -128));
+        change_ = _mm256_set1_epi8(folds_ ? 'a' - 'A' : 0);
+    }
+
+    __attribute__((target("avx2,popcnt"))) std::uint64_t put(const char16_t* units,
+                                                             std::uint8_t* bytes) const noexcept {
+        const Half left = putHalf(units, bytes), right = putHalf(units + 32, bytes + 32);
+        const std::uint64_t members = left.ascii | std::uint64_t{right.ascii} << 32;
+        const std::uint64_t others = left.others | std::uint64_t{right.others} << 32;
+        if (!others) return members;
+        if (folds_ && left.others) putLetters(units, bytes);
+        if (folds_ && right.others) putLetters(units + 32, bytes + 32);
+        return members | membersOfOthers(units, others, set_);
+    }
+
+private:
+    /// Of 32 units the members in ASCII, and those outside it.
+    struct Half {
+        std::uint32_t ascii, others;
+    };
+
+    __attribute__((target("avx2"))) Half putHalf(const char16_t* units,
+                                                 std::uint8_t* bytes) const noexcept {
+        const __m256i most = _mm256_set1_epi16(0xFF);
+        const __m256i own = _mm256_packus_epi16(_mm256_min_epu16(eights(units), most),
+                                                _mm256_min_epu16(eights(units + 8), most));
+        const __m256i lower = _mm256_and_si256(_mm256_cmpgt_epi8(own, _mm256_set1_epi8('a' - 1)),
+                                               _mm256_cmpgt_epi8(_mm256_set1_epi8('z' + 1), own));
+        const __m256i folded = _mm256_sub_epi8(own, _mm256_and_si256(lower, change_));
+        const __m256i outside = _mm256_cmpgt_epi8(_mm256_setzero_si256(), own);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), _mm256_or_si256(folded, outside));
+        const __m256i row = _mm256_shuffle_epi8(
+            ascii_, _mm256_and_si256(_mm256_srli_epi16(own, 3), _mm256_set1_epi8(0x0F)));
+        // An index with the highest bit gives none: so those outside have no bit.
+        const __m256i bit =
+            _mm256_shuffle_epi8(bits_, _mm256_and_si256(own, _mm256_set1_epi8(-0x79)));
+        const __m256i isNone =
+            _mm256_cmpeq_epi8(_mm256_and_si256(row, bit), _mm256_setzero_si256());
+        return {~maskOf(isNone), maskOf(own)};
+    }
+
+    /// The two letters that have others outside ASCII.
+    __attribute__((target("avx2"))) static void putLetters(const char16_t* units,
+                                                           std::uint8_t* bytes) noexcept {
+        auto* const place = reinterpret_cast<__m256i*>(bytes);
+        const auto withLetter = [&](__m256i before, char16_t unit, char letter)
+            __attribute__((target("avx2"))) {
+            const __m256i wanted = _mm256_set1_epi16(static_cast<short>(unit));
+            const __m256i is = _mm256_packs_epi16(_mm256_cmpeq_epi16(eights(units), wanted),
+                                                  _mm256_cmpeq_epi16(eights(units + 8), wanted));
+            return _mm256_blendv_epi8(before, _mm256_set1_epi8(letter), is);
+        };
+        _mm256_storeu_si256(
+            place, withLetter(withLetter(_mm256_loadu_si256(place), LongS, 'S'), DotlessI, 'I'));
+    }
+
+    /// The eight units from there, and those sixteen behind them: packing keeps the 128-bit lanes
+    /// apart, so this brings 32 units in order.
+    __attribute__((target("avx2"))) static __m256i eights(const char16_t* units) noexcept {
+        const auto eight = [&](std::size_t i) __attribute__((target("avx2"))) {
+            return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units + i));
+        };
+        return _mm256_inserti128_si256(_mm256_castsi128_si256(eight(0)), eight(16), 1);
+    }
+    __attribute__((target("avx2"))) static std::uint32_t maskOf(__m256i marks) noexcept {
+        return static_cast<std::uint32_t>(_mm256_movemask_epi8(marks));
+    }
+
+    const CharacterSetRep& set_;
+    const bool folds_;
+    __m256i ascii_, bits_;  // the members in ASCII, and the bits of a byte
+    __m256i change_;
+};
+
+__attribute__((target("avx2,popcnt"))) void putWide(std::u16string_view text,
+                                                    std::span<const std::size_t> bases,
+                                                    const CharacterSetRep& set, Case letterCase,
+                                                    UnitBlocks blocks) noexcept {
+    const HalvedBlock block(set, letterCase);
     putEach(
         text, bases, blocks,
-        [&](const char16_t* units, std::uint8_t* __restrict bytes) __attribute__((target("avx2"))) {
-            for (std::size_t i = 0; i < UnitsInBlock; ++i)
-                bytes[i] = byteOfUnit(units[i], letterCase);
-            return membersOf(units, UnitsInBlock, set);
-        });
+        [&](const char16_t* units, std::uint8_t* bytes)
+            __attribute__((target("avx2,popcnt"))) { return block.put(units, bytes); });
 }
 
 /// What is looked up for 64 units in one step, for machines that have AVX-512.
@@ -80,22 +176,13 @@ public:
     }
 
 private:
-    /// So few units outside ASCII are looked up one by one.
-    static constexpr int FewOthers = 4;
-
     __attribute__((target("avx512bw,avx512vbmi,popcnt"))) std::uint64_t putOthers(
         const char16_t* units, __m512i a, __m512i b, std::uint64_t others, __m512i folded,
         std::uint8_t* bytes) const noexcept {
         __m512i all = _mm512_mask_set1_epi8(folded, others, static_cast<char>(OtherByte));
         if (folds_) all = withLetter(a, b, LongS, 'S', withLetter(a, b, DotlessI, 'I', all));
         _mm512_storeu_si512(bytes, all);
-        if (std::popcount(others) > FewOthers) return membersOf(units, UnitsInBlock, set_);
-        std::uint64_t members = 0;
-        for (; others; others &= others - 1) {
-            const auto i = static_cast<unsigned>(std::countr_zero(others));
-            members |= static_cast<std::uint64_t>(set_.contains(units[i])) << i;
-        }
-        return members;
+        return membersOfOthers(units, others, set_);
     }
 
     /// With a letter where a unit outside ASCII stands.
