@@ -26,6 +26,32 @@ struct PutPlaces {
 
 #if defined(__SSE2__)
 
+/// By byte of bits the places in it; the rest is of no matter.
+constexpr auto PlacesInByte = [] {
+    std::array<std::uint64_t, 256> places = {};
+    for (unsigned byte = 0; byte < 256; ++byte)
+        for (unsigned bit = 0, count = 0; bit < 8; ++bit)
+            if (byte >> bit & 1) places[byte] |= std::uint64_t{bit} << 8 * count++;
+    return places;
+}();
+
+/// The same by bytes, with no branch that is hard to foretell.
+struct PutPlacesByBytes {
+    __attribute__((target("avx2,bmi,bmi2,popcnt"))) std::size_t operator()(
+        std::uint64_t bits, std::size_t base, std::uint16_t* places) const noexcept {
+        std::size_t count = 0;
+        for (unsigned i = 0; i < 64; i += 8) {
+            const std::uint64_t byte = bits >> i & 0xFF;
+            const __m128i set =
+                _mm_cvtepu8_epi16(_mm_cvtsi64_si128(static_cast<long long>(PlacesInByte[byte])));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(places + count),
+                             _mm_add_epi16(set, _mm_set1_epi16(static_cast<short>(base + i))));
+            count += static_cast<std::size_t>(std::popcount(byte));
+        }
+        return count;
+    }
+};
+
 /// The same in one step, as no more than half of the units begin or end a run.
 class PutPlacesInOneStep {
 public:
@@ -78,17 +104,14 @@ private:
     /// Without a store that waits for what the run before came to.
     __attribute__((always_inline)) void judge() const {
         const BeginningFilter::View filter = table.filter().view();
-        const std::uint64_t* members = own.members_.data();
         const std::uint8_t* bytes = own.bytes_.data() + RunKey::Units;
         for (std::size_t base = 0; base < own.count_; base += 64) {
             const std::uint16_t* starts = own.starts_.data() + base;
             const std::size_t some = std::min<std::size_t>(own.count_ - base, 64);
             std::uint64_t likely = 0;
             for (std::size_t i = 0; i < some; ++i) {
-                const std::size_t place = starts[i];
-                const std::uint64_t first =
-                    RunKey::firstOf(bytes + place, lengthAt<RunKey::Units>(members, place));
-                likely |= static_cast<std::uint64_t>(filter.mayHave(first)) << i;
+                const std::uint64_t beginning = RunKey::beginningOf(bytes + starts[i]);
+                likely |= static_cast<std::uint64_t>(filter.mayHave(beginning)) << i;
             }
             own.likely_[base / 64] = likely;
         }
@@ -106,7 +129,7 @@ bool hasBitOperations() noexcept {
 
 template <class Steps>
 __attribute__((target("avx2,bmi,bmi2,popcnt"))) void takeWide(const Steps& steps) {
-    steps(PutPlaces{});
+    steps(PutPlacesByBytes{});
 }
 template <class Steps>
 __attribute__((target("avx512bw,avx512vbmi2,bmi,bmi2,popcnt"))) void takeWidest(
@@ -122,6 +145,8 @@ void LikelyRuns::judge(const WordText& text, const WordTable& table) {
     putUnitBlocks(text.units, std::span(bases_).first(slots_), text.termCharacters,
                   table.letterCase(), {members_.data(), bytes_.data() + RunKey::Units});
     members_[slots_] = 0;
+    std::fill_n(bytes_.data() + RunKey::Units + slots_ * UnitsInBlock, RunKey::Units,
+                std::uint8_t{0});
     const Steps steps{*this, text, table};
 #if defined(__SSE2__)
     if (scan::hasAvx512()) return takeWidest(steps);

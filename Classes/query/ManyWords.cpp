@@ -12,6 +12,11 @@ namespace {
 
 /// From so many words on one walk for all is cheaper than one for each.
 std::size_t fewestWords() { return sieveWay() == SieveWay::OneByOne ? 8 : 3; }
+/// And of more the sieve by halves lets too much pass to be worth its time.
+bool isWorthSieving(std::size_t words) {
+    constexpr std::size_t MostByHalves = 50;
+    return sieveWay() != SieveWay::Halves || words <= MostByHalves;
+}
 /// To make them ready takes about as long as to seek so many units for one word.
 constexpr std::size_t FewestUnits = 2048;
 
@@ -95,7 +100,9 @@ ManyWords::ManyWords(const QueryTree& tree, Case letterCase, WordsAsked asked,
     : ManyWords(tree, wordsOf(tree, asked, termCharacters), letterCase) {}
 
 ManyWords::ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, Case letterCase)
-    : table_(words, letterCase), isEnough_(words.size() >= fewestWords()) {
+    : table_(words, letterCase),
+      isEnough_(words.size() >= fewestWords()),
+      isSieved_(isWorthSieving(words.size())) {
     if (!isEnough_) return;
     sieve_ = sieveOf(words, letterCase);
     nodes_.resize(tree.nodes.size());
@@ -192,6 +199,18 @@ const ManyWords* PreparedWords::of(const QueryTree& tree, const WordText& text, 
     return words->serves(text.termCharacters) ? words : nullptr;
 }
 
+namespace {
+
+/// The next blocks, as a sieve that lets everything pass has them.
+std::size_t nextBlocks(std::u16string_view text, std::size_t base, std::span<SievedBlock> found) {
+    std::size_t count = 0;
+    for (; base < text.size() && count < found.size(); base += UnitsInBlock)
+        found[count++] = {base, ~std::uint64_t{0}};
+    return count;
+}
+
+}  // namespace
+
 /// In one block at first, as the first words that are found may decide.
 bool ManyWordsScan::listRuns() {
     std::array<SievedBlock, LikelyRuns::MostBlocks> blocks;
@@ -199,8 +218,10 @@ bool ManyWordsScan::listRuns() {
         scanned_ = listed_;
         if (listed_ >= text_.units.size()) return false;
         room_ = std::clamp<std::size_t>(4 * room_, 1, blocks.size());
-        const std::size_t count =
-            nextSieved(text_.units, listed_, words_.sieve(), std::span(blocks).first(room_));
+        const auto some = std::span(blocks).first(room_);
+        const std::size_t count = words_.isSieved()
+                                      ? nextSieved(text_.units, listed_, words_.sieve(), some)
+                                      : nextBlocks(text_.units, listed_, some);
         listed_ = count == 0 ? text_.units.size() : blocks[count - 1].base + UnitsInBlock;
         runs_.list(text_, std::span(blocks).first(count), words_.table());
         next_ = runs_.next(0);

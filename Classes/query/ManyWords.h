@@ -61,6 +61,8 @@ public:
     /// See firstOfSameWords().
     std::span<const std::size_t> firsts() const { return firsts_; }
     const WordTable& table() const { return table_; }
+    /// Whether to ask the sieve first is worth it; otherwise each run is looked up.
+    bool isSieved() const { return isSieved_; }
     const TripleSieve& sieve() const { return sieve_; }
 
 private:
@@ -85,7 +87,7 @@ private:
     std::u16string otherUnits_;                     // each once
     std::vector<Node> nodes_;
     std::vector<std::size_t> firsts_;
-    bool isEnough_;
+    bool isEnough_, isSieved_;
 };
 
 /// The many words of a query, made when a text is first worth it. Any number of threads may ask.

@@ -28,7 +28,17 @@ struct RunKey {
         const auto unused = static_cast<unsigned>(8 * (Units - count));
         return packOf(run) << unused >> unused;
     }
-    /// The same of units, each as the function has it.
+    /// The first bytes before one that is zero, as behind each run there is, told without its length;
+    /// of keys the same, lest a unit that is zero makes a difference.
+    static std::uint64_t beginningOf(const std::uint8_t* run) noexcept {
+        return beginningOf(packOf(run));
+    }
+    static constexpr std::uint64_t beginningOf(std::uint64_t first) noexcept {
+        constexpr std::uint64_t Lowest = 0x0101'0101'0101'0101, Highest = Lowest << 7;
+        const std::uint64_t zeros = (first - Lowest) & ~first & Highest;  // the lowest bit is right
+        return first & (zeros ^ (zeros - 1));
+    }
+    /// A key of units, each as the function has it.
     template <class UnitOf>
     static RunKey of(std::u16string_view run, const UnitOf& unitOf) noexcept {
         const std::size_t inPart = std::min(run.size(), Units);

@@ -18,38 +18,38 @@ namespace velmo::detail {
 class BeginningFilter {
 public:
     explicit BeginningFilter(std::size_t words)
-        : bytes_(std::bit_ceil(BytesOfWord * (words + 1))),
+        : numbers_(std::bit_ceil(NumbersOfWord * (words + 1))),
           view_{hashSeed(), nullptr,
-                64 - 3 - static_cast<unsigned>(std::countr_zero(bytes_.size()))} {}
+                64 - 6 - static_cast<unsigned>(std::countr_zero(numbers_.size()))} {}
 
     void add(const RunKey& key) {
-        const std::uint64_t bit = view_.bitOf(key.first);
-        bytes_[bit / 8] |= static_cast<std::uint8_t>(1u << bit % 8);
+        const std::uint64_t bit = view_.bitOf(RunKey::beginningOf(key.first));
+        numbers_[bit / 64] |= std::uint64_t{1} << bit % 64;
     }
 
     /// How it is asked, for loops that ask it often.
     struct View {
         std::uint64_t seed;
-        const std::uint8_t* bytes;
+        const std::uint64_t* numbers;
         unsigned shift;
 
-        /// For RunKey::first of a run.
+        /// For RunKey::beginningOf() a run.
         bool mayHave(std::uint64_t first) const noexcept {
             const std::uint64_t bit = bitOf(first);
-            return bytes[bit / 8] >> bit % 8 & 1;
+            return numbers[bit / 64] >> bit % 64 & 1;
         }
         /// By the highest bits of a product, as all units have their part in these.
         std::uint64_t bitOf(std::uint64_t first) const noexcept {
             return (first ^ seed) * 0x9E3779B97F4A7C15 >> shift;
         }
     };
-    View view() const { return {view_.seed, bytes_.data(), view_.shift}; }
+    View view() const { return {view_.seed, numbers_.data(), view_.shift}; }
 
 private:
     /// So that few of a hundred other runs pass.
-    static constexpr std::size_t BytesOfWord = 16;
+    static constexpr std::size_t NumbersOfWord = 2;
 
-    std::vector<std::uint8_t> bytes_;
+    std::vector<std::uint64_t> numbers_;
     View view_;
 };
 

@@ -25,8 +25,9 @@ __attribute__((always_inline)) inline void putEach(std::u16string_view text,
         }
         char16_t last[UnitsInBlock] = {};
         std::copy_n(units, rest, last);
-        blocks.members[i] =
-            put(last, blocks.bytes + i * UnitsInBlock) & ((std::uint64_t{1} << rest) - 1);
+        std::uint8_t* bytes = blocks.bytes + i * UnitsInBlock;
+        blocks.members[i] = put(last, bytes) & ((std::uint64_t{1} << rest) - 1);
+        std::fill(bytes + rest, bytes + UnitsInBlock, std::uint8_t{0});
     }
 }
 
@@ -66,9 +67,10 @@ public:
         const std::uint64_t members = left.ascii | std::uint64_t{right.ascii} << 32;
         const std::uint64_t others = left.others | std::uint64_t{right.others} << 32;
         if (!others) return members;
-        if (folds_ && left.others) putLetters(units, bytes);
-        if (folds_ && right.others) putLetters(units + 32, bytes + 32);
-        return members | membersOfOthers(units, others, set_);
+        const std::uint64_t own = membersOfOthers(units, others, set_);
+        putOthers(units, static_cast<std::uint32_t>(own), bytes);
+        putOthers(units + 32, static_cast<std::uint32_t>(own >> 32), bytes + 32);
+        return members | own;
     }
 
 private:
@@ -85,8 +87,6 @@ private:
         const __m256i lower = _mm256_and_si256(_mm256_cmpgt_epi8(own, _mm256_set1_epi8('a' - 1)),
                                                _mm256_cmpgt_epi8(_mm256_set1_epi8('z' + 1), own));
         const __m256i folded = _mm256_sub_epi8(own, _mm256_and_si256(lower, change_));
-        const __m256i outside = _mm256_cmpgt_epi8(_mm256_setzero_si256(), own);
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), _mm256_or_si256(folded, outside));
         const __m256i row = _mm256_shuffle_epi8(
             ascii_, _mm256_and_si256(_mm256_srli_epi16(own, 3), _mm256_set1_epi8(0x0F)));
         // An index with the highest bit gives none: so those outside have no bit.
@@ -94,22 +94,32 @@ private:
             _mm256_shuffle_epi8(bits_, _mm256_and_si256(own, _mm256_set1_epi8(-0x79)));
         const __m256i isNone =
             _mm256_cmpeq_epi8(_mm256_and_si256(row, bit), _mm256_setzero_si256());
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(bytes), _mm256_andnot_si256(isNone, folded));
         return {~maskOf(isNone), maskOf(own)};
     }
 
-    /// The two letters that have others outside ASCII.
-    __attribute__((target("avx2"))) static void putLetters(const char16_t* units,
-                                                           std::uint8_t* bytes) noexcept {
+    /// The members outside ASCII, among which are letters that are the same as some of ASCII.
+    __attribute__((target("avx2"))) void putOthers(const char16_t* units, std::uint32_t members,
+                                                   std::uint8_t* bytes) const noexcept {
+        __m256i all = _mm256_set1_epi8(static_cast<char>(OtherByte));
+        if (folds_) all = withLetter(units, LongS, 'S', withLetter(units, DotlessI, 'I', all));
+        const __m256i byteOfBit =
+            _mm256_setr_epi64x(0, 0x0101010101010101, 0x0202020202020202, 0x0303030303030303);
+        const __m256i spread =
+            _mm256_shuffle_epi8(_mm256_set1_epi32(static_cast<int>(members)), byteOfBit);
+        const __m256i isMember = _mm256_cmpeq_epi8(_mm256_and_si256(spread, bits_), bits_);
         auto* const place = reinterpret_cast<__m256i*>(bytes);
-        const auto withLetter = [&](__m256i before, char16_t unit, char letter)
-            __attribute__((target("avx2"))) {
-            const __m256i wanted = _mm256_set1_epi16(static_cast<short>(unit));
-            const __m256i is = _mm256_packs_epi16(_mm256_cmpeq_epi16(eights(units), wanted),
-                                                  _mm256_cmpeq_epi16(eights(units + 8), wanted));
-            return _mm256_blendv_epi8(before, _mm256_set1_epi8(letter), is);
-        };
         _mm256_storeu_si256(
-            place, withLetter(withLetter(_mm256_loadu_si256(place), LongS, 'S'), DotlessI, 'I'));
+            place, _mm256_or_si256(_mm256_loadu_si256(place), _mm256_and_si256(all, isMember)));
+    }
+
+    /// With a letter where a unit outside ASCII stands.
+    __attribute__((target("avx2"))) static __m256i withLetter(const char16_t* units, char16_t unit,
+                                                              char letter, __m256i bytes) noexcept {
+        const __m256i wanted = _mm256_set1_epi16(static_cast<short>(unit));
+        const __m256i is = _mm256_packs_epi16(_mm256_cmpeq_epi16(eights(units), wanted),
+                                              _mm256_cmpeq_epi16(eights(units + 8), wanted));
+        return _mm256_blendv_epi8(bytes, _mm256_set1_epi8(letter), is);
     }
 
     /// The eight units from there, and those sixteen behind them: packing keeps the 128-bit lanes
@@ -170,19 +180,20 @@ public:
         const __m512i folded = _mm512_mask_sub_epi8(own, lower, own, change_);
         const __m512i members = _mm512_permutex2var_epi8(low_, own, high_);
         const std::uint64_t ascii = _mm512_test_epi8_mask(members, members) & ~others;
-        if (others) return ascii | putOthers(units, a, b, others, folded, bytes);
-        _mm512_storeu_si512(bytes, folded);
+        if (others) return putOthers(units, a, b, others, ascii, folded, bytes);
+        _mm512_storeu_si512(bytes, _mm512_maskz_mov_epi8(ascii, folded));
         return ascii;
     }
 
 private:
     __attribute__((target("avx512bw,avx512vbmi,popcnt"))) std::uint64_t putOthers(
-        const char16_t* units, __m512i a, __m512i b, std::uint64_t others, __m512i folded,
-        std::uint8_t* bytes) const noexcept {
+        const char16_t* units, __m512i a, __m512i b, std::uint64_t others, std::uint64_t ascii,
+        __m512i folded, std::uint8_t* bytes) const noexcept {
         __m512i all = _mm512_mask_set1_epi8(folded, others, static_cast<char>(OtherByte));
         if (folds_) all = withLetter(a, b, LongS, 'S', withLetter(a, b, DotlessI, 'I', all));
-        _mm512_storeu_si512(bytes, all);
-        return membersOfOthers(units, others, set_);
+        const std::uint64_t members = ascii | membersOfOthers(units, others, set_);
+        _mm512_storeu_si512(bytes, _mm512_maskz_mov_epi8(members, all));
+        return members;
     }
 
     /// With a letter where a unit outside ASCII stands.
@@ -221,8 +232,10 @@ void putUnitBlocksOneByOne(std::u16string_view text, std::span<const std::size_t
                            const CharacterSetRep& set, Case letterCase,
                            UnitBlocks blocks) noexcept {
     putEach(text, bases, blocks, [&](const char16_t* units, std::uint8_t* bytes) {
-        for (std::size_t i = 0; i < UnitsInBlock; ++i) bytes[i] = byteOfUnit(units[i], letterCase);
-        return membersOneByOne(units, UnitsInBlock, set);
+        const std::uint64_t members = membersOneByOne(units, UnitsInBlock, set);
+        for (std::size_t i = 0; i < UnitsInBlock; ++i)
+            bytes[i] = members >> i & 1 ? byteOfUnit(units[i], letterCase) : std::uint8_t{0};
+        return members;
     });
 }
 

@@ -35,7 +35,7 @@ constexpr std::uint8_t byteOfUnit(char16_t unit, Case letterCase) noexcept {
 /// What is put down of blocks, one after the other.
 struct UnitBlocks {
     std::uint64_t* members;  // which units are in a set, by bits; none behind the text
-    std::uint8_t* bytes;     // all units; zeros behind the text
+    std::uint8_t* bytes;     // of the members; zeros for all else
 };
 
 /// Puts down the blocks of a text that begin at the bases.
