@@ -3,7 +3,7 @@
 // are much sharper than units: a group of a hundred words has nearly all letters at some place.
 //
 // AVX2 looks up in tables of 16 bytes, so there the halves of a pair's number are looked up, and what
-// both have in common may be more than was put in. AVX-512 looks up in tables of 128 bytes (VBMI),
+// both have in common may be more than was put in: enough for some dozens of words. AVX-512 looks up in tables of 128 bytes (VBMI),
 // with a third of the steps; on machines that have it, it more than doubles the speed.
 #include "text/TripleScan.h"
 
@@ -51,7 +51,9 @@ unsigned groupsOfPair(const TripleSieve& sieve, unsigned place, unsigned pair) {
     return sieve.pairs[place][pair];
 }
 unsigned groupsOfHalves(const TripleSieve& sieve, unsigned place, unsigned pair) {
-    return sieve.low[place][pair & 15] & sieve.high[place][pair >> 4];
+    constexpr unsigned Skipped = 2;  // the third pair: it makes no difference to the few words
+    return place == Skipped ? TripleSieve::AllGroups
+                            : sieve.low[place][pair & 15] & sieve.high[place][pair >> 4];
 }
 
 template <unsigned (*GroupsOf)(const TripleSieve&, unsigned, unsigned)>
@@ -79,7 +81,7 @@ struct OneByOne {
 // Both look at the fourth pairs of a block's places; what the pairs before may be has then been
 // looked up with the block before, but for the first block.
 
-/// 64 places in two steps, for machines that have AVX2.
+/// 64 places by two vectors, for machines that have AVX2.
 class HalvesSieve {
 public:
     __attribute__((target("avx2"))) explicit HalvesSieve(const TripleSieve& sieve) noexcept
@@ -97,7 +99,6 @@ public:
         };
         const __m256i none = _mm256_setzero_si256();
         bits_ = _mm256_insert_epi8(none, static_cast<char>(TripleSieve::bitsOf(units[3])), 31);
-        third_ = _mm256_insert_epi8(none, groups(2, 2), 31);
         second_ = _mm256_insert_epi8(none, groups(1, 1), 30);
         second_ = _mm256_insert_epi8(second_, groups(1, 2), 31);
         first_ = _mm256_insert_epi8(none, groups(0, 0), 29);
@@ -106,63 +107,78 @@ public:
     }
 
     __attribute__((target("avx2"))) std::uint64_t placesOf(const char16_t* units) noexcept {
-        const __m256i left = groupsOf(units + Ahead), right = groupsOf(units + Ahead + 32);
+        const Block bits = bitsOf(units + Ahead), before = movedOn<1>(bits_, bits);
+        const Halves a = halvesOf(before.a, bits.a), b = halvesOf(before.b, bits.b);
+        const Block first = {lookUp(0, a), lookUp(0, b)}, second = {lookUp(1, a), lookUp(1, b)};
+        const Block byFirst = movedOn<3>(first_, first), bySecond = movedOn<2>(second_, second);
+        const __m256i left =
+            _mm256_and_si256(_mm256_and_si256(byFirst.a, bySecond.a), lookUp(3, a));
+        const __m256i right =
+            _mm256_and_si256(_mm256_and_si256(byFirst.b, bySecond.b), lookUp(3, b));
+        bits_ = bits.b;
+        first_ = first.b;
+        second_ = second.b;
         const __m256i any = _mm256_or_si256(left, right);
         if (_mm256_testz_si256(any, any)) return 0;
-        return marked(left) | marked(right) << 32;
+        const std::uint64_t ofA = marked(left), ofB = marked(right);
+        return (ofA & 0xFFFF) | (ofB & 0xFFFF) << 16 | ofA >> 16 << 32 | ofB >> 16 << 48;
     }
 
 private:
+    /// Bytes of 64 units: the first and third sixteen of them, and the second and fourth. So the bytes
+    /// before those of b stand in the same lanes of a.
+    struct Block {
+        __m256i a, b;
+    };
+    struct Halves {
+        __m256i low, high;
+    };
+
     __attribute__((target("avx2"))) static __m256i table(const std::uint8_t* halves) noexcept {
         return _mm256_broadcastsi128_si256(
             _mm_load_si128(reinterpret_cast<const __m128i*>(halves)));
     }
-    __attribute__((target("avx2"))) static std::uint64_t marked(__m256i groups) noexcept {
+    __attribute__((target("avx2"))) static std::uint32_t marked(__m256i groups) noexcept {
         const __m256i none = _mm256_cmpeq_epi8(groups, _mm256_setzero_si256());
         return static_cast<std::uint32_t>(~_mm256_movemask_epi8(none));
     }
-    __attribute__((target("avx2"))) __m256i lookUp(unsigned place, __m256i low,
-                                                   __m256i high) const noexcept {
-        return _mm256_and_si256(_mm256_shuffle_epi8(low_[place], low),
-                                _mm256_shuffle_epi8(high_[place], high));
+    __attribute__((target("avx2"))) __m256i lookUp(unsigned place, Halves halves) const noexcept {
+        return _mm256_and_si256(_mm256_shuffle_epi8(low_[place], halves.low),
+                                _mm256_shuffle_epi8(high_[place], halves.high));
     }
-    /// The bytes moved on by some places, behind the last ones of those before.
+    /// The bytes moved on by some places, behind the last ones of the b before.
     template <int By>
-    __attribute__((target("avx2"))) static __m256i movedOn(__m256i before, __m256i bytes) noexcept {
-        return _mm256_alignr_epi8(bytes, _mm256_permute2x128_si256(before, bytes, 0x21), 16 - By);
+    __attribute__((target("avx2"))) static Block movedOn(__m256i before, Block bytes) noexcept {
+        return {
+            _mm256_alignr_epi8(bytes.a, _mm256_permute2x128_si256(before, bytes.b, 0x21), 16 - By),
+            _mm256_alignr_epi8(bytes.b, bytes.a, 16 - By)};
     }
 
-    /// The groups that are left of 32 places, by their fourth pairs.
-    __attribute__((target("avx2"))) __m256i groupsOf(const char16_t* units) noexcept {
-        const auto* block = reinterpret_cast<const __m256i*>(units);
-        const __m256i inUnit = _mm256_set1_epi16(0x5F), inHalf = _mm256_set1_epi8(0x0F);
-        // Packing keeps the 128-bit lanes apart; the permutation brings them in order.
-        const __m256i bits = _mm256_permute4x64_epi64(
-            _mm256_packus_epi16(_mm256_and_si256(_mm256_loadu_si256(block), inUnit),
-                                _mm256_and_si256(_mm256_loadu_si256(block + 1), inUnit)),
-            0xD8);
+    __attribute__((target("avx2"))) static Block bitsOf(const char16_t* units) noexcept {
+        return {_mm256_packus_epi16(eights(units), eights(units + 8)),
+                _mm256_packus_epi16(eights(units + 16), eights(units + 24))};
+    }
+    /// The bits of eight units, and of those 32 behind them.
+    __attribute__((target("avx2"))) static __m256i eights(const char16_t* units) noexcept {
+        const auto* block = reinterpret_cast<const __m128i*>(units);
+        return _mm256_and_si256(
+            _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(block)),
+                                    _mm_loadu_si128(block + 4), 1),
+            _mm256_set1_epi16(0x5F));
+    }
+    __attribute__((target("avx2"))) static Halves halvesOf(__m256i first, __m256i second) noexcept {
+        const __m256i inHalf = _mm256_set1_epi8(0x0F);
         const __m256i turned =
-            _mm256_or_si256(_mm256_and_si256(_mm256_slli_epi16(bits, 3), _mm256_set1_epi8(0x78)),
-                            _mm256_and_si256(_mm256_srli_epi16(bits, 4), inHalf));
-        const __m256i pairs = _mm256_xor_si256(movedOn<1>(bits_, bits), turned);
-        const __m256i low = _mm256_and_si256(pairs, inHalf);
-        const __m256i high = _mm256_and_si256(_mm256_srli_epi16(pairs, 4), inHalf);
-        const __m256i first = lookUp(0, low, high), second = lookUp(1, low, high),
-                      third = lookUp(2, low, high);
-        const __m256i some =
-            _mm256_and_si256(movedOn<3>(first_, first), movedOn<2>(second_, second));
-        const __m256i others = _mm256_and_si256(movedOn<1>(third_, third), lookUp(3, low, high));
-        bits_ = bits;
-        first_ = first;
-        second_ = second;
-        third_ = third;
-        return _mm256_and_si256(some, others);
+            _mm256_or_si256(_mm256_and_si256(_mm256_slli_epi16(second, 3), _mm256_set1_epi8(0x78)),
+                            _mm256_and_si256(_mm256_srli_epi16(second, 4), inHalf));
+        const __m256i pairs = _mm256_xor_si256(first, turned);
+        return {_mm256_and_si256(pairs, inHalf),
+                _mm256_and_si256(_mm256_srli_epi16(pairs, 4), inHalf)};
     }
 
     const TripleSieve& sieve_;
     __m256i low_[TripleSieve::Places], high_[TripleSieve::Places];
-    __m256i bits_, first_, second_,
-        third_;  // of the units before: their bits, and the groups by pairs
+    __m256i bits_, first_, second_;  // of the units before: their bits, and the groups by pairs
 };
 
 __attribute__((target("avx2"))) std::size_t nextByHalves(std::u16string_view text, std::size_t base,

@@ -14,9 +14,11 @@ namespace velmo::detail {
 /// only a number of seven bits is looked at, which is the same for ASCII letters of either case.
 /// Whatever folds units, each one that may stand in a word is to be added by itself.
 struct TripleSieve {
-    static constexpr unsigned Groups = 8, Places = 4, Pairs = 128, Ahead = Places;
+    static constexpr unsigned Groups = 8, Places = 4, Pairs = 128, Ahead = Places,
+                              AllGroups = (1u << Groups) - 1;
 
     /// By place and pair, the groups that have it; and the same by the two halves of its number,
+    /// without the third place,
     /// which lets more pass.
     alignas(64) std::uint8_t pairs[Places][Pairs] = {};
     alignas(16) std::uint8_t low[Places][16] = {}, high[Places][16] = {};
