@@ -44,7 +44,7 @@ void add(TripleSieve& sieve, unsigned group, std::u16string_view word, Case lett
         }
         for (unsigned first : bitsOfVariants(word[place], letterCase))
             for (unsigned second : bitsOfVariants(word[place + 1], letterCase))
-                sieve.add(group, place, first ^ TripleSieve::turned(second));
+                sieve.add(group, place, first, second);
     }
 }
 

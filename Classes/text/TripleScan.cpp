@@ -47,30 +47,35 @@ __attribute__((always_inline)) inline std::size_t sieved(std::u16string_view tex
     return count;
 }
 
-unsigned groupsOfPair(const TripleSieve& sieve, unsigned place, unsigned pair) {
-    return sieve.pairs[place][pair];
+unsigned groupsOfPair(const TripleSieve& sieve, unsigned place, unsigned first, unsigned second) {
+    return sieve.pairs[place][TripleSieve::pairOf(first, second)];
 }
-unsigned groupsOfHalves(const TripleSieve& sieve, unsigned place, unsigned pair) {
+unsigned groupsOfHalves(const TripleSieve& sieve, unsigned place, unsigned first, unsigned second) {
     constexpr unsigned Skipped = 2;  // the third pair: it makes no difference to the few words
-    return place == Skipped ? TripleSieve::AllGroups
-                            : sieve.low[place][pair & 15] & sieve.high[place][pair >> 4];
+    if (place == Skipped) return TripleSieve::AllGroups;
+    return sieve.low[place][TripleSieve::lowOf(first, second)] &
+           sieve.high[place][TripleSieve::highOf(first, second)];
 }
 
-template <unsigned (*GroupsOf)(const TripleSieve&, unsigned, unsigned)>
+/// What a function of these gives for the pair that begins at a unit.
+template <unsigned (*GroupsOf)(const TripleSieve&, unsigned, unsigned, unsigned)>
+unsigned groupsAt(const TripleSieve& sieve, unsigned place, const char16_t* units) {
+    return GroupsOf(sieve, place, TripleSieve::bitsOf(units[0]), TripleSieve::bitsOf(units[1]));
+}
+
+template <unsigned (*GroupsOf)(const TripleSieve&, unsigned, unsigned, unsigned)>
 struct OneByOne {
     const TripleSieve& sieve;
 
     void begin(const FirstUnits&) noexcept {}
     std::uint64_t placesOf(const char16_t* units) const noexcept {
-        const auto pairAt = [&](std::size_t i) {
-            return TripleSieve::pairOf(units[i], units[i + 1]);
+        const auto groups = [&](unsigned place, std::size_t i) {
+            return groupsAt<GroupsOf>(sieve, place, units + i + place);
         };
         std::uint64_t places = 0;
         for (std::size_t i = 0; i < BlockSize; ++i) {
-            const unsigned groups =
-                GroupsOf(sieve, 0, pairAt(i)) & GroupsOf(sieve, 1, pairAt(i + 1)) &
-                GroupsOf(sieve, 2, pairAt(i + 2)) & GroupsOf(sieve, 3, pairAt(i + 3));
-            places |= static_cast<std::uint64_t>(groups != 0) << i;
+            const unsigned left = groups(0, i) & groups(1, i) & groups(2, i) & groups(3, i);
+            places |= static_cast<std::uint64_t>(left != 0) << i;
         }
         return places;
     }
@@ -94,11 +99,10 @@ public:
 
     __attribute__((target("avx2"))) void begin(const FirstUnits& units) noexcept {
         const auto groups = [&](unsigned place, std::size_t i) {
-            return static_cast<char>(
-                groupsOfHalves(sieve_, place, TripleSieve::pairOf(units[i], units[i + 1])));
+            return static_cast<char>(groupsAt<groupsOfHalves>(sieve_, place, &units[i]));
         };
         const __m256i none = _mm256_setzero_si256();
-        bits_ = _mm256_insert_epi8(none, static_cast<char>(TripleSieve::bitsOf(units[3])), 31);
+        bits_ = _mm256_insert_epi8(none, static_cast<char>(units[3] & InHalf), 31);
         second_ = _mm256_insert_epi8(none, groups(1, 1), 30);
         second_ = _mm256_insert_epi8(second_, groups(1, 2), 31);
         first_ = _mm256_insert_epi8(none, groups(0, 0), 29);
@@ -125,6 +129,9 @@ public:
     }
 
 private:
+    /// The bits of a unit that reach into halves of pairs.
+    static constexpr short InHalf = TripleSieve::Halves - 1;
+
     /// Bytes of 64 units: the first and third sixteen of them, and the second and fourth. So the bytes
     /// before those of b stand in the same lanes of a.
     struct Block {
@@ -158,22 +165,18 @@ private:
         return {_mm256_packus_epi16(eights(units), eights(units + 8)),
                 _mm256_packus_epi16(eights(units + 16), eights(units + 24))};
     }
-    /// The bits of eight units, and of those 32 behind them.
+    /// The lower bits of eight units, and of those 32 behind them.
     __attribute__((target("avx2"))) static __m256i eights(const char16_t* units) noexcept {
         const auto* block = reinterpret_cast<const __m128i*>(units);
         return _mm256_and_si256(
             _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(block)),
                                     _mm_loadu_si128(block + 4), 1),
-            _mm256_set1_epi16(0x5F));
+            _mm256_set1_epi16(InHalf));
     }
+    /// A shuffle looks at the four lower bits of an index, if the highest one is not set.
     __attribute__((target("avx2"))) static Halves halvesOf(__m256i first, __m256i second) noexcept {
-        const __m256i inHalf = _mm256_set1_epi8(0x0F);
-        const __m256i turned =
-            _mm256_or_si256(_mm256_and_si256(_mm256_slli_epi16(second, 3), _mm256_set1_epi8(0x78)),
-                            _mm256_and_si256(_mm256_srli_epi16(second, 4), inHalf));
-        const __m256i pairs = _mm256_xor_si256(first, turned);
-        return {_mm256_and_si256(pairs, inHalf),
-                _mm256_and_si256(_mm256_srli_epi16(pairs, 4), inHalf)};
+        return {_mm256_xor_si256(first, _mm256_add_epi8(second, second)),
+                _mm256_xor_si256(second, _mm256_slli_epi16(first, 3))};
     }
 
     const TripleSieve& sieve_;
@@ -213,8 +216,7 @@ public:
 
     __attribute__((target("avx512bw,avx512vbmi"))) void begin(const FirstUnits& units) noexcept {
         const auto groups = [&](unsigned place, std::size_t i) {
-            return static_cast<char>(
-                groupsOfPair(sieve_, place, TripleSieve::pairOf(units[i], units[i + 1])));
+            return static_cast<char>(groupsAt<groupsOfPair>(sieve_, place, &units[i]));
         };
         constexpr std::uint64_t Last = std::uint64_t{1} << 63, BeforeLast = Last >> 1;
         bits_ = _mm512_set1_epi8(static_cast<char>(TripleSieve::bitsOf(units[3])));

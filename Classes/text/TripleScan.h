@@ -14,33 +14,44 @@ namespace velmo::detail {
 /// only a number of seven bits is looked at, which is the same for ASCII letters of either case.
 /// Whatever folds units, each one that may stand in a word is to be added by itself.
 struct TripleSieve {
-    static constexpr unsigned Groups = 8, Places = 4, Pairs = 128, Ahead = Places,
+    static constexpr unsigned Groups = 8, Places = 4, Pairs = 128, Halves = 16, Ahead = Places,
                               AllGroups = (1u << Groups) - 1;
 
-    /// By place and pair, the groups that have it; and the same by the two halves of its number,
-    /// without the third place,
+    /// By place and pair, the groups that have it; and the same by two halves of what a pair is,
     /// which lets more pass.
     alignas(64) std::uint8_t pairs[Places][Pairs] = {};
-    alignas(16) std::uint8_t low[Places][16] = {}, high[Places][16] = {};
+    alignas(16) std::uint8_t low[Places][Halves] = {}, high[Places][Halves] = {};
 
     /// Of a unit what tells it from others, and the same turned by three bits.
     static constexpr unsigned bitsOf(char16_t unit) noexcept { return unit & 0x5F; }
     static constexpr unsigned turned(unsigned bits) noexcept {
         return (bits << 3 & 0x78) | bits >> 4;
     }
-    static constexpr unsigned pairOf(char16_t first, char16_t second) noexcept {
-        return bitsOf(first) ^ turned(bitsOf(second));
+
+    /// Of the bits of two units the number of their pair, and its halves.
+    static constexpr unsigned pairOf(unsigned first, unsigned second) noexcept {
+        return first ^ turned(second);
+    }
+    static constexpr unsigned lowOf(unsigned first, unsigned second) noexcept {
+        return (first ^ second << 1) % Halves;
+    }
+    static constexpr unsigned highOf(unsigned first, unsigned second) noexcept {
+        return (second ^ first << 3) % Halves;
     }
 
-    void add(unsigned group, unsigned place, unsigned pair) noexcept {
+    /// A pair by the bits of its units.
+    void add(unsigned group, unsigned place, unsigned first, unsigned second) noexcept {
         const auto bit = static_cast<std::uint8_t>(1u << group);
-        pairs[place][pair] |= bit;
-        low[place][pair & 15] |= bit;
-        high[place][pair >> 4] |= bit;
+        pairs[place][pairOf(first, second)] |= bit;
+        low[place][lowOf(first, second)] |= bit;
+        high[place][highOf(first, second)] |= bit;
     }
     /// Words of the group may end before the second unit of the pair.
     void addAll(unsigned group, unsigned place) noexcept {
-        for (unsigned pair = 0; pair < Pairs; ++pair) add(group, place, pair);
+        const auto bit = static_cast<std::uint8_t>(1u << group);
+        for (std::uint8_t& groups : pairs[place]) groups |= bit;
+        for (auto* halves : {low[place], high[place]})
+            for (unsigned half = 0; half < Halves; ++half) halves[half] |= bit;
     }
 };
 

@@ -50,7 +50,8 @@ TEST(TripleScan, WaysAgreeAndLetWordsPass) {
             for (unsigned place = 0; place < detail::TripleSieve::Places; ++place) {
                 if (place + 1 >= words[i].size()) sieve.addAll(group, place);
                 if (place + 1 < words[i].size())
-                    sieve.add(group, place, detail::TripleSieve::pairOf(words[i][place], words[i][place + 1]));
+                    sieve.add(group, place, detail::TripleSieve::bitsOf(words[i][place]),
+                              detail::TripleSieve::bitsOf(words[i][place + 1]));
             }
         }
         const std::size_t base = text.empty() ? 0 : random() % text.size(), room = 1 + random() % 5;
