@@ -40,13 +40,13 @@ struct PutPlacesByBytes {
     __attribute__((target("avx2,bmi,bmi2,popcnt"))) std::size_t operator()(
         std::uint64_t bits, std::size_t base, std::uint16_t* places) const noexcept {
         std::size_t count = 0;
-        for (unsigned i = 0; i < 64; i += 8) {
-            const std::uint64_t byte = bits >> i & 0xFF;
-            const __m128i set =
-                _mm_cvtepu8_epi16(_mm_cvtsi64_si128(static_cast<long long>(PlacesInByte[byte])));
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(places + count),
-                             _mm_add_epi16(set, _mm_set1_epi16(static_cast<short>(base + i))));
-            count += static_cast<std::size_t>(std::popcount(byte));
+        __m128i bases = _mm_set1_epi16(static_cast<short>(base));
+        for (unsigned i = 0; i < 8;
+             ++i, bits >>= 8, bases = _mm_add_epi16(bases, _mm_set1_epi16(8))) {
+            const __m128i set = _mm_cvtepu8_epi16(
+                _mm_cvtsi64_si128(static_cast<long long>(PlacesInByte[bits & 0xFF])));
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(places + count), _mm_add_epi16(set, bases));
+            count += static_cast<std::size_t>(std::popcount(bits & 0xFF));
         }
         return count;
     }

@@ -34,7 +34,7 @@ __attribute__((always_inline)) inline void putEach(std::u16string_view text,
 #if defined(__SSE2__)
 
 /// So few units outside ASCII are looked up one by one.
-constexpr int FewOthers = 4;
+constexpr int FewOthers = 10;
 
 /// The members among the others, which are by bits those outside ASCII.
 __attribute__((always_inline)) inline std::uint64_t membersOfOthers(
