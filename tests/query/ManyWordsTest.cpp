@@ -89,6 +89,16 @@ TEST(ManyWords, FollowTheTermCharacters) {
     EXPECT_TRUE(query.matchesString(text));
 }
 
+TEST(ManyWords, MayHaveAZeroInThem) {
+    CharacterSetRep all = alphaNumCharacterSetRep();
+    all.bits[0] |= 1;
+    setQueryTermCharacters(&all);
+    const std::u16string word = {u'a', u'\0', u'b'}, longer = word + u'c', rest(3000, u'.');
+    const QueryTerms query = anyOf({word, u"d", u"e", u"f", u"g", u"h", u"i", u"j", u"k"});
+    EXPECT_EQ(hitsOfQueryTerms(rest + longer + u"." + word, query), (std::vector<Range>{{3005, 3}}));
+    setQueryTermCharacters(nullptr);
+}
+
 TEST(ManyWords, AreMadeReadyByAnyThread) {
     const std::u16string text = std::u16string(5000, u'.') + u"Ninth";
     for (int round = 0; round < 50; ++round) {

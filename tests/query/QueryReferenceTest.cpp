@@ -11,12 +11,12 @@
 #include <velmocore/query/WildcardSearch.h>
 
 #include "TestSupport.h"
-#include "text/SmallerMachine.h"
 #include "query/reference/ExcerptReference.h"
 #include "query/reference/QueryReference.h"
 #include "query/reference/RewritingReference.h"
 #include "query/reference/RunsReference.h"
 #include "query/reference/WildcardReference.h"
+#include "text/SmallerMachine.h"
 
 namespace velmo {
 namespace {
