@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "text/WideUnits.h"
+#include "platform/Machine.h"
 
 namespace velmo::bench {
 
@@ -20,7 +20,7 @@ bool isAvx2Only() {
 
 void chooseMachine() {
 #if defined(__SSE2__)
-    detail::scan::mayUseAvx512 = !isAvx2Only();
+    detail::machine::mayUseAvx512 = !isAvx2Only();
 #endif
 }
 

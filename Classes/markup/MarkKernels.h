@@ -5,8 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/Machine.h"
 #include "text/ByteScan.h"
-#include "text/WideUnits.h"
 
 namespace velmo::detail {
 
@@ -123,9 +123,9 @@ __attribute__((target("avx512bw"))) void markAvx512(const Unit* units, Marks& ma
 template <class Unit>
 void markBlock(const Unit* units, Marks& marks) {
 #if defined(__SSE2__)
-    if (scan::hasAvx512())
+    if (machine::hasAvx512())
         markKernels::markAvx512(units, marks);
-    else if (scan::hasAvx2())
+    else if (machine::hasAvx2())
         markKernels::markAvx2(units, marks);
     else
         markKernels::markSse2(units, marks);

@@ -27,17 +27,17 @@ using Units = std::u16string_view;
 /// The readers of tags, contents, strings and styles are one but for these.
 struct AttributeRules {
     std::size_t slack;  ///< units that must stand besides the name
-    char16_t assignment;
-    char16_t terminator;
+    char assignment;
+    char terminator;
     bool underscoreBinds;      ///< whether a preceding _ makes the name part of a word
     bool repeatedAssignments;  ///< whether further assignment units are skipped
     bool contentMode = false;  ///< whether a quoted value may hold markup
 };
 
-constexpr AttributeRules TagRules{5, u'=', u'>', true, true};
-constexpr AttributeRules ContentRules{5, u'=', u'>', true, true, true};
-constexpr AttributeRules StringRules{5, u'=', u'>', false, false};
-constexpr AttributeRules StyleRules{1, u':', u';', false, false};
+constexpr AttributeRules TagRules{5, '=', '>', true, true};
+constexpr AttributeRules ContentRules{5, '=', '>', true, true, true};
+constexpr AttributeRules StringRules{5, '=', '>', false, false};
+constexpr AttributeRules StyleRules{1, ':', ';', false, false};
 
 /// A name given as 8-bit or as UTF-16 text.
 template <class Unit>
@@ -80,7 +80,7 @@ public:
                 at = detail::scan::findWithin(at + 1, end(), readable_, *at);
             } else if (const auto i = static_cast<std::size_t>(at - tag_.data()); isName(i)) {
                 const std::size_t assignment = skipWhite(tag_, i + name_.size());
-                if (assignment < tag_.size() && tag_[assignment] == rules_.assignment)
+                if (assignment < tag_.size() && tag_[assignment] == TagUnit(rules_.assignment))
                     return valueBehind(assignment);
             }
             if (at < stop) ++at;
@@ -143,7 +143,7 @@ private:
     Range valueBehind(std::size_t i) const {
         ++i;
         if (rules_.repeatedAssignments)
-            while (i < tag_.size() && tag_[i] == rules_.assignment) ++i;
+            while (i < tag_.size() && tag_[i] == TagUnit(rules_.assignment)) ++i;
         i = skipWhite(tag_, i);
         if (i == tag_.size()) return Range::none();
         if (!isQuote(tag_[i])) return trimmed(i, endOfPlain(i));
@@ -151,16 +151,16 @@ private:
     }
 
     std::size_t endOfPlain(std::size_t i) const {
-        while (i < tag_.size() && tag_[i] != rules_.terminator && !isWhite(tag_[i])) ++i;
+        while (i < tag_.size() && tag_[i] != TagUnit(rules_.terminator) && !isWhite(tag_[i])) ++i;
         return i;
     }
 
     std::size_t endOfQuoted(std::size_t open) const {
         const TagUnit* const value = tag_.data() + open + 1;
-        return static_cast<std::size_t>(
-            detail::scan::findEitherWithin(value, end(), readable_, tag_[open],
-                                           static_cast<TagUnit>(rules_.terminator)) -
-            tag_.data());
+        return static_cast<std::size_t>(detail::scan::findEitherWithin(value, end(), readable_,
+                                                                       tag_[open],
+                                                                       TagUnit(rules_.terminator)) -
+                                        tag_.data());
     }
 
     /// A > inside the value closes a < of the value; a <meta inside means that the closing

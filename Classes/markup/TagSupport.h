@@ -62,7 +62,7 @@ inline std::u16string_view attributeOf(std::u16string_view tag, std::string_view
 }
 
 /// The same of a tag that stands in its page, which is faster.
-Range rangeOfAttribute(const Tag& tag, std::string_view name);
+VELMO_API Range rangeOfAttribute(const Tag& tag, std::string_view name);
 inline std::u16string_view attributeOf(const Tag& tag, std::string_view name) {
     const Range range = rangeOfAttribute(tag, name);
     return range.isFound() ? tag.whole().substr(range.location, range.length)

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/Machine.h"
+
 #define VELMO_UTF8_BLOCKS __attribute__((target("avx512bw,avx512vbmi2")))
 
 namespace velmo::detail {
@@ -209,11 +211,7 @@ VELMO_UTF8_BLOCKS inline bool decodeBlock(const Block& block, const Byte*& in,
 
 }  // namespace
 
-bool canDecodeUtf8Blocks() noexcept {
-    static const bool can =
-        __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi2");
-    return can;
-}
+bool canDecodeUtf8Blocks() noexcept { return machine::hasAvx512(); }
 
 VELMO_UTF8_BLOCKS void decodeUtf8Blocks(const Byte*& in, const Byte* end, char16_t*& out) noexcept {
     while (in < end) {

@@ -2,8 +2,8 @@
 
 #include <bit>
 
+#include "platform/Machine.h"
 #include "text/UnitScan.h"
-#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -149,8 +149,8 @@ void LikelyRuns::judge(const WordText& text, const WordTable& table) {
                 std::uint8_t{0});
     const Steps steps{*this, text, table};
 #if defined(__SSE2__)
-    if (scan::hasAvx512()) return takeWidest(steps);
-    if (scan::hasAvx2() && hasBitOperations()) return takeWide(steps);
+    if (machine::hasAvx512()) return takeWidest(steps);
+    if (machine::hasAvx2() && hasBitOperations()) return takeWide(steps);
 #endif
     steps(PutPlaces{});
 }

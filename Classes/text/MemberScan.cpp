@@ -2,8 +2,8 @@
 
 #include <bit>
 
+#include "platform/Machine.h"
 #include "text/UnitScan.h"
-#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -144,8 +144,8 @@ __attribute__((target("avx512bw,avx512vbmi"))) std::uint64_t membersOf64InOneSte
 std::uint64_t membersOf(const char16_t* units, std::size_t count,
                         const CharacterSetRep& set) noexcept {
 #if defined(__SSE2__)
-    if (count == 64 && scan::hasAvx512()) return membersOf64InOneStep(units, set);
-    if (count == 64 && scan::hasAvx2()) return membersOf64(units, set);
+    if (count == 64 && machine::hasAvx512()) return membersOf64InOneStep(units, set);
+    if (count == 64 && machine::hasAvx2()) return membersOf64(units, set);
 #endif
     return membersOneByOne(units, count, set);
 }

@@ -4,6 +4,7 @@
 // Each kernel hands what is left over to the next narrower one, so that none reads behind the last
 // start.
 #include "text/PatternScan.h"
+#include "platform/Machine.h"
 
 #include <algorithm>
 #include <bit>
@@ -106,8 +107,8 @@ __attribute__((target("avx2"))) std::size_t nextAvx2(const char16_t* text, std::
 template <int Variants>
 std::size_t next(const char16_t* text, std::size_t start, std::size_t starts, const Anchor& first,
                  const Anchor& second) noexcept {
-    return scan::hasAvx2() ? nextAvx2<Variants>(text, start, starts, first, second)
-                           : nextSse2<Variants>(text, start, starts, first, second);
+    return machine::hasAvx2() ? nextAvx2<Variants>(text, start, starts, first, second)
+                              : nextSse2<Variants>(text, start, starts, first, second);
 }
 
 #else

@@ -1,4 +1,5 @@
 #include "text/SettledUnits.h"
+#include "platform/Machine.h"
 
 #include <bit>
 #include <cstdint>
@@ -34,7 +35,7 @@ __attribute__((target("avx2"))) inline __m256i inPlainStretchWide(__m256i block)
 
 }  // namespace
 
-bool canSettleWide() noexcept { return scan::hasAvx2(); }
+bool canSettleWide() noexcept { return machine::hasAvx2(); }
 
 __attribute__((target("avx2"))) std::ptrdiff_t settleWide(const char16_t* from, const char16_t* to,
                                                           char16_t* out, char16_t stop,

@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/Machine.h"
 #include "text/UnitScan.h"
-#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -273,8 +273,8 @@ __attribute__((target("avx512bw,avx512vbmi"))) std::size_t nextByPairs(
 
 SieveWay sieveWay() noexcept {
 #if defined(__SSE2__)
-    if (scan::hasAvx512()) return SieveWay::Pairs;
-    if (scan::hasAvx2()) return SieveWay::Halves;
+    if (machine::hasAvx512()) return SieveWay::Pairs;
+    if (machine::hasAvx2()) return SieveWay::Halves;
 #endif
     return SieveWay::OneByOne;
 }

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/Machine.h"
 #include "text/MemberScan.h"
 #include "text/UnitScan.h"
-#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -242,8 +242,8 @@ void putUnitBlocksOneByOne(std::u16string_view text, std::span<const std::size_t
 void putUnitBlocks(std::u16string_view text, std::span<const std::size_t> bases,
                    const CharacterSetRep& set, Case letterCase, UnitBlocks blocks) noexcept {
 #if defined(__SSE2__)
-    if (scan::hasAvx512()) return putWidest(text, bases, set, letterCase, blocks);
-    if (scan::hasAvx2()) return putWide(text, bases, set, letterCase, blocks);
+    if (machine::hasAvx512()) return putWidest(text, bases, set, letterCase, blocks);
+    if (machine::hasAvx2()) return putWide(text, bases, set, letterCase, blocks);
 #endif
     putUnitBlocksOneByOne(text, bases, set, letterCase, blocks);
 }

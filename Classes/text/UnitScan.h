@@ -16,12 +16,6 @@ namespace velmo::detail::scan {
 
 inline constexpr std::ptrdiff_t BlockUnits = 8;
 
-/// Whether functions compiled for AVX2 may be called.
-inline bool hasAvx2() noexcept {
-    static const bool has = __builtin_cpu_supports("avx2");
-    return has;
-}
-
 inline __m128i loadBlock(const char16_t* units) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(units));
 }

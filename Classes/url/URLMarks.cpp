@@ -6,8 +6,8 @@
 #include <array>
 
 #include "platform/Ascii.h"
+#include "platform/Machine.h"
 #include "text/UnitScan.h"
-#include "text/WideUnits.h"
 
 namespace velmo::detail {
 namespace {
@@ -166,10 +166,10 @@ ParameterMarks parameterMarksByBlocks(std::u16string_view text) noexcept {
     return find<OfParameters>(text);
 }
 URLMarks urlMarksOf(std::u16string_view text) noexcept {
-    return scan::hasAvx512() ? findWide<OfURLs>(text) : find<OfURLs>(text);
+    return machine::hasAvx512() ? findWide<OfURLs>(text) : find<OfURLs>(text);
 }
 ParameterMarks parameterMarksOf(std::u16string_view text) noexcept {
-    return scan::hasAvx512() ? findWide<OfParameters>(text) : find<OfParameters>(text);
+    return machine::hasAvx512() ? findWide<OfParameters>(text) : find<OfParameters>(text);
 }
 #else
 URLMarks urlMarksByBlocks(std::u16string_view text) noexcept { return urlMarksOneByOne(text); }

@@ -1,5 +1,6 @@
 // Tags scanned in bytes are those of the decoded page, whatever the bytes are.
 #include "markup/ByteTag.h"
+#include "platform/Machine.h"
 
 #include <filesystem>
 #include <random>
@@ -195,7 +196,7 @@ void expectSameMarks(const Unit* units) {
 #if defined(__SSE2__)
     detail::markKernels::markSse2(units, marks);
     EXPECT_EQ(marks, expected);
-    if (detail::scan::hasAvx2()) {
+    if (detail::machine::hasAvx2()) {
         detail::markKernels::markAvx2(units, marks);
         EXPECT_EQ(marks, expected);
     }

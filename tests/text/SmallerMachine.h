@@ -1,15 +1,15 @@
 // A smaller machine for a while, so that its kernels are tested on larger ones too.
 #pragma once
 
-#include "text/WideUnits.h"
+#include "platform/Machine.h"
 
 namespace velmo::test {
 
 class WithoutAvx512 {
 public:
 #if defined(__SSE2__)
-    WithoutAvx512() { detail::scan::mayUseAvx512 = false; }
-    ~WithoutAvx512() { detail::scan::mayUseAvx512 = true; }
+    WithoutAvx512() { detail::machine::mayUseAvx512 = false; }
+    ~WithoutAvx512() { detail::machine::mayUseAvx512 = true; }
 #else
     WithoutAvx512() {}
     ~WithoutAvx512() {}

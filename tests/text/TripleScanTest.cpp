@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/Machine.h"
 #include "text/UnitScan.h"
-#include "text/WideUnits.h"
 
 namespace velmo {
 namespace {
@@ -62,8 +62,8 @@ TEST(TripleScan, WaysAgreeAndLetWordsPass) {
                 for (const auto* places : {&byPairs, &byHalves})
                     EXPECT_TRUE(std::ranges::binary_search(*places, at)) << at;
 #if defined(__SSE2__)
-        if (detail::scan::hasAvx2()) { EXPECT_EQ(placesOf(text, base, sieve, SieveWay::Halves, room), byHalves); }
-        if (detail::scan::hasAvx512()) { EXPECT_EQ(placesOf(text, base, sieve, SieveWay::Pairs, room), byPairs); }
+        if (detail::machine::hasAvx2()) { EXPECT_EQ(placesOf(text, base, sieve, SieveWay::Halves, room), byHalves); }
+        if (detail::machine::hasAvx512()) { EXPECT_EQ(placesOf(text, base, sieve, SieveWay::Pairs, room), byPairs); }
 #endif
     }
 }

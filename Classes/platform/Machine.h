@@ -1,17 +1,19 @@
-// What the kernels for the widest machines ask first.
+// What the kernels for wider machines ask first.
 #pragma once
 
-#if defined(__SSE2__)
-#include <immintrin.h>
-#endif
-
-namespace velmo::detail::scan {
+namespace velmo::detail::machine {
 
 #if defined(__SSE2__)
 
 /// Taken away, while no other thread is at work, where tests and benchmarks want to know what smaller
 /// machines do.
 inline bool mayUseAvx512 = true;
+
+/// Whether functions compiled for AVX2 may be called.
+inline bool hasAvx2() noexcept {
+    static const bool has = __builtin_cpu_supports("avx2");
+    return has;
+}
 
 /// Whether functions compiled for AVX-512 with its operations on bytes (BW, VBMI, VBMI2) may be
 /// called.
@@ -24,4 +26,4 @@ inline bool hasAvx512() noexcept {
 
 #endif
 
-}  // namespace velmo::detail::scan
+}  // namespace velmo::detail::machine
