@@ -4,10 +4,14 @@
 #include "url/Escapes.h"
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include <velmocore/text/StringFiles.h>
+
+#include "platform/Utf8Blocks.h"
+#include "url/EscapeBlocks.h"
 
 namespace velmo::detail::escapes {
 namespace {
@@ -45,8 +49,28 @@ bool decodeCharacter(int lead, const char16_t*& read, const char16_t* end, char1
     return true;
 }
 
+/// The text with its escapes decoded as UTF-8, by blocks of bytes; absent if one is broken, or if the
+/// text is not ASCII.
+String decodedByBlocks(Units text) {
+    const std::size_t most = text.size() + BlockSlack;
+    std::uint8_t small[Room::Short + BlockSlack];
+    std::unique_ptr<std::uint8_t[]> large;
+    if (most > sizeof small) large = std::make_unique_for_overwrite<std::uint8_t[]>(most);
+    std::uint8_t* const bytes = large ? large.get() : small;
+    const std::uint8_t* const end = bytesOfAsciiByBlocks(text, bytes);
+    if (!end) return {};
+    Room room(static_cast<std::size_t>(end - bytes));
+    const std::uint8_t* read = bytes;
+    char16_t* write = room.units();
+    decodeUtf8Blocks(read, end, write);
+    return read == end ? room.finish(write) : String();
+}
+
 /// The text with its escapes decoded as UTF-8; absent if one is broken.
 String decodedUtf8(Units text) {
+    if (canDecodeEscapeBlocks()) {
+        if (String whole = decodedByBlocks(text); !whole.isAbsent()) return whole;
+    }
     Room room(text.size() + CopySlack);
     const char16_t* const end = text.data() + text.size();
     bool sound = true;

@@ -1,6 +1,7 @@
 #include <velmocore/url/PercentEscapes.h>
 
 #include "TestSupport.h"
+#include "text/SmallerMachine.h"
 
 namespace velmo {
 namespace {
@@ -111,6 +112,36 @@ TEST(PercentEscapes, WhatIsEscapedComesBack) {
         const String escaped = stringByAddingPercentEscapesToURL(text, {.toBeEscaped = u"%"});
         ASSERT_EQ(stringByReplacingPercentEscapesOfURL(escaped), text);
     }
+}
+
+/// Runs of letters, escapes of characters and of parts of them, and what only looks like an escape.
+String randomEscapes(std::mt19937& random, std::size_t length) {
+    constexpr std::u16string_view Pieces[] = {
+        u"%C3%A4", u"%e2%82%ac", u"%F0%9F%98%80",      u"%41", u"%00", u"%", u"%4", u"%%", u"%4G",
+        u"%G4",    u"a",         u"some more letters", u"%20", u"%7f"};
+    constexpr std::u16string_view Rare[] = {u"%C3",          u"%80",    u"%ED%A0%80", u"%C0%80",
+                                            u"%F4%90%80%80", u"\u00E4", u"\u2534"};
+    std::u16string text;
+    const bool isSound = random() % 2;
+    while (text.size() < length)
+        text += isSound || random() % 200 ? Pieces[random() % std::size(Pieces)] : Rare[random() % std::size(Rare)];
+    return text.substr(0, length);
+}
+
+TEST(PercentEscapes, AllMachinesDecodeTheSame) {
+    std::mt19937 random(11);
+    std::size_t absent = 0;
+    for (int round = 0; round < 20000; ++round) {
+        const String text = randomEscapes(random, random() % (round % 100 ? 300 : 12000));
+        const String widest = stringByReplacingPercentEscapesOfURL(text);
+        const test::WithoutAvx512 smaller;
+        const String expected = stringByReplacingPercentEscapesOfURL(text);
+        ASSERT_EQ(widest, expected) << text;
+        ASSERT_EQ(widest.isAbsent(), expected.isAbsent()) << text;
+        absent += widest.isAbsent();
+    }
+    EXPECT_GT(absent, 1000u);
+    EXPECT_LT(absent, 19000u);
 }
 
 TEST(PercentEscapes, QueryTerms) {
