@@ -31,13 +31,10 @@ struct ByteTag {
     bool isNamed(std::string_view ascii) const {
         return (nameLength == ascii.size() || !isNamePlain) && hasNameUnits(ascii);
     }
-    std::string_view whole() const {
-        return characters.substr(std::min(tagLocation, characters.size()), tagLength);
-    }
+    std::string_view whole() const { return part(tagLocation, tagLength); }
     bool hasText() const { return tagLocation > textLocation; }
     std::string_view text() const {
-        return hasText() ? characters.substr(textLocation, tagLocation - textLocation)
-                         : std::string_view();
+        return hasText() ? part(textLocation, tagLocation - textLocation) : std::string_view();
     }
     bool isClosing() const {
         return tagLength > 1 && tagLocation + 1 < characters.size() &&
@@ -45,6 +42,12 @@ struct ByteTag {
     }
 
 private:
+    /// What of a range is in the text: substr() is no such thing, as it throws.
+    std::string_view part(std::size_t location, std::size_t length) const {
+        const std::size_t start = std::min(location, characters.size());
+        return {characters.data() + start, std::min(length, characters.size() - start)};
+    }
+
     /// A letter outside ASCII may count as one of the name.
     bool hasNameUnits(std::string_view ascii) const {
         std::string_view left = name();

@@ -56,12 +56,14 @@ public:
     /// The place of the name among those the table was made of; the other one if it is not there.
     int find(PackedName name, int otherwise = -1) const {
         const Slot& slot = slots_[slotOf(name)];
-        return slot.name == name && name != 0 ? slot.index : otherwise;
+        // Both are there before they are chosen from: pages are full of names that are none of these.
+        const int index = slot.index;
+        return slot.name == name ? index : otherwise;
     }
 
 private:
     struct Slot {
-        PackedName name = 0;
+        PackedName name = ~PackedName{0};  ///< what no name is
         int index = -1;
     };
 

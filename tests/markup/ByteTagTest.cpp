@@ -191,7 +191,7 @@ template <class Unit>
 void expectSameMarks(const Unit* units) {
     const detail::Marks expected = scalarMarks(units);
     detail::Marks marks;
-    detail::markBlock(units, marks);
+    detail::markKernel<Unit>()(units, marks);
     EXPECT_EQ(marks, expected);
 #if defined(__SSE2__)
     detail::markKernels::markSse2(units, marks);
