@@ -86,7 +86,8 @@ public:
           out_(options, pageLength),
           bodyDepth_(options.onlyBody ? 0 : WholePage) {}
 
-    bool operator()(const Tag& tag) {
+    /// In the scan itself: a call for each tag would save and load as much as most tags need.
+    [[gnu::always_inline]] bool operator()(const Tag& tag) {
         if (bodyDepth_ < 1) {
             handleOutsideBody(tag);
         } else {
@@ -122,7 +123,7 @@ private:
 
     // --- the body ---------------------------------------------------------------------
 
-    void handleOutsideBody(const Tag& tag) {
+    [[gnu::noinline]] void handleOutsideBody(const Tag& tag) {
         if (tag.kind == TagKind::Comment) return noteGoogleComment(tag);
         const bool isNoFrames = tag.isNamed("NOFRAMES");
         if (isNoFrames || tag.isNamed("NOSCRIPT")) {
@@ -153,7 +154,7 @@ private:
     }
 
     /// What was hidden before the body does not hide the body: heads are full of open tags.
-    void enterBody(const Tag& tag) {
+    [[gnu::noinline]] void enterBody(const Tag& tag) {
         changeDepth(tag, +1);
         clearElements();
         set(InFrameAlternative, false);
@@ -161,7 +162,7 @@ private:
     }
 
     /// Text counts as long as it may be indexed.
-    void noteGoogleComment(const Tag& tag) {
+    [[gnu::noinline]] void noteGoogleComment(const Tag& tag) {
         if (!options_.googleTags) return;
         googleMask_.note(unitsOf(tag));
         set(NotIndexed, !googleMask_.allows(detail::GoogleMask::Index));
@@ -183,7 +184,7 @@ private:
     /// Invisible text of a hundred units and more that is mostly long words is there for
     /// search engines only.
     template <class Text>
-    void noteKeywordStuffing(Text span) {
+    [[gnu::noinline]] void noteKeywordStuffing(Text span) {
         constexpr std::size_t Shortest = 100, Separators = 5, WordLength = 6;
         if (!(states_ & HiddenFont) || out_.didRemoveJunk() || span.size() < Shortest) return;
         Units text = out_.unitsOf(span);
@@ -309,12 +310,12 @@ private:
         out_.setPreformatted(opens(tag));
     }
 
-    void plaintext(const Tag& tag) {
+    [[gnu::noinline]] void plaintext(const Tag& tag) {
         out_.setPreformatted(opens(tag));
         if (opens(tag)) out_.writeBreak(Break::Paragraph);
     }
 
-    void image(const Tag& tag) {
+    [[gnu::noinline]] void image(const Tag& tag) {
         if (!options_.imageAlts) return;
         out_.oweSpace();
         const Units whole = unitsOf(tag);
@@ -326,7 +327,7 @@ private:
     }
 
     /// Letters in the colour of the page, or too small to read, are there for search engines.
-    void font(const Tag& tag) {
+    [[gnu::noinline]] void font(const Tag& tag) {
         const Units whole = unitsOf(tag);
         const Units color = detail::attributeOf(whole, "COLOR", tag.web);
         set(HiddenFont, (!backgroundColor_.isAbsent() &&

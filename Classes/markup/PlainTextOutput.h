@@ -57,11 +57,17 @@ public:
 
     /// Writes one span of text. So many units may be read from its start on.
     template <class Unit>
-    void appendSpan(std::basic_string_view<Unit> span, std::size_t readable, bool inLink,
-                    bool inAttribute = false) {
+    [[gnu::always_inline]] void appendSpan(std::basic_string_view<Unit> span, std::size_t readable,
+                                           bool inLink, bool inAttribute = false) {
         if (span.size() <= TextMarks::Units && readable >= 2 * TextMarks::Units && copiesPlain_ &&
-            valueOfUnit(span[0]) < 128 && appendShort(span))
-            return;
+            valueOfUnit(span[0]) < 128) {
+            // Half of all spans are line ends between two tags, and what indents the second.
+            if (isShortWhite(span)) {
+                spaceOwed_ = true;
+                return;
+            }
+            if (appendShort(span)) return;
+        }
         appendLong(span, readable, inLink, inAttribute);
     }
 
@@ -188,9 +194,16 @@ private:
         return true;
     }
 
+    /// Whether a short span is white space that makes a blank at most.
+    template <class Unit>
+    bool isShortWhite(std::basic_string_view<Unit> span) const {
+        return valueOfUnit(span[0]) <= u' ' && span.size() <= 16 && collapseWhite_ &&
+               areWhite(span.data(), span.size());
+    }
+
     /// False, and nothing done, if there is more to do than to cut the ends.
     template <class Unit>
-    bool appendShort(std::basic_string_view<Unit> span) {
+    [[gnu::noinline]] bool appendShort(std::basic_string_view<Unit> span) {
         const TextMarks marks = textMarks(span.data());
         const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - span.size());
         const std::uint32_t plain = marks.plain & inside, white = marks.white & inside;
