@@ -171,11 +171,30 @@ private:
 
 }  // namespace
 
-HtmlLinks detail::linksOf(ByteTagWalk walk, const LinkOptions& options) {
-    if (wantsText(options)) return linksOf(widened(walk, {}), options);
+namespace {
+
+/// With the text of links, for which all tags are walked.
+HtmlLinks linksWithText(TagWalk walk, const LinkOptions& options) {
+    HtmlLinks result;
+    RetrieveLinksHandler handler(result, options);
+    walk(handler);
+    return result;
+}
+
+}  // namespace
+
+HtmlLinks detail::linksOf(const TagList& tags, const LinkOptions& options) {
+    HtmlLinks result;
+    RetrieveLinksHandler handler(result, options);
+    tags.each(handler);
+    return result;
+}
+
+HtmlLinks detail::linksOf(const ByteTagList& tags, const LinkOptions& options) {
+    if (wantsText(options)) return linksWithText(widened(tags, {}), options);
     HtmlLinks result;
     ByteLinksHandler handler(result, options);
-    walk(handler);
+    tags.each(handler);
     return result;
 }
 
@@ -183,23 +202,17 @@ HtmlLinks htmlLinks(Bytes page, const LinkOptions& options, MarkupDecodingOption
     decoding.web = options.web;
     const MarkupReading reading = readMarkup(page, decoding);
     if (!reading.isUTF8()) return htmlLinks(reading.page.text, options);
-    if (wantsText(options)) return linksOf(scanOf(reading.utf8, options.web), options);
+    if (wantsText(options))
+        return linksWithText(widened(scanOf(reading.utf8, options.web), {}), options);
     HtmlLinks result;
     ByteLinksHandler handler(result, options);
     scanTags(reading.utf8, handler, options.web);
     return result;
 }
 
-HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
-    HtmlLinks result;
-    RetrieveLinksHandler handler(result, options);
-    walk(handler);
-    return result;
-}
-
 HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
     // With their text links are closed too, and all tags stand in it.
-    if (wantsText(options)) return linksOf(scanOf(page, options.web), options);
+    if (wantsText(options)) return linksWithText(scanOf(page, options.web), options);
     HtmlLinks result;
     RetrieveLinksHandler handler(result, options);
     scanTags(page, handler, options.web);

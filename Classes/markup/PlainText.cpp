@@ -42,12 +42,12 @@ constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
 template <class Tag>
 bool opens(const Tag& tag) {
-    const auto whole = tag.whole();
-    return whole[1] != '/' && (tag.web.selfClosing || whole[whole.size() - 2] != '/');
+    const auto* const whole = tag.characters.data() + tag.tagLocation;
+    return whole[1] != '/' && (tag.web.selfClosing || whole[tag.tagLength - 2] != '/');
 }
 template <class Tag>
 bool closes(const Tag& tag) {
-    return tag.whole()[1] == '/';
+    return tag.characters[tag.tagLocation + 1] == '/';
 }
 
 /// Where in a page the text is, and what of it is to be seen: one bit each.
@@ -389,9 +389,16 @@ HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
     return convert<Tag>(page, walk, options);
 }
 
-HtmlPlainText detail::plainTextOf(std::string_view utf8, ByteTagWalk walk,
+HtmlPlainText detail::plainTextOf(const String& page, const TagList& tags,
                                   const PlainTextOptions& options) {
-    return convert<ByteTag>(utf8, walk, options);
+    return convert<Tag>(
+        page, [&](auto& handler) { tags.each(handler); }, options);
+}
+
+HtmlPlainText detail::plainTextOf(std::string_view utf8, const ByteTagList& tags,
+                                  const PlainTextOptions& options) {
+    return convert<ByteTag>(
+        utf8, [&](auto& handler) { tags.each(handler); }, options);
 }
 
 // Scans of their own types, which have the handler in them.
