@@ -203,7 +203,7 @@ private:
 
     /// False, and nothing done, if there is more to do than to cut the ends.
     template <class Unit>
-    [[gnu::noinline]] bool appendShort(std::basic_string_view<Unit> span) {
+    bool appendShort(std::basic_string_view<Unit> span) {
         const TextMarks marks = textMarks(span.data());
         const std::uint32_t inside = ~std::uint32_t{0} >> (TextMarks::Units - span.size());
         const std::uint32_t plain = marks.plain & inside, white = marks.white & inside;

@@ -106,7 +106,7 @@ inline PackedName lowerCase(__m128i bytes) {
 }
 
 /// The number of a tag's name; 0 if it has none.
-inline PackedName packedName(const Tag& tag) {
+[[gnu::always_inline]] inline PackedName packedName(const Tag& tag) {
 #if defined(__SSE2__)
     if (tag.nameLength - 1 < MaxPackedUnits &&
         tag.characters.size() - tag.nameLocation >= MaxPackedUnits) {
@@ -122,7 +122,7 @@ inline PackedName packedName(const Tag& tag) {
     return packedByUnit(tag);
 }
 
-inline PackedName packedName(const ByteTag& tag) {
+[[gnu::always_inline]] inline PackedName packedName(const ByteTag& tag) {
 #if defined(__SSE2__)
     if (tag.isNamePlain && tag.nameLength - 1 < MaxPackedUnits &&
         tag.characters.size() - tag.nameLocation >= MaxPackedUnits) {
