@@ -31,10 +31,15 @@ struct ByteTag {
     bool isNamed(std::string_view ascii) const {
         return (nameLength == ascii.size() || !isNamePlain) && hasNameUnits(ascii);
     }
-    std::string_view whole() const { return part(tagLocation, tagLength); }
+    std::string_view whole() const {
+        // Not substr(), which may throw: where that is told, each call costs more.
+        const std::size_t start = std::min(tagLocation, characters.size());
+        return {characters.data() + start, std::min(tagLength, characters.size() - start)};
+    }
     bool hasText() const { return tagLocation > textLocation; }
     std::string_view text() const {
-        return hasText() ? part(textLocation, tagLocation - textLocation) : std::string_view();
+        if (!hasText()) return {};
+        return {characters.data() + textLocation, tagLocation - textLocation};
     }
     bool isClosing() const {
         return tagLength > 1 && tagLocation + 1 < characters.size() &&
@@ -42,12 +47,6 @@ struct ByteTag {
     }
 
 private:
-    /// What of a range is in the text: substr() is no such thing, as it throws.
-    std::string_view part(std::size_t location, std::size_t length) const {
-        const std::size_t start = std::min(location, characters.size());
-        return {characters.data() + start, std::min(length, characters.size() - start)};
-    }
-
     /// A letter outside ASCII may count as one of the name.
     bool hasNameUnits(std::string_view ascii) const {
         std::string_view left = name();

@@ -215,7 +215,7 @@ private:
         // Before the tag's own work: the break belongs to the text in front of the tag.
         out_.breakText(rule.breakIfPending);
         states_ &= ~(Form * rule.leavesForm);
-        // Links are a fifth of all tags, and a half does no more.
+        // A quarter of all tags are links, and many others have no action.
         if (rule.action == Action::Link) {
             changeLinkDepth(tag);
             out_.oweSpace();

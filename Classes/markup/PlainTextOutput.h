@@ -196,7 +196,7 @@ private:
 
     /// Whether a short span is white space that makes a blank at most.
     template <class Unit>
-    bool isShortWhite(std::basic_string_view<Unit> span) const {
+    [[gnu::always_inline]] bool isShortWhite(std::basic_string_view<Unit> span) const {
         return valueOfUnit(span[0]) <= u' ' && span.size() <= 16 && collapseWhite_ &&
                areWhite(span.data(), span.size());
     }
