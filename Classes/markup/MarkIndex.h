@@ -1,7 +1,8 @@
 // Where the five units that matter to a tag scan stand. The text, of 16-bit units or of bytes of
-// UTF-8, which never hides one of the five in a longer sequence, is looked at 64 units at a time, and each of the five has a bit set over these. A search in the current 64 is then
-// a shift and a count of zeros: tags are short, so a loop over units would mostly spend its
-// time on mispredicting its own end.
+// UTF-8, which never hides one of the five in a longer sequence, is looked at 64 units at a time, and
+// each of the five has a bit set over these. A search in the current 64 is then a shift and a count
+// of zeros: tags are short, so a loop over units would mostly spend its time on mispredicting its own
+// end.
 #pragma once
 
 #include <bit>
