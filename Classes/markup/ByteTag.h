@@ -32,12 +32,14 @@ struct ByteTag {
         return (nameLength == ascii.size() || !isNamePlain) && hasNameUnits(ascii);
     }
     std::string_view whole() const {
-        return characters.substr(std::min(tagLocation, characters.size()), tagLength);
+        // Not substr(), which may throw: where that is told, each call costs more.
+        const std::size_t start = std::min(tagLocation, characters.size());
+        return {characters.data() + start, std::min(tagLength, characters.size() - start)};
     }
     bool hasText() const { return tagLocation > textLocation; }
     std::string_view text() const {
-        return hasText() ? characters.substr(textLocation, tagLocation - textLocation)
-                         : std::string_view();
+        if (!hasText()) return {};
+        return {characters.data() + textLocation, tagLocation - textLocation};
     }
     bool isClosing() const {
         return tagLength > 1 && tagLocation + 1 < characters.size() &&

@@ -11,6 +11,7 @@
 #include "markup/BaseRule.h"
 #include "markup/MarkupReading.h"
 #include "markup/NormalizedLink.h"
+#include "markup/PlainHref.h"
 #include "markup/TagScan.h"
 #include "markup/TagSupport.h"
 #include "markup/TagWalk.h"
@@ -37,6 +38,16 @@ void addLink(Units href, const LinkOptions& options, UniqueLinks& links) {
     if (!link.view().empty()) links.add(link.view());
 }
 
+/// Adds the link of a tag that is told by one look, as most are. Else false: it takes more.
+template <class AnyTag>
+bool addPlainLink(const AnyTag& tag, const LinkOptions& options, UniqueLinks& links) {
+    if (options.useRelNoFollow || options.filter) return false;
+    const auto href = plainHref(tag);
+    if (href.empty()) return false;
+    links.add(href);
+    return true;
+}
+
 /// Gathers links as they come, or, if their text is asked for, when they are closed.
 class RetrieveLinksHandler {
 public:
@@ -53,7 +64,7 @@ public:
             if (keyword::upper(tag.name()[0]) == u'A') retrieveAnchor(tag);
         } else if (tag.nameLength == 4 && isOpening(tag)) {
             if (tag.isNamed("BASE")) applyBaseRule(tag, options_.url, baseURL_);
-            if (!wantsText_ && tag.isNamed("AREA")) add(hrefOf(tag));
+            if (!wantsText_ && tag.isNamed("AREA")) addLinkOf(tag);
         }
         return false;
     }
@@ -68,7 +79,7 @@ public:
 private:
     void retrieveAnchor(const Tag& tag) {
         if (!wantsText_) {
-            if (isOpening(tag)) add(hrefOf(tag));
+            if (isOpening(tag)) addLinkOf(tag);
         } else if (isOpening(tag)) {
             openLink(hrefOf(tag));
         } else {
@@ -95,6 +106,9 @@ private:
         return !options_.handler || options_.handler(href_, linkText_);
     }
 
+    void addLinkOf(const Tag& tag) {
+        if (!addPlainLink(tag, options_, links_)) add(hrefOf(tag));
+    }
     void add(Units href) { addLink(href, options_, links_); }
 
     const LinkOptions& options_;
@@ -132,6 +146,7 @@ public:
 
 private:
     void addLinkOf(const ByteTag& tag) {
+        if (addPlainLink(tag, options_, links_)) return;
         const std::string_view whole = tag.whole();
         if (options_.useRelNoFollow || !scan::isAscii(whole)) return addLinkOf(wide_.of(tag));
         const Range range = rangeOfAttributeOfAscii(tag, "HREF");
@@ -156,11 +171,30 @@ private:
 
 }  // namespace
 
-HtmlLinks detail::linksOf(ByteTagWalk walk, const LinkOptions& options) {
-    if (wantsText(options)) return linksOf(widened(walk, {}), options);
+namespace {
+
+/// With the text of links, for which all tags are walked.
+HtmlLinks linksWithText(TagWalk walk, const LinkOptions& options) {
+    HtmlLinks result;
+    RetrieveLinksHandler handler(result, options);
+    walk(handler);
+    return result;
+}
+
+}  // namespace
+
+HtmlLinks detail::linksOf(const TagList& tags, const LinkOptions& options) {
+    HtmlLinks result;
+    RetrieveLinksHandler handler(result, options);
+    tags.each(handler);
+    return result;
+}
+
+HtmlLinks detail::linksOf(const ByteTagList& tags, const LinkOptions& options) {
+    if (wantsText(options)) return linksWithText(widened(tags, {}), options);
     HtmlLinks result;
     ByteLinksHandler handler(result, options);
-    walk(handler);
+    tags.each(handler);
     return result;
 }
 
@@ -168,23 +202,17 @@ HtmlLinks htmlLinks(Bytes page, const LinkOptions& options, MarkupDecodingOption
     decoding.web = options.web;
     const MarkupReading reading = readMarkup(page, decoding);
     if (!reading.isUTF8()) return htmlLinks(reading.page.text, options);
-    if (wantsText(options)) return linksOf(scanOf(reading.utf8, options.web), options);
+    if (wantsText(options))
+        return linksWithText(widened(scanOf(reading.utf8, options.web), {}), options);
     HtmlLinks result;
     ByteLinksHandler handler(result, options);
     scanTags(reading.utf8, handler, options.web);
     return result;
 }
 
-HtmlLinks detail::linksOf(TagWalk walk, const LinkOptions& options) {
-    HtmlLinks result;
-    RetrieveLinksHandler handler(result, options);
-    walk(handler);
-    return result;
-}
-
 HtmlLinks htmlLinks(Units page, const LinkOptions& options) {
     // With their text links are closed too, and all tags stand in it.
-    if (wantsText(options)) return linksOf(scanOf(page, options.web), options);
+    if (wantsText(options)) return linksWithText(scanOf(page, options.web), options);
     HtmlLinks result;
     RetrieveLinksHandler handler(result, options);
     scanTags(page, handler, options.web);

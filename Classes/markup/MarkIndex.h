@@ -1,7 +1,8 @@
 // Where the five units that matter to a tag scan stand. The text, of 16-bit units or of bytes of
-// UTF-8, which never hides one of the five in a longer sequence, is looked at 64 units at a time, and each of the five has a bit set over these. A search in the current 64 is then
-// a shift and a count of zeros: tags are short, so a loop over units would mostly spend its
-// time on mispredicting its own end.
+// UTF-8, which never hides one of the five in a longer sequence, is looked at 64 units at a time, and
+// each of the five has a bit set over these. A search in the current 64 is then a shift and a count
+// of zeros: tags are short, so a loop over units would mostly spend its time on mispredicting its own
+// end.
 #pragma once
 
 #include <bit>
@@ -56,12 +57,13 @@ public:
         const std::uint64_t inTag = (greater & -greater) - 1;
         const std::uint64_t equal = marks_.equal >> offset & inTag;
         if (!equal) return last;
+        // A quote mark opens a value right behind an =, and its twin closes it. The difference of
+        // both has the bits from each opening one up to its twin, if they take turns.
         const std::uint64_t quotes = marks_.doubleQuote >> offset & inTag;
-        // From each opening quote up to its twin.
-        std::uint64_t inValue = quotes;
-        for (int shift = 1; shift < BlockUnits; shift *= 2) inValue ^= inValue << shift;
-        const bool isClosed = !(std::popcount(quotes) & 1);
-        const bool isPlain = (quotes & inValue) == (equal & ~inValue) << 1 &&
+        const std::uint64_t opening = quotes & equal << 1, closing = quotes & ~opening;
+        const std::uint64_t inValue = closing - opening;
+        const bool isClosed = (quotes & inValue) == opening && !(inValue & greater & -greater);
+        const bool isPlain = opening == (equal & ~inValue) << 1 &&
                              !(marks_.singleQuote >> offset & inTag & ~inValue);
         return isClosed && isPlain ? last : nullptr;
     }
@@ -96,17 +98,18 @@ private:
         // the position is looked at again.
         block_ = from;
         if (end_ - from >= BlockUnits) {
-            markBlock(from, marks_);
+            mark_(from, marks_);
         } else {
             // A copy, as the kernels read 64 units whatever there are.
             Unit tail[BlockUnits] = {};
             std::memcpy(tail, from, static_cast<std::size_t>(end_ - from) * sizeof(Unit));
-            markBlock(tail, marks_);
+            mark_(tail, marks_);
         }
     }
 
     const Unit* const end_;
     const Unit* block_;
+    const MarkKernel<Unit> mark_ = markKernel<Unit>();
     Marks marks_;
 };
 

@@ -119,18 +119,18 @@ __attribute__((target("avx512bw"))) void markAvx512(const Unit* units, Marks& ma
 
 }  // namespace markKernels
 
-/// The marks of 64 units, all of which are read.
+/// Finds the marks of 64 units, all of which are read.
 template <class Unit>
-void markBlock(const Unit* units, Marks& marks) {
+using MarkKernel = void (*)(const Unit* units, Marks& marks);
+
+/// The widest one that the machine has.
+template <class Unit>
+MarkKernel<Unit> markKernel() {
 #if defined(__SSE2__)
-    if (machine::hasAvx512())
-        markKernels::markAvx512(units, marks);
-    else if (machine::hasAvx2())
-        markKernels::markAvx2(units, marks);
-    else
-        markKernels::markSse2(units, marks);
+    if (machine::hasAvx512()) return markKernels::markAvx512;
+    return machine::hasAvx2() ? markKernels::markAvx2<Unit> : markKernels::markSse2<Unit>;
 #else
-    markKernels::markScalar(units, marks);
+    return markKernels::markScalar;
 #endif
 }
 

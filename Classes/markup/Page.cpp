@@ -136,7 +136,8 @@ struct Page::State {
     template <class References>
     std::vector<URL> resolvedOf(const References& references) const {
         std::vector<URL> urls;
-        detail::PlaceTable places;
+        urls.reserve(references.size());
+        detail::PlaceTable places(references.size());
         for (const String& reference : references) {
             URL link = resolved(reference);
             if (link.isAbsent()) continue;

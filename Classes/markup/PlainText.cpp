@@ -42,12 +42,12 @@ constexpr std::int64_t WholePage = std::int64_t(1) << 62;
 
 template <class Tag>
 bool opens(const Tag& tag) {
-    const auto whole = tag.whole();
-    return whole[1] != '/' && (tag.web.selfClosing || whole[whole.size() - 2] != '/');
+    const auto* const whole = tag.characters.data() + tag.tagLocation;
+    return whole[1] != '/' && (tag.web.selfClosing || whole[tag.tagLength - 2] != '/');
 }
 template <class Tag>
 bool closes(const Tag& tag) {
-    return tag.whole()[1] == '/';
+    return tag.characters[tag.tagLocation + 1] == '/';
 }
 
 /// Where in a page the text is, and what of it is to be seen: one bit each.
@@ -86,7 +86,8 @@ public:
           out_(options, pageLength),
           bodyDepth_(options.onlyBody ? 0 : WholePage) {}
 
-    bool operator()(const Tag& tag) {
+    /// In the scan itself: a call for each tag would save and load as much as most tags need.
+    [[gnu::always_inline]] bool operator()(const Tag& tag) {
         if (bodyDepth_ < 1) {
             handleOutsideBody(tag);
         } else {
@@ -122,7 +123,7 @@ private:
 
     // --- the body ---------------------------------------------------------------------
 
-    void handleOutsideBody(const Tag& tag) {
+    [[gnu::noinline]] void handleOutsideBody(const Tag& tag) {
         if (tag.kind == TagKind::Comment) return noteGoogleComment(tag);
         const bool isNoFrames = tag.isNamed("NOFRAMES");
         if (isNoFrames || tag.isNamed("NOSCRIPT")) {
@@ -153,7 +154,7 @@ private:
     }
 
     /// What was hidden before the body does not hide the body: heads are full of open tags.
-    void enterBody(const Tag& tag) {
+    [[gnu::noinline]] void enterBody(const Tag& tag) {
         changeDepth(tag, +1);
         clearElements();
         set(InFrameAlternative, false);
@@ -161,7 +162,7 @@ private:
     }
 
     /// Text counts as long as it may be indexed.
-    void noteGoogleComment(const Tag& tag) {
+    [[gnu::noinline]] void noteGoogleComment(const Tag& tag) {
         if (!options_.googleTags) return;
         googleMask_.note(unitsOf(tag));
         set(NotIndexed, !googleMask_.allows(detail::GoogleMask::Index));
@@ -169,7 +170,7 @@ private:
 
     // --- text -------------------------------------------------------------------------
 
-    void handleText(const Tag& tag) {
+    [[gnu::always_inline]] void handleText(const Tag& tag) {
         if (options_.removeJunk && tag.isNamed("TITLE")) return;
         const auto text = tag.text();
         if (states_ & unseen_) {
@@ -183,7 +184,7 @@ private:
     /// Invisible text of a hundred units and more that is mostly long words is there for
     /// search engines only.
     template <class Text>
-    void noteKeywordStuffing(Text span) {
+    [[gnu::noinline]] void noteKeywordStuffing(Text span) {
         constexpr std::size_t Shortest = 100, Separators = 5, WordLength = 6;
         if (!(states_ & HiddenFont) || out_.didRemoveJunk() || span.size() < Shortest) return;
         Units text = out_.unitsOf(span);
@@ -205,7 +206,7 @@ private:
 
     // --- tags -------------------------------------------------------------------------
 
-    void handleTag(const Tag& tag) {
+    [[gnu::always_inline]] void handleTag(const Tag& tag) {
         if (tag.nameLength == 0) {
             if (tag.kind == TagKind::Comment) noteGoogleComment(tag);
             return;
@@ -214,13 +215,18 @@ private:
         // Before the tag's own work: the break belongs to the text in front of the tag.
         out_.breakText(rule.breakIfPending);
         states_ &= ~(Form * rule.leavesForm);
-        perform(rule.action, tag);
+        // A quarter of all tags are links, and many others have no action.
+        if (rule.action == Action::Link) {
+            changeLinkDepth(tag);
+            out_.oweSpace();
+        } else if (rule.action != Action::None) {
+            perform(rule.action, tag);
+        }
     }
 
-    void perform(Action action, const Tag& tag) {
+    /// All actions but those of links.
+    [[gnu::noinline]] void perform(Action action, const Tag& tag) {
         switch (action) {
-            case Action::None:
-                return;
             case Action::Body:
                 return enterBody(tag);
             case Action::Cell:
@@ -239,9 +245,6 @@ private:
                 return image(tag);
             case Action::Input:
                 return out_.separate();
-            case Action::Link:
-                changeLinkDepth(tag);
-                return out_.oweSpace();
             case Action::Plaintext:
                 return plaintext(tag);
             case Action::Preformatted:
@@ -309,12 +312,12 @@ private:
         out_.setPreformatted(opens(tag));
     }
 
-    void plaintext(const Tag& tag) {
+    [[gnu::noinline]] void plaintext(const Tag& tag) {
         out_.setPreformatted(opens(tag));
         if (opens(tag)) out_.writeBreak(Break::Paragraph);
     }
 
-    void image(const Tag& tag) {
+    [[gnu::noinline]] void image(const Tag& tag) {
         if (!options_.imageAlts) return;
         out_.oweSpace();
         const Units whole = unitsOf(tag);
@@ -326,7 +329,7 @@ private:
     }
 
     /// Letters in the colour of the page, or too small to read, are there for search engines.
-    void font(const Tag& tag) {
+    [[gnu::noinline]] void font(const Tag& tag) {
         const Units whole = unitsOf(tag);
         const Units color = detail::attributeOf(whole, "COLOR", tag.web);
         set(HiddenFont, (!backgroundColor_.isAbsent() &&
@@ -388,9 +391,16 @@ HtmlPlainText detail::plainTextOf(const String& page, TagWalk walk,
     return convert<Tag>(page, walk, options);
 }
 
-HtmlPlainText detail::plainTextOf(std::string_view utf8, ByteTagWalk walk,
+HtmlPlainText detail::plainTextOf(const String& page, const TagList& tags,
                                   const PlainTextOptions& options) {
-    return convert<ByteTag>(utf8, walk, options);
+    return convert<Tag>(
+        page, [&](auto& handler) { tags.each(handler); }, options);
+}
+
+HtmlPlainText detail::plainTextOf(std::string_view utf8, const ByteTagList& tags,
+                                  const PlainTextOptions& options) {
+    return convert<ByteTag>(
+        utf8, [&](auto& handler) { tags.each(handler); }, options);
 }
 
 // Scans of their own types, which have the handler in them.

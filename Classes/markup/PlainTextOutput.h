@@ -57,11 +57,17 @@ public:
 
     /// Writes one span of text. So many units may be read from its start on.
     template <class Unit>
-    void appendSpan(std::basic_string_view<Unit> span, std::size_t readable, bool inLink,
-                    bool inAttribute = false) {
+    [[gnu::always_inline]] void appendSpan(std::basic_string_view<Unit> span, std::size_t readable,
+                                           bool inLink, bool inAttribute = false) {
         if (span.size() <= TextMarks::Units && readable >= 2 * TextMarks::Units && copiesPlain_ &&
-            valueOfUnit(span[0]) < 128 && appendShort(span))
-            return;
+            valueOfUnit(span[0]) < 128) {
+            // Half of all spans are line ends between two tags, and what indents the second.
+            if (isShortWhite(span)) {
+                spaceOwed_ = true;
+                return;
+            }
+            if (appendShort(span)) return;
+        }
         appendLong(span, readable, inLink, inAttribute);
     }
 
@@ -186,6 +192,13 @@ private:
         didRemoveJunk_ = true;
         spaceOwed_ = collapseWhite_;
         return true;
+    }
+
+    /// Whether a short span is white space that makes a blank at most.
+    template <class Unit>
+    [[gnu::always_inline]] bool isShortWhite(std::basic_string_view<Unit> span) const {
+        return valueOfUnit(span[0]) <= u' ' && span.size() <= 16 && collapseWhite_ &&
+               areWhite(span.data(), span.size());
     }
 
     /// False, and nothing done, if there is more to do than to cut the ends.

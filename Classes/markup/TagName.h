@@ -56,12 +56,14 @@ public:
     /// The place of the name among those the table was made of; the other one if it is not there.
     int find(PackedName name, int otherwise = -1) const {
         const Slot& slot = slots_[slotOf(name)];
-        return slot.name == name && name != 0 ? slot.index : otherwise;
+        // Both are there before they are chosen from: pages are full of names that are none of these.
+        const int index = slot.index;
+        return slot.name == name ? index : otherwise;
     }
 
 private:
     struct Slot {
-        PackedName name = 0;
+        PackedName name = ~PackedName{0};  ///< what no name is
         int index = -1;
     };
 
@@ -104,7 +106,7 @@ inline PackedName lowerCase(__m128i bytes) {
 }
 
 /// The number of a tag's name; 0 if it has none.
-inline PackedName packedName(const Tag& tag) {
+[[gnu::always_inline]] inline PackedName packedName(const Tag& tag) {
 #if defined(__SSE2__)
     if (tag.nameLength - 1 < MaxPackedUnits &&
         tag.characters.size() - tag.nameLocation >= MaxPackedUnits) {
@@ -120,7 +122,7 @@ inline PackedName packedName(const Tag& tag) {
     return packedByUnit(tag);
 }
 
-inline PackedName packedName(const ByteTag& tag) {
+[[gnu::always_inline]] inline PackedName packedName(const ByteTag& tag) {
 #if defined(__SSE2__)
     if (tag.isNamePlain && tag.nameLength - 1 < MaxPackedUnits &&
         tag.characters.size() - tag.nameLocation >= MaxPackedUnits) {

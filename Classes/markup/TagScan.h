@@ -187,7 +187,8 @@ public:
                 break;
             }
             if (report(last + 1)) return;
-            at = std::max(behindText_, std::min(last + 1, end_));
+            at = std::min(last + 1, end_);
+            if constexpr (ByWeb) at = std::max(behindText_, at);
         }
         finish();
     }
@@ -329,7 +330,8 @@ private:
         ++at;
         if (at != end_ && *at == '/') ++at;
         if (at == end_ || !ascii::isLetter(*at)) return at;
-        const Unit* const nameEnd = endOfName(at + 1, end_);
+        const Unit* nameEnd = endOfPlainName(at, end_);
+        if (!nameEnd) nameEnd = endOfName(at + 1, end_);
         setName(at, nameEnd);
         return nameEnd;
     }
@@ -378,6 +380,7 @@ private:
 
     void findName(const Unit* at, const Unit* last) {
         at += *at == '/';
+        if (const Unit* const nameEnd = endOfPlainName(at, last)) return setName(at, nameEnd, true);
         std::size_t firstLength = 1;
         if (!ascii::isLetter(*at)) {
             // As of <?xml and <!DOCTYPE: the name begins with the first letter.
@@ -387,19 +390,10 @@ private:
         setName(at, endOfName(at + firstLength, last));
     }
 
-    void setName(const Unit* name, const Unit* end) {
+    void setName(const Unit* name, const Unit* end, bool isPlain = false) {
         tag_.nameLocation = static_cast<std::uint64_t>(name - begin_);
         tag_.nameLength = static_cast<std::uint64_t>(end - name);
-        if constexpr (IsBytes) tag_.isNamePlain = isAscii(name, end);
-    }
-
-    bool isAscii(const char* name, const char* end) const {
-        // Most names are told by one look.
-        if (std::uint64_t units; end - name <= 8 && end_ - name >= 8) {
-            std::memcpy(&units, name, 8);
-            return !(units & 0x8080808080808080 & ~std::uint64_t{0} >> (64 - 8 * (end - name)));
-        }
-        return scan::findNonAscii(name, end) == end;
+        if constexpr (IsBytes) tag_.isNamePlain = isPlain || scan::findNonAscii(name, end) == end;
     }
 
     /// Whether a set has the unit there, of which the length is given too.
@@ -415,15 +409,18 @@ private:
         return set.contains(first.unit);
     }
 
-    const Unit* endOfName(const Unit* at, const Unit* last) const {
+    /// Where a name ends that is ASCII and not long, as most are; null if that takes more to tell.
+    const Unit* endOfPlainName([[maybe_unused]] const Unit* at,
+                               [[maybe_unused]] const Unit* last) const {
 #if defined(__SSE2__)
-        // Most names end within eight units. What is not plain ASCII, or a slash or a > in a
-        // quoted value, ends this search, and the loop below tells what it is.
-        if (end_ - at >= NameBlock) {
-            at = std::min(at + plainUnits(scan::loadBlock(at), Unit()), last);
-            if (at == last || *at == ' ') return at;
-        }
+        if (end_ - at < NameBlock || !ascii::isLetter(*at)) return nullptr;
+        const Unit* const nameEnd = std::min(at + plainUnits(scan::loadBlock(at), Unit()), last);
+        if (nameEnd == last || *nameEnd == ' ') return nameEnd;
 #endif
+        return nullptr;
+    }
+
+    const Unit* endOfName(const Unit* at, const Unit* last) const {
         for (std::size_t length; at < last && *at != '/' && *at != '>'; at += length)
             if (isIn(white_, at, last, length)) break;
         return at;
@@ -462,7 +459,7 @@ private:
         if constexpr (ByWeb) behind = std::min(behind, end_);
         tag_.tagLength = static_cast<std::uint64_t>(behind - begin_) - tag_.tagLocation;
         if (handler_(tag_)) return true;
-        tag_.textLocation = tag_.tagLocation + tag_.tagLength;
+        tag_.textLocation = static_cast<std::uint64_t>(behind - begin_);
         return false;
     }
 
@@ -475,7 +472,7 @@ private:
         tag_.nameLocation = NotFound;
         tag_.nameLength = 0;
         tag_.tagLength = tag_.characters.size() - tag_.tagLocation;
-        handler_(tag_);
+        reportLast();
         tag_.textLocation = tag_.characters.size();
     }
 
@@ -485,8 +482,11 @@ private:
         tag_.tagLocation = tag_.characters.size();
         tag_.tagLength = 0;
         tag_.kind = TagKind::End;
-        handler_(tag_);
+        reportLast();
     }
+
+    /// Out of line, so that a handler need only stand where the tags are.
+    [[gnu::noinline]] void reportLast() { handler_(tag_); }
 
     Handler& handler_;
     const Unit* begin_;

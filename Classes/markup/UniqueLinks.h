@@ -7,6 +7,8 @@
 
 #include <velmocore/platform/String.h>
 
+#include "platform/PlaceTable.h"
+
 namespace velmo::detail {
 
 /// Keeps a table of hashes beside the list. A String is made only for a link that is new.
@@ -17,24 +19,12 @@ public:
     /// Appends the link unless it is in the list, and gives its place there.
     std::size_t add(std::u16string_view link);
     /// The same of a link that is ASCII.
-    std::size_t add(std::string_view link);
+    std::size_t add(std::string_view ascii);
 
 private:
-    struct Slot {
-        std::uint64_t hash = 0;
-        std::size_t number = 0;  // in the list, from 1 on; 0 in a free slot
-    };
-
-    /// The slot that holds the link, or the free one where it belongs.
-    template <class Link>
-    Slot& slotFor(std::uint64_t hash, Link link);
-    template <class Link>
-    std::size_t addLink(Link link);
-    void grow();
-
     std::vector<String>& links_;
-    const std::uint64_t seed_;
-    std::vector<Slot> slots_;  // a power of two of them, at least half of them free
+    PlaceTable places_;
+    const std::uint64_t seed_;  ///< differs from run to run
 };
 
 }  // namespace velmo::detail

@@ -3,6 +3,8 @@
 // one; with half of them free, runs are short.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -11,6 +13,9 @@ namespace velmo::detail {
 
 class PlaceTable {
 public:
+    /// For that many places; it grows if there are more. Until there is one it holds no memory.
+    explicit PlaceTable(std::size_t room = 32) : room_(std::max<std::size_t>(room, 1)) {}
+
     /// The place that was added under the hash and for which isSame(place) holds. If there is none,
     /// adds the given one.
     template <class IsSame>
@@ -40,7 +45,7 @@ private:
     }
 
     void grow() {
-        std::vector<Slot> old(slots_.empty() ? 64 : slots_.size() * 2);
+        std::vector<Slot> old(slots_.empty() ? std::bit_ceil(2 * room_) : slots_.size() * 2);
         old.swap(slots_);
         for (const Slot& slot : old)
             if (slot.number) slotFor(slot.hash, [](std::size_t) { return false; }) = slot;
@@ -48,6 +53,7 @@ private:
 
     std::vector<Slot> slots_;  // a power of two of them
     std::size_t taken_ = 0;
+    std::size_t room_;
 };
 
 }  // namespace velmo::detail

@@ -140,19 +140,35 @@ inline bool isAscii(std::string_view bytes) {
     return findNonAscii(bytes.data(), end) == end;
 }
 
+#if defined(__SSE2__)
+
+inline void widenBlock(const char* ascii, char16_t* out) {
+    const __m128i block = loadBlock(ascii), zero = _mm_setzero_si128();
+    auto* const to = reinterpret_cast<__m128i*>(out);
+    _mm_storeu_si128(to, _mm_unpacklo_epi8(block, zero));
+    _mm_storeu_si128(to + 1, _mm_unpackhi_epi8(block, zero));
+}
+inline void widenHalfBlock(const char* ascii, char16_t* out) {
+    const __m128i half = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(ascii));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi8(half, _mm_setzero_si128()));
+}
+
+#endif
+
 /// Widens ASCII; there must be room for as many units as there are bytes.
 inline void widen(std::string_view ascii, char16_t* out) {
+    const std::size_t size = ascii.size();
     std::size_t i = 0;
 #if defined(__SSE2__)
-    const __m128i zero = _mm_setzero_si128();
-    for (; ascii.size() - i >= 16; i += 16) {
-        const __m128i block = loadBlock(ascii.data() + i);
-        auto* const to = reinterpret_cast<__m128i*>(out + i);
-        _mm_storeu_si128(to, _mm_unpacklo_epi8(block, zero));
-        _mm_storeu_si128(to + 1, _mm_unpackhi_epi8(block, zero));
+    for (; size - i >= 16; i += 16) widenBlock(ascii.data() + i, out + i);
+    // The last ones with some that were widened before.
+    if (size >= 16) return widenBlock(ascii.data() + size - 16, out + size - 16);
+    if (size >= 8) {
+        widenHalfBlock(ascii.data(), out);
+        return widenHalfBlock(ascii.data() + size - 8, out + size - 8);
     }
 #endif
-    for (; i < ascii.size(); ++i) out[i] = static_cast<unsigned char>(ascii[i]);
+    for (; i < size; ++i) out[i] = static_cast<unsigned char>(ascii[i]);
 }
 
 /// Whether the units, of which there are as many, are those of ASCII.

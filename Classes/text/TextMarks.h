@@ -3,6 +3,7 @@
 // and ends and whether it may be copied as it stands. For 16-bit units and for bytes alike.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -86,7 +87,23 @@ template <class Unit>
     return marks;
 }
 
+/// Whether so many units, up to sixteen, are blanks, tabs and line ends. Sixteen are read.
+template <class Unit>
+[[gnu::always_inline]] inline bool areWhite(const Unit* units, std::size_t count) {
+    const __m128i block = loadAsBytes(units);
+    const __m128i offset = _mm_sub_epi8(block, _mm_set1_epi8('\t'));
+    const __m128i feed = _mm_cmpeq_epi8(_mm_min_epu8(offset, _mm_set1_epi8('\r' - '\t')), offset);
+    const __m128i white = _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8(' ')), feed);
+    const auto others = ~static_cast<std::uint32_t>(_mm_movemask_epi8(white));
+    return std::countr_zero(others) >= static_cast<int>(count);
+}
+
 #else
+
+template <class Unit>
+bool areWhite(const Unit* units, std::size_t count) {
+    return std::countr_one(textMarksByUnit(units).white) >= static_cast<int>(count);
+}
 
 inline std::uint32_t nonAscii(const char* bytes) {
     std::uint32_t bits = 0;

@@ -191,7 +191,7 @@ template <class Unit>
 void expectSameMarks(const Unit* units) {
     const detail::Marks expected = scalarMarks(units);
     detail::Marks marks;
-    detail::markBlock(units, marks);
+    detail::markKernel<Unit>()(units, marks);
     EXPECT_EQ(marks, expected);
 #if defined(__SSE2__)
     detail::markKernels::markSse2(units, marks);
@@ -221,9 +221,22 @@ TEST(ByteTag, ComeFromMarksThatAllKernelsFind) {
     }
 }
 
+/// The > of the tag in which a place is, one unit after the other.
+std::size_t endOfTag(std::string_view page, std::size_t at) {
+    while ((at = page.find_first_of("=>", at)) < page.size() && page[at] == '=') {
+        ++at;
+        if (at < page.size() && page[at] != '"' && page[at] != '\'') at = page.find_first_of("\"'>", at);
+        if (at >= page.size() || page[at] == '>') break;
+        const std::size_t twin = page.find(page[at], at + 1);
+        at = twin == page.npos ? page.size() : twin + 1;
+    }
+    return std::min(at, page.size());
+}
+
 /// From any place, and up to the last unit.
 TEST(ByteTag, ComeFromAnIndexOfMarks) {
     std::mt19937 random(21);
+    std::size_t plainTags = 0;
     for (int i = 0; i < 2'000; ++i) {
         std::string bytes;
         for (auto length = random() % 200; length > 0; --length)
@@ -238,8 +251,13 @@ TEST(ByteTag, ComeFromAnIndexOfMarks) {
             expectFound(index.equalOrGreater(bytes.data() + at), "=>", at);
             expectFound(index.quoteOrGreater(bytes.data() + at), "\"'>", at);
             expectFound(index.singleQuote(bytes.data() + at), "'", at);
+            if (const char* const last = index.endOfPlainTag(bytes.data() + at)) {
+                EXPECT_EQ(static_cast<std::size_t>(last - bytes.data()), endOfTag(bytes, at)) << bytes.substr(at);
+                ++plainTags;
+            }
         }
     }
+    EXPECT_GT(plainTags, 1000u);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 #include <velmocore/platform/Log.h>
 
 #include "TestSupport.h"
+#include "markup/PlainHref.h"
+#include "markup/TagScan.h"
 
 namespace velmo {
 namespace {
@@ -160,6 +162,77 @@ TEST(Links, AreThoseOfAScanThatReportsAllTags) {
         found += expected.size();
     }
     EXPECT_GT(found, 10000u);
+}
+
+/// What one look tells of a tag in units or in bytes; empty if that is not enough.
+template <class AnyTag, class Text>
+std::vector<Text> plainHrefs(Text page, const WebRules& web) {
+    std::vector<Text> hrefs;
+    const auto handle = [&](const AnyTag& tag) {
+        if (tag.nameLength > 0) hrefs.push_back(detail::plainHref(tag));
+        return false;
+    };
+    detail::scanTags(page, handle, web);
+    return hrefs;
+}
+
+/// The readers of attributes find the same, and normalising leaves it as it is.
+TEST(Links, AreToldByOneLookWhereTheyArePlain) {
+    constexpr std::string_view Openings[] = {"<a href=\"",  "<A HREF=\"",       "<area hrEf=\"", "<a  href=\"",
+                                             "<a\thref=\"", "<a data-href=\"",  "<a/href=\"",    "</a href=\"",
+                                             "<a title=\"", "<!a href=\"",      "<\" a href=\"", "<a href='",
+                                             "<a href=",    "<\xC3\xA9 href=\""};
+    constexpr std::string_view Values[] = {"x",
+                                           "a/b.html?c=d#e",
+                                           "a path of more than sixteen units",
+                                           "/of/more/than/sixteen/units/in/a/row/",
+                                           "&amp;",
+                                           "%20",
+                                           "%2F",
+                                           "\\",
+                                           " ",
+                                           "\n",
+                                           "\x7F",
+                                           "\xC3\xA9",
+                                           "\xE6\x97\xA5",
+                                           "<",
+                                           "=",
+                                           ">",
+                                           "'"};
+    constexpr std::string_view Closings[] = {"\">", "\" class=\"c\">text", "\" href=\"y\">", "'>", ">", ""};
+    std::mt19937 random(23);
+    std::size_t plain = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::string page;
+        for (unsigned tags = random() % 4; tags > 0; --tags) {
+            page += Openings[random() % 2 ? random() % 3 : random() % std::size(Openings)];
+            for (unsigned n = random() % 3; n > 0; --n)
+                page += Values[random() % 2 ? random() % 4 : random() % std::size(Values)];
+            page += Closings[random() % 2 ? random() % 2 : random() % std::size(Closings)];
+        }
+        const WebRules web = round % 4 ? WebRules() : WebRules::today();
+        const String units = String::fromUTF8(page);
+        std::vector<String> values;
+        GetTagsOfString(
+            units,
+            [&](const Tag& tag) {
+                if (tag.nameLength > 0) values.push_back(attributeOfTagCharacters(tag.whole(), "HREF", web));
+                return false;
+            },
+            web);
+        const auto ofUnits = plainHrefs<Tag>(units.view(), web);
+        const auto ofBytes = plainHrefs<detail::ByteTag>(std::string_view(page), web);
+        ASSERT_EQ(ofUnits.size(), values.size());
+        ASSERT_EQ(ofBytes.size(), values.size());
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            ASSERT_EQ(utf8(ofUnits[i]), ofBytes[i]) << page;
+            if (ofUnits[i].empty()) continue;
+            ++plain;
+            ASSERT_EQ(View(ofUnits[i]), values[i]) << page;
+            ASSERT_EQ(normalizedStringURL(values[i], web), values[i]) << page;
+        }
+    }
+    EXPECT_GT(plain, 2000u);
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ TEST(PlaceTable, FindsWhatItHas) {
     std::mt19937 random(4);
     for (int round = 0; round < 50; ++round) {
         const bool isPoor = round % 2;  // many have the same hash
-        PlaceTable table;
+        PlaceTable table(static_cast<std::size_t>(round));
         std::vector<unsigned> list;
         for (unsigned i = 0, range = 1 + random() % 1000; i < 1000; ++i) {
             const unsigned value = random() % range;

@@ -14,6 +14,8 @@ void expectSameMarks(const Unit* units) {
     ASSERT_EQ(marks.plain, expected.plain);
     ASSERT_EQ(marks.blank, expected.blank);
     ASSERT_EQ(marks.white, expected.white);
+    for (int count = 1; count <= 16; ++count)
+        ASSERT_EQ(areWhite(units, static_cast<std::size_t>(count)), std::countr_one(expected.white) >= count);
 }
 
 TEST(TextMarks, AgreeWithTheLoopOverUnits) {

@@ -43,15 +43,12 @@ struct Tag {
     }
     /// The tag from < to >, cut at the end of the text: a script that is never closed
     /// has a tagLength that reaches one unit too far.
-    [[nodiscard]] std::u16string_view whole() const {
-        return characters.substr(std::min<std::size_t>(tagLocation, characters.size()), tagLength);
-    }
+    [[nodiscard]] std::u16string_view whole() const { return part(tagLocation, tagLength); }
     /// Whether there is any text in front of it.
     [[nodiscard]] bool hasText() const { return tagLocation > textLocation; }
     /// The text between the tag before and this one.
     [[nodiscard]] std::u16string_view text() const {
-        return hasText() ? characters.substr(textLocation, tagLocation - textLocation)
-                         : std::u16string_view();
+        return hasText() ? part(textLocation, tagLocation - textLocation) : std::u16string_view();
     }
     /// Whether a / stands after the <.
     [[nodiscard]] bool isClosing() const {
@@ -60,6 +57,12 @@ struct Tag {
     }
 
 private:
+    /// What of a range is in the text.
+    std::u16string_view part(std::size_t location, std::size_t length) const {
+        const std::size_t start = std::min<std::size_t>(location, characters.size());
+        return {characters.data() + start,
+                std::min<std::size_t>(length, characters.size() - start)};
+    }
     VELMO_API bool hasNameUnits(std::string_view ascii) const;
 };
 
