@@ -5,9 +5,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 
 #include <velmocore/markup/MarkupDecoding.h>
 #include <velmocore/markup/PlainText.h>
+#include <velmocore/platform/Resources.h>
+#include <velmocore/words/LanguageFilter.h>
 
 namespace velmo::bench {
 namespace {
@@ -57,6 +60,13 @@ Corpus makeCorpus() {
 const Corpus& corpus() {
     static const Corpus made = makeCorpus();
     return made;
+}
+
+std::string languageLists() {
+    std::string folder = velmoResourcesDirectory();
+    if (LanguageFilter(folder).languages().empty())
+        throw std::runtime_error("no lists of languages in " + folder);
+    return folder;
 }
 
 }  // namespace velmo::bench

@@ -25,6 +25,10 @@ struct Corpus {
 /// Read once, at first use.
 const Corpus& corpus();
 
+/// Where the lists of languages are. Throws if this program finds none: a road that tells no
+/// language would be too fast.
+std::string languageLists();
+
 inline std::size_t lengthOf(const std::string& bytes) { return bytes.size(); }
 inline std::size_t lengthOf(const String& units) { return units.length(); }
 

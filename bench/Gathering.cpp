@@ -15,7 +15,6 @@
 #include <velmocore/gather/FolderSource.h>
 #include <velmocore/gather/Gathering.h>
 #include <velmocore/platform/Log.h>
-#include <velmocore/platform/Resources.h>
 #include <velmocore/words/LanguageFilter.h>
 
 #include "Corpus.h"
@@ -79,7 +78,7 @@ const Folder& folder() {
 
 void gatherVelmo(benchmark::State& state) {
     setLogHandler([](std::string_view) {});
-    const LanguageFilter languages = LanguageFilter(velmoResourcesDirectory());
+    const LanguageFilter languages = LanguageFilter(languageLists());
     for (auto _ : state) {
         fs::remove(folder().store);
         FolderSource source(folder().pages.string(),

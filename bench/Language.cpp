@@ -2,7 +2,6 @@
 #include <benchmark/benchmark.h>
 #include <cld2/public/compact_lang_det.h>
 
-#include <velmocore/platform/Resources.h>
 #include <velmocore/words/LanguageFilter.h>
 
 #include "Corpus.h"
@@ -11,7 +10,7 @@ namespace velmo::bench {
 namespace {
 
 void languageVelmo(benchmark::State& state) {
-    const LanguageFilter filter(velmoResourcesDirectory());
+    const LanguageFilter filter(languageLists());
     std::size_t decided = 0;
     eachPage(state, corpus().texts,
              [&](const String& text) { decided += !filter.languageOfText(text).isAbsent(); });
@@ -20,7 +19,7 @@ void languageVelmo(benchmark::State& state) {
 BENCHMARK(languageVelmo)->Name("language/velmo")->Unit(benchmark::kMillisecond);
 
 void languageVelmoToday(benchmark::State& state) {
-    const LanguageFilter filter(velmoResourcesDirectory(), LanguageRules::today());
+    const LanguageFilter filter(languageLists(), LanguageRules::today());
     std::size_t decided = 0;
     eachPage(state, corpus().texts,
              [&](const String& text) { decided += !filter.languageOfText(text).isAbsent(); });

@@ -17,7 +17,6 @@
 #include <vector>
 
 #include <velmocore/markup/Page.h>
-#include <velmocore/platform/Resources.h>
 #include <velmocore/query/QueryEvaluation.h>
 #include <velmocore/query/QueryTerms.h>
 #include <velmocore/text/WebRules.h>
@@ -123,7 +122,7 @@ public:
 private:
     const WebRules web_;
     const URL url_ = URL::URLWithString(String::fromUTF8(Address));
-    const LanguageFilter languages_ = LanguageFilter(velmoResourcesDirectory());
+    const LanguageFilter languages_ = LanguageFilter(languageLists());
     const QueryTerms query_ = QueryTerms(u"apache OR commons OR license OR module");
 };
 
