@@ -11,15 +11,16 @@
 #include <velmocore/url/PageKey.h>
 
 #include <algorithm>
-#include <array>
 #include <optional>
-#include <span>
 
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/SmallBuffer.h"
+#include "text/UnitScan.h"
 #include "url/Escapes.h"
+#include "url/KeyParameters.h"
 #include "url/KeyUnits.h"
+#include "url/KnownParameters.h"
 #include "url/Reductions.h"
 #include "url/SessionNames.h"
 #include "url/SpecialSchemes.h"
@@ -43,7 +44,8 @@ bool isIndexPage(Units component) {
         "HTML", "PHP",  "HTM",  "ASPX", "ASP", "JSP",  "CFM",   "SHTML", "XHTML", "PHTML",
         "PHP3", "PHP4", "PHP5", "CGI",  "PL",  "JSPX", "JHTML", "MSPX",  "DO",    "PY",
     };
-    for (const std::string_view stem : {"INDEX.", "DEFAULT."}) {
+    static constexpr std::string_view Stems[] = {"INDEX.", "DEFAULT."};
+    for (const std::string_view stem : Stems) {
         if (!keyword::beginsWith(component, stem)) continue;
         const Units extension = component.substr(stem.size());
         for (const std::string_view known : Extensions)
@@ -52,36 +54,12 @@ bool isIndexPage(Units component) {
     return false;
 }
 
-/// A parameter with its name and its value, in a text that lives elsewhere. Not initialised, so
-/// that arrays of them cost nothing.
-struct Parameter {
-    const char16_t* units;
-    std::size_t length, nameLength;
-
-    static Parameter of(Units text) { return {text.data(), text.size(), indexOf(text, u'=')}; }
-
-    Units text() const { return {units, length}; }
-    Units name() const { return {units, nameLength}; }
-    Units value() const { return text().substr(std::min(nameLength + 1, length)); }
-    bool isEmpty() const { return nameLength + 1 == length; }
-};
-
-/// Sorts by name; those of one name keep their order. Few of them, as nearly all queries have, are
-/// sorted without room beside them.
-void sortByName(std::span<Parameter> parameters) {
-    const auto isBefore = [](const Parameter& a, const Parameter& b) {
-        return a.name() < b.name();
-    };
-    constexpr std::size_t Few = 16;
-    if (parameters.size() > Few)
-        return std::stable_sort(parameters.begin(), parameters.end(), isBefore);
-    for (std::size_t i = 1; i < parameters.size(); ++i) {
-        const Parameter parameter = parameters[i];
-        std::size_t place = i;
-        for (; place > 0 && isBefore(parameter, parameters[place - 1]); --place)
-            parameters[place] = parameters[place - 1];
-        parameters[place] = parameter;
-    }
+/// A host in any case without all the "www." in front of it, each of which counts only in front
+/// of a name and an ending.
+Units withoutWWW(Units host) {
+    while (keyword::beginsWith(host, "WWW.") && host.find(u'.', 4) != Units::npos)
+        host.remove_prefix(4);
+    return host;
 }
 
 /// A URL by the grammar, and what its marks tell of it.
@@ -94,6 +72,9 @@ struct MarkedURL {
 
     bool isShort() const { return text.size() <= UnitBits::MostUnits; }
     Units operator[](URLPart part) const { return (*parts)[part].of(text); }
+    Units between(std::uint32_t start, std::uint32_t end) const {
+        return text.substr(start, end - start);
+    }
 
     const String& string;
     Units text;
@@ -138,6 +119,8 @@ public:
     KeyWriter(const MarkedURL& url, const PageKeyOptions& options)
         : url_(url),
           options_(options),
+          known_(KnownParameters::of(options.parameters ? *options.parameters
+                                                        : TrackingParameters::common())),
           special_(specialSchemeNamed(url[URLPart::Scheme])),
           host_(url, special_),
           out_(url.text.size() + host_.converted.length() + 4 + escapes::CopySlack) {}
@@ -158,7 +141,8 @@ private:
             out_.append(withoutAnchor(url_.text).substr(scheme.data() ? scheme.size() + 1 : 0));
             return;
         }
-        out_.append(u"//");
+        out_.append(u'/');
+        out_.append(u'/');
         writeHost();
         writePath(options_.indexPages && !isFile);
         writeQuery();
@@ -167,8 +151,7 @@ private:
 
     void writeScheme(Units scheme) {
         // With the port of the other one it is a place of its own.
-        const bool isFolded =
-            options_.foldScheme && special_ && special_->name == "HTTPS" && port() != 80;
+        const bool isFolded = options_.foldScheme && special_ == SpecialHTTPS && port() != 80;
         out_.appendLower(isFolded ? scheme.substr(0, 4) : scheme);
         out_.append(u':');
     }
@@ -177,11 +160,10 @@ private:
 
     void writeHost() {
         hostStart_ = out_.length();
-        if (host_.converted.isAbsent())
-            out_.appendLower(withoutLastDots(url_[URLPart::Host]));
-        else
-            out_.append(host_.converted.view());
-        if (host_.isDomain && options_.foldWWW) removeWWW();
+        Units host = host_.converted.isAbsent() ? withoutLastDots(url_[URLPart::Host])
+                                                : host_.converted.view();
+        if (host_.isDomain && options_.foldWWW) host = withoutWWW(host);
+        out_.appendLower(host);
         hostEnd_ = out_.length();
         const auto port = this->port();
         if (port && !(special_ && *port == special_->port)) {
@@ -191,26 +173,16 @@ private:
         }
     }
 
-    /// "www." alone in front of an ending is a name like any other.
-    void removeWWW() {
-        Units host = out_.from(hostStart_);
-        while (host.starts_with(u"www.") && host.find(u'.', 4) != Units::npos)
-            host.remove_prefix(4);
-        out_.truncate(hostStart_);
-        out_.appendOwn(host.data(), host.size());
-    }
-
     void writePath(bool withoutIndex) {
         const std::size_t start = out_.length();
         const grammar::Span path = url_.parts->wholePath();
         if (isSettled(path)) {
-            out_.append(path.of(url_.text));
-            if (path.length > 0 && out_.view().back() == u'/') out_.truncate(out_.length() - 1);
+            writeSettled(path, withoutIndex);
         } else {
             writeComponents(path.of(url_.text), start);
+            while (withoutIndex && out_.length() > start && isIndexPage(lastComponent(start)))
+                dropLastComponent(start);
         }
-        while (withoutIndex && out_.length() > start && isIndexPage(lastComponent(start)))
-            dropLastComponent(start);
         if (out_.length() == start) out_.append(u'/');
     }
 
@@ -222,7 +194,17 @@ private:
         const UnitBits slash = marks.slash & units, uneven = slash | (marks.dot & units);
         if (slash.before(uneven) || ((marks.equals | marks.semicolon) & units)) return false;
         const Units text = path.of(url_.text);
-        return (text.empty() || text[0] == u'/') && indexOf(text, u'(') == text.size();
+        return (text.empty() || text[0] == u'/') &&
+               !scan::contains(text.data(), text.data() + text.size(), u'(');
+    }
+
+    void writeSettled(grammar::Span path, bool withoutIndex) {
+        std::uint32_t end = path.end();
+        const auto slash = [&] { return url_.marks.slash.last(end); };
+        if (end > path.location && slash() == end - 1) --end;
+        while (withoutIndex && end > path.location && isIndexPage(url_.between(slash() + 1, end)))
+            end = slash();
+        out_.append(url_.between(path.location, end));
     }
 
     void writeComponents(Units path, std::size_t start) {
@@ -246,13 +228,13 @@ private:
         if (component == u"..") return dropLastComponent(start);
         if (options_.sessionIDs && isSessionComponent(component)) return;
         // Some write parameters as folders.
-        if (component.find(u'=') != Units::npos && isTracking(Parameter::of(component).name()))
-            return;
+        const std::size_t equals = component.find(u'=');
+        if (equals != Units::npos && isTracking(component.substr(0, equals))) return;
         out_.appendComponent(units, length);
     }
 
     /// Takes the sessions out of a component's parameters, and gives the length that is left.
-    static std::size_t withoutSessions(char16_t* units, std::size_t length) {
+    std::size_t withoutSessions(char16_t* units, std::size_t length) const {
         const Units component(units, length);
         std::size_t start = component.find(u';');
         if (start == Units::npos) return length;
@@ -260,9 +242,12 @@ private:
         std::size_t write = start;
         while (start < length) {
             const std::size_t end = std::min(component.find(u';', start + 1), length);
-            const Parameter parameter = Parameter::of(component.substr(start + 1, end - start - 1));
-            const bool isClient = hasToken && keyword::equals(parameter.name(), "CFID");
-            if (!isClient && !isSessionParameter(parameter.name(), parameter.value())) {
+            const Units parameter = component.substr(start + 1, end - start - 1);
+            const std::size_t equals = indexOf(parameter, u'=');
+            const Units name = parameter.substr(0, equals);
+            const bool isClient = hasToken && keyword::equals(name, "CFID");
+            const Units value = parameter.substr(std::min(equals + 1, parameter.size()));
+            if (!isClient && !known_.isSession(name, value)) {
                 std::char_traits<char16_t>::move(units + write, units + start, end - start);
                 write += end - start;
             }
@@ -281,31 +266,36 @@ private:
     }
 
     void writeQuery() {
-        Units query = url_[URLPart::Query];
+        const Units query = url_[URLPart::Query];
         if (query.empty()) return;
-        SmallBuffer<char16_t> decoded(url_.isPlain ? 0 : query.size() + escapes::CopySlack);
-        if (!url_.isPlain)
-            query = {decoded.data(), writeDecoded(decoded.data(), query, PlainInQuery)};
-        // Between two that are kept stands a separator.
-        SmallBuffer<Parameter, UnitBits::MostUnits / 2 + 1> kept(query.size() / 2 + 1);
-        std::size_t count = 0;
-        const bool hasSemicolon = indexOf(query, u';') < query.size();
-        for (Units rest = query; !rest.empty();) {
-            const std::size_t end = hasSemicolon ? endOfParameter(rest) : indexOf(rest, u'&');
-            const Parameter parameter = Parameter::of(rest.substr(0, end));
-            rest.remove_prefix(std::min(end + 1, rest.size()));
-            if (isKept(parameter)) kept[count++] = parameter;
+        KeyParameters parameters(options_, known_, host(), query.size());
+        if (url_.isPlain) {
+            addByMarks(parameters, (*url_.parts)[URLPart::Query]);
+            return parameters.write(out_, query);
         }
-        writeParameters({kept.data(), removeColdFusionIds({kept.data(), count})});
+        SmallBuffer<char16_t> decoded(query.size() + escapes::CopySlack);
+        add(parameters, {decoded.data(), writeDecoded(decoded.data(), query, PlainInQuery)});
+        parameters.write(out_, query);
     }
 
-    void writeParameters(std::span<Parameter> parameters) {
-        if (options_.sortQuery) sortByName(parameters);
-        char16_t separator = u'?';
-        for (const Parameter& parameter : parameters) {
-            out_.append(separator);
-            out_.append(parameter.text());
-            separator = u'&';
+    void addByMarks(KeyParameters& parameters, grammar::Span query) {
+        const URLMarks& marks = url_.marks;
+        const std::uint32_t end = query.end();
+        if (marks.semicolon.first(query.location, end) < end)
+            return add(parameters, query.of(url_.text));
+        for (std::uint32_t i = query.location; i < end;) {
+            const std::uint32_t next = marks.ampersand.first(i, end);
+            parameters.add(url_.between(i, next), marks.equals.first(i, next) - i);
+            i = next + 1;
+        }
+    }
+
+    static void add(KeyParameters& parameters, Units query) {
+        while (!query.empty()) {
+            const std::size_t end = endOfParameter(query);
+            const Units parameter = query.substr(0, end);
+            parameters.add(parameter, indexOf(parameter, u'='));
+            query.remove_prefix(std::min(end + 1, query.size()));
         }
     }
 
@@ -322,30 +312,8 @@ private:
         return query.size();
     }
 
-    bool isKept(const Parameter& parameter) const {
-        // What is left of a & that was written as a reference.
-        if (parameter.length == 0 || parameter.text() == u"amp") return false;
-        if (options_.emptyParams && parameter.isEmpty()) return false;
-        if (options_.sessionIDs && isSessionParameter(parameter.name(), parameter.value()))
-            return false;
-        return !isTracking(parameter.name());
-    }
-
     bool isTracking(Units name) const {
-        const auto& known =
-            options_.parameters ? *options_.parameters : TrackingParameters::common();
-        return options_.tracking && known.contains(name, host());
-    }
-
-    /// The number of a client is one of a session only beside the token, which is gone already.
-    /// Gives how many parameters are left.
-    std::size_t removeColdFusionIds(std::span<Parameter> kept) const {
-        const auto isClient = [](const Parameter& p) { return keyword::equals(p.name(), "CFID"); };
-        if (!options_.sessionIDs || std::ranges::none_of(kept, isClient) ||
-            !keyword::contains(url_[URLPart::Query], "CFTOKEN"))
-            return kept.size();
-        return static_cast<std::size_t>(std::remove_if(kept.begin(), kept.end(), isClient) -
-                                        kept.begin());
+        return options_.tracking && known_.isTracking(name, host());
     }
 
     /// What stands behind a # if it is part of the address.
@@ -360,6 +328,7 @@ private:
 
     const MarkedURL& url_;
     const PageKeyOptions& options_;
+    const KnownParameters& known_;
     const SpecialScheme* const special_;
     const KeyHost host_;
     KeyUnits out_;

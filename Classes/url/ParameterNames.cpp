@@ -59,7 +59,8 @@ std::size_t ParameterNames::add(Units name, bool isBeginning) {
         growTo(2 * slots_.size());
     else
         place(names_.size() - 1);
-    if (isBeginning) lengths_[slotOfFirst(name)] |= std::uint64_t{1} << (name.size() - 1);
+    lengthsOfEnds_[slotOfEnds(name, isBeginning)] |= bitOf(name.size());
+    if (isBeginning) lengths_[slotOfFirst(name)] |= bitOf(name.size());
     return names_.size() - 1;
 }
 

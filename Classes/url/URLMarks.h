@@ -34,6 +34,14 @@ public:
         const std::uint32_t found = from + static_cast<std::uint32_t>(zeros);
         return found < end ? found : end;
     }
+    /// The last one in front of an end, where there must be one.
+    constexpr std::uint32_t last(std::uint32_t end) const noexcept {
+        const Wide rest = bits_ & below(end).bits_;
+        const auto high = static_cast<std::uint64_t>(rest >> 64);
+        return high ? 127 - static_cast<std::uint32_t>(std::countl_zero(high))
+                    : 63 - static_cast<std::uint32_t>(
+                               std::countl_zero(static_cast<std::uint64_t>(rest)));
+    }
     /// Those that have one of the others right behind them, or in front of them.
     constexpr UnitBits before(UnitBits other) const noexcept {
         return UnitBits(bits_ & other.bits_ >> 1);
