@@ -332,7 +332,8 @@ bool cut(std::u16string_view text, Parts& parts) noexcept {
     if (text.size() > UnitBits::MostUnits) return cutOneByOne(text, parts);
     const URLMarks marks = urlMarksOf(text);
     // What only some parts may hold is looked at where it stands.
-    if (marks.other || !hasWholeEscapes(text, marks)) return cutOneByOne(text, parts);
+    if (marks.other || (marks.percent && !hasWholeEscapes(text, marks)))
+        return cutOneByOne(text, parts);
     return cutByMarks(text, marks, parts);
 }
 

@@ -35,12 +35,6 @@ void KeyParameters::add(Units text, std::size_t nameLength) {
                        static_cast<std::uint32_t>(nameLength), orderOf(name)};
 }
 
-bool KeyParameters::isKnown(Units name, Units value) const {
-    if (options_.tracking && options_.sessionIDs) return known_.isAny(name, value, host_);
-    return (options_.sessionIDs && known_.isSession(name, value)) ||
-           (options_.tracking && known_.isTracking(name, host_));
-}
-
 void KeyParameters::write(KeyUnits& out, Units query) {
     if (hasClient_ && options_.sessionIDs) removeColdFusionIds(query);
     const std::span<Parameter> parameters(kept_.data(), count_);

@@ -48,7 +48,11 @@ private:
         return a.order != b.order ? a.order < b.order : a.name() < b.name();
     }
     static void sortByName(std::span<Parameter> parameters);
-    bool isKnown(Units name, Units value) const;
+    bool isKnown(Units name, Units value) const {
+        if (options_.tracking && options_.sessionIDs) return known_.isAny(name, value, host_);
+        return (options_.sessionIDs && known_.isSession(name, value)) ||
+               (options_.tracking && known_.isTracking(name, host_));
+    }
     void removeColdFusionIds(Units query);
 
     const PageKeyOptions& options_;

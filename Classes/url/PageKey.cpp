@@ -11,6 +11,7 @@
 #include <velmocore/url/PageKey.h>
 
 #include <algorithm>
+#include <bit>
 #include <optional>
 
 #include "platform/Ascii.h"
@@ -33,9 +34,17 @@ namespace {
 using namespace detail;
 using Units = std::u16string_view;
 
+constexpr Units HTTP = u"http";
+
 Units withoutLastDots(Units host) {
     while (host.ends_with(u'.')) host.remove_suffix(1);
     return host;
+}
+
+/// Nearly all components are none by their first unit.
+bool canBeginIndex(char16_t unit) {
+    // The dotless I is an I in capitals.
+    return ascii::toLower(unit) == u'i' || ascii::toLower(unit) == u'd' || unit > 127;
 }
 
 /// "index" or "default" with one of the extensions that servers take for a folder's page.
@@ -45,6 +54,7 @@ bool isIndexPage(Units component) {
         "PHP3", "PHP4", "PHP5", "CGI",  "PL",  "JSPX", "JHTML", "MSPX",  "DO",    "PY",
     };
     static constexpr std::string_view Stems[] = {"INDEX.", "DEFAULT."};
+    if (component.empty() || !canBeginIndex(component[0])) return false;
     for (const std::string_view stem : Stems) {
         if (!keyword::beginsWith(component, stem)) continue;
         const Units extension = component.substr(stem.size());
@@ -119,8 +129,6 @@ public:
     KeyWriter(const MarkedURL& url, const PageKeyOptions& options)
         : url_(url),
           options_(options),
-          known_(KnownParameters::of(options.parameters ? *options.parameters
-                                                        : TrackingParameters::common())),
           special_(specialSchemeNamed(url[URLPart::Scheme])),
           host_(url, special_),
           out_(url.text.size() + host_.converted.length() + 4 + escapes::CopySlack) {}
@@ -152,7 +160,10 @@ private:
     void writeScheme(Units scheme) {
         // With the port of the other one it is a place of its own.
         const bool isFolded = options_.foldScheme && special_ == SpecialHTTPS && port() != 80;
-        out_.appendLower(isFolded ? scheme.substr(0, 4) : scheme);
+        if (isFolded || special_ == SpecialHTTP)
+            out_.append(HTTP);
+        else
+            out_.appendLower(scheme);
         out_.append(u':');
     }
 
@@ -247,7 +258,7 @@ private:
             const Units name = parameter.substr(0, equals);
             const bool isClient = hasToken && keyword::equals(name, "CFID");
             const Units value = parameter.substr(std::min(equals + 1, parameter.size()));
-            if (!isClient && !known_.isSession(name, value)) {
+            if (!isClient && !known().isSession(name, value)) {
                 std::char_traits<char16_t>::move(units + write, units + start, end - start);
                 write += end - start;
             }
@@ -268,9 +279,9 @@ private:
     void writeQuery() {
         const Units query = url_[URLPart::Query];
         if (query.empty()) return;
-        KeyParameters parameters(options_, known_, host(), query.size());
+        KeyParameters parameters(options_, known(), host(), query.size());
         if (url_.isPlain) {
-            addByMarks(parameters, (*url_.parts)[URLPart::Query]);
+            addPlain(parameters, (*url_.parts)[URLPart::Query]);
             return parameters.write(out_, query);
         }
         SmallBuffer<char16_t> decoded(query.size() + escapes::CopySlack);
@@ -278,16 +289,31 @@ private:
         parameters.write(out_, query);
     }
 
-    void addByMarks(KeyParameters& parameters, grammar::Span query) {
+    void addPlain(KeyParameters& parameters, grammar::Span query) const {
+        const Units text = query.of(url_.text);
+        const auto marked = [&](const UnitBits& marks) {
+            return marks.word(query.location, query.length);
+        };
         const URLMarks& marks = url_.marks;
-        const std::uint32_t end = query.end();
-        if (marks.semicolon.first(query.location, end) < end)
-            return add(parameters, query.of(url_.text));
-        for (std::uint32_t i = query.location; i < end;) {
-            const std::uint32_t next = marks.ampersand.first(i, end);
-            parameters.add(url_.between(i, next), marks.equals.first(i, next) - i);
-            i = next + 1;
+        if (text.size() > 64 || marked(marks.semicolon)) return add(parameters, text);
+        addByMarks(parameters, text, marked(marks.ampersand), marked(marks.equals));
+    }
+
+    /// The same by the marks, of a query of up to 64 units without semicolons.
+    static void addByMarks(KeyParameters& parameters, Units query, std::uint64_t ampersands,
+                           std::uint64_t equals) {
+        const auto size = static_cast<unsigned>(query.size());
+        for (unsigned start = 0;; ampersands &= ampersands - 1) {
+            const unsigned end = std::min(placeOf(ampersands), size);
+            const unsigned nameEnd = std::min(placeOf(equals), end);
+            parameters.add({query.data() + start, end - start}, nameEnd - start);
+            if (end == size) return;
+            equals &= ~std::uint64_t{0} << end;
+            start = end + 1;
         }
+    }
+    static unsigned placeOf(std::uint64_t bits) {
+        return static_cast<unsigned>(std::countr_zero(bits));
     }
 
     static void add(KeyParameters& parameters, Units query) {
@@ -312,8 +338,12 @@ private:
         return query.size();
     }
 
+    const KnownParameters& known() const {
+        return KnownParameters::of(options_.parameters ? *options_.parameters
+                                                       : TrackingParameters::common());
+    }
     bool isTracking(Units name) const {
-        return options_.tracking && known_.isTracking(name, host());
+        return options_.tracking && known().isTracking(name, host());
     }
 
     /// What stands behind a # if it is part of the address.
@@ -328,7 +358,6 @@ private:
 
     const MarkedURL& url_;
     const PageKeyOptions& options_;
-    const KnownParameters& known_;
     const SpecialScheme* const special_;
     const KeyHost host_;
     KeyUnits out_;

@@ -9,6 +9,7 @@
 #include "platform/Ascii.h"
 #include "platform/DomainNames.h"
 #include "platform/Surrogates.h"
+#include "text/UnitScan.h"
 #include "url/Escapes.h"
 #include "url/IPv4.h"
 #include "url/IPv6.h"
@@ -130,6 +131,7 @@ bool appendDomainHost(StringBuilder& out, Units host) {
 bool isPlainDomain(Units host) noexcept {
     if (host.empty() || host.back() == u'.') return false;
     if (ascii::isDigit(host[host.rfind(u'.') + 1])) return false;
+    if (!scan::contains(host.data(), host.data() + host.size(), u'-')) return true;
     for (std::size_t dash = indexOf(host, u'-'); dash < host.size();
          dash = indexOf(host, u'-', dash + 1))
         if (host.substr(dash + 1).starts_with(u'-')) return false;
