@@ -6,8 +6,8 @@
 // escapes are decoded before dots, sessions and index pages are looked for, and those are taken off
 // the end as long as there are any.
 //
-// Most URLs have no escapes, a host in ASCII and nothing to put right in the path: their marks
-// (see URLMarks.h) tell that at once, and then there is nothing to do but to copy.
+// Most URLs have a host in ASCII, no escapes and nothing to put right in the path: the marks of path
+// and query (see URLMarks.h) tell that at once, and then there is little to do but to copy.
 #include <velmocore/url/PageKey.h>
 
 #include <algorithm>
@@ -72,25 +72,13 @@ Units withoutWWW(Units host) {
     return host;
 }
 
-/// A URL by the grammar, and what its marks tell of it.
-struct MarkedURL {
-    explicit MarkedURL(const String& url)
-        : string(url),
-          text(url),
-          marks(isShort() ? urlMarksOf(url) : URLMarks()),
-          isPlain(isShort() && !marks.other && !marks.percent) {}
-
-    bool isShort() const { return text.size() <= UnitBits::MostUnits; }
-    Units operator[](URLPart part) const { return (*parts)[part].of(text); }
-    Units between(std::uint32_t start, std::uint32_t end) const {
-        return text.substr(start, end - start);
-    }
-
+/// A URL by the grammar.
+struct CutURL {
     const String& string;
     Units text;
-    const grammar::Parts* parts = nullptr;  ///< to be set before they are asked for
-    URLMarks marks;                         ///< none of a long text
-    bool isPlain;  ///< whether it is short, has no escapes, and only what stands for itself
+    const grammar::Parts& parts;
+
+    Units operator[](URLPart part) const { return parts[part].of(text); }
 };
 
 /// The host as a key has it, but for "www.".
@@ -98,10 +86,9 @@ struct KeyHost {
     bool isDomain = false;
     String converted;  ///< absent if it is the host in lower case
 
-    KeyHost(const MarkedURL& url, bool isSpecial) {
-        const Units host = url[URLPart::Host];
+    KeyHost(Units host, bool isSpecial) {
         if (!isSpecial) return;
-        isDomain = url.isPlain && isPlainDomain(host);
+        isDomain = isPlainName(host);
         if (isDomain) return;
         converted = convertedDomain(withoutLastDots(host));
         isDomain = !converted.isAbsent();
@@ -126,11 +113,11 @@ private:
 
 class KeyWriter {
 public:
-    KeyWriter(const MarkedURL& url, const PageKeyOptions& options)
+    KeyWriter(const CutURL& url, const PageKeyOptions& options)
         : url_(url),
           options_(options),
           special_(specialSchemeNamed(url[URLPart::Scheme])),
-          host_(url, special_),
+          host_(url[URLPart::Host], special_),
           out_(url.text.size() + host_.converted.length() + 4 + escapes::CopySlack) {}
 
     /// The URL itself if it is its key.
@@ -186,36 +173,35 @@ private:
 
     void writePath(bool withoutIndex) {
         const std::size_t start = out_.length();
-        const grammar::Span path = url_.parts->wholePath();
-        if (isSettled(path)) {
-            writeSettled(path, withoutIndex);
-        } else {
-            writeComponents(path.of(url_.text), start);
+        const Units path = url_.parts.wholePath().of(url_.text);
+        if (!writeSettled(path, withoutIndex)) {
+            writeComponents(path, start);
             while (withoutIndex && out_.length() > start && isIndexPage(lastComponent(start)))
                 dropLastComponent(start);
         }
         if (out_.length() == start) out_.append(u'/');
     }
 
-    /// Whether there is nothing to put right in a path but a slash at its end.
-    bool isSettled(grammar::Span path) const {
-        if (!url_.isPlain) return false;
-        const URLMarks& marks = url_.marks;
-        const UnitBits units = UnitBits::below(path.end()).without(UnitBits::below(path.location));
-        const UnitBits slash = marks.slash & units, uneven = slash | (marks.dot & units);
-        if (slash.before(uneven) || ((marks.equals | marks.semicolon) & units)) return false;
-        const Units text = path.of(url_.text);
-        return (text.empty() || text[0] == u'/') &&
-               !scan::contains(text.data(), text.data() + text.size(), u'(');
+    /// Writes a path in which there is nothing to put right but its end; false if there is more.
+    bool writeSettled(Units path, bool withoutIndex) {
+        if (path.size() > UnitBits::MostUnits) return false;
+        const URLMarks marks = urlMarksOf(path);
+        if (!isSettled(path, marks)) return false;
+        const auto slash = [&] {
+            return marks.slash.last(static_cast<std::uint32_t>(path.size()));
+        };
+        if (path.ends_with(u'/')) path.remove_suffix(1);
+        while (withoutIndex && !path.empty() && isIndexPage(path.substr(slash() + 1)))
+            path = path.substr(0, slash());
+        out_.append(path);
+        return true;
     }
 
-    void writeSettled(grammar::Span path, bool withoutIndex) {
-        std::uint32_t end = path.end();
-        const auto slash = [&] { return url_.marks.slash.last(end); };
-        if (end > path.location && slash() == end - 1) --end;
-        while (withoutIndex && end > path.location && isIndexPage(url_.between(slash() + 1, end)))
-            end = slash();
-        out_.append(url_.between(path.location, end));
+    static bool isSettled(Units path, const URLMarks& marks) {
+        const UnitBits changed = marks.percent | marks.other | marks.equals | marks.semicolon;
+        if (changed || marks.slash.before(marks.slash | marks.dot)) return false;
+        return (path.empty() || path[0] == u'/') &&
+               !scan::contains(path.data(), path.data() + path.size(), u'(');
     }
 
     void writeComponents(Units path, std::size_t start) {
@@ -280,26 +266,34 @@ private:
         const Units query = url_[URLPart::Query];
         if (query.empty()) return;
         KeyParameters parameters(options_, known(), host(), query.size());
-        if (url_.isPlain) {
-            addPlain(parameters, (*url_.parts)[URLPart::Query]);
+        if (!addPlain(parameters, query)) {
+            SmallBuffer<char16_t> decoded(query.size() + escapes::CopySlack);
+            add(parameters, {decoded.data(), writeDecoded(decoded.data(), query, PlainInQuery)});
             return parameters.write(out_, query);
         }
-        SmallBuffer<char16_t> decoded(query.size() + escapes::CopySlack);
-        add(parameters, {decoded.data(), writeDecoded(decoded.data(), query, PlainInQuery)});
         parameters.write(out_, query);
     }
 
-    void addPlain(KeyParameters& parameters, grammar::Span query) const {
-        const Units text = query.of(url_.text);
-        const auto marked = [&](const UnitBits& marks) {
-            return marks.word(query.location, query.length);
-        };
-        const URLMarks& marks = url_.marks;
-        if (text.size() > 64 || marked(marks.semicolon)) return add(parameters, text);
-        addByMarks(parameters, text, marked(marks.ampersand), marked(marks.equals));
+    static void add(KeyParameters& parameters, Units query) {
+        const bool hasSemicolon = indexOf(query, u';') < query.size();
+        while (!query.empty()) {
+            const std::size_t end = hasSemicolon ? endOfParameter(query) : indexOf(query, u'&');
+            const Units parameter = query.substr(0, end);
+            parameters.add(parameter, indexOf(parameter, u'='));
+            query.remove_prefix(std::min(end + 1, query.size()));
+        }
     }
 
-    /// The same by the marks, of a query of up to 64 units without semicolons.
+    /// The same of a short query without escapes, whose parameters are parted by & alone; false if
+    /// it is none.
+    static bool addPlain(KeyParameters& parameters, Units query) {
+        if (query.size() > 64) return false;
+        const ParameterMarks marks = parameterMarksOf(query);
+        if (marks.percent || marks.semicolon) return false;
+        addByMarks(parameters, query, marks.ampersand.low(), marks.equals.low());
+        return true;
+    }
+
     static void addByMarks(KeyParameters& parameters, Units query, std::uint64_t ampersands,
                            std::uint64_t equals) {
         const auto size = static_cast<unsigned>(query.size());
@@ -314,15 +308,6 @@ private:
     }
     static unsigned placeOf(std::uint64_t bits) {
         return static_cast<unsigned>(std::countr_zero(bits));
-    }
-
-    static void add(KeyParameters& parameters, Units query) {
-        while (!query.empty()) {
-            const std::size_t end = endOfParameter(query);
-            const Units parameter = query.substr(0, end);
-            parameters.add(parameter, indexOf(parameter, u'='));
-            query.remove_prefix(std::min(end + 1, query.size()));
-        }
     }
 
     /// At the next &, or at a ; if another name and = follow it.
@@ -356,7 +341,7 @@ private:
 
     Units host() const { return out_.view().substr(hostStart_, hostEnd_ - hostStart_); }
 
-    const MarkedURL& url_;
+    const CutURL& url_;
     const PageKeyOptions& options_;
     const SpecialScheme* const special_;
     const KeyHost host_;
@@ -382,18 +367,18 @@ URL byGrammar(const URL& url) {
 
 String pageKey(const URL& url, const PageKeyOptions& options) {
     if (url.isAbsent()) return {};
-    MarkedURL marked(url.absoluteString());
-    grammar::Parts parts;
-    if (!URLMaker::isOfWeb(url)) {
-        marked.parts = &URLMaker::tailOf(url).parts;
-    } else if (marked.isPlain && !marked.marks.hash) {
-        // The grammar takes it as it stands, though it may cut it otherwise.
-        if (!grammar::cutByMarks(marked.text, marked.marks, parts)) return {};
-        marked.parts = &parts;
-    } else {
-        return pageKey(byGrammar(url), options);
+    const String& string = url.absoluteString();
+    const grammar::Parts* parts = &URLMaker::tailOf(url).parts;
+    grammar::Parts others;
+    if (URLMaker::isOfWeb(url)) {
+        // The grammar may take it as it stands, though it may cut it otherwise.
+        if (string.length() > UnitBits::MostUnits) return pageKey(byGrammar(url), options);
+        const URLMarks marks = urlMarksOf(string);
+        if (marks.other || marks.percent || marks.hash) return pageKey(byGrammar(url), options);
+        if (!grammar::cutByMarks(string, marks, others)) return {};
+        parts = &others;
     }
-    return KeyWriter(marked, options).key();
+    return KeyWriter({string, string, *parts}, options).key();
 }
 
 }  // namespace velmo

@@ -29,12 +29,12 @@ struct OfURLs {
 };
 /// In the order of the members of ParameterMarks.
 struct OfParameters {
-    static constexpr std::string_view Marks = "=&;?";
+    static constexpr std::string_view Marks = "=&;?%";
     static constexpr bool HasOther = false;
     using Words = std::array<Word, Marks.size()>;
 
     static ParameterMarks marksOf(const Words& w) noexcept {
-        return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3])};
+        return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3]), bitsOf(w[4])};
     }
 };
 

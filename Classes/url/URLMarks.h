@@ -42,11 +42,8 @@ public:
                     : 63 - static_cast<std::uint32_t>(
                                std::countl_zero(static_cast<std::uint64_t>(rest)));
     }
-    /// Those of up to 64 units from a position on, the lowest bit for the first.
-    constexpr std::uint64_t word(std::uint32_t from, std::uint32_t count) const noexcept {
-        if (count == 0) return 0;
-        return static_cast<std::uint64_t>(bits_ >> from) & ~std::uint64_t{0} >> (64 - count);
-    }
+    /// Those of the first 64 units.
+    constexpr std::uint64_t low() const noexcept { return static_cast<std::uint64_t>(bits_); }
     /// Those that have one of the others right behind them, or in front of them.
     constexpr UnitBits before(UnitBits other) const noexcept {
         return UnitBits(bits_ & other.bits_ >> 1);
@@ -88,9 +85,9 @@ struct URLMarks {
     bool operator==(const URLMarks&) const = default;
 };
 
-/// The marks that names and values of parameters end at.
+/// The marks that names and values of parameters end at, and that of escapes.
 struct ParameterMarks {
-    UnitBits equals, ampersand, semicolon, question;
+    UnitBits equals, ampersand, semicolon, question, percent;
 
     bool operator==(const ParameterMarks&) const = default;
 };
