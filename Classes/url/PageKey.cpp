@@ -287,7 +287,7 @@ private:
     /// The same of a short query without escapes, whose parameters are parted by & alone; false if
     /// it is none.
     static bool addPlain(KeyParameters& parameters, Units query) {
-        if (query.size() > 64) return false;
+        if (query.size() > UnitBits::LowUnits) return false;
         const ParameterMarks marks = parameterMarksOf(query);
         if (marks.percent || marks.semicolon) return false;
         addByMarks(parameters, query, marks.ampersand.low(), marks.equals.low());

@@ -26,10 +26,15 @@ inline char16_t* placeOfTail(char16_t* end) noexcept {
     return end + (reinterpret_cast<std::uintptr_t>(end) / sizeof(char16_t) & 1);
 }
 
+/// A tail behind what has been written, to be filled before finishWithTail(TailUnits).
+inline Tail& tailBehind(StringBuilder& out) {
+    out.prepare(TailUnits);
+    return *new (placeOfTail(out.end())) Tail;
+}
+
 /// What has been written, with its parts.
 inline String finishedWith(const Tail& tail, StringBuilder& out) {
-    out.prepare(TailUnits);
-    new (placeOfTail(out.end())) Tail(tail);
+    tailBehind(out) = tail;
     return out.finishWithTail(TailUnits);
 }
 

@@ -12,7 +12,7 @@ namespace velmo::detail {
 /// A bit for each unit, the lowest one for the first.
 class UnitBits {
 public:
-    static constexpr std::uint32_t MostUnits = 128;
+    static constexpr std::uint32_t MostUnits = 128, LowUnits = 64;
 
     constexpr UnitBits() = default;
     constexpr UnitBits(std::uint64_t low, std::uint64_t high)
@@ -42,7 +42,7 @@ public:
                     : 63 - static_cast<std::uint32_t>(
                                std::countl_zero(static_cast<std::uint64_t>(rest)));
     }
-    /// Those of the first 64 units.
+    /// Those of the first LowUnits units.
     constexpr std::uint64_t low() const noexcept { return static_cast<std::uint64_t>(bits_); }
     /// Those that have one of the others right behind them, or in front of them.
     constexpr UnitBits before(UnitBits other) const noexcept {
