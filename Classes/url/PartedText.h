@@ -26,15 +26,15 @@ inline char16_t* placeOfTail(char16_t* end) noexcept {
     return end + (reinterpret_cast<std::uintptr_t>(end) / sizeof(char16_t) & 1);
 }
 
-/// A tail behind what has been written, to be filled before finishWithTail(TailUnits).
-inline Tail& tailBehind(StringBuilder& out) {
+/// Puts a tail behind what has been written.
+inline Tail& tailBehind(const Tail& tail, StringBuilder& out) {
     out.prepare(TailUnits);
-    return *new (placeOfTail(out.end())) Tail;
+    return *new (placeOfTail(out.end())) Tail(tail);
 }
 
 /// What has been written, with its parts.
 inline String finishedWith(const Tail& tail, StringBuilder& out) {
-    tailBehind(out) = tail;
+    tailBehind(tail, out);
     return out.finishWithTail(TailUnits);
 }
 

@@ -113,7 +113,8 @@ URL detail::URLMaker::cut(std::u16string_view text) {
     // Nearly all are URLs, whose parts are noted where they stay.
     StringBuilder out(text.size() + grammar::TailUnits);
     out.append(text);
-    grammar::Parts& parts = grammar::tailBehind(out).parts;
+    static constexpr grammar::Tail Empty{};
+    grammar::Parts& parts = grammar::tailBehind(Empty, out).parts;
     return grammar::cut(text, parts) ? URL(out.finishWithTail(grammar::TailUnits)) : URL();
 }
 
