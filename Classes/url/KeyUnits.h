@@ -3,12 +3,11 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <string_view>
 
 #include "platform/Ascii.h"
 #include "text/SmallBuffer.h"
-#include "text/UnitScan.h"
+#include "text/UnitCopies.h"
 #include "url/Escapes.h"
 
 namespace velmo::detail {
@@ -43,50 +42,6 @@ inline char16_t* writeDecoded(char16_t* to, std::u16string_view units,
         return true;
     };
     return escapes::copyReplacing(units, to, replace);
-}
-
-/// Copies units, as most parts of a URL are so short that a call would cost more than the copy.
-inline void copyFew(char16_t* to, const char16_t* from, std::size_t count) {
-    constexpr std::size_t Half = 4, Many = 48;
-    if (count < Half) {
-        for (std::size_t i = 0; i < count; ++i) to[i] = from[i];
-    } else if (count <= 2 * Half) {
-        std::uint64_t first, last;
-        std::memcpy(&first, from, sizeof first);
-        std::memcpy(&last, from + count - Half, sizeof last);
-        std::memcpy(to, &first, sizeof first);
-        std::memcpy(to + count - Half, &last, sizeof last);
-    } else {
-#if defined(__SSE2__)
-        constexpr std::size_t Block = scan::BlockUnits;
-        if (count <= Many) {
-            const auto copy = [&](std::size_t i) {
-                _mm_storeu_si128(reinterpret_cast<__m128i*>(to + i), scan::loadBlock(from + i));
-            };
-            for (std::size_t i = 0; i + Block < count; i += Block) copy(i);
-            return copy(count - Block);
-        }
-#endif
-        std::memcpy(to, from, count * sizeof(char16_t));
-    }
-}
-
-/// The same in lower case, of units in ASCII.
-inline void copyLower(char16_t* to, const char16_t* from, std::size_t count) {
-    std::size_t i = 0;
-#if defined(__SSE2__)
-    constexpr std::size_t Block = scan::BlockUnits;
-    const auto copy = [&](std::size_t at) {
-        const __m128i units = scan::loadBlock(from + at);
-        const __m128i bit = _mm_and_si128(scan::inRange(units, u'A', u'Z'), _mm_set1_epi16(0x20));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + at), _mm_or_si128(units, bit));
-    };
-    if (count >= Block) {
-        for (; i + Block < count; i += Block) copy(i);
-        return copy(count - Block);
-    }
-#endif
-    for (; i < count; ++i) to[i] = ascii::toLower(from[i]);
 }
 
 /// What is written of a key, in room whose length is known before: on the stack as a rule.
