@@ -5,7 +5,9 @@
 #include <uriparser/Uri.h>
 
 #include <boost/url.hpp>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <velmocore/markup/Links.h>
@@ -30,6 +32,12 @@ struct Text {
 };
 Text textOf(const String& units) { return {units, units.utf8()}; }
 
+/// In an order that tells nothing of what comes next, as that of a page would; the same in each run.
+void shuffle(std::vector<Text>& texts) {
+    std::mt19937 random(1);
+    for (std::size_t i = texts.size(); i > 1; --i) std::swap(texts[i - 1], texts[random() % i]);
+}
+
 /// The links of all pages, as they stand there.
 const std::vector<Text>& links() {
     static const std::vector<Text> made = [] {
@@ -37,6 +45,7 @@ const std::vector<Text>& links() {
         for (const std::string& page : corpus().pages)
             for (const String& link : htmlLinks(stringWithMarkupData(Bytes(page))).links)
                 texts.push_back(textOf(link));
+        shuffle(texts);
         return texts;
     }();
     return made;

@@ -63,6 +63,20 @@ inline const char16_t* find(const char16_t* from, const char16_t* to, char16_t u
 #endif
 }
 
+/// Whether the unit is there. Of short texts this is told sooner than where it stands.
+inline bool contains(const char16_t* from, const char16_t* to, char16_t unit) {
+#if defined(__SSE2__)
+    if (to - from >= BlockUnits) {
+        __m128i found = equalTo(loadBlock(to - BlockUnits), unit);
+        for (; to - from > BlockUnits; from += BlockUnits)
+            found = _mm_or_si128(found, equalTo(loadBlock(from), unit));
+        return _mm_movemask_epi8(found) != 0;
+    }
+#endif
+    while (from < to && *from != unit) ++from;
+    return from < to;
+}
+
 /// The first position that holds one of two units; to if there is none.
 inline const char16_t* findEither(const char16_t* from, const char16_t* to, char16_t a,
                                   char16_t b) {

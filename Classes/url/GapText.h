@@ -120,7 +120,7 @@ private:
     std::size_t left_;   ///< where the gap starts
     std::size_t right_;  ///< where it ends
     std::size_t end_;
-    ParameterMarks marks_;  ///< of what is left of the text
+    ParameterMarks marks_;  ///< of what is left of the text, those of escapes aside
     bool isIndexed_ = false;
 };
 

@@ -14,6 +14,7 @@
 #include "text/UnitScan.h"
 #include "url/IPv6.h"
 #include "url/PartedText.h"
+#include "url/SpecialSchemes.h"
 
 namespace velmo::detail::grammar {
 namespace {
@@ -254,6 +255,19 @@ private:
     std::size_t specifier_ = 0;  ///< where the resource specifier starts
 };
 
+/// Copied, as the compiler makes one only by way of memory that it has to wait for.
+constexpr Parts NoParts;
+
+/// The length of a scheme in front of a colon; 0 if there is none.
+std::uint32_t lengthOfScheme(std::u16string_view text, std::uint32_t colon) noexcept {
+    if (colon >= text.size() || !ascii::isLetter(text[0])) return 0;
+    const std::u16string_view scheme = text.substr(0, colon);
+    const auto isOfScheme = [](char16_t unit) { return isIn(unit, InScheme); };
+    const bool isScheme =
+        webSchemeNamed(scheme) || std::all_of(scheme.begin(), scheme.end(), isOfScheme);
+    return isScheme ? colon : 0;
+}
+
 }  // namespace
 
 void notePathParts(std::u16string_view text, std::uint32_t start, std::uint32_t end,
@@ -281,17 +295,15 @@ bool hasWholeEscapes(std::u16string_view text, const URLMarks& marks) noexcept {
 
 bool cutByMarks(std::u16string_view text, const URLMarks& marks, Parts& parts) noexcept {
     const auto size = static_cast<std::uint32_t>(text.size());
-    parts = Parts();
+    parts = NoParts;
     const std::uint32_t hash = marks.hash.first(0, size);
     if (marks.hash.first(hash + 1, size) < size) return false;
     const std::uint32_t query = marks.question.first(0, hash);
     std::uint32_t i = 0;
     const std::uint32_t colon = marks.colon.first(0, size);
-    if (colon < size && ascii::isLetter(text[0]) &&
-        std::all_of(text.begin(), text.begin() + colon,
-                    [](char16_t unit) { return isIn(unit, InScheme); })) {
-        parts[URLPart::Scheme] = {0, colon};
-        i = colon + 1;
+    if (const std::uint32_t scheme = lengthOfScheme(text, colon)) {
+        parts[URLPart::Scheme] = {0, scheme};
+        i = scheme + 1;
     }
     parts[URLPart::ResourceSpecifier] = {i, size - i};
     if (size - i >= 2 && text[i] == u'/' && text[i + 1] == u'/') {
@@ -307,7 +319,10 @@ bool cutByMarks(std::u16string_view text, const URLMarks& marks, Parts& parts) n
     } else if (i == 0 && colon < marks.slash.first(0, query)) {
         return false;
     }
-    notePathParts(text, i, query, parts);
+    if (marks.semicolon)
+        notePathParts(text, i, query, parts);
+    else
+        parts[URLPart::Path] = {i, query - i};
     if (query < hash) parts[URLPart::Query] = {query + 1, hash - query - 1};
     if (hash < size) parts[URLPart::Fragment] = {hash + 1, size - hash - 1};
     return true;
@@ -317,14 +332,15 @@ bool cut(std::u16string_view text, Parts& parts) noexcept {
     if (text.size() > UnitBits::MostUnits) return cutOneByOne(text, parts);
     const URLMarks marks = urlMarksOf(text);
     // What only some parts may hold is looked at where it stands.
-    if (marks.other || !hasWholeEscapes(text, marks)) return cutOneByOne(text, parts);
+    if (marks.other || (marks.percent && !hasWholeEscapes(text, marks)))
+        return cutOneByOne(text, parts);
     return cutByMarks(text, marks, parts);
 }
 
 bool cutOneByOne(std::u16string_view text, Parts& parts) noexcept {
     if (text.size() >= Span::Missing) return false;
     const auto end = static_cast<std::uint32_t>(text.size());
-    parts = Parts();
+    parts = NoParts;
     std::uint32_t i = 0;
     if (end && ascii::isLetter(text[0])) {
         // No scheme is found without a colon behind it; what was read is then part of the path.

@@ -7,6 +7,7 @@
 
 #include "platform/Ascii.h"
 #include "text/SmallBuffer.h"
+#include "text/UnitCopies.h"
 #include "url/Escapes.h"
 
 namespace velmo::detail {
@@ -56,11 +57,11 @@ public:
 
     void append(char16_t unit) { units_[length_++] = unit; }
     void append(std::u16string_view units) {
-        units.copy(end(), units.size());
+        copyFew(end(), units.data(), units.size());
         length_ += units.size();
     }
     void appendLower(std::u16string_view units) {
-        std::transform(units.begin(), units.end(), end(), ascii::toLower<char16_t>);
+        copyLower(end(), units.data(), units.size());
         length_ += units.size();
     }
     void appendDecoded(std::u16string_view units, const std::array<bool, 128>& plain) {
@@ -71,11 +72,6 @@ public:
         std::char_traits<char16_t>::move(end() + 1, units, count);
         *end() = u'/';
         length_ += count + 1;
-    }
-    /// Units that stood behind those written.
-    void appendOwn(const char16_t* units, std::size_t count) {
-        std::char_traits<char16_t>::move(end(), units, count);
-        length_ += count;
     }
     void truncate(std::size_t length) { length_ = length; }
 

@@ -6,20 +6,22 @@
 // escapes are decoded before dots, sessions and index pages are looked for, and those are taken off
 // the end as long as there are any.
 //
-// Most URLs have no escapes, a host in ASCII and nothing to put right in the path: their marks
-// (see URLMarks.h) tell that at once, and then there is nothing to do but to copy.
+// Most URLs have a host in ASCII, no escapes and nothing to put right in the path: the marks of path
+// and query (see URLMarks.h) tell that at once, and then there is little to do but to copy.
 #include <velmocore/url/PageKey.h>
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <optional>
-#include <span>
 
 #include "platform/Ascii.h"
 #include "text/Keyword.h"
 #include "text/SmallBuffer.h"
+#include "text/UnitScan.h"
 #include "url/Escapes.h"
+#include "url/KeyParameters.h"
 #include "url/KeyUnits.h"
+#include "url/KnownParameters.h"
 #include "url/Reductions.h"
 #include "url/SessionNames.h"
 #include "url/SpecialSchemes.h"
@@ -32,9 +34,17 @@ namespace {
 using namespace detail;
 using Units = std::u16string_view;
 
+constexpr Units HTTP = u"http";
+
 Units withoutLastDots(Units host) {
     while (host.ends_with(u'.')) host.remove_suffix(1);
     return host;
+}
+
+/// Nearly all components are none by their first unit.
+bool canBeginIndex(char16_t unit) {
+    // The dotless I is an I in capitals.
+    return ascii::toLower(unit) == u'i' || ascii::toLower(unit) == u'd' || unit > 127;
 }
 
 /// "index" or "default" with one of the extensions that servers take for a folder's page.
@@ -43,7 +53,9 @@ bool isIndexPage(Units component) {
         "HTML", "PHP",  "HTM",  "ASPX", "ASP", "JSP",  "CFM",   "SHTML", "XHTML", "PHTML",
         "PHP3", "PHP4", "PHP5", "CGI",  "PL",  "JSPX", "JHTML", "MSPX",  "DO",    "PY",
     };
-    for (const std::string_view stem : {"INDEX.", "DEFAULT."}) {
+    static constexpr std::string_view Stems[] = {"INDEX.", "DEFAULT."};
+    if (component.empty() || !canBeginIndex(component[0])) return false;
+    for (const std::string_view stem : Stems) {
         if (!keyword::beginsWith(component, stem)) continue;
         const Units extension = component.substr(stem.size());
         for (const std::string_view known : Extensions)
@@ -52,54 +64,21 @@ bool isIndexPage(Units component) {
     return false;
 }
 
-/// A parameter with its name and its value, in a text that lives elsewhere. Not initialised, so
-/// that arrays of them cost nothing.
-struct Parameter {
-    const char16_t* units;
-    std::size_t length, nameLength;
-
-    static Parameter of(Units text) { return {text.data(), text.size(), indexOf(text, u'=')}; }
-
-    Units text() const { return {units, length}; }
-    Units name() const { return {units, nameLength}; }
-    Units value() const { return text().substr(std::min(nameLength + 1, length)); }
-    bool isEmpty() const { return nameLength + 1 == length; }
-};
-
-/// Sorts by name; those of one name keep their order. Few of them, as nearly all queries have, are
-/// sorted without room beside them.
-void sortByName(std::span<Parameter> parameters) {
-    const auto isBefore = [](const Parameter& a, const Parameter& b) {
-        return a.name() < b.name();
-    };
-    constexpr std::size_t Few = 16;
-    if (parameters.size() > Few)
-        return std::stable_sort(parameters.begin(), parameters.end(), isBefore);
-    for (std::size_t i = 1; i < parameters.size(); ++i) {
-        const Parameter parameter = parameters[i];
-        std::size_t place = i;
-        for (; place > 0 && isBefore(parameter, parameters[place - 1]); --place)
-            parameters[place] = parameters[place - 1];
-        parameters[place] = parameter;
-    }
+/// A host in any case without all the "www." in front of it, each of which counts only in front
+/// of a name and an ending.
+Units withoutWWW(Units host) {
+    while (keyword::beginsWith(host, "WWW.") && host.find(u'.', 4) != Units::npos)
+        host.remove_prefix(4);
+    return host;
 }
 
-/// A URL by the grammar, and what its marks tell of it.
-struct MarkedURL {
-    explicit MarkedURL(const String& url)
-        : string(url),
-          text(url),
-          marks(isShort() ? urlMarksOf(url) : URLMarks()),
-          isPlain(isShort() && !marks.other && !marks.percent) {}
-
-    bool isShort() const { return text.size() <= UnitBits::MostUnits; }
-    Units operator[](URLPart part) const { return (*parts)[part].of(text); }
-
+/// A URL by the grammar.
+struct CutURL {
     const String& string;
     Units text;
-    const grammar::Parts* parts = nullptr;  ///< to be set before they are asked for
-    URLMarks marks;                         ///< none of a long text
-    bool isPlain;  ///< whether it is short, has no escapes, and only what stands for itself
+    const grammar::Parts& parts;
+
+    Units operator[](URLPart part) const { return parts[part].of(text); }
 };
 
 /// The host as a key has it, but for "www.".
@@ -107,10 +86,9 @@ struct KeyHost {
     bool isDomain = false;
     String converted;  ///< absent if it is the host in lower case
 
-    KeyHost(const MarkedURL& url, bool isSpecial) {
-        const Units host = url[URLPart::Host];
+    KeyHost(Units host, bool isSpecial) {
         if (!isSpecial) return;
-        isDomain = url.isPlain && isPlainDomain(host);
+        isDomain = isPlainName(host);
         if (isDomain) return;
         converted = convertedDomain(withoutLastDots(host));
         isDomain = !converted.isAbsent();
@@ -135,11 +113,11 @@ private:
 
 class KeyWriter {
 public:
-    KeyWriter(const MarkedURL& url, const PageKeyOptions& options)
+    KeyWriter(const CutURL& url, const PageKeyOptions& options)
         : url_(url),
           options_(options),
           special_(specialSchemeNamed(url[URLPart::Scheme])),
-          host_(url, special_),
+          host_(url[URLPart::Host], special_),
           out_(url.text.size() + host_.converted.length() + 4 + escapes::CopySlack) {}
 
     /// The URL itself if it is its key.
@@ -158,7 +136,8 @@ private:
             out_.append(withoutAnchor(url_.text).substr(scheme.data() ? scheme.size() + 1 : 0));
             return;
         }
-        out_.append(u"//");
+        out_.append(u'/');
+        out_.append(u'/');
         writeHost();
         writePath(options_.indexPages && !isFile);
         writeQuery();
@@ -167,9 +146,11 @@ private:
 
     void writeScheme(Units scheme) {
         // With the port of the other one it is a place of its own.
-        const bool isFolded =
-            options_.foldScheme && special_ && special_->name == "HTTPS" && port() != 80;
-        out_.appendLower(isFolded ? scheme.substr(0, 4) : scheme);
+        const bool isFolded = options_.foldScheme && special_ == SpecialHTTPS && port() != 80;
+        if (isFolded || special_ == SpecialHTTP)
+            out_.append(HTTP);
+        else
+            out_.appendLower(scheme);
         out_.append(u':');
     }
 
@@ -177,11 +158,10 @@ private:
 
     void writeHost() {
         hostStart_ = out_.length();
-        if (host_.converted.isAbsent())
-            out_.appendLower(withoutLastDots(url_[URLPart::Host]));
-        else
-            out_.append(host_.converted.view());
-        if (host_.isDomain && options_.foldWWW) removeWWW();
+        Units host = host_.converted.isAbsent() ? withoutLastDots(url_[URLPart::Host])
+                                                : host_.converted.view();
+        if (host_.isDomain && options_.foldWWW) host = withoutWWW(host);
+        out_.appendLower(host);
         hostEnd_ = out_.length();
         const auto port = this->port();
         if (port && !(special_ && *port == special_->port)) {
@@ -191,38 +171,37 @@ private:
         }
     }
 
-    /// "www." alone in front of an ending is a name like any other.
-    void removeWWW() {
-        Units host = out_.from(hostStart_);
-        while (host.starts_with(u"www.") && host.find(u'.', 4) != Units::npos)
-            host.remove_prefix(4);
-        out_.truncate(hostStart_);
-        out_.appendOwn(host.data(), host.size());
-    }
-
     void writePath(bool withoutIndex) {
         const std::size_t start = out_.length();
-        const grammar::Span path = url_.parts->wholePath();
-        if (isSettled(path)) {
-            out_.append(path.of(url_.text));
-            if (path.length > 0 && out_.view().back() == u'/') out_.truncate(out_.length() - 1);
-        } else {
-            writeComponents(path.of(url_.text), start);
+        const Units path = url_.parts.wholePath().of(url_.text);
+        if (!writeSettled(path, withoutIndex)) {
+            writeComponents(path, start);
+            while (withoutIndex && out_.length() > start && isIndexPage(lastComponent(start)))
+                dropLastComponent(start);
         }
-        while (withoutIndex && out_.length() > start && isIndexPage(lastComponent(start)))
-            dropLastComponent(start);
         if (out_.length() == start) out_.append(u'/');
     }
 
-    /// Whether there is nothing to put right in a path but a slash at its end.
-    bool isSettled(grammar::Span path) const {
-        if (!url_.isPlain) return false;
-        const URLMarks& marks = url_.marks;
-        const UnitBits units = UnitBits::below(path.end()).without(UnitBits::below(path.location));
-        const UnitBits slash = marks.slash & units, uneven = slash | (marks.dot & units);
-        if (slash.before(uneven) || ((marks.equals | marks.semicolon) & units)) return false;
-        const Units text = path.of(url_.text);
-        return (text.empty() || text[0] == u'/') && indexOf(text, u'(') == text.size();
+    /// Writes a path in which there is nothing to put right but its end; false if there is more.
+    bool writeSettled(Units path, bool withoutIndex) {
+        if (path.size() > UnitBits::MostUnits) return false;
+        const URLMarks marks = urlMarksOf(path);
+        if (!isSettled(path, marks)) return false;
+        const auto slash = [&] {
+            return marks.slash.last(static_cast<std::uint32_t>(path.size()));
+        };
+        if (path.ends_with(u'/')) path.remove_suffix(1);
+        while (withoutIndex && !path.empty() && isIndexPage(path.substr(slash() + 1)))
+            path = path.substr(0, slash());
+        out_.append(path);
+        return true;
+    }
+
+    static bool isSettled(Units path, const URLMarks& marks) {
+        const UnitBits changed = marks.percent | marks.other | marks.equals | marks.semicolon;
+        if (changed || marks.slash.before(marks.slash | marks.dot)) return false;
+        return (path.empty() || path[0] == u'/') &&
+               !scan::contains(path.data(), path.data() + path.size(), u'(');
     }
 
     void writeComponents(Units path, std::size_t start) {
@@ -246,13 +225,13 @@ private:
         if (component == u"..") return dropLastComponent(start);
         if (options_.sessionIDs && isSessionComponent(component)) return;
         // Some write parameters as folders.
-        if (component.find(u'=') != Units::npos && isTracking(Parameter::of(component).name()))
-            return;
+        const std::size_t equals = component.find(u'=');
+        if (equals != Units::npos && isTracking(component.substr(0, equals))) return;
         out_.appendComponent(units, length);
     }
 
     /// Takes the sessions out of a component's parameters, and gives the length that is left.
-    static std::size_t withoutSessions(char16_t* units, std::size_t length) {
+    std::size_t withoutSessions(char16_t* units, std::size_t length) const {
         const Units component(units, length);
         std::size_t start = component.find(u';');
         if (start == Units::npos) return length;
@@ -260,9 +239,12 @@ private:
         std::size_t write = start;
         while (start < length) {
             const std::size_t end = std::min(component.find(u';', start + 1), length);
-            const Parameter parameter = Parameter::of(component.substr(start + 1, end - start - 1));
-            const bool isClient = hasToken && keyword::equals(parameter.name(), "CFID");
-            if (!isClient && !isSessionParameter(parameter.name(), parameter.value())) {
+            const Units parameter = component.substr(start + 1, end - start - 1);
+            const std::size_t equals = indexOf(parameter, u'=');
+            const Units name = parameter.substr(0, equals);
+            const bool isClient = hasToken && keyword::equals(name, "CFID");
+            const Units value = parameter.substr(std::min(equals + 1, parameter.size()));
+            if (!isClient && !known().isSession(name, value)) {
                 std::char_traits<char16_t>::move(units + write, units + start, end - start);
                 write += end - start;
             }
@@ -281,32 +263,51 @@ private:
     }
 
     void writeQuery() {
-        Units query = url_[URLPart::Query];
+        const Units query = url_[URLPart::Query];
         if (query.empty()) return;
-        SmallBuffer<char16_t> decoded(url_.isPlain ? 0 : query.size() + escapes::CopySlack);
-        if (!url_.isPlain)
-            query = {decoded.data(), writeDecoded(decoded.data(), query, PlainInQuery)};
-        // Between two that are kept stands a separator.
-        SmallBuffer<Parameter, UnitBits::MostUnits / 2 + 1> kept(query.size() / 2 + 1);
-        std::size_t count = 0;
-        const bool hasSemicolon = indexOf(query, u';') < query.size();
-        for (Units rest = query; !rest.empty();) {
-            const std::size_t end = hasSemicolon ? endOfParameter(rest) : indexOf(rest, u'&');
-            const Parameter parameter = Parameter::of(rest.substr(0, end));
-            rest.remove_prefix(std::min(end + 1, rest.size()));
-            if (isKept(parameter)) kept[count++] = parameter;
+        KeyParameters parameters(options_, known(), host(), query.size());
+        if (!addPlain(parameters, query)) {
+            SmallBuffer<char16_t> decoded(query.size() + escapes::CopySlack);
+            add(parameters, {decoded.data(), writeDecoded(decoded.data(), query, PlainInQuery)});
+            return parameters.write(out_, query);
         }
-        writeParameters({kept.data(), removeColdFusionIds({kept.data(), count})});
+        parameters.write(out_, query);
     }
 
-    void writeParameters(std::span<Parameter> parameters) {
-        if (options_.sortQuery) sortByName(parameters);
-        char16_t separator = u'?';
-        for (const Parameter& parameter : parameters) {
-            out_.append(separator);
-            out_.append(parameter.text());
-            separator = u'&';
+    static void add(KeyParameters& parameters, Units query) {
+        const bool hasSemicolon = indexOf(query, u';') < query.size();
+        while (!query.empty()) {
+            const std::size_t end = hasSemicolon ? endOfParameter(query) : indexOf(query, u'&');
+            const Units parameter = query.substr(0, end);
+            parameters.add(parameter, indexOf(parameter, u'='));
+            query.remove_prefix(std::min(end + 1, query.size()));
         }
+    }
+
+    /// The same of a short query without escapes, whose parameters are parted by & alone; false if
+    /// it is none.
+    static bool addPlain(KeyParameters& parameters, Units query) {
+        if (query.size() > UnitBits::LowUnits) return false;
+        const ParameterMarks marks = parameterMarksOf(query);
+        if (marks.percent || marks.semicolon) return false;
+        addByMarks(parameters, query, marks.ampersand.low(), marks.equals.low());
+        return true;
+    }
+
+    static void addByMarks(KeyParameters& parameters, Units query, std::uint64_t ampersands,
+                           std::uint64_t equals) {
+        const auto size = static_cast<unsigned>(query.size());
+        for (unsigned start = 0;; ampersands &= ampersands - 1) {
+            const unsigned end = std::min(placeOf(ampersands), size);
+            const unsigned nameEnd = std::min(placeOf(equals), end);
+            parameters.add({query.data() + start, end - start}, nameEnd - start);
+            if (end == size) return;
+            equals &= ~std::uint64_t{0} << end;
+            start = end + 1;
+        }
+    }
+    static unsigned placeOf(std::uint64_t bits) {
+        return static_cast<unsigned>(std::countr_zero(bits));
     }
 
     /// At the next &, or at a ; if another name and = follow it.
@@ -322,30 +323,12 @@ private:
         return query.size();
     }
 
-    bool isKept(const Parameter& parameter) const {
-        // What is left of a & that was written as a reference.
-        if (parameter.length == 0 || parameter.text() == u"amp") return false;
-        if (options_.emptyParams && parameter.isEmpty()) return false;
-        if (options_.sessionIDs && isSessionParameter(parameter.name(), parameter.value()))
-            return false;
-        return !isTracking(parameter.name());
+    const KnownParameters& known() const {
+        return KnownParameters::of(options_.parameters ? *options_.parameters
+                                                       : TrackingParameters::common());
     }
-
     bool isTracking(Units name) const {
-        const auto& known =
-            options_.parameters ? *options_.parameters : TrackingParameters::common();
-        return options_.tracking && known.contains(name, host());
-    }
-
-    /// The number of a client is one of a session only beside the token, which is gone already.
-    /// Gives how many parameters are left.
-    std::size_t removeColdFusionIds(std::span<Parameter> kept) const {
-        const auto isClient = [](const Parameter& p) { return keyword::equals(p.name(), "CFID"); };
-        if (!options_.sessionIDs || std::ranges::none_of(kept, isClient) ||
-            !keyword::contains(url_[URLPart::Query], "CFTOKEN"))
-            return kept.size();
-        return static_cast<std::size_t>(std::remove_if(kept.begin(), kept.end(), isClient) -
-                                        kept.begin());
+        return options_.tracking && known().isTracking(name, host());
     }
 
     /// What stands behind a # if it is part of the address.
@@ -358,7 +341,7 @@ private:
 
     Units host() const { return out_.view().substr(hostStart_, hostEnd_ - hostStart_); }
 
-    const MarkedURL& url_;
+    const CutURL& url_;
     const PageKeyOptions& options_;
     const SpecialScheme* const special_;
     const KeyHost host_;
@@ -384,18 +367,18 @@ URL byGrammar(const URL& url) {
 
 String pageKey(const URL& url, const PageKeyOptions& options) {
     if (url.isAbsent()) return {};
-    MarkedURL marked(url.absoluteString());
-    grammar::Parts parts;
-    if (!URLMaker::isOfWeb(url)) {
-        marked.parts = &URLMaker::tailOf(url).parts;
-    } else if (marked.isPlain && !marked.marks.hash) {
-        // The grammar takes it as it stands, though it may cut it otherwise.
-        if (!grammar::cutByMarks(marked.text, marked.marks, parts)) return {};
-        marked.parts = &parts;
-    } else {
-        return pageKey(byGrammar(url), options);
+    const String& string = url.absoluteString();
+    const grammar::Parts* parts = &URLMaker::tailOf(url).parts;
+    grammar::Parts others;
+    if (URLMaker::isOfWeb(url)) {
+        // The grammar may take it as it stands, though it may cut it otherwise.
+        if (string.length() > UnitBits::MostUnits) return pageKey(byGrammar(url), options);
+        const URLMarks marks = urlMarksOf(string);
+        if (marks.other || marks.percent || marks.hash) return pageKey(byGrammar(url), options);
+        if (!grammar::cutByMarks(string, marks, others)) return {};
+        parts = &others;
     }
-    return KeyWriter(marked, options).key();
+    return KeyWriter({string, string, *parts}, options).key();
 }
 
 }  // namespace velmo

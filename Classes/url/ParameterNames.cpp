@@ -1,10 +1,13 @@
 #include "url/ParameterNames.h"
 
-#include <algorithm>
 #include <cstring>
+
+#include "text/UnitScan.h"
 
 namespace velmo::detail {
 namespace {
+
+using Units = std::u16string_view;
 
 /// Four units with the bit set in which letters of both cases differ. Other units that become alike
 /// only share a slot.
@@ -18,6 +21,37 @@ std::uint64_t fourUnits(const char16_t* units) noexcept {
 std::uint64_t fewUnits(std::u16string_view units) noexcept {
     const char16_t all[] = {units.front(), units[units.size() / 2], units.back(), u'\0'};
     return fourUnits(all);
+}
+
+#if defined(__SSE2__)
+
+/// Whether four units are the given ones but for their case in ASCII.
+bool areFour(const char16_t* units, const char16_t* lower) noexcept {
+    const auto load = [](const char16_t* from) {
+        return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from));
+    };
+    const __m128i found = load(units);
+    const __m128i bit = _mm_and_si128(scan::inRange(found, u'A', u'Z'), _mm_set1_epi16(0x20));
+    return _mm_movemask_epi8(_mm_cmpeq_epi16(_mm_or_si128(found, bit), load(lower))) == 0xFFFF;
+}
+
+#endif
+
+/// Whether a text is a name but for its case in ASCII; both have the same length.
+bool isName(Units name, const char16_t* lower) noexcept {
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    constexpr std::size_t Step = 4;
+    if (name.size() >= Step) {
+        for (; i + Step < name.size(); i += Step)
+            if (!areFour(name.data() + i, lower + i)) return false;
+        i = name.size() - Step;
+        return areFour(name.data() + i, lower + i);
+    }
+#endif
+    for (; i < name.size(); ++i)
+        if (ascii::toLower(name[i]) != lower[i]) return false;
+    return true;
 }
 
 }  // namespace
@@ -43,10 +77,8 @@ std::size_t ParameterNames::find(Units name, bool isBeginning) const noexcept {
         if (slot.name == 0) return NotThere;
         if (slot.hash != static_cast<std::uint32_t>(hash >> 32)) continue;
         const Name& known = names_[slot.name - 1];
-        const auto isSame = [](char16_t unit, char16_t lower) {
-            return ascii::toLower(unit) == lower;
-        };
-        if (known.isBeginning == isBeginning && std::ranges::equal(name, known.text, isSame))
+        if (known.isBeginning == isBeginning && known.text.size() == name.size() &&
+            isName(name, known.text.data()))
             return slot.name - 1;
     }
 }
@@ -59,7 +91,8 @@ std::size_t ParameterNames::add(Units name, bool isBeginning) {
         growTo(2 * slots_.size());
     else
         place(names_.size() - 1);
-    if (isBeginning) lengths_[slotOfFirst(name)] |= std::uint64_t{1} << (name.size() - 1);
+    lengthsOfEnds_[slotOfEnds(name, isBeginning)] |= bitOf(name.size());
+    if (isBeginning) lengths_[slotOfFirst(name)] |= bitOf(name.size());
     return names_.size() - 1;
 }
 

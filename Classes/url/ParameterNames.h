@@ -1,5 +1,5 @@
-// Names of parameters in a table: one multiplication for eight units of a name and as a rule one look
-// tell that it is not there, which most names are not.
+// Names of parameters in a table. Most names are not there, which their length, their first and their
+// last unit tell; of all others one multiplication for eight units and as a rule one look.
 #pragma once
 
 #include <array>
@@ -31,19 +31,19 @@ public:
     template <class Test>
     bool any(Units name, Test test) const {
         if (name.empty()) return false;
-        const std::size_t whole = name.size() <= Longest ? find(name, false) : NotThere;
-        if (whole != NotThere && test(whole)) return true;
+        if (name.size() <= Longest && mayHave(name, false) && testOne(name, false, test))
+            return true;
         for (std::uint64_t lengths = lengths_[slotOfFirst(name)]; lengths; lengths &= lengths - 1) {
             const auto length = static_cast<std::size_t>(std::countr_zero(lengths)) + 1;
             if (length > name.size()) return false;
-            const std::size_t beginning = find(name.substr(0, length), true);
-            if (beginning != NotThere && test(beginning)) return true;
+            const Units beginning = name.substr(0, length);
+            if (mayHave(beginning, true) && testOne(beginning, true, test)) return true;
         }
         return false;
     }
 
 private:
-    static constexpr std::size_t NotThere = SIZE_MAX;
+    static constexpr std::size_t NotThere = SIZE_MAX, Slots = 256;
 
     struct Name {
         std::u16string text;
@@ -56,6 +56,24 @@ private:
     };
 
     std::uint64_t hashOf(Units name) const noexcept;
+    /// The bit of a length, which is one from 1 to Longest.
+    static constexpr std::uint64_t bitOf(std::size_t length) noexcept {
+        return std::uint64_t{1} << (length - 1);
+    }
+    /// Of a name, all that share its ends.
+    static std::size_t slotOfEnds(Units name, bool isBeginning) noexcept {
+        const unsigned first = name.front() | 0x20u, last = name.back() | 0x20u;
+        return (first * 8 + last * 2 + isBeginning) % Slots;
+    }
+    /// Whether there may be such a name; none is longer than Longest.
+    bool mayHave(Units name, bool isBeginning) const noexcept {
+        return lengthsOfEnds_[slotOfEnds(name, isBeginning)] & bitOf(name.size());
+    }
+    template <class Test>
+    bool testOne(Units name, bool isBeginning, const Test& test) const {
+        const std::size_t number = find(name, isBeginning);
+        return number != NotThere && test(number);
+    }
     static std::size_t slotOfFirst(Units name) noexcept {
         return name[0] < 128 ? static_cast<std::size_t>(ascii::toLower(name[0])) : 0;
     }
@@ -70,6 +88,7 @@ private:
     /// The lengths of the beginnings, a bit for each from 1 on, by their first unit; those of
     /// a first unit outside ASCII in the first place.
     std::array<std::uint64_t, 128> lengths_{};
+    std::array<std::uint64_t, Slots> lengthsOfEnds_{};  ///< of both kinds, likewise by their ends
 };
 
 }  // namespace velmo::detail

@@ -26,10 +26,15 @@ inline char16_t* placeOfTail(char16_t* end) noexcept {
     return end + (reinterpret_cast<std::uintptr_t>(end) / sizeof(char16_t) & 1);
 }
 
+/// Puts a tail behind what has been written.
+inline Tail& tailBehind(const Tail& tail, StringBuilder& out) {
+    out.prepare(TailUnits);
+    return *new (placeOfTail(out.end())) Tail(tail);
+}
+
 /// What has been written, with its parts.
 inline String finishedWith(const Tail& tail, StringBuilder& out) {
-    out.prepare(TailUnits);
-    new (placeOfTail(out.end())) Tail(tail);
+    tailBehind(tail, out);
     return out.finishWithTail(TailUnits);
 }
 

@@ -68,7 +68,12 @@ std::optional<PlainLink> plainLinkOf(Units link, bool trimAnchor) {
 
 /// The length of "http://" or "https://" in front of a text; 0 if neither is there.
 std::uint32_t lengthOfWebScheme(Units text) {
-    return text.starts_with(u"http://") ? 7 : text.starts_with(u"https://") ? 8 : 0;
+    // A literal would be measured each time.
+    constexpr Units HTTP = u"http://", HTTPS = u"https://";
+    const auto startsWith = [text](Units scheme) {
+        return text.size() >= scheme.size() && isSame(text.substr(0, scheme.size()), scheme);
+    };
+    return startsWith(HTTP) ? 7 : startsWith(HTTPS) ? 8 : 0;
 }
 
 /// A URL of its own.

@@ -3,27 +3,12 @@
 #include <algorithm>
 
 #include "platform/Ascii.h"
-#include "url/ParameterNames.h"
 #include "url/TrackingTables.h"
 
 namespace velmo::detail {
 namespace {
 
 using Units = std::u16string_view;
-
-/// The names of sessionRows(), by their numbers there.
-const ParameterNames& sessionNames() {
-    static const ParameterNames& made = *new ParameterNames([] {
-        ParameterNames names;
-        for (const SessionRow& row : sessionRows()) {
-            const bool isBeginning = row.name.ends_with('*');
-            const std::string_view name = row.name.substr(0, row.name.size() - isBeginning);
-            names.add(std::u16string(name.begin(), name.end()), isBeginning);
-        }
-        return names;
-    }());
-    return made;
-}
 
 /// How often letters and digits take turns; 0 if there is anything else.
 std::size_t numberOfTurns(Units value) {
@@ -50,11 +35,6 @@ bool looksLikeHexId(Units value) {
                        [](char16_t unit) { return ascii::hexValue(unit) < 16; });
 }
 
-bool isOf(SessionValue kind, Units value) {
-    return kind == SessionValue::Any ||
-           (kind == SessionValue::Id ? looksLikeId(value) : looksLikeHexId(value));
-}
-
 /// "(24 lower letters and digits)", as servers wrote sessions at first.
 bool isPlainSession(Units inner) {
     return inner.size() == 24 && std::all_of(inner.begin(), inner.end(), [](char16_t unit) {
@@ -64,9 +44,10 @@ bool isPlainSession(Units inner) {
 
 }  // namespace
 
-bool isSessionParameter(Units name, Units value) {
-    return sessionNames().any(
-        name, [&](std::size_t row) { return isOf(sessionRows()[row].value, value); });
+bool isValueOfSession(std::size_t row, Units value) {
+    const SessionValue kind = sessionRows()[row].value;
+    return kind == SessionValue::Any ||
+           (kind == SessionValue::Id ? looksLikeId(value) : looksLikeHexId(value));
 }
 
 bool isSessionComponent(Units component) {

@@ -109,8 +109,13 @@ URL detail::URLMaker::made(std::u16string_view text, const grammar::Tail& tail) 
 }
 
 URL detail::URLMaker::cut(std::u16string_view text) {
-    grammar::Parts parts;
-    return grammar::cut(text, parts) ? made(text, {parts}) : URL();
+    if (text.size() >= grammar::Span::Missing) return {};
+    // Nearly all are URLs, whose parts are noted where they stay.
+    StringBuilder out(text.size() + grammar::TailUnits);
+    out.append(text);
+    static constexpr grammar::Tail Empty{};
+    grammar::Parts& parts = grammar::tailBehind(Empty, out).parts;
+    return grammar::cut(text, parts) ? URL(out.finishWithTail(grammar::TailUnits)) : URL();
 }
 
 URL detail::URLMaker::resolved(std::u16string_view text, const URL& base) {

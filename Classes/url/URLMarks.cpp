@@ -29,12 +29,12 @@ struct OfURLs {
 };
 /// In the order of the members of ParameterMarks.
 struct OfParameters {
-    static constexpr std::string_view Marks = "=&;?";
+    static constexpr std::string_view Marks = "=&;?%";
     static constexpr bool HasOther = false;
     using Words = std::array<Word, Marks.size()>;
 
     static ParameterMarks marksOf(const Words& w) noexcept {
-        return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3])};
+        return {bitsOf(w[0]), bitsOf(w[1]), bitsOf(w[2]), bitsOf(w[3]), bitsOf(w[4])};
     }
 };
 
@@ -108,35 +108,53 @@ constexpr auto OtherUnits = [] {
     return units;
 }();
 
-/// The same for machines with AVX-512: 64 units a step, and none is read twice.
-template <class Sought>
+// The same for machines with AVX-512: 64 units a step, and none is read twice.
+
+/// Up to 64 units as bytes, with zeros behind them.
+__attribute__((target("avx512bw,avx512vbmi"))) inline __m512i wideBytes(
+    const char16_t* units, std::uint64_t there) noexcept {
+    const __m256i low = _mm512_maskz_cvtusepi16_epi8(
+        ~__mmask32{0}, _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there), units));
+    const __m512i bytes = _mm512_maskz_inserti64x4(0xFF, _mm512_setzero_si512(), low, 0);
+    if (there >> 32 == 0) return bytes;
+    const __m256i high = _mm512_maskz_cvtusepi16_epi8(
+        ~__mmask32{0}, _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there >> 32), units + 32));
+    return _mm512_maskz_inserti64x4(0xFF, bytes, high, 1);
+}
+
+__attribute__((target("avx512bw,avx512vbmi"))) inline std::uint64_t wideOthers(
+    __m512i bytes, std::uint64_t there) noexcept {
+    const __m512i others = _mm512_permutex2var_epi8(_mm512_loadu_si512(OtherUnits.data()), bytes,
+                                                    _mm512_loadu_si512(OtherUnits.data() + 64));
+    return there & (_mm512_test_epi8_mask(others, others) | _mm512_movepi8_mask(bytes));
+}
+
+/// Of a text of 65 to 128 units, or of up to 64. The loops are known to the compiler as a whole, so
+/// that the words go to where the marks are.
+template <class Sought, bool IsLong>
 __attribute__((target("avx512bw,avx512vbmi"))) auto findWide(std::u16string_view text) noexcept {
-    typename Sought::Words words{};
-    for (std::size_t i = 0; i < text.size(); i += 64) {
-        const std::size_t left = std::min<std::size_t>(text.size() - i, 64);
-        const std::uint64_t there = ~std::uint64_t{0} >> (64 - left);
-        const char16_t* const units = text.data() + i;
-        const __m256i low = _mm512_maskz_cvtusepi16_epi8(
-            ~__mmask32{0}, _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there), units));
-        __m512i bytes = _mm512_maskz_inserti64x4(0xFF, _mm512_setzero_si512(), low, 0);
-        if (left > 32) {
-            const __m256i high = _mm512_maskz_cvtusepi16_epi8(
-                ~__mmask32{0},
-                _mm512_maskz_loadu_epi16(static_cast<__mmask32>(there >> 32), units + 32));
-            bytes = _mm512_maskz_inserti64x4(0xFF, bytes, high, 1);
-        }
-        for (std::size_t mark = 0; mark < Sought::Marks.size(); ++mark)
-            words[mark][i / 64] =
-                _mm512_cmpeq_epi8_mask(bytes, _mm512_set1_epi8(Sought::Marks[mark]));
-        if constexpr (Sought::HasOther) {
-            const __m512i others =
-                _mm512_permutex2var_epi8(_mm512_loadu_si512(OtherUnits.data()), bytes,
-                                         _mm512_loadu_si512(OtherUnits.data() + 64));
-            words[Sought::Marks.size()][i / 64] =
-                there & (_mm512_test_epi8_mask(others, others) | _mm512_movepi8_mask(bytes));
-        }
+    constexpr std::size_t Step = 64;
+    const auto thereOf = [](std::size_t count) {
+        return count ? ~std::uint64_t{0} >> (Step - count) : 0;
+    };
+    const std::uint64_t there = thereOf(IsLong ? Step : text.size());
+    const std::uint64_t thereBehind = thereOf(IsLong ? text.size() - Step : 0);
+    const __m512i bytes = wideBytes(text.data(), there);
+    const __m512i behind = IsLong ? wideBytes(text.data() + Step, thereBehind) : bytes;
+    typename Sought::Words words;
+    for (std::size_t mark = 0; mark < Sought::Marks.size(); ++mark) {
+        const __m512i sought = _mm512_set1_epi8(Sought::Marks[mark]);
+        words[mark] = {_mm512_cmpeq_epi8_mask(bytes, sought),
+                       IsLong ? _mm512_cmpeq_epi8_mask(behind, sought) : 0};
     }
+    if constexpr (Sought::HasOther)
+        words[Sought::Marks.size()] = {wideOthers(bytes, there),
+                                       IsLong ? wideOthers(behind, thereBehind) : 0};
     return Sought::marksOf(words);
+}
+template <class Sought>
+auto findWide(std::u16string_view text) noexcept {
+    return text.size() > 64 ? findWide<Sought, true>(text) : findWide<Sought, false>(text);
 }
 
 #endif

@@ -12,7 +12,7 @@ namespace velmo::detail {
 /// A bit for each unit, the lowest one for the first.
 class UnitBits {
 public:
-    static constexpr std::uint32_t MostUnits = 128;
+    static constexpr std::uint32_t MostUnits = 128, LowUnits = 64;
 
     constexpr UnitBits() = default;
     constexpr UnitBits(std::uint64_t low, std::uint64_t high)
@@ -34,6 +34,16 @@ public:
         const std::uint32_t found = from + static_cast<std::uint32_t>(zeros);
         return found < end ? found : end;
     }
+    /// The last one in front of an end, where there must be one.
+    constexpr std::uint32_t last(std::uint32_t end) const noexcept {
+        const Wide rest = bits_ & below(end).bits_;
+        const auto high = static_cast<std::uint64_t>(rest >> 64);
+        return high ? 127 - static_cast<std::uint32_t>(std::countl_zero(high))
+                    : 63 - static_cast<std::uint32_t>(
+                               std::countl_zero(static_cast<std::uint64_t>(rest)));
+    }
+    /// Those of the first LowUnits units.
+    constexpr std::uint64_t low() const noexcept { return static_cast<std::uint64_t>(bits_); }
     /// Those that have one of the others right behind them, or in front of them.
     constexpr UnitBits before(UnitBits other) const noexcept {
         return UnitBits(bits_ & other.bits_ >> 1);
@@ -75,9 +85,9 @@ struct URLMarks {
     bool operator==(const URLMarks&) const = default;
 };
 
-/// The marks that names and values of parameters end at.
+/// The marks that names and values of parameters end at, and that of escapes.
 struct ParameterMarks {
-    UnitBits equals, ampersand, semicolon, question;
+    UnitBits equals, ampersand, semicolon, question, percent;
 
     bool operator==(const ParameterMarks&) const = default;
 };

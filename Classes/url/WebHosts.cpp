@@ -9,6 +9,7 @@
 #include "platform/Ascii.h"
 #include "platform/DomainNames.h"
 #include "platform/Surrogates.h"
+#include "text/UnitScan.h"
 #include "url/Escapes.h"
 #include "url/IPv4.h"
 #include "url/IPv6.h"
@@ -117,6 +118,44 @@ bool appendASCII(StringBuilder& out, Units domain) {
     return address.has_value();
 }
 
+/// Whether a host does not end in a dot, nor in a number.
+bool endsAsDomain(Units host) {
+    return !host.empty() && host.back() != u'.' && !ascii::isDigit(host[host.rfind(u'.') + 1]);
+}
+
+bool hasDoubledHyphen(Units host) {
+    const char16_t* const end = host.data() + host.size();
+    return scan::findDoubled(host.data(), end, u'-') != end;
+}
+
+/// Whether all of a host are letters, digits, dots and hyphens, and whether there are any of these.
+bool areNameUnits(Units host, bool& hasHyphen) {
+    // What else lies between - and 9 is the slash, which no host has.
+#if defined(__SSE2__)
+    constexpr std::size_t Block = scan::BlockUnits;
+    if (host.size() >= Block) {
+        __m128i all = _mm_set1_epi16(-1), hyphens = _mm_setzero_si128();
+        const auto look = [&](std::size_t at) {
+            const __m128i units = scan::loadBlock(host.data() + at);
+            const __m128i lower = _mm_or_si128(units, _mm_set1_epi16(0x20));
+            const __m128i names =
+                _mm_or_si128(scan::inRange(lower, u'a', u'z'), scan::inRange(units, u'-', u'9'));
+            all = _mm_and_si128(all, names);
+            hyphens = _mm_or_si128(hyphens, scan::equalTo(units, u'-'));
+        };
+        for (std::size_t i = 0; i + Block < host.size(); i += Block) look(i);
+        look(host.size() - Block);
+        hasHyphen = _mm_movemask_epi8(hyphens) != 0;
+        return _mm_movemask_epi8(all) == 0xFFFF;
+    }
+#endif
+    for (const char16_t unit : host) {
+        if (!ascii::isLetter(unit) && !(unit >= u'-' && unit <= u'9')) return false;
+        hasHyphen = hasHyphen || unit == u'-';
+    }
+    return true;
+}
+
 }  // namespace
 
 bool appendDomainHost(StringBuilder& out, Units host) {
@@ -127,14 +166,13 @@ bool appendDomainHost(StringBuilder& out, Units host) {
     return appendASCII(out, isForeign(domain) ? domains::toASCII(domain) : domain);
 }
 
-bool isPlainDomain(Units host) noexcept {
-    if (host.empty() || host.back() == u'.') return false;
-    if (ascii::isDigit(host[host.rfind(u'.') + 1])) return false;
-    for (std::size_t dash = indexOf(host, u'-'); dash < host.size();
-         dash = indexOf(host, u'-', dash + 1))
-        if (host.substr(dash + 1).starts_with(u'-')) return false;
-    return true;
+bool isPlainName(Units host) noexcept {
+    bool hasHyphen = false;
+    return areNameUnits(host, hasHyphen) && endsAsDomain(host) &&
+           !(hasHyphen && hasDoubledHyphen(host));
 }
+
+bool isPlainDomain(Units host) noexcept { return endsAsDomain(host) && !hasDoubledHyphen(host); }
 
 bool appendOpaqueHost(StringBuilder& out, Units host) {
     if (host.starts_with(u'[')) return appendBracketed(out, host);

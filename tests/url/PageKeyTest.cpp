@@ -173,6 +173,19 @@ TEST(PageKey, TablesAreAsTheySay) {
         EXPECT_TRUE(TrackingParameters::common().contains(String::fromUTF8(name), String::fromUTF8(host))) << name;
     }
     EXPECT_GT(everywhere, 150u);
+    // Each is found by a value that all kinds take, and those of ids by no word.
+    std::size_t ids = 0;
+    for (const detail::SessionRow& row : detail::sessionRows()) {
+        std::string name(row.name);
+        if (name.ends_with('*')) name.back() = 'x';
+        const auto keyWith = [&](const char* value) {
+            return keyOf(String::fromUTF8("http://h.org/?" + name + '=' + value), {.tracking = false});
+        };
+        EXPECT_EQ(keyWith("0123456789abcdef"), "http://h.org/") << name;
+        ids += keyWith("tea") != "http://h.org/";
+        EXPECT_EQ(keyWith("tea") != "http://h.org/", row.value != detail::SessionValue::Any) << name;
+    }
+    EXPECT_EQ(ids, 10u);
 }
 
 // A key is a URL and its own key, with any options.
@@ -202,14 +215,24 @@ TEST(PageKey, IsItsOwnKey) {
     EXPECT_GT(taken, 10000);
 }
 
-// A short URL is written by its marks; a long folder makes it long, an escape in the fragment unplain.
+/// The text with each a as an escape.
+std::u16string withEscapes(std::u16string text) {
+    for (std::size_t i = text.find(u'a'); i != text.npos; i = text.find(u'a', i + 1)) text.replace(i, 1, u"%61");
+    return text;
+}
+
+// Host, path and query are each written by their marks if they are short and have no escapes. These change nothing,
+// and neither does a long folder or value but itself.
 TEST(PageKey, IsTheSameWithAndWithoutMarks) {
     std::mt19937 random(6);
-    const auto hosts =
-        test::wordsOf(u"h.org WWW.H.org h.org. 1.2.3.4 h.0x7 a--b.c a-b.c xn--tda.d a_b:80 www.h.org:8080 ");
+    const auto hosts = test::wordsOf(
+        u"h.org WWW.H.org www.a.org www.b.1 a.www.org. h.org. 1.2.3.4 h.0x7 a--b.c a-b.c xn--tda.d a_b:80 "
+        u"www.h.org:8080 abcdefgh-abcdefgh.abcdefgh.org abcdefgh--a.org ");
     const auto pieces = test::wordsOf(
         u"/ /a . .. /. // /b/ (S(a)) /(S(a)) ;jsessionid=1 ;v=1 = ?a=1 &b=2 &a=3 &PHPSESSID=4 &fbclid=5 ?utm_x=6 &amp "
-        u"&e= &CFID=7 &CFTOKEN=8 ;c=9 && /index.php /default.aspx /indexes ? &z &sid=0123456789abcdef0");
+        u"&e= &CFID=7 &CFTOKEN=8 ;c=9 && /index.php /default.aspx /indexes ? &z &sid=0123456789abcdef0 ?ga_term=a "
+        u"?tag=a "
+        u"&aa=1 &aaaab=2 &aaaaa=3 ");
     int taken = 0;
     for (int round = 0; round < 60000; ++round) {
         std::u16string rest;
@@ -217,18 +240,21 @@ TEST(PageKey, IsTheSameWithAndWithoutMarks) {
         const unsigned bits = random() % 4 ? 127 : random();
         const PageKeyOptions options{(bits & 1) != 0,  (bits & 2) != 0,  (bits & 4) != 0, (bits & 8) != 0,
                                      (bits & 16) != 0, (bits & 32) != 0, (bits & 64) != 0};
-        const std::u16string host = u"https://" + hosts[random() % hosts.size()];
-        const URL url = URL::URLWithString(host + rest);
+        const std::u16string host = hosts[random() % hosts.size()];
+        const URL url = URL::URLWithString(u"https://" + host + rest);
         if (url.isAbsent()) continue;
         ++taken;
-        const String key = pageKey(url, options);
-        ASSERT_EQ(pageKey(URL::URLWithString(host + rest + u"#%41"), options), key) << url;
-        const std::u16string name(140, u'x');
-        const URL brief = URL::URLWithString(host + u"/x/x/" + rest),
-                  tall = URL::URLWithString(host + u"/x/" + name + u"/" + rest);
-        std::u16string expected(pageKey(brief, options));
-        if (const std::size_t x = expected.find(u"/x/x"); x != expected.npos) expected.replace(x + 3, 1, name);
-        ASSERT_EQ(pageKey(tall, options), expected) << tall;
+        ASSERT_EQ(pageKey(URL::URLWithString(u"https://" + withEscapes(host + rest)), options), pageKey(url, options))
+            << url;
+        const std::u16string longOne(140, u'x');
+        const auto keyWith = [&](const std::u16string& folder, const std::u16string& value) {
+            const std::u16string last = rest.find(u'?') == rest.npos ? u"" : u"&zz=" + value;
+            return pageKey(URL::URLWithString(u"https://" + host + u"/x/" + folder + u"/" + rest + last), options);
+        };
+        std::u16string expected(keyWith(u"x", u"x"));
+        if (const std::size_t x = expected.find(u"zz=x"); x != expected.npos) expected.replace(x + 3, 1, longOne);
+        if (const std::size_t x = expected.find(u"/x/x"); x != expected.npos) expected.replace(x + 3, 1, longOne);
+        ASSERT_EQ(keyWith(longOne, longOne), expected) << url;
     }
     EXPECT_GT(taken, 20000);
 }

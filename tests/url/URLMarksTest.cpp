@@ -47,6 +47,8 @@ TEST(URLMarks, BitsAreFoundAndCutOut) {
         const auto from = static_cast<std::uint32_t>(random() % (size + 1));
         const auto to = from + static_cast<std::uint32_t>(random() % (size + 1 - from));
         ASSERT_EQ(bits.first(from, to), std::min<std::size_t>(text.find(u'=', from), to));
+        const std::size_t last = text.substr(0, to).rfind(u'=');
+        ASSERT_TRUE(last == text.npos || bits.last(to) == last) << to;
         text.erase(from, to - from);
         ASSERT_EQ(bits.erased(from, to), parameterMarksOf(text).equals) << from << ' ' << to;
     }

@@ -9,6 +9,10 @@
 
 namespace velmo {
 
+namespace detail {
+class KnownParameters;
+}
+
 /// Parameters of queries that tell where a visitor came from and not what is shown. A name is
 /// known whole, or by its beginning, in any case; many only on the hosts that use it so, because
 /// elsewhere they may choose a page.
@@ -38,9 +42,9 @@ public:
     [[nodiscard]] std::size_t numberOfRejectedLines() const noexcept;
 
 private:
-    struct Rows;
+    friend class detail::KnownParameters;
 
-    std::shared_ptr<const Rows> rows_;
+    std::shared_ptr<const detail::KnownParameters> known_;
 };
 
 }  // namespace velmo
