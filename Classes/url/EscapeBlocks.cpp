@@ -118,8 +118,8 @@ VELMO_ESCAPE_BLOCKS std::uint8_t* bytesOfAsciiByBlocks(std::u16string_view text,
         const Escapes escapes = reader.read(bytes, percents);
         // One that ends in the last two bytes takes them along.
         const Mask digits = escapes.places << 1 | escapes.places << 2;
-        const auto whole = static_cast<std::size_t>(Resolved + std::popcount(digits >> Resolved));
-        const std::size_t taken = std::min(left, whole);
+        const int whole = Resolved + std::popcount(digits >> Resolved);
+        const std::size_t taken = std::min<std::size_t>(left, static_cast<unsigned>(whole));
         const Mask kept = ~digits & lowBits(taken);
         const __m512i decoded = _mm512_mask_mov_epi8(bytes, escapes.places, escapes.values);
         _mm512_storeu_si512(write, _mm512_maskz_compress_epi8(kept, decoded));
