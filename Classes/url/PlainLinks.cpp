@@ -205,14 +205,15 @@ std::optional<URL> plainURLRelativeTo(const URL& base, Units text, bool trimAnch
 }
 
 std::optional<URL> plainWebURLRelativeTo(const URL& base, Units text, bool trimAnchor) {
-    const bool isPlain = !text.empty() && URLMaker::isOfWeb(base) && isPlainBase(base) &&
-                         lengthOfWebScheme(base.absoluteString());
-    if (!isPlain) return std::nullopt;
+    if (text.empty()) return std::nullopt;
     std::optional<PlainLink> link = plainLinkOf(text, trimAnchor);
     if (!link || !isPlainOnTheWeb(*link)) return std::nullopt;
-    if (link->size == 0) return URL();
     const bool hasColon = link->marks.colon.first(0, link->size) < link->size;
-    return hasColon ? absoluteWebURL(*link) : relativeURL(base, *link, true);
+    if (hasColon) return absoluteWebURL(*link);  // for which there need not be a base
+    const bool isPlain =
+        URLMaker::isOfWeb(base) && isPlainBase(base) && lengthOfWebScheme(base.absoluteString());
+    if (!isPlain) return std::nullopt;
+    return link->size == 0 ? URL() : relativeURL(base, *link, true);
 }
 
 }  // namespace velmo::detail

@@ -13,7 +13,7 @@ namespace velmo::detail {
 /// base has no host, or credentials.
 std::optional<URL> plainURLRelativeTo(const URL& base, std::u16string_view link, bool trimAnchor);
 
-/// The same as the URL standard reads the link, for a base that was read so.
+/// The same as the URL standard reads the link, for a base that was read so, or a link of its own.
 std::optional<URL> plainWebURLRelativeTo(const URL& base, std::u16string_view link,
                                          bool trimAnchor);
 
