@@ -140,7 +140,7 @@ private:
         if (node.isWord && call.left == NoNode)
             return finder_.find(call.node, call.start, call.end).isFound() != node.negated;
         if (!node.isWord && node.count == 0) return node.negated;
-        if (const auto known = knownOfAlternatives(call)) return *known != node.negated;
+        if (const auto known = knownInText(call)) return *known != node.negated;
         if (isRemembered(call))
             if (const auto known = memory_.find(keyOf(call)); known != memory_.end())
                 return known->second;
@@ -181,12 +181,12 @@ private:
         return finish(frame.value != group.negated);
     }
 
-    /// What a group joined by OR comes to in the text as a whole, if the finder can tell at once.
-    std::optional<bool> knownOfAlternatives(const Call& call) {
-        if constexpr (requires { finder_.findsAnyIn(call.node); })
+    /// What a group comes to in the text as a whole, if the finder can tell at once.
+    std::optional<bool> knownInText(const Call& call) {
+        if constexpr (requires { finder_.knownOf(call.node); })
             if (!tree_.nodes[call.node].isWord && call.left == NoNode && call.start == 0 &&
                 call.end == textEnd_)
-                return finder_.findsAnyIn(call.node);
+                return finder_.knownOf(call.node);
         return {};
     }
 

@@ -53,12 +53,20 @@ public:
         return found == NotFound ? Range::none() : Range{found, word.size()};
     }
 
-    /// Whether one of the words joined by OR in a group occurs in the text; nothing if that is not
-    /// known, as the group has others too.
-    std::optional<bool> findsAnyIn(std::size_t group) {
-        if (!many_ || !many_->hasAlternatives(group) || keepsPlacesOf(group)) return {};
-        if (occurs(group)) return true;
-        return many_->hasAllOf(group) ? std::optional(false) : std::nullopt;
+    /// Whether a group holds in the text, apart from its negation, if its words in the walk tell: one
+    /// of those joined by OR that occurs, or of those that must not. To ask for the latter first costs
+    /// nothing, as the walk comes by the others as well; and where they occur, they mostly do so
+    /// before its end, up to which it goes for a word that is missing.
+    std::optional<bool> knownOf(std::size_t group) {
+        if (!many_ || keepsPlacesOf(group)) return {};
+        if (many_->hasAlternatives(group)) {
+            if (occurs(group)) return true;
+            return many_->hasAllOf(group) ? std::optional(false) : std::nullopt;
+        }
+        if (!many_->hasForbidden(group)) return {};
+        for (std::size_t child : tree_.childrenOf(tree_.nodes[group]))
+            if (many_->isForbidden(child) && occurs(child)) return false;
+        return {};
     }
 
     /// Whether one of the words occurs in the text.
@@ -138,7 +146,11 @@ private:
     template <class Found>
     bool goOn(Found found) {
         return scan_->goOn([&](std::size_t node, std::uint64_t position) {
-            if (keepsPlacesOf(node) && firsts_[node] == node) occurrences_[node].add(position);
+            if (!keepsPlacesOf(node)) {
+                if (!isFound(node)) scan_->drop(node);
+            } else if (firsts_[node] == node) {
+                occurrences_[node].add(position);
+            }
             setFound(node);
             if (const std::size_t group = many_->groupOf(node); group != ManyWords::NoNode)
                 setFound(group);
