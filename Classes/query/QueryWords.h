@@ -35,7 +35,6 @@ public:
                            : firstOfSameWords(tree, keeps != PlacesKept::None)),
           firsts_(many_ && keeps != PlacesKept::None ? many_->firsts()
                                                      : std::span<const std::size_t>(ownFirsts_)),
-          occurrences_(firsts_.size()),
           isFound_(many_ ? tree.nodes.size() / 64 + 1 : 0, 0) {
         if (many_) scan_.emplace(*many_, text_);
     }
@@ -116,13 +115,19 @@ private:
     std::uint64_t placeOf(std::size_t index, const SoughtWord& sought, std::uint64_t start,
                           std::uint64_t end) {
         if (isShared(index) && !keepsPlacesOf(index)) return occurs(index) ? start : NotFound;
-        if (occurrences_.empty()) return scanForWord(sought, start, end);
-        WordOccurrences& occurrences = occurrences_[firsts_[index]];
+        if (firsts_.empty()) return scanForWord(sought, start, end);
+        WordOccurrences& occurrences = occurrencesOf(index);
         if (!isShared(index)) return occurrences.find(sought, start, end);
         return occurrences.find(sought, start, end, [&](std::uint64_t from) {
             while (!occurrences.reaches(from) && scan_->scanned() < end && goOn()) {
             }
         });
+    }
+
+    /// Most texts are judged before any place is needed.
+    WordOccurrences& occurrencesOf(std::size_t node) {
+        if (occurrences_.empty()) occurrences_.resize(firsts_.size());
+        return occurrences_[firsts_[node]];
     }
 
     /// Whether the walk for many words has that one.
@@ -149,7 +154,7 @@ private:
             if (!keepsPlacesOf(node)) {
                 if (!isFound(node)) scan_->drop(node);
             } else if (firsts_[node] == node) {
-                occurrences_[node].add(position);
+                occurrencesOf(node).add(position);
             }
             setFound(node);
             if (const std::size_t group = many_->groupOf(node); group != ManyWords::NoNode)
