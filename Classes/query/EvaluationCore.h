@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <concepts>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -140,7 +141,7 @@ private:
         if (node.isWord && call.left == NoNode)
             return finder_.find(call.node, call.start, call.end).isFound() != node.negated;
         if (!node.isWord && node.count == 0) return node.negated;
-        if (const auto known = knownOfAlternatives(call)) return *known != node.negated;
+        if (const auto known = knownInText(call)) return *known != node.negated;
         if (isRemembered(call))
             if (const auto known = memory_.find(keyOf(call)); known != memory_.end())
                 return known->second;
@@ -181,12 +182,12 @@ private:
         return finish(frame.value != group.negated);
     }
 
-    /// What a group joined by OR comes to in the text as a whole, if the finder can tell at once.
-    std::optional<bool> knownOfAlternatives(const Call& call) {
-        if constexpr (requires { finder_.findsAnyIn(call.node); })
+    /// What a group comes to in the text as a whole, if the finder can tell at once.
+    std::optional<bool> knownInText(const Call& call) {
+        if constexpr (requires { finder_.knownOf(call.node); })
             if (!tree_.nodes[call.node].isWord && call.left == NoNode && call.start == 0 &&
                 call.end == textEnd_)
-                return finder_.findsAnyIn(call.node);
+                return finder_.knownOf(call.node);
         return {};
     }
 
@@ -230,7 +231,7 @@ private:
             // In a part, yes decides; on the whole stretch, no does.
             if (*answer != frame.asksWhole) return finishProximity(*answer);
         } else {
-            ProximityMemory& memory = near_[call.node];
+            ProximityMemory& memory = nearOf(call.node);
             memory.begin(call.start, call.end, finder_.isInOrder(call.node));
             if (Remembers && memory.isKnownToHold()) return finish(true);
             frame.state = Remembers ? memory.firstState() : ProximityState{call.start, call.start};
@@ -255,7 +256,7 @@ private:
     /// been asked in vain.
     std::optional<Stretch> nextPart(Frame& frame) {
         const Call& call = frame.call;
-        ProximityMemory& memory = near_[call.node];
+        ProximityMemory& memory = nearOf(call.node);
         const bool negated = tree_.nodes[call.node].negated;
         ProximityState& state = frame.state;
         while (state.cursor < call.end) {
@@ -297,15 +298,20 @@ private:
     /// What has been found out from the present state on.
     std::optional<bool> knownFrom(const Frame& frame) {
         if (!Remembers || !frame.state.isFree) return std::nullopt;
-        const ProximityMemory& memory = near_[frame.call.node];
+        const ProximityMemory& memory = nearOf(frame.call.node);
         const auto known = memory.verdict(frame.state);
         if (!known && memory.sharesEnd()) passed_.push_back(frame.state);
         return known;
     }
 
+    ProximityMemory& nearOf(std::size_t node) {
+        if (!near_[node]) near_[node] = std::make_unique<ProximityMemory>();
+        return *near_[node];
+    }
+
     std::optional<bool> finishProximity(bool value) {
         const Frame& frame = stack_.back();
-        ProximityMemory& memory = near_[frame.call.node];
+        ProximityMemory& memory = nearOf(frame.call.node);
         if (value && frame.decidesAfter < frame.call.end) memory.hold(frame.decidesAfter);
         for (std::size_t i = frame.firstPassed; i < passed_.size(); ++i)
             memory.remember(passed_[i], value);
@@ -365,10 +371,10 @@ private:
     WordSteps steps_;
     Finder& finder_;
     const bool keepsAll_;
-    std::vector<bool> isRun_;             // by node: see the finder
-    std::vector<bool> shrinks_;           // by node: may hold on less when it gets shorter only
-    std::vector<ProximityMemory> near_;   // by node
-    std::vector<ProximityState> passed_;  // whose outcome is to be remembered
+    std::vector<bool> isRun_;    // by node: see the finder
+    std::vector<bool> shrinks_;  // by node: may hold on less when it gets shorter only
+    std::vector<std::unique_ptr<ProximityMemory>> near_;  // by node, once it is asked
+    std::vector<ProximityState> passed_;                  // whose outcome is to be remembered
     std::vector<Frame> stack_;
     std::unordered_map<Key, bool, KeyHash> memory_;
 };

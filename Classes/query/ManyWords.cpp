@@ -48,27 +48,25 @@ void add(TripleSieve& sieve, unsigned group, std::u16string_view word, Case lett
     }
 }
 
-/// Words that begin alike share a group, as then the group has few pairs at each place; and short
-/// ones do, which let everything pass at the places behind them.
-TripleSieve sieveOf(std::span<const WordTable::Word> words, Case letterCase) {
-    using Beginning = std::pair<std::size_t, std::array<char16_t, TripleSieve::Ahead + 1>>;
-    std::vector<Beginning> beginnings;
+/// How many units of a word the sieve looks at, and which.
+using Beginning = std::pair<std::size_t, std::array<char16_t, TripleSieve::Ahead + 1>>;
+
+Beginning beginningOf(std::u16string_view word, Case letterCase) {
     const ConversionTable& upper = upperCharsTable();
-    for (const WordTable::Word& word : words) {
-        Beginning beginning = {std::min<std::size_t>(word.units.size(), TripleSieve::Ahead + 1),
-                               {}};
-        for (std::size_t i = 0; i < beginning.first; ++i)
-            beginning.second[i] =
-                letterCase == Case::Insensitive ? upper[word.units[i]] : word.units[i];
-        beginnings.push_back(beginning);
-    }
+    Beginning beginning = {std::min<std::size_t>(word.size(), TripleSieve::Ahead + 1), {}};
+    for (std::size_t i = 0; i < beginning.first; ++i)
+        beginning.second[i] = letterCase == Case::Insensitive ? upper[word[i]] : word[i];
+    return beginning;
+}
+
+/// Each once, in their order.
+std::vector<Beginning> beginningsOf(std::span<const WordTable::Word> words, Case letterCase) {
+    std::vector<Beginning> beginnings;
+    for (const WordTable::Word& word : words)
+        beginnings.push_back(beginningOf(word.units, letterCase));
     std::ranges::sort(beginnings);
     beginnings.erase(std::unique(beginnings.begin(), beginnings.end()), beginnings.end());
-    TripleSieve sieve;
-    for (std::size_t i = 0; i < beginnings.size(); ++i)
-        add(sieve, static_cast<unsigned>(i * TripleSieve::Groups / beginnings.size()),
-            {beginnings[i].second.data(), beginnings[i].first}, letterCase);
-    return sieve;
+    return beginnings;
 }
 
 /// Whether the word of a node can take part.
@@ -104,8 +102,8 @@ ManyWords::ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, 
       isEnough_(words.size() >= fewestWords()),
       isSieved_(isWorthSieving(words.size())) {
     if (!isEnough_) return;
-    sieve_ = sieveOf(words, letterCase);
     nodes_.resize(tree.nodes.size());
+    makeSieve(words, letterCase);
     for (const WordTable::Word& word : words) {
         nodes_[word.owner].isSought = true;
         markUnits(word.units);
@@ -113,6 +111,7 @@ ManyWords::ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, 
     std::ranges::sort(otherUnits_);
     otherUnits_.erase(std::unique(otherUnits_.begin(), otherUnits_.end()), otherUnits_.end());
     markGroups(tree);
+    markForbidden(tree);
     firsts_ = firstOfSameWords(tree, true);
     markNear(tree);
 }
@@ -133,6 +132,23 @@ std::vector<WordTable::Word> ManyWords::wordsOf(const QueryTree& tree, WordsAske
     return words;
 }
 
+/// Words that begin alike share a group, as then the group has few pairs at each place; and short
+/// ones do, which let everything pass at the places behind them.
+void ManyWords::makeSieve(std::span<const WordTable::Word> words, Case letterCase) {
+    const std::vector<Beginning> beginnings = beginningsOf(words, letterCase);
+    const auto groupOf = [&](std::size_t i) {
+        return static_cast<unsigned>(i * TripleSieve::Groups / beginnings.size());
+    };
+    for (std::size_t i = 0; i < beginnings.size(); ++i)
+        add(sieve_, groupOf(i), {beginnings[i].second.data(), beginnings[i].first}, letterCase);
+    for (const WordTable::Word& word : words) {
+        const auto own = std::ranges::lower_bound(beginnings, beginningOf(word.units, letterCase));
+        const unsigned group = groupOf(static_cast<std::size_t>(own - beginnings.begin()));
+        nodes_[word.owner].sieved = group;
+        ++sieved_[group];
+    }
+}
+
 void ManyWords::markGroups(const QueryTree& tree) {
     for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
         if (!isAlternatives(tree.nodes[i])) continue;
@@ -143,6 +159,18 @@ void ManyWords::markGroups(const QueryTree& tree) {
             ++nodes_[i].alternatives;
         }
         nodes_[i].isWhole = nodes_[i].alternatives == children.size();
+    }
+}
+
+/// Up to the first word that does not take part: it may decide at less cost.
+void ManyWords::markForbidden(const QueryTree& tree) {
+    for (std::size_t i = 0; i < tree.nodes.size(); ++i) {
+        if (tree.nodes[i].common != QueryOperator::And) continue;
+        for (std::size_t child : tree.childrenOf(tree.nodes[i])) {
+            if (tree.nodes[child].isWord && !nodes_[child].isSought) break;
+            if (tree.nodes[child].negated && nodes_[child].isSought)
+                nodes_[child].isForbidden = nodes_[i].hasForbidden = true;
+        }
     }
 }
 
@@ -219,9 +247,9 @@ bool ManyWordsScan::listRuns() {
         if (listed_ >= text_.units.size()) return false;
         room_ = std::clamp<std::size_t>(4 * room_, 1, blocks.size());
         const auto some = std::span(blocks).first(room_);
-        const std::size_t count = words_.isSieved()
-                                      ? nextSieved(text_.units, listed_, words_.sieve(), some)
-                                      : nextBlocks(text_.units, listed_, some);
+        const std::size_t count =
+            words_.isSieved() ? nextSieved(text_.units, listed_, words_.sieve(), some, groups_)
+                              : nextBlocks(text_.units, listed_, some);
         listed_ = count == 0 ? text_.units.size() : blocks[count - 1].base + UnitsInBlock;
         runs_.list(text_, std::span(blocks).first(count), words_.table());
         next_ = runs_.next(0);

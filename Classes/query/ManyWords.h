@@ -54,6 +54,10 @@ public:
     bool hasAlternatives(std::size_t group) const { return nodes_[group].alternatives > 0; }
     bool hasAllOf(std::size_t group) const { return nodes_[group].isWhole; }
 
+    /// Whether a group is false where the word of a node stands, and whether one has such words.
+    bool isForbidden(std::size_t node) const { return nodes_[node].isForbidden; }
+    bool hasForbidden(std::size_t group) const { return nodes_[group].hasForbidden; }
+
     /// Whether the word of a node, or one that is the same, may be asked for in stretches of a text,
     /// as it stands below a proximity operator.
     bool isNear(std::size_t node) const { return nodes_[node].isNear; }
@@ -64,12 +68,19 @@ public:
     /// Whether to ask the sieve first is worth it; otherwise each run is looked up.
     bool isSieved() const { return isSieved_; }
     const TripleSieve& sieve() const { return sieve_; }
+    /// The group of the sieve in which the word of a node is, and by groups how many nodes are.
+    unsigned sievedOf(std::size_t node) const { return nodes_[node].sieved; }
+    using Sieved = std::array<std::uint32_t, TripleSieve::Groups>;
+    const Sieved& sieved() const { return sieved_; }
 
 private:
     struct Node {
         bool isSought = false;
         bool isWhole = false;
         bool isNear = false;
+        bool isForbidden = false;
+        bool hasForbidden = false;
+        unsigned sieved = 0;
         std::size_t group = NoNode;
         std::size_t alternatives = 0;
     };
@@ -77,12 +88,15 @@ private:
     ManyWords(const QueryTree& tree, std::vector<WordTable::Word> words, Case letterCase);
     static std::vector<WordTable::Word> wordsOf(const QueryTree& tree, WordsAsked asked,
                                                 const CharacterSetRep& termCharacters);
+    void makeSieve(std::span<const WordTable::Word> words, Case letterCase);
     void markGroups(const QueryTree& tree);
+    void markForbidden(const QueryTree& tree);
     void markNear(const QueryTree& tree);
     void markUnits(std::u16string_view word);
 
     WordTable table_;
     TripleSieve sieve_;
+    Sieved sieved_ = {};
     std::array<std::uint8_t, 16> asciiUnits_ = {};  // of the words, by bits
     std::u16string otherUnits_;                     // each once
     std::vector<Node> nodes_;
@@ -110,7 +124,8 @@ private:
 class ManyWordsScan {
 public:
     /// Both must outlive this.
-    ManyWordsScan(const ManyWords& words, const WordText& text) : words_(words), text_(text) {}
+    ManyWordsScan(const ManyWords& words, const WordText& text)
+        : words_(words), text_(text), wanted_(words.sieved()) {}
 
     /// All words that begin before it have been told.
     std::uint64_t scanned() const { return scanned_; }
@@ -129,6 +144,14 @@ public:
         return true;
     }
 
+    /// The word of a node, which has been found, need not be found again for that node. Once no
+    /// node of its group needs one, the sieve stops no more at these words: often it is the words
+    /// that a text is about.
+    void drop(std::size_t node) {
+        const unsigned group = words_.sievedOf(node);
+        if (--wanted_[group] == 0) groups_ &= ~(1u << group);
+    }
+
 private:
     bool listRuns();
 
@@ -145,6 +168,8 @@ private:
 
     const ManyWords& words_;
     const WordText& text_;
+    ManyWords::Sieved wanted_;  // nodes by groups of the sieve
+    unsigned groups_ = TripleSieve::AllGroups;
     std::uint64_t scanned_ = 0, listed_ = 0;  // up to there runs have been listed
     std::size_t room_ = 0, next_ = 0;
     LikelyRuns runs_;

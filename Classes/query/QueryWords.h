@@ -35,7 +35,6 @@ public:
                            : firstOfSameWords(tree, keeps != PlacesKept::None)),
           firsts_(many_ && keeps != PlacesKept::None ? many_->firsts()
                                                      : std::span<const std::size_t>(ownFirsts_)),
-          occurrences_(firsts_.size()),
           isFound_(many_ ? tree.nodes.size() / 64 + 1 : 0, 0) {
         if (many_) scan_.emplace(*many_, text_);
     }
@@ -53,12 +52,20 @@ public:
         return found == NotFound ? Range::none() : Range{found, word.size()};
     }
 
-    /// Whether one of the words joined by OR in a group occurs in the text; nothing if that is not
-    /// known, as the group has others too.
-    std::optional<bool> findsAnyIn(std::size_t group) {
-        if (!many_ || !many_->hasAlternatives(group) || keepsPlacesOf(group)) return {};
-        if (occurs(group)) return true;
-        return many_->hasAllOf(group) ? std::optional(false) : std::nullopt;
+    /// Whether a group holds in the text, apart from its negation, if its words in the walk tell: one
+    /// of those joined by OR that occurs, or of those that must not. To ask for the latter first costs
+    /// nothing, as the walk comes by the others as well; and where they occur, they mostly do so
+    /// before its end, up to which it goes for a word that is missing.
+    std::optional<bool> knownOf(std::size_t group) {
+        if (!many_ || keepsPlacesOf(group)) return {};
+        if (many_->hasAlternatives(group)) {
+            if (occurs(group)) return true;
+            return many_->hasAllOf(group) ? std::optional(false) : std::nullopt;
+        }
+        if (!many_->hasForbidden(group)) return {};
+        for (std::size_t child : tree_.childrenOf(tree_.nodes[group]))
+            if (many_->isForbidden(child) && occurs(child)) return false;
+        return {};
     }
 
     /// Whether one of the words occurs in the text.
@@ -108,13 +115,19 @@ private:
     std::uint64_t placeOf(std::size_t index, const SoughtWord& sought, std::uint64_t start,
                           std::uint64_t end) {
         if (isShared(index) && !keepsPlacesOf(index)) return occurs(index) ? start : NotFound;
-        if (occurrences_.empty()) return scanForWord(sought, start, end);
-        WordOccurrences& occurrences = occurrences_[firsts_[index]];
+        if (firsts_.empty()) return scanForWord(sought, start, end);
+        WordOccurrences& occurrences = occurrencesOf(index);
         if (!isShared(index)) return occurrences.find(sought, start, end);
         return occurrences.find(sought, start, end, [&](std::uint64_t from) {
             while (!occurrences.reaches(from) && scan_->scanned() < end && goOn()) {
             }
         });
+    }
+
+    /// Most texts are judged before any place is needed.
+    WordOccurrences& occurrencesOf(std::size_t node) {
+        if (occurrences_.empty()) occurrences_.resize(firsts_.size());
+        return occurrences_[firsts_[node]];
     }
 
     /// Whether the walk for many words has that one.
@@ -138,7 +151,11 @@ private:
     template <class Found>
     bool goOn(Found found) {
         return scan_->goOn([&](std::size_t node, std::uint64_t position) {
-            if (keepsPlacesOf(node) && firsts_[node] == node) occurrences_[node].add(position);
+            if (!keepsPlacesOf(node)) {
+                if (!isFound(node)) scan_->drop(node);
+            } else if (firsts_[node] == node) {
+                occurrencesOf(node).add(position);
+            }
             setFound(node);
             if (const std::size_t group = many_->groupOf(node); group != ManyWords::NoNode)
                 setFound(group);

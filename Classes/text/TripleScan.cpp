@@ -66,6 +66,7 @@ unsigned groupsAt(const TripleSieve& sieve, unsigned place, const char16_t* unit
 template <unsigned (*GroupsOf)(const TripleSieve&, unsigned, unsigned, unsigned)>
 struct OneByOne {
     const TripleSieve& sieve;
+    unsigned wanted;
 
     void begin(const FirstUnits&) noexcept {}
     std::uint64_t placesOf(const char16_t* units) const noexcept {
@@ -74,7 +75,8 @@ struct OneByOne {
         };
         std::uint64_t places = 0;
         for (std::size_t i = 0; i < BlockSize; ++i) {
-            const unsigned left = groups(0, i) & groups(1, i) & groups(2, i) & groups(3, i);
+            const unsigned left =
+                wanted & groups(0, i) & groups(1, i) & groups(2, i) & groups(3, i);
             places |= static_cast<std::uint64_t>(left != 0) << i;
         }
         return places;
@@ -89,12 +91,15 @@ struct OneByOne {
 /// 64 places by two vectors, for machines that have AVX2.
 class HalvesSieve {
 public:
-    __attribute__((target("avx2"))) explicit HalvesSieve(const TripleSieve& sieve) noexcept
+    __attribute__((target("avx2"))) HalvesSieve(const TripleSieve& sieve, unsigned groups) noexcept
         : sieve_(sieve) {
         for (unsigned place = 0; place < TripleSieve::Places; ++place) {
             low_[place] = table(sieve.low[place]);
             high_[place] = table(sieve.high[place]);
         }
+        // What is left of the groups here is all that passes.
+        __m256i& last = low_[TripleSieve::Places - 1];
+        last = _mm256_and_si256(last, _mm256_set1_epi8(static_cast<char>(groups)));
     }
 
     __attribute__((target("avx2"))) void begin(const FirstUnits& units) noexcept {
@@ -186,19 +191,23 @@ private:
 
 __attribute__((target("avx2"))) std::size_t nextByHalves(std::u16string_view text, std::size_t base,
                                                          const TripleSieve& sieve,
-                                                         std::span<SievedBlock> found) noexcept {
-    return sieved(text, base, found, HalvesSieve(sieve));
+                                                         std::span<SievedBlock> found,
+                                                         unsigned groups) noexcept {
+    return sieved(text, base, found, HalvesSieve(sieve, groups));
 }
 
 /// 64 places in one step, for machines that have AVX-512 with its shuffles of bytes (VBMI).
 class PairsSieve {
 public:
-    __attribute__((target("avx512bw,avx512vbmi"))) explicit PairsSieve(
-        const TripleSieve& sieve) noexcept
+    __attribute__((target("avx512bw,avx512vbmi")))
+    PairsSieve(const TripleSieve& sieve, unsigned groups) noexcept
         : sieve_(sieve) {
         for (unsigned place = 0; place < TripleSieve::Places; ++place)
             for (unsigned half = 0; half < 2; ++half)
                 tables_[place][half] = _mm512_load_si512(sieve.pairs[place] + 64 * half);
+        // What is left of the groups here is all that passes.
+        for (__m512i& last : tables_[TripleSieve::Places - 1])
+            last = _mm512_and_si512(last, _mm512_set1_epi8(static_cast<char>(groups)));
         alignas(64) std::uint8_t counted[64], turned[TripleSieve::Pairs];
         for (unsigned i = 0; i < 64; ++i) counted[i] = static_cast<std::uint8_t>(i);
         const __m512i places = _mm512_load_si512(counted);
@@ -261,10 +270,12 @@ private:
         third_;  // of the units before: their bits, and the groups by pairs
 };
 
-__attribute__((target("avx512bw,avx512vbmi"))) std::size_t nextByPairs(
-    std::u16string_view text, std::size_t base, const TripleSieve& sieve,
-    std::span<SievedBlock> found) noexcept {
-    return sieved(text, base, found, PairsSieve(sieve));
+__attribute__((target("avx512bw,avx512vbmi"))) std::size_t nextByPairs(std::u16string_view text,
+                                                                       std::size_t base,
+                                                                       const TripleSieve& sieve,
+                                                                       std::span<SievedBlock> found,
+                                                                       unsigned groups) noexcept {
+    return sieved(text, base, found, PairsSieve(sieve, groups));
 }
 
 #endif
@@ -280,24 +291,24 @@ SieveWay sieveWay() noexcept {
 }
 
 std::size_t nextSieved(std::u16string_view text, std::size_t base, const TripleSieve& sieve,
-                       std::span<SievedBlock> found, SieveWay way) noexcept {
+                       std::span<SievedBlock> found, unsigned groups, SieveWay way) noexcept {
     switch (way) {
 #if defined(__SSE2__)
         case SieveWay::Pairs:
-            return nextByPairs(text, base, sieve, found);
+            return nextByPairs(text, base, sieve, found, groups);
         case SieveWay::Halves:
-            return nextByHalves(text, base, sieve, found);
+            return nextByHalves(text, base, sieve, found, groups);
 #endif
         case SieveWay::HalvesOneByOne:
-            return sieved(text, base, found, OneByOne<groupsOfHalves>{sieve});
+            return sieved(text, base, found, OneByOne<groupsOfHalves>{sieve, groups});
         default:
-            return sieved(text, base, found, OneByOne<groupsOfPair>{sieve});
+            return sieved(text, base, found, OneByOne<groupsOfPair>{sieve, groups});
     }
 }
 
 std::size_t nextSieved(std::u16string_view text, std::size_t base, const TripleSieve& sieve,
-                       std::span<SievedBlock> found) noexcept {
-    return nextSieved(text, base, sieve, found, sieveWay());
+                       std::span<SievedBlock> found, unsigned groups) noexcept {
+    return nextSieved(text, base, sieve, found, groups, sieveWay());
 }
 
 }  // namespace velmo::detail

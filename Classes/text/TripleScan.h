@@ -63,9 +63,10 @@ struct SievedBlock {
 
 /// Puts down the first blocks in which a place passes, blocks being counted from the base on, and
 /// gives how many these are; fewer than there is room for only at the end of the text. Behind the
-/// text there are zeros.
+/// text there are zeros. Only words of the groups told, by bits, are looked for.
 VELMO_API std::size_t nextSieved(std::u16string_view text, std::size_t base,
-                                 const TripleSieve& sieve, std::span<SievedBlock> found) noexcept;
+                                 const TripleSieve& sieve, std::span<SievedBlock> found,
+                                 unsigned groups) noexcept;
 
 /// The ways to do so: one place after the other, or many in one step by halves of pairs (AVX2) or
 /// by pairs (AVX-512). Those that look pairs up as a whole give the same as one by one.
@@ -77,6 +78,6 @@ VELMO_API SieveWay sieveWay() noexcept;
 /// That way must be one of this machine.
 VELMO_API std::size_t nextSieved(std::u16string_view text, std::size_t base,
                                  const TripleSieve& sieve, std::span<SievedBlock> found,
-                                 SieveWay way) noexcept;
+                                 unsigned groups, SieveWay way) noexcept;
 
 }  // namespace velmo::detail

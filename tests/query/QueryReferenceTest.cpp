@@ -292,6 +292,42 @@ RandomCase caseOfManyWords(std::mt19937& random) {
     return c;
 }
 
+/// Words that must stand in a long text, and some that must not, alone, in groups and near each other.
+RandomCase caseOfForbiddenWords(std::mt19937& random) {
+    static constexpr View Letters[] = {u"a", u"b", u"C", u"d"};
+    RandomCase c;
+    const auto word = [&](std::size_t length) { return joined(random, Letters, length); };
+    const auto common = [&] { return word(1 + random() % 2); };
+    const auto rare = [&] { return word(random() % 8 ? 4 : 2); };
+    const auto part = [&]() -> std::u16string {
+        switch (random() % 10) {
+            case 0:
+                return u"(" + common() + u" OR " + rare() + u")";
+            case 1:
+                return u"-(" + rare() + u" OR " + rare() + u")";
+            case 2:
+                return u"(" + common() + u" NEAR/4 " + common() + u")";
+            case 3:
+                return u"(" + common() + u" -" + rare() + u" " + common() + u")";
+            case 4:
+                return u"(-" + common() + u" AFTER/2 (" + common() + u" -" + rare() + u"))";
+            case 5:
+                return u"(" + rare() + u" XOR " + common() + u")";
+            case 6:
+                return random() % 2 ? u"~" + common() : u"\"" + common() + u" a\"";
+            case 7:
+                return common();
+            default:
+                return u"-" + rare();
+        }
+    };
+    for (std::size_t count = 4 + random() % 4; count > 0; --count) c.query += part() + (random() % 16 ? u" " : u" OR ");
+    c.query += common();
+    while (c.text.size() < 500) c.text.append(word(1 + random() % 3)).append(random() % 8 ? u" " : u"-, ");
+    c.comparison = static_cast<WildcardComparison>(random() % 2);
+    return c;
+}
+
 /// VELMO_QUERY_CASES sets another number of cases, VELMO_QUERY_SEED other ones.
 struct Cases {
     explicit Cases(long usual) {
@@ -324,11 +360,11 @@ TEST(QueryReference, RandomCasesWithinRunsAgree) {
     EXPECT_LT(found, cases.count - cases.count / 8);
 }
 
-void expectManyWordsAgree(long usual) {
+void expectManyWordsAgree(long usual, RandomCase (*randomCaseOf)(std::mt19937&) = caseOfManyWords) {
     Cases cases(usual);
     long found = 0;
     for (long i = 0; i < cases.count; ++i) {
-        const RandomCase c = caseOfManyWords(cases.random);
+        const RandomCase c = randomCaseOf(cases.random);
         test::RefNode reference;
         test::refParse(reference, c.query, {reference.op, reference.distance, c.options.wildcard});
         const QueryTerms terms(c.query, c.options);
@@ -341,9 +377,12 @@ void expectManyWordsAgree(long usual) {
 
 TEST(QueryReference, ManyWordsAgree) { expectManyWordsAgree(4000); }
 
+TEST(QueryReference, ForbiddenWordsAgree) { expectManyWordsAgree(4000, caseOfForbiddenWords); }
+
 TEST(QueryReference, ManyWordsAgreeOnSmallerMachines) {
     const test::WithoutAvx512 smaller;
     expectManyWordsAgree(2000);
+    expectManyWordsAgree(1000, caseOfForbiddenWords);
 }
 
 TEST(QueryReference, RandomCasesAgree) {
